@@ -1,0 +1,43 @@
+# Two interface targets that every one of our own targets links privately: what the language and the
+# checks are, and what the compiler may complain of. Third-party code links neither.
+
+add_library(spacemint_options INTERFACE)
+target_compile_features(spacemint_options INTERFACE cxx_std_23)
+set(CMAKE_CXX_EXTENSIONS OFF)
+target_compile_definitions(spacemint_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+
+set(SPACEMINT_SANITIZE "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined or thread")
+if(SPACEMINT_SANITIZE)
+  target_compile_options(spacemint_options INTERFACE
+    -fsanitize=${SPACEMINT_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(spacemint_options INTERFACE -fsanitize=${SPACEMINT_SANITIZE})
+endif()
+
+option(SPACEMINT_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
+add_library(spacemint_warnings INTERFACE)
+target_compile_options(spacemint_warnings INTERFACE
+  -Wall -Wextra -Wpedantic
+  -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi
+  -Wcast-align -Wcast-qual -Wformat=2 -Wdouble-promotion
+  -Wimplicit-fallthrough -Wswitch-enum -Wundef
+  $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local;-Wduplicated-cond;-Wduplicated-branches;-Wlogical-op>
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+  $<$<BOOL:${SPACEMINT_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# ccache and mold make rebuilds quicker where they are installed; nothing needs them.
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+find_program(MOLD mold)
+if(MOLD AND NOT CMAKE_INTERPROCEDURAL_OPTIMIZATION)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+option(SPACEMINT_CLANG_TIDY "Run clang-tidy with every compile" OFF)
+if(SPACEMINT_CLANG_TIDY)
+  # clang-tidy 14 cannot parse std::expected with libstdc++ 12; 19 can.
+  find_program(CLANG_TIDY NAMES clang-tidy-19 REQUIRED)
+  set(CMAKE_CXX_CLANG_TIDY "${CLANG_TIDY};--extra-arg=-Wno-unknown-warning-option")
+endif()

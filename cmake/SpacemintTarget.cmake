@@ -1,0 +1,41 @@
+# spacemint_library(NAME MAY_USE a b … LINKS x y … SOURCES … HEADERS …)
+#
+# One way to make a library, and the one place where the layers are written down: a target links the
+# layers that MAY_USE names and nothing else, and configuring fails when a layer reaches upward.
+# LINKS are libraries from outside, used by the sources only.
+
+set(SPACEMINT_LAYERS
+  "SpacemintBase:"
+  "SpacemintHost:SpacemintBase"
+  "SpacemintCore:SpacemintBase,SpacemintHost"
+  "spacemintctl:SpacemintCore")
+set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|spacemintctl)$")
+
+function(spacemint_check_layer name)
+  foreach(rule IN LISTS SPACEMINT_LAYERS)
+    string(REGEX MATCH "^([^:]+):(.*)$" _ "${rule}")
+    if(CMAKE_MATCH_1 STREQUAL name)
+      string(REPLACE "," ";" allowed "${CMAKE_MATCH_2}")
+      foreach(dep IN LISTS ARGN)
+        if(dep MATCHES "^(Spacemint|spacemint|ui_kit)" AND NOT dep IN_LIST allowed)
+          message(FATAL_ERROR "${name} may not depend on ${dep}; allowed: ${allowed}")
+        endif()
+        if(dep MATCHES "^Qt6::" AND name MATCHES ${SPACEMINT_PLAIN})
+          message(FATAL_ERROR "${name} is plain C++ and may not depend on ${dep}")
+        endif()
+      endforeach()
+      return()
+    endif()
+  endforeach()
+  message(FATAL_ERROR "${name} has no line in SPACEMINT_LAYERS")
+endfunction()
+
+function(spacemint_library name)
+  cmake_parse_arguments(ARG "" "" "MAY_USE;LINKS;SOURCES;HEADERS" ${ARGN})
+  spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS})
+  add_library(${name} STATIC)
+  target_sources(${name} PRIVATE ${ARG_SOURCES})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+  target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} PRIVATE ${ARG_LINKS} spacemint_options spacemint_warnings)
+  target_compile_features(${name} PUBLIC cxx_std_23)
+endfunction()

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/base/Bytes.h"
+
+#include <string>
+
+namespace spacemint {
+
+/// The one way in which byte counts are shown. Stateless; any thread.
+namespace ByteFormat {
+
+/// A short text such as "1.5 KB", in decimal units of 1,000. `locale` is an ICU locale identifier such as
+/// "en_US"; it decides the decimal mark, the grouping and the minus sign.
+std::string string(Bytes bytes, const std::string& locale);
+
+}  // namespace ByteFormat
+
+/// A whole number with the grouping of `locale`, such as "600,000".
+std::string groupedNumber(std::int64_t number, const std::string& locale);
+
+}  // namespace spacemint

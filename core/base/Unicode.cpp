@@ -1,0 +1,91 @@
+#include "core/base/Unicode.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
+
+namespace spacemint {
+
+namespace {
+
+const icu::Normalizer2& decomposition() {
+  static const icu::Normalizer2& instance = [] -> const icu::Normalizer2& {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* found = icu::Normalizer2::getNFDInstance(status);
+    if (U_FAILURE(status) || found == nullptr) std::abort();  // ICU carries this table in its code
+    return *found;
+  }();
+  return instance;
+}
+
+icu::UnicodeString utf16(std::string_view text) {
+  return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+icu::UnicodeString decomposed(std::string_view text) {
+  UErrorCode status = U_ZERO_ERROR;
+  return decomposition().normalize(utf16(text), status);
+}
+
+// Canonical equivalence can only join texts of different bytes where one has characters beyond ASCII.
+bool mayBeEquivalent(std::string_view a, std::string_view b) {
+  return !(isAscii(a) && isAscii(b)) && isValidUtf8(a) && isValidUtf8(b);
+}
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"  // inside ICU's macro
+#pragma GCC diagnostic ignored "-Wsign-conversion"
+// The character at `at`, which moves behind it; negative for bytes that are not UTF-8.
+UChar32 nextCharacter(std::string_view text, std::size_t& at) {
+  UChar32 character = 0;
+  U8_NEXT(text.data(), at, text.size(), character);
+  return character;
+}
+#pragma GCC diagnostic pop
+
+// End of the run of characters from `start` that can be decomposed without looking at what follows.
+std::size_t segmentEnd(std::string_view text, std::size_t start) {
+  std::size_t at = start;
+  nextCharacter(text, at);
+  for (std::size_t next = at; next < text.size(); at = next) {
+    if (decomposition().hasBoundaryBefore(nextCharacter(text, next))) break;
+  }
+  return at;
+}
+
+}  // namespace
+
+bool isAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool isValidUtf8(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    if (nextCharacter(text, at) < 0) return false;
+  }
+  return true;
+}
+
+bool canonicallyEqual(std::string_view a, std::string_view b) {
+  if (a == b) return true;
+  return mayBeEquivalent(a, b) && decomposed(a) == decomposed(b);
+}
+
+std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix) {
+  if (text.starts_with(prefix)) return prefix.size();
+  if (!mayBeEquivalent(text, prefix)) return std::nullopt;
+  const icu::UnicodeString wanted = decomposed(prefix);
+  icu::UnicodeString seen;
+  std::size_t at = 0;
+  while (at < text.size() && seen.length() < wanted.length()) {
+    const std::size_t end = segmentEnd(text, at);
+    seen += decomposed(text.substr(at, end - at));
+    at = end;
+  }
+  if (seen != wanted) return std::nullopt;
+  return at;
+}
+
+}  // namespace spacemint

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace spacemint {
+
+/// File names and paths are bytes, UTF-8 by intent. Text that is not valid UTF-8 equals only itself.
+
+bool isAscii(std::string_view text);
+bool isValidUtf8(std::string_view text);
+
+/// Equality under Unicode canonical equivalence: a precomposed and a decomposed accent are equal.
+bool canonicallyEqual(std::string_view a, std::string_view b);
+
+/// How many bytes of `text` spell `prefix` under canonical equivalence; absent when `text` does not begin
+/// with it.
+std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix);
+
+}  // namespace spacemint

@@ -1,0 +1,83 @@
+#include "core/host/UserFolders.h"
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <pwd.h>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace spacemint {
+
+namespace {
+
+std::string trimmed(std::string path) {
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
+// Only an absolute path counts; anything else in such a variable is ignored.
+std::optional<std::string> folderVariable(const char* name) {
+  const char* value = std::getenv(name);
+  if (value == nullptr || *value != '/') return std::nullopt;
+  return trimmed(value);
+}
+
+std::string homeOfPasswordDatabase() {
+  std::vector<char> buffer(16'384);
+  passwd entry{};
+  passwd* found = nullptr;
+  if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr ||
+      found->pw_dir == nullptr || *found->pw_dir != '/') {
+    return "/";
+  }
+  return trimmed(found->pw_dir);
+}
+
+std::string underHome(std::string_view relative) {
+  std::string path = UserFolders::home();
+  if (!path.ends_with('/')) path += '/';
+  path += relative;
+  return path;
+}
+
+}  // namespace
+
+std::string UserFolders::home() {
+  const auto folder = folderVariable("HOME");
+  return folder ? *folder : homeOfPasswordDatabase();
+}
+
+std::string UserFolders::data() {
+  const auto folder = folderVariable("XDG_DATA_HOME");
+  return folder ? *folder : underHome(".local/share");
+}
+
+std::string UserFolders::config() {
+  const auto folder = folderVariable("XDG_CONFIG_HOME");
+  return folder ? *folder : underHome(".config");
+}
+
+std::string UserFolders::state() {
+  const auto folder = folderVariable("XDG_STATE_HOME");
+  return folder ? *folder : underHome(".local/state");
+}
+
+std::string UserFolders::cache() {
+  const auto folder = folderVariable("XDG_CACHE_HOME");
+  return folder ? *folder : underHome(".cache");
+}
+
+std::string userLocale() {
+  for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
+    const char* value = std::getenv(variable);
+    if (value == nullptr || *value == '\0') continue;
+    const std::string_view name = value;
+    const std::string language{name.substr(0, name.find_first_of(".@"))};
+    return language == "C" || language == "POSIX" ? "en" : language;
+  }
+  return "en";
+}
+
+}  // namespace spacemint

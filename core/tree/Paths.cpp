@@ -1,0 +1,43 @@
+#include "core/tree/Paths.h"
+
+#include "core/base/Unicode.h"
+
+namespace spacemint {
+
+std::string Paths::join(std::string_view base, std::string_view name) {
+  std::string path;
+  path.reserve(base.size() + 1 + name.size());
+  path += base;
+  if (!base.ends_with('/')) path += '/';
+  path += name;
+  return path;
+}
+
+std::string Paths::logical(std::string_view path) {
+  const auto length = canonicalPrefixLength(path, dataVolume);
+  if (!length) return std::string{path};
+  const std::string_view rest = path.substr(*length);
+  return rest.empty() ? "/" : std::string{rest};
+}
+
+std::string Paths::display(std::string_view path, std::string_view home) {
+  const std::string shortPath = logical(path);
+  if (canonicallyEqual(shortPath, home)) return "~";
+  const auto length = canonicalPrefixLength(shortPath, join(home, ""));
+  if (!length) return shortPath;
+  return "~/" + shortPath.substr(*length);
+}
+
+std::string Paths::lastComponent(std::string_view path) {
+  const std::string_view trimmed = withoutTrailingSlash(path);
+  const std::size_t slash = trimmed.rfind('/');
+  if (slash == std::string_view::npos || trimmed == "/") return std::string{trimmed};
+  return std::string{trimmed.substr(slash + 1)};
+}
+
+std::string_view Paths::withoutTrailingSlash(std::string_view path) {
+  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+  return path;
+}
+
+}  // namespace spacemint

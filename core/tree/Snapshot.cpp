@@ -1,0 +1,173 @@
+#include "core/tree/Snapshot.h"
+
+#include "core/base/Unicode.h"
+#include "core/tree/TreeWalk.h"
+
+#include <algorithm>
+#include <functional>
+#include <ranges>
+
+namespace spacemint {
+
+namespace {
+
+bool beginsWith(std::string_view path, std::string_view prefix) {
+  return canonicalPrefixLength(path, prefix).has_value();
+}
+
+std::vector<std::string> split(std::string_view path) {
+  std::vector<std::string> pieces;
+  while (!path.empty()) {
+    const std::size_t slash = std::min(path.find('/'), path.size());
+    if (slash > 0) pieces.emplace_back(path.substr(0, slash));
+    path.remove_prefix(std::min(slash + 1, path.size()));
+  }
+  return pieces;
+}
+
+// Where an edit happens: the folders from the root down to the parent, and the node there, if any.
+struct Place {
+  std::string name;
+  std::vector<Node*> chain;
+  Node* node = nullptr;
+
+  void erase() const {
+    auto& siblings = chain.back()->children;
+    siblings.erase(siblings.begin() + (node - siblings.data()));
+  }
+};
+
+Node* mutableChild(Node& parent, std::string_view name) { return const_cast<Node*>(parent.child(name)); }
+
+// Absent for the root, and where a folder on the way is not in the tree.
+std::optional<Place> placeOf(Snapshot& snapshot, std::string_view path) {
+  auto names = snapshot.components(path);
+  if (!names || names->empty()) return std::nullopt;
+  Place place{.name = std::move(names->back()), .chain = {&snapshot.root}};
+  names->pop_back();
+  for (const std::string& name : *names) {
+    Node* next = mutableChild(*place.chain.back(), name);
+    if (next == nullptr) return std::nullopt;
+    place.chain.push_back(next);
+  }
+  place.node = mutableChild(*place.chain.back(), place.name);
+  return place;
+}
+
+struct Change {
+  Bytes size = 0;
+  std::int64_t files = 0;
+};
+
+// From the innermost folder up: sorting a folder's children leaves the pointers to its ancestors valid.
+void apply(Change change, const std::vector<Node*>& chain, Snapshot& snapshot) {
+  for (Node* node : chain | std::views::reverse) {
+    node->size = checkedAdd(node->size, change.size);
+    node->fileCount = checkedAdd(node->fileCount, change.files);
+    sortBySize(node->children);
+  }
+  snapshot.fileCount = checkedAdd(snapshot.fileCount, change.files);
+}
+
+}  // namespace
+
+std::string Snapshot::resolve(std::string_view path) const {
+  const bool needsVolume = !beginsWith(path, rootPath()) && beginsWith(rootPath(), Paths::dataVolume) &&
+                           !beginsWith(path, Paths::dataVolume);
+  return needsVolume ? std::string{Paths::dataVolume} + std::string{path} : std::string{path};
+}
+
+std::optional<std::vector<std::string>> Snapshot::components(std::string_view path) const {
+  const std::string resolved = resolve(path);
+  if (canonicallyEqual(Paths::withoutTrailingSlash(resolved), Paths::withoutTrailingSlash(rootPath()))) {
+    return std::vector<std::string>{};
+  }
+  const auto length = canonicalPrefixLength(resolved, Paths::join(rootPath(), ""));
+  if (!length) return std::nullopt;
+  return split(std::string_view{resolved}.substr(*length));
+}
+
+const Node* Snapshot::nodeAt(std::string_view path) const {
+  const auto names = components(path);
+  if (!names) return nullptr;
+  const Node* node = &root;
+  for (const std::string& name : *names) {
+    node = node->child(name);
+    if (node == nullptr) return nullptr;
+  }
+  return node;
+}
+
+std::unordered_map<std::string, Bytes> Snapshot::flattened() const {
+  std::unordered_map<std::string, Bytes> sizes;
+  walkTree(root, [&](const std::string& path, const Node& node) { sizes.emplace(path, node.size); });
+  return sizes;
+}
+
+std::vector<FileItem> Snapshot::largestFiles(std::size_t limit) const {
+  if (limit == 0) return {};
+  std::vector<Bytes> sizes;
+  walkTree(root, [&](const std::string&, const Node& node) {
+    if (!node.isDirectory) sizes.push_back(node.size);
+  });
+  limit = std::min(limit, sizes.size());
+  if (limit == 0) return {};
+  // Only what can be among the first `limit` gets a path.
+  const auto last = sizes.begin() + static_cast<std::ptrdiff_t>(limit) - 1;
+  std::ranges::nth_element(sizes, last, std::greater{});
+  std::vector<FileItem> files;
+  walkTree(root, [&](const std::string& path, const Node& node) {
+    if (!node.isDirectory && node.size >= *last) files.push_back({path, node.size, node.modified});
+  });
+  std::ranges::stable_sort(files, std::greater{}, &FileItem::size);
+  files.resize(limit);
+  return files;
+}
+
+bool Snapshot::canSeedIncrementalScan(const SeedRequirements& requirements) const {
+  return canonicallyEqual(root.name, requirements.root) && minNodeSize == requirements.minNodeSize && eventID.has_value() &&
+         root.fileCount >= 1 && format == currentFormat && fullScanDate.has_value() &&
+         requirements.now - *fullScanDate < requirements.fullScanInterval;
+}
+
+bool Snapshot::replace(std::string_view path, Node node) {
+  const auto place = placeOf(*this, path);
+  if (!place || place->node == nullptr) return false;
+  Node& old = *place->node;
+  const Change change{.size = checkedSubtract(node.size, old.size),
+                      .files = checkedSubtract(node.fileCount, old.fileCount)};
+  if (node.size < minNodeSize) {
+    place->erase();
+  } else {
+    node.name = std::move(old.name);  // the spelling on the disk, where the path given is only equivalent
+    old = std::move(node);
+  }
+  apply(change, place->chain, *this);
+  return true;
+}
+
+bool Snapshot::upsert(std::string_view path, Node node) {
+  auto place = placeOf(*this, path);
+  if (!place) return false;
+  if (place->node != nullptr) return replace(path, std::move(node));
+  if (node.size < minNodeSize) return false;
+  const Change change{.size = node.size, .files = node.fileCount};
+  node.name = std::move(place->name);
+  place->chain.back()->children.push_back(std::move(node));
+  apply(change, place->chain, *this);
+  return true;
+}
+
+bool Snapshot::remove(std::string_view path) {
+  const auto place = placeOf(*this, path);
+  if (!place || place->node == nullptr) return false;
+  const Change change{.size = checkedSubtract(0, place->node->size),
+                      .files = place->node->isDirectory ? checkedSubtract(0, place->node->fileCount) : -1};
+  place->erase();
+  apply(change, place->chain, *this);
+  for (Node* node : place->chain) node->fileCount = std::max<std::int64_t>(0, node->fileCount);
+  fileCount = std::max<std::int64_t>(0, fileCount);
+  return true;
+}
+
+}  // namespace spacemint

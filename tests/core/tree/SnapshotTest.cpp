@@ -1,0 +1,182 @@
+#include "core/tree/Snapshot.h"
+
+#include "support/TreeBuilder.h"
+
+#include <gtest/gtest.h>
+
+namespace spacemint {
+namespace {
+
+using support::file;
+using support::folder;
+using support::names;
+using Names = std::vector<std::string>;
+
+constexpr Bytes mega = 1'000'000;
+
+Snapshot snapshotOf(Node root, Bytes minNodeSize = 20 * mega) {
+  Snapshot snapshot{.root = std::move(root), .minNodeSize = minNodeSize};
+  snapshot.fileCount = snapshot.root.fileCount;
+  return snapshot;
+}
+
+// A home with 300 MB of which 10 MB are in files too small to be listed.
+Snapshot home() {
+  return snapshotOf(folder("/home/ann",
+                           {folder("Movies", {file("b.mov", 90 * mega), file("a.mov", 90 * mega)}),
+                            folder("Code", {folder("app", {file("core", 60 * mega)})}),
+                            file("disk.img", 50 * mega)},
+                           {.unlisted = 10 * mega, .unlistedFiles = 3}));
+}
+
+TEST(Snapshot, splitsAPathIntoNamesBelowTheRoot) {
+  struct Case {
+    const char* root;
+    const char* path;
+    std::optional<Names> names;
+  };
+  const Case cases[]{
+      {"/home/ann", "/home/ann", Names{}},
+      {"/home/ann", "/home/ann/", Names{}},
+      {"/home/ann", "/home/ann/a//b/", Names{"a", "b"}},
+      {"/home/ann", "/home/annex/y", std::nullopt},
+      {"/home/ann", "/home", std::nullopt},
+      {"/home/ann", "relative", std::nullopt},
+      {"/", "/home/ann", Names{"home", "ann"}},
+      {"/", "/", Names{}},
+      {"/home/ann/", "/home/ann/x", Names{"x"}},
+      {"/home/ann/", "/home/ann", Names{}},
+      {"/System/Volumes/Data", "/Users/ann/Movies", Names{"Users", "ann", "Movies"}},
+      {"/System/Volumes/Data", "/System/Volumes/Data/Users", Names{"Users"}},
+      {"/System/Volumes/Data", "/", Names{}},
+      {"/home/ren\u00e9", "/home/rene\u0301/x", Names{"x"}},
+  };
+  for (const Case& c : cases) {
+    const Snapshot snapshot = snapshotOf(folder(c.root, {}));
+    EXPECT_EQ(snapshot.components(c.path), c.names) << c.root << ' ' << c.path;
+  }
+}
+
+TEST(Snapshot, findsNodesByThePathPeopleUse) {
+  const Snapshot whole = snapshotOf(
+      folder("/System/Volumes/Data", {folder("Users", {folder("ann", {file("caf\u00e9", 30 * mega)})})}));
+  EXPECT_EQ(whole.nodeAt("/Users/ann/cafe\u0301")->size, 30 * mega);
+  EXPECT_EQ(whole.nodeAt("/Users/bob"), nullptr);
+  EXPECT_EQ(whole.nodeAt("/System/Volumes/Data"), &whole.root);
+  EXPECT_EQ(whole.resolve("/Users"), "/System/Volumes/Data/Users");
+  EXPECT_EQ(home().resolve("/Users"), "/Users");
+
+  // Where the disk holds both spellings, each path finds its own.
+  const Snapshot both = snapshotOf(folder("/r", {file("e\u0301", 40 * mega), file("\u00e9", 30 * mega)}));
+  EXPECT_EQ(both.nodeAt("/r/\u00e9")->size, 30 * mega);
+  EXPECT_EQ(both.nodeAt("/r/e\u0301")->size, 40 * mega);
+}
+
+TEST(Snapshot, listsEveryNodeAndTheLargestFiles) {
+  const Snapshot snapshot = home();
+  const auto sizes = snapshot.flattened();
+  EXPECT_EQ(sizes.size(), 8U);
+  EXPECT_EQ(sizes.at("/home/ann"), 300 * mega);
+  EXPECT_EQ(sizes.at("/home/ann/Code/app/core"), 60 * mega);
+  EXPECT_EQ(snapshotOf(folder("/", {file("x", mega)})).flattened().count("/x"), 1U);
+
+  const auto largest = snapshot.largestFiles(3);
+  ASSERT_EQ(largest.size(), 3U);
+  EXPECT_EQ(largest[0].path, "/home/ann/Movies/b.mov");  // met first among equals
+  EXPECT_EQ(largest[1].name(), "a.mov");
+  EXPECT_EQ(largest[2].id(), "/home/ann/Code/app/core");
+  EXPECT_TRUE(snapshot.largestFiles(0).empty());
+  EXPECT_EQ(snapshot.largestFiles(99).size(), 4U);
+}
+
+TEST(Snapshot, replacingKeepsEveryTotalTrue) {
+  Snapshot snapshot = home();
+  Node measured = folder("/home/ann/Code", {file("core", 200 * mega)}, {.unlistedFiles = 6});
+  EXPECT_TRUE(snapshot.replace("/home/ann/Code", measured));
+  EXPECT_EQ(snapshot.root.size, 440 * mega);
+  EXPECT_EQ(snapshot.root.fileCount, 13);
+  EXPECT_EQ(snapshot.fileCount, 13);
+  EXPECT_EQ(names(snapshot.root), (Names{"Code", "Movies", "disk.img"}));
+  EXPECT_EQ(snapshot.nodeAt("/home/ann/Code/core")->size, 200 * mega);
+
+  EXPECT_TRUE(snapshot.replace("/home/ann/Code", folder("x", {}, {.unlisted = 1'000})));
+  EXPECT_EQ(snapshot.nodeAt("/home/ann/Code"), nullptr);
+  EXPECT_EQ(snapshot.root.size, 240 * mega + 1'000);
+  EXPECT_EQ(snapshot.root.unlistedSize(), 10 * mega + 1'000);
+
+  const Snapshot before = snapshot;
+  EXPECT_FALSE(snapshot.replace("/home/ann/Nothing", measured));
+  EXPECT_FALSE(snapshot.replace("/home/ann", measured));
+  EXPECT_FALSE(snapshot.replace("/elsewhere", measured));
+  EXPECT_EQ(snapshot, before);
+}
+
+TEST(Snapshot, upsertingInsertsOnlyWhatIsLargeEnoughUnderAKnownFolder) {
+  Snapshot snapshot = home();
+  const Snapshot before = snapshot;
+  EXPECT_FALSE(snapshot.upsert("/home/ann/small", file("small", 20 * mega - 1)));
+  EXPECT_FALSE(snapshot.upsert("/home/ann/none/new", file("new", 30 * mega)));
+  EXPECT_FALSE(snapshot.upsert("/home/ann", file("new", 30 * mega)));
+  EXPECT_EQ(snapshot, before);
+
+  EXPECT_TRUE(snapshot.upsert("/home/ann/Code/new", folder("/tmp/measured", {file("f", 70 * mega)})));
+  EXPECT_EQ(snapshot.root.size, 370 * mega);
+  EXPECT_EQ(snapshot.fileCount, before.fileCount + 1);
+  EXPECT_EQ(names(*snapshot.nodeAt("/home/ann/Code")), (Names{"new", "app"}));
+  EXPECT_TRUE(snapshot.upsert("/home/ann/Code/new", folder("new", {file("f", 30 * mega)})));
+  EXPECT_EQ(names(*snapshot.nodeAt("/home/ann/Code")), (Names{"app", "new"}));
+}
+
+TEST(Snapshot, removingTakesAFolderWithItsFilesAndAFileAsOne) {
+  Snapshot snapshot = home();
+  EXPECT_EQ(snapshot.fileCount, 7);
+  EXPECT_TRUE(snapshot.remove("/home/ann/Movies/b.mov"));
+  EXPECT_EQ(snapshot.nodeAt("/home/ann/Movies")->fileCount, 1);
+  EXPECT_EQ(snapshot.root.size, 210 * mega);
+  EXPECT_EQ(names(snapshot.root), (Names{"Movies", "Code", "disk.img"}));
+  EXPECT_TRUE(snapshot.remove("/home/ann/Code"));
+  EXPECT_EQ(snapshot.fileCount, 5);
+  EXPECT_FALSE(snapshot.remove("/home/ann/Code"));
+  EXPECT_FALSE(snapshot.remove("/home/ann"));
+
+  // Counts of a damaged document never go below zero.
+  snapshot.root.fileCount = 0;
+  snapshot.fileCount = 0;
+  EXPECT_TRUE(snapshot.remove("/home/ann/disk.img"));
+  EXPECT_EQ(snapshot.root.fileCount, 0);
+  EXPECT_EQ(snapshot.fileCount, 0);
+}
+
+TEST(Snapshot, editsKeepTheSpellingThatIsOnTheDisk) {
+  Snapshot snapshot = snapshotOf(folder("/r", {file("caf\u00e9", 30 * mega)}));
+  EXPECT_TRUE(snapshot.replace("/r/cafe\u0301", file("x", 40 * mega)));
+  EXPECT_EQ(names(snapshot.root), Names{"caf\u00e9"});
+}
+
+TEST(Snapshot, seedsAnIncrementalScanOnlyWhenEverythingFits) {
+  using std::chrono::seconds;
+  const Date now{seconds{1'700'000'000}};
+  Snapshot good = home();
+  good.eventID = 7;
+  good.fullScanDate = now - seconds{259'200} + std::chrono::microseconds{1};
+  const SeedRequirements wanted{
+      .root = "/home/ann", .minNodeSize = 20 * mega, .now = now, .fullScanInterval = seconds{259'200}};
+  EXPECT_TRUE(good.canSeedIncrementalScan(wanted));
+
+  const auto seeds = [&](auto change) {
+    Snapshot snapshot = good;
+    change(snapshot);
+    return snapshot.canSeedIncrementalScan(wanted);
+  };
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.root.name = "/home"; }));
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.minNodeSize += 1; }));
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.eventID.reset(); }));
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.root.fileCount = 0; }));
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.format.reset(); }));
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.format = 2; }));
+  EXPECT_FALSE(seeds([](Snapshot& s) { s.fullScanDate.reset(); }));
+  EXPECT_FALSE(seeds([&](Snapshot& s) { s.fullScanDate = now - seconds{259'200}; }));
+}
+
+}  // namespace
+}  // namespace spacemint
