@@ -19,7 +19,7 @@ struct Node {
   static constexpr std::size_t maximumDepth = 10'000;
 
   /// The path component as the file system lists it; for the root of a tree the full path of the scan.
-  std::string name;
+  std::string name = {};
   /// Bytes allocated on disk.
   Bytes size = 0;
   bool isDirectory = false;

@@ -1,0 +1,179 @@
+#include "core/host/FolderListing.h"
+#include "core/host/linux/FileHandle.h"
+#include "core/host/linux/MountTable.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
+
+namespace spacemint {
+
+namespace {
+
+constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_BLOCKS;
+constexpr int entryFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+constexpr Bytes blockSize = 512;
+// More than any file system can hold; only a broken one says so.
+constexpr std::uint64_t largestBlockCount = std::uint64_t{1} << 50U;
+
+// Listing a folder would set its access time, and so write to the disk for every folder of a scan. Only the
+// owner may ask for that to be left out.
+FileHandle openFolder(int parent, const char* name, int flags) {
+  FileHandle opened{openat(parent, name, flags | O_NOATIME)};
+  return opened || errno != EPERM ? std::move(opened) : FileHandle{openat(parent, name, flags)};
+}
+
+// The mount that an open folder is on, told by its handle alone.
+struct Mounted {
+  std::uint64_t device = 0;
+  std::uint64_t mountId = 0;
+
+  bool operator==(const Mounted&) const = default;
+};
+
+std::expected<Mounted, int> mountedOn(const FileHandle& folder) {
+  struct statx status {};
+  if (statx(folder.get(), "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_TYPE | STATX_MNT_ID, &status) != 0) {
+    return std::unexpected(errno);
+  }
+  return Mounted{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_mnt_id};
+}
+
+EntryType typeOf(const struct statx& status) {
+  if (S_ISREG(status.stx_mode)) return EntryType::file;
+  return S_ISDIR(status.stx_mode) ? EntryType::folder : EntryType::other;
+}
+
+// What all folders of one walk share.
+struct Root {
+  Mounted mounted;
+  MountTree mounts;
+};
+
+class LinuxFolder final : public OpenFolder {
+ public:
+  LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts)
+      : handle_(std::move(handle)), root_(std::move(root)), mounts_(mounts) {}
+
+  std::uint64_t device() const override { return root_->mounted.device; }
+
+  Batch nextBatch(ListingBuffer& buffer) override {
+    buffer.entries.clear();
+    // A call may return only "." and "..", which is not yet the end.
+    while (buffer.entries.empty()) {
+      const long length =
+          syscall(SYS_getdents64, handle_.get(), buffer.bytes.get(), ListingBuffer::size);
+      if (length < 0) return {.error = errno};
+      if (length == 0) return {};
+      parse(buffer, static_cast<std::size_t>(length));
+    }
+    return {.entries = buffer.entries};
+  }
+
+  std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
+    const MountTree* mounts = mounts_ != nullptr ? mounts_->child(name) : nullptr;
+    if (mounts != nullptr && mounts->isMountPoint) return std::unexpected(EXDEV);
+    FileHandle opened = openFolder(handle_.get(), name.c_str(), openFlags | O_NOFOLLOW);
+    if (!opened) return std::unexpected(errno);
+    const auto mounted = mountedOn(opened);
+    if (!mounted) return std::unexpected(mounted.error());
+    // A volume that appeared since the table was read, or a subvolume, which has a device of its own.
+    if (*mounted != root_->mounted) return std::unexpected(EXDEV);
+    return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts);
+  }
+
+ private:
+  void parse(ListingBuffer& buffer, std::size_t length) {
+    for (std::size_t at = 0; at < length;) {
+      const auto* record = reinterpret_cast<const dirent64*>(buffer.bytes.get() + at);
+      at += record->d_reclen;
+      const std::string_view name = record->d_name;
+      if (name == "." || name == "..") continue;
+      buffer.entries.push_back(entryOf(name, record->d_type));
+    }
+  }
+
+  // `name` ends in a NUL byte.
+  Entry entryOf(std::string_view name, unsigned char kind) const {
+    Entry entry{.name = name, .device = root_->mounted.device};
+    if (mounts_ != nullptr && isMountPoint(name)) {
+      entry.type = EntryType::folder;
+      entry.device = Entry::otherVolume;
+      return entry;
+    }
+    if (kind == DT_DIR) {
+      entry.type = EntryType::folder;
+      return entry;
+    }
+    struct statx status {};
+    if (statx(handle_.get(), name.data(), entryFlags, entryMask, &status) != 0) {
+      entry.error = errno;
+      return entry;
+    }
+    entry.type = typeOf(status);
+    entry.links = status.stx_nlink;
+    entry.modified = status.stx_mtime.tv_sec;
+    if (status.stx_blocks > largestBlockCount) {
+      entry.error = EOVERFLOW;
+    } else {
+      entry.allocated = static_cast<Bytes>(status.stx_blocks) * blockSize;
+    }
+    return entry;
+  }
+
+  bool isMountPoint(std::string_view name) const {
+    const MountTree* mount = mounts_->child(name);
+    return mount != nullptr && mount->isMountPoint;
+  }
+
+  FileHandle handle_;
+  std::shared_ptr<const Root> root_;
+  // The mounts below this folder; null where there are none, as nearly everywhere.
+  const MountTree* mounts_;
+};
+
+// The absolute path of an open folder without links, as the table of mounts spells it.
+std::string realPathOf(const FileHandle& folder) {
+  const std::string link = "/proc/self/fd/" + std::to_string(folder.get());
+  std::string path(PATH_MAX, '\0');
+  const ssize_t length = readlink(link.c_str(), path.data(), path.size());
+  path.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+  return path;
+}
+
+class LinuxFolderListing final : public FolderListing {
+ public:
+  std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& path) override {
+    FileHandle handle = openFolder(AT_FDCWD, path.c_str(), openFlags);
+    if (!handle) return std::unexpected(systemError(path, errno));
+    const auto mounted = mountedOn(handle);
+    if (!mounted) return std::unexpected(systemError(path, mounted.error()));
+    auto root = std::make_shared<Root>(Root{*mounted, mountsBelow(realPathOf(handle), currentMounts())});
+    const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
+    return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts);
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<FolderListing> hostFolderListing() { return std::make_unique<LinuxFolderListing>(); }
+
+std::size_t raiseOpenFileLimit(std::size_t wanted) {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 0;
+  const rlim_t raised = std::min<rlim_t>(limit.rlim_max, wanted);
+  if (limit.rlim_cur < raised) {
+    const rlimit higher{raised, limit.rlim_max};
+    if (setrlimit(RLIMIT_NOFILE, &higher) == 0) return raised;
+  }
+  return limit.rlim_cur;
+}
+
+}  // namespace spacemint

@@ -1,0 +1,111 @@
+#include "core/host/linux/MountTable.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <sys/sysmacros.h>
+
+namespace spacemint {
+
+namespace {
+
+std::string_view nextWord(std::string_view& line) {
+  const std::size_t end = std::min(line.find(' '), line.size());
+  const std::string_view word = line.substr(0, end);
+  line.remove_prefix(std::min(end + 1, line.size()));
+  return word;
+}
+
+bool isOctal(std::string_view digits) {
+  return digits.size() == 3 && digits.find_first_not_of("01234567") == std::string_view::npos;
+}
+
+// The kernel writes blanks, line ends and backslashes in a name as a backslash and three octal digits.
+std::string unescaped(std::string_view word) {
+  std::string text;
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    const std::string_view digits = word.substr(i + 1).substr(0, 3);
+    if (word[i] != '\\' || !isOctal(digits)) {
+      text += word[i];
+      continue;
+    }
+    const int code = (digits[0] - '0') * 64 + (digits[1] - '0') * 8 + (digits[2] - '0');
+    text += static_cast<char>(code);
+    i += 3;
+  }
+  return text;
+}
+
+std::optional<std::uint64_t> parseDevice(std::string_view word) {
+  unsigned major = 0;
+  unsigned minor = 0;
+  const char* end = word.data() + word.size();
+  const auto first = std::from_chars(word.data(), end, major);
+  if (first.ec != std::errc{} || first.ptr == end || *first.ptr != ':') return std::nullopt;
+  const auto second = std::from_chars(first.ptr + 1, end, minor);
+  if (second.ec != std::errc{} || second.ptr != end) return std::nullopt;
+  return makedev(major, minor);
+}
+
+// id parent major:minor root mountPoint options [optional fields…] - fileSystem source superOptions
+std::optional<Mount> parseLine(std::string_view line) {
+  const std::string_view idWord = nextWord(line);
+  std::uint64_t id = 0;
+  std::from_chars(idWord.data(), idWord.data() + idWord.size(), id);
+  nextWord(line);
+  const auto device = parseDevice(nextWord(line));
+  nextWord(line);
+  const std::string_view mountPoint = nextWord(line);
+  const std::size_t separator = line.find(" - ");
+  if (!device || mountPoint.empty() || separator == std::string_view::npos) return std::nullopt;
+  line.remove_prefix(separator + 3);
+  const std::string_view fileSystem = nextWord(line);
+  return Mount{id, *device, unescaped(mountPoint), unescaped(fileSystem), unescaped(nextWord(line))};
+}
+
+}  // namespace
+
+std::vector<Mount> parseMountTable(std::string_view text) {
+  std::vector<Mount> mounts;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    if (auto mount = parseLine(text.substr(0, end))) mounts.push_back(std::move(*mount));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return mounts;
+}
+
+std::vector<Mount> currentMounts() {
+  std::ifstream file("/proc/self/mountinfo", std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>{file}, {}};
+  return parseMountTable(text);
+}
+
+const MountTree* MountTree::child(std::string_view name) const {
+  const auto found = below.find(name);
+  return found != below.end() ? found->second.get() : nullptr;
+}
+
+MountTree mountsBelow(std::string_view root, const std::vector<Mount>& mounts) {
+  const std::string prefix = root == "/" ? "/" : std::string{root} + "/";
+  MountTree tree;
+  for (const Mount& mount : mounts) {
+    std::string_view rest = mount.mountPoint;
+    if (!rest.starts_with(prefix) || rest.size() == prefix.size()) continue;
+    rest.remove_prefix(prefix.size());
+    MountTree* at = &tree;
+    while (!rest.empty()) {
+      const std::size_t slash = std::min(rest.find('/'), rest.size());
+      auto& next = at->below[std::string{rest.substr(0, slash)}];
+      if (!next) next = std::make_unique<MountTree>();
+      at = next.get();
+      rest.remove_prefix(std::min(slash + 1, rest.size()));
+    }
+    at->isMountPoint = true;
+  }
+  return tree;
+}
+
+}  // namespace spacemint

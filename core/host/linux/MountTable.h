@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spacemint {
+
+/// One line of the kernel's table of mounts.
+struct Mount {
+  std::uint64_t id = 0;
+  std::uint64_t device = 0;
+  std::string mountPoint;
+  std::string fileSystem;
+  std::string source;
+};
+
+/// Reads the text of /proc/self/mountinfo. Lines that are not understood are left out.
+std::vector<Mount> parseMountTable(std::string_view text);
+
+/// What is mounted now; empty when the system does not tell.
+std::vector<Mount> currentMounts();
+
+/// The mount points below one folder, as a tree of names. It is asked by name on the way down, so that a walk
+/// pays nothing where nothing is mounted.
+struct MountTree {
+  bool isMountPoint = false;
+  std::map<std::string, std::unique_ptr<MountTree>, std::less<>> below;
+
+  const MountTree* child(std::string_view name) const;
+};
+
+/// The mounts strictly below the folder at `root`, an absolute path without links.
+MountTree mountsBelow(std::string_view root, const std::vector<Mount>& mounts);
+
+}  // namespace spacemint

@@ -1,0 +1,111 @@
+#include "core/host/VolumeInfo.h"
+
+#include "core/host/UserFolders.h"
+#include "core/host/linux/MountTable.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+
+namespace spacemint {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::optional<Bytes> bytesOf(fsblkcnt_t blocks, unsigned long blockSize) {
+  Bytes bytes = 0;
+  if (__builtin_mul_overflow(blocks, blockSize, &bytes)) return std::nullopt;
+  return bytes;
+}
+
+std::optional<Mount> mountOf(const std::string& path) {
+  struct statx status {};
+  if (statx(AT_FDCWD, path.c_str(), AT_STATX_DONT_SYNC, STATX_MNT_ID, &status) != 0) return std::nullopt;
+  const auto mounts = currentMounts();
+  const auto found = std::ranges::find(mounts, status.stx_mnt_id, &Mount::id);
+  if (found == mounts.end()) return std::nullopt;
+  return *found;
+}
+
+std::optional<std::uint64_t> blockDevice(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode)) return std::nullopt;
+  return status.st_rdev;
+}
+
+// A file system such as Btrfs has a device number of its own; its source names the disk.
+std::uint64_t diskOf(const Mount& mount) { return blockDevice(mount.source).value_or(mount.device); }
+
+// Labels are links named by the label, with odd characters written as \x and two hexadecimal digits.
+std::string unescapedLabel(std::string_view text) {
+  std::string label;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::string digits{text.substr(i).starts_with("\\x") ? text.substr(i + 2).substr(0, 2) : ""};
+    if (digits.size() == 2 && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos) {
+      label += static_cast<char>(std::stoi(digits, nullptr, 16));
+      i += 3;
+    } else {
+      label += text[i];
+    }
+  }
+  return label;
+}
+
+std::optional<std::string> labelOf(const Mount& mount) {
+  std::error_code failed;
+  const std::uint64_t disk = diskOf(mount);
+  for (fs::directory_iterator link("/dev/disk/by-label", failed), end; !failed && link != end;
+       link.increment(failed)) {
+    if (blockDevice(link->path()) == disk) return unescapedLabel(link->path().filename().string());
+  }
+  return std::nullopt;
+}
+
+// The disk of a virtual machine says "rotational" because nobody told it what it is made of.
+bool isVirtual(const std::string& disk) {
+  std::error_code failed;
+  return fs::read_symlink(disk + "/device/subsystem", failed).filename() == "virtio";
+}
+
+}  // namespace
+
+std::optional<VolumeInfo> readVolumeInfo(const std::string& path) {
+  struct statvfs status {};
+  if (statvfs(path.c_str(), &status) != 0) return std::nullopt;
+  VolumeInfo info{.total = bytesOf(status.f_blocks, status.f_frsize),
+                  .available = bytesOf(status.f_bavail, status.f_frsize)};
+  if (const auto mount = mountOf(path)) {
+    const auto label = labelOf(*mount);
+    info.name = label ? *label : mount->mountPoint;
+  }
+  return info;
+}
+
+std::optional<std::string> mountPointOf(const std::string& path) {
+  const auto mount = mountOf(path);
+  if (!mount) return std::nullopt;
+  return mount->mountPoint;
+}
+
+std::string startupVolume() { return mountPointOf(UserFolders::home()).value_or("/"); }
+
+bool isOnRotationalDisk(const std::string& path) {
+  const auto mount = mountOf(path);
+  if (!mount) return false;
+  const std::uint64_t disk = diskOf(*mount);
+  const std::string device = "/sys/dev/block/" + std::to_string(major(disk)) + ":" + std::to_string(minor(disk));
+  // A partition finds the facts of its disk in the folder above its own.
+  for (const std::string& folder : {device, device + "/.."}) {
+    std::ifstream file(folder + "/queue/rotational");
+    char answer = '0';
+    if (file >> answer) return answer == '1' && !isVirtual(folder);
+  }
+  return false;
+}
+
+}  // namespace spacemint

@@ -1,0 +1,196 @@
+#include "core/scan/DiskScanner.h"
+
+#include "core/host/IoPriority.h"
+#include "core/host/VolumeInfo.h"
+#include "core/scan/NameList.h"
+#include "core/scan/ReadAheadListing.h"
+#include "core/tree/Paths.h"
+
+#include <cerrno>
+
+namespace spacemint {
+
+namespace {
+
+using namespace DiskScanner;
+
+constexpr std::size_t openFolderLimit = 8'192;
+
+// A folder on the path from the root to where the walk is.
+struct Frame {
+  std::unique_ptr<OpenFolder> folder;
+  std::string name;
+  // The walk keeps one path; this is how much of it leads to the folder.
+  std::size_t pathLength = 0;
+  Bytes size = 0;
+  std::int64_t files = 0;
+  bool isWorktree = false;
+  std::vector<Node> children = {};
+  // Listed but not yet visited; the last one is next.
+  NameList subdirectories = {};
+};
+
+bool isGone(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
+
+class Walk {
+ public:
+  explicit Walk(const Arguments& arguments) : arguments_(arguments), path_(arguments.root) {}
+
+  std::optional<Result> run(std::unique_ptr<OpenFolder> root) {
+    device_ = root->device();
+    enter(std::move(root), arguments_.root);
+    while (!cancelled_) {
+      if (!stack_.back().subdirectories.empty()) {
+        visitNext();
+      } else if (auto node = finishTop()) {
+        report();
+        return Result{std::move(*node), counted_.files, std::move(unread_)};
+      }
+    }
+    return std::nullopt;
+  }
+
+ private:
+  void enter(std::unique_ptr<OpenFolder> folder, std::string name) {
+    stack_.push_back({.folder = std::move(folder), .name = std::move(name), .pathLength = path_.size()});
+    list(stack_.back());
+  }
+
+  void list(Frame& frame) {
+    while (!cancelled_) {
+      const Batch batch = frame.folder->nextBatch(buffer_);
+      if (batch.error != 0 && !isGone(batch.error)) noteUnread(unread_.folders, path_);
+      if (batch.entries.empty()) return;
+      for (const Entry& entry : batch.entries) take(frame, entry);
+      poll(std::ssize(batch.entries));
+    }
+  }
+
+  void take(Frame& frame, const Entry& entry) {
+    if (entry.error != 0) {
+      if (!isGone(entry.error)) noteUnread(unread_.entries, Paths::join(path_, entry.name));
+    } else if (entry.type == EntryType::folder) {
+      if (entry.device == device_ && !entry.name.empty()) frame.subdirectories.push(entry.name);
+    } else if (entry.type == EntryType::file) {
+      if (entry.name == ".git") frame.isWorktree = true;
+      count(frame, entry, entry.links >= 2 ? entry.allocated / entry.links : entry.allocated);
+    } else {
+      count(frame, entry, entry.allocated);
+    }
+  }
+
+  void count(Frame& frame, const Entry& entry, Bytes size) {
+    add(counted_.bytes, counted_.files, size, 1);
+    add(frame.size, frame.files, size, 1);
+    if (size >= arguments_.minNodeSize && !entry.name.empty()) {
+      frame.children.push_back(
+          {.name = std::string{entry.name}, .size = size, .modified = dateFromUnixSeconds(entry.modified)});
+    }
+  }
+
+  static void add(Bytes& bytes, std::int64_t& files, Bytes moreBytes, std::int64_t moreFiles) {
+    bytes = checkedAdd(bytes, moreBytes);
+    files = checkedAdd(files, moreFiles);
+  }
+
+  void poll(std::int64_t listed) {
+    listedSincePoll_ += listed;
+    if (listedSincePoll_ < entriesPerPoll) return;
+    if (arguments_.shouldCancel && arguments_.shouldCancel()) {
+      cancelled_ = true;
+      return;
+    }
+    report();
+    listedSincePoll_ = 0;
+  }
+
+  void report() const {
+    if (arguments_.progress) arguments_.progress(counted_);
+  }
+
+  void visitNext() {
+    Frame& top = stack_.back();
+    std::string name{top.subdirectories.last()};
+    top.subdirectories.popLast();
+    path_.resize(top.pathLength);
+    if (!path_.ends_with('/')) path_ += '/';
+    path_ += name;
+
+    if (!arguments_.skip.empty() && arguments_.skip.contains(path_)) return;
+    if (arguments_.reuse) {
+      if (auto node = arguments_.reuse(path_)) {
+        add(counted_.bytes, counted_.files, node->size, node->fileCount);
+        return adopt(top, std::move(*node));
+      }
+    }
+    if (stack_.size() >= Node::maximumDepth) return noteUnread(unread_.folders, path_);
+    auto opened = top.folder->openSubfolder(name);
+    if (opened) return enter(std::move(*opened), std::move(name));
+    const int error = opened.error();
+    if (!isGone(error) && error != EXDEV) noteUnread(unread_.folders, path_);
+  }
+
+  // Closes the innermost folder and gives its node to its parent; the root's node is the answer.
+  std::optional<Node> finishTop() {
+    Frame frame = std::move(stack_.back());
+    stack_.pop_back();
+    frame.folder.reset();
+    sortBySize(frame.children);
+    Node node{.name = std::move(frame.name),
+              .size = frame.size,
+              .isDirectory = true,
+              .children = std::move(frame.children),
+              .fileCount = frame.files,
+              .isWorktree = frame.isWorktree};
+    if (stack_.empty()) return node;
+    adopt(stack_.back(), std::move(node));
+    return std::nullopt;
+  }
+
+  void adopt(Frame& parent, Node node) const {
+    add(parent.size, parent.files, node.size, node.fileCount);
+    if (node.size >= arguments_.minNodeSize) parent.children.push_back(std::move(node));
+  }
+
+  void noteUnread(std::int64_t& counter, const std::string& path) {
+    ++counter;
+    if (unread_.paths.size() < Unread::pathLimit) unread_.paths.push_back(path);
+  }
+
+  const Arguments& arguments_;
+  std::string path_;
+  std::uint64_t device_ = 0;
+  ListingBuffer buffer_ = {};
+  std::vector<Frame> stack_ = {};
+  Progress counted_ = {};
+  std::int64_t listedSincePoll_ = 0;
+  bool cancelled_ = false;
+  Unread unread_ = {};
+};
+
+std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {
+  auto root = listing.open(arguments.root);
+  if (!root) return std::nullopt;
+  return Walk{arguments}.run(std::move(*root));
+}
+
+// Reading ahead lists every subfolder, so it is only for walks that open every subfolder.
+bool readsAhead(const Arguments& arguments) {
+  return !arguments.throttleIO && !arguments.reuse && arguments.skip.empty() &&
+         !isOnRotationalDisk(arguments.root);
+}
+
+}  // namespace
+
+std::optional<Result> DiskScanner::scan(const Arguments& arguments) {
+  std::optional<ThrottledIo> throttled;
+  if (arguments.throttleIO) throttled.emplace();
+  raiseOpenFileLimit(openFolderLimit);
+  if (arguments.listing != nullptr) return walk(arguments, *arguments.listing);
+  const auto host = hostFolderListing();
+  if (!readsAhead(arguments)) return walk(arguments, *host);
+  ReadAheadListing ahead{*host};
+  return walk(arguments, ahead);
+}
+
+}  // namespace spacemint

@@ -1,0 +1,364 @@
+#include "core/scan/ReadAheadListing.h"
+
+#include "core/scan/NameList.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <condition_variable>
+#include <deque>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace spacemint {
+
+namespace {
+
+// How far helpers may run ahead: folders listed but not yet visited, and the memory that their entries take.
+constexpr std::size_t foldersAhead = 512;
+constexpr std::size_t bytesAhead = 4'000'000;
+
+// A copy of one batch that does not depend on the buffer it was read into.
+class KeptEntries {
+ public:
+  explicit KeptEntries(std::span<const Entry> entries = {}) : entries_(entries.begin(), entries.end()) {
+    std::size_t length = 0;
+    for (const Entry& entry : entries_) length += entry.name.size() + 1;
+    names_ = std::make_unique_for_overwrite<char[]>(length);
+    char* at = names_.get();
+    for (Entry& entry : entries_) {
+      entry.name.copy(at, entry.name.size());
+      at[entry.name.size()] = '\0';
+      entry.name = {at, entry.name.size()};
+      at += entry.name.size() + 1;
+    }
+    bytes_ = entries_.size() * sizeof(Entry) + length;
+  }
+
+  std::span<const Entry> entries() const { return entries_; }
+  std::size_t bytes() const { return bytes_; }
+
+ private:
+  std::vector<Entry> entries_;
+  std::unique_ptr<char[]> names_;
+  std::size_t bytes_ = 0;
+};
+
+}  // namespace
+
+// A folder between its parent's listing and the end of its own visit.
+struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
+  enum class State : std::uint8_t {
+    inHelper,  // a helper opens and lists it
+    inWalk,    // the walk lists it, or what is left of it
+    listed,    // read to its end: helpers may go on to its subfolders
+  };
+
+  explicit Record(std::string folderName) : name(std::move(folderName)) {}
+
+  const std::string name;
+
+  // Written by whoever lists the folder and read by others only after that.
+  std::unique_ptr<OpenFolder> folder;
+  int openError = 0;
+  int listingError = 0;
+  std::vector<KeptEntries> batches;
+
+  // Guarded by the crew's mutex.
+  State state = State::inHelper;
+  bool abandoned = false;
+  NameList pending;                           // subfolders that nobody has begun, in listing order
+  std::deque<std::shared_ptr<Record>> ahead;  // subfolders that helpers have begun, in the order of the walk
+  std::optional<std::list<Record*>::iterator> place;  // in the crew's line
+};
+
+// The helpers and what they share with the walk.
+//
+// The line holds, in the order in which the walk comes to them, the folders that have pending subfolders and
+// those that may yet turn out to have some. A helper begins with the first pending subfolder of the first
+// listed folder in the line, so what is listed ahead is what the walk needs next.
+class ReadAheadListing::Crew {
+ public:
+  Crew(unsigned threads, std::uint64_t device) : device_(device) {
+    try {
+      while (threads_.size() < threads) threads_.emplace_back([this] { help(); });
+    } catch (const std::system_error&) {
+      // The system has no more threads for us; the walk lists what no helper does.
+    }
+  }
+
+  ~Crew() {
+    {
+      const std::lock_guard lock(mutex_);
+      stopping_ = true;
+    }
+    work_.notify_all();
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  Crew(const Crew&) = delete;
+  Crew& operator=(const Crew&) = delete;
+
+  std::shared_ptr<Record> beginWith(std::unique_ptr<OpenFolder> root) {
+    auto record = std::make_shared<Record>("");
+    record->folder = std::move(root);
+    record->state = Record::State::inWalk;
+    const std::lock_guard lock(mutex_);
+    record->place = line_.insert(line_.end(), record.get());
+    return record;
+  }
+
+  // The walk comes to a subfolder: the record that a helper has begun, or else a new one for the walk to list.
+  // Null for a subfolder that is not the next one.
+  std::shared_ptr<Record> take(Record& parent, const std::string& name) {
+    std::unique_lock lock(mutex_);
+    if (parent.ahead.empty()) {
+      if (parent.pending.empty() || parent.pending.last() != name) return nullptr;
+      return begin(parent, Record::State::inWalk);
+    }
+    if (parent.ahead.front()->name != name) return nullptr;
+    std::shared_ptr<Record> record = std::move(parent.ahead.front());
+    parent.ahead.pop_front();
+    awaited_ = record.get();
+    ready_.wait(lock, [&] { return record->state != Record::State::inHelper; });
+    awaited_ = nullptr;
+    noLongerAhead(*record);
+    // Not at every step: helpers work in long runs.
+    if (ahead_ <= foldersAhead / 2) wakeHelper();
+    return record;
+  }
+
+  // The walk has read some entries of a folder that it lists itself.
+  void note(Record& record, std::span<const Entry> entries) const { collectSubfolders(entries, record.pending); }
+
+  // The walk has read a folder to its end.
+  void finish(Record& record) {
+    const std::lock_guard lock(mutex_);
+    record.state = Record::State::listed;
+    announce(record);
+  }
+
+  // The walk is done with a folder and with all that was listed ahead below it.
+  void leave(Record& record) {
+    const std::lock_guard lock(mutex_);
+    forget(record);
+  }
+
+ private:
+  void help() {
+    ListingBuffer buffer;
+    std::unique_lock lock(mutex_);
+    while (!stopping_) {
+      const std::shared_ptr<Record> parent = hasRoom() ? firstWithPending() : nullptr;
+      if (!parent || ahead_ >= foldersAhead / 2) wakeWalk();
+      if (!parent) {
+        ++idle_;
+        work_.wait(lock);
+        --idle_;
+        continue;
+      }
+      const std::shared_ptr<Record> record = begin(*parent, Record::State::inHelper);
+      parent->ahead.push_back(record);
+      ++ahead_;
+      wakeHelper();
+      lock.unlock();
+      NameList subfolders;
+      const bool toItsEnd = openAndList(*parent, *record, buffer, subfolders);
+      lock.lock();
+      deliver(*record, toItsEnd, std::move(subfolders));
+    }
+  }
+
+  bool hasRoom() const { return ahead_ < foldersAhead && bytes_ < bytesAhead; }
+
+  std::shared_ptr<Record> firstWithPending() const {
+    const auto first = std::ranges::find(line_, Record::State::listed, &Record::state);
+    return first != line_.end() ? (*first)->shared_from_this() : nullptr;
+  }
+
+  void wakeHelper() {
+    if (idle_ > 0 && hasRoom() && firstWithPending()) work_.notify_one();
+  }
+
+  // Only when much is ready, or nothing more will be without the walk: waking it for each folder would cost more
+  // than listing one.
+  void wakeWalk() {
+    if (awaited_ != nullptr && awaited_->state != Record::State::inHelper) ready_.notify_one();
+  }
+
+  // Takes the next pending subfolder of `parent`. It stands before its parent in the line, behind those begun
+  // earlier: the order of the walk.
+  std::shared_ptr<Record> begin(Record& parent, Record::State state) {
+    auto record = std::make_shared<Record>(std::string{parent.pending.last()});
+    parent.pending.popLast();
+    record->state = state;
+    record->place = line_.insert(*parent.place, record.get());
+    if (parent.pending.empty()) leaveLine(parent);
+    return record;
+  }
+
+  // Without the lock. Reads two batches at the most, so that a huge folder stays with the walk; true when that
+  // was all of it.
+  bool openAndList(const Record& parent, Record& record, ListingBuffer& buffer, NameList& subfolders) const {
+    auto opened = parent.folder->openSubfolder(record.name);
+    if (!opened) {
+      record.openError = opened.error();
+      return true;
+    }
+    record.folder = std::move(*opened);
+    for (int batches = 0; batches < 2; ++batches) {
+      const Batch batch = record.folder->nextBatch(buffer);
+      if (batch.entries.empty()) {
+        record.listingError = batch.error;
+        // Most folders have no subfolders, and their handles are better closed here than kept.
+        if (!hasFolder(record.batches)) record.folder.reset();
+        return true;
+      }
+      collectSubfolders(batch.entries, subfolders);
+      record.batches.emplace_back(batch.entries);
+    }
+    return false;
+  }
+
+  static bool hasFolder(const std::vector<KeptEntries>& batches) {
+    const auto isFolder = [](const Entry& entry) { return entry.type == EntryType::folder; };
+    return std::ranges::any_of(
+        batches, [&](const KeptEntries& batch) { return std::ranges::any_of(batch.entries(), isFolder); });
+  }
+
+  void collectSubfolders(std::span<const Entry> entries, NameList& names) const {
+    for (const Entry& entry : entries) {
+      if (entry.error == 0 && entry.type == EntryType::folder && entry.device == device_) names.push(entry.name);
+    }
+  }
+
+  void deliver(Record& record, bool toItsEnd, NameList subfolders) {
+    if (record.abandoned) return;
+    record.state = toItsEnd ? Record::State::listed : Record::State::inWalk;
+    record.pending = std::move(subfolders);
+    for (const KeptEntries& batch : record.batches) bytes_ += batch.bytes();
+    if (toItsEnd) announce(record);
+  }
+
+  // A folder is listed to its end: its subfolders are work, or it has none.
+  void announce(Record& record) {
+    if (record.pending.empty()) {
+      leaveLine(record);
+    } else {
+      wakeHelper();
+    }
+  }
+
+  void leaveLine(Record& record) {
+    if (record.place) line_.erase(*record.place);
+    record.place.reset();
+  }
+
+  void noLongerAhead(const Record& record) {
+    --ahead_;
+    for (const KeptEntries& batch : record.batches) bytes_ -= batch.bytes();
+  }
+
+  void forget(Record& record) {
+    leaveLine(record);
+    for (const auto& child : record.ahead) {
+      child->abandoned = true;
+      if (child->state == Record::State::inHelper) {
+        --ahead_;  // what it will hold is not counted yet
+      } else {
+        noLongerAhead(*child);
+      }
+      forget(*child);
+    }
+    record.ahead.clear();
+  }
+
+  const std::uint64_t device_;
+  std::mutex mutex_;
+  std::condition_variable work_;   // there is work and room for it
+  std::condition_variable ready_;  // the record that the walk awaits is there
+  std::list<Record*> line_;
+  const Record* awaited_ = nullptr;
+  std::size_t ahead_ = 0;  // records begun by helpers that the walk has not come to
+  std::size_t bytes_ = 0;  // and their entries
+  int idle_ = 0;
+  bool stopping_ = false;
+  std::vector<std::thread> threads_;  // last, because they use all of the above
+};
+
+// A folder as the walk sees it.
+class ReadAheadListing::Folder final : public OpenFolder {
+ public:
+  Folder(std::shared_ptr<Crew> crew, std::shared_ptr<Record> record, std::uint64_t device)
+      : crew_(std::move(crew)),
+        record_(std::move(record)),
+        device_(device),
+        atEnd_(record_->state == Record::State::listed) {}
+
+  ~Folder() override { crew_->leave(*record_); }
+
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+
+  std::uint64_t device() const override { return device_; }
+
+  Batch nextBatch(ListingBuffer& buffer) override {
+    if (served_ < record_->batches.size()) return {.entries = record_->batches[served_++].entries()};
+    record_->batches.clear();
+    served_ = 0;
+    if (atEnd_) return {.error = std::exchange(record_->listingError, 0)};
+    const Batch batch = record_->folder->nextBatch(buffer);
+    crew_->note(*record_, batch.entries);
+    if (batch.entries.empty()) {
+      atEnd_ = true;
+      crew_->finish(*record_);
+    }
+    return batch;
+  }
+
+  std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
+    // Only a folder without subfolders is closed early.
+    if (!record_->folder) return std::unexpected(ENOENT);
+    auto record = crew_->take(*record_, name);
+    if (!record) return record_->folder->openSubfolder(name);
+    if (record->state == Record::State::inWalk && !record->folder) {
+      auto opened = record_->folder->openSubfolder(name);
+      if (opened) {
+        record->folder = std::move(*opened);
+      } else {
+        record->openError = opened.error();
+      }
+    }
+    if (record->openError != 0) {
+      crew_->leave(*record);
+      // Handles that run out because of the helpers are no reason to leave a folder out.
+      if (record->openError == EMFILE) return record_->folder->openSubfolder(name);
+      return std::unexpected(record->openError);
+    }
+    return std::make_unique<Folder>(crew_, std::move(record), device_);
+  }
+
+ private:
+  std::shared_ptr<Crew> crew_;
+  std::shared_ptr<Record> record_;
+  std::uint64_t device_;
+  std::size_t served_ = 0;
+  bool atEnd_;
+};
+
+ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads) : inner_(inner), threads_(threads) {}
+
+std::expected<std::unique_ptr<OpenFolder>, Error> ReadAheadListing::open(const std::string& root) {
+  auto opened = inner_.open(root);
+  if (!opened) return std::unexpected(std::move(opened).error());
+  const std::uint64_t device = (*opened)->device();
+  auto crew = std::make_shared<Crew>(threads_, device);
+  auto record = crew->beginWith(std::move(*opened));
+  return std::make_unique<Folder>(std::move(crew), std::move(record), device);
+}
+
+}  // namespace spacemint

@@ -1,0 +1,99 @@
+#include "spacemintctl/Answer.h"
+
+#include "core/base/ByteFormat.h"
+#include "core/tree/TreeWalk.h"
+#include "spacemintctl/Console.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace spacemint::ctl {
+
+namespace {
+
+constexpr std::size_t namedUnread = 5;
+
+bool isLittleMoreThanAChild(const Node& folder) {
+  return std::ranges::any_of(folder.children, [&](const Node& child) {
+    return child.isDirectory && static_cast<double>(child.size) >= 0.9 * static_cast<double>(folder.size);
+  });
+}
+
+std::string counted(std::int64_t number, const char* one, const char* many, const Wording& wording) {
+  return groupedNumber(number, wording.locale) + (number == 1 ? one : many);
+}
+
+std::string shown(const std::string& path, const Wording& wording) {
+  return printable(Paths::display(path, wording.home));
+}
+
+std::string secondsText(Seconds duration) {
+  std::string text(32, '\0');
+  text.resize(static_cast<std::size_t>(
+      std::snprintf(text.data(), text.size(), duration.count() < 10 ? "%.1f s" : "%.0f s", duration.count())));
+  return text;
+}
+
+}  // namespace
+
+std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit) {
+  std::vector<FolderItem> folders;
+  walkTree(root, [&](const std::string& path, const Node& node) {
+    if (node.isDirectory && &node != &root && !isLittleMoreThanAChild(node)) folders.push_back({path, &node});
+  });
+  std::ranges::stable_sort(folders, std::greater{}, [](const FolderItem& item) { return item.node->size; });
+  folders.resize(std::min(limit, folders.size()));
+  return folders;
+}
+
+std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, const Wording& wording) {
+  Table table;
+  for (const FolderItem& item : folders) {
+    table.add({ByteFormat::string(item.node->size, wording.locale), percentage(item.node->size, whole),
+               counted(item.node->fileCount, " file", " files", wording), shown(item.path, wording)});
+  }
+  return table.text();
+}
+
+std::string fileTable(const std::vector<FileItem>& files, const Wording& wording) {
+  Table table;
+  for (const FileItem& file : files) {
+    table.add({ByteFormat::string(file.size, wording.locale), file.modified ? calendarDate(*file.modified) : "",
+               shown(file.path, wording)});
+  }
+  return table.text();
+}
+
+std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording) {
+  const auto folders = largestFolders(snapshot.root, top);
+  const auto files = snapshot.largestFiles(top);
+  const std::string threshold = ByteFormat::string(snapshot.minNodeSize, wording.locale);
+
+  std::string text = printable(snapshot.rootPath()) + ": " + ByteFormat::string(snapshot.root.size, wording.locale) +
+                     " in " + counted(snapshot.fileCount, " file", " files", wording) + ", measured in " +
+                     secondsText(snapshot.duration) + '\n';
+  if (snapshot.volumeTotal > 0) {
+    text += "Free on this volume: " + ByteFormat::string(snapshot.volumeFree, wording.locale) + " of " +
+            ByteFormat::string(snapshot.volumeTotal, wording.locale) + '\n';
+  }
+  if (!folders.empty()) text += "\nLargest folders\n" + folderTable(folders, snapshot.root.size, wording);
+  if (!files.empty()) text += "\nLargest files\n" + fileTable(files, wording);
+  if (top > 0 && folders.empty() && files.empty()) text += "\nNothing here is as large as " + threshold + ".\n";
+  return text;
+}
+
+std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording) {
+  if (unread.folders == 0 && unread.entries == 0) return "";
+  std::string text;
+  if (unread.folders > 0) text = counted(unread.folders, " folder", " folders", wording);
+  if (unread.entries > 0) {
+    text += (text.empty() ? "" : " and ") + counted(unread.entries, " entry", " entries", wording);
+  }
+  text += " could not be read; sizes are at least what is shown";
+  const std::size_t named = std::min(namedUnread, unread.paths.size());
+  for (std::size_t i = 0; i < named; ++i) text += "\n  " + shown(unread.paths[i], wording);
+  if (unread.folders + unread.entries > static_cast<std::int64_t>(named)) text += "\n  …";
+  return text;
+}
+
+}  // namespace spacemint::ctl

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "core/scan/DiskScanner.h"
+#include "core/tree/Snapshot.h"
+
+#include <string>
+#include <vector>
+
+namespace spacemint::ctl {
+
+/// How an answer is worded for a person.
+struct Wording {
+  std::string home;
+  std::string locale;
+};
+
+/// A folder of a scan with its full path. The node belongs to the snapshot.
+struct FolderItem {
+  std::string path;
+  const Node* node = nullptr;
+};
+
+/// The largest folders below `root`, largest first. A folder that is little more than one of its subfolders
+/// (nine tenths of it) is left out, because that one tells more.
+std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit);
+
+/// Size, share of `whole`, number of files and path, a line a folder.
+std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, const Wording& wording);
+
+/// Size, date of the last change and path, a line a file.
+std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
+
+/// The whole answer to "what is big here".
+std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording);
+
+/// What a scan could not read, with the first few paths; empty when it read everything.
+std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording);
+
+}  // namespace spacemint::ctl

@@ -1,0 +1,76 @@
+#include "spacemintctl/Console.h"
+
+#include "core/base/Unicode.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <system_error>
+
+namespace spacemint::ctl {
+
+namespace {
+
+// Characters beyond ASCII count as one column, which is right for most names and never breaks a line.
+std::size_t columns(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U; }));
+}
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+  constexpr std::string_view replacementCharacter = "\xef\xbf\xbd";
+  std::string safe = withInvalidUtf8Replaced(text);
+  for (std::size_t at = 0; at < safe.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(safe[at]);
+    // U+0080 to U+009F are control characters too.
+    const bool isC1 = byte == 0xc2 && at + 1 < safe.size() && static_cast<unsigned char>(safe[at + 1]) < 0xa0;
+    if (byte >= 0x20 && byte != 0x7f && !isC1) continue;
+    safe.replace(at, isC1 ? 2 : 1, replacementCharacter);
+    at += replacementCharacter.size() - 1;
+  }
+  return safe;
+}
+
+std::string calendarDate(Date date) {
+  const std::time_t time = std::chrono::system_clock::to_time_t(date);
+  std::tm local{};
+  if (localtime_r(&time, &local) == nullptr) return "";
+  std::string text(64, '\0');
+  text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%d", &local));
+  return text;
+}
+
+std::string percentage(std::int64_t part, std::int64_t whole) {
+  if (whole < 1) return "";
+  return std::to_string(static_cast<int>(static_cast<double>(part) / static_cast<double>(whole) * 100 + 0.5)) + " %";
+}
+
+std::string Table::text() const {
+  std::vector<std::size_t> widths;
+  for (const auto& row : rows_) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], columns(row[i]));
+  }
+  std::string text;
+  for (const auto& row : rows_) {
+    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
+      text.append(2 + widths[i] - columns(row[i]), ' ');
+      text += row[i];
+    }
+    text += "  " + row.back() + '\n';
+  }
+  return text;
+}
+
+bool print(const std::string& text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return true;
+  complain("standard output: " + std::generic_category().message(errno));
+  return false;
+}
+
+void complain(const std::string& message) { std::fprintf(stderr, "spacemintctl: %s\n", message.c_str()); }
+
+}  // namespace spacemint::ctl

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/base/Date.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spacemint::ctl {
+
+enum ExitCode : int { done = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
+
+/// Text that is safe on a terminal: control characters and bytes that are not UTF-8 in a file's name become
+/// U+FFFD.
+std::string printable(std::string_view text);
+
+/// A calendar date of the user's time zone, such as "2026-03-01".
+std::string calendarDate(Date date);
+
+/// A whole percentage of `part` in `whole`, such as "37 %"; empty without a whole.
+std::string percentage(std::int64_t part, std::int64_t whole);
+
+/// Rows of text in columns of equal width; all but the last column are right-aligned.
+class Table {
+ public:
+  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  bool empty() const { return rows_.empty(); }
+  std::string text() const;
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+};
+
+/// Writes to standard output; false when that failed, which is then said on standard error.
+bool print(const std::string& text);
+
+/// One line on standard error under the program's name.
+void complain(const std::string& message);
+
+}  // namespace spacemint::ctl

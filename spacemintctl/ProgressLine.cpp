@@ -1,0 +1,55 @@
+#include "spacemintctl/ProgressLine.h"
+
+#include "core/base/ByteFormat.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <unistd.h>
+
+namespace spacemint::ctl {
+
+namespace {
+
+constexpr std::chrono::milliseconds pace{100};
+// Too early to tell how long the rest will take.
+constexpr std::chrono::duration<double> warmUp{2};
+
+std::string timeLeft(double seconds) {
+  const auto whole = static_cast<long long>(std::ceil(seconds));
+  if (whole < 60) return std::to_string(whole) + " s left";
+  const long long minutes = (whole + 30) / 60;
+  return minutes < 60 ? std::to_string(minutes) + " min left"
+                      : std::to_string(minutes / 60) + " h " + std::to_string(minutes % 60) + " min left";
+}
+
+}  // namespace
+
+std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
+                         std::chrono::duration<double> elapsed, const std::string& locale) {
+  std::string text =
+      groupedNumber(progress.files, locale) + " files, " + ByteFormat::string(progress.bytes, locale);
+  if (!expected || *expected < 1) return text;
+  const double fraction = static_cast<double>(progress.bytes) / static_cast<double>(*expected);
+  // The expected figure is an estimate: it may be passed before the end.
+  text += ", " + std::to_string(std::min(99, static_cast<int>(fraction * 100))) + " %";
+  if (elapsed < warmUp || fraction < 0.01 || fraction >= 0.99) return text;
+  return text + ", " + timeLeft(elapsed.count() * (1 - fraction) / fraction);
+}
+
+ProgressLine::ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale)
+    : shown_(wanted && isatty(STDERR_FILENO) == 1), expected_(expected), locale_(std::move(locale)) {}
+
+ProgressLine::~ProgressLine() {
+  if (shown_) std::fputs("\r\x1b[K", stderr);
+}
+
+void ProgressLine::show(const DiskScanner::Progress& progress) {
+  const auto now = Clock::now();
+  if (!shown_ || now - last_ < pace) return;
+  last_ = now;
+  std::fprintf(stderr, "\r\x1b[K%s", progressText(progress, expected_, now - start_, locale_).c_str());
+  std::fflush(stderr);
+}
+
+}  // namespace spacemint::ctl
