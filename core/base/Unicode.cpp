@@ -68,6 +68,16 @@ bool isValidUtf8(std::string_view text) {
   return true;
 }
 
+std::string withInvalidUtf8Replaced(std::string_view text) {
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t start = at;
+    const bool valid = nextCharacter(text, at) >= 0;
+    result += valid ? text.substr(start, at - start) : "\xef\xbf\xbd";
+  }
+  return result;
+}
+
 bool canonicallyEqual(std::string_view a, std::string_view b) {
   if (a == b) return true;
   return mayBeEquivalent(a, b) && decomposed(a) == decomposed(b);

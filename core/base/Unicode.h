@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace spacemint {
@@ -10,6 +11,9 @@ namespace spacemint {
 
 bool isAscii(std::string_view text);
 bool isValidUtf8(std::string_view text);
+
+/// `text` with U+FFFD in the place of every sequence of bytes that is not UTF-8.
+std::string withInvalidUtf8Replaced(std::string_view text);
 
 /// Equality under Unicode canonical equivalence: a precomposed and a decomposed accent are equal.
 bool canonicallyEqual(std::string_view a, std::string_view b);

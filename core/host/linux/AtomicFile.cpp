@@ -2,14 +2,19 @@
 
 #include "core/host/linux/FileHandle.h"
 
-#include <cerrno>
-#include <climits>
-#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
-#include <random>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <optional>
+#include <span>
 
 namespace spacemint {
 
@@ -23,11 +28,46 @@ std::string folderOf(const std::string& path) {
   return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// Other processes may publish into the same folder, so the name is nobody else's.
-std::string temporaryName(const std::string& name) {
-  std::random_device random;
-  return "." + name.substr(0, NAME_MAX / 2) + "." + std::to_string(getpid()) + "-" + std::to_string(random()) +
-         std::string{temporarySuffix};
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+// Other processes may publish into the same folder, so the name is nobody else's. It says nothing of the
+// target: there may be no room left in it, and a file system may refuse a name cut inside a character.
+std::optional<std::string> temporaryName() {
+  std::uint64_t number = 0;
+  if (getentropy(&number, sizeof number) != 0) return std::nullopt;
+  return "." + std::to_string(getpid()) + "-" + std::to_string(number) + std::string{temporarySuffix};
+}
+
+// A link in the file's place stays, and what it leads to is replaced: people keep their settings elsewhere
+// and link them in. A link that leads nowhere gives way to the file.
+std::string linkTarget(const std::string& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+  const std::unique_ptr<char, decltype([](char* text) { std::free(text); })> target{
+      realpath(path.c_str(), nullptr)};
+  return target ? target.get() : path;
+}
+
+bool isFolder(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+int flush(int file) {
+  while (fsync(file) != 0) {
+    if (errno != EINTR) return errno;
+  }
+  return 0;
+}
+
+// A new folder that a crash takes away would take the file in it, however well that was flushed.
+int makeFolder(const std::string& path) {
+  if (mkdir(path.c_str(), 0700) != 0) return errno;
+  const FileHandle above{open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  if (above) flush(above.get());
+  return 0;
 }
 
 int writeAll(int file, std::string_view contents) {
@@ -35,16 +75,30 @@ int writeAll(int file, std::string_view contents) {
     const ssize_t count = ::write(file, contents.data(), contents.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return errno;
+    if (count == 0) return EIO;
     contents.remove_prefix(static_cast<std::size_t>(count));
   }
   return 0;
 }
 
+// Fills `buffer`, or less where the file ends before.
+int readUpTo(int file, std::span<char> buffer, std::size_t& filled) {
+  while (filled < buffer.size()) {
+    const ssize_t count = ::read(file, buffer.data() + filled, buffer.size() - filled);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    if (count == 0) break;
+    filled += static_cast<std::size_t>(count);
+  }
+  return 0;
+}
+
 int writeDurably(int folder, const std::string& name, std::string_view contents) {
-  const FileHandle file{openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)};
+  const FileHandle file{
+      openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)};
   if (!file) return errno;
   if (const int failure = writeAll(file.get(), contents); failure != 0) return failure;
-  return fsync(file.get()) == 0 ? 0 : errno;
+  return flush(file.get());
 }
 
 void removeLeftOvers(int folder) {
@@ -55,7 +109,8 @@ void removeLeftOvers(int folder) {
   const auto oldest = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now() - leftOverAge);
   while (const dirent* entry = readdir(listing.get())) {
     struct stat status {};
-    if (std::string_view{entry->d_name}.ends_with(temporarySuffix) &&
+    const std::string_view name = entry->d_name;
+    if (name.starts_with('.') && name.ends_with(temporarySuffix) &&
         fstatat(folder, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode) &&
         status.st_mtime < oldest) {
       unlinkat(folder, entry->d_name, 0);
@@ -66,33 +121,37 @@ void removeLeftOvers(int folder) {
 }  // namespace
 
 std::expected<void, Error> createPrivateFolders(const std::string& path) {
-  if (mkdir(path.c_str(), 0700) == 0) return {};
-  if (errno == ENOENT && folderOf(path) != path) {
+  // Not to rely on the error for a folder that is there: some file systems answer "not permitted" first.
+  if (isFolder(path)) return {};
+  int failure = makeFolder(path);
+  if (failure == ENOENT && folderOf(path) != path) {
     if (auto above = createPrivateFolders(folderOf(path)); !above) return above;
-    if (mkdir(path.c_str(), 0700) == 0) return {};
+    failure = makeFolder(path);
   }
-  const int failure = errno;
-  struct stat status {};
-  if (failure == EEXIST && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return {};
+  if (failure == 0 || isFolder(path)) return {};  // somebody else may have been quicker
   return std::unexpected(systemError(path, failure == EEXIST ? ENOTDIR : failure));
 }
 
 std::expected<void, Error> writeFileAtomically(const std::string& path, std::string_view contents) {
-  const std::string folderPath = folderOf(path);
-  const std::string name = path.substr(path.rfind('/') + 1);
-  const FileHandle folder{open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-  if (!folder) return std::unexpected(systemError(folderPath, errno));
-  removeLeftOvers(folder.get());
+  const std::string target = linkTarget(path);
+  const std::string name = nameOf(target);
+  if (name.empty() || name == "." || name == "..") return std::unexpected(systemError(path, EISDIR));
+  const FileHandle folder{open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  if (!folder) return std::unexpected(systemError(folderOf(target), errno));
+  removeLeftOvers(folder.get());  // first, for the disk may be full of them
 
-  const std::string temporary = temporaryName(name);
-  int failure = writeDurably(folder.get(), temporary, contents);
-  if (failure == 0 && renameat(folder.get(), temporary.c_str(), folder.get(), name.c_str()) != 0) failure = errno;
+  const auto temporary = temporaryName();
+  if (!temporary) return std::unexpected(systemError(path, errno));
+  int failure = writeDurably(folder.get(), *temporary, contents);
+  if (failure == EEXIST) return std::unexpected(systemError(path, failure));  // not ours to remove
+  if (failure == 0 && renameat(folder.get(), temporary->c_str(), folder.get(), name.c_str()) != 0)
+    failure = errno;
   if (failure != 0) {
-    unlinkat(folder.get(), temporary.c_str(), 0);
+    unlinkat(folder.get(), temporary->c_str(), 0);
     return std::unexpected(systemError(path, failure));
   }
   // The new file is in place; where a file system cannot flush a folder, that is all there is to do.
-  fsync(folder.get());
+  flush(folder.get());
   return {};
 }
 
@@ -105,17 +164,20 @@ std::expected<std::string, Error> readFile(const std::string& path, std::size_t 
   if (!S_ISREG(status.st_mode)) return std::unexpected(systemError(path, EINVAL));
   if (static_cast<std::uintmax_t>(status.st_size) > limit) return std::unexpected(systemError(path, EFBIG));
 
-  std::string contents(static_cast<std::size_t>(status.st_size), '\0');
-  std::size_t filled = 0;
-  while (filled < contents.size()) {
-    const ssize_t count = ::read(file.get(), contents.data() + filled, contents.size() - filled);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::unexpected(systemError(path, errno));
-    if (count == 0) break;
-    filled += static_cast<std::size_t>(count);
+  try {
+    std::string contents;
+    int failure = 0;
+    contents.resize_and_overwrite(static_cast<std::size_t>(status.st_size),
+                                  [&](char* data, std::size_t size) {
+                                    std::size_t filled = 0;
+                                    failure = readUpTo(file.get(), {data, size}, filled);
+                                    return filled;
+                                  });
+    if (failure != 0) return std::unexpected(systemError(path, failure));
+    return contents;
+  } catch (const std::bad_alloc&) {
+    return std::unexpected(systemError(path, ENOMEM));
   }
-  contents.resize(filled);
-  return contents;
 }
 
 }  // namespace spacemint

@@ -1,0 +1,425 @@
+// SnapshotCodec::decode. The parser reports the document piece by piece, and the pieces go straight into the
+// nodes: what is held besides the result is one entry for each level that is open.
+
+#include "core/base/DateSeconds.h"
+#include "core/history/SnapshotCodec.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <iterator>
+#include <span>
+#include <variant>
+
+namespace spacemint {
+
+namespace {
+
+using Json = nlohmann::json;
+using SnapshotCodec::Fault;
+
+// A number written with a fraction or an exponent, or a whole one too large for 64 bits.
+struct Real {
+  double value;
+  bool isWhole;
+};
+
+using Scalar = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, Real, const std::string*>;
+
+enum class Verdict {
+  fine,
+  outOfRange,
+  notAnInteger,
+  notANumber,
+  notABoolean,
+  notAString,
+  notAnObject,
+  notAnArray
+};
+
+std::string_view wording(Verdict verdict) {
+  switch (verdict) {
+    case Verdict::fine:
+      return {};
+    case Verdict::outOfRange:
+      return "is out of range";
+    case Verdict::notAnInteger:
+      return "is not an integer";
+    case Verdict::notANumber:
+      return "is not a number";
+    case Verdict::notABoolean:
+      return "is not a boolean";
+    case Verdict::notAString:
+      return "is not a string";
+    case Verdict::notAnObject:
+      return "is not an object";
+    case Verdict::notAnArray:
+      return "is not an array";
+  }
+  return {};
+}
+
+template <class Integer>
+Verdict takeInteger(const Scalar& value, Integer& target) {
+  const auto fitting = [&](auto number) {
+    if (!std::in_range<Integer>(number)) return Verdict::outOfRange;
+    target = static_cast<Integer>(number);
+    return Verdict::fine;
+  };
+  if (const auto* natural = std::get_if<std::uint64_t>(&value)) return fitting(*natural);
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return fitting(*integer);
+  const auto* real = std::get_if<Real>(&value);
+  return real != nullptr && real->isWhole ? Verdict::outOfRange : Verdict::notAnInteger;
+}
+
+std::optional<double> number(const Scalar& value) {
+  if (const auto* natural = std::get_if<std::uint64_t>(&value)) return static_cast<double>(*natural);
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return static_cast<double>(*integer);
+  if (const auto* real = std::get_if<Real>(&value)) return real->value;
+  return std::nullopt;
+}
+
+Verdict take(const Scalar& value, std::int64_t& target) {
+  return takeInteger(value, target);
+}
+Verdict take(const Scalar& value, std::uint64_t& target) {
+  return takeInteger(value, target);
+}
+
+Verdict take(const Scalar& value, bool& target) {
+  const auto* boolean = std::get_if<bool>(&value);
+  if (boolean == nullptr) return Verdict::notABoolean;
+  target = *boolean;
+  return Verdict::fine;
+}
+
+Verdict take(const Scalar& value, std::string& target) {
+  const auto* text = std::get_if<const std::string*>(&value);
+  if (text == nullptr) return Verdict::notAString;
+  target = **text;  // a copy takes just the room it needs; the parser's own string is a growing buffer
+  return Verdict::fine;
+}
+
+Verdict take(const Scalar& value, Seconds& target) {
+  const auto seconds = number(value);
+  if (!seconds) return Verdict::notANumber;
+  target = Seconds{*seconds};
+  return Verdict::fine;
+}
+
+Verdict take(const Scalar& value, Date& target) {
+  const auto seconds = number(value);
+  if (!seconds) return Verdict::notANumber;
+  const auto date = dateAfter(SnapshotCodec::epoch, *seconds);
+  if (!date) return Verdict::outOfRange;
+  target = *date;
+  return Verdict::fine;
+}
+
+// A file can bear any time stamp, so what no Date can hold becomes the nearest one, as in a scan.
+Verdict takeModified(const Scalar& value, Date& target) {
+  const auto seconds = number(value);
+  if (!seconds) return Verdict::notANumber;
+  constexpr double farthest = 1e13;
+  const auto nearest = static_cast<std::int64_t>(std::clamp(*seconds, -farthest, farthest));
+  target = dateAfter(std::chrono::seconds{0}, *seconds).value_or(dateFromUnixSeconds(nearest));
+  return Verdict::fine;
+}
+
+// What an object may hold. `take` also says what a value of another kind is not: it refuses null.
+template <class Record>
+struct Key {
+  std::string_view name;
+  bool isRequired;
+  Verdict (*take)(Record&, const Scalar&);
+};
+
+constexpr Key<Snapshot> snapshotKeys[]{
+    {"date", true, [](Snapshot& s, const Scalar& v) { return take(v, s.date); }},
+    {"duration", true, [](Snapshot& s, const Scalar& v) { return take(v, s.duration); }},
+    {"root", true, [](Snapshot&, const Scalar&) { return Verdict::notAnObject; }},
+    {"fileCount", true, [](Snapshot& s, const Scalar& v) { return take(v, s.fileCount); }},
+    {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeFree); }},
+    {"volumeTotal", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeTotal); }},
+    {"minNodeSize", true, [](Snapshot& s, const Scalar& v) { return take(v, s.minNodeSize); }},
+    {"eventID", false, [](Snapshot& s, const Scalar& v) { return take(v, s.eventID.emplace()); }},
+    {"fullScanDate", false, [](Snapshot& s, const Scalar& v) { return take(v, s.fullScanDate.emplace()); }},
+    {"format", false, [](Snapshot& s, const Scalar& v) { return take(v, s.format.emplace()); }},
+};
+constexpr std::size_t rootKey = 2;
+
+constexpr Key<Node> nodeKeys[]{
+    {"name", true, [](Node& n, const Scalar& v) { return take(v, n.name); }},
+    {"size", true, [](Node& n, const Scalar& v) { return take(v, n.size); }},
+    {"isDirectory", false, [](Node& n, const Scalar& v) { return take(v, n.isDirectory); }},
+    {"modified", false, [](Node& n, const Scalar& v) { return takeModified(v, n.modified.emplace()); }},
+    {"children", false, [](Node&, const Scalar&) { return Verdict::notAnArray; }},
+    {"fileCount", false, [](Node& n, const Scalar& v) { return take(v, n.fileCount); }},
+    {"isWorktree", false, [](Node& n, const Scalar& v) { return take(v, n.isWorktree); }},
+};
+constexpr std::size_t childrenKey = 4;
+
+// Which keys of one object have been met, and the one whose value comes next.
+struct KeyState {
+  static constexpr std::size_t unknown = 31;
+  std::uint32_t seen = 0;
+  std::size_t current = unknown;
+};
+
+// An object of the tree that is not closed yet.
+struct Level {
+  Node node;
+  KeyState keys;
+  bool isInChildren = false;
+  std::size_t index = 0;       // among its siblings
+  std::size_t firstChild = 0;  // in the list of closed nodes
+};
+
+class SnapshotReader final : public nlohmann::json_sax<Json> {
+ public:
+  SnapshotReader() { snapshot_.format.reset(); }
+
+  Snapshot& snapshot() { return snapshot_; }
+  Error& error() { return error_; }
+
+  bool null() override { return scalar(nullptr); }
+  bool boolean(bool value) override { return scalar(value); }
+  bool number_integer(std::int64_t value) override { return scalar(value); }
+  bool number_unsigned(std::uint64_t value) override { return scalar(value); }
+  bool number_float(double value, const std::string& text) override {
+    return scalar(Real{.value = value, .isWhole = text.find_first_of(".eE") == std::string::npos});
+  }
+  bool string(std::string& value) override { return scalar(&value); }
+  bool binary(Json::binary_t& /*value*/) override { return false; }  // not in JSON texts
+
+  bool start_object(std::size_t /*size*/) override;
+  bool end_object() override;
+  bool start_array(std::size_t /*size*/) override;
+  bool end_array() override;
+  bool key(std::string& name) override;
+  bool parse_error(std::size_t position, const std::string& token, const Json::exception& failure) override;
+
+ private:
+  enum class Place { outside, snapshot, node, children };
+
+  Place place() const;
+  std::string placeName() const;
+  bool scalar(const Scalar& value);
+  bool openNode(std::size_t index);
+  bool closeNode();
+  bool openIgnored();
+  bool fail(Fault fault, std::string_view what);
+  bool failAt(std::string_view key, Fault fault, std::string_view what);
+  bool judge(std::string_view key, Verdict verdict);
+
+  template <class Record>
+  bool enter(std::span<const Key<Record>> keys, KeyState& state, std::string_view name);
+  template <class Record>
+  bool store(std::span<const Key<Record>> keys, const KeyState& state, Record& record, const Scalar& value);
+  template <class Record>
+  bool isComplete(std::span<const Key<Record>> keys, const KeyState& state);
+
+  Snapshot snapshot_;
+  Error error_;
+  bool hasBegun_ = false;
+  KeyState snapshotState_;
+  std::vector<Level> levels_;
+  // Closed nodes whose parent's list is still open, so that each list is made once, in its final size.
+  std::vector<Node> closed_;
+  std::size_t ignoredLevels_ = 0;
+};
+
+SnapshotReader::Place SnapshotReader::place() const {
+  if (!levels_.empty()) return levels_.back().isInChildren ? Place::children : Place::node;
+  return hasBegun_ ? Place::snapshot : Place::outside;
+}
+
+bool SnapshotReader::start_object(std::size_t /*size*/) {
+  if (ignoredLevels_ > 0) return openIgnored();
+  switch (place()) {
+    case Place::outside:
+      return hasBegun_ = true;
+    case Place::children:
+      return openNode(closed_.size() - levels_.back().firstChild);
+    case Place::snapshot:
+      if (snapshotState_.current == rootKey) return openNode(0);
+      if (snapshotState_.current == KeyState::unknown) return openIgnored();
+      break;
+    case Place::node:
+      if (levels_.back().keys.current == KeyState::unknown) return openIgnored();
+      break;
+  }
+  return scalar(nullptr);
+}
+
+bool SnapshotReader::end_object() {
+  if (ignoredLevels_ > 0) return --ignoredLevels_, true;
+  return levels_.empty() ? isComplete<Snapshot>(snapshotKeys, snapshotState_) : closeNode();
+}
+
+bool SnapshotReader::start_array(std::size_t /*size*/) {
+  if (ignoredLevels_ > 0) return openIgnored();
+  const Place where = place();
+  if (where == Place::snapshot && snapshotState_.current == KeyState::unknown) return openIgnored();
+  if (where != Place::node) return scalar(nullptr);
+  Level& level = levels_.back();
+  if (level.keys.current == KeyState::unknown) return openIgnored();
+  if (level.keys.current != childrenKey) return scalar(nullptr);
+  level.firstChild = closed_.size();
+  return level.isInChildren = true;
+}
+
+bool SnapshotReader::end_array() {
+  if (ignoredLevels_ > 0) return --ignoredLevels_, true;
+  Level& level = levels_.back();
+  const auto first = closed_.begin() + static_cast<std::ptrdiff_t>(level.firstChild);
+  level.node.children.assign(std::move_iterator{first}, std::move_iterator{closed_.end()});
+  closed_.erase(first, closed_.end());
+  level.isInChildren = false;
+  return true;
+}
+
+bool SnapshotReader::key(std::string& name) {
+  if (ignoredLevels_ > 0) return true;
+  if (levels_.empty()) return enter<Snapshot>(snapshotKeys, snapshotState_, name);
+  return enter<Node>(nodeKeys, levels_.back().keys, name);
+}
+
+// The parser's own message quotes the document at any length; the place says as much.
+bool SnapshotReader::parse_error(std::size_t position, const std::string& /*token*/,
+                                 const Json::exception& failure) {
+  constexpr int numberOverflow = 406;
+  const bool isNumber = failure.id == numberOverflow;
+  return fail(
+      isNumber ? Fault::outOfRange : Fault::notJson,
+      (isNumber ? "number out of range at byte " : "not valid JSON at byte ") + std::to_string(position));
+}
+
+bool SnapshotReader::scalar(const Scalar& value) {
+  if (ignoredLevels_ > 0) return true;
+  switch (place()) {
+    case Place::outside:
+      return fail(Fault::wrongType, "the document is not an object");
+    case Place::children:
+      return failAt("children", Fault::wrongType, "holds something that is not an object");
+    case Place::snapshot:
+      return store<Snapshot>(snapshotKeys, snapshotState_, snapshot_, value);
+    case Place::node:
+      return store<Node>(nodeKeys, levels_.back().keys, levels_.back().node, value);
+  }
+  return false;
+}
+
+bool SnapshotReader::openNode(std::size_t index) {
+  if (levels_.size() == Node::maximumDepth) return fail(Fault::tooDeep, "the tree is too deep");
+  levels_.push_back({.node = {}, .keys = {}, .index = index});
+  return true;
+}
+
+bool SnapshotReader::closeNode() {
+  Level& level = levels_.back();
+  if (!isComplete<Node>(nodeKeys, level.keys)) return false;
+  if (levels_.size() == 1) {
+    snapshot_.root = std::move(level.node);
+  } else {
+    closed_.push_back(std::move(level.node));
+  }
+  levels_.pop_back();
+  return true;
+}
+
+bool SnapshotReader::openIgnored() {
+  if (++ignoredLevels_ > Node::maximumDepth) return fail(Fault::tooDeep, "a value is nested too deeply");
+  return true;
+}
+
+template <class Record>
+bool SnapshotReader::enter(std::span<const Key<Record>> keys, KeyState& state, std::string_view name) {
+  const auto found = std::ranges::find(keys, name, &Key<Record>::name);
+  state.current = KeyState::unknown;
+  if (found == keys.end()) return true;
+  state.current = static_cast<std::size_t>(found - keys.begin());
+  const std::uint32_t bit = 1U << state.current;
+  if ((state.seen & bit) != 0) return failAt(name, Fault::duplicateKey, "is given twice");
+  state.seen |= bit;
+  return true;
+}
+
+template <class Record>
+bool SnapshotReader::store(std::span<const Key<Record>> keys, const KeyState& state, Record& record,
+                           const Scalar& value) {
+  if (state.current == KeyState::unknown) return true;
+  const Key<Record>& key = keys[state.current];
+  return judge(key.name, key.take(record, value));
+}
+
+template <class Record>
+bool SnapshotReader::isComplete(std::span<const Key<Record>> keys, const KeyState& state) {
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    if (keys[i].isRequired && (state.seen >> i & 1U) == 0)
+      return failAt(keys[i].name, Fault::missingKey, "is missing");
+  }
+  return true;
+}
+
+bool SnapshotReader::judge(std::string_view key, Verdict verdict) {
+  if (verdict == Verdict::fine) return true;
+  return failAt(key, verdict == Verdict::outOfRange ? Fault::outOfRange : Fault::wrongType, wording(verdict));
+}
+
+// Such as "root/Movies/#2": a node whose name has not been read yet goes by its number. Only the innermost
+// levels are named, and of a long name only the beginning.
+std::string SnapshotReader::placeName() const {
+  constexpr std::size_t namedLevels = 5;
+  constexpr std::size_t namedBytes = 80;
+  if (levels_.empty()) return "snapshot";
+  std::string place = "root";
+  std::size_t from = 1;
+  if (levels_.size() > namedLevels + 1) {
+    place += "/\u2026";
+    from = levels_.size() - namedLevels;
+  }
+  for (const Level& level : levels_ | std::views::drop(from)) {
+    const std::string& name = level.node.name;
+    std::size_t length = std::min(name.size(), namedBytes);
+    while (length < name.size() && length > 0 && (static_cast<unsigned char>(name[length]) & 0xc0U) == 0x80)
+      --length;
+    place += '/';
+    place += name.empty() ? "#" + std::to_string(level.index) : name.substr(0, length);
+  }
+  return place;
+}
+
+bool SnapshotReader::failAt(std::string_view key, Fault fault, std::string_view what) {
+  std::string message = placeName();
+  message += ": \"";
+  message += key;
+  message += "\" ";
+  message += what;
+  return fail(fault, message);
+}
+
+bool SnapshotReader::fail(Fault fault, std::string_view what) {
+  error_ = {.domain = std::string{SnapshotCodec::domain},
+            .code = static_cast<int>(fault),
+            .message = std::string{what}};
+  return false;
+}
+
+}  // namespace
+
+std::expected<Snapshot, Error> SnapshotCodec::decode(std::string_view document) {
+  try {
+    SnapshotReader reader;
+    if (!Json::sax_parse(document, &reader)) return std::unexpected(std::move(reader.error()));
+    return std::move(reader.snapshot());
+  } catch (const std::exception& failure) {
+    return std::unexpected(Error{.domain = std::string{domain},
+                                 .code = static_cast<int>(Fault::outOfMemory),
+                                 .message = failure.what()});
+  }
+}
+
+}  // namespace spacemint
