@@ -16,7 +16,7 @@ endif()
 option(SPACEMINT_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 add_library(spacemint_warnings INTERFACE)
 target_compile_options(spacemint_warnings INTERFACE
-  -Wall -Wextra -Wpedantic
+  -Wall -Wextra -Wpedantic -Wno-missing-field-initializers  # designated initialisers leave fields out on purpose
   -Wconversion -Wsign-conversion -Wold-style-cast
   -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi
   -Wcast-align -Wcast-qual -Wformat=2 -Wdouble-promotion

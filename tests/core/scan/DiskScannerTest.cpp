@@ -1,0 +1,150 @@
+#include "core/scan/DiskScanner.h"
+
+#include "core/scan/ReadAheadListing.h"
+#include "support/FakeListing.h"
+#include "support/TreeBuilder.h"
+
+#include <gtest/gtest.h>
+
+namespace spacemint {
+namespace {
+
+using support::FakeFolder;
+using support::FakeListing;
+using support::fileEntry;
+using support::folderEntry;
+using support::names;
+using Names = std::vector<std::string>;
+
+constexpr Bytes mega = 1'000'000;
+
+// Scans a fake tree at "/r" with everything kept that is at least 20 MB, plainly and read ahead: the walk must
+// not be able to tell.
+DiskScanner::Result scanned(const FakeFolder& root, DiskScanner::Arguments arguments = {}) {
+  FakeListing plain{root};
+  ReadAheadListing ahead{plain, 3};
+  arguments.root = "/r";
+  arguments.minNodeSize = 20 * mega;
+  arguments.listing = &plain;
+  const auto result = DiskScanner::scan(arguments);
+  arguments.listing = &ahead;
+  EXPECT_EQ(DiskScanner::scan(arguments), result);
+  return result.value();
+}
+
+TEST(DiskScanner, keepsWhatReachesTheThresholdAndCountsTheRest) {
+  const auto result = scanned({.batches = {{folderEntry("just"), folderEntry("short"), fileEntry("f", 20 * mega)}},
+                               .subfolders = {{"just", {.batches = {{fileEntry("a", 10 * mega)},
+                                                                    {fileEntry("b", 10 * mega)}}}},
+                                              {"short", {.batches = {{fileEntry("c", 20 * mega - 1)}}}}}});
+  EXPECT_EQ(result.root.name, "/r");
+  EXPECT_EQ(names(result.root), (Names{"f", "just"}));  // ties: files before folders
+  EXPECT_EQ(result.root.size, 60 * mega - 1);
+  EXPECT_EQ(result.root.fileCount, 4);
+  EXPECT_EQ(result.fileCount, 4);
+  EXPECT_EQ(result.root.children[1].fileCount, 2);
+  EXPECT_TRUE(result.root.children[1].isDirectory);
+  EXPECT_FALSE(result.root.children[1].modified);
+}
+
+TEST(DiskScanner, visitsSubfoldersInReverseAndSortsTiesByThat) {
+  const FakeFolder big{.batches = {{fileEntry("x", 30 * mega)}}};
+  const auto result = scanned({.batches = {{folderEntry("first"), folderEntry("second")}, {fileEntry("file", 30 * mega)}},
+                               .subfolders = {{"first", big}, {"second", big}}});
+  EXPECT_EQ(names(result.root), (Names{"file", "second", "first"}));
+}
+
+TEST(DiskScanner, judgesEachKindOfEntry) {
+  Entry link{.name = "link", .type = EntryType::other, .links = 2, .allocated = 60 * mega};
+  Entry fakeGit{.name = ".git", .type = EntryType::other};
+  Entry broken{.name = "broken", .type = EntryType::file, .error = EIO, .allocated = 99 * mega};
+  Entry gone{.name = "gone", .type = EntryType::file, .error = ENOENT, .allocated = 99 * mega};
+  Entry old = fileEntry("old", 40 * mega);
+  old.modified = -5;
+  const auto result = scanned(
+      {.batches = {{link, fakeGit, broken, gone, old, fileEntry("twice", 101, 2), folderEntry("mounted", 2),
+                    folderEntry("tree"), folderEntry("repository")}},
+       .subfolders = {{"mounted", {.batches = {{fileEntry("x", 99 * mega)}}}},
+                      {"tree", {.batches = {{fileEntry(".git", 50 * mega)}}}},
+                      {"repository", {.batches = {{folderEntry(".git"), fileEntry("y", 45 * mega)}}}}}});
+  EXPECT_EQ(names(result.root), (Names{"link", "tree", "repository", "old"}));
+  EXPECT_EQ(result.root.children[3].modified, Date{std::chrono::seconds{-5}});
+  EXPECT_EQ(result.root.size, 195 * mega + 50);
+  EXPECT_FALSE(result.root.isWorktree);
+  EXPECT_TRUE(result.root.children[1].isWorktree);
+  EXPECT_FALSE(result.root.children[2].isWorktree);
+  EXPECT_EQ(result.unread, (DiskScanner::Unread{.entries = 1, .paths = {"/r/broken"}}));
+}
+
+TEST(DiskScanner, countsWhatItCouldNotReadButNotWhatVanished) {
+  FakeFolder root{.listingError = EIO};
+  root.batches.emplace_back();
+  const std::map<std::string, int> failures{
+      {"secret", EACCES}, {"other", EXDEV}, {"gone", ENOENT}, {"file", ENOTDIR}, {"link", ELOOP}, {"full", EMFILE}};
+  for (const auto& [name, error] : failures) root.batches[0].push_back(folderEntry(name.c_str()));
+  root.openErrors = failures;
+  const auto result = scanned(root);
+  EXPECT_EQ(result.unread.folders, 3);
+  EXPECT_EQ(result.unread.paths, (Names{"/r", "/r/secret", "/r/full"}));
+  EXPECT_EQ(result.root.size, 0);
+}
+
+TEST(DiskScanner, reusesAndSkipsWithoutOpening) {
+  FakeFolder root{.batches = {{folderEntry("walked"), folderEntry("known"), folderEntry("small"), folderEntry("left")}},
+                  .subfolders = {{"walked", {.batches = {{fileEntry("x", 20 * mega)}}}}}};
+  const Node known = support::folder("known", {support::file("k", 70 * mega)}, {.unlistedFiles = 4});
+  Names asked;
+  DiskScanner::Progress last;
+  const auto result = scanned(root, {.skip = {"/r/left"},
+                                     .reuse = [&](const std::string& path) -> std::optional<Node> {
+                                       asked.push_back(path);
+                                       if (path == "/r/known" || path == "/r/left") return known;
+                                       if (path == "/r/small") return support::folder("small", {}, {19 * mega, 2});
+                                       return std::nullopt;
+                                     },
+                                     .progress = [&](const DiskScanner::Progress& p) { last = p; }});
+  EXPECT_EQ(names(result.root), (Names{"known", "walked"}));
+  EXPECT_EQ(result.root.children[0], known);
+  EXPECT_EQ(result.root.size, 109 * mega);
+  EXPECT_EQ(result.fileCount, 8);
+  EXPECT_EQ(last.files, 8);
+  EXPECT_EQ(last.bytes, 109 * mega);
+  asked.resize(asked.size() / 2);  // scanned twice
+  EXPECT_EQ(asked, (Names{"/r/small", "/r/known", "/r/walked"}));
+}
+
+TEST(DiskScanner, pollsOncePerFourThousandEntries) {
+  const std::vector<Entry> batch(3'000, fileEntry("f", 1));
+  const FakeFolder root{.batches = {batch, batch, batch, {folderEntry("d")}}, .subfolders = {{"d", {.batches = {batch}}}}};
+  std::vector<std::int64_t> reported;
+  scanned(root, {.progress = [&](const DiskScanner::Progress& p) { reported.push_back(p.files); }});
+  reported.resize(reported.size() / 2);
+  EXPECT_EQ(reported, (std::vector<std::int64_t>{6'000, 12'000, 12'000}));
+
+  FakeListing listing{root};
+  int polls = 0;
+  bool reportedAnything = false;
+  EXPECT_FALSE(DiskScanner::scan({.root = "/r",
+                                  .shouldCancel = [&] { return ++polls == 1; },
+                                  .progress = [&](const DiskScanner::Progress&) { reportedAnything = true; },
+                                  .listing = &listing}));
+  EXPECT_EQ(polls, 1);
+  EXPECT_FALSE(reportedAnything);
+}
+
+TEST(DiskScanner, saysNothingButTheEndForAnEmptyRoot) {
+  int reports = 0;
+  const auto result = scanned({}, {.progress = [&](const DiskScanner::Progress&) { ++reports; }});
+  EXPECT_EQ(result.root, (Node{.name = "/r", .isDirectory = true}));
+  EXPECT_EQ(reports, 2);  // scanned twice
+}
+
+TEST(DiskScannerDeathTest, stopsTheProcessWhenACountOverflows) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  constexpr Bytes most = std::numeric_limits<Bytes>::max();
+  FakeListing listing{{.batches = {{fileEntry("a", most), fileEntry("b", 1)}}}};
+  EXPECT_DEATH(DiskScanner::scan({.root = "/r", .listing = &listing}), "");
+}
+
+}  // namespace
+}  // namespace spacemint

@@ -1,0 +1,358 @@
+// The scanner on the host's own listing, compared with an independent walk by lstat.
+
+#include "core/scan/DiskScanner.h"
+#include "core/scan/ReadAheadListing.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryFolder.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+namespace spacemint {
+namespace {
+
+namespace fs = std::filesystem;
+using support::TemporaryFolder;
+
+// Every path of a tree with its size and, for folders, the files below it.
+struct Facts {
+  Bytes size = 0;
+  std::int64_t files = 0;
+
+  bool operator==(const Facts&) const = default;
+};
+using Tree = std::map<std::string, Facts>;
+
+Facts walkByLstat(const std::string& folder, Tree& tree) {
+  Facts total;
+  struct stat own {};
+  lstat((folder + "/.").c_str(), &own);
+  DIR* open = opendir(folder.c_str());
+  while (const dirent* entry = open != nullptr ? readdir(open) : nullptr) {
+    const std::string name = entry->d_name;
+    const std::string path = folder + "/" + name;
+    struct stat status {};
+    if (name == "." || name == ".." || lstat(path.c_str(), &status) != 0) continue;
+    Facts facts{.size = status.st_blocks * 512, .files = 1};
+    if (S_ISREG(status.st_mode)) facts.size /= static_cast<Bytes>(status.st_nlink);
+    if (S_ISDIR(status.st_mode)) {
+      if (status.st_dev != own.st_dev) continue;
+      facts = walkByLstat(path, tree);
+    }
+    tree[path] = facts;
+    total.size += facts.size;
+    total.files += facts.files;
+  }
+  if (open != nullptr) closedir(open);
+  return total;
+}
+
+Tree expectedTree(const std::string& root) {
+  Tree tree;
+  tree[root] = walkByLstat(root, tree);
+  return tree;
+}
+
+void collect(const Node& node, const std::string& path, Tree& tree) {
+  tree[path] = {node.size, node.isDirectory ? node.fileCount : 1};
+  for (const Node& child : node.children) collect(child, path + "/" + child.name, tree);
+}
+
+Tree treeOf(const Node& root) {
+  Tree tree;
+  collect(root, root.name, tree);
+  return tree;
+}
+
+// The scan of a folder with every node kept, by one thread; with read-ahead it must be the very same.
+DiskScanner::Result scan(const std::string& root) {
+  const auto host = hostFolderListing();
+  const auto result = DiskScanner::scan({.root = root, .listing = host.get()});
+  for (const unsigned threads : {1U, 8U}) {
+    ReadAheadListing ahead{*host, threads};
+    EXPECT_EQ(DiskScanner::scan({.root = root, .listing = &ahead}), result) << threads << " threads";
+  }
+  return result.value();
+}
+
+void write(const std::string& path, std::size_t bytes) { std::ofstream(path) << std::string(bytes, 'x'); }
+
+std::size_t openHandles() {
+  return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{}));
+}
+
+TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
+  const TemporaryFolder outside;
+  const TemporaryFolder folder;
+  write(folder / "plain", 100'000);
+  write(folder / "twice", 40'960);
+  fs::create_hard_link(folder / "twice", folder / "twice too");
+  write(outside / "elsewhere", 81'920);
+  fs::create_hard_link(outside / "elsewhere", folder / "across");
+  write(folder / "sparse", 1);
+  fs::resize_file(folder / "sparse", 1'000'000'000);
+  fs::create_directory_symlink("/usr", folder / "link to a folder");
+  fs::create_symlink("/nowhere", folder / "dangling");
+  fs::create_symlink(std::string(500, 'x'), folder / "link with blocks of its own");
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  ASSERT_EQ(mknod((folder / "socket").c_str(), S_IFSOCK | 0600, 0), 0);
+  for (const char* name : {"new\nline", "quo\"te'", "invalid\xff\xfe", "caf\u00e9", "cafe\u0301", " ", "...", ".hidden"}) {
+    fs::create_directory(folder / name);
+    write((folder / name) + "/" + name, 10'000);
+  }
+  fs::create_directories(folder / "empty/er");
+  const auto result = scan(folder.path());
+  EXPECT_EQ(treeOf(result.root), expectedTree(folder.path()));
+  EXPECT_EQ(result.unread, DiskScanner::Unread{});
+  EXPECT_LT(result.root.size, 2'000'000);  // neither the hole nor /usr
+}
+
+TEST(RealFolders, withGitFilesAreWorktrees) {
+  const TemporaryFolder folder;
+  fs::create_directories(folder / "repository/.git");
+  fs::create_directory(folder / "worktree");
+  write(folder / "worktree/.git", 10);
+  fs::create_directory(folder / "linked");
+  fs::create_symlink("../repository/.git", folder / "linked/.git");
+  const auto result = scan(folder.path());
+  for (const Node& node : result.root.children) EXPECT_EQ(node.isWorktree, node.name == "worktree") << node.name;
+}
+
+TEST(RealFolders, keepTheModificationTimeInWholeSeconds) {
+  const TemporaryFolder folder;
+  write(folder / "f", 1);
+  const timespec times[2]{{0, 0}, {1'600'000'000, 999'999'999}};
+  ASSERT_EQ(utimensat(AT_FDCWD, (folder / "f").c_str(), times, 0), 0);
+  EXPECT_EQ(scan(folder.path()).root.children.at(0).modified, Date{std::chrono::seconds{1'600'000'000}});
+}
+
+TEST(RealFolders, mayBeDeeperThanAPathCanBeLong) {
+  const TemporaryFolder folder;
+  const std::string name(20, 'd');
+  int at = open(folder.path().c_str(), O_RDONLY | O_DIRECTORY);
+  for (int depth = 0; depth < 3'000; ++depth) {  // paths of 63,000 bytes
+    ASSERT_EQ(mkdirat(at, name.c_str(), 0700), 0);
+    const int next = openat(at, name.c_str(), O_RDONLY | O_DIRECTORY);
+    close(at);
+    at = next;
+    ASSERT_GE(at, 0);
+  }
+  close(openat(at, "file", O_CREAT | O_WRONLY, 0600));
+  close(at);
+  const auto result = scan(folder.path());
+  EXPECT_EQ(result.fileCount, 1);
+  int depth = 0;
+  const Node* node = &result.root;
+  for (; !node->children.empty(); node = &node->children[0]) ++depth;
+  EXPECT_EQ(depth, 3'001);
+  EXPECT_EQ(node->name, "file");
+}
+
+TEST(RealFolders, areTheSameReadAheadWhateverTheirShape) {
+  const TemporaryFolder folder;
+  std::mt19937 random{1};
+  std::vector<std::string> folders{folder.path()};
+  for (int i = 0; i < 400; ++i) {
+    folders.push_back(folders[random() % folders.size()] + "/" + std::to_string(i));
+    fs::create_directory(folders.back());
+  }
+  for (int i = 0; i < 2'000; ++i) write(folders[random() % folders.size()] + "/f" + std::to_string(i), random() % 9'000);
+  // A folder of several batches, with subfolders in each.
+  fs::create_directory(folder / "huge");
+  for (int i = 0; i < 3'000; ++i) {
+    const std::string path = (folder / "huge/") + std::string(230, 'n') + std::to_string(i);
+    if (i % 4 == 0) fs::create_directories(path + "/below");
+    if (i % 4 != 0) write(path, 1);
+  }
+  EXPECT_EQ(treeOf(scan(folder.path()).root), expectedTree(folder.path()));
+}
+
+TEST(RealFolders, mayBeNamedByALinkOrWithASlashBehind) {
+  const TemporaryFolder folder;
+  fs::create_directory(folder / "real");
+  write(folder / "real/f", 5'000);
+  fs::create_directory_symlink("real", folder / "link");
+  for (const std::string& root : {folder / "link", folder / "real/", folder / "link/"}) {
+    const auto result = scan(root);
+    EXPECT_EQ(result.root.name, root);
+    EXPECT_EQ(result.fileCount, 1);
+  }
+  std::string asked;
+  DiskScanner::scan({.root = folder.path() + "/", .reuse = [&](const std::string& path) -> std::optional<Node> {
+                       asked = path;
+                       return std::nullopt;
+                     }});
+  EXPECT_EQ(asked, folder / "real");
+  EXPECT_FALSE(DiskScanner::scan({.root = folder / "none"}));
+  EXPECT_FALSE(DiskScanner::scan({.root = folder / "real/f"}));
+}
+
+TEST(RealFolders, countAsUnreadWhereAnOrdinaryUserMayNotLook) {
+  const TemporaryFolder folder;
+  fs::permissions(folder.path(), fs::perms::owner_all | fs::perms::others_all);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::becomeNobody()) return false;
+    fs::create_directories(folder / "locked/inside");
+    write(folder / "locked/f", 50'000);
+    fs::create_directory(folder / "listed");
+    write(folder / "listed/f", 50'000);
+    fs::permissions(folder / "locked", fs::perms::none);
+    fs::permissions(folder / "listed", fs::perms::owner_read);  // names, but no facts
+    const auto result = scan(folder.path());
+    const DiskScanner::Unread unread{.folders = 1, .entries = 1, .paths = result.unread.paths};
+    const bool right = result.root.size == 0 && result.fileCount == 0 && result.unread == unread;
+    fs::permissions(folder / "locked", fs::perms::owner_all);
+    fs::permissions(folder / "listed", fs::perms::owner_all);
+    return right;
+  }));
+}
+
+// As root of a namespace of one's own, where mounting is allowed and nobody else sees it.
+bool enterOwnMounts() {
+  const bool root = geteuid() == 0;
+  return unshare(root ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) == 0 &&
+         mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool canMount() { return support::succeedsInChild(enterOwnMounts); }
+
+TEST(RealFolders, endWhereSomethingElseIsMounted) {
+  if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  const TemporaryFolder folder;
+  for (const char* name : {"volume", "bound", "mine", "a b/c"}) fs::create_directories(folder / name);
+  write(folder / "mine/f", 30'000);
+  write(folder / "over", 30'000);
+  write(folder / "file", 20'000);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    const auto bind = [&](const char* from, const char* to) {
+      return mount((folder / from).c_str(), (folder / to).c_str(), nullptr, MS_BIND, nullptr) == 0;
+    };
+    // The same folder seen twice, a name that the kernel's table escapes, and a file that covers another.
+    if (!enterOwnMounts() || mount("none", (folder / "volume").c_str(), "tmpfs", 0, "size=1m") != 0 ||
+        !bind("mine", "bound") || !bind("mine", "a b/c") || !bind("file", "over")) {
+      return false;
+    }
+    write(folder / "volume/f", 100'000);
+    const auto result = scan(folder.path());
+    const Tree tree = treeOf(result.root);
+    return result.fileCount == 2 && tree.contains(folder / "mine/f") && tree.contains(folder / "file") &&
+           tree.contains(folder / "a b") && !tree.contains(folder / "volume") && !tree.contains(folder / "bound") &&
+           scan(folder / "bound").fileCount == 1;  // a mount is a fine root
+  }));
+}
+
+TEST(RealFolders, mayBeTheRootOfTheFileSystem) {
+  if (!canMount()) GTEST_SKIP() << "no namespace to be had here";
+  const TemporaryFolder folder;
+  fs::create_directory(folder / "home");
+  write(folder / "home/f", 5'000);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!enterOwnMounts() || chroot(folder.path().c_str()) != 0 || chdir("/") != 0) return false;
+    std::string asked;
+    const auto result = DiskScanner::scan({.root = "/", .reuse = [&](const std::string& path) -> std::optional<Node> {
+                                             asked = path;
+                                             return std::nullopt;
+                                           }});
+    return result && result->root.name == "/" && result->fileCount == 1 && asked == "/home" &&
+           scan("/").root == result->root;
+  }));
+}
+
+// Does something to the disk just before the walk opens a subfolder of the given name.
+class MeddlingListing final : public FolderListing {
+ public:
+  using Meddle = std::function<void(const std::string& name)>;
+  explicit MeddlingListing(Meddle meddle) : meddle_(std::move(meddle)) {}
+
+  std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override {
+    auto opened = host_->open(root);
+    if (!opened) return std::unexpected(opened.error());
+    return std::make_unique<Opened>(std::move(*opened), meddle_);
+  }
+
+ private:
+  class Opened final : public OpenFolder {
+   public:
+    Opened(std::unique_ptr<OpenFolder> inner, const Meddle& meddle) : inner_(std::move(inner)), meddle_(meddle) {}
+    std::uint64_t device() const override { return inner_->device(); }
+    Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
+    std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
+      meddle_(name);
+      auto opened = inner_->openSubfolder(name);
+      if (!opened) return std::unexpected(opened.error());
+      return std::make_unique<Opened>(std::move(*opened), meddle_);
+    }
+
+   private:
+    std::unique_ptr<OpenFolder> inner_;
+    const Meddle& meddle_;
+  };
+
+  std::unique_ptr<FolderListing> host_ = hostFolderListing();
+  Meddle meddle_;
+};
+
+TEST(RealFolders, thatVanishOrTurnIntoSomethingElseAreLeftOut) {
+  const TemporaryFolder outside;
+  const TemporaryFolder folder;
+  write(outside / "treasure", 90'000);
+  for (const char* name : {"vanishing", "linked", "filed", "staying"}) {
+    fs::create_directory(folder / name);
+    write((folder / name) + "/f", 10'000);
+  }
+  MeddlingListing listing{[&](const std::string& name) {
+    if (name == "staying") return;
+    fs::remove_all(folder / name);
+    if (name == "linked") fs::create_directory_symlink(outside.path(), folder / name);
+    if (name == "filed") write(folder / name, 90'000);
+  }};
+  const auto result = DiskScanner::scan({.root = folder.path(), .listing = &listing});
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->fileCount, 1);
+  EXPECT_EQ(result->root.children.size(), 1U);
+  EXPECT_EQ(result->unread, DiskScanner::Unread{});
+}
+
+TEST(RealFolders, leaveNoHandleOpenWhenTheScanIsCancelled) {
+  const TemporaryFolder folder;
+  std::string path = folder.path();
+  for (int depth = 0; depth < 20; ++depth) {
+    for (int i = 0; i < 300; ++i) write(path + "/" + std::to_string(i), 0);
+    fs::create_directory(path + "/a");
+    path += "/b";
+    fs::create_directory(path);
+  }
+  const std::size_t before = openHandles();
+  const auto host = hostFolderListing();
+  ReadAheadListing ahead{*host};
+  for (FolderListing* listing : {host.get(), static_cast<FolderListing*>(&ahead)}) {
+    int polls = 0;
+    EXPECT_FALSE(DiskScanner::scan(
+        {.root = folder.path(), .shouldCancel = [&] { return ++polls == 1; }, .listing = listing}));
+    EXPECT_EQ(polls, 1);
+    EXPECT_EQ(openHandles(), before);
+  }
+  EXPECT_TRUE(DiskScanner::scan({.root = folder.path(), .throttleIO = true}));
+  EXPECT_EQ(openHandles(), before);
+}
+
+TEST(RealFolders, areReadWithoutTouchingTheirAccessTimes) {
+  const TemporaryFolder folder;
+  const timespec old[2]{{1'000'000'000, 0}, {1'500'000'000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, folder.path().c_str(), old, 0), 0);
+  scan(folder.path());
+  struct stat status {};
+  ASSERT_EQ(stat(folder.path().c_str(), &status), 0);
+  EXPECT_EQ(status.st_atime, 1'000'000'000);
+}
+
+}  // namespace
+}  // namespace spacemint

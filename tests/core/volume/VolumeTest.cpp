@@ -1,0 +1,84 @@
+#include "core/host/UserFolders.h"
+#include "core/volume/Permissions.h"
+#include "core/volume/VolumeStatus.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryFolder.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/statvfs.h>
+
+namespace spacemint {
+namespace {
+
+TEST(VolumeStatus, choosesTheFigureForFreeSpaceInOrder) {
+  EXPECT_FALSE(VolumeStatus::from({.name = "x", .available = 5}));
+  EXPECT_EQ(VolumeStatus::from({.total = 9}), (VolumeStatus{"Macintosh HD", 9, 0}));
+  EXPECT_EQ(VolumeStatus::from({.name = "x", .total = 9, .available = 5}), (VolumeStatus{"x", 9, 5}));
+  EXPECT_EQ(VolumeStatus::from({.name = "x", .total = 9, .availableForImportantUsage = 7, .available = 5})->free, 7);
+}
+
+TEST(VolumeStatus, neverUsesLessThanNothing) {
+  EXPECT_EQ((VolumeStatus{.total = 5, .free = 9}.used()), 0);
+  EXPECT_EQ((VolumeStatus{.total = 0, .free = 9}.usedFraction()), 0);
+  EXPECT_EQ((VolumeStatus{.total = 8, .free = 2}.usedFraction()), 0.75);
+}
+
+TEST(VolumeStatus, readsTheVolumeOfAnyPathOnIt) {
+  const support::TemporaryFolder folder;
+  struct statvfs status {};
+  ASSERT_EQ(statvfs(folder.path().c_str(), &status), 0);
+  const auto volume = VolumeStatus::current(folder.path());
+  ASSERT_TRUE(volume);
+  EXPECT_EQ(volume->total, static_cast<Bytes>(status.f_blocks * status.f_frsize));
+  EXPECT_FALSE(volume->name.empty());
+  EXPECT_FALSE(VolumeStatus::current(folder / "none"));
+
+  const auto mountPoint = mountPointOf(folder.path());
+  ASSERT_TRUE(mountPoint);
+  EXPECT_TRUE(folder.path().starts_with(*mountPoint));
+  EXPECT_EQ(mountPointOf(*mountPoint), mountPoint);
+}
+
+TEST(Permissions, areThereWhenOnePlaceCanBeOpened) {
+  const support::TemporaryFolder folder;
+  const std::string open = folder / "open";
+  const std::string locked = folder / "locked";
+  std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+  std::filesystem::create_directory(open);
+  std::filesystem::create_directory(locked);
+  std::filesystem::permissions(locked, std::filesystem::perms::none);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    const std::string none = folder / "none";
+    return support::becomeNobody() && Permissions::canOpenOne(std::vector{none, locked, open}) &&
+           !Permissions::canOpenOne(std::vector{none, locked});
+  }));
+}
+
+TEST(UserFolders, followTheEnvironmentWhereItNamesAbsolutePaths) {
+  EXPECT_TRUE(support::succeedsInChild([] {
+    setenv("HOME", "/home/ann/", 1);
+    setenv("XDG_DATA_HOME", "relative", 1);
+    setenv("XDG_CONFIG_HOME", "/elsewhere/config", 1);
+    unsetenv("XDG_CACHE_HOME");
+    const bool named = UserFolders::home() == "/home/ann" && UserFolders::data() == "/home/ann/.local/share" &&
+                       UserFolders::config() == "/elsewhere/config" && UserFolders::cache() == "/home/ann/.cache";
+    unsetenv("HOME");
+    return named && UserFolders::home().starts_with('/');
+  }));
+}
+
+TEST(UserLocale, isTheFirstThatIsSet) {
+  EXPECT_TRUE(support::succeedsInChild([] {
+    setenv("LC_ALL", "", 1);
+    setenv("LC_NUMERIC", "de_DE.UTF-8@euro", 1);
+    setenv("LANG", "fr_FR", 1);
+    const bool german = userLocale() == "de_DE";
+    setenv("LC_ALL", "C.UTF-8", 1);
+    return german && userLocale() == "en";
+  }));
+}
+
+}  // namespace
+}  // namespace spacemint
