@@ -16,7 +16,13 @@ void noteInterrupts() {
   struct sigaction action {};
   action.sa_handler = [](int) { interruptNoted = true; };
   action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
+  sigset_t signals{};
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    sigaction(signal, &action, nullptr);
+    sigaddset(&signals, signal);
+  }
+  // Whoever started us may have held them back.
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 bool wasInterrupted() { return interruptNoted; }

@@ -3,22 +3,30 @@
 #include "spacemintctl/StatusCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <exception>
 #include <functional>
-#include <iostream>
 
 namespace {
 
 using namespace spacemint::ctl;
 using Action = std::function<int()>;
 
+// The message of an argument that is no count of bytes; empty for one that is.
+std::string wholeBytes(const std::string& text) {
+  spacemint::Bytes bytes = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bytes);
+  const bool fits = error == std::errc{} && end == text.data() + text.size() && bytes >= 0;
+  return fits ? "" : "\"" + text + "\" is not a whole number of bytes";
+}
+
 void addScan(CLI::App& app, Action& action) {
   static ScanOptions options;
   CLI::App* scan = app.add_subcommand("scan", "Measure a folder and say what is big in it");
   scan->add_option("PATH", options.path, "The folder; your home folder if none is given");
   scan->add_option("--min-size", options.minSize, "Keep files and folders of at least this many bytes apart")
-      ->check(CLI::NonNegativeNumber)
-      ->type_name("BYTES")
+      ->check(CLI::Validator(wholeBytes, "BYTES"))
+      ->type_name("")
       ->capture_default_str();
   scan->add_option("--top", options.top, "How many folders and files to name")->type_name("N")->capture_default_str();
   scan->add_flag("--throttle", options.throttle, "Leave the disk to everybody else; slower");

@@ -1,0 +1,85 @@
+#include "support/Program.h"
+
+#include "support/ChildProcess.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <pty.h>
+
+namespace spacemint::support {
+
+namespace {
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>{file}, {}};
+}
+
+void redirect(int descriptor, const std::string& path) {
+  dup2(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor);
+}
+
+int exitCodeOf(pid_t child) {
+  const int status = statusOf(child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace
+
+void Program::become(const std::vector<std::string>& arguments) const {
+  setenv("HOME", home_.path().c_str(), 1);
+  setenv("LC_ALL", "en_US.UTF-8", 1);
+  setenv("TZ", "UTC", 1);
+  for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"}) {
+    unsetenv(variable);
+  }
+  std::vector<char*> words{const_cast<char*>(executable_.c_str())};
+  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
+  execv(words[0], words.data());
+  _exit(127);
+}
+
+Outcome Program::start(const std::vector<std::string>& arguments, bool asNobody, bool interrupted) const {
+  const TemporaryFolder said;
+  const pid_t child = fork();
+  if (child == 0) {
+    redirect(STDOUT_FILENO, said / "out");
+    redirect(STDERR_FILENO, said / "err");
+    if (asNobody && !becomeNobody()) _exit(126);
+    if (interrupted) {
+      sigset_t held{};
+      sigaddset(&held, SIGINT);
+      sigprocmask(SIG_BLOCK, &held, nullptr);
+      raise(SIGINT);
+    }
+    become(arguments);
+  }
+  const int exitCode = exitCodeOf(child);
+  return {exitCode, contentsOf(said / "out"), contentsOf(said / "err")};
+}
+
+Outcome Program::runOnTerminal(const std::vector<std::string>& arguments) const {
+  const TemporaryFolder said;
+  int terminal = -1;
+  const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child == 0) {
+    redirect(STDOUT_FILENO, said / "out");
+    become(arguments);
+  }
+  Outcome outcome;
+  char buffer[4'096];
+  // Reading fails once the program has gone and its side of the terminal with it.
+  for (ssize_t count = 0; (count = read(terminal, buffer, sizeof buffer)) > 0;) {
+    outcome.err.append(buffer, static_cast<std::size_t>(count));
+  }
+  close(terminal);
+  outcome.exitCode = exitCodeOf(child);
+  outcome.out = contentsOf(said / "out");
+  return outcome;
+}
+
+}  // namespace spacemint::support

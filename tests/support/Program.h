@@ -1,0 +1,40 @@
+#pragma once
+
+#include "support/TemporaryFolder.h"
+
+#include <string>
+#include <vector>
+
+namespace spacemint::support {
+
+/// What a program said and how it ended.
+struct Outcome {
+  int exitCode = -1;
+  std::string out = {};
+  std::string err = {};
+};
+
+/// Runs programs as a person would, with a home folder of its own and English wording.
+class Program {
+ public:
+  explicit Program(std::string executable) : executable_(std::move(executable)) {}
+
+  const TemporaryFolder& home() const { return home_; }
+
+  Outcome run(const std::vector<std::string>& arguments) const { return start(arguments, false, false); }
+  /// As a user whom permissions bind.
+  Outcome runAsNobody(const std::vector<std::string>& arguments) const { return start(arguments, true, false); }
+  /// With Ctrl-C already pressed when it begins.
+  Outcome runInterrupted(const std::vector<std::string>& arguments) const { return start(arguments, false, true); }
+  /// With standard error on a terminal, whose text is in `err`.
+  Outcome runOnTerminal(const std::vector<std::string>& arguments) const;
+
+ private:
+  Outcome start(const std::vector<std::string>& arguments, bool asNobody, bool interrupted) const;
+  [[noreturn]] void become(const std::vector<std::string>& arguments) const;
+
+  std::string executable_;
+  TemporaryFolder home_;
+};
+
+}  // namespace spacemint::support
