@@ -134,7 +134,6 @@ class Walk {
   std::optional<Node> finishTop() {
     Frame frame = std::move(stack_.back());
     stack_.pop_back();
-    frame.folder.reset();
     sortBySize(frame.children);
     Node node{.name = std::move(frame.name),
               .size = frame.size,

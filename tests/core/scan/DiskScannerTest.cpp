@@ -5,6 +5,7 @@
 #include "support/TreeBuilder.h"
 
 #include <gtest/gtest.h>
+#include <latch>
 
 namespace spacemint {
 namespace {
@@ -137,6 +138,41 @@ TEST(DiskScanner, saysNothingButTheEndForAnEmptyRoot) {
   const auto result = scanned({}, {.progress = [&](const DiskScanner::Progress&) { ++reports; }});
   EXPECT_EQ(result.root, (Node{.name = "/r", .isDirectory = true}));
   EXPECT_EQ(reports, 2);  // scanned twice
+}
+
+// Opens no subfolder before another thread wants to open one too.
+class MeetingListing final : public FolderListing {
+ public:
+  std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string&) override {
+    return std::make_unique<Opened>(std::vector{folderEntry("a"), folderEntry("b")}, met_);
+  }
+
+ private:
+  class Opened final : public OpenFolder {
+   public:
+    Opened(std::vector<Entry> entries, std::latch& met) : entries_(std::move(entries)), met_(met) {}
+    std::uint64_t device() const override { return 1; }
+    Batch nextBatch(ListingBuffer&) override {
+      return {.entries = std::exchange(left_, 0) == 1 ? std::span<const Entry>{entries_} : std::span<const Entry>{}};
+    }
+    std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string&) override {
+      met_.arrive_and_wait();
+      return std::make_unique<Opened>(std::vector<Entry>{}, met_);
+    }
+
+   private:
+    std::vector<Entry> entries_;
+    std::latch& met_;
+    int left_ = 1;
+  };
+
+  std::latch met_{2};
+};
+
+TEST(ReadAhead, opensFoldersSideBySide) {
+  MeetingListing meeting;
+  ReadAheadListing ahead{meeting, 2};
+  EXPECT_EQ(DiskScanner::scan({.root = "/r", .listing = &ahead})->root.children.size(), 2U);  // or it hangs
 }
 
 TEST(DiskScannerDeathTest, stopsTheProcessWhenACountOverflows) {

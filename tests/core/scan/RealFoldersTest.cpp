@@ -321,6 +321,25 @@ TEST(RealFolders, thatVanishOrTurnIntoSomethingElseAreLeftOut) {
   EXPECT_EQ(result->unread, DiskScanner::Unread{});
 }
 
+TEST(RealFolders, endAtAMountThatAppearsDuringTheScan) {
+  if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  const TemporaryFolder folder;
+  fs::create_directories(folder / "late");
+  fs::create_directories(folder / "bound");
+  write(folder / "file", 20'000);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!enterOwnMounts()) return false;
+    MeddlingListing listing{[&](const std::string& name) {
+      // The second one is of the same device.
+      const bool bind = name == "bound";
+      mount(bind ? folder.path().c_str() : "none", (folder / name).c_str(), "tmpfs", bind ? MS_BIND : 0, nullptr);
+    }};
+    const auto result = DiskScanner::scan({.root = folder.path(), .listing = &listing});
+    return result && result->fileCount == 1 && result->root.children.size() == 1 &&
+           result->unread == DiskScanner::Unread{};
+  }));
+}
+
 TEST(RealFolders, leaveNoHandleOpenWhenTheScanIsCancelled) {
   const TemporaryFolder folder;
   std::string path = folder.path();
