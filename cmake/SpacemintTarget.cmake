@@ -8,8 +8,9 @@ set(SPACEMINT_LAYERS
   "SpacemintBase:"
   "SpacemintHost:SpacemintBase"
   "SpacemintCore:SpacemintBase,SpacemintHost"
+  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore"
   "spacemintctl:SpacemintCore")
-set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|spacemintctl)$")
+set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintModel|spacemintctl)$")
 
 function(spacemint_check_layer name)
   foreach(rule IN LISTS SPACEMINT_LAYERS)

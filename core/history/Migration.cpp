@@ -1,0 +1,36 @@
+#include "core/history/Migration.h"
+
+#include "core/tree/Paths.h"
+
+namespace spacemint {
+
+namespace {
+
+constexpr std::string_view usedKey = describe(Setting::hasStarted).key;
+
+bool shouldCopySettings(const Migration::Sources& sources) {
+  return !sources.defaults.has(usedKey) && sources.oldDefaults != nullptr &&
+         sources.oldDefaults->has(usedKey);
+}
+
+}  // namespace
+
+Migration::Result Migration::fromLoftmere(const Sources& sources) {
+  Result result;
+  if (shouldCopySettings(sources)) {
+    const auto copied = sources.defaults.copy(*sources.oldDefaults, settingKeys);
+    result.copiedSettings = copied.has_value();
+    if (!copied) result.error = "Couldn't copy settings: " + copied.error().message;
+  }
+
+  const std::string old = Paths::join(sources.supportDirectory, "Loftmere");
+  const std::string present = Paths::join(sources.supportDirectory, "Spacemint");
+  if (sources.fileManager.exists(old) && !sources.fileManager.exists(present)) {
+    const auto moved = sources.fileManager.move(old, present);
+    result.movedHistory = moved.has_value();
+    if (!moved) result.error = "Couldn't move scan history: " + moved.error().message;
+  }
+  return result;
+}
+
+}  // namespace spacemint

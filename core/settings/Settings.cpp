@@ -1,0 +1,120 @@
+#include "core/settings/Settings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string>
+
+namespace spacemint {
+
+namespace {
+
+constexpr bool standsInOrder() {
+  for (std::size_t place = 0; place < settings.size(); ++place) {
+    if (std::to_underlying(settings.at(place).setting) != place) return false;
+  }
+  return true;
+}
+static_assert(standsInOrder(), "describe() finds a setting by its place");
+static_assert(scanScope("disk") == ScanScope::disk && appPresence("dock") == AppPresence::dock);
+
+struct SwitchWord {
+  std::string_view word;
+  bool value;
+};
+constexpr std::array<SwitchWord, 6> switchWords{
+    {{"true", true}, {"false", false}, {"yes", true}, {"no", false}, {"on", true}, {"off", false}}};
+
+DefaultsValue stored(const SettingConstant& constant) {
+  if (const auto* text = std::get_if<std::string_view>(&constant)) return std::string{*text};
+  if (const auto* number = std::get_if<std::int64_t>(&constant)) return *number;
+  return std::get<bool>(constant);
+}
+
+template <typename Range, typename Name>
+std::string listOf(const Range& range, Name name) {
+  std::string list;
+  for (const auto& item : range) {
+    if (!list.empty()) list += ", ";
+    list += name(item);
+  }
+  return list;
+}
+
+std::string choiceText(const SettingChoice& choice) {
+  if (const auto* number = std::get_if<std::int64_t>(&choice.value)) return std::to_string(*number);
+  return std::string{std::get<std::string_view>(choice.value)};
+}
+
+std::string possibleValues(const SettingDescription& setting) {
+  if (std::holds_alternative<bool>(setting.registeredDefault)) {
+    return listOf(switchWords, [](const SwitchWord& known) { return known.word; });
+  }
+  const std::string choices = listOf(setting.choices, choiceText);
+  if (std::holds_alternative<std::string_view>(setting.registeredDefault)) return choices;
+  return "a whole number from " + std::to_string(setting.minimum) + " to " + std::to_string(setting.maximum) +
+         " (offered: " + choices + ")";
+}
+
+std::optional<DefaultsValue> parseNumber(const SettingDescription& setting, std::string_view text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, failure] = std::from_chars(text.data(), end, number);
+  if (failure != std::errc{} || stop != end || number < setting.minimum || number > setting.maximum) {
+    return std::nullopt;
+  }
+  return number;
+}
+
+std::optional<DefaultsValue> parseSwitch(std::string_view text) {
+  const auto known = std::ranges::find(switchWords, text, &SwitchWord::word);
+  if (known == switchWords.end()) return std::nullopt;
+  return known->value;
+}
+
+std::optional<DefaultsValue> parseChoice(const SettingDescription& setting, std::string_view text) {
+  const auto known = std::ranges::find(setting.choices, SettingConstant{text}, &SettingChoice::value);
+  if (known == setting.choices.end()) return std::nullopt;
+  return stored(known->value);
+}
+
+std::optional<DefaultsValue> parse(const SettingDescription& setting, std::string_view text) {
+  if (std::holds_alternative<std::int64_t>(setting.registeredDefault)) return parseNumber(setting, text);
+  if (std::holds_alternative<bool>(setting.registeredDefault)) return parseSwitch(text);
+  return parseChoice(setting, text);
+}
+
+Error settingError(SettingError code, std::string message) {
+  return {.domain = std::string{settingErrorDomain},
+          .code = std::to_underlying(code),
+          .message = std::move(message)};
+}
+
+std::string quoted(std::string_view text) {
+  return '"' + std::string{text} + '"';
+}
+
+}  // namespace
+
+DefaultsValues registeredSettings() {
+  DefaultsValues values;
+  for (const SettingDescription& setting : settings) {
+    values.emplace(setting.key, stored(setting.registeredDefault));
+  }
+  return values;
+}
+
+std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::string_view text) {
+  const auto setting = std::ranges::find(settings, key, &SettingDescription::key);
+  if (setting == settings.end()) {
+    return std::unexpected(settingError(
+        SettingError::unknownKey, "There is no setting " + quoted(key) + ". The settings are: " +
+                                      listOf(settings, [](const auto& known) { return known.key; }) + "."));
+  }
+  if (auto value = parse(*setting, text)) return std::move(*value);
+  return std::unexpected(
+      settingError(SettingError::unfitValue, quoted(text) + " is no value of " + std::string{key} +
+                                                 ". It can be: " + possibleValues(*setting) + "."));
+}
+
+}  // namespace spacemint

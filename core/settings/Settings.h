@@ -1,0 +1,137 @@
+#pragma once
+
+#include "core/base/Error.h"
+#include "core/host/DefaultsStore.h"
+
+#include <array>
+#include <cstdint>
+#include <expected>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace spacemint {
+
+/// What a scan measures.
+enum class ScanScope : std::uint8_t { home, disk };
+
+/// Where the application shows itself.
+enum class AppPresence : std::uint8_t { menuBar, dock };
+
+/// The user's settings, in the order in which they are stored, listed and copied.
+enum class Setting : std::uint8_t {
+  warningThresholdGB,
+  scope,
+  scanIntervalHours,
+  showFreeSpaceInMenuBar,
+  presence,
+  hasStarted
+};
+
+/// A value of a setting as a constant. Enumerations are stored as text, their raw value.
+using SettingConstant = std::variant<std::int64_t, bool, std::string_view>;
+
+/// A value that is offered to people, and how they read it.
+struct SettingChoice {
+  SettingConstant value;
+  std::string_view label;
+};
+
+/// One setting as data. What is stored may still be anything: the limits bind what people enter.
+struct SettingDescription {
+  Setting setting;
+  /// The key in the defaults store; part of the stored format.
+  std::string_view key;
+  /// Answers while nothing is stored; its type is the setting's.
+  SettingConstant registeredDefault;
+  /// All values of an enumeration, proposals for a number, nothing for a switch.
+  std::span<const SettingChoice> choices = {};
+  /// The numbers that people may enter.
+  std::int64_t minimum = 0;
+  std::int64_t maximum = 0;
+};
+
+inline constexpr std::array<SettingChoice, 10> warningThresholdChoices{{{5, "5 GB free"},
+                                                                        {10, "10 GB free"},
+                                                                        {15, "15 GB free"},
+                                                                        {20, "20 GB free"},
+                                                                        {30, "30 GB free"},
+                                                                        {50, "50 GB free"},
+                                                                        {75, "75 GB free"},
+                                                                        {100, "100 GB free"},
+                                                                        {150, "150 GB free"},
+                                                                        {200, "200 GB free"}}};
+
+inline constexpr std::array<SettingChoice, 4> scanIntervalChoices{
+    {{3, "Every 3 hours"}, {6, "Every 6 hours"}, {12, "Every 12 hours"}, {24, "Once a day"}}};
+
+/// In the order of `ScanScope`.
+inline constexpr std::array<SettingChoice, 2> scopeChoices{
+    {{"home", "Home folder"}, {"disk", "Entire disk"}}};
+
+/// In the order of `AppPresence`.
+inline constexpr std::array<SettingChoice, 2> presenceChoices{{{"menuBar", "Menu bar"}, {"dock", "Dock"}}};
+
+/// Every setting, in the order of `Setting`. The largest threshold is the last whose bytes, the largest
+/// interval the last whose microseconds, fit 64 bits.
+inline constexpr std::array<SettingDescription, 6> settings{{
+    {.setting = Setting::warningThresholdGB,
+     .key = "warningThresholdGB",
+     .registeredDefault = 20,
+     .choices = warningThresholdChoices,
+     .minimum = 0,
+     .maximum = 9'223'372'036},
+    {.setting = Setting::scope, .key = "scope", .registeredDefault = "home", .choices = scopeChoices},
+    {.setting = Setting::scanIntervalHours,
+     .key = "scanIntervalHours",
+     .registeredDefault = 6,
+     .choices = scanIntervalChoices,
+     .minimum = 1,
+     .maximum = 2'562'047'788},
+    {.setting = Setting::showFreeSpaceInMenuBar, .key = "showFreeSpaceInMenuBar", .registeredDefault = true},
+    {.setting = Setting::presence,
+     .key = "presence",
+     .registeredDefault = "menuBar",
+     .choices = presenceChoices},
+    {.setting = Setting::hasStarted, .key = "hasStarted", .registeredDefault = false},
+}};
+
+constexpr const SettingDescription& describe(Setting setting) {
+  return settings.at(std::to_underlying(setting));
+}
+
+constexpr std::string_view rawValue(ScanScope scope) {
+  return std::get<std::string_view>(scopeChoices.at(std::to_underlying(scope)).value);
+}
+constexpr std::string_view rawValue(AppPresence presence) {
+  return std::get<std::string_view>(presenceChoices.at(std::to_underlying(presence)).value);
+}
+constexpr std::string_view title(ScanScope scope) {
+  return scopeChoices.at(std::to_underlying(scope)).label;
+}
+constexpr std::string_view title(AppPresence presence) {
+  return presenceChoices.at(std::to_underlying(presence)).label;
+}
+
+/// The case with this raw value; the first case for anything else.
+constexpr ScanScope scanScope(std::string_view raw) {
+  return raw == rawValue(ScanScope::disk) ? ScanScope::disk : ScanScope::home;
+}
+constexpr AppPresence appPresence(std::string_view raw) {
+  return raw == rawValue(AppPresence::dock) ? AppPresence::dock : AppPresence::menuBar;
+}
+
+/// The registered defaults of all settings.
+DefaultsValues registeredSettings();
+
+/// Why a text is no setting. The message is for the person who typed it and says what would do.
+enum class SettingError { unknownKey = 1, unfitValue };
+inline constexpr std::string_view settingErrorDomain = "settings";
+
+/// The value that `text` gives the setting under `key`, ready to be stored. A number may be any from the
+/// setting's minimum to its maximum, offered or not; a switch takes true, yes, on, false, no, off; an
+/// enumeration takes its raw values.
+std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::string_view text);
+
+}  // namespace spacemint

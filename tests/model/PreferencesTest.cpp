@@ -1,0 +1,187 @@
+#include "Spacemint/model/Preferences.h"
+
+#include "core/host/AtomicFile.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+namespace spacemint {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class PreferencesTest : public testing::Test {
+ protected:
+  Preferences::Callback noting() {
+    return [this](Setting setting) { told.emplace_back(describe(setting).key); };
+  }
+  std::string text() const { return readFile(path, 10'000).value_or("no file"); }
+
+  support::TemporaryFolder folder;
+  const std::string path = folder / "s.json";
+  std::vector<std::string> told;
+};
+
+TEST_F(PreferencesTest, loadWhatIsStored) {
+  struct Case {
+    const char* stored;
+    std::int64_t threshold;
+    ScanScope scope;
+    std::int64_t interval;
+    bool shows;
+    AppPresence presence;
+    bool started;
+  };
+  using enum ScanScope;
+  using enum AppPresence;
+  const Case cases[]{
+      {"{}", 20, home, 6, true, menuBar, false},
+      {R"({"scope": "disk", "presence": "dock", "hasStarted": true})", 20, disk, 6, true, dock, true},
+      {R"({"scope": "Disk", "presence": "both"})", 20, home, 6, true, menuBar, false},
+      {R"({"scope": "", "presence": ""})", 20, home, 6, true, menuBar, false},
+      {R"({"scope": "volume", "presence": 1})", 20, home, 6, true, menuBar, false},
+      {R"({"warningThresholdGB": 0, "scanIntervalHours": -1})", 0, home, -1, true, menuBar, false},
+      {R"({"warningThresholdGB": "20", "scanIntervalHours": null})", 0, home, 0, true, menuBar, false},
+      {R"({"showFreeSpaceInMenuBar": false, "hasStarted": "true"})", 20, home, 6, false, menuBar, false},
+      {R"({"showFreeSpaceInMenuBar": "yes"})", 20, home, 6, false, menuBar, false},
+  };
+  for (const Case& c : cases) {
+    std::ofstream{path} << c.stored;
+    DefaultsStore store{path};
+    const Preferences preferences{store};
+    EXPECT_EQ(preferences.warningThresholdGB(), c.threshold) << c.stored;
+    EXPECT_EQ(preferences.scope(), c.scope) << c.stored;
+    EXPECT_EQ(preferences.scanIntervalHours(), c.interval) << c.stored;
+    EXPECT_EQ(preferences.showFreeSpaceInMenuBar(), c.shows) << c.stored;
+    EXPECT_EQ(preferences.presence(), c.presence) << c.stored;
+    EXPECT_EQ(preferences.hasStarted(), c.started) << c.stored;
+    EXPECT_EQ(text(), c.stored);
+  }
+}
+
+TEST_F(PreferencesTest, writeEveryValueAndTellOnlyOfChanges) {
+  struct Case {
+    std::function<void(Preferences&)> setDefault;
+    std::function<void(Preferences&)> setOther;
+    const char* key;
+    const char* storedDefault;
+    const char* storedOther;
+    bool followed;
+  };
+  const Case cases[]{
+      {[](auto& p) { p.setWarningThresholdGB(20); }, [](auto& p) { p.setWarningThresholdGB(0); },
+       "warningThresholdGB", "20", "0", true},
+      {[](auto& p) { p.setScope(ScanScope::home); }, [](auto& p) { p.setScope(ScanScope::disk); }, "scope",
+       "\"home\"", "\"disk\"", true},
+      {[](auto& p) { p.setScanIntervalHours(6); }, [](auto& p) { p.setScanIntervalHours(24); },
+       "scanIntervalHours", "6", "24", true},
+      {[](auto& p) { p.setShowFreeSpaceInMenuBar(true); },
+       [](auto& p) { p.setShowFreeSpaceInMenuBar(false); }, "showFreeSpaceInMenuBar", "true", "false", true},
+      {[](auto& p) { p.setPresence(AppPresence::menuBar); },
+       [](auto& p) { p.setPresence(AppPresence::dock); }, "presence", "\"menuBar\"", "\"dock\"", true},
+      {[](auto& p) { p.setHasStarted(false); }, [](auto& p) { p.setHasStarted(true); }, "hasStarted", "false",
+       "true", false},
+  };
+  for (const Case& c : cases) {
+    fs::remove(path);
+    told.clear();
+    DefaultsStore store{path};
+    Preferences preferences{store};
+    const auto followed = preferences.observe(Preferences::followedAtOnce, noting());
+    const auto line = [&](const char* value) {
+      return "{\n  \"" + std::string{c.key} + "\": " + value + "\n}\n";
+    };
+    c.setDefault(preferences);
+    EXPECT_EQ(text(), line(c.storedDefault));
+    EXPECT_THAT(told, IsEmpty()) << c.key;
+    c.setOther(preferences);
+    EXPECT_EQ(text(), line(c.storedOther));
+    EXPECT_EQ(told, c.followed ? std::vector<std::string>{c.key} : std::vector<std::string>{});
+  }
+}
+
+TEST_F(PreferencesTest, anObserverHearsOfItsOwnSettingsWhileItsSubscriptionLives) {
+  DefaultsStore store{path};
+  Preferences preferences{store};
+  constexpr std::array started{Setting::hasStarted};
+  auto subscription = preferences.observe(started, noting());
+  preferences.setScope(ScanScope::disk);
+  preferences.setHasStarted(true);
+  EXPECT_THAT(told, ElementsAre("hasStarted"));
+  subscription = {};
+  preferences.setHasStarted(false);
+  EXPECT_THAT(told, ElementsAre("hasStarted"));
+}
+
+TEST_F(PreferencesTest, anObserverMayChangeSettingsAndEndSubscriptions) {
+  DefaultsStore store{path};
+  Preferences preferences{store};
+  constexpr std::array threshold{Setting::warningThresholdGB};
+  Preferences::Subscription first;
+  Preferences::Subscription second;
+  first = preferences.observe(threshold, [&](Setting) {
+    first = {};
+    second = {};
+    preferences.setWarningThresholdGB(preferences.warningThresholdGB() + 1);
+  });
+  second = preferences.observe(threshold, noting());
+  preferences.setWarningThresholdGB(50);
+  EXPECT_EQ(preferences.warningThresholdGB(), 51);
+  EXPECT_EQ(store.integer("warningThresholdGB"), 51);
+  EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(PreferencesTest, aSubscriptionMayOutliveThePreferences) {
+  DefaultsStore store{path};
+  auto preferences = std::make_unique<Preferences>(store);
+  const auto subscription = preferences->observe(Preferences::followedAtOnce, noting());
+  preferences.reset();
+  EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(PreferencesTest, takeOverWhatAnotherProcessStored) {
+  DefaultsStore store{path};
+  Preferences preferences{store};
+  const auto subscription = preferences.observe(Preferences::followedAtOnce, noting());
+  DefaultsStore other{path};
+  ASSERT_TRUE(other.set("scope", "disk"));
+  ASSERT_TRUE(other.set("unknown", 1));
+  preferences.refresh();
+  EXPECT_EQ(preferences.scope(), ScanScope::disk);
+  EXPECT_THAT(told, ElementsAre("scope"));
+
+  ASSERT_TRUE(other.set("scanIntervalHours", 12));
+  preferences.setScope(ScanScope::home);  // which reads the other's change on its way
+  told.clear();
+  preferences.refresh();
+  EXPECT_EQ(preferences.scanIntervalHours(), 12);
+  EXPECT_THAT(told, ElementsAre("scanIntervalHours"));
+}
+
+TEST_F(PreferencesTest, aValueThatCannotBeStoredIsHeldAndReported) {
+  DefaultsStore store{path};
+  Preferences preferences{store};
+  const auto subscription = preferences.observe(Preferences::followedAtOnce, noting());
+  fs::create_directory(path);
+  preferences.setScope(ScanScope::disk);
+  ASSERT_TRUE(preferences.lastWriteError());
+  EXPECT_THAT(preferences.lastWriteError()->message, HasSubstr("Is a directory"));
+  preferences.refresh();
+  EXPECT_EQ(preferences.scope(), ScanScope::disk);
+  EXPECT_THAT(told, ElementsAre("scope"));
+
+  fs::remove(path);
+  preferences.setScope(ScanScope::disk);
+  EXPECT_FALSE(preferences.lastWriteError());
+  EXPECT_EQ(DefaultsStore{path}.string("scope"), "disk");
+}
+
+}  // namespace
+}  // namespace spacemint
