@@ -58,7 +58,7 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording) {
   Table table;
   for (const FileItem& file : files) {
-    table.add({ByteFormat::string(file.size, wording.locale), file.modified ? calendarDate(*file.modified) : "",
+    table.add({ByteFormat::string(file.size, wording.locale), file.modified ? localTime(*file.modified).substr(0, 10) : "",
                shown(file.path, wording)});
   }
   return table.text();

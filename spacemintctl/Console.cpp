@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <iomanip>
+#include <sstream>
 #include <system_error>
 
 namespace spacemint::ctl {
@@ -16,6 +18,15 @@ namespace {
 std::size_t columns(std::string_view text) {
   return static_cast<std::size_t>(
       std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U; }));
+}
+
+std::string formatted(Date date, std::tm* (*split)(const std::time_t*, std::tm*), const char* format) {
+  const std::time_t time = std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
+  std::tm parts{};
+  if (split(&time, &parts) == nullptr) return "?";
+  std::ostringstream text;
+  text << std::put_time(&parts, format);
+  return text.str();
 }
 
 }  // namespace
@@ -34,14 +45,9 @@ std::string printable(std::string_view text) {
   return safe;
 }
 
-std::string calendarDate(Date date) {
-  const std::time_t time = std::chrono::system_clock::to_time_t(date);
-  std::tm local{};
-  if (localtime_r(&time, &local) == nullptr) return "";
-  std::string text(64, '\0');
-  text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%d", &local));
-  return text;
-}
+std::string localTime(Date date) { return formatted(date, localtime_r, "%Y-%m-%d %H:%M:%S"); }
+
+std::string universalTime(Date date) { return formatted(date, gmtime_r, "%Y-%m-%dT%H:%M:%SZ"); }
 
 std::string percentage(std::int64_t part, std::int64_t whole) {
   if (whole < 1) return "";

@@ -38,7 +38,9 @@ std::string progressText(const DiskScanner::Progress& progress, std::optional<By
 }
 
 ProgressLine::ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale)
-    : shown_(wanted && isatty(STDERR_FILENO) == 1), expected_(expected), locale_(std::move(locale)) {}
+    : shown_(wanted), expected_(expected), locale_(std::move(locale)) {}
+
+bool ProgressLine::canBeSeen() { return isatty(STDERR_FILENO) == 1; }
 
 ProgressLine::~ProgressLine() {
   if (shown_) std::fputs("\r\x1b[K", stderr);

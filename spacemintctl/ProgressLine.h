@@ -14,9 +14,12 @@ std::string progressText(const DiskScanner::Progress& progress, std::optional<By
                          std::chrono::duration<double> elapsed, const std::string& locale);
 
 /// One line on a terminal that is written over again and again, some ten times a second, and goes away with
-/// the object. Nothing where standard error is not a terminal.
+/// the object. Nothing where it is not wanted.
 class ProgressLine {
  public:
+  /// Whether standard error is a terminal.
+  static bool canBeSeen();
+
   ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale);
   ~ProgressLine();
   ProgressLine(const ProgressLine&) = delete;

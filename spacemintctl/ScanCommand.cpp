@@ -1,19 +1,24 @@
 #include "spacemintctl/ScanCommand.h"
 
 #include "core/history/SnapshotCodec.h"
+#include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
+#include "core/host/UserTimeZone.h"
 #include "core/scan/DiskScanner.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Interrupt.h"
 #include "spacemintctl/ProgressLine.h"
+#include "spacemintctl/StoredScan.h"
 
 #include <filesystem>
 
 namespace spacemint::ctl {
 
 namespace {
+
+constexpr int historyDays = 14;
 
 Date now() { return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now()); }
 
@@ -34,15 +39,18 @@ std::optional<Error> obstacle(const std::string& root) {
   return std::move(folder).error();
 }
 
-// How much a scan of `root` will find, where that is known before.
+// How much a scan of `root` will find: what the last one found, else what is used on the volume that it covers.
 std::optional<Bytes> expectedBytes(const std::string& root) {
+  const auto last = storedScan(SnapshotStore::standard(), "");
+  if (last && last->rootPath() == root) return last->root.size;
   if (mountPointOf(root) != root) return std::nullopt;
   const auto volume = VolumeStatus::current(root);
   return volume ? std::optional{volume->used()} : std::nullopt;
 }
 
 std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options) {
-  ProgressLine line(!options.quiet, expectedBytes(root), userLocale());
+  const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
+  ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, userLocale());
   return DiskScanner::scan({.root = root,
                             .minNodeSize = options.minSize,
                             .throttleIO = options.throttle,
@@ -71,6 +79,18 @@ bool answer(const Snapshot& snapshot, const ScanOptions& options, const Wording&
   return false;
 }
 
+// Keeps the scan and drops those that are due.
+bool save(const Snapshot& snapshot) {
+  const SnapshotStore store = SnapshotStore::standard();
+  const auto entry = store.save(snapshot);
+  if (!entry) {
+    complain("couldn't save the scan: " + printable(entry.error().message));
+    return false;
+  }
+  store.prune({.days = historyDays, .now = now(), .timeZone = userTimeZone()});
+  return true;
+}
+
 }  // namespace
 
 int runScan(const ScanOptions& options) {
@@ -92,7 +112,8 @@ int runScan(const ScanOptions& options) {
   const Snapshot snapshot = snapshotOf(std::move(*result), options.minSize, start);
   const bool answered = answer(snapshot, options, wording);
   if (!note.empty() && !options.quiet) complain(note);
-  return answered ? done : failed;
+  const bool saved = options.noSave || save(snapshot);
+  return answered && saved ? done : failed;
 }
 
 }  // namespace spacemint::ctl

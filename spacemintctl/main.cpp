@@ -1,5 +1,8 @@
+#include "spacemintctl/BrowseCommands.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/HistoryCommand.h"
 #include "spacemintctl/ScanCommand.h"
+#include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StatusCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -43,13 +46,66 @@ void addStatus(CLI::App& app, Action& action) {
   status->callback([&] { action = [] { return runStatus(json); }; });
 }
 
+void addHistory(CLI::App& app, Action& action) {
+  static bool json = false;
+  CLI::App* history = app.add_subcommand("history", "List the scans that are kept");
+  history->add_flag("--json", json, "Print one JSON array");
+  history->callback([&] { action = [] { return runHistory(json); }; });
+}
+
+CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
+  CLI::App* command = app.add_subcommand(name, description);
+  command->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
+      ->type_name("DATE");
+  command->add_option("--top", options.top, "How many to name")->type_name("N")->capture_default_str();
+  command->add_flag("--json", options.json, "Print JSON");
+  return command;
+}
+
+void addFilesAndFolders(CLI::App& app, Action& action) {
+  static BrowseOptions files;
+  addBrowsing(app, "files", "Name the largest files of the newest scan", files)->callback([&] {
+    action = [] { return runFiles(files); };
+  });
+  static BrowseOptions folders;
+  CLI::App* command = addBrowsing(app, "folders", "Name what is in a folder, from the newest scan", folders);
+  command->add_option("PATH", folders.path, "The folder; the root of the scan if none is given");
+  command->callback([&] { action = [] { return runFolders(folders); }; });
+}
+
+void addSettings(CLI::App& app, Action& action) {
+  static bool json = false;
+  static std::string key;
+  static std::string value;
+  CLI::App* list = app.add_subcommand("settings", "Show or change the settings");
+  list->require_subcommand(0, 1);
+  list->add_flag("--json", json, "Print one JSON object");
+  CLI::App* get = list->add_subcommand("get", "Show one setting");
+  get->add_option("KEY", key, "Its key")->required();
+  CLI::App* set = list->add_subcommand("set", "Change a setting");
+  set->add_option("KEY", key, "Its key")->required();
+  set->add_option("VALUE", value, "Its new value")->required();
+  list->callback([&action, get, set] {
+    if (get->parsed()) {
+      action = [] { return getSetting(key); };
+    } else if (set->parsed()) {
+      action = [] { return setSetting(key, value); };
+    } else {
+      action = [] { return listSettings(json); };
+    }
+  });
+}
+
 int run(int argc, char** argv) {
   CLI::App app{"Spacemint: what is big on your disk, what grew, and what is safe to clean", "spacemintctl"};
   app.require_subcommand(1);
   app.set_version_flag("--version", SPACEMINT_VERSION);
   Action action;
   addScan(app, action);
+  addHistory(app, action);
+  addFilesAndFolders(app, action);
   addStatus(app, action);
+  addSettings(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

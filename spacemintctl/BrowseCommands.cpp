@@ -1,0 +1,104 @@
+#include "spacemintctl/BrowseCommands.h"
+
+#include "core/base/ByteFormat.h"
+#include "core/base/Unicode.h"
+#include "core/host/UserFolders.h"
+#include "spacemintctl/Answer.h"
+#include "spacemintctl/Console.h"
+#include "spacemintctl/StoredScan.h"
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+namespace spacemint::ctl {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::optional<Snapshot> scanFor(const BrowseOptions& options) {
+  auto scan = storedScan(SnapshotStore::standard(), options.scan);
+  if (scan) return std::move(*scan);
+  complain(printable(scan.error().message));
+  return std::nullopt;
+}
+
+Wording userWording() { return {.home = UserFolders::home(), .locale = userLocale()}; }
+
+void setModified(Json& object, std::optional<Date> modified) {
+  if (modified) object["modified"] = universalTime(*modified);
+}
+
+Json jsonOf(const FileItem& file) {
+  Json object{{"path", withInvalidUtf8Replaced(file.path)}, {"size", file.size}};
+  setModified(object, file.modified);
+  return object;
+}
+
+// A node without what is in it.
+Json jsonOf(const std::string& name, const Node& node) {
+  Json object{{"name", withInvalidUtf8Replaced(name)}, {"size", node.size}, {"isDirectory", node.isDirectory}};
+  if (node.isDirectory) object["fileCount"] = node.fileCount;
+  setModified(object, node.modified);
+  return object;
+}
+
+Json folderJson(const std::string& path, const Node& folder) {
+  Json object = jsonOf(path, folder);
+  object["unlistedSize"] = folder.unlistedSize();
+  object["children"] = Json::array();
+  for (const Node& child : folder.children) object["children"].push_back(jsonOf(child.name, child));
+  return object;
+}
+
+std::string folderText(const std::string& path, const Node& folder, std::size_t top, const Wording& wording) {
+  std::string text = printable(Paths::display(path, wording.home)) + ": " +
+                     ByteFormat::string(folder.size, wording.locale) + '\n';
+  Table table;
+  for (const Node& child : folder.children) {
+    if (top-- == 0) {
+      table.add({"", "", "… and more; --top shows them"});
+      break;
+    }
+    table.add({ByteFormat::string(child.size, wording.locale), percentage(child.size, folder.size),
+               printable(child.name) + (child.isDirectory ? "/" : "")});
+  }
+  if (folder.unlistedSize() > 0) {
+    table.add({ByteFormat::string(folder.unlistedSize(), wording.locale),
+               percentage(folder.unlistedSize(), folder.size), "(smaller files and folders)"});
+  }
+  return text + table.text();
+}
+
+}  // namespace
+
+int runFiles(const BrowseOptions& options) {
+  const auto snapshot = scanFor(options);
+  if (!snapshot) return failed;
+  const auto files = snapshot->largestFiles(options.top);
+  if (!options.json) return print(fileTable(files, userWording())) ? done : failed;
+  Json list = Json::array();
+  for (const FileItem& file : files) list.push_back(jsonOf(file));
+  return print(list.dump() + '\n') ? done : failed;
+}
+
+int runFolders(const BrowseOptions& options) {
+  const auto snapshot = scanFor(options);
+  if (!snapshot) return failed;
+  const std::string path = options.path.empty()
+                               ? snapshot->rootPath()
+                               : std::filesystem::absolute(options.path).lexically_normal().string();
+  const Node* folder = snapshot->nodeAt(path);
+  if (folder == nullptr || !folder->isDirectory) {
+    complain(printable(path) + ": no such folder in the scan of " + localTime(snapshot->date) +
+             ", or smaller than it keeps");
+    return failed;
+  }
+  const std::string shown{Paths::withoutTrailingSlash(path)};
+  return print(options.json ? folderJson(shown, *folder).dump() + '\n'
+                            : folderText(shown, *folder, options.top, userWording()))
+             ? done
+             : failed;
+}
+
+}  // namespace spacemint::ctl

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace spacemint::ctl {
+
+/// Lists the scans that are kept, newest first.
+int runHistory(bool json);
+
+}  // namespace spacemint::ctl

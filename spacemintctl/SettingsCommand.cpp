@@ -1,0 +1,71 @@
+#include "spacemintctl/SettingsCommand.h"
+
+#include "core/settings/Settings.h"
+#include "spacemintctl/Console.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace spacemint::ctl {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+DefaultsStore openStore() {
+  DefaultsStore store = DefaultsStore::standard();
+  store.registerDefaults(registeredSettings());
+  for (const std::string& path : store.setAside()) complain("the settings were damaged and are now in " + printable(path));
+  if (store.readError()) complain(printable(store.readError()->message));
+  return store;
+}
+
+// The value that serves, in the type of the setting; a stored value of another type is not shown as one.
+Json valueOf(const DefaultsStore& store, const SettingDescription& setting) {
+  const auto json = [](const auto& value) { return value ? Json(*value) : Json(nullptr); };
+  if (std::holds_alternative<bool>(setting.registeredDefault)) return json(store.boolean(setting.key));
+  if (std::holds_alternative<std::int64_t>(setting.registeredDefault)) return json(store.integer(setting.key));
+  return json(store.string(setting.key));
+}
+
+std::string textOf(const Json& value) {
+  if (value.is_null()) return "not usable";
+  return printable(value.is_string() ? value.get<std::string>() : value.dump());
+}
+
+}  // namespace
+
+int listSettings(bool json) {
+  const DefaultsStore store = openStore();
+  Json object = Json::object();
+  Table table;
+  for (const SettingDescription& setting : settings) {
+    const Json value = valueOf(store, setting);
+    object[std::string{setting.key}] = value;
+    table.add({std::string{setting.key}, textOf(value) + (store.has(setting.key) ? "" : "  (default)")});
+  }
+  return print(json ? object.dump() + '\n' : table.text()) ? done : failed;
+}
+
+int getSetting(const std::string& key) {
+  const auto setting = std::ranges::find(settings, key, &SettingDescription::key);
+  if (setting == settings.end()) {
+    complain(parseSetting(key, "").error().message);
+    return wrongUsage;
+  }
+  return print(textOf(valueOf(openStore(), *setting)) + '\n') ? done : failed;
+}
+
+int setSetting(const std::string& key, const std::string& value) {
+  const auto parsed = parseSetting(key, value);
+  if (!parsed) {
+    complain(printable(parsed.error().message));
+    return wrongUsage;
+  }
+  const auto stored = openStore().set(key, *parsed);
+  if (stored) return done;
+  complain(printable(stored.error().message));
+  return failed;
+}
+
+}  // namespace spacemint::ctl

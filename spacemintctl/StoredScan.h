@@ -1,0 +1,20 @@
+#pragma once
+
+#include "core/base/Error.h"
+#include "core/history/SnapshotStore.h"
+
+#include <expected>
+#include <string>
+#include <string_view>
+
+namespace spacemint::ctl {
+
+/// The scan of the user's history that `--scan` names: the newest one whose local date and time begin with
+/// the text ("2026-03-01", "2026-03-01 14:05"), or the one of that second since 1970. Empty text names the
+/// newest that can be read.
+std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::string_view date);
+
+/// True when `date` names the scan made at `scanned`.
+bool namesScan(std::string_view date, Date scanned);
+
+}  // namespace spacemint::ctl
