@@ -15,23 +15,28 @@ namespace {
 using namespace spacemint::ctl;
 using Action = std::function<int()>;
 
-// The message of an argument that is no count of bytes; empty for one that is.
-std::string wholeBytes(const std::string& text) {
-  spacemint::Bytes bytes = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bytes);
-  const bool fits = error == std::errc{} && end == text.data() + text.size() && bytes >= 0;
-  return fits ? "" : "\"" + text + "\" is not a whole number of bytes";
-}
+// Refuses, in words, what is not a whole number from 0 up.
+const CLI::Validator wholeNumber{[](const std::string& text) -> std::string {
+                                   std::int64_t number = 0;
+                                   const char* end = text.data() + text.size();
+                                   const auto [read, error] = std::from_chars(text.data(), end, number);
+                                   if (error == std::errc{} && read == end && number >= 0) return "";
+                                   return "\"" + text + "\" is not a whole number from 0 up";
+                                 },
+                                 ""};
 
 void addScan(CLI::App& app, Action& action) {
   static ScanOptions options;
   CLI::App* scan = app.add_subcommand("scan", "Measure a folder and say what is big in it");
   scan->add_option("PATH", options.path, "The folder; your home folder if none is given");
   scan->add_option("--min-size", options.minSize, "Keep files and folders of at least this many bytes apart")
-      ->check(CLI::Validator(wholeBytes, "BYTES"))
-      ->type_name("")
+      ->check(wholeNumber)
+      ->type_name("BYTES")
       ->capture_default_str();
-  scan->add_option("--top", options.top, "How many folders and files to name")->type_name("N")->capture_default_str();
+  scan->add_option("--top", options.top, "How many folders and files to name")
+      ->check(wholeNumber)
+      ->type_name("N")
+      ->capture_default_str();
   scan->add_flag("--throttle", options.throttle, "Leave the disk to everybody else; slower");
   scan->add_flag("--no-save", options.noSave, "Do not keep this scan in the history");
   scan->add_flag("-q,--quiet", options.quiet, "No progress and no notes");
@@ -57,7 +62,10 @@ CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, 
   CLI::App* command = app.add_subcommand(name, description);
   command->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
       ->type_name("DATE");
-  command->add_option("--top", options.top, "How many to name")->type_name("N")->capture_default_str();
+  command->add_option("--top", options.top, "How many to name")
+      ->check(wholeNumber)
+      ->type_name("N")
+      ->capture_default_str();
   command->add_flag("--json", options.json, "Print JSON");
   return command;
 }

@@ -1,12 +1,15 @@
 // spacemintctl as a person runs it: what it says, how it ends, and what is left on the disk.
 
 #include "core/history/SnapshotCodec.h"
+#include "core/history/SnapshotStore.h"
 #include "support/Program.h"
+#include "support/TreeBuilder.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace spacemint {
 namespace {
@@ -31,6 +34,8 @@ class SpacemintctlTest : public testing::Test {
     fs::create_directory(program.home() / "many");
     for (int i = 0; i < count; ++i) std::ofstream(program.home() / ("many/" + std::to_string(i)));
   }
+
+  SnapshotStore history() const { return {.directory = program.home() / ".local/share/Spacemint/Snapshots"}; }
 
   Program program{SPACEMINTCTL};
 };
@@ -114,10 +119,107 @@ TEST_F(SpacemintctlTest, statusSaysHowFullTheDiskIs) {
   EXPECT_THAT(program.run({"status", "--json"}).out, testing::MatchesRegex(R"(\{"name":".*,"total":[0-9]+,.*\}.)"));
 }
 
+TEST_F(SpacemintctlTest, aScanIsKeptAndReadBackEqual) {
+  write("Movies/long.mov", 3'000'000);
+  write("Code/core", 2'000'000);
+  EXPECT_THAT(program.run({"history"}).out, HasSubstr("No scan in the history yet"));
+  EXPECT_EQ(program.run({"files"}).exitCode, 1);
+  EXPECT_EQ(program.run({"scan", "--no-save"}).exitCode, 0);
+  EXPECT_FALSE(fs::exists(program.home() / ".local"));
+
+  const Outcome scan = program.run({"scan", "--json", "--min-size", "1000000"});
+  const auto entries = history().entries();
+  ASSERT_EQ(entries.size(), 1U);
+  const auto stored = history().load(entries[0]);
+  ASSERT_TRUE(stored);
+  EXPECT_EQ(SnapshotCodec::decode(scan.out), *stored);
+  EXPECT_THAT(program.run({"history"}).out, AllOf(HasSubstr("  5 MB  2 files  ~\n")));
+  EXPECT_THAT(program.run({"history", "--json"}).out, HasSubstr("\"fileCount\":2,\"minNodeSize\":1000000,"));
+}
+
+TEST_F(SpacemintctlTest, storedScansAreBrowsedByDate) {
+  const auto made = [](const char* name, int day) {
+    Snapshot snapshot{.date = std::chrono::sys_days{std::chrono::year{2026} / 3 / day} + std::chrono::hours{14},
+                      .root = support::folder("/home/ann", {support::folder(name, {support::file("f", 700)}),
+                                                            support::file("g", 200)}, {.unlisted = 100})};
+    return snapshot;
+  };
+  ASSERT_TRUE(history().save(made("old", 1)));
+  ASSERT_TRUE(history().save(made("new", 2)));
+
+  EXPECT_EQ(program.run({"folders"}).out,
+            "/home/ann: 1 KB\n"
+            "  700 bytes  70 %  new/\n"
+            "  200 bytes  20 %  g\n"
+            "  100 bytes  10 %  (smaller files and folders)\n");
+  EXPECT_EQ(program.run({"folders", "/home/ann/./old/", "--scan", "2026-03-01"}).out,
+            "/home/ann/old: 700 bytes\n  700 bytes  100 %  f\n");
+  EXPECT_EQ(program.run({"folders", "/home/ann/new", "--json"}).out,
+            R"({"name":"/home/ann/new","size":700,"isDirectory":true,"fileCount":1,"unlistedSize":0,)"
+            R"("children":[{"name":"f","size":700,"isDirectory":false}]})" "\n");
+  EXPECT_EQ(program.run({"files", "--scan", "2026-03-01T14", "--top", "1"}).out, "  700 bytes    /home/ann/old/f\n");
+  EXPECT_EQ(program.run({"files", "--scan", "1772460000", "--json", "--top", "1"}).out,
+            R"([{"path":"/home/ann/new/f","size":700}])" "\n");
+
+  const Outcome missing = program.run({"folders", "/home/ann/old"});
+  EXPECT_EQ(missing.exitCode, 1);
+  EXPECT_THAT(missing.err, HasSubstr("/home/ann/old: no such folder in the scan of 2026-03-02 14:00:00"));
+  EXPECT_EQ(program.run({"files", "--scan", "2025"}).err, "spacemintctl: no scan of \"2025\" in the history\n");
+
+  // The newest that can be read serves, and the list says which cannot.
+  std::ofstream(history().directory + "/1900000000.json") << "{";
+  EXPECT_EQ(program.run({"files"}).exitCode, 0);
+  EXPECT_THAT(program.run({"history"}).out, testing::ContainsRegex("2030-03-17 17:46:40 +cannot be read: "));
+}
+
+TEST_F(SpacemintctlTest, scanningPrunesTheHistoryOfTwentyDays) {
+  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+  for (int day = 1; day <= 20; ++day) {
+    for (const int hours : {0, 1}) {
+      ASSERT_TRUE(history().save({.date = now - std::chrono::days{day} - std::chrono::hours{hours}}));
+    }
+  }
+  EXPECT_EQ(program.run({"scan"}).exitCode, 0);
+  const auto kept = history().entries();
+  // Today's scan, the second newest whatever its age, and the newest of each day; an hour earlier may already be
+  // another day.
+  EXPECT_GE(kept.size(), 15U);
+  EXPECT_LE(kept.back().date, now - std::chrono::days{13});
+  EXPECT_GE(kept.back().date, now - std::chrono::days{14} - std::chrono::minutes{1});
+  std::set<std::chrono::sys_days> days;
+  for (const auto& entry : kept) days.insert(std::chrono::floor<std::chrono::days>(entry.date));
+  EXPECT_EQ(days.size(), kept.size());
+}
+
+TEST_F(SpacemintctlTest, aScanThatCannotBeKeptIsStillAnswered) {
+  fs::create_directories(program.home() / ".local/share");
+  std::ofstream(program.home() / ".local/share/Spacemint") << "in the way";
+  const Outcome outcome = program.run({"scan"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.out, HasSubstr(" in 1 file"));
+  EXPECT_THAT(outcome.err, AllOf(HasSubstr("couldn't save the scan: "), HasSubstr(".local/share/Spacemint")));
+}
+
+TEST_F(SpacemintctlTest, settingsAreCheckedAndKept) {
+  EXPECT_THAT(program.run({"settings"}).out, HasSubstr("  warningThresholdGB  20  (default)\n"));
+  EXPECT_EQ(program.run({"settings", "set", "scope", "disk"}).exitCode, 0);
+  EXPECT_EQ(program.run({"settings", "get", "scope"}).out, "disk\n");
+  EXPECT_THAT(program.run({"settings", "--json"}).out, HasSubstr("\"scope\":\"disk\",\"scanIntervalHours\":6,"));
+
+  const Outcome unfit = program.run({"settings", "set", "scope", "Disk"});
+  EXPECT_EQ(unfit.exitCode, 2);
+  EXPECT_THAT(unfit.err, HasSubstr("home, disk"));
+  const Outcome unknown = program.run({"settings", "set", "colour", "red"});
+  EXPECT_EQ(unknown.exitCode, 2);
+  EXPECT_THAT(unknown.err, HasSubstr("warningThresholdGB, scope"));
+  EXPECT_EQ(program.run({"settings", "get", "colour"}).exitCode, 2);
+  EXPECT_EQ(program.run({"settings", "get", "scope"}).out, "disk\n");
+}
+
 TEST_F(SpacemintctlTest, wrongUsageIsTwo) {
   for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
            {}, {"nonsense"}, {"scan", "--min-size", "-1"}, {"scan", "--min-size", "1.5"}, {"scan", "a", "b"},
-           {"scan", "--nope"}, {"status", "x"}}) {
+           {"scan", "--nope"}, {"status", "x"}, {"files", "--top", "-1"}, {"settings", "set", "scope"}}) {
     const Outcome outcome = program.run(words);
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_EQ(outcome.out, "");
