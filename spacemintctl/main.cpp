@@ -108,6 +108,9 @@ int run(int argc, char** argv) {
   CLI::App app{"Spacemint: what is big on your disk, what grew, and what is safe to clean", "spacemintctl"};
   app.require_subcommand(1);
   app.set_version_flag("--version", SPACEMINT_VERSION);
+  app.failure_message([](const CLI::App*, const CLI::Error& problem) {
+    return std::string{"spacemintctl: "} + problem.what() + " (--help says more)\n";
+  });
   Action action;
   addScan(app, action);
   addHistory(app, action);
