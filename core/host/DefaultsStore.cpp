@@ -89,15 +89,19 @@ std::expected<std::string, Error> textOf(const json& object, const std::string& 
   return text;
 }
 
+json jsonOf(const DefaultsArray& elements) {
+  json array = json::array();
+  for (const DefaultsElement& element : elements) {
+    array.push_back(std::visit([](const auto& held) { return json(held); }, element));
+  }
+  return array;
+}
+
 json jsonOf(const DefaultsValue& value) {
   return std::visit(
       [](const auto& held) {
         if constexpr (std::is_same_v<std::decay_t<decltype(held)>, DefaultsArray>) {
-          json array = json::array();
-          for (const DefaultsElement& element : held) {
-            array.push_back(std::visit([](const auto& scalar) { return json(scalar); }, element));
-          }
-          return array;
+          return jsonOf(held);
         } else {
           return json(held);
         }
@@ -258,7 +262,7 @@ void DefaultsStore::refresh() {
 }
 
 std::expected<FileLock, Error> DefaultsStore::lock() const {
-  std::string folder = std::filesystem::path{path_}.parent_path().string();
+  const std::string folder = std::filesystem::path{path_}.parent_path().string();
   if (auto made = createPrivateFolders(folder.empty() ? "." : folder); !made) {
     return std::unexpected(std::move(made.error()));
   }

@@ -156,6 +156,7 @@ TEST_F(DefaultsStoreTest, aFileDamagedWhileItRunsStaysUntilTheNextChange) {
   write("{\"k\": 5");
   store.refresh();
   EXPECT_EQ(store.integer("k"), 1);
+  ASSERT_TRUE(store.readError());
   EXPECT_EQ(store.readError()->domain, DefaultsStore::damaged);
   EXPECT_EQ(text(), "{\"k\": 5");
 
@@ -307,6 +308,7 @@ TEST_F(DefaultsStoreTest, readsTheFormerProductsFileAndNeverTouchesIt) {
   auto store = DefaultsStore::formerProduct();
   unsetenv("XDG_CONFIG_HOME");
   ASSERT_TRUE(store);
+  ASSERT_TRUE(store->readError());
   EXPECT_EQ(store->readError()->domain, DefaultsStore::damaged);
   EXPECT_FALSE(store->set("k", 1));
   EXPECT_EQ(readFile(former, 100).value_or("lost"), "{");
