@@ -106,6 +106,7 @@ TEST_F(SpacemintctlTest, aScanThatIsInterruptedEndsCleanly) {
 }
 
 TEST_F(SpacemintctlTest, progressIsForTerminalsOnly) {
+  if (!Program::canHaveTerminal()) GTEST_SKIP() << "no terminal to be had here";
   writeMany(4'200);
   EXPECT_THAT(program.runOnTerminal({"scan"}).err, AllOf(HasSubstr("4,200 files, 0 bytes"), HasSubstr("\r\x1b[K")));
   EXPECT_EQ(program.runOnTerminal({"scan", "--quiet"}).err, "");

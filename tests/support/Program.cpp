@@ -29,6 +29,11 @@ int exitCodeOf(pid_t child) {
 
 }  // namespace
 
+Program::Program(std::string executable)
+    : executable_(std::move(executable)), handle_(open(executable_.c_str(), O_RDONLY | O_CLOEXEC)) {}
+
+Program::~Program() { close(handle_); }
+
 void Program::become(const std::vector<std::string>& arguments) const {
   setenv("HOME", home_.path().c_str(), 1);
   setenv("LC_ALL", "en_US.UTF-8", 1);
@@ -39,7 +44,8 @@ void Program::become(const std::vector<std::string>& arguments) const {
   std::vector<char*> words{const_cast<char*>(executable_.c_str())};
   for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
-  execv(words[0], words.data());
+  // By its handle, because an ordinary user may not be let into the folder where it was built.
+  fexecve(handle_, words.data(), environ);
   _exit(127);
 }
 
@@ -60,6 +66,13 @@ Outcome Program::start(const std::vector<std::string>& arguments, bool asNobody,
   }
   const int exitCode = exitCodeOf(child);
   return {exitCode, contentsOf(said / "out"), contentsOf(said / "err")};
+}
+
+bool Program::canHaveTerminal() {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  const bool usable = terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0;
+  close(terminal);
+  return usable;
 }
 
 Outcome Program::runOnTerminal(const std::vector<std::string>& arguments) const {

@@ -17,7 +17,10 @@ struct Outcome {
 /// Runs programs as a person would, with a home folder of its own and English wording.
 class Program {
  public:
-  explicit Program(std::string executable) : executable_(std::move(executable)) {}
+  explicit Program(std::string executable);
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
 
   const TemporaryFolder& home() const { return home_; }
 
@@ -26,6 +29,8 @@ class Program {
   Outcome runAsNobody(const std::vector<std::string>& arguments) const { return start(arguments, true, false); }
   /// With Ctrl-C already pressed when it begins.
   Outcome runInterrupted(const std::vector<std::string>& arguments) const { return start(arguments, false, true); }
+  /// Whether this system lends us a terminal, which a bare chroot does not.
+  static bool canHaveTerminal();
   /// With standard error on a terminal, whose text is in `err`.
   Outcome runOnTerminal(const std::vector<std::string>& arguments) const;
 
@@ -34,6 +39,7 @@ class Program {
   [[noreturn]] void become(const std::vector<std::string>& arguments) const;
 
   std::string executable_;
+  int handle_;
   TemporaryFolder home_;
 };
 

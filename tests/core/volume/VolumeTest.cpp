@@ -1,9 +1,11 @@
 #include "core/host/UserFolders.h"
+#include "core/host/linux/MountTable.h"
 #include "core/volume/Permissions.h"
 #include "core/volume/VolumeStatus.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -34,7 +36,13 @@ TEST(VolumeStatus, readsTheVolumeOfAnyPathOnIt) {
   EXPECT_EQ(volume->total, static_cast<Bytes>(status.f_blocks * status.f_frsize));
   EXPECT_FALSE(volume->name.empty());
   EXPECT_FALSE(VolumeStatus::current(folder / "none"));
+}
 
+TEST(VolumeInfo, knowsWhereAVolumeIsMounted) {
+  const support::TemporaryFolder folder;
+  if (!std::ranges::any_of(currentMounts(), [](const Mount& mount) { return mount.mountPoint == "/"; })) {
+    GTEST_SKIP() << "a chroot that is no mount point is in no table of mounts";
+  }
   const auto mountPoint = mountPointOf(folder.path());
   ASSERT_TRUE(mountPoint);
   EXPECT_TRUE(folder.path().starts_with(*mountPoint));
