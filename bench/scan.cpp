@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string& root = arguments[1];
-  const int rounds = argc > 3 ? std::atoi(argv[3]) : 7;
+  const int rounds = argc > 3 ? std::atoi(argv[3]) : 5;
   const auto counted = floorWalk(root);  // also fills the caches
   std::cout << root << ": " << counted.files << " files, medians of " << rounds << " runs in turn\n";
   const auto contestants = contestantsFor("/proc/self/exe", root, arguments[2]);

@@ -8,9 +8,9 @@ namespace spacemint::ctl {
 /// Which stored scan to read, and how to answer.
 struct BrowseOptions {
   /// Empty for the newest scan.
-  std::string scan = {};
+  std::string scan;
   /// The folder to look into; empty for the root of the scan.
-  std::string path = {};
+  std::string path;
   std::size_t top = 50;
   bool json = false;
 };

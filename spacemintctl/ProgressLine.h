@@ -34,7 +34,7 @@ class ProgressLine {
   std::optional<Bytes> expected_;
   std::string locale_;
   Clock::time_point start_ = Clock::now();
-  Clock::time_point last_ = {};
+  Clock::time_point last_;
 };
 
 }  // namespace spacemint::ctl

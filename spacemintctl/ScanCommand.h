@@ -8,7 +8,7 @@ namespace spacemint::ctl {
 
 struct ScanOptions {
   /// Empty for the home folder.
-  std::string path = {};
+  std::string path;
   Bytes minSize = 20'000'000;
   std::size_t top = 10;
   bool throttle = false;

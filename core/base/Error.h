@@ -14,7 +14,7 @@ struct Error {
   std::string domain;
   int code = 0;
   std::string message;
-  std::shared_ptr<const Error> underlying = {};
+  std::shared_ptr<const Error> underlying;
 
   bool isSystem(int errorNumber) const { return domain == system && code == errorNumber; }
 };

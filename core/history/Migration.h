@@ -26,7 +26,7 @@ struct Result {
   bool copiedSettings = false;
   bool movedHistory = false;
   /// For people: why the history could not be moved; else why the settings could not be stored.
-  std::optional<std::string> error = {};
+  std::optional<std::string> error;
 
   bool operator==(const Result&) const = default;
 };

@@ -19,7 +19,7 @@ enum class EntryType : std::uint8_t { file, folder, other };
 /// One entry of a folder, as its listing tells it.
 struct Entry {
   /// Valid until the next batch is read into the same buffer; followed by a NUL byte.
-  std::string_view name = {};
+  std::string_view name;
   EntryType type = EntryType::other;
   /// Why the facts below could not be read (an errno), or 0.
   int error = 0;
@@ -39,12 +39,12 @@ struct ListingBuffer {
 
   /// Not filled with anything: pages that no listing reaches cost no memory.
   std::unique_ptr<std::byte[]> bytes = std::make_unique_for_overwrite<std::byte[]>(size);
-  std::vector<Entry> entries = {};
+  std::vector<Entry> entries;
 };
 
 /// Some entries of a folder in listing order; none at the folder's end.
 struct Batch {
-  std::span<const Entry> entries = {};
+  std::span<const Entry> entries;
   /// Why the listing ended early (an errno), or 0.
   int error = 0;
 };

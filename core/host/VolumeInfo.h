@@ -9,11 +9,11 @@ namespace spacemint {
 
 /// What the system says of a volume; each figure absent where it says nothing.
 struct VolumeInfo {
-  std::optional<std::string> name = {};
-  std::optional<Bytes> total = {};
+  std::optional<std::string> name;
+  std::optional<Bytes> total;
   /// Free for what matters to the user, with what the system can clear on demand.
-  std::optional<Bytes> availableForImportantUsage = {};
-  std::optional<Bytes> available = {};
+  std::optional<Bytes> availableForImportantUsage;
+  std::optional<Bytes> available;
 };
 
 /// The volume that holds `path`; absent when nothing is there or it cannot be asked. May block on a dead

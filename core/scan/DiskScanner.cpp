@@ -25,9 +25,9 @@ struct Frame {
   Bytes size = 0;
   std::int64_t files = 0;
   bool isWorktree = false;
-  std::vector<Node> children = {};
+  std::vector<Node> children;
   // Listed but not yet visited; the last one is next.
-  NameList subdirectories = {};
+  NameList subdirectories;
 };
 
 bool isGone(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
@@ -44,7 +44,7 @@ class Walk {
         visitNext();
       } else if (auto node = finishTop()) {
         report();
-        return Result{std::move(*node), counted_.files, std::move(unread_)};
+        return Result{.root = std::move(*node), .fileCount = counted_.files, .unread = std::move(unread_)};
       }
     }
     return std::nullopt;
@@ -159,12 +159,12 @@ class Walk {
   const Arguments& arguments_;
   std::string path_;
   std::uint64_t device_ = 0;
-  ListingBuffer buffer_ = {};
-  std::vector<Frame> stack_ = {};
-  Progress counted_ = {};
+  ListingBuffer buffer_;
+  std::vector<Frame> stack_;
+  Progress counted_;
   std::int64_t listedSincePoll_ = 0;
   bool cancelled_ = false;
-  Unread unread_ = {};
+  Unread unread_;
 };
 
 std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {

@@ -31,7 +31,7 @@ struct Unread {
   /// Entries whose facts could not be read.
   std::int64_t entries = 0;
   /// Paths of the first of them, `pathLimit` at the most.
-  std::vector<std::string> paths = {};
+  std::vector<std::string> paths;
 
   static constexpr std::size_t pathLimit = 100;
 
@@ -40,9 +40,9 @@ struct Unread {
 
 struct Result {
   /// `root.name` is the root exactly as it was given.
-  Node root = {};
+  Node root;
   std::int64_t fileCount = 0;
-  Unread unread = {};
+  Unread unread;
 
   bool operator==(const Result&) const = default;
 };
@@ -51,19 +51,19 @@ struct Result {
 using Reuse = std::function<std::optional<Node>(const std::string& path)>;
 
 struct Arguments {
-  std::string root = {};
+  std::string root;
   /// Smaller files and folders do not become nodes; their bytes count in their folder.
   Bytes minNodeSize = 0;
   /// Full paths of folders to leave out, neither opened nor counted.
-  std::unordered_set<std::string> skip = {};
+  std::unordered_set<std::string> skip;
   /// Asked for every subfolder before it is opened.
-  Reuse reuse = {};
+  Reuse reuse;
   /// Serves everybody else on the disk first, and lists with one thread only.
   bool throttleIO = false;
   /// Polled once per `entriesPerPoll` listed entries; true abandons the walk.
-  std::function<bool()> shouldCancel = {};
+  std::function<bool()> shouldCancel;
   /// Told at the same pace and once at the end.
-  std::function<void(const Progress&)> progress = {};
+  std::function<void(const Progress&)> progress;
   /// Where entries come from; null for the host's own listing, read ahead where that is quicker. It must
   /// outlive the call.
   FolderListing* listing = nullptr;

@@ -46,7 +46,7 @@ struct SettingDescription {
   /// Answers while nothing is stored; its type is the setting's.
   SettingConstant registeredDefault;
   /// All values of an enumeration, proposals for a number, nothing for a switch.
-  std::span<const SettingChoice> choices = {};
+  std::span<const SettingChoice> choices;
   /// The numbers that people may enter.
   std::int64_t minimum = 0;
   std::int64_t maximum = 0;

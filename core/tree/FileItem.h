@@ -13,7 +13,7 @@ namespace spacemint {
 struct FileItem {
   std::string path;
   Bytes size = 0;
-  std::optional<Date> modified = {};
+  std::optional<Date> modified;
 
   const std::string& id() const { return path; }
   std::string name() const { return Paths::lastComponent(path); }

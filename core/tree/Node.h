@@ -19,13 +19,13 @@ struct Node {
   static constexpr std::size_t maximumDepth = 10'000;
 
   /// The path component as the file system lists it; for the root of a tree the full path of the scan.
-  std::string name = {};
+  std::string name;
   /// Bytes allocated on disk.
   Bytes size = 0;
   bool isDirectory = false;
   /// Content modification time in whole seconds; files only.
-  std::optional<Date> modified = {};
-  std::vector<Node> children = {};
+  std::optional<Date> modified;
+  std::vector<Node> children;
   /// Non-folder entries anywhere below a folder; 0 for a file.
   std::int64_t fileCount = 0;
   /// True for a folder that directly contains a regular file named ".git".

@@ -13,9 +13,9 @@ namespace spacemint {
 
 /// What a stored scan must match before a new scan may reuse parts of it.
 struct SeedRequirements {
-  std::string_view root = {};
+  std::string_view root;
   Bytes minNodeSize = 0;
-  Date now = {};
+  Date now;
   std::chrono::seconds fullScanInterval{0};
 };
 
@@ -27,19 +27,19 @@ struct Snapshot {
   static constexpr std::int64_t currentFormat = 3;
 
   /// When the scan finished; the key under which it is stored.
-  Date date = {};
+  Date date;
   Seconds duration{0};
   /// `root.name` is the path that was scanned.
-  Node root = {};
+  Node root;
   std::int64_t fileCount = 0;
   Bytes volumeFree = 0;
   Bytes volumeTotal = 0;
   /// Smaller files and folders are not kept as children.
   Bytes minNodeSize = 0;
   /// The change journal's event id when the scan started.
-  std::optional<std::uint64_t> eventID = {};
+  std::optional<std::uint64_t> eventID;
   /// Start of the last walk that reused nothing on which this tree rests.
-  std::optional<Date> fullScanDate = {};
+  std::optional<Date> fullScanDate;
   std::optional<std::int64_t> format = currentFormat;
 
   const std::string& rootPath() const { return root.name; }
