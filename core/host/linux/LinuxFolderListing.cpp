@@ -139,7 +139,8 @@ class LinuxFolder final : public OpenFolder {
   const MountTree* mounts_;
 };
 
-// The absolute path of an open folder without links, as the table of mounts spells it.
+// The absolute path of an open folder without links, as the table of mounts spells it; empty where it cannot
+// be told.
 std::string realPathOf(const FileHandle& folder) {
   const std::string link = "/proc/self/fd/" + std::to_string(folder.get());
   std::string path(PATH_MAX, '\0');
@@ -155,7 +156,9 @@ class LinuxFolderListing final : public FolderListing {
     if (!handle) return std::unexpected(systemError(path, errno));
     const auto mounted = mountedOn(handle);
     if (!mounted) return std::unexpected(systemError(path, mounted.error()));
-    auto root = std::make_shared<Root>(Root{*mounted, mountsBelow(realPathOf(handle), currentMounts())});
+    const std::string realPath = realPathOf(handle);
+    auto root = std::make_shared<Root>(Root{.mounted = *mounted});
+    if (!realPath.empty()) root->mounts = mountsBelow(realPath, currentMounts());
     const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
     return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts);
   }
