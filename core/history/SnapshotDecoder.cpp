@@ -20,6 +20,16 @@ namespace {
 using Json = nlohmann::json;
 using SnapshotCodec::Fault;
 
+Error codecError(Fault fault, std::string_view message) {
+  return {.domain = std::string{SnapshotCodec::domain},
+          .code = static_cast<int>(fault),
+          .message = std::string{message}};
+}
+
+std::string notJsonAt(std::size_t position) {
+  return "not valid JSON at byte " + std::to_string(position);
+}
+
 // A number written with a fraction or an exponent, or a whole one too large for 64 bits.
 struct Real {
   double value;
@@ -28,50 +38,28 @@ struct Real {
 
 using Scalar = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, Real, const std::string*>;
 
-enum class Verdict {
-  fine,
-  outOfRange,
-  notAnInteger,
-  notANumber,
-  notABoolean,
-  notAString,
-  notAnObject,
-  notAnArray
-};
-
-std::string_view wording(Verdict verdict) {
-  switch (verdict) {
-    case Verdict::fine:
-      return {};
-    case Verdict::outOfRange:
-      return "is out of range";
-    case Verdict::notAnInteger:
-      return "is not an integer";
-    case Verdict::notANumber:
-      return "is not a number";
-    case Verdict::notABoolean:
-      return "is not a boolean";
-    case Verdict::notAString:
-      return "is not a string";
-    case Verdict::notAnObject:
-      return "is not an object";
-    case Verdict::notAnArray:
-      return "is not an array";
-  }
-  return {};
-}
+// What is wrong with a value; nothing where it was taken.
+using Complaint = std::string_view;
+constexpr Complaint fine{};
+constexpr Complaint outOfRange = "is out of range";
+constexpr Complaint notAnInteger = "is not an integer";
+constexpr Complaint notANumber = "is not a number";
+constexpr Complaint notABoolean = "is not a boolean";
+constexpr Complaint notAString = "is not a string";
+constexpr Complaint notAnObject = "is not an object";
+constexpr Complaint notAnArray = "is not an array";
 
 template <class Integer>
-Verdict takeInteger(const Scalar& value, Integer& target) {
+Complaint takeInteger(const Scalar& value, Integer& target) {
   const auto fitting = [&](auto number) {
-    if (!std::in_range<Integer>(number)) return Verdict::outOfRange;
+    if (!std::in_range<Integer>(number)) return outOfRange;
     target = static_cast<Integer>(number);
-    return Verdict::fine;
+    return fine;
   };
   if (const auto* natural = std::get_if<std::uint64_t>(&value)) return fitting(*natural);
   if (const auto* integer = std::get_if<std::int64_t>(&value)) return fitting(*integer);
   const auto* real = std::get_if<Real>(&value);
-  return real != nullptr && real->isWhole ? Verdict::outOfRange : Verdict::notAnInteger;
+  return real != nullptr && real->isWhole ? outOfRange : notAnInteger;
 }
 
 std::optional<double> number(const Scalar& value) {
@@ -81,51 +69,51 @@ std::optional<double> number(const Scalar& value) {
   return std::nullopt;
 }
 
-Verdict take(const Scalar& value, std::int64_t& target) {
+Complaint take(const Scalar& value, std::int64_t& target) {
   return takeInteger(value, target);
 }
-Verdict take(const Scalar& value, std::uint64_t& target) {
+Complaint take(const Scalar& value, std::uint64_t& target) {
   return takeInteger(value, target);
 }
 
-Verdict take(const Scalar& value, bool& target) {
+Complaint take(const Scalar& value, bool& target) {
   const auto* boolean = std::get_if<bool>(&value);
-  if (boolean == nullptr) return Verdict::notABoolean;
+  if (boolean == nullptr) return notABoolean;
   target = *boolean;
-  return Verdict::fine;
+  return fine;
 }
 
-Verdict take(const Scalar& value, std::string& target) {
+Complaint take(const Scalar& value, std::string& target) {
   const auto* text = std::get_if<const std::string*>(&value);
-  if (text == nullptr) return Verdict::notAString;
+  if (text == nullptr) return notAString;
   target = **text;  // a copy takes just the room it needs; the parser's own string is a growing buffer
-  return Verdict::fine;
+  return fine;
 }
 
-Verdict take(const Scalar& value, Seconds& target) {
+Complaint take(const Scalar& value, Seconds& target) {
   const auto seconds = number(value);
-  if (!seconds) return Verdict::notANumber;
+  if (!seconds) return notANumber;
   target = Seconds{*seconds};
-  return Verdict::fine;
+  return fine;
 }
 
-Verdict take(const Scalar& value, Date& target) {
+Complaint take(const Scalar& value, Date& target) {
   const auto seconds = number(value);
-  if (!seconds) return Verdict::notANumber;
+  if (!seconds) return notANumber;
   const auto date = dateAfter(SnapshotCodec::epoch, *seconds);
-  if (!date) return Verdict::outOfRange;
+  if (!date) return outOfRange;
   target = *date;
-  return Verdict::fine;
+  return fine;
 }
 
 // A file can bear any time stamp, so what no Date can hold becomes the nearest one, as in a scan.
-Verdict takeModified(const Scalar& value, Date& target) {
+Complaint takeModified(const Scalar& value, Date& target) {
   const auto seconds = number(value);
-  if (!seconds) return Verdict::notANumber;
+  if (!seconds) return notANumber;
   constexpr double farthest = 1e13;
   const auto nearest = static_cast<std::int64_t>(std::clamp(*seconds, -farthest, farthest));
   target = dateAfter(std::chrono::seconds{0}, *seconds).value_or(dateFromUnixSeconds(nearest));
-  return Verdict::fine;
+  return fine;
 }
 
 // What an object may hold. `take` also says what a value of another kind is not: it refuses null.
@@ -133,13 +121,13 @@ template <class Record>
 struct Key {
   std::string_view name;
   bool isRequired;
-  Verdict (*take)(Record&, const Scalar&);
+  Complaint (*take)(Record&, const Scalar&);
 };
 
 constexpr Key<Snapshot> snapshotKeys[]{
     {"date", true, [](Snapshot& s, const Scalar& v) { return take(v, s.date); }},
     {"duration", true, [](Snapshot& s, const Scalar& v) { return take(v, s.duration); }},
-    {"root", true, [](Snapshot&, const Scalar&) { return Verdict::notAnObject; }},
+    {"root", true, [](Snapshot&, const Scalar&) { return notAnObject; }},
     {"fileCount", true, [](Snapshot& s, const Scalar& v) { return take(v, s.fileCount); }},
     {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeFree); }},
     {"volumeTotal", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeTotal); }},
@@ -155,7 +143,7 @@ constexpr Key<Node> nodeKeys[]{
     {"size", true, [](Node& n, const Scalar& v) { return take(v, n.size); }},
     {"isDirectory", false, [](Node& n, const Scalar& v) { return take(v, n.isDirectory); }},
     {"modified", false, [](Node& n, const Scalar& v) { return takeModified(v, n.modified.emplace()); }},
-    {"children", false, [](Node&, const Scalar&) { return Verdict::notAnArray; }},
+    {"children", false, [](Node&, const Scalar&) { return notAnArray; }},
     {"fileCount", false, [](Node& n, const Scalar& v) { return take(v, n.fileCount); }},
     {"isWorktree", false, [](Node& n, const Scalar& v) { return take(v, n.isWorktree); }},
 };
@@ -212,7 +200,6 @@ class SnapshotReader final : public nlohmann::json_sax<Json> {
   bool openIgnored();
   bool fail(Fault fault, std::string_view what);
   bool failAt(std::string_view key, Fault fault, std::string_view what);
-  bool judge(std::string_view key, Verdict verdict);
 
   template <class Record>
   bool enter(std::span<const Key<Record>> keys, KeyState& state, std::string_view name);
@@ -291,10 +278,8 @@ bool SnapshotReader::key(std::string& name) {
 bool SnapshotReader::parse_error(std::size_t position, const std::string& /*token*/,
                                  const Json::exception& failure) {
   constexpr int numberOverflow = 406;
-  const bool isNumber = failure.id == numberOverflow;
-  return fail(
-      isNumber ? Fault::outOfRange : Fault::notJson,
-      (isNumber ? "number out of range at byte " : "not valid JSON at byte ") + std::to_string(position));
+  if (failure.id != numberOverflow) return fail(Fault::notJson, notJsonAt(position));
+  return fail(Fault::outOfRange, "number out of range at byte " + std::to_string(position));
 }
 
 bool SnapshotReader::scalar(const Scalar& value) {
@@ -352,7 +337,9 @@ bool SnapshotReader::store(std::span<const Key<Record>> keys, const KeyState& st
                            const Scalar& value) {
   if (state.current == KeyState::unknown) return true;
   const Key<Record>& key = keys[state.current];
-  return judge(key.name, key.take(record, value));
+  const Complaint complaint = key.take(record, value);
+  if (complaint.empty()) return true;
+  return failAt(key.name, complaint == outOfRange ? Fault::outOfRange : Fault::wrongType, complaint);
 }
 
 template <class Record>
@@ -362,11 +349,6 @@ bool SnapshotReader::isComplete(std::span<const Key<Record>> keys, const KeyStat
       return failAt(keys[i].name, Fault::missingKey, "is missing");
   }
   return true;
-}
-
-bool SnapshotReader::judge(std::string_view key, Verdict verdict) {
-  if (verdict == Verdict::fine) return true;
-  return failAt(key, verdict == Verdict::outOfRange ? Fault::outOfRange : Fault::wrongType, wording(verdict));
 }
 
 // Such as "root/Movies/#2": a node whose name has not been read yet goes by its number. Only the innermost
@@ -402,9 +384,7 @@ bool SnapshotReader::failAt(std::string_view key, Fault fault, std::string_view 
 }
 
 bool SnapshotReader::fail(Fault fault, std::string_view what) {
-  error_ = {.domain = std::string{SnapshotCodec::domain},
-            .code = static_cast<int>(fault),
-            .message = std::string{what}};
+  error_ = codecError(fault, what);
   return false;
 }
 
@@ -413,12 +393,13 @@ bool SnapshotReader::fail(Fault fault, std::string_view what) {
 std::expected<Snapshot, Error> SnapshotCodec::decode(std::string_view document) {
   try {
     SnapshotReader reader;
+    // The parser takes a zero byte for the end, whatever follows.
+    const std::size_t zero = document.find('\0');
+    if (zero != std::string_view::npos) return std::unexpected(codecError(Fault::notJson, notJsonAt(zero)));
     if (!Json::sax_parse(document, &reader)) return std::unexpected(std::move(reader.error()));
     return std::move(reader.snapshot());
   } catch (const std::exception& failure) {
-    return std::unexpected(Error{.domain = std::string{domain},
-                                 .code = static_cast<int>(Fault::outOfMemory),
-                                 .message = failure.what()});
+    return std::unexpected(codecError(Fault::outOfMemory, failure.what()));
   }
 }
 

@@ -3,6 +3,7 @@
 #include "core/scan/DiskScanner.h"
 #include "core/scan/ReadAheadListing.h"
 #include "support/ChildProcess.h"
+#include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
 #include <dirent.h>
@@ -12,14 +13,14 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <random>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 
 namespace spacemint {
 namespace {
 
 namespace fs = std::filesystem;
+using support::canMount;
+using support::enterOwnMounts;
 using support::TemporaryFolder;
 
 // Every path of a tree with its size and, for folders, the files below it.
@@ -214,15 +215,6 @@ TEST(RealFolders, countAsUnreadWhereAnOrdinaryUserMayNotLook) {
     return right;
   }));
 }
-
-// As root of a namespace of one's own, where mounting is allowed and nobody else sees it.
-bool enterOwnMounts() {
-  const bool root = geteuid() == 0;
-  return unshare(root ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) == 0 &&
-         mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-bool canMount() { return support::succeedsInChild(enterOwnMounts); }
 
 TEST(RealFolders, endWhereSomethingElseIsMounted) {
   if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
