@@ -99,7 +99,10 @@ const Node* Snapshot::nodeAt(std::string_view path) const {
 }
 
 std::unordered_map<std::string, Bytes> Snapshot::flattened() const {
+  std::size_t nodes = 0;
+  walkTree(root, [&](const std::string&, const Node&) { ++nodes; });
   std::unordered_map<std::string, Bytes> sizes;
+  sizes.reserve(nodes);  // growing step by step would take longer than all the rest
   walkTree(root, [&](const std::string& path, const Node& node) { sizes.emplace(path, node.size); });
   return sizes;
 }
