@@ -14,9 +14,9 @@ constexpr std::int64_t exactSeconds = (std::int64_t{1} << 53) / microsPerSecond 
 }  // namespace
 
 double secondsSince(std::chrono::seconds epoch, Date date) {
-  const auto whole = std::chrono::floor<std::chrono::seconds>(date);
-  const std::int64_t micros = (date - whole).count();
-  const std::int64_t seconds = (whole.time_since_epoch() - epoch).count();
+  // Both parts toward zero: the second before the first Date is not one.
+  const std::int64_t micros = date.time_since_epoch().count() % microsPerSecond;
+  const std::int64_t seconds = date.time_since_epoch().count() / microsPerSecond - epoch.count();
   if (seconds > -exactSeconds && seconds < exactSeconds) {
     // One correctly rounded division, so that the shortest text of the result has six decimals at most.
     return static_cast<double>(seconds * microsPerSecond + micros) / microsPerSecond;

@@ -1,7 +1,9 @@
-// Whatever the bytes are, they are read or refused; and what was read is written in a form that reads the same.
+// Whatever the bytes are, they are read or refused; and what was read is written in a form that reads the
+// same.
 
 #include "core/history/SnapshotCodec.h"
 
+#include <cmath>
 #include <cstdlib>
 
 namespace spacemint {
@@ -11,11 +13,8 @@ namespace {
 void dropUnwritten(Node& node) {
   if (node.fileCount < 0) node.fileCount = 0;
   if (node.modified) {
-    const auto second = std::chrono::floor<std::chrono::seconds>(*node.modified);
-    const auto rest = *node.modified - second;
-    const std::chrono::microseconds half{500'000};
-    const bool isUp = second.time_since_epoch().count() < 0 ? rest > half : rest >= half;
-    node.modified = dateFromUnixSeconds(second.time_since_epoch().count() + (isUp ? 1 : 0));
+    const auto seconds = static_cast<long double>(node.modified->time_since_epoch().count()) / 1e6L;
+    node.modified = dateFromUnixSeconds(std::llround(seconds));
   }
   for (Node& child : node.children) dropUnwritten(child);
 }
