@@ -1,15 +1,16 @@
 #include "bench/Contest.h"
 
-#include <algorithm>
-#include <chrono>
-#include <cstdlib>
 #include <fcntl.h>
-#include <iostream>
-#include <sstream>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
 
 namespace spacemint::bench {
 
@@ -32,7 +33,8 @@ Outcome run(const Contestant& contestant) {
   int status = 0;
   rusage usage{};
   const bool done = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ) == 0 &&
-                    wait4(child, &status, 0, &usage) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+                    wait4(child, &status, 0, &usage) == child && WIFEXITED(status) &&
+                    WEXITSTATUS(status) == 0;
   const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
   posix_spawn_file_actions_destroy(&actions);
   if (!done) {

@@ -1,13 +1,14 @@
 #include "bench/FloorWalk.h"
 
-#include <cstddef>
-#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
 #include <vector>
 
 namespace spacemint::bench {

@@ -5,30 +5,35 @@
 // lie beside each other on the disk, one in five was added anywhere later; most folders hold a handful of
 // files and one in eight some dozens; most files are a few kilobytes, one in 20,000 is tens of megabytes.
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
-#include <fcntl.h>
 #include <iostream>
 #include <random>
 #include <string>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
 using Random = std::mt19937_64;
 
-std::uint64_t below(Random& random, std::uint64_t limit) { return random() % limit; }
+std::uint64_t below(Random& random, std::uint64_t limit) {
+  return random() % limit;
+}
 
 std::string nameFor(Random& random, std::uint64_t number) {
-  static const std::vector<std::string> words{"photo", "index", "node_modules", "report", "src",   "cache", "build",
-                                              "test",  "data",  "summer",       "config", "utils", "a",     "lib"};
+  static const std::vector<std::string> words{"photo", "index", "node_modules", "report", "src",    "cache",
+                                              "build", "test",  "data",         "summer", "config", "utils",
+                                              "a",     "lib"};
   static const std::vector<std::string> endings{"", ".js", ".jpg", ".cpp", ".txt", ".json", ".d.ts", ".o"};
-  return words[below(random, words.size())] + "-" + std::to_string(number) + endings[below(random, endings.size())];
+  return words[below(random, words.size())] + "-" + std::to_string(number) +
+         endings[below(random, endings.size())];
 }
 
 off_t sizeFor(Random& random) {
@@ -49,7 +54,8 @@ bool makeFile(const std::string& path, off_t size) {
 std::string randomFolder(const std::vector<std::string>& folders, Random& random) {
   // Half of the new folders go into a recent one, which makes for some depth.
   const std::uint64_t recent = std::min<std::uint64_t>(folders.size(), 200);
-  return folders[below(random, 2) == 0 ? below(random, folders.size()) : folders.size() - 1 - below(random, recent)];
+  return folders[below(random, 2) == 0 ? below(random, folders.size())
+                                       : folders.size() - 1 - below(random, recent)];
 }
 
 // How many files each folder gets when it is made.

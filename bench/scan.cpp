@@ -9,11 +9,12 @@
 #include "core/scan/DiskScanner.h"
 #include "core/scan/ReadAheadListing.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
-#include <unistd.h>
 
 namespace {
 
@@ -31,7 +32,8 @@ int runAlone(const std::string& contestant, const std::string& root) {
   return result ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-std::vector<Contestant> contestantsFor(const std::string& self, const std::string& root, const std::string& ctl) {
+std::vector<Contestant> contestantsFor(const std::string& self, const std::string& root,
+                                       const std::string& ctl) {
   std::vector<Contestant> contestants{
       {"du -s", {"du", "-s", root}},
       {"floor", {self, "--alone", "floor", root}},
@@ -49,15 +51,17 @@ void print(const std::string& title, const std::vector<Contestant>& contestants,
   const Outcome& du = outcomes[0];
   const Outcome& floor = outcomes[1];
   std::cout << '\n' << title << '\n' << std::left << std::setw(20) << "" << std::right;
-  for (const char* column : {"wall s", "of du", "CPU s", "of floor", "peak MB"}) std::cout << std::setw(10) << column;
+  for (const char* column : {"wall s", "of du", "CPU s", "of floor", "peak MB"})
+    std::cout << std::setw(10) << column;
   std::cout << '\n' << std::fixed;
   for (std::size_t i = 0; i < contestants.size(); ++i) {
     const Outcome& outcome = outcomes[i];
     std::cout << std::left << std::setw(20) << contestants[i].name << std::right << std::setprecision(3)
               << std::setw(10) << outcome.wallSeconds << std::setprecision(2) << std::setw(10)
-              << outcome.wallSeconds / du.wallSeconds << std::setprecision(3) << std::setw(10) << outcome.cpuSeconds
-              << std::setprecision(2) << std::setw(10) << outcome.cpuSeconds / floor.cpuSeconds << std::setprecision(1)
-              << std::setw(10) << outcome.peakMemory / 1e6 << '\n';
+              << outcome.wallSeconds / du.wallSeconds << std::setprecision(3) << std::setw(10)
+              << outcome.cpuSeconds << std::setprecision(2) << std::setw(10)
+              << outcome.cpuSeconds / floor.cpuSeconds << std::setprecision(1) << std::setw(10)
+              << outcome.peakMemory / 1e6 << '\n';
   }
 }
 
@@ -81,5 +85,6 @@ int main(int argc, char** argv) {
   std::cout << root << ": " << counted.files << " files, medians of " << rounds << " runs in turn\n";
   const auto contestants = contestantsFor("/proc/self/exe", root, arguments[2]);
   print("warm", contestants, contest(contestants, rounds, [] {}));
-  if (geteuid() == 0) print("cold (caches dropped before each run)", contestants, contest(contestants, rounds, dropCaches));
+  if (geteuid() == 0)
+    print("cold (caches dropped before each run)", contestants, contest(contestants, rounds, dropCaches));
 }

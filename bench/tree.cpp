@@ -32,11 +32,12 @@ void measure(const char* name, Action action) {
   for (int run = 0; run < 15; ++run) {
     const auto start = std::chrono::steady_clock::now();
     action();
-    times.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+    times.push_back(
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
   }
   std::ranges::sort(times);
-  std::cout << std::left << std::setw(34) << name << std::right << std::fixed << std::setprecision(4) << std::setw(10)
-            << times[times.size() / 2] << " ms\n";
+  std::cout << std::left << std::setw(34) << name << std::right << std::fixed << std::setprecision(4)
+            << std::setw(10) << times[times.size() / 2] << " ms\n";
 }
 
 }  // namespace
@@ -44,7 +45,8 @@ void measure(const char* name, Action action) {
 int main() {
   Snapshot snapshot{.root = treeOf("/home/ann", 3), .minNodeSize = 20'000'000};
   Node flat{.name = "flat", .isDirectory = true};
-  for (int i = 0; i < 90'000; ++i) flat.children.push_back({.name = std::to_string(i), .size = 40'000'000 - i});
+  for (int i = 0; i < 90'000; ++i)
+    flat.children.push_back({.name = std::to_string(i), .size = 40'000'000 - i});
   flat.size = 1;
   snapshot.root.children.push_back(std::move(flat));
   snapshot.minNodeSize = 0;

@@ -29,8 +29,8 @@ std::string shown(const std::string& path, const Wording& wording) {
 
 std::string secondsText(Seconds duration) {
   std::string text(32, '\0');
-  text.resize(static_cast<std::size_t>(
-      std::snprintf(text.data(), text.size(), duration.count() < 10 ? "%.1f s" : "%.0f s", duration.count())));
+  text.resize(static_cast<std::size_t>(std::snprintf(
+      text.data(), text.size(), duration.count() < 10 ? "%.1f s" : "%.0f s", duration.count())));
   return text;
 }
 
@@ -58,8 +58,8 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording) {
   Table table;
   for (const FileItem& file : files) {
-    table.add({ByteFormat::string(file.size, wording.locale), file.modified ? localTime(*file.modified).substr(0, 10) : "",
-               shown(file.path, wording)});
+    table.add({ByteFormat::string(file.size, wording.locale),
+               file.modified ? localTime(*file.modified).substr(0, 10) : "", shown(file.path, wording)});
   }
   return table.text();
 }
@@ -69,8 +69,9 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
   const auto files = snapshot.largestFiles(top);
   const std::string threshold = ByteFormat::string(snapshot.minNodeSize, wording.locale);
 
-  std::string text = printable(snapshot.rootPath()) + ": " + ByteFormat::string(snapshot.root.size, wording.locale) +
-                     " in " + counted(snapshot.fileCount, " file", " files", wording) + ", measured in " +
+  std::string text = printable(snapshot.rootPath()) + ": " +
+                     ByteFormat::string(snapshot.root.size, wording.locale) + " in " +
+                     counted(snapshot.fileCount, " file", " files", wording) + ", measured in " +
                      secondsText(snapshot.duration) + '\n';
   if (snapshot.volumeTotal > 0) {
     text += "Free on this volume: " + ByteFormat::string(snapshot.volumeFree, wording.locale) + " of " +
@@ -78,7 +79,8 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
   }
   if (!folders.empty()) text += "\nLargest folders\n" + folderTable(folders, snapshot.root.size, wording);
   if (!files.empty()) text += "\nLargest files\n" + fileTable(files, wording);
-  if (top > 0 && folders.empty() && files.empty()) text += "\nNothing here is as large as " + threshold + ".\n";
+  if (top > 0 && folders.empty() && files.empty())
+    text += "\nNothing here is as large as " + threshold + ".\n";
   return text;
 }
 

@@ -7,8 +7,9 @@
 #include "spacemintctl/Console.h"
 #include "spacemintctl/StoredScan.h"
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
+
+#include <filesystem>
 
 namespace spacemint::ctl {
 
@@ -23,7 +24,9 @@ std::optional<Snapshot> scanFor(const BrowseOptions& options) {
   return std::nullopt;
 }
 
-Wording userWording() { return {.home = UserFolders::home(), .locale = userLocale()}; }
+Wording userWording() {
+  return {.home = UserFolders::home(), .locale = userLocale()};
+}
 
 void setModified(Json& object, std::optional<Date> modified) {
   if (modified) object["modified"] = universalTime(*modified);
@@ -37,7 +40,8 @@ Json jsonOf(const FileItem& file) {
 
 // A node without what is in it.
 Json jsonOf(const std::string& name, const Node& node) {
-  Json object{{"name", withInvalidUtf8Replaced(name)}, {"size", node.size}, {"isDirectory", node.isDirectory}};
+  Json object{
+      {"name", withInvalidUtf8Replaced(name)}, {"size", node.size}, {"isDirectory", node.isDirectory}};
   if (node.isDirectory) object["fileCount"] = node.fileCount;
   setModified(object, node.modified);
   return object;

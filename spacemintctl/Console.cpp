@@ -45,13 +45,19 @@ std::string printable(std::string_view text) {
   return safe;
 }
 
-std::string localTime(Date date) { return formatted(date, localtime_r, "%Y-%m-%d %H:%M:%S"); }
+std::string localTime(Date date) {
+  return formatted(date, localtime_r, "%Y-%m-%d %H:%M:%S");
+}
 
-std::string universalTime(Date date) { return formatted(date, gmtime_r, "%Y-%m-%dT%H:%M:%SZ"); }
+std::string universalTime(Date date) {
+  return formatted(date, gmtime_r, "%Y-%m-%dT%H:%M:%SZ");
+}
 
 std::string percentage(std::int64_t part, std::int64_t whole) {
   if (whole < 1) return "";
-  return std::to_string(static_cast<int>(static_cast<double>(part) / static_cast<double>(whole) * 100 + 0.5)) + " %";
+  return std::to_string(
+             static_cast<int>(static_cast<double>(part) / static_cast<double>(whole) * 100 + 0.5)) +
+         " %";
 }
 
 std::string Table::text() const {
@@ -72,11 +78,14 @@ std::string Table::text() const {
 }
 
 bool print(const std::string& text) {
-  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return true;
+  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
+    return true;
   complain("standard output: " + std::generic_category().message(errno));
   return false;
 }
 
-void complain(const std::string& message) { std::fprintf(stderr, "spacemintctl: %s\n", message.c_str()); }
+void complain(const std::string& message) {
+  std::fprintf(stderr, "spacemintctl: %s\n", message.c_str());
+}
 
 }  // namespace spacemint::ctl

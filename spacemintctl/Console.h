@@ -14,7 +14,8 @@ enum ExitCode : int { done = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 /// U+FFFD.
 std::string printable(std::string_view text);
 
-/// A date and time of the user's time zone, such as "2026-03-01 14:05:09"; its first ten characters are the day.
+/// A date and time of the user's time zone, such as "2026-03-01 14:05:09"; its first ten characters are the
+/// day.
 std::string localTime(Date date);
 /// The same in UTC as other programs read it: "2026-03-01T13:05:09Z".
 std::string universalTime(Date date);

@@ -53,8 +53,10 @@ int runHistory(bool json) {
     }
   }
   if (json) return print(list.dump() + '\n') ? done : failed;
-  return print(table.empty() ? "No scan in the history yet; \"spacemintctl scan\" makes one.\n" : table.text()) ? done
-                                                                                                                 : failed;
+  return print(table.empty() ? "No scan in the history yet; \"spacemintctl scan\" makes one.\n"
+                             : table.text())
+             ? done
+             : failed;
 }
 
 }  // namespace spacemint::ctl

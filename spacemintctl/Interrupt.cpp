@@ -25,6 +25,8 @@ void noteInterrupts() {
   pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
-bool wasInterrupted() { return interruptNoted; }
+bool wasInterrupted() {
+  return interruptNoted;
+}
 
 }  // namespace spacemint::ctl

@@ -2,10 +2,11 @@
 
 #include "core/base/ByteFormat.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <unistd.h>
 
 namespace spacemint::ctl {
 
@@ -38,9 +39,13 @@ std::string progressText(const DiskScanner::Progress& progress, std::optional<By
 }
 
 ProgressLine::ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale)
-    : shown_(wanted), expected_(expected), locale_(std::move(locale)) {}
+    : shown_(wanted),
+      expected_(expected),
+      locale_(std::move(locale)) {}
 
-bool ProgressLine::canBeSeen() { return isatty(STDERR_FILENO) == 1; }
+bool ProgressLine::canBeSeen() {
+  return isatty(STDERR_FILENO) == 1;
+}
 
 ProgressLine::~ProgressLine() {
   if (shown_) std::fputs("\r\x1b[K", stderr);

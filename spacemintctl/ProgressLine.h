@@ -8,8 +8,8 @@
 
 namespace spacemint::ctl {
 
-/// What the progress line says: files, bytes, and, where the whole is known, how much is done and how long the
-/// rest will take.
+/// What the progress line says: files, bytes, and, where the whole is known, how much is done and how long
+/// the rest will take.
 std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
                          std::chrono::duration<double> elapsed, const std::string& locale);
 

@@ -20,7 +20,9 @@ namespace {
 
 constexpr int historyDays = 14;
 
-Date now() { return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now()); }
+Date now() {
+  return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+}
 
 // The one spelling of a root under which its scans are kept: absolute, without a "/" at the end.
 std::expected<std::string, Error> rootFor(const std::string& path) {
@@ -39,7 +41,8 @@ std::optional<Error> obstacle(const std::string& root) {
   return std::move(folder).error();
 }
 
-// How much a scan of `root` will find: what the last one found, else what is used on the volume that it covers.
+// How much a scan of `root` will find: what the last one found, else what is used on the volume that it
+// covers.
 std::optional<Bytes> expectedBytes(const std::string& root) {
   const auto last = storedScan(SnapshotStore::standard(), "");
   if (last && last->rootPath() == root) return last->root.size;

@@ -3,8 +3,9 @@
 #include "core/settings/Settings.h"
 #include "spacemintctl/Console.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 namespace spacemint::ctl {
 
@@ -15,7 +16,8 @@ using Json = nlohmann::ordered_json;
 DefaultsStore openStore() {
   DefaultsStore store = DefaultsStore::standard();
   store.registerDefaults(registeredSettings());
-  for (const std::string& path : store.setAside()) complain("the settings were damaged and are now in " + printable(path));
+  for (const std::string& path : store.setAside())
+    complain("the settings were damaged and are now in " + printable(path));
   if (store.readError()) complain(printable(store.readError()->message));
   return store;
 }
@@ -24,7 +26,8 @@ DefaultsStore openStore() {
 Json valueOf(const DefaultsStore& store, const SettingDescription& setting) {
   const auto json = [](const auto& value) { return value ? Json(*value) : Json(nullptr); };
   if (std::holds_alternative<bool>(setting.registeredDefault)) return json(store.boolean(setting.key));
-  if (std::holds_alternative<std::int64_t>(setting.registeredDefault)) return json(store.integer(setting.key));
+  if (std::holds_alternative<std::int64_t>(setting.registeredDefault))
+    return json(store.integer(setting.key));
   return json(store.string(setting.key));
 }
 

@@ -28,7 +28,8 @@ std::string statusText(const VolumeStatus& volume, const std::string& mountPoint
   const std::string locale = userLocale();
   Table table;
   table.add({"Free", ByteFormat::string(volume.free, locale)});
-  table.add({"Used", ByteFormat::string(volume.used(), locale) + " (" + percentage(volume.used(), volume.total) + ")"});
+  table.add({"Used", ByteFormat::string(volume.used(), locale) + " (" +
+                         percentage(volume.used(), volume.total) + ")"});
   table.add({"Total", ByteFormat::string(volume.total, locale)});
   std::string title = printable(volume.name);
   if (volume.name != mountPoint) title += " (" + printable(mountPoint) + ")";

@@ -8,7 +8,9 @@ namespace spacemint::ctl {
 
 namespace {
 
-Error notFound(std::string message) { return {.domain = "history", .message = std::move(message)}; }
+Error notFound(std::string message) {
+  return {.domain = "history", .message = std::move(message)};
+}
 
 std::expected<Snapshot, Error> newestReadable(const SnapshotStore& store,
                                               const std::vector<SnapshotStore::Entry>& entries) {
@@ -18,8 +20,8 @@ std::expected<Snapshot, Error> newestReadable(const SnapshotStore& store,
     if (snapshot) return snapshot;
     if (!firstProblem) firstProblem = std::move(snapshot).error();
   }
-  return std::unexpected(firstProblem ? *firstProblem
-                                      : notFound("no scan in the history yet; \"spacemintctl scan\" makes one"));
+  return std::unexpected(
+      firstProblem ? *firstProblem : notFound("no scan in the history yet; \"spacemintctl scan\" makes one"));
 }
 
 }  // namespace
@@ -35,8 +37,8 @@ bool namesScan(std::string_view date, Date scanned) {
 std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::string_view date) {
   const auto entries = store.entries();
   if (date.empty()) return newestReadable(store, entries);
-  const auto found =
-      std::ranges::find_if(entries, [&](const SnapshotStore::Entry& entry) { return namesScan(date, entry.date); });
+  const auto found = std::ranges::find_if(
+      entries, [&](const SnapshotStore::Entry& entry) { return namesScan(date, entry.date); });
   if (found != entries.end()) return store.load(*found);
   return std::unexpected(notFound("no scan of \"" + printable(date) + "\" in the history"));
 }

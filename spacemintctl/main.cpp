@@ -60,7 +60,8 @@ void addHistory(CLI::App& app, Action& action) {
 
 CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
   CLI::App* command = app.add_subcommand(name, description);
-  command->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
+  command
+      ->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
       ->type_name("DATE");
   command->add_option("--top", options.top, "How many to name")
       ->check(wholeNumber)

@@ -1,10 +1,11 @@
 #include "core/base/ByteFormat.h"
 
+#include <unicode/numberformatter.h>
+
 #include <array>
 #include <cmath>
 #include <memory>
 #include <string_view>
-#include <unicode/numberformatter.h>
 
 namespace spacemint {
 
@@ -16,8 +17,7 @@ constexpr std::array<std::string_view, 6> unitNames{"bytes", "KB", "MB", "GB", "
 
 // Making a formatter costs far more than using it, and a program shows numbers in one locale.
 struct Formatters {
-  explicit Formatters(const std::string& name)
-      : locale(name), whole(make(name, 0)), tenths(make(name, 1)) {}
+  explicit Formatters(const std::string& name) : locale(name), whole(make(name, 0)), tenths(make(name, 1)) {}
 
   static LocalizedNumberFormatter make(const std::string& locale, int maximumFraction) {
     return icu::number::NumberFormatter::withLocale(icu::Locale(locale.c_str()))
@@ -50,7 +50,10 @@ std::string ByteFormat::string(Bytes bytes, const std::string& locale) {
   const bool showsTenths = unit > 0 && std::abs(value) < 99.95;
   UErrorCode status = U_ZERO_ERROR;
   std::string text;
-  (showsTenths ? format.tenths : format.whole).formatDouble(value, status).toString(status).toUTF8String(text);
+  (showsTenths ? format.tenths : format.whole)
+      .formatDouble(value, status)
+      .toString(status)
+      .toUTF8String(text);
   if (U_FAILURE(status) || text.empty()) text = std::to_string(static_cast<std::int64_t>(value));
   text += ' ';
   text += unitNames.at(unit);

@@ -1,10 +1,11 @@
 #include "core/base/Unicode.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace spacemint {
 

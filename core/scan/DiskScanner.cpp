@@ -30,7 +30,9 @@ struct Frame {
   NameList subdirectories;
 };
 
-bool isGone(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
+bool isGone(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ELOOP;
+}
 
 class Walk {
  public:

@@ -112,8 +112,8 @@ class ReadAheadListing::Crew {
     return record;
   }
 
-  // The walk comes to a subfolder: the record that a helper has begun, or else a new one for the walk to list.
-  // Null for a subfolder that is not the next one.
+  // The walk comes to a subfolder: the record that a helper has begun, or else a new one for the walk to
+  // list. Null for a subfolder that is not the next one.
   std::shared_ptr<Record> take(Record& parent, const std::string& name) {
     std::unique_lock lock(mutex_);
     if (parent.ahead.empty()) {
@@ -133,7 +133,9 @@ class ReadAheadListing::Crew {
   }
 
   // The walk has read some entries of a folder that it lists itself.
-  void note(Record& record, std::span<const Entry> entries) const { collectSubfolders(entries, record.pending); }
+  void note(Record& record, std::span<const Entry> entries) const {
+    collectSubfolders(entries, record.pending);
+  }
 
   // The walk has read a folder to its end.
   void finish(Record& record) {
@@ -184,8 +186,8 @@ class ReadAheadListing::Crew {
     if (idle_ > 0 && hasRoom() && firstWithPending()) work_.notify_one();
   }
 
-  // Only when much is ready, or nothing more will be without the walk: waking it for each folder would cost more
-  // than listing one.
+  // Only when much is ready, or nothing more will be without the walk: waking it for each folder would cost
+  // more than listing one.
   void wakeWalk() {
     if (awaited_ != nullptr && awaited_->state != Record::State::inHelper) ready_.notify_one();
   }
@@ -201,8 +203,8 @@ class ReadAheadListing::Crew {
     return record;
   }
 
-  // Without the lock. Reads two batches at the most, so that a huge folder stays with the walk; true when that
-  // was all of it.
+  // Without the lock. Reads two batches at the most, so that a huge folder stays with the walk; true when
+  // that was all of it.
   bool openAndList(const Record& parent, Record& record, ListingBuffer& buffer, NameList& subfolders) const {
     auto opened = parent.folder->openSubfolder(record.name);
     if (!opened) {
@@ -232,7 +234,8 @@ class ReadAheadListing::Crew {
 
   void collectSubfolders(std::span<const Entry> entries, NameList& names) const {
     for (const Entry& entry : entries) {
-      if (entry.error == 0 && entry.type == EntryType::folder && entry.device == device_) names.push(entry.name);
+      if (entry.error == 0 && entry.type == EntryType::folder && entry.device == device_)
+        names.push(entry.name);
     }
   }
 
@@ -350,7 +353,9 @@ class ReadAheadListing::Folder final : public OpenFolder {
   bool atEnd_;
 };
 
-ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads) : inner_(inner), threads_(threads) {}
+ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads)
+    : inner_(inner),
+      threads_(threads) {}
 
 std::expected<std::unique_ptr<OpenFolder>, Error> ReadAheadListing::open(const std::string& root) {
   auto opened = inner_.open(root);

@@ -18,8 +18,8 @@ Bytes Node::unlistedSize() const {
 const Node* Node::child(std::string_view childName) const {
   const auto exact = std::ranges::find(children, childName, &Node::name);
   if (exact != children.end()) return &*exact;
-  const auto equal =
-      std::ranges::find_if(children, [&](const Node& node) { return canonicallyEqual(node.name, childName); });
+  const auto equal = std::ranges::find_if(
+      children, [&](const Node& node) { return canonicallyEqual(node.name, childName); });
   return equal != children.end() ? &*equal : nullptr;
 }
 

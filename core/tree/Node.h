@@ -15,7 +15,8 @@ namespace spacemint {
 /// A folder's `size` and `fileCount` cover everything below it, also what was too small to be kept in
 /// `children`. `children` are sorted by `size`, largest first, ties in their earlier order.
 struct Node {
-  /// No tree is deeper. It bounds what recursion over a tree (comparing, copying, freeing) needs of the stack.
+  /// No tree is deeper. It bounds what recursion over a tree (comparing, copying, freeing) needs of the
+  /// stack.
   static constexpr std::size_t maximumDepth = 10'000;
 
   /// The path component as the file system lists it; for the root of a tree the full path of the scan.

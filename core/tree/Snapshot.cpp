@@ -37,7 +37,9 @@ struct Place {
   }
 };
 
-Node* mutableChild(Node& parent, std::string_view name) { return const_cast<Node*>(parent.child(name)); }
+Node* mutableChild(Node& parent, std::string_view name) {
+  return const_cast<Node*>(parent.child(name));
+}
 
 // Absent for the root, and where a folder on the way is not in the tree.
 std::optional<Place> placeOf(Snapshot& snapshot, std::string_view path) {
@@ -128,8 +130,8 @@ std::vector<FileItem> Snapshot::largestFiles(std::size_t limit) const {
 }
 
 bool Snapshot::canSeedIncrementalScan(const SeedRequirements& requirements) const {
-  return canonicallyEqual(root.name, requirements.root) && minNodeSize == requirements.minNodeSize && eventID.has_value() &&
-         root.fileCount >= 1 && format == currentFormat && fullScanDate.has_value() &&
+  return canonicallyEqual(root.name, requirements.root) && minNodeSize == requirements.minNodeSize &&
+         eventID.has_value() && root.fileCount >= 1 && format == currentFormat && fullScanDate.has_value() &&
          requirements.now - *fullScanDate < requirements.fullScanInterval;
 }
 

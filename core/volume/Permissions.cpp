@@ -6,7 +6,9 @@
 
 namespace spacemint {
 
-bool Permissions::hasFullDiskAccess() { return canOpenOne(protectedPlaces()); }
+bool Permissions::hasFullDiskAccess() {
+  return canOpenOne(protectedPlaces());
+}
 
 bool Permissions::canOpenOne(std::span<const std::string> places) {
   return std::ranges::any_of(places, canOpen);

@@ -4,7 +4,9 @@
 
 namespace spacemint {
 
-Bytes VolumeStatus::used() const { return std::max<Bytes>(0, checkedSubtract(total, free)); }
+Bytes VolumeStatus::used() const {
+  return std::max<Bytes>(0, checkedSubtract(total, free));
+}
 
 double VolumeStatus::usedFraction() const {
   return total < 1 ? 0 : static_cast<double>(used()) / static_cast<double>(total);
@@ -17,10 +19,10 @@ std::optional<VolumeStatus> VolumeStatus::current(const std::string& path) {
 
 std::optional<VolumeStatus> VolumeStatus::from(const VolumeInfo& info) {
   if (!info.total) return std::nullopt;
-  return VolumeStatus{
-      .name = info.name.value_or("Macintosh HD"),
-      .total = *info.total,
-      .free = info.availableForImportantUsage ? *info.availableForImportantUsage : info.available.value_or(0)};
+  return VolumeStatus{.name = info.name.value_or("Macintosh HD"),
+                      .total = *info.total,
+                      .free = info.availableForImportantUsage ? *info.availableForImportantUsage
+                                                              : info.available.value_or(0)};
 }
 
 }  // namespace spacemint

@@ -23,9 +23,9 @@ TEST(Printable, takesTheSenseOutOfWhatATerminalObeys) {
 }
 
 TEST(LargestFolders, leaveOutAFolderThatIsLittleMoreThanASubfolder) {
-  const Node root = folder("/r", {folder("wrapper", {folder("inner", {file("f", 90)})}, {.unlisted = 10}),
-                                  folder("mixed", {folder("half", {file("g", 80)})}, {.unlisted = 15}),
-                                  file("big", 500)});
+  const Node root =
+      folder("/r", {folder("wrapper", {folder("inner", {file("f", 90)})}, {.unlisted = 10}),
+                    folder("mixed", {folder("half", {file("g", 80)})}, {.unlisted = 15}), file("big", 500)});
   std::vector<std::string> paths;
   for (const FolderItem& item : largestFolders(root, 10)) paths.push_back(item.path);
   EXPECT_EQ(paths, (std::vector<std::string>{"/r/mixed", "/r/wrapper/inner", "/r/mixed/half"}));
@@ -49,7 +49,8 @@ TEST(Progress, saysHowMuchIsDoneWhereTheWholeIsKnown) {
       {{1, 5}, 0, 10, "1 files, 5 bytes"},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(progressText(c.progress, c.expected, std::chrono::duration<double>(c.elapsed), "en_US"), c.text);
+    EXPECT_EQ(progressText(c.progress, c.expected, std::chrono::duration<double>(c.elapsed), "en_US"),
+              c.text);
   }
 }
 
@@ -57,9 +58,10 @@ TEST(UnreadNote, countsAndNamesTheFirstFew) {
   EXPECT_EQ(unreadNote({}, english), "");
   EXPECT_EQ(unreadNote({.folders = 1, .paths = {"/home/ann/a\nb"}}, english),
             "1 folder could not be read; sizes are at least what is shown\n  ~/a\ufffdb");
-  EXPECT_EQ(unreadNote({.folders = 3, .entries = 1'000, .paths = {"/a", "/b", "/c", "/d", "/e", "/f"}}, english),
-            "3 folders and 1,000 entries could not be read; sizes are at least what is shown\n"
-            "  /a\n  /b\n  /c\n  /d\n  /e\n  …");
+  EXPECT_EQ(
+      unreadNote({.folders = 3, .entries = 1'000, .paths = {"/a", "/b", "/c", "/d", "/e", "/f"}}, english),
+      "3 folders and 1,000 entries could not be read; sizes are at least what is shown\n"
+      "  /a\n  /b\n  /c\n  /d\n  /e\n  …");
 }
 
 TEST(Table, alignsAllButTheLastColumnToTheRight) {

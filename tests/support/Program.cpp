@@ -2,12 +2,13 @@
 
 #include "support/ChildProcess.h"
 
+#include <fcntl.h>
+#include <pty.h>
+
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <fstream>
 #include <iterator>
-#include <pty.h>
 
 namespace spacemint::support {
 
@@ -30,9 +31,12 @@ int exitCodeOf(pid_t child) {
 }  // namespace
 
 Program::Program(std::string executable)
-    : executable_(std::move(executable)), handle_(open(executable_.c_str(), O_RDONLY | O_CLOEXEC)) {}
+    : executable_(std::move(executable)),
+      handle_(open(executable_.c_str(), O_RDONLY | O_CLOEXEC)) {}
 
-Program::~Program() { close(handle_); }
+Program::~Program() {
+  close(handle_);
+}
 
 void Program::become(const std::vector<std::string>& arguments) const {
   setenv("HOME", home_.path().c_str(), 1);

@@ -26,9 +26,13 @@ class Program {
 
   Outcome run(const std::vector<std::string>& arguments) const { return start(arguments, false, false); }
   /// As a user whom permissions bind.
-  Outcome runAsNobody(const std::vector<std::string>& arguments) const { return start(arguments, true, false); }
+  Outcome runAsNobody(const std::vector<std::string>& arguments) const {
+    return start(arguments, true, false);
+  }
   /// With Ctrl-C already pressed when it begins.
-  Outcome runInterrupted(const std::vector<std::string>& arguments) const { return start(arguments, false, true); }
+  Outcome runInterrupted(const std::vector<std::string>& arguments) const {
+    return start(arguments, false, true);
+  }
   /// Whether this system lends us a terminal, which a bare chroot does not.
   static bool canHaveTerminal();
   /// With standard error on a terminal, whose text is in `err`.

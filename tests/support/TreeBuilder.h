@@ -5,7 +5,9 @@
 namespace spacemint::support {
 
 /// A file of a scan tree.
-inline Node file(std::string name, Bytes size) { return {.name = std::move(name), .size = size}; }
+inline Node file(std::string name, Bytes size) {
+  return {.name = std::move(name), .size = size};
+}
 
 /// What a folder holds besides its kept children.
 struct Unlisted {
@@ -15,7 +17,8 @@ struct Unlisted {
 
 /// A folder of a scan tree whose totals are those of its children and of what is not listed.
 inline Node folder(std::string name, std::vector<Node> children, Unlisted rest = {}) {
-  Node node{.name = std::move(name), .size = rest.unlisted, .isDirectory = true, .fileCount = rest.unlistedFiles};
+  Node node{
+      .name = std::move(name), .size = rest.unlisted, .isDirectory = true, .fileCount = rest.unlistedFiles};
   for (const Node& child : children) {
     node.size += child.size;
     node.fileCount += child.isDirectory ? child.fileCount : 1;

@@ -10,13 +10,19 @@ namespace {
 
 constexpr int callingThread = 0;
 
-int ioPriority() { return static_cast<int>(syscall(SYS_ioprio_get, IOPRIO_WHO_PROCESS, callingThread)); }
+int ioPriority() {
+  return static_cast<int>(syscall(SYS_ioprio_get, IOPRIO_WHO_PROCESS, callingThread));
+}
 
-void setIoPriority(int priority) { syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, callingThread, priority); }
+void setIoPriority(int priority) {
+  syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, callingThread, priority);
+}
 
 }  // namespace
 
-ThrottledIo::ThrottledIo() : saved_(ioPriority()) { setIoPriority(IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0)); }
+ThrottledIo::ThrottledIo() : saved_(ioPriority()) {
+  setIoPriority(IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
+}
 
 ThrottledIo::~ThrottledIo() {
   if (saved_ >= 0) setIoPriority(saved_);

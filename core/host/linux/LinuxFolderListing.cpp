@@ -2,15 +2,16 @@
 #include "core/host/linux/FileHandle.h"
 #include "core/host/linux/MountTable.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <climits>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/sysmacros.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
 
 namespace spacemint {
 
@@ -60,7 +61,9 @@ struct Root {
 class LinuxFolder final : public OpenFolder {
  public:
   LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts)
-      : handle_(std::move(handle)), root_(std::move(root)), mounts_(mounts) {}
+      : handle_(std::move(handle)),
+        root_(std::move(root)),
+        mounts_(mounts) {}
 
   std::uint64_t device() const override { return root_->mounted.device; }
 
@@ -68,8 +71,7 @@ class LinuxFolder final : public OpenFolder {
     buffer.entries.clear();
     // A call may return only "." and "..", which is not yet the end.
     while (buffer.entries.empty()) {
-      const long length =
-          syscall(SYS_getdents64, handle_.get(), buffer.bytes.get(), ListingBuffer::size);
+      const long length = syscall(SYS_getdents64, handle_.get(), buffer.bytes.get(), ListingBuffer::size);
       if (length < 0) return {.error = errno};
       if (length == 0) return {};
       parse(buffer, static_cast<std::size_t>(length));
@@ -166,7 +168,9 @@ class LinuxFolderListing final : public FolderListing {
 
 }  // namespace
 
-std::unique_ptr<FolderListing> hostFolderListing() { return std::make_unique<LinuxFolderListing>(); }
+std::unique_ptr<FolderListing> hostFolderListing() {
+  return std::make_unique<LinuxFolderListing>();
+}
 
 std::size_t raiseOpenFileLimit(std::size_t wanted) {
   rlimit limit{};

@@ -1,11 +1,12 @@
 #include "core/host/linux/MountTable.h"
 
+#include <sys/sysmacros.h>
+
 #include <algorithm>
 #include <charconv>
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <sys/sysmacros.h>
 
 namespace spacemint {
 

@@ -8,7 +8,9 @@
 namespace spacemint {
 
 // A sandbox hides the system's log folder and gives the program a home without the user's settings.
-std::vector<std::string> protectedPlaces() { return {"/var/log", UserFolders::home() + "/.config"}; }
+std::vector<std::string> protectedPlaces() {
+  return {"/var/log", UserFolders::home() + "/.config"};
+}
 
 bool canOpen(const std::string& path) {
   return static_cast<bool>(FileHandle{open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)});

@@ -1,11 +1,12 @@
 #include "core/host/UserFolders.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <array>
 #include <cstdlib>
 #include <optional>
-#include <pwd.h>
 #include <string_view>
-#include <unistd.h>
 #include <vector>
 
 namespace spacemint {

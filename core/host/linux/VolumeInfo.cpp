@@ -3,13 +3,14 @@
 #include "core/host/UserFolders.h"
 #include "core/host/linux/MountTable.h"
 
-#include <algorithm>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 namespace spacemint {
 
@@ -39,7 +40,9 @@ std::optional<std::uint64_t> blockDevice(const std::string& path) {
 }
 
 // A file system such as Btrfs has a device number of its own; its source names the disk.
-std::uint64_t diskOf(const Mount& mount) { return blockDevice(mount.source).value_or(mount.device); }
+std::uint64_t diskOf(const Mount& mount) {
+  return blockDevice(mount.source).value_or(mount.device);
+}
 
 // Labels are links named by the label, with odd characters written as \x and two hexadecimal digits.
 std::string unescapedLabel(std::string_view text) {
@@ -92,13 +95,16 @@ std::optional<std::string> mountPointOf(const std::string& path) {
   return mount->mountPoint;
 }
 
-std::string startupVolume() { return mountPointOf(UserFolders::home()).value_or("/"); }
+std::string startupVolume() {
+  return mountPointOf(UserFolders::home()).value_or("/");
+}
 
 bool isOnRotationalDisk(const std::string& path) {
   const auto mount = mountOf(path);
   if (!mount) return false;
   const std::uint64_t disk = diskOf(*mount);
-  const std::string device = "/sys/dev/block/" + std::to_string(major(disk)) + ":" + std::to_string(minor(disk));
+  const std::string device =
+      "/sys/dev/block/" + std::to_string(major(disk)) + ":" + std::to_string(minor(disk));
   // A partition finds the facts of its disk in the folder above its own.
   for (const std::string& folder : {device, device + "/.."}) {
     std::ifstream file(folder + "/queue/rotational");

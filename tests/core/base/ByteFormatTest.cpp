@@ -1,7 +1,8 @@
 #include "core/base/ByteFormat.h"
 
-#include <cstdint>
 #include <gtest/gtest.h>
+
+#include <cstdint>
 #include <limits>
 
 namespace spacemint {
@@ -34,7 +35,8 @@ TEST(ByteFormat, picksTheUnitThatNeverReadsOneThousand) {
       {-1'500, "sv_SE", "\u22121,5 KB"},
       {1'500, "no such locale", "1.5 KB"},
   };
-  for (const Case& c : cases) EXPECT_EQ(ByteFormat::string(c.bytes, c.locale), c.text) << c.bytes << ' ' << c.locale;
+  for (const Case& c : cases)
+    EXPECT_EQ(ByteFormat::string(c.bytes, c.locale), c.text) << c.bytes << ' ' << c.locale;
 }
 
 TEST(ByteFormat, groupsWholeNumbersAsTheLocaleDoes) {

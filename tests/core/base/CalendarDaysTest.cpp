@@ -33,7 +33,8 @@ TEST(CalendarDays, areThoseOfThePlace) {
   };
   for (const Case& c : cases) {
     const auto day = calendarDay(c.date, c.zone);
-    EXPECT_EQ(day, c.day ? std::optional{local_days{*c.day}} : std::nullopt) << c.zone << ' ' << c.date.time_since_epoch();
+    EXPECT_EQ(day, c.day ? std::optional{local_days{*c.day}} : std::nullopt)
+        << c.zone << ' ' << c.date.time_since_epoch();
     EXPECT_EQ(isKnownTimeZone(c.zone), c.day.has_value());
   }
 }

@@ -12,15 +12,15 @@ TEST(Unicode, equalsUnderCanonicalEquivalence) {
     bool equal;
   };
   const Case cases[]{
-      {"caf\u00e9", "cafe\u0301", true},            // precomposed and decomposed
-      {"\u212b", "\u00c5", true},                   // the angstrom sign is an A with a ring
-      {"\u212a", "K", true},                        // the Kelvin sign is an ASCII letter
-      {"a\u0323\u0307", "a\u0307\u0323", true},     // marks in either order
-      {"\ud55c", "\u1112\u1161\u11ab", true},       // Hangul
+      {"caf\u00e9", "cafe\u0301", true},         // precomposed and decomposed
+      {"\u212b", "\u00c5", true},                // the angstrom sign is an A with a ring
+      {"\u212a", "K", true},                     // the Kelvin sign is an ASCII letter
+      {"a\u0323\u0307", "a\u0307\u0323", true},  // marks in either order
+      {"\ud55c", "\u1112\u1161\u11ab", true},    // Hangul
       {"caf\u00e9", "cafe", false},
-      {"\ufb01", "fi", false},                      // a ligature is only compatible
+      {"\ufb01", "fi", false},  // a ligature is only compatible
       {"A", "a", false},
-      {"caf\xe9", "cafe\u0301", false},             // not UTF-8
+      {"caf\xe9", "cafe\u0301", false},  // not UTF-8
       {"\xff", "\xfe", false},
       {"\xff", "\xff", true},
       {"", "", true},

@@ -1,6 +1,7 @@
 #include "core/host/linux/MountTable.h"
 
 #include <gtest/gtest.h>
+
 #include <sys/sysmacros.h>
 
 namespace spacemint {
@@ -9,7 +10,8 @@ namespace {
 TEST(MountTable, readsTheKernelsLines) {
   const auto mounts = parseMountTable(
       "36 35 98:0 /mnt1 / rw,noatime master:1 - ext3 /dev/root rw,errors=continue\n"
-      "40 36 0:44 / /home/ann/with\\040blank\\134and\\012line rw shared:2 propagate_from:1 - nfs4 host:/a\\040b rw\n"
+      "40 36 0:44 / /home/ann/with\\040blank\\134and\\012line rw shared:2 propagate_from:1 - nfs4 "
+      "host:/a\\040b rw\n"
       "broken line\n"
       "41 36 0:x / /odd rw - tmpfs none rw\n"
       "42 36 0:45 / /cut rw\n"
@@ -25,8 +27,11 @@ TEST(MountTable, readsTheKernelsLines) {
 }
 
 TEST(MountTable, givesTheMountsBelowAFolderByName) {
-  const std::vector<Mount> mounts{{.mountPoint = "/"}, {.mountPoint = "/home/ann"}, {.mountPoint = "/home/annex"},
-                                  {.mountPoint = "/home/ann/a/b"}, {.mountPoint = "/home/ann/a"}};
+  const std::vector<Mount> mounts{{.mountPoint = "/"},
+                                  {.mountPoint = "/home/ann"},
+                                  {.mountPoint = "/home/annex"},
+                                  {.mountPoint = "/home/ann/a/b"},
+                                  {.mountPoint = "/home/ann/a"}};
   const MountTree home = mountsBelow("/home/ann", mounts);
   ASSERT_EQ(home.below.size(), 1U);
   EXPECT_TRUE(home.child("a")->isMountPoint);

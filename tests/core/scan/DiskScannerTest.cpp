@@ -5,6 +5,7 @@
 #include "support/TreeBuilder.h"
 
 #include <gtest/gtest.h>
+
 #include <latch>
 
 namespace spacemint {
@@ -19,8 +20,8 @@ using Names = std::vector<std::string>;
 
 constexpr Bytes mega = 1'000'000;
 
-// Scans a fake tree at "/r" with everything kept that is at least 20 MB, plainly and read ahead: the walk must
-// not be able to tell.
+// Scans a fake tree at "/r" with everything kept that is at least 20 MB, plainly and read ahead: the walk
+// must not be able to tell.
 DiskScanner::Result scanned(const FakeFolder& root, DiskScanner::Arguments arguments = {}) {
   FakeListing plain{root};
   ReadAheadListing ahead{plain, 3};
@@ -34,10 +35,10 @@ DiskScanner::Result scanned(const FakeFolder& root, DiskScanner::Arguments argum
 }
 
 TEST(DiskScanner, keepsWhatReachesTheThresholdAndCountsTheRest) {
-  const auto result = scanned({.batches = {{folderEntry("just"), folderEntry("short"), fileEntry("f", 20 * mega)}},
-                               .subfolders = {{"just", {.batches = {{fileEntry("a", 10 * mega)},
-                                                                    {fileEntry("b", 10 * mega)}}}},
-                                              {"short", {.batches = {{fileEntry("c", 20 * mega - 1)}}}}}});
+  const auto result = scanned(
+      {.batches = {{folderEntry("just"), folderEntry("short"), fileEntry("f", 20 * mega)}},
+       .subfolders = {{"just", {.batches = {{fileEntry("a", 10 * mega)}, {fileEntry("b", 10 * mega)}}}},
+                      {"short", {.batches = {{fileEntry("c", 20 * mega - 1)}}}}}});
   EXPECT_EQ(result.root.name, "/r");
   EXPECT_EQ(names(result.root), (Names{"f", "just"}));  // ties: files before folders
   EXPECT_EQ(result.root.size, 60 * mega - 1);
@@ -50,8 +51,9 @@ TEST(DiskScanner, keepsWhatReachesTheThresholdAndCountsTheRest) {
 
 TEST(DiskScanner, visitsSubfoldersInReverseAndSortsTiesByThat) {
   const FakeFolder big{.batches = {{fileEntry("x", 30 * mega)}}};
-  const auto result = scanned({.batches = {{folderEntry("first"), folderEntry("second")}, {fileEntry("file", 30 * mega)}},
-                               .subfolders = {{"first", big}, {"second", big}}});
+  const auto result =
+      scanned({.batches = {{folderEntry("first"), folderEntry("second")}, {fileEntry("file", 30 * mega)}},
+               .subfolders = {{"first", big}, {"second", big}}});
   EXPECT_EQ(names(result.root), (Names{"file", "second", "first"}));
 }
 
@@ -80,8 +82,8 @@ TEST(DiskScanner, judgesEachKindOfEntry) {
 TEST(DiskScanner, countsWhatItCouldNotReadButNotWhatVanished) {
   FakeFolder root{.listingError = EIO};
   root.batches.emplace_back();
-  const std::map<std::string, int> failures{
-      {"secret", EACCES}, {"other", EXDEV}, {"gone", ENOENT}, {"file", ENOTDIR}, {"link", ELOOP}, {"full", EMFILE}};
+  const std::map<std::string, int> failures{{"secret", EACCES}, {"other", EXDEV}, {"gone", ENOENT},
+                                            {"file", ENOTDIR},  {"link", ELOOP},  {"full", EMFILE}};
   for (const auto& [name, error] : failures) root.batches[0].push_back(folderEntry(name.c_str()));
   root.openErrors = failures;
   const auto result = scanned(root);
@@ -91,8 +93,9 @@ TEST(DiskScanner, countsWhatItCouldNotReadButNotWhatVanished) {
 }
 
 TEST(DiskScanner, reusesAndSkipsWithoutOpening) {
-  FakeFolder root{.batches = {{folderEntry("walked"), folderEntry("known"), folderEntry("small"), folderEntry("left")}},
-                  .subfolders = {{"walked", {.batches = {{fileEntry("x", 20 * mega)}}}}}};
+  FakeFolder root{
+      .batches = {{folderEntry("walked"), folderEntry("known"), folderEntry("small"), folderEntry("left")}},
+      .subfolders = {{"walked", {.batches = {{fileEntry("x", 20 * mega)}}}}}};
   const Node known = support::folder("known", {support::file("k", 70 * mega)}, {.unlistedFiles = 4});
   Names asked;
   DiskScanner::Progress last;
@@ -100,7 +103,8 @@ TEST(DiskScanner, reusesAndSkipsWithoutOpening) {
                                      .reuse = [&](const std::string& path) -> std::optional<Node> {
                                        asked.push_back(path);
                                        if (path == "/r/known" || path == "/r/left") return known;
-                                       if (path == "/r/small") return support::folder("small", {}, {19 * mega, 2});
+                                       if (path == "/r/small")
+                                         return support::folder("small", {}, {19 * mega, 2});
                                        return std::nullopt;
                                      },
                                      .progress = [&](const DiskScanner::Progress& p) { last = p; }});
@@ -116,7 +120,8 @@ TEST(DiskScanner, reusesAndSkipsWithoutOpening) {
 
 TEST(DiskScanner, pollsOncePerFourThousandEntries) {
   const std::vector<Entry> batch(3'000, fileEntry("f", 1));
-  const FakeFolder root{.batches = {batch, batch, batch, {folderEntry("d")}}, .subfolders = {{"d", {.batches = {batch}}}}};
+  const FakeFolder root{.batches = {batch, batch, batch, {folderEntry("d")}},
+                        .subfolders = {{"d", {.batches = {batch}}}}};
   std::vector<std::int64_t> reported;
   scanned(root, {.progress = [&](const DiskScanner::Progress& p) { reported.push_back(p.files); }});
   reported.resize(reported.size() / 2);
@@ -153,7 +158,8 @@ class MeetingListing final : public FolderListing {
     Opened(std::vector<Entry> entries, std::latch& met) : entries_(std::move(entries)), met_(met) {}
     std::uint64_t device() const override { return 1; }
     Batch nextBatch(ListingBuffer&) override {
-      return {.entries = std::exchange(left_, 0) == 1 ? std::span<const Entry>{entries_} : std::span<const Entry>{}};
+      return {.entries =
+                  std::exchange(left_, 0) == 1 ? std::span<const Entry>{entries_} : std::span<const Entry>{}};
     }
     std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string&) override {
       met_.arrive_and_wait();

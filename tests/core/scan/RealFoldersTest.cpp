@@ -6,14 +6,16 @@
 #include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
+#include <gtest/gtest.h>
+
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <map>
 #include <random>
-#include <sys/stat.h>
 
 namespace spacemint {
 namespace {
@@ -84,10 +86,13 @@ DiskScanner::Result scan(const std::string& root) {
   return result.value();
 }
 
-void write(const std::string& path, std::size_t bytes) { std::ofstream(path) << std::string(bytes, 'x'); }
+void write(const std::string& path, std::size_t bytes) {
+  std::ofstream(path) << std::string(bytes, 'x');
+}
 
 std::size_t openHandles() {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{}));
+  return static_cast<std::size_t>(
+      std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{}));
 }
 
 TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
@@ -105,7 +110,8 @@ TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
   fs::create_symlink(std::string(500, 'x'), folder / "link with blocks of its own");
   ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
   ASSERT_EQ(mknod((folder / "socket").c_str(), S_IFSOCK | 0600, 0), 0);
-  for (const char* name : {"new\nline", "quo\"te'", "invalid\xff\xfe", "caf\u00e9", "cafe\u0301", " ", "...", ".hidden"}) {
+  for (const char* name :
+       {"new\nline", "quo\"te'", "invalid\xff\xfe", "caf\u00e9", "cafe\u0301", " ", "...", ".hidden"}) {
     fs::create_directory(folder / name);
     write((folder / name) + "/" + name, 10'000);
   }
@@ -124,7 +130,8 @@ TEST(RealFolders, withGitFilesAreWorktrees) {
   fs::create_directory(folder / "linked");
   fs::create_symlink("../repository/.git", folder / "linked/.git");
   const auto result = scan(folder.path());
-  for (const Node& node : result.root.children) EXPECT_EQ(node.isWorktree, node.name == "worktree") << node.name;
+  for (const Node& node : result.root.children)
+    EXPECT_EQ(node.isWorktree, node.name == "worktree") << node.name;
 }
 
 TEST(RealFolders, keepTheModificationTimeInWholeSeconds) {
@@ -165,7 +172,8 @@ TEST(RealFolders, areTheSameReadAheadWhateverTheirShape) {
     folders.push_back(folders[random() % folders.size()] + "/" + std::to_string(i));
     fs::create_directory(folders.back());
   }
-  for (int i = 0; i < 2'000; ++i) write(folders[random() % folders.size()] + "/f" + std::to_string(i), random() % 9'000);
+  for (int i = 0; i < 2'000; ++i)
+    write(folders[random() % folders.size()] + "/f" + std::to_string(i), random() % 9'000);
   // A folder of several batches, with subfolders in each.
   fs::create_directory(folder / "huge");
   for (int i = 0; i < 3'000; ++i) {
@@ -187,10 +195,11 @@ TEST(RealFolders, mayBeNamedByALinkOrWithASlashBehind) {
     EXPECT_EQ(result.fileCount, 1);
   }
   std::string asked;
-  DiskScanner::scan({.root = folder.path() + "/", .reuse = [&](const std::string& path) -> std::optional<Node> {
-                       asked = path;
-                       return std::nullopt;
-                     }});
+  DiskScanner::scan(
+      {.root = folder.path() + "/", .reuse = [&](const std::string& path) -> std::optional<Node> {
+         asked = path;
+         return std::nullopt;
+       }});
   EXPECT_EQ(asked, folder / "real");
   EXPECT_FALSE(DiskScanner::scan({.root = folder / "none"}));
   EXPECT_FALSE(DiskScanner::scan({.root = folder / "real/f"}));
@@ -236,7 +245,8 @@ TEST(RealFolders, endWhereSomethingElseIsMounted) {
     const auto result = scan(folder.path());
     const Tree tree = treeOf(result.root);
     return result.fileCount == 2 && tree.contains(folder / "mine/f") && tree.contains(folder / "file") &&
-           tree.contains(folder / "a b") && !tree.contains(folder / "volume") && !tree.contains(folder / "bound") &&
+           tree.contains(folder / "a b") && !tree.contains(folder / "volume") &&
+           !tree.contains(folder / "bound") &&
            scan(folder / "bound").fileCount == 1;  // a mount is a fine root
   }));
 }
@@ -249,10 +259,11 @@ TEST(RealFolders, mayBeTheRootOfTheFileSystem) {
   EXPECT_TRUE(support::succeedsInChild([&] {
     if (!enterOwnMounts() || chroot(folder.path().c_str()) != 0 || chdir("/") != 0) return false;
     std::string asked;
-    const auto result = DiskScanner::scan({.root = "/", .reuse = [&](const std::string& path) -> std::optional<Node> {
-                                             asked = path;
-                                             return std::nullopt;
-                                           }});
+    const auto result =
+        DiskScanner::scan({.root = "/", .reuse = [&](const std::string& path) -> std::optional<Node> {
+                             asked = path;
+                             return std::nullopt;
+                           }});
     return result && result->root.name == "/" && result->fileCount == 1 && asked == "/home" &&
            scan("/").root == result->root;
   }));
@@ -273,7 +284,9 @@ class MeddlingListing final : public FolderListing {
  private:
   class Opened final : public OpenFolder {
    public:
-    Opened(std::unique_ptr<OpenFolder> inner, const Meddle& meddle) : inner_(std::move(inner)), meddle_(meddle) {}
+    Opened(std::unique_ptr<OpenFolder> inner, const Meddle& meddle)
+        : inner_(std::move(inner)),
+          meddle_(meddle) {}
     std::uint64_t device() const override { return inner_->device(); }
     Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
     std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
@@ -324,7 +337,8 @@ TEST(RealFolders, endAtAMountThatAppearsDuringTheScan) {
     MeddlingListing listing{[&](const std::string& name) {
       // The second one is of the same device.
       const bool bind = name == "bound";
-      mount(bind ? folder.path().c_str() : "none", (folder / name).c_str(), "tmpfs", bind ? MS_BIND : 0, nullptr);
+      mount(bind ? folder.path().c_str() : "none", (folder / name).c_str(), "tmpfs", bind ? MS_BIND : 0,
+            nullptr);
     }};
     const auto result = DiskScanner::scan({.root = folder.path(), .listing = &listing});
     return result && result->fileCount == 1 && result->root.children.size() == 1 &&

@@ -22,11 +22,11 @@ Snapshot snapshotOf(Node root, Bytes minNodeSize = 20 * mega) {
 
 // A home with 300 MB of which 10 MB are in files too small to be listed.
 Snapshot home() {
-  return snapshotOf(folder("/home/ann",
-                           {folder("Movies", {file("b.mov", 90 * mega), file("a.mov", 90 * mega)}),
-                            folder("Code", {folder("app", {file("core", 60 * mega)})}),
-                            file("disk.img", 50 * mega)},
-                           {.unlisted = 10 * mega, .unlistedFiles = 3}));
+  return snapshotOf(
+      folder("/home/ann",
+             {folder("Movies", {file("b.mov", 90 * mega), file("a.mov", 90 * mega)}),
+              folder("Code", {folder("app", {file("core", 60 * mega)})}), file("disk.img", 50 * mega)},
+             {.unlisted = 10 * mega, .unlistedFiles = 3}));
 }
 
 TEST(Snapshot, splitsAPathIntoNamesBelowTheRoot) {

@@ -5,11 +5,13 @@
 #include "support/ChildProcess.h"
 #include "support/TemporaryFolder.h"
 
+#include <gtest/gtest.h>
+
+#include <sys/statvfs.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <gtest/gtest.h>
-#include <sys/statvfs.h>
 
 namespace spacemint {
 namespace {
@@ -18,7 +20,9 @@ TEST(VolumeStatus, choosesTheFigureForFreeSpaceInOrder) {
   EXPECT_FALSE(VolumeStatus::from({.name = "x", .available = 5}));
   EXPECT_EQ(VolumeStatus::from({.total = 9}), (VolumeStatus{"Macintosh HD", 9, 0}));
   EXPECT_EQ(VolumeStatus::from({.name = "x", .total = 9, .available = 5}), (VolumeStatus{"x", 9, 5}));
-  EXPECT_EQ(VolumeStatus::from({.name = "x", .total = 9, .availableForImportantUsage = 7, .available = 5})->free, 7);
+  EXPECT_EQ(
+      VolumeStatus::from({.name = "x", .total = 9, .availableForImportantUsage = 7, .available = 5})->free,
+      7);
 }
 
 TEST(VolumeStatus, neverUsesLessThanNothing) {
@@ -70,8 +74,9 @@ TEST(UserFolders, followTheEnvironmentWhereItNamesAbsolutePaths) {
     setenv("XDG_DATA_HOME", "relative", 1);
     setenv("XDG_CONFIG_HOME", "/elsewhere/config", 1);
     unsetenv("XDG_CACHE_HOME");
-    const bool named = UserFolders::home() == "/home/ann" && UserFolders::data() == "/home/ann/.local/share" &&
-                       UserFolders::config() == "/elsewhere/config" && UserFolders::cache() == "/home/ann/.cache";
+    const bool named =
+        UserFolders::home() == "/home/ann" && UserFolders::data() == "/home/ann/.local/share" &&
+        UserFolders::config() == "/elsewhere/config" && UserFolders::cache() == "/home/ann/.cache";
     unsetenv("HOME");
     return named && UserFolders::home().starts_with('/');
   }));
