@@ -353,6 +353,10 @@ class ReadAheadListing::Folder final : public OpenFolder {
   bool atEnd_;
 };
 
+unsigned ReadAheadListing::defaultThreads() {
+  return std::clamp(2 * std::thread::hardware_concurrency(), 4U, 16U);
+}
+
 ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads)
     : inner_(inner),
       threads_(threads) {}

@@ -14,11 +14,11 @@ namespace spacemint {
 /// one thread; `inner` must outlive it.
 class ReadAheadListing final : public FolderListing {
  public:
-  /// As many requests at once as keep a solid-state disk busy; more than the processors, because a helper
-  /// mostly waits for the disk.
-  static constexpr unsigned defaultThreads = 8;
+  /// Two for each processor, four at least: one works while another waits for the disk. More of them keep a
+  /// solid-state disk busier, and cost more than that gains once everything is in the cache.
+  static unsigned defaultThreads();
 
-  explicit ReadAheadListing(FolderListing& inner, unsigned threads = defaultThreads);
+  explicit ReadAheadListing(FolderListing& inner, unsigned threads = defaultThreads());
 
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override;
 
