@@ -459,8 +459,8 @@ TEST(SnapshotCodec, givesUpEarlyOnADocumentThatOnlyOpens) {
       {R"({"root":{"children":[)", "[", Fault::wrongType},
   };
   constexpr std::size_t size = 20'000'000;
-#ifdef __SANITIZE_THREAD__
-  constexpr long kilobytes = 200'000;  // with notes of its own on every byte that is read
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+  constexpr long kilobytes = 200'000;  // with what the sanitizers note of every byte and freed block
 #else
   constexpr long kilobytes = 10'000;
 #endif
