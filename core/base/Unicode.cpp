@@ -84,6 +84,13 @@ bool canonicallyEqual(std::string_view a, std::string_view b) {
   return mayBeEquivalent(a, b) && decomposed(a) == decomposed(b);
 }
 
+std::string canonicalForm(std::string_view text) {
+  if (isAscii(text) || !isValidUtf8(text)) return std::string{text};
+  std::string form;
+  decomposed(text).toUTF8String(form);
+  return form;
+}
+
 std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix) {
   if (text.starts_with(prefix)) return prefix.size();
   if (!mayBeEquivalent(text, prefix)) return std::nullopt;
