@@ -98,7 +98,8 @@ CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
 
 void addSince(CLI::App* command, SectionOptions& options) {
   command
-      ->add_option("--since", options.since, "Compare with this scan, not with the one nearest to a day earlier")
+      ->add_option("--since", options.since,
+                   "Compare with this scan, not with the one nearest to a day earlier")
       ->type_name("DATE");
 }
 
@@ -116,15 +117,15 @@ void addSections(CLI::App& app, Action& action) {
           ->type_name("BYTES")
           ->default_str(std::to_string(*section.minimum));
     }
-    command->callback([&action, &section, &own] {
-      action = [&section, &own] { return runSection(section, own); };
-    });
+    command->callback(
+        [&action, &section, &own] { action = [&section, &own] { return runSection(section, own); }; });
   }
 }
 
 void addReport(CLI::App& app, Action& action) {
   static SectionOptions options;
-  CLI::App* report = app.add_subcommand("report", "Say on one page what grew, what is big, and what can be freed");
+  CLI::App* report =
+      app.add_subcommand("report", "Say on one page what grew, what is big, and what can be freed");
   addSectionOptions(report, options);
   addSince(report, options);
   report->callback([&] { action = [] { return runReport(options); }; });
