@@ -92,6 +92,16 @@ std::optional<CleanupFailure> Cleanup::deleteContents(const DeleteContents& argu
   return removeEntries(arguments, **folder);
 }
 
+Cleanup::WorktreeRemoval Cleanup::worktreeRemoval(const GitWorktree& worktree,
+                                                  std::optional<int> uncommittedChanges) {
+  if (!worktree.repositoryPath || worktree.isOrphaned) return DeleteFolder{worktree.path};
+  std::vector<std::string> arguments(safeGitOptions.begin(), safeGitOptions.end());
+  arguments.insert(arguments.end(), {"-C", *worktree.repositoryPath, "worktree", "remove"});
+  if (uncommittedChanges.value_or(0) >= 1) arguments.emplace_back("--force");
+  arguments.push_back(worktree.path);
+  return RunGit{std::move(arguments)};
+}
+
 bool Cleanup::isPermissionError(const Error& error) {
   for (const Error* at = &error; at != nullptr; at = at->underlying.get()) {
     if (at->domain == fileManagerErrorDomain &&

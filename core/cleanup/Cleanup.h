@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/analysis/GitWorktrees.h"
 #include "core/cleanup/CleanupFailure.h"
 #include "core/cleanup/DeletionGuard.h"
 #include "core/host/Removal.h"
@@ -8,6 +9,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
+#include <vector>
 
 namespace spacemint {
 
@@ -45,6 +48,22 @@ struct DeleteContents {
 /// Removes every entry of a folder, in listing order, and stops at the first that is refused or fails. Links
 /// among them are removed as links.
 std::optional<CleanupFailure> deleteContents(const DeleteContents& arguments);
+
+/// How a git worktree is to be removed.
+struct RunGit {
+  std::vector<std::string> arguments;
+  bool operator==(const RunGit&) const = default;
+};
+struct DeleteFolder {
+  std::string path;
+  bool operator==(const DeleteFolder&) const = default;
+};
+using WorktreeRemoval = std::variant<RunGit, DeleteFolder>;
+
+/// Git removes the worktrees that it knows: by force only where `uncommittedChanges` were counted and there
+/// are some, so that where they could not be counted git itself refuses to lose any. The folder of an orphan
+/// is deleted.
+WorktreeRemoval worktreeRemoval(const GitWorktree& worktree, std::optional<int> uncommittedChanges);
 
 /// Whether the error, or one that it rests on, says that the right to do it is missing.
 bool isPermissionError(const Error& error);

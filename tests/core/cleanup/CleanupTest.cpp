@@ -144,6 +144,27 @@ TEST(CleanupContents, asksTheGuardAboutEveryEntry) {
   EXPECT_EQ(Cleanup::deleteContents({"", ann, removal}), CleanupFailure::refused("not an absolute path"));
 }
 
+TEST(CleanupWorktree, isLeftToGitWhereGitKnowsIt) {
+  using Words = std::vector<std::string>;
+  const Words start{
+      "-c",    "core.fsmonitor=false", "-c", "core.hooksPath=/dev/null", "-C", "/code/app", "worktree",
+      "remove"};
+  const auto git = [&](const Words& end) {
+    Words words = start;
+    words.insert(words.end(), end.begin(), end.end());
+    return Cleanup::WorktreeRemoval{Cleanup::RunGit{words}};
+  };
+  const Cleanup::WorktreeRemoval folder = Cleanup::DeleteFolder{"/code/fix"};
+  const GitWorktree known{.path = "/code/fix", .repositoryPath = "/code/app"};
+  GitWorktree orphan = known;
+  orphan.isOrphaned = true;
+  EXPECT_EQ(Cleanup::worktreeRemoval(known, 3), git({"--force", "/code/fix"}));
+  EXPECT_EQ(Cleanup::worktreeRemoval(known, 0), git({"/code/fix"}));
+  EXPECT_EQ(Cleanup::worktreeRemoval(known, std::nullopt), git({"/code/fix"}));
+  EXPECT_EQ(Cleanup::worktreeRemoval(orphan, 3), folder);
+  EXPECT_EQ(Cleanup::worktreeRemoval({.path = "/code/fix"}, 3), folder);
+}
+
 class RealCleanup : public testing::Test {
  protected:
   RealCleanup() {
