@@ -1,5 +1,6 @@
 #include "core/host/FolderListing.h"
 #include "core/host/linux/FileHandle.h"
+#include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/MountTable.h"
 
 #include <dirent.h>
@@ -7,11 +8,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/sysmacros.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 
 namespace spacemint {
 
@@ -29,22 +28,6 @@ constexpr std::uint64_t largestBlockCount = std::uint64_t{1} << 50U;
 FileHandle openFolder(int parent, const char* name, int flags) {
   FileHandle opened{openat(parent, name, flags | O_NOATIME)};
   return opened || errno != EPERM ? std::move(opened) : FileHandle{openat(parent, name, flags)};
-}
-
-// The mount that an open folder is on, told by its handle alone.
-struct Mounted {
-  std::uint64_t device = 0;
-  std::uint64_t mountId = 0;
-
-  bool operator==(const Mounted&) const = default;
-};
-
-std::expected<Mounted, int> mountedOn(const FileHandle& folder) {
-  struct statx status {};
-  if (statx(folder.get(), "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_TYPE | STATX_MNT_ID, &status) != 0) {
-    return std::unexpected(errno);
-  }
-  return Mounted{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_mnt_id};
 }
 
 EntryType typeOf(const struct statx& status) {
@@ -84,10 +67,10 @@ class LinuxFolder final : public OpenFolder {
     if (mounts != nullptr && mounts->isMountPoint) return std::unexpected(EXDEV);
     FileHandle opened = openFolder(handle_.get(), name.c_str(), openFlags | O_NOFOLLOW);
     if (!opened) return std::unexpected(errno);
-    const auto mounted = mountedOn(opened);
-    if (!mounted) return std::unexpected(mounted.error());
+    const auto facts = factsOf(opened);
+    if (!facts) return std::unexpected(facts.error());
     // A volume that appeared since the table was read, or a subvolume, which has a device of its own.
-    if (*mounted != root_->mounted) return std::unexpected(EXDEV);
+    if (facts->mounted != root_->mounted) return std::unexpected(EXDEV);
     return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts);
   }
 
@@ -141,25 +124,15 @@ class LinuxFolder final : public OpenFolder {
   const MountTree* mounts_;
 };
 
-// The absolute path of an open folder without links, as the table of mounts spells it; empty where it cannot
-// be told.
-std::string realPathOf(const FileHandle& folder) {
-  const std::string link = "/proc/self/fd/" + std::to_string(folder.get());
-  std::string path(PATH_MAX, '\0');
-  const ssize_t length = readlink(link.c_str(), path.data(), path.size());
-  path.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-  return path;
-}
-
 class LinuxFolderListing final : public FolderListing {
  public:
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& path) override {
     FileHandle handle = openFolder(AT_FDCWD, path.c_str(), openFlags);
     if (!handle) return std::unexpected(systemError(path, errno));
-    const auto mounted = mountedOn(handle);
-    if (!mounted) return std::unexpected(systemError(path, mounted.error()));
+    const auto facts = factsOf(handle);
+    if (!facts) return std::unexpected(systemError(path, facts.error()));
     const std::string realPath = realPathOf(handle);
-    auto root = std::make_shared<Root>(Root{.mounted = *mounted});
+    auto root = std::make_shared<Root>(Root{.mounted = facts->mounted});
     if (!realPath.empty()) root->mounts = mountsBelow(realPath, currentMounts());
     const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
     return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts);

@@ -35,7 +35,8 @@ TEST(RelativeTime, speaksInTheLargestUnitThatHasPassed) {
 }
 
 TEST(FindingText, saysHowTheFreeSpaceChanged) {
-  EXPECT_EQ(FindingText::freeChange(34 * GB, 32 * GB, "en_US"), "Free space dropped by 2 GB, from 34 GB to 32 GB");
+  EXPECT_EQ(FindingText::freeChange(34 * GB, 32 * GB, "en_US"),
+            "Free space dropped by 2 GB, from 34 GB to 32 GB");
   EXPECT_EQ(FindingText::freeChange(GB, GB, "en_US"), "Free space grew by 0 bytes, from 1 GB to 1 GB");
 }
 
@@ -52,7 +53,8 @@ TEST(FindingText, warnsFromBelowTheThresholdAndItsHalf) {
 
 TEST(FindingText, saysWhenMostOfTheTrashIsHidden) {
   const auto line = [](Bytes hidden) {
-    return FindingText::trashLine({.path = "/t", .size = 10 * GB, .hiddenItems = {{"/t/.x", hidden}}}, "en_US");
+    return FindingText::trashLine({.path = "/t", .size = 10 * GB, .hiddenItems = {{"/t/.x", hidden}}},
+                                  "en_US");
   };
   EXPECT_EQ(line(5 * GB), "Most of it is hidden (5 GB), so Finder shows the Trash as empty.");
   EXPECT_EQ(line(5 * GB - 1), "It takes space until you empty it.");
@@ -63,11 +65,13 @@ TEST(FindingText, tellsTheAgeOfBackupsAndWorktreesWhereItIsKnown) {
   const Date before = now - std::chrono::days{100};
   EXPECT_EQ(FindingText::oldBackupLine({.path = "/b", .name = "P", .lastBackup = before}, now, "en_US"),
             "Last backed up 3 months ago. Newer backups aren't affected.");
-  EXPECT_EQ(FindingText::oldBackupLine({.path = "/b", .name = "P"}, now, "en_US"), "Newer backups aren't affected.");
+  EXPECT_EQ(FindingText::oldBackupLine({.path = "/b", .name = "P"}, now, "en_US"),
+            "Newer backups aren't affected.");
   EXPECT_EQ(FindingText::oldBackupTitle({.path = "/b", .name = "P", .size = 3 * GB}, "en_US"),
             "3 GB in an old backup of P");
   EXPECT_EQ(FindingText::worktreeLine({.path = "/w", .lastUsed = before}, now, "en_US"), "used 3 months ago");
-  EXPECT_EQ(FindingText::worktreeLine({.path = "/w", .isOrphaned = true}, now, "en_US"), "Repository is gone");
+  EXPECT_EQ(FindingText::worktreeLine({.path = "/w", .isOrphaned = true}, now, "en_US"),
+            "Repository is gone");
   EXPECT_EQ(FindingText::worktreeLine({.path = "/w"}, now, "en_US"), "");
 }
 
