@@ -89,9 +89,8 @@ std::expected<Findings, Error> largestFileFindings(const Scene& scene) {
   const auto files = scene.snapshot.largestFiles(scene.top);
   Json list = Json::array();
   for (const FileItem& file : files) list.push_back(jsonOf(file));
-  return Findings{.text = fileTable(files, scene.wording),
-                  .json = std::move(list),
-                  .isWorthReporting = !files.empty()};
+  return Findings{
+      .text = fileTable(files, scene.wording), .json = std::move(list), .isWorthReporting = !files.empty()};
 }
 
 int runFiles(const BrowseOptions& options) {

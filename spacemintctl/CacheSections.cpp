@@ -20,7 +20,8 @@ Json jsonOf(const DevTools::FoundCleanup& found) {
 }
 
 Json jsonOf(const DevTools::HuggingFaceItem& item) {
-  return {{"repo", jsonText(item.repo)}, {"kind", item.kind}, {"path", jsonText(item.path)}, {"size", item.size}};
+  return {
+      {"repo", jsonText(item.repo)}, {"kind", item.kind}, {"path", jsonText(item.path)}, {"size", item.size}};
 }
 
 }  // namespace
@@ -29,9 +30,9 @@ std::expected<Findings, Error> cacheFindings(const Scene& scene) {
   Table table{1};
   Json list = Json::array();
   for (const auto& each : DevTools::cleanups({.in = scene.snapshot,
-                                              .home = scene.wording.home,
-                                              .minimum = scene.minimum,
-                                              .environment = scene.environment})) {
+                          .home = scene.wording.home,
+                          .minimum = scene.minimum,
+                          .environment = scene.environment})) {
     list.push_back(jsonOf(each));
     table.add({shownSize(each.size, scene), std::string{each.target->title}, shownPath(each.path, scene),
                each.target->commandLine().value_or("delete its contents")});

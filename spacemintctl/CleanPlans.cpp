@@ -97,8 +97,8 @@ std::expected<std::vector<DevTools::FoundCleanup>, Error> chosenCaches(const std
 std::string absolutePath(const std::string& path) {
   if (path.empty() || path.starts_with('/')) return path;
   std::error_code failure;
-  const std::string folder = std::filesystem::current_path(failure).string();
-  return failure ? path : Paths::join(folder, path);
+  const auto folder = std::filesystem::current_path(failure);
+  return failure ? path : (folder / path).lexically_normal().string();
 }
 
 std::expected<CleanPlan, Error> planPath(const std::string& path, const CleanContext& context) {

@@ -22,7 +22,7 @@ struct CleanContext {
   const Wording& wording;
 };
 
-/// A path of the command line as an absolute one; nothing else about it is changed.
+/// A relative path of the command line as an absolute one without ".."; an absolute one as it is.
 std::string absolutePath(const std::string& path);
 
 /// Deletes one file or folder of the home folder.

@@ -35,9 +35,9 @@ Baseline namedBaseline(const Scene& scene) {
   auto named = storedScan(SnapshotStore::standard(), scene.since);
   if (!named) return std::unexpected(std::move(named).error());
   if (isOfTheSameFolder(*named, scene.snapshot)) return std::move(*named);
-  return std::unexpected(Error{.domain = "history",
-                               .message = "the scan of \"" + scene.since + "\" is one of another folder, " +
-                                          named->rootPath()});
+  return std::unexpected(
+      Error{.domain = "history",
+            .message = "the scan of \"" + scene.since + "\" is one of another folder, " + named->rootPath()});
 }
 
 Json jsonOf(const Growth& growth) {
@@ -79,8 +79,8 @@ std::expected<Findings, Error> growthFindings(const Scene& scene) {
     return Findings{.text = std::string{FindingText::nothingToCompare} + '\n',
                     .json = {{"from", nullptr}, {"to", jsonOf(scene.snapshot)}, {"growth", Json::array()}}};
   }
-  const auto grown = Changes::growth(
-      {.from = *earlier, .to = scene.snapshot, .minimum = scene.minimum, .limit = scene.top});
+  const auto grown =
+      Changes::growth({.from = *earlier, .to = scene.snapshot, .minimum = scene.minimum, .limit = scene.top});
   Json list = Json::array();
   for (const Growth& each : grown) list.push_back(jsonOf(each));
   return Findings{

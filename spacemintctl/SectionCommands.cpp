@@ -74,7 +74,8 @@ void addHead(Findings& report, const Scene& scene) {
   const std::int64_t thresholdGB = warningThreshold();
   if (volume) {
     report.text += volumeText(*volume, thresholdGB, scene);
-    report.json["volume"] = {{"name", jsonText(volume->name)}, {"total", volume->total}, {"free", volume->free}};
+    report.json["volume"] = {
+        {"name", jsonText(volume->name)}, {"total", volume->total}, {"free", volume->free}};
     report.json["level"] = name(spaceLevel(volume->free, thresholdGB));
   }
   report.text += scanText(scene);

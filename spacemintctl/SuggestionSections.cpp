@@ -56,8 +56,8 @@ std::expected<Findings, Error> trashFindings(const Scene& scene) {
         .text = "The Trash is empty, or too small to count.\n", .json = nullptr, .isWorthReporting = false};
   }
   const std::string& locale = scene.wording.locale;
-  return Findings{.text = FindingText::trashTitle(*trash, locale) + ": " + shownPath(trash->path, scene) + '\n' +
-                          FindingText::trashLine(*trash, locale) + '\n',
+  return Findings{.text = FindingText::trashTitle(*trash, locale) + ": " + shownPath(trash->path, scene) +
+                          '\n' + FindingText::trashLine(*trash, locale) + '\n',
                   .json = {{"path", jsonText(trash->path)},
                            {"size", trash->size},
                            {"hiddenSize", trash->hiddenSize()},

@@ -47,10 +47,10 @@ std::expected<Findings, Error> worktreeFindings(const Scene& scene) {
                shownPath(each.path, scene)});
   }
   addRest(table, worktrees.size(), scene.top);
-  return Findings{
-      .text = table.empty() ? "No worktrees of " + shownSize(scene.minimum, scene) + " or more.\n" : table.text(),
-      .json = std::move(list),
-      .isWorthReporting = !table.empty()};
+  return Findings{.text = table.empty() ? "No worktrees of " + shownSize(scene.minimum, scene) + " or more.\n"
+                                        : table.text(),
+                  .json = std::move(list),
+                  .isWorthReporting = !table.empty()};
 }
 
 }  // namespace spacemint::ctl

@@ -10,8 +10,8 @@ std::vector<DevTools::FoundCleanup> DevTools::cleanups(const CleanupsArguments& 
   std::vector<FoundCleanup> found;
   for (const CleanupTarget& target : cleanups()) {
     const auto places = finder.find(target.place);
-    const auto largest =
-        std::ranges::max_element(places, {}, [](const PlaceFinder::Found& place) { return place.node->size; });
+    const auto largest = std::ranges::max_element(
+        places, {}, [](const PlaceFinder::Found& place) { return place.node->size; });
     if (largest == places.end() || largest->node->size < arguments.minimum) continue;
     found.push_back({&target, largest->path, largest->node->size});
   }

@@ -10,6 +10,12 @@ namespace spacemint {
 
 namespace {
 
+constexpr const char* deviceNameKey = "Device Name";
+constexpr const char* displayNameKey = "Display Name";
+constexpr const char* productKey = "Product Name";
+constexpr const char* lastBackupKey = "Last Backup Date";
+constexpr const char* keys[] = {deviceNameKey, displayNameKey, productKey, lastBackupKey};
+
 template <class Value>
 std::optional<Value> entry(const PropertyDictionary& info, const std::string& key) {
   const auto found = info.find(key);
@@ -18,7 +24,7 @@ std::optional<Value> entry(const PropertyDictionary& info, const std::string& ke
 }
 
 std::string deviceName(const PropertyDictionary& info) {
-  for (const char* key : {"Device Name", "Display Name"}) {
+  for (const char* key : {deviceNameKey, displayNameKey}) {
     if (auto name = entry<std::string>(info, key)) return std::move(*name);
   }
   return "Unknown device";
@@ -32,7 +38,7 @@ bool DeviceBackup::isOld(Date now, double after) const {
 
 std::optional<PropertyDictionary> DeviceBackups::readInfo(const std::string& folder) {
   const auto document = readFile(Paths::join(folder, "Info.plist"), infoLimit);
-  return document ? parsePropertyList(*document) : std::nullopt;
+  return document ? parsePropertyList(*document, keys) : std::nullopt;
 }
 
 std::vector<DeviceBackup> DeviceBackups::find(const FindArguments& arguments) {
@@ -45,8 +51,8 @@ std::vector<DeviceBackup> DeviceBackups::find(const FindArguments& arguments) {
     const PropertyDictionary info = arguments.readInfo(path).value_or(PropertyDictionary{});
     backups.push_back({.path = std::move(path),
                        .name = deviceName(info),
-                       .model = entry<std::string>(info, "Product Name"),
-                       .lastBackup = entry<Date>(info, "Last Backup Date"),
+                       .model = entry<std::string>(info, productKey),
+                       .lastBackup = entry<Date>(info, lastBackupKey),
                        .size = child.size});
   }
   std::ranges::stable_sort(backups, std::greater{}, &DeviceBackup::size);

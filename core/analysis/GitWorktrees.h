@@ -49,7 +49,8 @@ struct FindArguments {
       GitWorktrees::inspect;
 };
 
-/// The worktrees of at least `minimum` bytes, largest first. Those inside another worktree are not looked for.
+/// The worktrees of at least `minimum` bytes, largest first. Those inside another worktree are not looked
+/// for.
 std::vector<GitWorktree> find(const FindArguments& arguments);
 
 /// The administrative folder that the text of a file ".git" names, for the worktree at `relativeTo`.

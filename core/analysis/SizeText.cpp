@@ -14,8 +14,9 @@ struct Unit {
   std::string_view name;
   double bytes;
 };
-constexpr Unit units[] = {{"", 1},     {"B", 1},       {"KB", 1e3},        {"MB", 1e6},           {"GB", 1e9},
-                          {"TB", 1e12}, {"KIB", 1'024}, {"MIB", 1'048'576}, {"GIB", 1'073'741'824}};
+constexpr Unit units[] = {{"", 1},        {"B", 1},           {"KB", 1e3},
+                          {"MB", 1e6},    {"GB", 1e9},        {"TB", 1e12},
+                          {"KIB", 1'024}, {"MIB", 1'048'576}, {"GIB", 1'073'741'824}};
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';

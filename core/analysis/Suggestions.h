@@ -57,8 +57,8 @@ struct FindArguments {
   Environment environment = {};
 };
 
-/// What takes at least `minimum` bytes, all locations of a suggestion together: well-known places, and project
-/// folders anywhere in the tree. Largest first.
+/// What takes at least `minimum` bytes, all locations of a suggestion together: well-known places, and
+/// project folders anywhere in the tree. Largest first.
 std::vector<Suggestion> find(const FindArguments& arguments);
 
 struct TrashArguments {

@@ -15,9 +15,12 @@ struct Unit {
   URelativeDateTimeUnit unit;
   double seconds;
 };
-constexpr Unit units[] = {{UDAT_REL_UNIT_YEAR, 365 * 86'400.0}, {UDAT_REL_UNIT_MONTH, 30 * 86'400.0},
-                          {UDAT_REL_UNIT_WEEK, 7 * 86'400.0},   {UDAT_REL_UNIT_DAY, 86'400},
-                          {UDAT_REL_UNIT_HOUR, 3'600},          {UDAT_REL_UNIT_MINUTE, 60},
+constexpr Unit units[] = {{UDAT_REL_UNIT_YEAR, 365 * 86'400.0},
+                          {UDAT_REL_UNIT_MONTH, 30 * 86'400.0},
+                          {UDAT_REL_UNIT_WEEK, 7 * 86'400.0},
+                          {UDAT_REL_UNIT_DAY, 86'400},
+                          {UDAT_REL_UNIT_HOUR, 3'600},
+                          {UDAT_REL_UNIT_MINUTE, 60},
                           {UDAT_REL_UNIT_SECOND, 1}};
 
 }  // namespace
@@ -46,7 +49,8 @@ std::string RelativeTime::span(std::chrono::seconds length) {
   const auto hours = std::chrono::duration_cast<std::chrono::hours>(length).count();
   if (hours < 2) return "the last hour";
   if (hours < 48) return "the last " + std::to_string(hours) + " hours";
-  return "the last " + std::to_string(std::chrono::duration_cast<std::chrono::days>(length).count()) + " days";
+  return "the last " + std::to_string(std::chrono::duration_cast<std::chrono::days>(length).count()) +
+         " days";
 }
 
 }  // namespace spacemint

@@ -39,7 +39,9 @@ std::optional<std::string> ownFolder(std::string_view value, std::string_view ho
 }  // namespace
 
 PlaceFinder::PlaceFinder(const Snapshot& snapshot, std::string_view home, Environment environment)
-    : snapshot_(snapshot), home_(home), environment_(std::move(environment)) {}
+    : snapshot_(snapshot),
+      home_(home),
+      environment_(std::move(environment)) {}
 
 std::vector<PlaceFinder::Found> PlaceFinder::find(const Place& place) const {
   std::vector<std::string> paths = movedTo(place.movedBy);
@@ -69,9 +71,9 @@ std::vector<std::string> PlaceFinder::movedTo(std::string_view movedBy) const {
   if (!environment_ || movedBy.empty()) return {};
   const std::size_t nameLength = std::min(movedBy.find('/'), movedBy.size());
   const std::string_view inside = movedBy.substr(std::min(nameLength + 1, movedBy.size()));
-  const auto value = environment_(std::string{movedBy.substr(0, nameLength)});
+  const std::string value = environment_(std::string{movedBy.substr(0, nameLength)}).value_or("");
   std::vector<std::string> paths;
-  for (const std::string_view piece : splitAt(':', value.value_or(""))) {
+  for (const std::string_view piece : splitAt(':', value)) {
     // A folder in which the place is one of several may be anything; the place itself must be one of its own.
     const std::string path = inside.empty() ? std::string{piece} : Paths::join(piece, inside);
     if (auto folder = ownFolder(path, home_)) paths.push_back(std::move(*folder));

@@ -22,8 +22,10 @@ std::string FindingText::noCaches(Bytes minimum, const std::string& locale) {
 
 std::string FindingText::warning(SpaceLevel level, std::int64_t thresholdGB) {
   switch (level) {
-    case SpaceLevel::ok: return "";
-    case SpaceLevel::critical: return "Your disk is almost full. Free up space soon.";
+    case SpaceLevel::ok:
+      return "";
+    case SpaceLevel::critical:
+      return "Your disk is almost full. Free up space soon.";
     case SpaceLevel::low:
       return "You're below your " + std::to_string(thresholdGB) +
              " GB warning level. Here's where the space went.";
@@ -38,7 +40,8 @@ std::string FindingText::trashTitle(const Suggestions::TrashInfo& trash, const s
 std::string FindingText::trashLine(const Suggestions::TrashInfo& trash, const std::string& locale) {
   const Bytes hidden = trash.hiddenSize();
   if (hidden < trash.size - hidden) return "It takes space until you empty it.";
-  return "Most of it is hidden (" + ByteFormat::string(hidden, locale) + "), so Finder shows the Trash as empty.";
+  return "Most of it is hidden (" + ByteFormat::string(hidden, locale) +
+         "), so Finder shows the Trash as empty.";
 }
 
 std::string FindingText::oldBackupTitle(const DeviceBackup& backup, const std::string& locale) {
