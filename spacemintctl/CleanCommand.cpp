@@ -43,13 +43,8 @@ std::expected<CleanPlan, Error> makePlan(CleanKind kind, const CleanOptions& opt
 
 Failure runTool(const CleanStep& step, const Shell& shell) {
   const auto output = shell.run({step.program, step.arguments, toolTimeout}).get();
-  if (!output) return toolFailure({.tool = step.program});
-  return toolFailure({.tool = step.program,
-                      .started = true,
-                      .timedOut = output->timedOut,
-                      .status = output->status,
-                      .output = output->output,
-                      .error = output->error});
+  if (!output) return toolFailure(step.program, std::nullopt);
+  return toolFailure(step.program, {{output->status, output->output, output->error, output->timedOut}});
 }
 
 Failure carryOut(const CleanStep& step, const CleanContext& context) {

@@ -48,6 +48,8 @@ struct Section {
   const char* title;
   /// The smallest finding unless the user says otherwise; absent where size does not count.
   std::optional<Bytes> minimum;
+  /// False for what is asked of a tool and needs no scan.
+  bool looksAtScan;
   std::expected<Findings, Error> (*find)(const Scene& scene);
 };
 
@@ -61,7 +63,9 @@ std::expected<Findings, Error> backupFindings(const Scene& scene);
 std::expected<Findings, Error> largestFolderFindings(const Scene& scene);
 std::expected<Findings, Error> largestFileFindings(const Scene& scene);
 std::expected<Findings, Error> cacheFindings(const Scene& scene);
+std::expected<Findings, Error> ollamaFindings(const Scene& scene);
 std::expected<Findings, Error> huggingFaceFindings(const Scene& scene);
+std::expected<Findings, Error> dockerFindings(const Scene& scene);
 std::expected<Findings, Error> worktreeFindings(const Scene& scene);
 
 // Words that the sections share.

@@ -20,8 +20,10 @@ Date now() {
   return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
 }
 
-std::expected<Scene, Error> sceneFor(const SectionOptions& options) {
-  auto snapshot = storedScan(SnapshotStore::standard(), options.scan);
+// Without a scan where none is looked at.
+std::expected<Scene, Error> sceneFor(const SectionOptions& options, bool looksAtScan) {
+  std::expected<Snapshot, Error> snapshot;
+  if (looksAtScan) snapshot = storedScan(SnapshotStore::standard(), options.scan);
   if (!snapshot) return std::unexpected(std::move(snapshot).error());
   return Scene{.snapshot = std::move(*snapshot),
                .wording = {.home = UserFolders::home(), .locale = userLocale()},
@@ -88,7 +90,7 @@ void addHead(Findings& report, const Scene& scene) {
 }  // namespace
 
 int runSection(const Section& section, const SectionOptions& options) {
-  auto scene = sceneFor(options);
+  auto scene = sceneFor(options, section.looksAtScan);
   if (!scene) return fail(scene.error());
   const auto findings = findingsOf(section, *scene, options);
   if (!findings) return fail(findings.error());
@@ -96,7 +98,7 @@ int runSection(const Section& section, const SectionOptions& options) {
 }
 
 int runReport(const SectionOptions& options) {
-  auto scene = sceneFor(options);
+  auto scene = sceneFor(options, true);
   if (!scene) return fail(scene.error());
   Findings report{.text = "", .json = Json::object()};
   addHead(report, *scene);

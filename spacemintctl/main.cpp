@@ -61,15 +61,22 @@ void addHistory(CLI::App& app, Action& action) {
   history->callback([&] { action = [] { return runHistory(json); }; });
 }
 
-CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
-  CLI::App* command = app.add_subcommand(name, description);
-  command
-      ->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
+void addScanDate(CLI::App* command, std::string& date) {
+  command->add_option("--scan", date, "Another scan than the newest: how its date in the history begins")
       ->type_name("DATE");
-  command->add_option("--top", options.top, "How many to name")
+}
+
+void addTop(CLI::App* command, std::size_t& top) {
+  command->add_option("--top", top, "How many to name")
       ->check(wholeNumber)
       ->type_name("N")
       ->capture_default_str();
+}
+
+CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
+  CLI::App* command = app.add_subcommand(name, description);
+  addScanDate(command, options.scan);
+  addTop(command, options.top);
   command->add_flag("--json", options.json, "Print JSON");
   return command;
 }
@@ -86,13 +93,8 @@ void addFilesAndFolders(CLI::App& app, Action& action) {
 }
 
 CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
-  command
-      ->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
-      ->type_name("DATE");
-  command->add_option("--top", options.top, "How many to name")
-      ->check(wholeNumber)
-      ->type_name("N")
-      ->capture_default_str();
+  addScanDate(command, options.scan);
+  addTop(command, options.top);
   command->add_flag("--json", options.json, "Print JSON");
   return command;
 }

@@ -9,8 +9,9 @@ namespace spacemint {
 namespace {
 
 // The document: an eight byte mark, objects, a table of their offsets, and a trailer of 32 bytes. An object
-// begins with a byte whose upper half is its type and whose lower half is its length; 15 means that the length
-// follows as an integer object. Arrays and sets hold references to objects, dictionaries twice as many.
+// begins with a byte whose upper half is its type and whose lower half is its length; 15 means that the
+// length follows as an integer object. Arrays and sets hold references to objects, dictionaries twice as
+// many.
 class Layout {
  public:
   static std::optional<Layout> of(std::string_view document) {

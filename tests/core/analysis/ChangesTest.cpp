@@ -45,15 +45,15 @@ TEST(Changes, descendsWhileOneChildExplainsSixTenthsOfTheGrowth) {
 TEST(Changes, tellsWhatIsNewAndWhatGrew) {
   const Node before = folder("/", {folder("Users", {file("log", 100)}), file("gone", 5'000)});
   const Node after = folder("/", {folder("Users", {file("log", 9'000), file("new", 1'000)})});
-  EXPECT_THAT(growth(before, after),
-              ElementsAre(Growth{"/Users/log", 8'900, 9'000, false, false},
-                          Growth{"/Users/new", 1'000, 1'000, false, true}));
+  EXPECT_THAT(growth(before, after), ElementsAre(Growth{"/Users/log", 8'900, 9'000, false, false},
+                                                 Growth{"/Users/new", 1'000, 1'000, false, true}));
 }
 
 TEST(Changes, comparesNothingWhenTheRootsDifferOrTheWholeGrewByLess) {
   const Node small = folder("/home/ann", {});
   EXPECT_THAT(growth(folder("/home/bob", {}), folder("/home/ann", {file("f", 900)})), IsEmpty());
-  EXPECT_THAT(growth(folder("/home/ann", {file("gone", 850)}), folder("/home/ann", {file("f", 900)})), IsEmpty());
+  EXPECT_THAT(growth(folder("/home/ann", {file("gone", 850)}), folder("/home/ann", {file("f", 900)})),
+              IsEmpty());
   EXPECT_THAT(growth(small, folder("/home/ann", {file("f", 99)})), IsEmpty());
   EXPECT_EQ(growth(small, folder("/home/ann", {file("f", 100)})).size(), 1U);
   EXPECT_THAT(growth(small, folder("/home/ann", {file("f", 100)}), 100, 0), IsEmpty());
@@ -61,8 +61,8 @@ TEST(Changes, comparesNothingWhenTheRootsDifferOrTheWholeGrewByLess) {
 
 TEST(Changes, keepsTheOrderOfTheTreeAmongEqualGrowthAndCutsAfterSorting) {
   const Node before = folder("/h", {folder("a", {}), folder("b", {})});
-  const Node after = folder(
-      "/h", {folder("a", {file("1", 300)}), folder("b", {file("3", 300), file("4", 900)})});
+  const Node after =
+      folder("/h", {folder("a", {file("1", 300)}), folder("b", {file("3", 300), file("4", 900)})});
   const auto grown = growth(before, after, 100, 2);
   ASSERT_EQ(grown.size(), 2U);
   EXPECT_EQ(grown[0].path, "/h/b/4");
@@ -84,7 +84,8 @@ TEST(Changes, findsNamesThatAreSpeltDifferently) {
 class PlainRule {
  public:
   PlainRule(const Snapshot& from, const Snapshot& to, Bytes minimum)
-      : old_(from.flattened()), minimum_(minimum) {
+      : old_(from.flattened()),
+        minimum_(minimum) {
     const Bytes delta = to.root.size - oldSize(to.rootPath());
     if (delta >= minimum) visit(to.root, to.rootPath(), delta);
     std::ranges::stable_sort(found, std::greater{}, &Growth::delta);
@@ -123,9 +124,14 @@ class RandomTrees {
     for (int i = 0; i < 5; ++i) {
       const std::string childName{static_cast<char>('a' + i)};
       switch (below(depth > 0 ? 4 : 2)) {
-        case 0: break;
-        case 1: children.push_back(file(childName, below(2'000))); break;
-        default: children.push_back(folderOf(childName, depth - 1)); break;
+        case 0:
+          break;
+        case 1:
+          children.push_back(file(childName, below(2'000)));
+          break;
+        default:
+          children.push_back(folderOf(childName, depth - 1));
+          break;
       }
     }
     return folder(name, std::move(children), {.unlisted = below(300)});

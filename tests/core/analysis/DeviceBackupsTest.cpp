@@ -30,10 +30,12 @@ class DeviceBackupsTest : public testing::Test {
   std::string info() const { return backup() + "/Info.plist"; }
 
   Snapshot scan() const {
-    const Node backups = folder("Backup", {folder("00008110", {file("a", 5 * gigabyte)}),
-                                           folder("unreadable", {file("a", 12 * gigabyte)}), file("stray", 7)});
-    return {.root = folder(home.path(), {folder("Library", {folder("Application Support",
-                                                                   {folder("MobileSync", {backups})})})})};
+    const Node backups =
+        folder("Backup", {folder("00008110", {file("a", 5 * gigabyte)}),
+                          folder("unreadable", {file("a", 12 * gigabyte)}), file("stray", 7)});
+    return {.root = folder(
+                home.path(),
+                {folder("Library", {folder("Application Support", {folder("MobileSync", {backups})})})})};
   }
 
   support::TemporaryFolder home;
@@ -54,11 +56,13 @@ TEST_F(DeviceBackupsTest, areListedLargestFirstWithWhatTheySayOfThemselves) {
 
 TEST_F(DeviceBackupsTest, takeEachFactOnlyInItsOwnType) {
   const auto withInfo = [&](PropertyDictionary dictionary) {
-    return DeviceBackups::find({.in = scan(), .home = home.path(), .readInfo = [&](const std::string&) {
-                                  return std::optional{dictionary};
-                                }}).front();
+    return DeviceBackups::find({.in = scan(),
+                                .home = home.path(),
+                                .readInfo = [&](const std::string&) { return std::optional{dictionary}; }})
+        .front();
   };
-  const auto named = withInfo({{"Device Name", std::string{"Phone"}}, {"Display Name", std::string{"Other"}}});
+  const auto named =
+      withInfo({{"Device Name", std::string{"Phone"}}, {"Display Name", std::string{"Other"}}});
   EXPECT_EQ(named.name, "Phone");
   const auto odd = withInfo({{"Device Name", std::int64_t{7}},
                              {"Display Name", std::string{"Other"}},

@@ -34,8 +34,8 @@ class GitWorktreesTest : public testing::Test {
   }
 
   void git(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), {"git", "-c", "user.name=Ann", "-c", "user.email=ann@example.org", "-c",
-                                         "protocol.file.allow=always"});
+    arguments.insert(arguments.begin(), {"git", "-c", "user.name=Ann", "-c", "user.email=ann@example.org",
+                                         "-c", "protocol.file.allow=always"});
     const bool done = support::succeedsInChild([&] {
       setenv("GIT_CONFIG_GLOBAL", "/dev/null", 1);
       dup2(open("/dev/null", O_WRONLY), 2);
@@ -213,14 +213,16 @@ TEST(GitWorktrees, areLookedForFromTheMinimumUpAndNotInsideEachOther) {
     return node;
   };
   const Node inner = marked(folder("inner", {file("f", 300)}));
-  const Snapshot scan{.root = folder("/System/Volumes/Data",
-                                     {marked(folder("a", {file("f", 100)})), marked(folder("b", {file("f", 99), folder("in", {})})),
-                                      folder("c", {marked(folder("d", {inner}))})})};
+  const Snapshot scan{
+      .root = folder("/System/Volumes/Data", {marked(folder("a", {file("f", 100)})),
+                                              marked(folder("b", {file("f", 99), folder("in", {})})),
+                                              folder("c", {marked(folder("d", {inner}))})})};
   std::vector<std::string> asked;
-  const auto found = GitWorktrees::find({.in = scan, .minimum = 100, .inspect = [&](const std::string& path, Bytes size) {
-                                           asked.push_back(path);
-                                           return std::optional{GitWorktree{.path = path, .size = size}};
-                                         }});
+  const auto found =
+      GitWorktrees::find({.in = scan, .minimum = 100, .inspect = [&](const std::string& path, Bytes size) {
+                            asked.push_back(path);
+                            return std::optional{GitWorktree{.path = path, .size = size}};
+                          }});
   EXPECT_THAT(asked, ElementsAre("/c/d", "/a"));
   ASSERT_EQ(found.size(), 2U);
   EXPECT_EQ(found.front().size, 300);

@@ -1,6 +1,6 @@
-#include "core/analysis/DevTools.h"
 #include "core/analysis/Suggestions.h"
 
+#include "core/analysis/DevTools.h"
 #include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
@@ -27,7 +27,8 @@ std::vector<std::string> ids(const Snapshot& scan, Bytes minimum = 0) {
 TEST(Suggestions, keepWhatReachesTheMinimumAllLocationsTogether) {
   std::vector<Node> projects;
   for (int i = 0; i < 10; ++i) {
-    projects.push_back(folder("p" + std::to_string(i), {folder("node_modules", {file("f", (60 + i) * megabyte)})}));
+    projects.push_back(
+        folder("p" + std::to_string(i), {folder("node_modules", {file("f", (60 + i) * megabyte)})}));
   }
   const Snapshot scan{.root = folder("/home/ann", {folder("code", std::move(projects)),
                                                    folder("Downloads", {file("iso", 500 * megabyte)}),
@@ -39,14 +40,16 @@ TEST(Suggestions, keepWhatReachesTheMinimumAllLocationsTogether) {
   EXPECT_EQ(found[0].locations.size(), 10U);
   EXPECT_EQ(found[0].locations.front(),
             (Suggestion::Location{"/home/ann/code/p9/node_modules", 69 * megabyte}));
-  EXPECT_EQ(found[1].locations,
-            (std::vector{Suggestion::Location{"/home/ann/Downloads", 500 * megabyte}}));
+  EXPECT_EQ(found[1].locations, (std::vector{Suggestion::Location{"/home/ann/Downloads", 500 * megabyte}}));
 }
 
 TEST(Suggestions, countProjectFoldersOnceAndByTheirExactName) {
-  const Snapshot scan{.root = folder("/", {folder("srv", {folder("node_modules", {folder("a", {folder("node_modules", {file("x", 9)})})}),
-                                                          folder("venv", {file("x", 9)}), folder(".venv", {file("x", 7)}),
-                                                          folder("b", {file("node_modules", 9)})})})};
+  const Snapshot scan{
+      .root = folder(
+          "/",
+          {folder("srv", {folder("node_modules", {folder("a", {folder("node_modules", {file("x", 9)})})}),
+                          folder("venv", {file("x", 9)}), folder(".venv", {file("x", 7)}),
+                          folder("b", {file("node_modules", 9)})})})};
   const auto found = Suggestions::find({.in = scan, .home = "/home/ann"});
   ASSERT_EQ(found.size(), 2U);
   EXPECT_THAT(found[0].locations, ElementsAre(Suggestion::Location{"/srv/node_modules", 9}));
@@ -59,8 +62,10 @@ TEST(Suggestions, nameTheTrashOnceWhereverItIsAndKeepTheTablesOrderAmongEqualSiz
               ElementsAre("downloads", "npm", "trash"));
   EXPECT_THAT(ids({.root = folder("/home/ann", {xdgTrash, folder(".Trash", {}), folder("snap", {})})}),
               ElementsAre("trash", "snap-data"));
-  EXPECT_THAT(ids({.root = folder("/", {folder("var", {folder("lib", {folder("docker", {}), folder("containerd", {})})})})}),
-              ElementsAre("docker-system"));
+  EXPECT_THAT(
+      ids({.root = folder(
+               "/", {folder("var", {folder("lib", {folder("docker", {}), folder("containerd", {})})})})}),
+      ElementsAre("docker-system"));
 }
 
 TEST(Suggestions, sayWhatIsHiddenInTheTrash) {
@@ -75,10 +80,12 @@ TEST(Suggestions, sayWhatIsHiddenInTheTrash) {
   EXPECT_EQ(trash->hiddenSize(), 25);
 
   const Snapshot xdg{
-      .root = folder("/home/ann", {folder("data", {folder("Trash", {folder("files", items), file(".x", 9)})})})};
-  const auto moved = Suggestions::trash({.in = xdg, .home = "/home/ann", .environment = [](const std::string&) {
-                                           return std::optional<std::string>{"/home/ann/data"};
-                                         }});
+      .root =
+          folder("/home/ann", {folder("data", {folder("Trash", {folder("files", items), file(".x", 9)})})})};
+  const auto moved =
+      Suggestions::trash({.in = xdg, .home = "/home/ann", .environment = [](const std::string&) {
+                            return std::optional<std::string>{"/home/ann/data"};
+                          }});
   ASSERT_TRUE(moved);
   EXPECT_EQ(moved->path, "/home/ann/data/Trash");
   EXPECT_EQ(moved->size, 335);
@@ -88,13 +95,13 @@ TEST(Suggestions, sayWhatIsHiddenInTheTrash) {
 }
 
 TEST(DevTools, offerCachesFromTheMinimumUpLargestFirst) {
-  const Snapshot scan{.root = folder(
-      "/home/ann",
-      {folder(".npm", {folder("_cacache", {file("f", 50 * megabyte)})}),
-       folder(".cache", {folder("uv", {file("f", 50 * megabyte - 1)}), folder("yarn", {file("f", 60 * megabyte)}),
-                         folder("pip", {file("f", 50 * megabyte)})}),
-       folder("miniconda3", {folder("pkgs", {file("f", 70 * megabyte)})}),
-       folder(".conda", {folder("pkgs", {file("f", 51 * megabyte)})})})};
+  const Snapshot scan{
+      .root = folder("/home/ann", {folder(".npm", {folder("_cacache", {file("f", 50 * megabyte)})}),
+                                   folder(".cache", {folder("uv", {file("f", 50 * megabyte - 1)}),
+                                                     folder("yarn", {file("f", 60 * megabyte)}),
+                                                     folder("pip", {file("f", 50 * megabyte)})}),
+                                   folder("miniconda3", {folder("pkgs", {file("f", 70 * megabyte)})}),
+                                   folder(".conda", {folder("pkgs", {file("f", 51 * megabyte)})})})};
   std::vector<std::string> found;
   for (const auto& each : DevTools::cleanups({.in = scan, .home = "/home/ann", .minimum = 50 * megabyte})) {
     found.push_back(std::string{each.id()} + " " + each.path);

@@ -4,7 +4,6 @@
 #include "core/analysis/HuggingFace.h"
 #include "core/analysis/OllamaModels.h"
 #include "core/analysis/SizeText.h"
-
 #include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
@@ -49,7 +48,8 @@ TEST(SizeText, isReadWithDecimalAndBinaryUnits) {
 }
 
 TEST(DockerUsage, isReadLineByLine) {
-  const char* output = R"~({"Active":"3","Reclaimable":"1.1GB (26%)","Size":"4.2GB","TotalCount":"12","Type":"Images"}
+  const char* output =
+      R"~({"Active":"3","Reclaimable":"1.1GB (26%)","Size":"4.2GB","TotalCount":"12","Type":"Images"}
 
 not JSON
 [1]
@@ -64,10 +64,11 @@ not JSON
 }
 
 TEST(DockerUsage, tellsASilentServiceFromAnError) {
-  for (const char* text : {"Cannot connect to the Docker daemon at unix:///var/run/docker.sock. Is the docker "
-                           "daemon running?",
-                           "dial tcp 127.0.0.1:2375: connect: Connection Refused", "DAEMON IS NOT RUNNING",
-                           "error: No such file or directory (os error 2)"}) {
+  for (const char* text :
+       {"Cannot connect to the Docker daemon at unix:///var/run/docker.sock. Is the docker "
+        "daemon running?",
+        "dial tcp 127.0.0.1:2375: connect: Connection Refused", "DAEMON IS NOT RUNNING",
+        "error: No such file or directory (os error 2)"}) {
     EXPECT_TRUE(isConnectionError(text)) << text;
   }
   for (const char* text : {"", "permission denied while trying to reach the Docker daemon socket"}) {
@@ -111,9 +112,11 @@ TEST(HuggingFace, readsTheNamesOfTheHubsFolders) {
 }
 
 TEST(HuggingFace, listsRepositoriesAndOtherFoldersOfTheCache) {
-  const Node cache = folder("huggingface", {folder("hub", {folder("models--gpt2", {file("b", 50)}), folder(".locks", {file("b", 90)}),
-                                                           folder("odd", {file("b", 20)}), file("version.txt", 10)}),
-                                            folder("xet", {file("b", 30)}), file("token", 1)});
+  const Node cache =
+      folder("huggingface",
+             {folder("hub", {folder("models--gpt2", {file("b", 50)}), folder(".locks", {file("b", 90)}),
+                             folder("odd", {file("b", 20)}), file("version.txt", 10)}),
+              folder("xet", {file("b", 30)}), file("token", 1)});
   const Snapshot scan{.root = folder("/home/ann", {folder(".cache", {cache})})};
   const std::string at = "/home/ann/.cache/huggingface/";
   EXPECT_THAT(huggingFace({.in = scan, .home = "/home/ann"}),

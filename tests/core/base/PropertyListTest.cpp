@@ -28,7 +28,7 @@ constexpr const char* xml = R"(<?xml version="1.0" encoding="UTF-8"?>
 </dict></plist>)";
 
 std::optional<PropertyDictionary> parse(std::string_view document) {
-  constexpr const char* keys[] = {"Apps",           "Count", "Device Name", "Display Name", "Last Backup Date",
+  constexpr const char* keys[] = {"Apps",         "Count", "Device Name", "Display Name", "Last Backup Date",
                                   "Product Name", "Ratio", "Umlaut",      "Whole",        "Missing"};
   return parsePropertyList(document, keys);
 }
@@ -56,8 +56,9 @@ TEST(PropertyList, isReadInBothFormats) {
 }
 
 TEST(PropertyList, isRefusedWhenItIsNone) {
-  for (const char* text : {"", "plain text", "<plist><array></array></plist>", "<plist><string>x</string></plist>",
-                           "<plist><dict><key>a</key></plist>", "<plist>", "<?xml?>", "bplist00"}) {
+  for (const char* text :
+       {"", "plain text", "<plist><array></array></plist>", "<plist><string>x</string></plist>",
+        "<plist><dict><key>a</key></plist>", "<plist>", "<?xml?>", "bplist00"}) {
     EXPECT_EQ(parse(text), std::nullopt) << text;
   }
 }
@@ -90,7 +91,8 @@ TEST(PropertyList, isRefusedWhenItNestsTooDeep) {
   // Binary: a dictionary and arrays that each hold the next one. Offsets and references take four bytes.
   const auto word = [](std::size_t number) {
     std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(number >> static_cast<unsigned>(shift));
+    for (int shift = 24; shift >= 0; shift -= 8)
+      text += static_cast<char>(number >> static_cast<unsigned>(shift));
     return text;
   };
   const auto binary = [&](std::size_t depth) {
@@ -106,8 +108,8 @@ TEST(PropertyList, isRefusedWhenItNestsTooDeep) {
     add("\xa0");
     const std::size_t table = text.size();
     const std::string zeros(4, '\0');
-    return text + offsets + std::string(6, '\0') + "\x04\x04" + zeros + word(depth + 2) + zeros + zeros + zeros +
-           word(table);
+    return text + offsets + std::string(6, '\0') + "\x04\x04" + zeros + word(depth + 2) + zeros + zeros +
+           zeros + word(table);
   };
   EXPECT_TRUE(parse(binary(100)));
   EXPECT_TRUE(parse(binary(maximumContainers - 1)));
@@ -131,8 +133,8 @@ TEST(PropertyList, isRefusedWhenItsPartsAreShared) {
     add("\xa0");
     const auto table = static_cast<char>(text.size());
     const std::string zeros(7, '\0');
-    return text + offsets + std::string(6, '\0') + "\x01\x01" + zeros + static_cast<char>(levels + 2) + zeros + '\0' +
-           zeros + table;
+    return text + offsets + std::string(6, '\0') + "\x01\x01" + zeros + static_cast<char>(levels + 2) +
+           zeros + '\0' + zeros + table;
   };
   EXPECT_TRUE(parse(shared(1)));
   EXPECT_FALSE(parse(shared(2)));

@@ -9,7 +9,8 @@ TEST(Baseline, isTheScanNearestToADayBeforeTheNewest) {
   const auto history = [](std::initializer_list<int> hours) {
     std::vector<SnapshotStore::Entry> entries;
     for (const int hour : hours) {
-      entries.push_back({dateFromUnixSeconds(1'700'000'000) - std::chrono::hours{hour}, std::to_string(hour)});
+      entries.push_back(
+          {dateFromUnixSeconds(1'700'000'000) - std::chrono::hours{hour}, std::to_string(hour)});
     }
     return entries;
   };

@@ -76,7 +76,8 @@ TEST(PlaceFinder, followsTheNotationAndTheVariablesThatMoveAPlace) {
 }
 
 TEST(PlaceFinder, findsHomeOnTheDataVolumeAndAbsolutePlacesUnderTheRoot) {
-  const Snapshot mac{.root = folder("/System/Volumes/Data", {folder("Users", {folder("ann", {folder("Downloads", {})})})})};
+  const Snapshot mac{
+      .root = folder("/System/Volumes/Data", {folder("Users", {folder("ann", {folder("Downloads", {})})})})};
   EXPECT_EQ(PlaceFinder(mac, "/Users/ann", {}).findOne({"Downloads"})->path,
             "/System/Volumes/Data/Users/ann/Downloads");
   const Snapshot disk{.root = folder("/", {folder("var", {folder("log", {folder("journal", {})})})})};
@@ -86,9 +87,17 @@ TEST(PlaceFinder, findsHomeOnTheDataVolumeAndAbsolutePlacesUnderTheRoot) {
 
 // Emptying by path is for what a tool fills again from nothing: never for these, nor for what holds them.
 TEST(CleanupTargets, emptyNoFolderThatHoldsMoreThanACache) {
-  const char* precious[]{".cache", ".cache/huggingface/token", ".m2/settings.xml", ".cargo/bin",
-                         ".cargo/credentials.toml", ".cargo/config.toml", ".gradle/gradle.properties",
-                         ".gradle/init.d", ".ollama/id_ed25519", ".local/share/uv", ".local/share/containers/storage"};
+  const char* precious[]{".cache",
+                         ".cache/huggingface/token",
+                         ".m2/settings.xml",
+                         ".cargo/bin",
+                         ".cargo/credentials.toml",
+                         ".cargo/config.toml",
+                         ".gradle/gradle.properties",
+                         ".gradle/init.d",
+                         ".ollama/id_ed25519",
+                         ".local/share/uv",
+                         ".local/share/containers/storage"};
   std::set<std::string_view> ids;
   for (const CleanupTarget& target : cleanupTargets) {
     EXPECT_TRUE(ids.insert(target.id).second) << target.id;
