@@ -35,8 +35,9 @@ class Program {
   }
   /// Whether this system lends us a terminal, which a bare chroot does not.
   static bool canHaveTerminal();
-  /// With standard error on a terminal, whose text is in `err`.
-  Outcome runOnTerminal(const std::vector<std::string>& arguments) const;
+  /// With standard input and error on a terminal, whose text is in `err`. `answer` is typed as soon as a
+  /// question ends in "[y/N] ".
+  Outcome runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer = "") const;
 
  private:
   Outcome start(const std::vector<std::string>& arguments, bool asNobody, bool interrupted) const;
