@@ -1,17 +1,19 @@
-# spacemint_library(NAME MAY_USE a b … LINKS x y … SOURCES … HEADERS …)
+# spacemint_library(NAME MAY_USE a b … LINKS x y … QT Core … SOURCES … HEADERS …)
 #
 # One way to make a library, and the one place where the layers are written down: a target links the
 # layers that MAY_USE names and nothing else, and configuring fails when a layer reaches upward.
-# LINKS are libraries from outside, used by the sources only.
+# LINKS are libraries from outside, used by the sources only; QT are Qt modules, also used by the headers.
 
 set(SPACEMINT_LAYERS
   "SpacemintBase:"
   "SpacemintHost:SpacemintBase"
   "SpacemintCore:SpacemintBase,SpacemintHost"
   "SpacemintCommand:SpacemintBase,SpacemintHost"
-  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand"
+  "SpacemintDesktop:SpacemintBase,SpacemintHost,SpacemintCore"
+  "SpacemintDesktopLinux:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintDesktop"
+  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand,SpacemintDesktop"
   "spacemintctl:SpacemintCore,SpacemintCommand")
-set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|SpacemintModel|spacemintctl)$")
+set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|spacemintctl)$")
 
 function(spacemint_check_layer name)
   foreach(rule IN LISTS SPACEMINT_LAYERS)
@@ -33,11 +35,16 @@ function(spacemint_check_layer name)
 endfunction()
 
 function(spacemint_library name)
-  cmake_parse_arguments(ARG "" "" "MAY_USE;LINKS;SOURCES;HEADERS" ${ARGN})
-  spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS})
+  cmake_parse_arguments(ARG "" "" "MAY_USE;LINKS;QT;SOURCES;HEADERS" ${ARGN})
+  list(TRANSFORM ARG_QT PREPEND Qt6::)
+  spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS} ${ARG_QT})
   add_library(${name} STATIC)
   target_sources(${name} PRIVATE ${ARG_SOURCES})
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
-  target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} PRIVATE ${ARG_LINKS} spacemint_options spacemint_warnings)
+  target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} ${ARG_QT} PRIVATE ${ARG_LINKS} spacemint_options spacemint_warnings)
   target_compile_features(${name} PUBLIC cxx_std_23)
+  if(ARG_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+  endif()
 endfunction()

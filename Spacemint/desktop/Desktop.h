@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Spacemint/desktop/ActivityScheduler.h"
+#include "Spacemint/desktop/Clock.h"
+#include "Spacemint/desktop/Notifier.h"
+#include "Spacemint/desktop/Opener.h"
+#include "Spacemint/desktop/StartupVolume.h"
+#include "Spacemint/desktop/Tasks.h"
+#include "Spacemint/desktop/TrashCan.h"
+
+namespace spacemint {
+
+/// All that the application needs of the desktop it runs on. Outlives what uses it.
+struct Desktop {
+  Clock& clock;
+  Tasks& tasks;
+  Notifier& notifier;
+  TrashCan& trash;
+  Opener& opener;
+  ActivityScheduler& scheduler;
+  StartupVolume& volume;
+};
+
+}  // namespace spacemint

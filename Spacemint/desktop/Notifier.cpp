@@ -1,0 +1,7 @@
+#include "Spacemint/desktop/Notifier.h"
+
+namespace spacemint {
+
+Notifier::~Notifier() = default;
+
+}  // namespace spacemint

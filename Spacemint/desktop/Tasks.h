@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QFuture>
+#include <QPromise>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+namespace spacemint {
+
+/// Work that would hold up the main thread, and the way back to it.
+///
+/// Futures are only touched on the main thread: what other threads hand over goes through locks of our own,
+/// so that a thread sanitizer sees all of it.
+class Tasks {
+ public:
+  using Function = std::move_only_function<void()>;
+
+  enum class Priority : std::uint8_t {
+    /// Nobody waits for it: a thread of its own, at the system's lowest priority.
+    background,
+    /// Somebody will look at it soon.
+    utility,
+    /// Somebody waits for it.
+    userInitiated
+  };
+
+  struct Task {
+    Priority priority = Priority::utility;
+    /// Runs on another thread, and is destroyed there.
+    Function work;
+    /// Runs on the main thread after that.
+    Function done;
+    /// What the thread is called, for tasks in the background.
+    const char* threadName = nullptr;
+  };
+
+  Tasks() = default;
+  Tasks(const Tasks&) = delete;
+  Tasks& operator=(const Tasks&) = delete;
+  virtual ~Tasks() = default;
+
+  /// Main thread only.
+  virtual void start(Task task) = 0;
+
+  /// Runs a function on the main thread, in the order of the calls. Any thread.
+  virtual void post(Function function) = 0;
+
+  /// Starts `work` and gives what it returns, which must not be void. Main thread only.
+  template <class Work, class Result = std::invoke_result_t<Work&>>
+  QFuture<Result> run(Priority priority, Work work) {
+    auto promise = std::make_shared<QPromise<Result>>();
+    promise->start();
+    QFuture<Result> future = promise->future();
+    auto result = std::make_shared<std::optional<Result>>();
+    start({.priority = priority,
+           .work = [result, work = std::move(work)]() mutable { result->emplace(work()); },
+           .done = [result, promise] {
+             promise->addResult(std::move(**result));
+             promise->finish();
+           }});
+    return future;
+  }
+};
+
+}  // namespace spacemint
