@@ -11,9 +11,10 @@ set(SPACEMINT_LAYERS
   "SpacemintCommand:SpacemintBase,SpacemintHost"
   "SpacemintDesktop:SpacemintBase,SpacemintHost,SpacemintCore"
   "SpacemintDesktopLinux:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintDesktop"
-  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand,SpacemintDesktop"
-  "spacemintctl:SpacemintCore,SpacemintCommand")
-set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|spacemintctl)$")
+  "SpacemintTools:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand"
+  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintTools,SpacemintDesktop"
+  "spacemintctl:SpacemintCore,SpacemintTools")
+set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|SpacemintTools|spacemintctl)$")
 
 function(spacemint_check_layer name)
   foreach(rule IN LISTS SPACEMINT_LAYERS)

@@ -8,7 +8,7 @@
 
 namespace spacemint {
 
-/// The time of day and timers. Main thread only.
+/// The time of day and timers. Main thread only, but for `now`.
 class Clock {
  public:
   using Callback = std::function<void()>;

@@ -13,4 +13,7 @@ namespace spacemint {
 std::optional<CleanupFailure> toolFailure(const std::string& tool,
                                           const std::optional<DevTools::ToolAnswer>& answer);
 
+/// Why the file manager did not empty the Trash; absent when it says that it did.
+std::optional<CleanupFailure> trashFailure(const std::optional<DevTools::ToolAnswer>& answer);
+
 }  // namespace spacemint

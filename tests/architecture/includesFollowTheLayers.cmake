@@ -9,11 +9,12 @@ set(layers
   "Spacemint/command:core/base,core/host,Spacemint/command"
   "Spacemint/desktop/linux:core,Spacemint/desktop"
   "Spacemint/desktop:core,Spacemint/desktop"
-  "Spacemint/model:core,Spacemint/command,Spacemint/desktop,Spacemint/model"
+  "Spacemint/tools:core,Spacemint/command,Spacemint/tools"
+  "Spacemint/model:core,Spacemint/command,Spacemint/tools,Spacemint/desktop,Spacemint/model"
   "Spacemint:core,Spacemint"
-  "spacemintctl:core,Spacemint/command,spacemintctl"
+  "spacemintctl:core,Spacemint/command,Spacemint/tools,spacemintctl"
   "bench:core,Spacemint/command,bench")
-set(withoutQt core/base core/host core Spacemint/command spacemintctl bench)
+set(withoutQt core/base core/host core Spacemint/command Spacemint/tools spacemintctl bench)
 # The only place for one system's calls; everybody else includes the seam.
 set(system "core/host/linux|Spacemint/desktop/linux")
 

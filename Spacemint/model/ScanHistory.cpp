@@ -1,0 +1,108 @@
+#include "Spacemint/model/ScanHistory.h"
+
+#include "core/history/Baseline.h"
+
+#include <algorithm>
+
+namespace spacemint {
+
+struct ScanHistory::Loaded {
+  std::vector<Entry> entries = {};
+  std::optional<Snapshot> snapshot = {};
+  /// How many newer ones could not be read.
+  std::size_t skipped = 0;
+};
+
+ScanHistory::ScanHistory(SnapshotStore store, Tasks& tasks, Messages& messages)
+    : store_(std::move(store)),
+      tasks_(tasks),
+      messages_(messages),
+      writer_(std::make_shared<SnapshotWriter>(store_)) {}
+
+ScanHistory::Loaded ScanHistory::readNewest(const SnapshotStore& store) {
+  Loaded loaded{.entries = store.entries()};
+  for (const Entry& entry : loaded.entries) {
+    auto snapshot = store.load(entry);
+    if (snapshot) {
+      loaded.snapshot = std::move(*snapshot);
+      break;
+    }
+    ++loaded.skipped;
+  }
+  return loaded;
+}
+
+void ScanHistory::load(std::function<void()> then) {
+  tasks_.run(Tasks::Priority::utility, [store = store_] { return readNewest(store); })
+      .then(this, [this, then = std::move(then)](Loaded loaded) {
+        take(std::move(loaded));
+        then();
+      });
+}
+
+void ScanHistory::take(Loaded loaded) {
+  const bool hasSkipped = loaded.skipped > 0 && loaded.snapshot;
+  setEntries(std::move(loaded.entries));
+  if (!snapshot_ && loaded.snapshot) {
+    setSnapshot(std::move(*loaded.snapshot));
+    assignBaseline(defaultBaseline(entries_));
+    Q_EMIT changed();
+  }
+  if (hasSkipped) messages_.show("The latest scan couldn't be read, so an earlier one is shown.");
+  isLoaded_ = true;
+}
+
+void ScanHistory::replace(Snapshot snapshot, std::vector<Entry> entries) {
+  setSnapshot(std::move(snapshot));
+  setEntries(std::move(entries));
+  const auto earlier = entries_.empty() ? entries_.begin() : entries_.begin() + 1;
+  const bool isKept = baselineEntry_ && std::find(earlier, entries_.end(), *baselineEntry_) != entries_.end();
+  if (!isKept) assignBaseline(defaultBaseline(entries_));
+  Q_EMIT changed();
+}
+
+void ScanHistory::edit(const std::string& path, const Edit& edit) {
+  if (!snapshot_) return;
+  Snapshot copy = *snapshot_;
+  if (!edit(copy)) return;
+  Q_EMIT edited(path);
+  setSnapshot(std::move(copy));
+  save();
+  Q_EMIT changed();
+}
+
+void ScanHistory::setBaselineEntry(std::optional<Entry> entry) {
+  if (assignBaseline(std::move(entry))) Q_EMIT changed();
+}
+
+void ScanHistory::setSnapshot(Snapshot snapshot) {
+  snapshot_ = std::make_shared<const Snapshot>(std::move(snapshot));
+  ++revision_;
+  Q_EMIT snapshotChanged();
+}
+
+void ScanHistory::setEntries(std::vector<Entry> entries) {
+  if (entries_ == entries) return;
+  entries_ = std::move(entries);
+  Q_EMIT entriesChanged();
+}
+
+bool ScanHistory::assignBaseline(std::optional<Entry> entry) {
+  if (baselineEntry_ == entry) return false;
+  baselineEntry_ = std::move(entry);
+  Q_EMIT baselineEntryChanged();
+  return true;
+}
+
+void ScanHistory::save() {
+  tasks_
+      .run(Tasks::Priority::utility,
+           [writer = writer_, snapshot = snapshot_, revision = revision_] {
+             return writer->save(*snapshot, revision);
+           })
+      .then(this, [this](const std::expected<bool, Error>& saved) {
+        if (!saved) messages_.show("Couldn't save changes to the scan: " + saved.error().message);
+      });
+}
+
+}  // namespace spacemint

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Spacemint/desktop/Tasks.h"
+#include "Spacemint/model/Messages.h"
+#include "core/history/SnapshotStore.h"
+#include "core/history/SnapshotWriter.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace spacemint {
+
+/// A snapshot that nobody changes any more, so that threads can share it.
+using SharedSnapshot = std::shared_ptr<const Snapshot>;
+
+/// The current scan and the stored ones. Main thread only.
+class ScanHistory : public QObject {
+  Q_OBJECT
+ public:
+  using Entry = SnapshotStore::Entry;
+  /// Changes a snapshot; whether it did.
+  using Edit = std::function<bool(Snapshot&)>;
+
+  ScanHistory(SnapshotStore store, Tasks& tasks, Messages& messages);
+
+  const SnapshotStore& store() const { return store_; }
+  /// Null while there is none.
+  const SharedSnapshot& snapshot() const { return snapshot_; }
+  /// The stored scans, newest first.
+  const std::vector<Entry>& entries() const { return entries_; }
+  /// The earlier scan that growth is measured against.
+  const std::optional<Entry>& baselineEntry() const { return baselineEntry_; }
+  /// Counts the snapshots that were current, edited ones too.
+  std::int64_t revision() const { return revision_; }
+  bool isLoaded() const { return isLoaded_; }
+
+  /// Reads what is stored and makes the newest readable scan the current one, unless there is one by then.
+  void load(std::function<void()> then);
+
+  /// A new scan; `entries` is the history with it.
+  void replace(Snapshot snapshot, std::vector<Entry> entries);
+
+  /// Changes the current scan, here and on the disk; nothing without one.
+  void edit(const std::string& path, const Edit& edit);
+
+  void setBaselineEntry(std::optional<Entry> entry);
+
+ Q_SIGNALS:
+  void snapshotChanged();
+  void entriesChanged();
+  void baselineEntryChanged();
+  /// The current scan or its baseline is another one: what was found in them has to be found again.
+  void changed();
+  void edited(const std::string& path);
+
+ private:
+  struct Loaded;
+
+  static Loaded readNewest(const SnapshotStore& store);
+  void take(Loaded loaded);
+  void setSnapshot(Snapshot snapshot);
+  void setEntries(std::vector<Entry> entries);
+  bool assignBaseline(std::optional<Entry> entry);
+  void save();
+
+  SnapshotStore store_;
+  Tasks& tasks_;
+  Messages& messages_;
+  std::shared_ptr<SnapshotWriter> writer_;
+  SharedSnapshot snapshot_;
+  std::vector<Entry> entries_;
+  std::optional<Entry> baselineEntry_;
+  std::int64_t revision_ = 0;
+  bool isLoaded_ = false;
+};
+
+}  // namespace spacemint
