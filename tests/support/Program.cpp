@@ -42,6 +42,7 @@ void Program::become(const std::vector<std::string>& arguments) const {
   setenv("HOME", home_.path().c_str(), 1);
   setenv("LC_ALL", "en_US.UTF-8", 1);
   setenv("TZ", "UTC", 1);
+  setenv("XDG_RUNTIME_DIR", (home_ / "run").c_str(), 1);
   for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"}) {
     unsetenv(variable);
   }

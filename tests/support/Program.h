@@ -14,7 +14,7 @@ struct Outcome {
   std::string err = {};
 };
 
-/// Runs programs as a person would, with a home folder of its own and English wording.
+/// Runs programs as a person would, with home and runtime folders of their own and English wording.
 class Program {
  public:
   explicit Program(std::string executable);
