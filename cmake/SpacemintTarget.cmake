@@ -8,9 +8,10 @@ set(SPACEMINT_LAYERS
   "SpacemintBase:"
   "SpacemintHost:SpacemintBase"
   "SpacemintCore:SpacemintBase,SpacemintHost"
-  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore"
-  "spacemintctl:SpacemintCore")
-set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintModel|spacemintctl)$")
+  "SpacemintCommand:SpacemintBase,SpacemintHost"
+  "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand"
+  "spacemintctl:SpacemintCore,SpacemintCommand")
+set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|SpacemintModel|spacemintctl)$")
 
 function(spacemint_check_layer name)
   foreach(rule IN LISTS SPACEMINT_LAYERS)

@@ -5,17 +5,14 @@
 #include "core/host/UserFolders.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/Section.h"
 #include "spacemintctl/StoredScan.h"
-
-#include <nlohmann/json.hpp>
 
 #include <filesystem>
 
 namespace spacemint::ctl {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::optional<Snapshot> scanFor(const BrowseOptions& options) {
   auto scan = storedScan(SnapshotStore::standard(), options.scan);
@@ -75,6 +72,26 @@ std::string folderText(const std::string& path, const Node& folder, std::size_t 
 }
 
 }  // namespace
+
+std::expected<Findings, Error> largestFolderFindings(const Scene& scene) {
+  const auto folders = largestFolders(scene.snapshot.root, scene.top);
+  Json list = Json::array();
+  for (const FolderItem& item : folders) {
+    list.push_back(
+        {{"path", jsonText(item.path)}, {"size", item.node->size}, {"fileCount", item.node->fileCount}});
+  }
+  return Findings{.text = folderTable(folders, scene.snapshot.root.size, scene.wording),
+                  .json = std::move(list),
+                  .isWorthReporting = !folders.empty()};
+}
+
+std::expected<Findings, Error> largestFileFindings(const Scene& scene) {
+  const auto files = scene.snapshot.largestFiles(scene.top);
+  Json list = Json::array();
+  for (const FileItem& file : files) list.push_back(jsonOf(file));
+  return Findings{
+      .text = fileTable(files, scene.wording), .json = std::move(list), .isWorthReporting = !files.empty()};
+}
 
 int runFiles(const BrowseOptions& options) {
   const auto snapshot = scanFor(options);

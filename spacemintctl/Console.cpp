@@ -68,11 +68,14 @@ std::string Table::text() const {
   }
   std::string text;
   for (const auto& row : rows_) {
-    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-      text.append(2 + widths[i] - columns(row[i]), ' ');
-      text += row[i];
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const bool isPadded = i + 1 < row.size();
+      const std::string padding(isPadded ? widths[i] - columns(row[i]) : 0, ' ');
+      line += "  " + (i < rightAligned_ ? padding + row[i] : row[i] + padding);
     }
-    text += "  " + row.back() + '\n';
+    line.erase(line.find_last_not_of(' ') + 1);
+    text += line + '\n';
   }
   return text;
 }

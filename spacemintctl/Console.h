@@ -23,14 +23,18 @@ std::string universalTime(Date date);
 /// A whole percentage of `part` in `whole`, such as "37 %"; empty without a whole.
 std::string percentage(std::int64_t part, std::int64_t whole);
 
-/// Rows of text in columns of equal width; all but the last column are right-aligned.
+/// Rows of text in columns of equal width. The first `rightAligned` columns are right-aligned, the last one
+/// is as wide as its text.
 class Table {
  public:
+  explicit Table(std::size_t rightAligned = std::string::npos) : rightAligned_(rightAligned) {}
+
   void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
   bool empty() const { return rows_.empty(); }
   std::string text() const;
 
  private:
+  std::size_t rightAligned_;
   std::vector<std::vector<std::string>> rows_;
 };
 

@@ -2,12 +2,14 @@
 #include "spacemintctl/Console.h"
 #include "spacemintctl/HistoryCommand.h"
 #include "spacemintctl/ScanCommand.h"
+#include "spacemintctl/SectionCommands.h"
 #include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StatusCommand.h"
 #include "spacemintctl/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <deque>
 #include <exception>
 #include <functional>
 
@@ -67,15 +69,22 @@ void addHistory(CLI::App& app, Action& action) {
   history->callback([&] { action = [] { return runHistory(json); }; });
 }
 
-CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
-  CLI::App* command = app.add_subcommand(name, description);
-  command
-      ->add_option("--scan", options.scan, "Another scan than the newest: how its date in the history begins")
+void addScanDate(CLI::App* command, std::string& date) {
+  command->add_option("--scan", date, "Another scan than the newest: how its date in the history begins")
       ->type_name("DATE");
-  command->add_option("--top", options.top, "How many to name")
+}
+
+void addTop(CLI::App* command, std::size_t& top) {
+  command->add_option("--top", top, "How many to name")
       ->check(wholeNumber)
       ->type_name("N")
       ->capture_default_str();
+}
+
+CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
+  CLI::App* command = app.add_subcommand(name, description);
+  addScanDate(command, options.scan);
+  addTop(command, options.top);
   command->add_flag("--json", options.json, "Print JSON");
   return command;
 }
@@ -89,6 +98,48 @@ void addFilesAndFolders(CLI::App& app, Action& action) {
   CLI::App* command = addBrowsing(app, "folders", "Name what is in a folder, from the newest scan", folders);
   command->add_option("PATH", folders.path, "The folder; the root of the scan if none is given");
   command->callback([&] { action = [] { return runFolders(folders); }; });
+}
+
+CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
+  addScanDate(command, options.scan);
+  addTop(command, options.top);
+  command->add_flag("--json", options.json, "Print JSON");
+  return command;
+}
+
+void addSince(CLI::App* command, SectionOptions& options) {
+  command
+      ->add_option("--since", options.since,
+                   "Compare with this scan, not with the one nearest to a day earlier")
+      ->type_name("DATE");
+}
+
+void addSections(CLI::App& app, Action& action) {
+  static std::deque<SectionOptions> options;
+  for (const Section& section : sections()) {
+    if (section.description == nullptr) continue;
+    SectionOptions& own = options.emplace_back();
+    CLI::App* command = addSectionOptions(app.add_subcommand(section.command, section.description), own);
+    if (section.find == growthFindings) addSince(command, own);
+    if (section.minimum) {
+      own.minimum = section.minimum;
+      command->add_option("--min-size", own.minimum, "Leave out what is smaller than this many bytes")
+          ->check(wholeNumber)
+          ->type_name("BYTES")
+          ->default_str(std::to_string(*section.minimum));
+    }
+    command->callback(
+        [&action, &section, &own] { action = [&section, &own] { return runSection(section, own); }; });
+  }
+}
+
+void addReport(CLI::App& app, Action& action) {
+  static SectionOptions options;
+  CLI::App* report =
+      app.add_subcommand("report", "Say on one page what grew, what is big, and what can be freed");
+  addSectionOptions(report, options);
+  addSince(report, options);
+  report->callback([&] { action = [] { return runReport(options); }; });
 }
 
 void addSettings(CLI::App& app, Action& action) {
@@ -126,6 +177,8 @@ int run(int argc, char** argv) {
   addWatch(app, action);
   addHistory(app, action);
   addFilesAndFolders(app, action);
+  addReport(app, action);
+  addSections(app, action);
   addStatus(app, action);
   addSettings(app, action);
   try {

@@ -5,7 +5,9 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 namespace spacemint {
 
@@ -35,6 +37,18 @@ bool mayBeEquivalent(std::string_view a, std::string_view b) {
   return !(isAscii(a) && isAscii(b)) && isValidUtf8(a) && isValidUtf8(b);
 }
 
+// End of the run of ASCII characters from `at`, eight of them at a time.
+std::size_t asciiEnd(std::string_view text, std::size_t at) {
+  constexpr std::uint64_t highBits = 0x8080808080808080;
+  std::uint64_t eight = 0;
+  for (; at + sizeof eight <= text.size(); at += sizeof eight) {
+    std::memcpy(&eight, text.data() + at, sizeof eight);
+    if ((eight & highBits) != 0) break;
+  }
+  while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+  return at;
+}
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // inside ICU's macro
 #pragma GCC diagnostic ignored "-Wsign-conversion"
@@ -59,11 +73,11 @@ std::size_t segmentEnd(std::string_view text, std::size_t start) {
 }  // namespace
 
 bool isAscii(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  return asciiEnd(text, 0) == text.size();
 }
 
 bool isValidUtf8(std::string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
+  for (std::size_t at = asciiEnd(text, 0); at < text.size(); at = asciiEnd(text, at)) {
     if (nextCharacter(text, at) < 0) return false;
   }
   return true;
@@ -71,17 +85,27 @@ bool isValidUtf8(std::string_view text) {
 
 std::string withInvalidUtf8Replaced(std::string_view text) {
   std::string result;
-  for (std::size_t at = 0; at < text.size();) {
+  std::size_t taken = 0;
+  for (std::size_t at = asciiEnd(text, 0); at < text.size(); at = asciiEnd(text, at)) {
     const std::size_t start = at;
-    const bool valid = nextCharacter(text, at) >= 0;
-    result += valid ? text.substr(start, at - start) : "\xef\xbf\xbd";
+    if (nextCharacter(text, at) >= 0) continue;
+    result += text.substr(taken, start - taken);
+    result += "\xef\xbf\xbd";
+    taken = at;
   }
-  return result;
+  return result += text.substr(taken);
 }
 
 bool canonicallyEqual(std::string_view a, std::string_view b) {
   if (a == b) return true;
   return mayBeEquivalent(a, b) && decomposed(a) == decomposed(b);
+}
+
+std::string canonicalForm(std::string_view text) {
+  if (isAscii(text) || !isValidUtf8(text)) return std::string{text};
+  std::string form;
+  decomposed(text).toUTF8String(form);
+  return form;
 }
 
 std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix) {

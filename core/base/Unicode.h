@@ -18,6 +18,9 @@ std::string withInvalidUtf8Replaced(std::string_view text);
 /// Equality under Unicode canonical equivalence: a precomposed and a decomposed accent are equal.
 bool canonicallyEqual(std::string_view a, std::string_view b);
 
+/// One spelling for all texts that are canonically equal; text that is not valid UTF-8 as it is.
+std::string canonicalForm(std::string_view text);
+
 /// How many bytes of `text` spell `prefix` under canonical equivalence; absent when `text` does not begin
 /// with it.
 std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix);

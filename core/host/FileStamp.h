@@ -1,6 +1,9 @@
 #pragma once
 
+#include "core/base/Date.h"
+
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace spacemint {
@@ -12,6 +15,11 @@ struct FileStamp {
   std::int64_t size = 0;
   std::int64_t modifiedSeconds = 0;
   std::int64_t modifiedNanoseconds = 0;
+
+  /// When the contents were last changed, in whole seconds; absent where there is no file to see.
+  std::optional<Date> modified() const {
+    return inode == 0 ? std::nullopt : std::optional{dateFromUnixSeconds(modifiedSeconds)};
+  }
 
   bool operator==(const FileStamp&) const = default;
 };

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace spacemint {
 
 /// The user's own folders, as absolute paths without a trailing "/". Read from the environment at each call.
 namespace UserFolders {
+
+/// The value of an environment variable; absent where it is not set.
+std::optional<std::string> environment(const std::string& name);
 
 /// The home folder: of the environment, else of the password database.
 std::string home();

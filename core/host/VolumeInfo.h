@@ -23,6 +23,10 @@ std::optional<VolumeInfo> readVolumeInfo(const std::string& path);
 /// Where the volume that holds `path` is mounted; absent when that cannot be found out.
 std::optional<std::string> mountPointOf(const std::string& path);
 
+/// True when the path, taken by its text alone, lies on a network or user-space file system, or on one that
+/// is mounted on first use: asking for anything there may block for as long as it likes. Never blocks itself.
+bool mayHang(const std::string& path);
+
 /// The mount point of the volume that holds the home folder: the whole disk as a user sees it.
 std::string startupVolume();
 

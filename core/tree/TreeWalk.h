@@ -3,13 +3,15 @@
 #include "core/tree/Node.h"
 
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace spacemint {
 
 /// Calls `visit(path, node)` for `root` and every node below it, parents before their children, children in
-/// stored order. `path` is the node's full path and valid during the call only.
+/// stored order. `path` is the node's full path and valid during the call only. A `visit` that answers with a
+/// bool says whether what is in the node is visited too.
 template <class Visit>
 void walkTree(const Node& root, Visit visit) {
   struct Level {
@@ -18,8 +20,17 @@ void walkTree(const Node& root, Visit visit) {
     std::size_t pathLength;
   };
   std::string path = root.name;
-  std::vector<Level> levels{{&root, 0, path.size()}};
-  visit(std::as_const(path), root);
+  std::vector<Level> levels;
+  const auto enter = [&](const Node& node) {
+    bool wanted = true;
+    if constexpr (std::is_void_v<std::invoke_result_t<Visit&, const std::string&, const Node&>>) {
+      visit(std::as_const(path), node);
+    } else {
+      wanted = visit(std::as_const(path), node);
+    }
+    if (wanted && !node.children.empty()) levels.push_back({&node, 0, path.size()});
+  };
+  enter(root);
   while (!levels.empty()) {
     Level& top = levels.back();
     path.resize(top.pathLength);
@@ -30,8 +41,7 @@ void walkTree(const Node& root, Visit visit) {
     const Node& child = top.node->children[top.nextChild++];
     if (!path.ends_with('/')) path += '/';
     path += child.name;
-    visit(std::as_const(path), child);
-    if (!child.children.empty()) levels.push_back({&child, 0, path.size()});
+    enter(child);
   }
 }
 

@@ -6,10 +6,11 @@ set(layers
   "core/base:core/base"
   "core/host:core/base,core/host"
   "core:core"
-  "Spacemint/model:core,Spacemint/model"
-  "spacemintctl:core,spacemintctl"
-  "bench:core,bench")
-set(withoutQt core/base core/host core Spacemint/model spacemintctl bench)
+  "Spacemint/command:core/base,core/host,Spacemint/command"
+  "Spacemint/model:core,Spacemint/command,Spacemint/model"
+  "spacemintctl:core,Spacemint/command,spacemintctl"
+  "bench:core,Spacemint/command,bench")
+set(withoutQt core/base core/host core Spacemint/command Spacemint/model spacemintctl bench)
 # The only place for one system's calls; everybody else includes the seam.
 set(system "core/host/linux")
 

@@ -1,6 +1,7 @@
 #include "core/host/linux/LinuxFolderListing.h"
 
 #include "core/host/linux/FolderOpening.h"
+#include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/MountTable.h"
 
 #include <dirent.h>
@@ -8,7 +9,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/sysmacros.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -69,10 +69,10 @@ class LinuxFolder final : public OpenFolder {
     if (mounts != nullptr && mounts->isMountPoint) return std::unexpected(EXDEV);
     FileHandle opened = openFolderItself(handle_.get(), name.c_str());
     if (!opened) return obstacle(name, errno);
-    const auto mounted = mountedOn(opened);
-    if (!mounted) return obstacle(name, mounted.error());
+    const auto facts = factsOf(opened);
+    if (!facts) return obstacle(name, facts.error());
     // A volume that appeared since the table was read, or a subvolume, which has a device of its own.
-    if (*mounted != root_->mounted) return std::unexpected(EXDEV);
+    if (facts->mounted != root_->mounted) return std::unexpected(EXDEV);
     FolderObserver::Seen seen;
     if (root_->observer != nullptr) seen = root_->observer->opened(seen_, name, opened);
     return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts, seen);
@@ -147,10 +147,10 @@ class LinuxFolderListing final : public FolderListing {
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& path) override {
     FileHandle handle = openFolder(AT_FDCWD, path.c_str());
     if (!handle) return std::unexpected(systemError(path, errno));
-    const auto mounted = mountedOn(handle);
-    if (!mounted) return std::unexpected(systemError(path, mounted.error()));
+    const auto facts = factsOf(handle);
+    if (!facts) return std::unexpected(systemError(path, facts.error()));
     const std::string realPath = realPathOf(handle);
-    auto root = std::make_shared<Root>(Root{.mounted = *mounted, .observer = observer_});
+    auto root = std::make_shared<Root>(Root{.mounted = facts->mounted, .observer = observer_});
     if (!realPath.empty()) root->mounts = mountsBelow(realPath, currentMounts());
     const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
     FolderObserver::Seen seen;

@@ -45,6 +45,11 @@ std::string underHome(std::string_view relative) {
 
 }  // namespace
 
+std::optional<std::string> UserFolders::environment(const std::string& name) {
+  const char* value = std::getenv(name.c_str());
+  return value == nullptr ? std::nullopt : std::optional<std::string>{value};
+}
+
 std::string UserFolders::home() {
   const auto folder = folderVariable("HOME");
   return folder ? *folder : homeOfPasswordDatabase();

@@ -69,6 +69,20 @@ std::optional<std::string> labelOf(const Mount& mount) {
   return std::nullopt;
 }
 
+// File systems whose answers come from elsewhere. "fuseblk" is missing: it is how a local disk of another
+// system is mounted.
+bool isRemote(std::string_view fileSystem) {
+  constexpr std::string_view remote[] = {"9p",   "afs",  "autofs", "ceph",  "cifs",  "coda",
+                                         "fuse", "gfs2", "nfs",    "ncpfs", "ocfs2", "smb3"};
+  return fileSystem.starts_with("fuse.") || fileSystem == "nfs4" ||
+         std::ranges::find(remote, fileSystem) != std::end(remote);
+}
+
+bool isAtOrBelow(std::string_view path, std::string_view folder) {
+  return path.starts_with(folder) &&
+         (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
+}
+
 // The disk of a virtual machine says "rotational" because nobody told it what it is made of.
 bool isVirtual(const std::string& disk) {
   std::error_code failed;
@@ -93,6 +107,20 @@ std::optional<std::string> mountPointOf(const std::string& path) {
   const auto mount = mountOf(path);
   if (!mount) return std::nullopt;
   return mount->mountPoint;
+}
+
+bool mayHang(const std::string& path) {
+  const std::string plain = fs::path{path}.lexically_normal().string();
+  const auto mounts = currentMounts();
+  const Mount* holder = nullptr;
+  for (const Mount& mount : mounts) {
+    // Of two mounts on one folder the later one is seen.
+    if (isAtOrBelow(plain, mount.mountPoint) &&
+        (holder == nullptr || mount.mountPoint.size() >= holder->mountPoint.size())) {
+      holder = &mount;
+    }
+  }
+  return holder != nullptr && isRemote(holder->fileSystem);
 }
 
 std::string startupVolume() {

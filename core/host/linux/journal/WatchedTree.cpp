@@ -3,7 +3,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include <algorithm>
@@ -63,11 +62,10 @@ std::string joined(std::string_view folder, std::string_view name) {
 
 std::optional<WatchedTree::Identity> WatchedTree::identityOf(const std::string& path) {
   const FileHandle handle{open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
-  struct stat status {};
-  if (!handle || fstat(handle.get(), &status) != 0) return std::nullopt;
-  const auto mounted = mountedOn(handle);
-  if (!mounted) return std::nullopt;
-  return Identity{status.st_ino, *mounted};
+  if (!handle) return std::nullopt;
+  const auto facts = factsOf(handle);
+  if (!facts) return std::nullopt;
+  return Identity{facts->inode, facts->mounted};
 }
 
 void WatchedTree::forget() {
@@ -278,9 +276,9 @@ WatchedTree::Opened WatchedTree::openChild(Id parent, const FileHandle& handle,
   }
   FileHandle opened = openFolderItself(handle.get(), name.c_str());
   if (!opened) return {.error = errno};
-  const auto mounted = mountedOn(opened);
-  if (!mounted) return {.error = mounted.error()};
-  if (*mounted != identity_.mounted) return {.error = EXDEV};
+  const auto facts = factsOf(opened);
+  if (!facts) return {.error = facts.error()};
+  if (facts->mounted != identity_.mounted) return {.error = EXDEV};
   return {.handle = std::move(opened)};
 }
 

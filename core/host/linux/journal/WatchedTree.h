@@ -3,6 +3,7 @@
 #include "core/host/EventJournal.h"
 #include "core/host/linux/FolderObserver.h"
 #include "core/host/linux/FolderOpening.h"
+#include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/journal/EventClock.h"
 #include "core/host/linux/journal/FolderMap.h"
 #include "core/host/linux/journal/InotifyQueue.h"

@@ -1,0 +1,117 @@
+#include "Spacemint/command/ProgramPath.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace spacemint {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A leading "~" stands for the home folder.
+constexpr std::array<std::string_view, 15> toolFolders{"/opt/homebrew/bin",
+                                                       "/opt/homebrew/sbin",
+                                                       "/usr/local/bin",
+                                                       "~/.orbstack/bin",
+                                                       "/Applications/Docker.app/Contents/Resources/bin",
+                                                       "~/.docker/bin",
+                                                       "~/.local/bin",
+                                                       "~/.cargo/bin",
+                                                       "~/.bun/bin",
+                                                       "~/.volta/bin",
+                                                       "~/Library/pnpm",
+                                                       "~/go/bin",
+                                                       "/usr/local/go/bin",
+                                                       "~/.asdf/shims",
+                                                       "~/.local/share/mise/shims"};
+constexpr std::array<std::string_view, 5> linuxFolders{"/home/linuxbrew/.linuxbrew/bin", "/snap/bin",
+                                                       "/var/lib/flatpak/exports/bin", "~/.deno/bin",
+                                                       "~/.pyenv/shims"};
+constexpr std::array<std::string_view, 4> systemFolders{"/usr/bin", "/bin", "/usr/sbin", "/sbin"};
+
+std::string located(std::string_view folder, const std::string& home) {
+  return folder.starts_with('~') ? home + std::string{folder.substr(1)} : std::string{folder};
+}
+
+bool isDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+// Takes the number that `text` begins with, without leading zeros.
+std::string_view takeNumber(std::string_view& text) {
+  const std::size_t length = static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
+  std::string_view number = text.substr(0, length);
+  text.remove_prefix(length);
+  number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
+  return number;
+}
+
+// Runs of digits are compared as numbers, so that 9.0 comes before 20.1.
+bool numericallyLess(std::string_view a, std::string_view b) {
+  while (!a.empty() && !b.empty()) {
+    if (isDigit(a[0]) && isDigit(b[0])) {
+      const std::string_view left = takeNumber(a);
+      const std::string_view right = takeNumber(b);
+      if (left.size() != right.size()) return left.size() < right.size();
+      if (left != right) return left < right;
+    } else {
+      if (a[0] != b[0]) return a[0] < b[0];
+      a.remove_prefix(1);
+      b.remove_prefix(1);
+    }
+  }
+  return a.size() < b.size();
+}
+
+std::vector<std::string> namesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  std::error_code failure;
+  for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+       entry.increment(failure)) {
+    names.push_back(entry->path().filename().string());
+  }
+  return names;
+}
+
+void addOnce(std::vector<std::string>& list, std::string folder) {
+  if (std::ranges::find(list, folder) == list.end()) list.push_back(std::move(folder));
+}
+
+void addLines(std::vector<std::string>& list, const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  for (std::string line; std::getline(file, line);) {
+    constexpr const char* blanks = " \t\r\v\f";
+    const std::size_t first = line.find_first_not_of(blanks);
+    if (first == std::string::npos) continue;
+    addOnce(list, line.substr(first, line.find_last_not_of(blanks) + 1 - first));
+  }
+}
+
+std::vector<std::string> systemPath(const std::string& root) {
+  std::vector<std::string> folders(systemFolders.begin(), systemFolders.end());
+  addLines(folders, root + "/etc/paths");
+  auto names = namesIn(root + "/etc/paths.d");
+  std::ranges::sort(names);
+  for (const std::string& name : names) addLines(folders, root + "/etc/paths.d/" + name);
+  return folders;
+}
+
+}  // namespace
+
+std::vector<std::string> programPath(const ProgramPlaces& places) {
+  std::vector<std::string> path;
+  for (const auto folder : toolFolders) path.push_back(located(folder, places.home));
+  const std::string nodes = places.home + "/.nvm/versions/node";
+  auto versions = namesIn(nodes);
+  std::ranges::sort(versions, [](const auto& a, const auto& b) { return numericallyLess(b, a); });
+  for (const std::string& version : versions) path.push_back(nodes + "/" + version + "/bin");
+  for (const auto folder : linuxFolders) path.push_back(located(folder, places.home));
+  for (std::string& folder : systemPath(places.systemRoot)) addOnce(path, std::move(folder));
+  return path;
+}
+
+}  // namespace spacemint

@@ -1,0 +1,206 @@
+#include "Spacemint/command/Descriptor.h"
+#include "Spacemint/command/Shell.h"
+#include "core/base/Unicode.h"
+#include "core/host/ChildExit.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+
+namespace spacemint {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t readSize = 65'536;
+constexpr std::chrono::milliseconds longestPoll{1'000};
+// Longer than anybody waits, and far from where a clock overflows.
+constexpr Seconds longestTimeout{1e9};
+
+struct Pipe {
+  Descriptor reading;
+  Descriptor writing;
+};
+
+// Above the three standard descriptors, which the child's own take the place of.
+Descriptor aboveStandard(int number) {
+  Descriptor given{number};
+  if (number > STDERR_FILENO) return given;
+  return Descriptor{fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)};
+}
+
+std::optional<Pipe> makePipe() {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
+  Pipe made{aboveStandard(ends[0]), aboveStandard(ends[1])};
+  if (!made.reading || !made.writing) return std::nullopt;
+  return made;
+}
+
+// The strings of a null-terminated array of C strings, and the array.
+class WordList {
+ public:
+  explicit WordList(std::vector<std::string> words) : words_(std::move(words)) {
+    for (std::string& word : words_) pointers_.push_back(word.data());
+    pointers_.push_back(nullptr);
+  }
+  char* const* get() const { return pointers_.data(); }
+
+ private:
+  std::vector<std::string> words_;
+  std::vector<char*> pointers_;
+};
+
+WordList wordsOf(const Shell::Execution& execution) {
+  std::vector<std::string> words{execution.path};
+  words.insert(words.end(), execution.arguments.begin(), execution.arguments.end());
+  return WordList{std::move(words)};
+}
+
+WordList variablesOf(const Shell::Execution& execution) {
+  std::vector<std::string> words;
+  for (const auto& [name, value] : execution.environment) words.push_back(name + "=" + value);
+  return WordList{std::move(words)};
+}
+
+// What the child does to itself before it becomes the program.
+class SpawnSetup {
+ public:
+  SpawnSetup() {
+    posix_spawn_file_actions_init(&actions_);
+    posix_spawnattr_init(&attributes_);
+  }
+  ~SpawnSetup() {
+    posix_spawn_file_actions_destroy(&actions_);
+    posix_spawnattr_destroy(&attributes_);
+  }
+  SpawnSetup(const SpawnSetup&) = delete;
+  SpawnSetup& operator=(const SpawnSetup&) = delete;
+
+  // No input, the two outputs, nothing else.
+  bool connect(const Descriptor& output, const Descriptor& error) {
+    return posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0) == 0 &&
+           posix_spawn_file_actions_adddup2(&actions_, output.get(), STDOUT_FILENO) == 0 &&
+           posix_spawn_file_actions_adddup2(&actions_, error.get(), STDERR_FILENO) == 0 &&
+           posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1) == 0;
+  }
+
+  // A process group of its own, and none of what this process does about signals.
+  bool separate() {
+    sigset_t none{};
+    sigset_t all{};
+    sigemptyset(&none);
+    sigfillset(&all);
+    constexpr short flags = POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+    return posix_spawnattr_setpgroup(&attributes_, 0) == 0 &&
+           posix_spawnattr_setsigmask(&attributes_, &none) == 0 &&
+           posix_spawnattr_setsigdefault(&attributes_, &all) == 0 &&
+           posix_spawnattr_setflags(&attributes_, flags) == 0;
+  }
+
+  std::optional<pid_t> spawn(const Shell::Execution& execution) const {
+    const WordList words = wordsOf(execution);
+    const WordList variables = variablesOf(execution);
+    pid_t child = 0;
+    const int failure =
+        posix_spawn(&child, execution.path.c_str(), &actions_, &attributes_, words.get(), variables.get());
+    if (failure != 0) return std::nullopt;
+    return child;
+  }
+
+ private:
+  posix_spawn_file_actions_t actions_{};
+  posix_spawnattr_t attributes_{};
+};
+
+// One output of the child and what has come of it.
+struct Stream {
+  Descriptor reading;
+  std::string text;
+};
+
+void readSome(Stream& stream, std::vector<char>& buffer) {
+  const ssize_t count = read(stream.reading.get(), buffer.data(), buffer.size());
+  if (count > 0) {
+    stream.text.append(buffer.data(), static_cast<std::size_t>(count));
+  } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
+    stream.reading.close();
+  }
+}
+
+// Reads both outputs as they come, so that neither can fill up and hold the child; false when the deadline
+// came first.
+bool readToTheEnd(std::array<Stream, 2>& streams, Clock::time_point deadline) {
+  std::vector<char> buffer(readSize);
+  while (streams[0].reading || streams[1].reading) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    if (left.count() <= 0) return false;
+    // A closed one is a negative number here, which is passed over.
+    std::array<pollfd, 2> watched{pollfd{streams[0].reading.get(), POLLIN, 0},
+                                  pollfd{streams[1].reading.get(), POLLIN, 0}};
+    const int ready =
+        poll(watched.data(), watched.size(), static_cast<int>(std::min(left, longestPoll).count()));
+    if (ready < 0 && errno != EINTR) return true;
+    if (ready <= 0) continue;
+    for (std::size_t i = 0; i < streams.size(); ++i) {
+      if (watched[i].revents != 0) readSome(streams[i], buffer);
+    }
+  }
+  return true;
+}
+
+// Asks the child's group to end, and kills what is left of it. The child is not reaped before that, so the
+// number is still that of its group.
+void stop(pid_t child) {
+  kill(-child, SIGTERM);
+  waitForExit(child, Clock::now() + Shell::grace);
+  kill(-child, SIGKILL);
+}
+
+std::int32_t reap(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+Clock::time_point deadlineAfter(Seconds timeout) {
+  return Clock::now() + std::chrono::duration_cast<Clock::duration>(std::min(timeout, longestTimeout));
+}
+
+}  // namespace
+
+std::optional<Shell::Output> Shell::execute(const Execution& execution) {
+  auto output = makePipe();
+  auto error = makePipe();
+  SpawnSetup setup;
+  if (!output || !error || !setup.connect(output->writing, error->writing) || !setup.separate()) {
+    return std::nullopt;
+  }
+  const auto child = setup.spawn(execution);
+  output->writing.close();
+  error->writing.close();
+  if (!child) return std::nullopt;
+
+  const auto deadline = deadlineAfter(execution.timeout);
+  std::array<Stream, 2> streams{Stream{std::move(output->reading), {}},
+                                Stream{std::move(error->reading), {}}};
+  bool inTime = readToTheEnd(streams, deadline);
+  for (Stream& stream : streams) stream.reading.close();
+  // The deadline also holds for a child that closes its outputs and lives on.
+  inTime = inTime && waitForExit(*child, deadline);
+  if (!inTime) stop(*child);
+  return Output{.status = reap(*child),
+                .output = withInvalidUtf8Replaced(streams[0].text),
+                .error = withInvalidUtf8Replaced(streams[1].text),
+                .timedOut = !inTime};
+}
+
+}  // namespace spacemint

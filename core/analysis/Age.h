@@ -1,0 +1,12 @@
+#pragma once
+
+#include "core/base/Date.h"
+
+namespace spacemint {
+
+/// True when more than `days` lie between a date and `now`.
+inline bool isOlder(Date date, Date now, double days) {
+  return Seconds{now - date} > Seconds{days * 86'400};
+}
+
+}  // namespace spacemint

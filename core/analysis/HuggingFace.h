@@ -1,0 +1,51 @@
+#pragma once
+
+#include "core/places/Place.h"
+#include "core/tree/Snapshot.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spacemint::DevTools {
+
+/// A repository, or another folder, in the cache of the Hugging Face tools.
+struct HuggingFaceItem {
+  /// owner/name, or the label of a folder that is no repository.
+  std::string repo;
+  /// "Model", "Dataset", "Space" or "Cache folder".
+  std::string kind;
+  /// Full path in the scan tree.
+  std::string path;
+  Bytes size = 0;
+
+  const std::string& id() const { return path; }
+  /// The last part of `repo`.
+  std::string name() const;
+  /// All of `repo` before its last "/", if it has one.
+  std::optional<std::string> owner() const;
+
+  bool operator==(const HuggingFaceItem&) const = default;
+};
+
+struct HuggingFaceRepository {
+  std::string repo;
+  std::string kind;
+
+  bool operator==(const HuggingFaceRepository&) const = default;
+};
+
+/// What a folder of the hub is called: "models--owner--name" is the model owner/name.
+std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view name);
+
+struct HuggingFaceArguments {
+  const Snapshot& in;
+  std::string_view home;
+  Environment environment = {};
+};
+
+/// The folders of the cache, largest first.
+std::vector<HuggingFaceItem> huggingFace(const HuggingFaceArguments& arguments);
+
+}  // namespace spacemint::DevTools

@@ -1,0 +1,15 @@
+#include "core/analysis/ToolState.h"
+
+#include <ranges>
+
+namespace spacemint::DevTools {
+
+std::string lastLine(std::string_view text) {
+  const auto all = lines(text);
+  for (const std::string_view line : all | std::views::reverse) {
+    if (const auto words = trimmed(line); !words.empty()) return std::string{words};
+  }
+  return "Unknown error";
+}
+
+}  // namespace spacemint::DevTools

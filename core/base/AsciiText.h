@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spacemint {
+
+/// Text of programs rather than of people: white space and letter case are those of ASCII.
+
+/// Without white space and line ends at both ends.
+std::string_view trimmed(std::string_view text);
+
+std::string upperCased(std::string_view text);
+std::string lowerCased(std::string_view text);
+
+/// The lines of a text that are not empty.
+std::vector<std::string_view> lines(std::string_view text);
+
+}  // namespace spacemint

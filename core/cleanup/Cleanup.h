@@ -1,0 +1,73 @@
+#pragma once
+
+#include "core/analysis/GitWorktrees.h"
+#include "core/cleanup/CleanupFailure.h"
+#include "core/cleanup/DeletionGuard.h"
+#include "core/host/Removal.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace spacemint {
+
+/// The operations that remove data, for good. Each path passes the guard first. They keep no state, block for
+/// as long as the removal takes, and what is gone when they fail stays gone.
+namespace Cleanup {
+
+/// Domain of errors that come from a file manager with numbers of its own.
+inline constexpr std::string_view fileManagerErrorDomain = "NSCocoaErrorDomain";
+
+/// The first arguments of every run of git: it starts no file-system monitor and runs no hook of a
+/// repository.
+inline constexpr std::array<std::string_view, 4> safeGitOptions{"-c", "core.fsmonitor=false", "-c",
+                                                                "core.hooksPath=/dev/null"};
+
+struct DeleteItem {
+  std::string path;
+  const DeletionGuard& guard;
+  Removal& fileManager;
+  /// What was confirmed; another item at the path is left alone. Absent to take what is there.
+  std::optional<FileIdentity> identity = {};
+};
+
+/// Removes one item with all that is in it. It must lie in the home folder and be no symbolic link.
+std::optional<CleanupFailure> deleteItem(const DeleteItem& arguments);
+
+struct DeleteContents {
+  /// The folder to empty; it stays itself.
+  std::string of;
+  const DeletionGuard& guard;
+  Removal& fileManager;
+  std::optional<FileIdentity> identity = {};
+};
+
+/// Removes every entry of a folder, in listing order, and stops at the first that is refused or fails. Links
+/// among them are removed as links.
+std::optional<CleanupFailure> deleteContents(const DeleteContents& arguments);
+
+/// How a git worktree is to be removed.
+struct RunGit {
+  std::vector<std::string> arguments;
+  bool operator==(const RunGit&) const = default;
+};
+struct DeleteFolder {
+  std::string path;
+  bool operator==(const DeleteFolder&) const = default;
+};
+using WorktreeRemoval = std::variant<RunGit, DeleteFolder>;
+
+/// Git removes the worktrees that it knows: by force only where `uncommittedChanges` were counted and there
+/// are some, so that where they could not be counted git itself refuses to lose any. The folder of an orphan
+/// is deleted.
+WorktreeRemoval worktreeRemoval(const GitWorktree& worktree, std::optional<int> uncommittedChanges);
+
+/// Whether the error, or one that it rests on, says that the right to do it is missing.
+bool isPermissionError(const Error& error);
+
+}  // namespace Cleanup
+
+}  // namespace spacemint

@@ -1,0 +1,48 @@
+#include "core/cleanup/DeletionGuard.h"
+
+#include "core/base/Unicode.h"
+#include "core/tree/Paths.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace spacemint {
+
+namespace {
+
+// What cannot be looked at counts as no link: removing it will say why.
+bool isSymbolicLink(const std::string& path) {
+  std::error_code failure;
+  return std::filesystem::is_symlink(std::filesystem::symlink_status(path, failure));
+}
+
+}  // namespace
+
+DeletionGuard::DeletionGuard(std::string_view home) : home_(Paths::logical(home)) {}
+
+std::optional<std::string> DeletionGuard::check(const Question& question) const {
+  std::string path = Paths::logical(question.path);
+  if (!path.starts_with('/') || path.find("/../") != std::string::npos || path.ends_with("/..")) {
+    return "isn't a plain absolute path";
+  }
+  if (path.size() >= 2 && path.ends_with('/')) path.pop_back();
+  if (isProtected(path)) return "is a protected folder";
+  // Byte for byte: names that only look alike are other folders.
+  if (!question.outsideHomeAllowed && !path.starts_with(Paths::join(home_, ""))) {
+    return "is outside your home folder";
+  }
+  if (!question.linkItself && isSymbolicLink(question.path)) return "is a symbolic link";
+  return std::nullopt;
+}
+
+// Here names that only look alike count as equal, for on some disks they are.
+bool DeletionGuard::isProtected(std::string_view path) const {
+  const std::string_view home = Paths::withoutTrailingSlash(home_);
+  if (canonicallyEqual(path, home)) return true;
+  if (std::ranges::find(protectedFolders, path) != protectedFolders.end()) return true;
+  const auto length = canonicalPrefixLength(path, Paths::join(home, ""));
+  if (!length) return false;
+  return std::ranges::find(protectedInHome, path.substr(*length)) != protectedInHome.end();
+}
+
+}  // namespace spacemint

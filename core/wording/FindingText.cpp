@@ -1,0 +1,62 @@
+#include "core/wording/FindingText.h"
+
+#include "core/base/ByteFormat.h"
+#include "core/base/RelativeTime.h"
+
+namespace spacemint {
+
+std::string FindingText::freeChange(Bytes before, Bytes after, const std::string& locale) {
+  const Bytes change = checkedSubtract(after, before);
+  const auto text = [&](Bytes bytes) { return ByteFormat::string(bytes, locale); };
+  return (change < 0 ? "Free space dropped by " + text(-change) : "Free space grew by " + text(change)) +
+         ", from " + text(before) + " to " + text(after);
+}
+
+std::string FindingText::nothingGrew(Bytes minimum, const std::string& locale) {
+  return "Nothing grew by more than " + ByteFormat::string(minimum, locale) + ".";
+}
+
+std::string FindingText::noCaches(Bytes minimum, const std::string& locale) {
+  return "No package or build caches over " + ByteFormat::string(minimum, locale) + ".";
+}
+
+std::string FindingText::warning(SpaceLevel level, std::int64_t thresholdGB) {
+  switch (level) {
+    case SpaceLevel::ok:
+      return "";
+    case SpaceLevel::critical:
+      return "Your disk is almost full. Free up space soon.";
+    case SpaceLevel::low:
+      return "You're below your " + std::to_string(thresholdGB) +
+             " GB warning level. Here's where the space went.";
+  }
+  return "";
+}
+
+std::string FindingText::trashTitle(const Suggestions::TrashInfo& trash, const std::string& locale) {
+  return ByteFormat::string(trash.size, locale) + " is sitting in the Trash";
+}
+
+std::string FindingText::trashLine(const Suggestions::TrashInfo& trash, const std::string& locale) {
+  const Bytes hidden = trash.hiddenSize();
+  if (hidden < trash.size - hidden) return "It takes space until you empty it.";
+  return "Most of it is hidden (" + ByteFormat::string(hidden, locale) +
+         "), so Finder shows the Trash as empty.";
+}
+
+std::string FindingText::oldBackupTitle(const DeviceBackup& backup, const std::string& locale) {
+  return ByteFormat::string(backup.size, locale) + " in an old backup of " + backup.name;
+}
+
+std::string FindingText::oldBackupLine(const DeviceBackup& backup, Date now, const std::string& locale) {
+  const std::string others = "Newer backups aren't affected.";
+  if (!backup.lastBackup) return others;
+  return "Last backed up " + RelativeTime::age(*backup.lastBackup, now, locale) + ". " + others;
+}
+
+std::string FindingText::worktreeLine(const GitWorktree& worktree, Date now, const std::string& locale) {
+  if (worktree.isOrphaned) return std::string{repositoryIsGone};
+  return worktree.lastUsed ? "used " + RelativeTime::age(*worktree.lastUsed, now, locale) : "";
+}
+
+}  // namespace spacemint

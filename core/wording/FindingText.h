@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/analysis/DeviceBackups.h"
+#include "core/analysis/GitWorktrees.h"
+#include "core/analysis/Suggestions.h"
+#include "core/volume/SpaceLevel.h"
+
+#include <string>
+#include <string_view>
+
+namespace spacemint {
+
+/// What the findings are called where people read them, in the window and in the terminal alike. `locale` is
+/// an ICU locale identifier.
+namespace FindingText {
+
+inline constexpr std::string_view nothingToCompare = "After the next scan, this shows where new space went.";
+inline constexpr std::string_view nothingToClean = "Nothing obvious to clean up.";
+inline constexpr std::string_view noOldWorktrees = "No worktrees untouched for a month.";
+inline constexpr std::string_view repositoryIsGone = "Repository is gone";
+
+/// "Free space dropped by 2 GB, from 34 GB to 32 GB".
+std::string freeChange(Bytes before, Bytes after, const std::string& locale);
+
+/// "Nothing grew by more than 100 MB."
+std::string nothingGrew(Bytes minimum, const std::string& locale);
+/// "No package or build caches over 50 MB."
+std::string noCaches(Bytes minimum, const std::string& locale);
+
+/// What a level below ok means; empty for ok.
+std::string warning(SpaceLevel level, std::int64_t thresholdGB);
+
+std::string trashTitle(const Suggestions::TrashInfo& trash, const std::string& locale);
+/// Whether most of it is hidden.
+std::string trashLine(const Suggestions::TrashInfo& trash, const std::string& locale);
+
+std::string oldBackupTitle(const DeviceBackup& backup, const std::string& locale);
+std::string oldBackupLine(const DeviceBackup& backup, Date now, const std::string& locale);
+
+/// When a worktree was last used, or that its repository is gone; empty when neither is known.
+std::string worktreeLine(const GitWorktree& worktree, Date now, const std::string& locale);
+
+}  // namespace FindingText
+
+}  // namespace spacemint

@@ -1,0 +1,114 @@
+#include "spacemintctl/SectionCommands.h"
+
+#include "core/base/ByteFormat.h"
+#include "core/base/RelativeTime.h"
+#include "core/host/UserFolders.h"
+#include "core/host/VolumeInfo.h"
+#include "core/settings/Settings.h"
+#include "core/volume/VolumeStatus.h"
+#include "core/wording/FindingText.h"
+#include "spacemintctl/Console.h"
+#include "spacemintctl/StoredScan.h"
+
+#include <utility>
+
+namespace spacemint::ctl {
+
+namespace {
+
+Date now() {
+  return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+}
+
+// Without a scan where none is looked at.
+std::expected<Scene, Error> sceneFor(const SectionOptions& options, bool looksAtScan) {
+  std::expected<Snapshot, Error> snapshot;
+  if (looksAtScan) snapshot = storedScan(SnapshotStore::standard(), options.scan);
+  if (!snapshot) return std::unexpected(std::move(snapshot).error());
+  return Scene{.snapshot = std::move(*snapshot),
+               .wording = {.home = UserFolders::home(), .locale = userLocale()},
+               .environment = UserFolders::environment,
+               .now = now(),
+               .since = options.since,
+               .top = options.top};
+}
+
+std::expected<Findings, Error> findingsOf(const Section& section, Scene& scene,
+                                          const SectionOptions& options) {
+  scene.minimum = options.minimum.value_or(section.minimum.value_or(0));
+  return section.find(scene);
+}
+
+int fail(const Error& error) {
+  complain(printable(error.message));
+  return failed;
+}
+
+std::int64_t warningThreshold() {
+  DefaultsStore store = DefaultsStore::standard();
+  store.registerDefaults(registeredSettings());
+  return store.integer(describe(Setting::warningThresholdGB).key).value_or(0);
+}
+
+std::string volumeText(const VolumeStatus& volume, std::int64_t thresholdGB, const Scene& scene) {
+  std::string text = shownSize(volume.free, scene) + " free of " + shownSize(volume.total, scene) + " on " +
+                     printable(volume.name) + '\n';
+  const std::string warning = FindingText::warning(spaceLevel(volume.free, thresholdGB), thresholdGB);
+  return warning.empty() ? text : text + warning + '\n';
+}
+
+std::string scanText(const Scene& scene) {
+  const std::string& locale = scene.wording.locale;
+  const Snapshot& scan = scene.snapshot;
+  return "Scanned " + RelativeTime::string(scan.date, scene.now, locale) + ": " +
+         shownPath(scan.rootPath(), scene) + ", " + shownSize(scan.root.size, scene) + " in " +
+         groupedNumber(scan.fileCount, locale) + " files\n";
+}
+
+const char* name(SpaceLevel level) {
+  constexpr const char* names[] = {"ok", "low", "critical"};
+  return names[std::to_underlying(level)];
+}
+
+// The free space as it is now, not as it was when the scan was made.
+void addHead(Findings& report, const Scene& scene) {
+  const auto volume = VolumeStatus::current(startupVolume());
+  const std::int64_t thresholdGB = warningThreshold();
+  if (volume) {
+    report.text += volumeText(*volume, thresholdGB, scene);
+    report.json["volume"] = {
+        {"name", jsonText(volume->name)}, {"total", volume->total}, {"free", volume->free}};
+    report.json["level"] = name(spaceLevel(volume->free, thresholdGB));
+  }
+  report.text += scanText(scene);
+  report.json["scan"] = {{"date", universalTime(scene.snapshot.date)},
+                         {"root", jsonText(scene.snapshot.rootPath())},
+                         {"size", scene.snapshot.root.size},
+                         {"fileCount", scene.snapshot.fileCount}};
+}
+
+}  // namespace
+
+int runSection(const Section& section, const SectionOptions& options) {
+  auto scene = sceneFor(options, section.looksAtScan);
+  if (!scene) return fail(scene.error());
+  const auto findings = findingsOf(section, *scene, options);
+  if (!findings) return fail(findings.error());
+  return print(options.json ? findings->json.dump() + '\n' : findings->text) ? done : failed;
+}
+
+int runReport(const SectionOptions& options) {
+  auto scene = sceneFor(options, true);
+  if (!scene) return fail(scene.error());
+  Findings report{.text = "", .json = Json::object()};
+  addHead(report, *scene);
+  for (const Section& section : sections()) {
+    auto findings = findingsOf(section, *scene, options);
+    if (!findings) return fail(findings.error());
+    if (findings->isWorthReporting) report.text += std::string{"\n"} + section.title + '\n' + findings->text;
+    report.json[section.command] = std::move(findings->json);
+  }
+  return print(options.json ? report.json.dump() + '\n' : report.text) ? done : failed;
+}
+
+}  // namespace spacemint::ctl

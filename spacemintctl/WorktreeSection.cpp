@@ -1,0 +1,56 @@
+#include "core/analysis/GitWorktrees.h"
+#include "core/wording/FindingText.h"
+#include "spacemintctl/Console.h"
+#include "spacemintctl/Section.h"
+
+#include <algorithm>
+#include <ranges>
+
+namespace spacemint::ctl {
+
+namespace {
+
+constexpr double staleDays = 30;
+
+Json jsonOf(const GitWorktree& worktree, Date now) {
+  return {{"path", jsonText(worktree.path)},
+          {"size", worktree.size},
+          {"repository", jsonOptional(worktree.repository)},
+          {"repositoryPath", jsonOptional(worktree.repositoryPath)},
+          {"branch", jsonOptional(worktree.branch)},
+          {"lastUsed", jsonDate(worktree.lastUsed)},
+          {"isOrphaned", worktree.isOrphaned},
+          {"isOld", worktree.isOld(now, staleDays)}};
+}
+
+// The repository and what is checked out, as far as they are known.
+std::string origin(const GitWorktree& worktree) {
+  std::string text = printable(worktree.repository.value_or(""));
+  if (worktree.branch) text += " (" + printable(*worktree.branch) + ")";
+  return text;
+}
+
+}  // namespace
+
+std::expected<Findings, Error> worktreeFindings(const Scene& scene) {
+  auto worktrees = GitWorktrees::find({.in = scene.snapshot, .minimum = scene.minimum});
+  Json list = Json::array();
+  for (const GitWorktree& each : worktrees) list.push_back(jsonOf(each, scene.now));
+
+  // Those nobody works in first.
+  std::ranges::stable_partition(worktrees,
+                                [&](const GitWorktree& each) { return each.isOld(scene.now, staleDays); });
+  Table table{1};
+  for (const GitWorktree& each : worktrees | std::views::take(scene.top)) {
+    table.add({shownSize(each.size, scene), each.isOld(scene.now, staleDays) ? "stale" : "active",
+               FindingText::worktreeLine(each, scene.now, scene.wording.locale), origin(each),
+               shownPath(each.path, scene)});
+  }
+  addRest(table, worktrees.size(), scene.top);
+  return Findings{.text = table.empty() ? "No worktrees of " + shownSize(scene.minimum, scene) + " or more.\n"
+                                        : table.text(),
+                  .json = std::move(list),
+                  .isWorthReporting = !table.empty()};
+}
+
+}  // namespace spacemint::ctl

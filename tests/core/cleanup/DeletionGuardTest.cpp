@@ -1,0 +1,100 @@
+#include "core/cleanup/DeletionGuard.h"
+
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace spacemint {
+namespace {
+
+constexpr std::optional<std::string> allowed;
+const std::optional<std::string> notPlain = "isn't a plain absolute path";
+const std::optional<std::string> isProtected = "is a protected folder";
+const std::optional<std::string> outside = "is outside your home folder";
+
+std::optional<std::string> check(const std::string& path, const std::string& home = "/home/ann") {
+  return DeletionGuard{home}.check({.path = path});
+}
+
+TEST(DeletionGuard, decidesByTheTextOfThePath) {
+  const std::string longName(100'000, 'x');
+  const std::pair<std::string, std::optional<std::string>> cases[]{
+      {"", notPlain},
+      {"notes/a.txt", notPlain},
+      {"~/a.txt", notPlain},
+      {"/home/ann/x/../Documents", notPlain},
+      {"/home/ann/x/..", notPlain},
+      {"/..", notPlain},
+      {"/System/Volumes/Data..", notPlain},
+      {"/System/Volumes/Datax", notPlain},
+      {"/", isProtected},
+      {"/System/Volumes/Data", isProtected},
+      {"/System/Volumes/Data/home/ann/Documents", isProtected},
+      {"/home/ann", isProtected},
+      {"/home/ann/", isProtected},
+      {"/home/ann/Documents/", isProtected},
+      {"/home/ann/.local/share/Trash", isProtected},
+      {"/home", isProtected},
+      {"/usr/", isProtected},
+      {"/usr/share", outside},
+      {"/home/ann2/file", outside},
+      {"/home/an", outside},
+      {"/Home/ann/x", outside},
+      {"/home//ann/x", outside},
+      {"/home/ann/..x", allowed},
+      {"/home/ann/x..", allowed},
+      {"/home/ann/Downloads/big.zip", allowed},
+      {"/System/Volumes/Data/home/ann/big.zip", allowed},
+      {"/home/ann/documents", allowed},
+      {"/home/ann/not there", allowed},
+      {"/home/ann/line\nbreak", allowed},
+      {"/home/ann/\xff\xfe", allowed},
+      {"/home/ann/" + longName, allowed},
+      {"/" + longName, outside},
+  };
+  for (const auto& [path, reason] : cases) EXPECT_EQ(check(path), reason) << path.substr(0, 100);
+}
+
+TEST(DeletionGuard, protectsEveryFolderOfItsTablesWhereverTheHomeFolderIs) {
+  for (const auto folder : DeletionGuard::protectedFolders) {
+    EXPECT_EQ(DeletionGuard{"/home/ann"}.check({std::string{folder}, true, true}), isProtected) << folder;
+  }
+  const char* spellings[]{"/home/ann", "/home/ann/", "/System/Volumes/Data/home/ann"};
+  for (const char* home : spellings) {
+    for (const auto folder : DeletionGuard::protectedInHome) {
+      const std::string path = "/home/ann" + (folder.empty() ? "" : "/" + std::string{folder});
+      EXPECT_EQ(DeletionGuard{home}.check({path, true, true}), isProtected) << home << " " << path;
+    }
+    EXPECT_EQ(check("/home/ann/x", home), allowed) << home;
+    EXPECT_EQ(check("/home/ben/x", home), outside) << home;
+  }
+}
+
+TEST(DeletionGuard, knowsAHomeFolderThatIsTheRoot) {
+  for (const char* home : {"/", "/System/Volumes/Data"}) {
+    EXPECT_EQ(check("/x", home), allowed);
+    EXPECT_EQ(check("/Documents", home), isProtected);
+    EXPECT_EQ(check("/", home), isProtected);
+  }
+}
+
+TEST(DeletionGuard, takesNamesThatLookAlikeForTheSameOnlyToRefuse) {
+  const std::string composed = "/home/zo\u00eb";
+  const std::string decomposed = "/home/zoe\u0308";
+  EXPECT_EQ(check(decomposed + "/Documents", composed), isProtected);
+  EXPECT_EQ(check(decomposed, composed), isProtected);
+  EXPECT_EQ(check(decomposed + "/x", composed), outside);
+}
+
+TEST(DeletionGuard, refusesALinkUnlessTheLinkItselfIsMeant) {
+  const support::TemporaryFolder home;
+  std::filesystem::create_directory_symlink("/usr", home / "link");
+  const DeletionGuard guard{home.path()};
+  EXPECT_EQ(guard.check({.path = home / "link"}), "is a symbolic link");
+  EXPECT_EQ(guard.check({.path = home / "link", .linkItself = true}), allowed);
+}
+
+}  // namespace
+}  // namespace spacemint

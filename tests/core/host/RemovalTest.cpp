@@ -1,0 +1,417 @@
+// Removal on real files: everything of the item goes, and whatever is done to it meanwhile, nothing else.
+
+#include "core/host/Removal.h"
+
+#include "core/host/linux/FolderEraser.h"
+#include "support/ChildProcess.h"
+#include "support/OwnMounts.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/inotify.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+namespace spacemint {
+namespace {
+
+namespace fs = std::filesystem;
+using support::canMount;
+using support::enterOwnMounts;
+using support::TemporaryFolder;
+
+constexpr int rounds = 10'000;
+
+void write(const std::string& path, const std::string& text = "text") {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string read(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>{file}, {}};
+}
+
+struct stat statusOf(const std::string& path) {
+  struct stat status {};
+  lstat(path.c_str(), &status);
+  return status;
+}
+
+// 0 for a success.
+int remove(const RemovalTarget& target) {
+  const auto removed = hostRemoval()->remove(target);
+  return removed ? 0 : removed.error().code;
+}
+
+// Makes `depth` folders of one name, each in the one before, and answers a handle of the deepest.
+FileHandle makeChain(const std::string& start, const std::string& name, int depth) {
+  FileHandle at{open(start.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  for (int i = 0; i < depth; ++i) {
+    mkdirat(at.get(), name.c_str(), 0700);
+    at = FileHandle{openat(at.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  }
+  return at;
+}
+
+void fill(const FileHandle& folder, const std::string& prefix, int count) {
+  for (int i = 0; i < count; ++i) {
+    FileHandle{
+        openat(folder.get(), (prefix + std::to_string(i)).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600)};
+  }
+}
+
+// An item to remove, and beside it what must never be touched.
+class RemovalTest : public testing::Test {
+ protected:
+  RemovalTest() {
+    fs::create_directories(outside / "inner");
+    write(outside / "treasure");
+    write(outside / "inner/treasure");
+    fs::create_directory(item);
+  }
+
+  bool outsideIsWhole() const {
+    return read(outside / "treasure") == "text" && read(outside / "inner/treasure") == "text";
+  }
+
+  TemporaryFolder outside;
+  TemporaryFolder home;
+  const std::string item = home / "item";
+};
+
+TEST_F(RemovalTest, takesEverythingThatCanBeInAFolder) {
+  fs::create_directories(item + "/folder/folder/empty");
+  fs::create_directory(item + "/locked");
+  fs::permissions(item + "/locked", fs::perms::none);
+  write(item + "/folder/read only");
+  fs::permissions(item + "/folder/read only", fs::perms::owner_read);
+  write(item + "/line\nbreak \xff\xfe");
+  fs::create_directory(item + "/\xff\n");
+  ASSERT_EQ(mkfifo((item + "/pipe").c_str(), 0600), 0);
+  fs::create_directory_symlink(outside.path(), item + "/link to a folder");
+  fs::create_symlink(outside / "treasure", item + "/link to a file");
+  fs::create_symlink("nowhere", item + "/link to nothing");
+  EXPECT_EQ(remove({.path = item}), 0);
+  EXPECT_TRUE(fs::is_empty(home.path()));
+  EXPECT_TRUE(outsideIsWhole());
+}
+
+TEST_F(RemovalTest, takesASingleFileOfAnyKind) {
+  write(home / "file");
+  ASSERT_EQ(mkfifo((home / "pipe").c_str(), 0600), 0);
+  EXPECT_EQ(remove({.path = home / "file"}), 0);
+  EXPECT_EQ(remove({.path = home / "pipe"}), 0);
+  EXPECT_EQ(remove({.path = home / "file"}), ENOENT);
+  EXPECT_EQ(remove({.path = item + "/"}), 0);
+  EXPECT_TRUE(fs::is_empty(home.path()));
+}
+
+TEST_F(RemovalTest, leavesTheOtherNamesOfAFileAsTheyWere) {
+  const struct stat before = statusOf(outside / "treasure");
+  fs::permissions(outside / "inner/treasure", fs::perms::owner_read);
+  fs::create_hard_link(outside / "treasure", item + "/same");
+  fs::create_hard_link(outside / "inner/treasure", item + "/same, read only");
+  EXPECT_EQ(remove({.path = item}), 0);
+  const struct stat after = statusOf(outside / "treasure");
+  EXPECT_TRUE(outsideIsWhole());
+  EXPECT_EQ(after.st_mode, before.st_mode);
+  EXPECT_EQ(after.st_nlink, 1U);
+  EXPECT_EQ(statusOf(outside / "inner/treasure").st_mode & 0777U, 0400U);
+}
+
+TEST_F(RemovalTest, goesTenThousandFoldersDownWithFewHandles) {
+  const FileHandle deepest = makeChain(item, std::string(20, 'd'), 10'000);
+  fill(deepest, "file", 3);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    const rlimit few{FolderEraser::handleLimit + 16, FolderEraser::handleLimit + 16};
+    return setrlimit(RLIMIT_NOFILE, &few) == 0 && remove({.path = item}) == 0;
+  }));
+  EXPECT_FALSE(fs::exists(item));
+}
+
+TEST_F(RemovalTest, needsNoMoreMemoryForALargerFolder) {
+  const std::string prefix(200, 'n');
+  fill(FileHandle{open(item.c_str(), O_RDONLY | O_DIRECTORY)}, prefix, 50'000);
+  for (int i = 0; i < 5'000; ++i)
+    fs::create_directory(item + "/" + std::string(200, 'f') + std::to_string(i));
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_SELF, &before);
+    const bool removed = remove({.path = item}) == 0;
+    getrusage(RUSAGE_SELF, &after);
+    return removed && after.ru_maxrss - before.ru_maxrss < 4'000;  // the names alone are 11,000 kB
+  }));
+}
+
+TEST_F(RemovalTest, comesBackToWhatIsLeftOfFoldersItHadToClose) {
+  std::string path = item;
+  for (std::size_t depth = 0; depth < FolderEraser::handleLimit * 3; ++depth) {
+    for (const char* sibling : {"/a", "/m", "/z"}) fs::create_directories(path + sibling + "/below");
+    write(path + "/file");
+    path += "/m";
+  }
+  EXPECT_EQ(remove({.path = item}), 0);
+  EXPECT_FALSE(fs::exists(item));
+}
+
+TEST_F(RemovalTest, refusesPathsThatAreNotPlain) {
+  for (const std::string& path : {std::string{}, std::string{"item"}, std::string{"/"}, std::string{"//."},
+                                  home / "..", home / "other/../item", std::string("/tmp\0/x", 7)}) {
+    EXPECT_EQ(remove({.path = path}), EINVAL) << path;
+  }
+  EXPECT_EQ(remove({.path = "/" + std::string(100'000, 'x')}), ENAMETOOLONG);
+  EXPECT_TRUE(fs::exists(item));
+}
+
+TEST_F(RemovalTest, findsItsWayAlongPathsLongerThanTheSystemTakes) {
+  const std::string name(200, 'n');
+  const FileHandle deepest = makeChain(item, name, 500);
+  fill(deepest, "file", 1);
+  std::string path = item;
+  for (int i = 0; i < 500; ++i) path += "/" + name;
+  ASSERT_GT(path.size(), 100'000U);
+  EXPECT_EQ(remove({.path = path + "/./file0"}), 0);
+  EXPECT_NE(faccessat(deepest.get(), "file0", F_OK, 0), 0);
+  EXPECT_EQ(remove({.path = path}), 0);
+  EXPECT_EQ(statusOf(item).st_nlink, 3U);
+}
+
+TEST_F(RemovalTest, followsLinksAsFarAsItIsToldAndNoFurther) {
+  fs::create_directory_symlink(home.path(), outside / "home");
+  fs::create_directory_symlink("item", home / "way");
+  fs::create_directories(item + "/inner");
+  const std::string linkedHome = outside / "home";
+  EXPECT_EQ(remove({.path = linkedHome + "/item/inner"}), ELOOP);
+  EXPECT_EQ(remove({.path = linkedHome + "/way/inner", .linksAllowedUpTo = linkedHome}), ELOOP);
+  EXPECT_EQ(remove({.path = linkedHome + "/way", .linksAllowedUpTo = linkedHome}), ELOOP);
+  EXPECT_EQ(remove({.path = linkedHome, .linksAllowedUpTo = linkedHome}), ELOOP);
+  EXPECT_FALSE(hostRemoval()->open({.path = home / "way"}));
+  EXPECT_TRUE(fs::exists(item + "/inner"));
+  for (const std::string& start : {linkedHome, linkedHome + "/"}) {
+    fs::create_directories(item + "/inner");
+    EXPECT_EQ(remove({.path = linkedHome + "/item/inner", .linksAllowedUpTo = start}), 0);
+  }
+  EXPECT_FALSE(fs::exists(item + "/inner"));
+}
+
+TEST_F(RemovalTest, leavesAnotherItemThanTheConfirmedOneAlone) {
+  const auto confirmed = fileIdentity(item);
+  ASSERT_TRUE(confirmed);
+  fs::rename(item, home / "moved away");
+  EXPECT_EQ(remove({.path = item, .identity = *confirmed}), ENOENT);
+  const std::vector<std::function<void()>> replacements{
+      [&] { write(item); }, [&] { fs::create_directory_symlink(outside.path(), item); },
+      [&] { fs::create_directories(item + "/x"); }};
+  for (const auto& replace : replacements) {
+    fs::remove_all(item);
+    replace();
+    EXPECT_EQ(remove({.path = item, .identity = *confirmed}), ESTALE);
+    const auto opened = hostRemoval()->open({.path = item, .identity = *confirmed});
+    EXPECT_TRUE(!opened && opened.error().isSystem(ESTALE));
+    EXPECT_TRUE(fs::exists(fs::symlink_status(item)));
+  }
+  EXPECT_TRUE(fs::exists(item + "/x"));
+  EXPECT_EQ(remove({.path = home / "moved away", .identity = *confirmed}), 0);
+}
+
+// While `attack` goes round after round on another thread, the item is removed again and again.
+void removeUnderAttack(const RemovalTarget& target, const std::function<void()>& attack) {
+  std::atomic<bool> over = false;
+  std::thread attacker([&] {
+    for (int round = 0; round < rounds; ++round) attack();
+    over = true;
+  });
+  while (!over) remove(target);
+  attacker.join();
+  remove(target);
+}
+
+TEST_F(RemovalTest, neverFollowsAFolderThatTurnsIntoALink) {
+  const std::string parked = home / "parked";
+  const std::string victim = item + "/victim";
+  removeUnderAttack({.path = item}, [&] {
+    mkdir(item.c_str(), 0700);
+    mkdir(victim.c_str(), 0700);
+    close(open((victim + "/file").c_str(), O_CREAT | O_WRONLY, 0600));
+    if (symlink(outside.path().c_str(), parked.c_str()) != 0 && errno != EEXIST) return;
+    for (int swap = 0; swap < 4; ++swap)
+      renameat2(AT_FDCWD, victim.c_str(), AT_FDCWD, parked.c_str(), RENAME_EXCHANGE);
+  });
+  EXPECT_TRUE(outsideIsWhole());
+}
+
+TEST_F(RemovalTest, neverFollowsALinkThatAppearsOnTheWay) {
+  fs::create_directories(home / "way/inner");
+  fs::create_directory_symlink(outside.path(), home / "trap");
+  const std::string way = home / "way";
+  const std::string trap = home / "trap";
+  // An item of the same name lies behind the trap.
+  removeUnderAttack({.path = way + "/inner", .linksAllowedUpTo = home.path()},
+                    [&] { renameat2(AT_FDCWD, way.c_str(), AT_FDCWD, trap.c_str(), RENAME_EXCHANGE); });
+  EXPECT_TRUE(outsideIsWhole());
+}
+
+TEST_F(RemovalTest, doesNotGoUpIntoAnotherFolderThanItCameFrom) {
+  // Deep enough for the handles above to be closed, with a folder at its end that takes a while.
+  bool movedInTime = false;
+  for (int attempt = 0; attempt < 20 && !movedInTime; ++attempt) {
+    fs::create_directories(item + "/a/b");
+    const FileHandle deepest = makeChain(item + "/a/b", "c", static_cast<int>(FolderEraser::handleLimit) + 8);
+    fill(deepest, "file", 5'000);
+    const int events = inotify_init1(IN_CLOEXEC);
+    ASSERT_GE(
+        inotify_add_watch(events, ("/proc/self/fd/" + std::to_string(deepest.get())).c_str(), IN_DELETE), 0);
+    std::thread mover([&] {
+      char event[4'096];
+      if (::read(events, event, sizeof event) > 0) {
+        rename((item + "/a/b/c").c_str(), (outside / "c").c_str());
+      }
+    });
+    const int failure = remove({.path = item});
+    mover.join();
+    close(events);
+    movedInTime = failure == ESTALE;
+    EXPECT_TRUE(movedInTime || failure == 0) << failure;
+    EXPECT_TRUE(outsideIsWhole());
+    fs::remove_all(outside / "c");
+  }
+  EXPECT_TRUE(movedInTime);
+}
+
+TEST_F(RemovalTest, takesWhatVanishesMeanwhileAsRemoved) {
+  for (int round = 0; round < 20; ++round) {
+    for (int i = 0; i < 20; ++i) {
+      fs::create_directories(item + "/" + std::to_string(i) + "/below");
+      for (int j = 0; j < 10; ++j) write(item + "/" + std::to_string(i) + "/" + std::to_string(j));
+    }
+    int failures[2]{};
+    std::thread other([&] { failures[0] = remove({.path = item}); });
+    failures[1] = remove({.path = item});
+    other.join();
+    // The later one may find nothing to begin with, but not both.
+    for (const int failure : failures) EXPECT_TRUE(failure == 0 || failure == ENOENT) << failure;
+    EXPECT_TRUE(failures[0] == 0 || failures[1] == 0);
+    EXPECT_FALSE(fs::exists(item));
+  }
+}
+
+TEST_F(RemovalTest, emptiesTheOpenedFolderWhereverItsPathLeads) {
+  fs::create_directories(item + "/folder/below");
+  for (const char* name : {"/inner", "/treasure", "/vanishing"}) write(item + name);
+  const auto opened = hostRemoval()->open({.path = item});
+  ASSERT_TRUE(opened);
+  fs::rename(item, home / "elsewhere");
+  fs::create_directory_symlink(outside.path(), item);
+  fs::remove(home / "elsewhere/vanishing");
+  const std::vector<std::string> removed{"folder", "inner", "treasure", "vanishing"};
+  for (const std::string& name : removed) EXPECT_TRUE((*opened)->remove(name)) << name;
+  EXPECT_TRUE(fs::is_empty(home / "elsewhere"));
+  EXPECT_TRUE(outsideIsWhole());
+}
+
+TEST_F(RemovalTest, listsEveryNameOnceAndNothingElse) {
+  fill(FileHandle{open(item.c_str(), O_RDONLY | O_DIRECTORY)}, std::string(230, 'n'),
+       3'000);  // three batches
+  const auto opened = hostRemoval()->open({.path = item});
+  ASSERT_TRUE(opened);
+  std::size_t count = 0;
+  for (auto names = (*opened)->nextNames(); names && !names->empty(); names = (*opened)->nextNames()) {
+    count += names->size();
+    for (const std::string& name : *names) EXPECT_TRUE((*opened)->remove(name));
+  }
+  EXPECT_EQ(count, 3'000U);
+  EXPECT_TRUE(fs::is_empty(item));
+}
+
+TEST_F(RemovalTest, changesNoModeToGetThrough) {
+  fs::permissions(home.path(), fs::perms::owner_all | fs::perms::others_all);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    const std::string mine = home / "mine";
+    if (!support::becomeNobody()) return false;
+    fs::create_directories(mine + "/full");
+    write(mine + "/full/file");
+    for (const auto mode : {fs::perms::owner_read | fs::perms::owner_exec, fs::perms::none}) {
+      fs::permissions(mine + "/full", mode);
+      if (remove({.path = mine}) != EACCES || fs::status(mine + "/full").permissions() != mode) return false;
+      if (remove({.path = mine + "/full"}) != EACCES) return false;
+    }
+    fs::permissions(mine + "/full", fs::perms::owner_all);
+    return fs::exists(mine + "/full/file") && remove({.path = mine}) == 0;
+  }));
+}
+
+TEST_F(RemovalTest, stopsAtAnImmutableFile) {
+  write(item + "/fixed");
+  const FileHandle fixed{open((item + "/fixed").c_str(), O_RDONLY | O_CLOEXEC)};
+  int flags = FS_IMMUTABLE_FL;
+  if (ioctl(fixed.get(), FS_IOC_SETFLAGS, &flags) != 0) GTEST_SKIP() << "no immutable files to be had here";
+  EXPECT_EQ(remove({.path = item}), EPERM);
+  EXPECT_EQ(remove({.path = item + "/fixed"}), EPERM);
+  flags = 0;
+  ioctl(fixed.get(), FS_IOC_SETFLAGS, &flags);
+  EXPECT_EQ(read(item + "/fixed"), "text");
+}
+
+// What `mountIn` mounts below the item must stop a removal before it begins, and the eraser when it gets
+// there.
+bool stopsAtMount(const std::string& item, const std::function<bool()>& mountIn, int onTheWay) {
+  return support::succeedsInChild([&] {
+    if (!enterOwnMounts() || !mountIn()) return false;
+    const auto opened = hostRemoval()->open({.path = item});
+    const auto child = opened ? (*opened)->remove("folder") : std::unexpected(opened.error());
+    if (remove({.path = item}) != EXDEV || child || !child.error().isSystem(EXDEV)) return false;
+    if (!fs::exists(item + "/folder/first")) return false;
+    FileHandle folder{open((item + "/folder").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+    const auto facts = factsOf(folder);
+    FolderEraser eraser{item};
+    const auto emptied = eraser.empty(std::move(folder), *facts);
+    return !emptied && emptied.error().code == onTheWay;
+  });
+}
+
+TEST_F(RemovalTest, neverEntersWhatIsMountedInTheItem) {
+  if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  const std::string place = item + "/folder/first";
+  fs::create_directories(place);
+  const auto bind = [&](const std::string& from, const std::string& to) {
+    return mount(from.c_str(), to.c_str(), nullptr, MS_BIND, nullptr) == 0;
+  };
+  // Another folder of the same device, and a file system of its own.
+  EXPECT_TRUE(stopsAtMount(
+      item, [&] { return bind(outside.path(), place); }, EXDEV));
+  EXPECT_TRUE(outsideIsWhole());
+  const auto mountVolume = [&] { return mount("none", place.c_str(), "tmpfs", 0, "size=1m") == 0; };
+  EXPECT_TRUE(stopsAtMount(item, mountVolume, EXDEV));
+  fs::remove(place);
+  write(place);
+  EXPECT_TRUE(stopsAtMount(
+      item, [&] { return bind(outside / "treasure", place); }, EBUSY));
+  EXPECT_TRUE(outsideIsWhole());
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    return enterOwnMounts() && bind(outside.path(), item) && remove({.path = item}) == EXDEV &&
+           !hostRemoval()->open({.path = item}) && outsideIsWhole();
+  }));
+}
+
+TEST_F(RemovalTest, leavesNoHandleOpen) {
+  const auto openHandles = [] {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{});
+  };
+  const auto before = openHandles();
+  makeChain(item, "d", 100);
+  EXPECT_EQ(remove({.path = item}), 0);
+  EXPECT_EQ(remove({.path = item}), ENOENT);
+  EXPECT_EQ(openHandles(), before);
+}
+
+}  // namespace
+}  // namespace spacemint
