@@ -29,12 +29,11 @@ std::string shown(const std::string& path, const Wording& wording) {
 
 std::string secondsText(Seconds duration) {
   std::string text(32, '\0');
-  text.resize(static_cast<std::size_t>(std::snprintf(
-      text.data(), text.size(), 
-      duration.count() < 0.1  ? "%.3f s"
-      : duration.count() < 10 ? "%.1f s"
-                              : "%.0f s",
-      duration.count())));
+  text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(),
+                                                     duration.count() < 0.1  ? "%.3f s"
+                                                     : duration.count() < 10 ? "%.1f s"
+                                                                             : "%.0f s",
+                                                     duration.count())));
   return text;
 }
 

@@ -28,11 +28,12 @@ ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start
   auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::standard(), "")};
   const auto journal = hostEventJournal();
   const ChangeLog log{*journal};
-  return ScanPlan::make(log, {.root = root,
-                              .minNodeSize = options.minSize,
-                              .now = start,
-                              .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
-                              .mayReuse = !options.full});
+  return ScanPlan::make(log,
+                        {.root = root,
+                         .minNodeSize = options.minSize,
+                         .now = start,
+                         .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
+                         .mayReuse = !options.full});
 }
 
 // Why `root` cannot be scanned, if it cannot.

@@ -40,8 +40,8 @@ class ChangeLog {
   /// Every folder that changed since, or why that cannot be told. Blocks for about `timeout` at the most.
   std::expected<Changes, JournalAbsence> changes(const Question& question) const;
 
-  /// A scan's `reuse`: a folder in and below which nothing changed is answered with what `previous` has of it.
-  /// The function holds copies of both.
+  /// A scan's `reuse`: a folder in and below which nothing changed is answered with what `previous` has of
+  /// it. The function holds copies of both.
   static DiskScanner::Reuse reuse(Snapshot previous, Changes changes);
 
  private:

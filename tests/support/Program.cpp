@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
+#include <utility>
 
 namespace spacemint::support {
 
@@ -71,6 +73,36 @@ Outcome Program::start(const std::vector<std::string>& arguments, bool asNobody,
   }
   const int exitCode = exitCodeOf(child);
   return {exitCode, contentsOf(said / "out"), contentsOf(said / "err")};
+}
+
+Program::Running Program::begin(const std::vector<std::string>& arguments) const {
+  int ends[2];
+  if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    become(arguments);
+  }
+  close(ends[1]);
+  return {child, ends[0]};
+}
+
+Program::Running::~Running() {
+  if (child_ > 0) end(SIGKILL);
+  close(output_);
+}
+
+std::string Program::Running::line() const {
+  std::string text;
+  for (char next = 0; read(output_, &next, 1) == 1 && next != '\n';) text += next;
+  return text;
+}
+
+int Program::Running::end(int signal) {
+  kill(child_, signal);
+  return exitCodeOf(std::exchange(child_, -1));
 }
 
 bool Program::canHaveTerminal() {

@@ -112,12 +112,14 @@ void RandomDisk::removeTree(const std::string& path) {
 
 void RandomDisk::step() {
   static constexpr std::array operations{
-      &RandomDisk::changeFile,    &RandomDisk::changeFile, &RandomDisk::changeThroughMapping, &RandomDisk::changeThroughMapping,
-      &RandomDisk::changeKept,    &RandomDisk::changeKept, &RandomDisk::changeAllocation,
-      &RandomDisk::linkFile,      &RandomDisk::moveFile,   &RandomDisk::moveFolder,
-      &RandomDisk::moveFolder,    &RandomDisk::exchange,   &RandomDisk::moveAcrossTheBorder,
-      &RandomDisk::changeFolders, &RandomDisk::changeFolders, &RandomDisk::replaceFolder,
-      &RandomDisk::changeFacts,   &RandomDisk::changeFacts, &RandomDisk::changeFacts, &RandomDisk::createAndDelete, &RandomDisk::fillAndExchange, &RandomDisk::fillAndExchange};
+      &RandomDisk::changeFile,           &RandomDisk::changeFile,      &RandomDisk::changeThroughMapping,
+      &RandomDisk::changeThroughMapping, &RandomDisk::changeKept,      &RandomDisk::changeKept,
+      &RandomDisk::changeAllocation,     &RandomDisk::linkFile,        &RandomDisk::moveFile,
+      &RandomDisk::moveFolder,           &RandomDisk::moveFolder,      &RandomDisk::exchange,
+      &RandomDisk::moveAcrossTheBorder,  &RandomDisk::changeFolders,   &RandomDisk::changeFolders,
+      &RandomDisk::replaceFolder,        &RandomDisk::changeFacts,     &RandomDisk::changeFacts,
+      &RandomDisk::changeFacts,          &RandomDisk::createAndDelete, &RandomDisk::fillAndExchange,
+      &RandomDisk::fillAndExchange};
   (this->*operations[below(operations.size())])();
 }
 
@@ -125,9 +127,15 @@ void RandomDisk::changeFile() {
   static constexpr std::array flags{0, O_APPEND, O_TRUNC};
   const std::string path = file();
   switch (below(4)) {
-    case 0: unlink(path.c_str()); break;
-    case 1: write(path, flags[below(flags.size())], below(60'000)); break;
-    default: write(path, flags[below(flags.size())], below(6'000)); break;
+    case 0:
+      unlink(path.c_str());
+      break;
+    case 1:
+      write(path, flags[below(flags.size())], below(60'000));
+      break;
+    default:
+      write(path, flags[below(flags.size())], below(6'000));
+      break;
   }
 }
 
@@ -208,10 +216,18 @@ void RandomDisk::moveFolder() {
 void RandomDisk::moveAcrossTheBorder() {
   const std::string elsewhere = outsideFolder();
   switch (below(4)) {
-    case 0: rename(subfolderThatIsThere().c_str(), elsewhere.c_str()); break;
-    case 1: rename(elsewhere.c_str(), subfolder().c_str()); break;
-    case 2: makeTree(elsewhere, 2); break;
-    default: write(elsewhere + "/" + fileName(), O_APPEND, below(9'000)); break;
+    case 0:
+      rename(subfolderThatIsThere().c_str(), elsewhere.c_str());
+      break;
+    case 1:
+      rename(elsewhere.c_str(), subfolder().c_str());
+      break;
+    case 2:
+      makeTree(elsewhere, 2);
+      break;
+    default:
+      write(elsewhere + "/" + fileName(), O_APPEND, below(9'000));
+      break;
   }
 }
 
@@ -244,8 +260,12 @@ void RandomDisk::replaceFolder() {
     case 0:
       if (symlink(outside_.c_str(), path.c_str()) != 0) return;
       break;
-    case 1: write(path, 0, below(9'000)); break;
-    default: makeTree(path, 2); break;
+    case 1:
+      write(path, 0, below(9'000));
+      break;
+    default:
+      makeTree(path, 2);
+      break;
   }
   if (below(2) == 0) unlink(path.c_str());
 }
@@ -253,10 +273,18 @@ void RandomDisk::replaceFolder() {
 void RandomDisk::changeFolders() {
   const std::string path = subfolder();
   switch (below(6)) {
-    case 0: removeTree(path); break;
-    case 1: rmdir(path.c_str()); break;
-    case 2: mkdir(path.c_str(), 0755); break;
-    default: makeTree(path, 3); break;
+    case 0:
+      removeTree(path);
+      break;
+    case 1:
+      rmdir(path.c_str());
+      break;
+    case 2:
+      mkdir(path.c_str(), 0755);
+      break;
+    default:
+      makeTree(path, 3);
+      break;
   }
 }
 
@@ -266,7 +294,9 @@ void RandomDisk::changeFacts() {
   const timespec times[2]{{0, below(2) == 0 ? UTIME_OMIT : 0}, {static_cast<time_t>(below(1'000'000)), 0}};
   switch (below(4)) {
     case 0:
-    case 3: utimensat(AT_FDCWD, file().c_str(), times, AT_SYMLINK_NOFOLLOW); break;
+    case 3:
+      utimensat(AT_FDCWD, file().c_str(), times, AT_SYMLINK_NOFOLLOW);
+      break;
     case 1: {
       const std::string path = file();
       if (hasOneName(path) && !std::filesystem::is_symlink(path)) chmod(path.c_str(), 0600);

@@ -7,7 +7,8 @@
 
 namespace spacemint::support {
 
-/// Does to a folder what programs do to a disk, one random thing after the other: the same seed does the same.
+/// Does to a folder what programs do to a disk, one random thing after the other: the same seed does the
+/// same.
 ///
 /// Names are few, so that things get in each other's way. Files with several names have them all in one
 /// folder, because a journal of folders tells nothing of a name that was not used.

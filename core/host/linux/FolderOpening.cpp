@@ -27,6 +27,10 @@ FileHandle openFolderItself(int parent, const char* name) {
   return openWithoutTouching(parent, name, openFlags | O_NOFOLLOW);
 }
 
+void rewindFolder(const FileHandle& folder) {
+  lseek(folder.get(), 0, SEEK_SET);
+}
+
 std::string pathThroughHandle(const FileHandle& folder) {
   return "/proc/self/fd/" + std::to_string(folder.get());
 }

@@ -128,8 +128,8 @@ TEST_F(JournalServerTest, isNotForOtherUsers) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
   serve();
   fs::permissions(folder.path(), fs::perms::all);
-  EXPECT_TRUE(support::succeedsInChild(
-      [&] { return support::becomeNobody() && !place.connect() && !place.lock(); }));
+  EXPECT_TRUE(
+      support::succeedsInChild([&] { return support::becomeNobody() && !place.connect() && !place.lock(); }));
   fs::permissions(folder / "meet", fs::perms::all);
   for (const auto& entry : fs::directory_iterator(folder / "meet")) fs::permissions(entry, fs::perms::all);
   // Neither lets the other in, also where the folder is open.
@@ -150,7 +150,10 @@ TEST(JournalMessage, isTakenWholeOrNotAtAll) {
     EXPECT_FALSE(JournalMessage::decodeAnswer(bytes.substr(0, length))) << length;
   }
   using namespace std::string_literals;
-  EXPECT_FALSE(JournalMessage::decodeAnswer("spacemint-journal 1\0changes\0" "9999999999\0" "0\0end\0"s));
+  EXPECT_FALSE(
+      JournalMessage::decodeAnswer("spacemint-journal 1\0changes\0"
+                                   "9999999999\0"
+                                   "0\0end\0"s));
   EXPECT_EQ(JournalMessage::decodeAnswer("spacemint-journal 1\0absent\0later-reason\0end\0"s)->error(),
             JournalAbsence::failed);
   for (const std::uint64_t id : {std::uint64_t{0}, ~std::uint64_t{0}}) {

@@ -32,11 +32,10 @@ class FakeJournal final : public EventJournal {
 };
 
 Snapshot homeOfAnn() {
-  return {.root = folder("/Users/ann",
-                         {folder("Documents", {file("a", 50)}),
-                          folder("Downloads", {file("b", 40), folder("old", {file("c", 30)})}),
-                          folder("Library", {folder("Caches", {file("d", 20)})}), folder("Empty", {}),
-                          file("notes", 10)}),
+  return {.root = folder("/Users/ann", {folder("Documents", {file("a", 50)}),
+                                        folder("Downloads", {file("b", 40), folder("old", {file("c", 30)})}),
+                                        folder("Library", {folder("Caches", {file("d", 20)})}),
+                                        folder("Empty", {}), file("notes", 10)}),
           .eventID = 50,
           .fullScanDate = Date{100h}};
 }
@@ -72,8 +71,8 @@ TEST(ChangeLog, reusesNothingInAChangedTree) {
 }
 
 TEST(ChangeLog, takesNoFolderForAnotherThatOnlyLooksLikeIt) {
-  const Snapshot snapshot{.root = folder("/r", {folder("caf\u00e9", {file("a", 1)}),
-                                                folder("bad\ufffd", {file("b", 1)})})};
+  const Snapshot snapshot{
+      .root = folder("/r", {folder("caf\u00e9", {file("a", 1)}), folder("bad\ufffd", {file("b", 1)})})};
   const auto reuse = ChangeLog::reuse(snapshot, {});
   EXPECT_TRUE(isReused(reuse, "/r/caf\u00e9"));
   EXPECT_FALSE(isReused(reuse, "/r/cafe\u0301"));
@@ -132,7 +131,8 @@ TEST_F(ScanPlanTest, reusesTheEarlierScanWhereTheJournalAnswers) {
 }
 
 TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
-  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.name = "/Users"; }), "the last scan was of another folder");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.name = "/Users"; }),
+            "the last scan was of another folder");
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.minNodeSize = 9; }), "the last scan kept other sizes apart");
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.eventID.reset(); }),
             "nothing recorded changes at the last scan");

@@ -1,5 +1,6 @@
-// A scan that reuses what the journal says is unchanged must be the scan that walks everything, node for node,
-// whatever was done to the disk. And it must not be so without each of the rules that the recorder lives by.
+// A scan that reuses what the journal says is unchanged must be the scan that walks everything, node for
+// node, whatever was done to the disk. And it must not be so without each of the rules that the recorder
+// lives by.
 
 #include "core/host/linux/journal/Recorder.h"
 #include "core/scan/ChangeLog.h"
@@ -214,10 +215,10 @@ TEST(JournalDifferential, aRescanIsTheScanThatWalksEverything) {
   Tally all;
   const int rounds = numberFrom("SPACEMINT_TEST_ROUNDS", 80);
   for (const Bytes minNodeSize : {0, 8'192, 40'000}) {
-    const Tally tally = compared(
-        {.seed = static_cast<std::uint64_t>(numberFrom("SPACEMINT_TEST_SEED", 1)) + std::uint64_t(minNodeSize),
-         .rounds = rounds,
-         .minNodeSize = minNodeSize});
+    const Tally tally = compared({.seed = static_cast<std::uint64_t>(numberFrom("SPACEMINT_TEST_SEED", 1)) +
+                                          std::uint64_t(minNodeSize),
+                                  .rounds = rounds,
+                                  .minNodeSize = minNodeSize});
     EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
     EXPECT_EQ(tally.fullScans, 1);  // the first; so that all others were compared
     EXPECT_GT(tally.reusedFolders, minNodeSize == 0 ? rounds * 5 : rounds / 8);

@@ -47,9 +47,8 @@ FolderMap::Id FolderMap::find(Ref ref) const {
 }
 
 FolderMap::Id FolderMap::child(Id parent, std::string_view name) const {
-  return byName_.find(hashOfName(parent, name), [&](Id id) {
-    return records_[id].parent == parent && nameOf(records_[id]) == name;
-  });
+  return byName_.find(hashOfName(parent, name),
+                      [&](Id id) { return records_[id].parent == parent && nameOf(records_[id]) == name; });
 }
 
 FolderMap::Id FolderMap::withWatch(int watch) const {

@@ -11,8 +11,8 @@
 
 namespace spacemint {
 
-/// The folders below a root as a recorder knows them: 48 bytes each, their names in one piece of memory, found
-/// by parent and name or by watch. It knows nothing of the disk.
+/// The folders below a root as a recorder knows them: 48 bytes each, their names in one piece of memory,
+/// found by parent and name or by watch. It knows nothing of the disk.
 class FolderMap {
  public:
   using Id = std::uint32_t;

@@ -12,8 +12,9 @@ namespace spacemint {
 
 namespace {
 
-// CLOSE_WRITE tells of writes through a mapping, MODIFY of those of a file that stays open, ATTRIB of a folder
-// that becomes readable. Without MASK_ADD, watching a folder again would stop its events for an instant.
+// CLOSE_WRITE tells of writes through a mapping, MODIFY of those of a file that stays open, ATTRIB of a
+// folder that becomes readable. Without MASK_ADD, watching a folder again would stop its events for an
+// instant.
 constexpr std::uint32_t watchMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MODIFY |
                                     IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR |
                                     IN_MASK_ADD;
@@ -44,23 +45,29 @@ std::expected<InotifyQueue, Error> InotifyQueue::open(std::uint32_t deafTo) {
   return InotifyQueue{std::move(handle), watchMask & ~deafTo};
 }
 
-std::expected<int, int> InotifyQueue::watch(const FileHandle& folder) {
-  const int watch = inotify_add_watch(handle_.get(), pathThroughHandle(folder).c_str(), mask_);
+InotifyQueue::InotifyQueue(FileHandle handle, std::uint32_t mask) {
+  watcher_.handle_ = std::make_shared<const FileHandle>(std::move(handle));
+  watcher_.mask_ = mask;
+}
+
+std::expected<int, int> InotifyQueue::Watcher::watch(const FileHandle& folder) const {
+  if (!handle_) return std::unexpected(EBADF);
+  const int watch = inotify_add_watch(handle_->get(), pathThroughHandle(folder).c_str(), mask_);
   if (watch < 0) return std::unexpected(errno);
   return watch;
 }
 
 void InotifyQueue::unwatch(int watch) {
-  inotify_rm_watch(handle_.get(), watch);
+  inotify_rm_watch(descriptor(), watch);
 }
 
 void InotifyQueue::fetch() {
   int queued = 0;
-  if (ioctl(handle_.get(), FIONREAD, &queued) != 0) broken_ = true;
+  if (ioctl(descriptor(), FIONREAD, &queued) != 0) broken_ = true;
   while (queued > 0) {
     std::vector<char> piece = std::move(spare_);
     piece.resize(pieceSize);
-    const ssize_t length = read(handle_.get(), piece.data(), piece.size());
+    const ssize_t length = read(descriptor(), piece.data(), piece.size());
     if (length < 0 && errno == EINTR) continue;
     if (length <= 0) {
       broken_ = broken_ || (length < 0 && errno != EAGAIN);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <expected>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -21,8 +22,8 @@ struct FolderEvent {
   std::string_view name;
 };
 
-/// Watches on folders and what they reported (`inotify`), fetched from the kernel's short queue into memory so
-/// that it does not overflow while somebody is busy. One thread.
+/// Watches on folders and what they reported (`inotify`), fetched from the kernel's short queue into memory
+/// so that it does not overflow while somebody is busy. One thread.
 class InotifyQueue {
  public:
   /// Bytes of events in memory, beyond which they count as lost.
@@ -32,11 +33,24 @@ class InotifyQueue {
   /// the kinds in `deafTo` (IN_… bits) are not asked for.
   static std::expected<InotifyQueue, Error> open(std::uint32_t deafTo = 0);
 
-  int descriptor() const { return handle_.get(); }
+  int descriptor() const { return watcher_.handle_->get(); }
+
+  /// Adds watches from other threads, also while the queue is replaced; those then go nowhere.
+  class Watcher {
+   public:
+    Watcher() = default;
+    std::expected<int, int> watch(const FileHandle& folder) const;
+
+   private:
+    friend InotifyQueue;
+    std::shared_ptr<const FileHandle> handle_;
+    std::uint32_t mask_ = 0;
+  };
+  const Watcher& watcher() const { return watcher_; }
 
   /// Watches an open folder, also when it is no longer at its path. The same folder always gives the same
   /// watch. Fails with an errno, ENOSPC at the limit (`inotify_add_watch`).
-  std::expected<int, int> watch(const FileHandle& folder);
+  std::expected<int, int> watch(const FileHandle& folder) { return watcher_.watch(folder); }
   void unwatch(int watch);
 
   /// Moves what the kernel has queued by now into memory.
@@ -50,10 +64,9 @@ class InotifyQueue {
   std::uint64_t taken() const { return taken_; }
 
  private:
-  InotifyQueue(FileHandle handle, std::uint32_t mask) : handle_(std::move(handle)), mask_(mask) {}
+  InotifyQueue(FileHandle handle, std::uint32_t mask);
 
-  FileHandle handle_;
-  std::uint32_t mask_;
+  Watcher watcher_;
   std::deque<std::vector<char>> backlog_;
   std::vector<char> spare_;
   std::size_t at_ = 0;  // how much of the first of them was given out

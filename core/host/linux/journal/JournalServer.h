@@ -12,9 +12,9 @@
 
 namespace spacemint {
 
-/// Answers other processes of the user from a journal, with a thread of its own that sleeps while nobody asks.
-/// A peer that sends rubbish, too much or nothing, or does not read, is dropped after a while and keeps nobody
-/// else waiting; questions are answered one after the other.
+/// Answers other processes of the user from a journal, with a thread of its own that sleeps while nobody
+/// asks. A peer that sends rubbish, too much or nothing, or does not read, is dropped after a while and keeps
+/// nobody else waiting; questions are answered one after the other.
 class JournalServer {
  public:
   struct Parts {

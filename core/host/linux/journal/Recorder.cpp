@@ -59,7 +59,9 @@ class Recorder::Walk final : public RecordingWalk, private FolderObserver {
     recorder_.perform(
         [this] {
           const std::lock_guard lock(recorder_.mapMutex_);
-          if (isCurrent()) recorder_.completeSetUp();
+          if (!isCurrent()) return;
+          recorder_.tree_.expectWatches(false);
+          recorder_.completeSetUp();
         },
         Clock::time_point::max());
   }
@@ -70,12 +72,17 @@ class Recorder::Walk final : public RecordingWalk, private FolderObserver {
   Seen openedRoot(const FileHandle& folder) override {
     const std::lock_guard lock(recorder_.mapMutex_);
     if (!isCurrent() || !recorder_.tree_.begin(folder)) return {};
+    recorder_.tree_.expectWatches(true);
+    watcher_ = recorder_.queue_.watcher();
     return recorder_.tree_.rootSeen();
   }
 
+  // Watched before the lock is taken, because that takes the longest.
   Seen opened(Seen parent, std::string_view name, const FileHandle& folder) override {
+    const auto watched = watcher_.watch(folder);
+    rewindFolder(folder);
     const std::lock_guard lock(recorder_.mapMutex_);
-    return isCurrent() ? recorder_.tree_.adopt(parent, name, folder) : Seen{};
+    return isCurrent() ? recorder_.tree_.adopt(parent, name, watched) : Seen{};
   }
 
   void couldNotOpen(Seen parent, std::string_view name) override {
@@ -92,6 +99,8 @@ class Recorder::Walk final : public RecordingWalk, private FolderObserver {
   std::uint64_t number_;
   std::uint64_t eventID_;
   std::unique_ptr<FolderListing> listing_;
+  // Set when the root is opened, before any of its subfolders.
+  InotifyQueue::Watcher watcher_;
   bool finished_ = false;
 };
 

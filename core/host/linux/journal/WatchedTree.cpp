@@ -27,11 +27,6 @@ bool isForbidden(int error) {
   return error == EACCES || error == EPERM || error == ENOSPC;
 }
 
-// Some file systems list only what was there when the folder was opened, which was before it was watched.
-void rewind(const FileHandle& folder) {
-  lseek(folder.get(), 0, SEEK_SET);
-}
-
 bool isFullyReadable(const FileHandle& folder) {
   return faccessat(folder.get(), ".", R_OK | X_OK, AT_EACCESS) == 0;
 }
@@ -73,7 +68,7 @@ void WatchedTree::forget() {
   places_.clear();
   settleAt_ = placeLimit;
   away_.clear();
-  anyStale_ = hitWatchLimit_ = mountsMayHaveChanged_ = false;
+  anyStale_ = hitWatchLimit_ = expectsWatches_ = mountsMayHaveChanged_ = false;
   loss_ = JournalAbsence::settingUp;
 }
 
@@ -88,7 +83,7 @@ std::expected<void, JournalAbsence> WatchedTree::begin(const FileHandle& root) {
   }
   identity_ = *identity;
   map_.setWatch(map_.root(), *watched);
-  rewind(root);
+  rewindFolder(root);
   return {};
 }
 
@@ -101,9 +96,10 @@ void WatchedTree::lose(JournalAbsence reason) {
 }
 
 // A watch that is new to us and one too many is taken back: what is watched already stays so at the limit.
-std::expected<int, int> WatchedTree::watch(const FileHandle& folder) {
-  const auto added = parts_.queue.watch(folder);
-  if (!added || map_.watches() < parts_.watchLimit || map_.withWatch(*added) != FolderMap::none) {
+std::expected<int, int> WatchedTree::accept(std::expected<int, int> added) {
+  // During a scan the same folder may be tried twice: what was refused once must not be taken the next time.
+  const bool isFull = map_.watches() >= parts_.watchLimit || (expectsWatches_ && hitWatchLimit_);
+  if (!added || !isFull || map_.withWatch(*added) != FolderMap::none) {
     if (!added && added.error() == ENOSPC) hitWatchLimit_ = true;
     return added;
   }
@@ -114,15 +110,14 @@ std::expected<int, int> WatchedTree::watch(const FileHandle& folder) {
 
 // What a scan tells on its way may be past by now: another folder may have the name. Where that is so, the
 // places are looked at later.
-WatchedTree::Seen WatchedTree::adopt(Seen parentSeen, std::string_view name, const FileHandle& folder) {
+WatchedTree::Seen WatchedTree::adopt(Seen parentSeen, std::string_view name, std::expected<int, int> added) {
   const Id parent = map_.find({parentSeen.id, parentSeen.generation});
   if (loss_ || parent == FolderMap::none) return {};
-  const auto watched = watch(folder);
+  const auto watched = accept(added);
   if (!watched) {
     closeOff(parent, name);
     return {};
   }
-  rewind(folder);
   const Id known = map_.child(parent, name);
   Id id = map_.withWatch(*watched);
   if (id == FolderMap::none) {
@@ -161,7 +156,7 @@ void WatchedTree::handle(const FolderEvent& event) {
   }
   const Id id = map_.withWatch(event.watch);
   if (id == FolderMap::none) {
-    if ((event.what & IN_IGNORED) == 0) parts_.queue.unwatch(event.watch);
+    if ((event.what & IN_IGNORED) == 0 && !expectsWatches_) parts_.queue.unwatch(event.watch);
   } else if ((event.what & IN_UNMOUNT) != 0) {
     lose(JournalAbsence::unmounted);
   } else if ((event.what & IN_IGNORED) != 0) {
@@ -244,9 +239,8 @@ void WatchedTree::lookAt(const std::vector<Place>& places) {
 // Where a question stays open, all below counts as changed until it is answered.
 void WatchedTree::flagUnanswered() {
   if (places_.empty() && anyStale_) {
-    map_.forEach([](Id, FolderMap::Record& record) {
-      record.flags &= static_cast<std::uint16_t>(~FolderMap::stale);
-    });
+    map_.forEach(
+        [](Id, FolderMap::Record& record) { record.flags &= static_cast<std::uint16_t>(~FolderMap::stale); });
     anyStale_ = false;
   }
   for (const Place& place : places_) {
@@ -289,7 +283,9 @@ FileHandle WatchedTree::openVerified(Id id) {
   if (!handle || !parts_.rules.verifiesFolders) return handle;
   const auto watched = parts_.queue.watch(handle);
   if (watched && *watched == map_[id].watch) return handle;
-  if (watched && map_.withWatch(*watched) == FolderMap::none) parts_.queue.unwatch(*watched);
+  if (watched && map_.withWatch(*watched) == FolderMap::none && !expectsWatches_) {
+    parts_.queue.unwatch(*watched);
+  }
   return {};
 }
 
@@ -310,7 +306,7 @@ WatchedTree::Looked WatchedTree::look(Id parent, std::string_view name, const Op
   if (!opened.handle) return lookAtClosed(parent, name, opened.error);
   const auto watched = watch(opened.handle);
   if (!watched) return lookAtClosed(parent, name, watched.error());
-  rewind(opened.handle);
+  rewindFolder(opened.handle);
   const Id known = map_.child(parent, name);
   const Id owner = map_.withWatch(*watched);
   if (owner == FolderMap::none) return lookAtNew(parent, name, opened.handle, *watched);

@@ -19,8 +19,8 @@ namespace spacemint {
 /// Keeps the map of the watched folders right while the disk changes.
 ///
 /// Events tell of the past: by the time one is handled its folder may have another path, and its name may be
-/// another folder's. So an event is only a hint where to look. What is at a place is decided by opening it and
-/// watching it once more, because the same folder always gives the same watch. One thread at a time.
+/// another folder's. So an event is only a hint where to look. What is at a place is decided by opening it
+/// and watching it once more, because the same folder always gives the same watch. One thread at a time.
 class WatchedTree {
  public:
   using Clock = std::chrono::steady_clock;
@@ -50,8 +50,11 @@ class WatchedTree {
   std::expected<void, JournalAbsence> begin(const FileHandle& root);
   /// Watches all that is below the root, opened by `begin`'s caller.
   void walkFromRoot(FileHandle root);
-  /// A scan has opened a folder and is about to list it.
-  Seen adopt(Seen parent, std::string_view name, const FileHandle& folder);
+  /// A scan has opened a folder, watched it (or failed to, with an errno), and is about to list it. What
+  /// happened in between, it will list.
+  Seen adopt(Seen parent, std::string_view name, std::expected<int, int> watched);
+  /// Until the scan is done, watches may be met that it has not told of yet.
+  void expectWatches(bool expected) { expectsWatches_ = expected; }
   /// A scan could not open a folder, or not list one to its end.
   void adoptClosed(Seen parent, std::string_view name);
   void adoptUnlisted(Seen folder);
@@ -115,7 +118,8 @@ class WatchedTree {
   };
 
   static std::optional<Identity> identityOf(const std::string& path);
-  std::expected<int, int> watch(const FileHandle& folder);
+  std::expected<int, int> watch(const FileHandle& folder) { return accept(parts_.queue.watch(folder)); }
+  std::expected<int, int> accept(std::expected<int, int> added);
 
   void touch(Id parent, std::string_view name);
   void touchPlaceOf(Id id);
@@ -151,6 +155,7 @@ class WatchedTree {
   bool mountsMayHaveChanged_ = false;
   bool anyStale_ = false;
   bool hitWatchLimit_ = false;
+  bool expectsWatches_ = false;
   std::optional<JournalAbsence> loss_ = JournalAbsence::settingUp;
 };
 
