@@ -56,6 +56,7 @@ void print(const std::string& title, const std::vector<Contestant>& contestants,
               << outcome.cpuSeconds / outcomes[0].cpuSeconds << std::setprecision(1) << std::setw(10)
               << outcome.peakMemory / 1e6 << '\n';
   }
+  std::cout << std::flush;
 }
 
 }  // namespace

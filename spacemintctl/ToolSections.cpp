@@ -14,9 +14,10 @@ using DockerState = DevTools::ToolState<std::vector<DevTools::DockerUsage>>;
 using OllamaState = DevTools::ToolState<std::vector<DevTools::OllamaModel>>;
 
 std::optional<DevTools::ToolAnswer> ask(const DevTools::ToolQuery& query) {
-  auto output = Shell().run({.program = std::string{query.program},
-                             .arguments = {query.arguments.begin(), query.arguments.end()},
-                             .timeout = query.timeout})
+  auto output = Shell()
+                    .run({.program = std::string{query.program},
+                          .arguments = {query.arguments.begin(), query.arguments.end()},
+                          .timeout = query.timeout})
                     .get();
   if (!output) return std::nullopt;
   return DevTools::ToolAnswer{.status = output->status,
@@ -66,7 +67,8 @@ std::string dockerText(const DockerState& state, const Scene& scene) {
   if (state.kind == failed) return "Couldn't read Docker's disk usage: " + printable(state.error) + '\n';
   Table table{2};
   for (const auto& usage : state.payload) {
-    table.add({shownSize(usage.reclaimable, scene), "of " + shownSize(usage.size, scene), printable(usage.type),
+    table.add({shownSize(usage.reclaimable, scene), "of " + shownSize(usage.size, scene),
+               printable(usage.type),
                std::to_string(usage.active) + " of " + std::to_string(usage.count) + " in use"});
   }
   return table.empty() ? "Docker keeps nothing.\n" : "Can be freed\n" + table.text();

@@ -1,4 +1,5 @@
 #include "spacemintctl/BrowseCommands.h"
+#include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/HistoryCommand.h"
 #include "spacemintctl/ScanCommand.h"
@@ -142,6 +143,40 @@ void addReport(CLI::App& app, Action& action) {
   report->callback([&] { action = [] { return runReport(options); }; });
 }
 
+CLI::App* addClean(CLI::App* clean, CleanKind kind, const char* name, const char* description,
+                   CleanOptions& options, Action& action) {
+  CLI::App* command = clean->add_subcommand(name, description);
+  command->add_flag("-y,--yes", options.yes, "Do not ask");
+  command->add_flag("-n,--dry-run", options.dryRun, "Show what would be done, and do nothing");
+  command->add_flag("--json", options.json, "Print one JSON object");
+  command->callback(
+      [&action, &options, kind] { action = [&options, kind] { return runClean(kind, options); }; });
+  return command;
+}
+
+void addCleaning(CLI::App& app, Action& action) {
+  static CleanOptions options;
+  CLI::App* clean =
+      app.add_subcommand("clean", "Free space: show what will be removed, ask, and remove it for good");
+  clean->require_subcommand(1);
+  const auto add = [&](CleanKind kind, const char* name, const char* description) {
+    return addClean(clean, kind, name, description, options, action);
+  };
+  add(CleanKind::caches, "caches", "Clean package and build caches")
+      ->add_option("ID", options.ids,
+                   "Which ones, as \"caches --json\" names them; all over 50 MB if none is given");
+  add(CleanKind::trash, "trash", "Empty the Trash");
+  add(CleanKind::backup, "backup", "Delete the backup of a phone or tablet")
+      ->add_option("PATH", options.path, "Its folder")
+      ->required();
+  add(CleanKind::worktree, "worktree", "Remove a git worktree")
+      ->add_option("PATH", options.path, "Its folder")
+      ->required();
+  add(CleanKind::path, "path", "Delete a file or folder of your home folder")
+      ->add_option("PATH", options.path, "What to delete")
+      ->required();
+}
+
 void addSettings(CLI::App& app, Action& action) {
   static bool json = false;
   static std::string key;
@@ -179,6 +214,7 @@ int run(int argc, char** argv) {
   addFilesAndFolders(app, action);
   addReport(app, action);
   addSections(app, action);
+  addCleaning(app, action);
   addStatus(app, action);
   addSettings(app, action);
   try {

@@ -53,7 +53,8 @@ std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view nam
   if (kind == std::end(kinds)) return std::nullopt;
   std::string repo{name.substr(first + separator.size())};
   for (std::size_t at = 0; (at = repo.find(separator, at)) != std::string::npos; ++at) {
-    repo.replace(at, separator.size(), "/");
+    repo.erase(at, separator.size() - 1);
+    repo[at] = '/';
   }
   return HuggingFaceRepository{.repo = std::move(repo), .kind = std::string{kind->name}};
 }

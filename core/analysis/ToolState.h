@@ -71,7 +71,8 @@ template <class Parse, class State = ToolState<std::invoke_result_t<Parse, std::
 State toolState(const std::optional<ToolAnswer>& answer, Parse parse) {
   using Kind = typename State::Kind;
   if (!answer) return {.kind = Kind::notInstalled};
-  if (answer->status == 0 && !answer->timedOut) return {.kind = Kind::ready, .payload = parse(answer->output)};
+  if (answer->status == 0 && !answer->timedOut)
+    return {.kind = Kind::ready, .payload = parse(answer->output)};
   if (answer->timedOut || isConnectionError(answer->error)) return {.kind = Kind::notRunning};
   return {.kind = Kind::failed, .error = lastLine(answer->error)};
 }

@@ -149,8 +149,11 @@ TEST(ShellExecute, stopsTheWholeGroupWhenItRunsTooLong) {
       {.text = "exec >&- 2>&-; sleep 100"},
       {.text = "trap '' TERM; exec >&- 2>&-; sleep 100; sleep 100", .needsForce = true, .status = 137},
       {.text = "cat /dev/zero >/dev/null"},
+      // It takes its time to end in order, which it is given.
+      {.text = "trap 'sleep 0.3; exit 9' TERM; sleep 100 & wait", .status = 9},
   };
   ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+  const auto before = openHandles();
   for (const Case& slow : cases) {
     const auto start = Clock::now();
     const auto output = script("echo $$ >'" + (folder / "group") + "'; " + slow.text, brief);
@@ -168,6 +171,7 @@ TEST(ShellExecute, stopsTheWholeGroupWhenItRunsTooLong) {
     }
     EXPECT_LT(Clock::now() - start, took + Seconds{10}) << slow.text;
   }
+  EXPECT_EQ(openHandles(), before);
   EXPECT_FALSE(hasChildren());
 }
 

@@ -112,7 +112,7 @@ bool Program::canHaveTerminal() {
   return usable;
 }
 
-Outcome Program::runOnTerminal(const std::vector<std::string>& arguments) const {
+Outcome Program::runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer) const {
   const TemporaryFolder said;
   int terminal = -1;
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
@@ -125,6 +125,9 @@ Outcome Program::runOnTerminal(const std::vector<std::string>& arguments) const 
   // Reading fails once the program has gone and its side of the terminal with it.
   for (ssize_t count = 0; (count = read(terminal, buffer, sizeof buffer)) > 0;) {
     outcome.err.append(buffer, static_cast<std::size_t>(count));
+    if (!outcome.err.ends_with("[y/N] ")) continue;
+    const std::string line = answer + "\n";
+    if (write(terminal, line.data(), line.size()) < 0) break;
   }
   close(terminal);
   outcome.exitCode = exitCodeOf(child);

@@ -55,8 +55,9 @@ class Program {
     int output_;
   };
   Running begin(const std::vector<std::string>& arguments) const;
-  /// With standard error on a terminal, whose text is in `err`.
-  Outcome runOnTerminal(const std::vector<std::string>& arguments) const;
+  /// With standard input and error on a terminal, whose text is in `err`. `answer` is typed as soon as a
+  /// question ends in "[y/N] ".
+  Outcome runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer = "") const;
 
  private:
   Outcome start(const std::vector<std::string>& arguments, bool asNobody, bool interrupted) const;
