@@ -29,8 +29,11 @@ std::string shown(const std::string& path, const Wording& wording) {
 
 std::string secondsText(Seconds duration) {
   std::string text(32, '\0');
-  text.resize(static_cast<std::size_t>(std::snprintf(
-      text.data(), text.size(), duration.count() < 10 ? "%.1f s" : "%.0f s", duration.count())));
+  text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(),
+                                                     duration.count() < 0.1  ? "%.3f s"
+                                                     : duration.count() < 10 ? "%.1f s"
+                                                                             : "%.0f s",
+                                                     duration.count())));
   return text;
 }
 
@@ -64,7 +67,8 @@ std::string fileTable(const std::vector<FileItem>& files, const Wording& wording
   return table.text();
 }
 
-std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording) {
+std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
+                       const std::string& whyFull) {
   const auto folders = largestFolders(snapshot.root, top);
   const auto files = snapshot.largestFiles(top);
   const std::string threshold = ByteFormat::string(snapshot.minNodeSize, wording.locale);
@@ -73,6 +77,8 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
                      ByteFormat::string(snapshot.root.size, wording.locale) + " in " +
                      counted(snapshot.fileCount, " file", " files", wording) + ", measured in " +
                      secondsText(snapshot.duration) + '\n';
+  text += whyFull.empty() ? "A rescan: what has not changed was taken from the last scan.\n"
+                          : "A full scan, because " + whyFull + ".\n";
   if (snapshot.volumeTotal > 0) {
     text += "Free on this volume: " + ByteFormat::string(snapshot.volumeFree, wording.locale) + " of " +
             ByteFormat::string(snapshot.volumeTotal, wording.locale) + '\n';
@@ -82,6 +88,13 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
   if (top > 0 && folders.empty() && files.empty())
     text += "\nNothing here is as large as " + threshold + ".\n";
   return text;
+}
+
+std::string withKind(std::string document, const std::string& whyFull) {
+  document.pop_back();
+  document += whyFull.empty() ? R"(,"scan":{"kind":"rescan"}})"
+                              : R"(,"scan":{"kind":"full","because":")" + whyFull + R"("}})";
+  return document;
 }
 
 std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording) {

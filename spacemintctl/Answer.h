@@ -30,8 +30,12 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
 /// Size, date of the last change and path, a line a file.
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
 
-/// The whole answer to "what is big here".
-std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording);
+/// The whole answer to "what is big here". `whyFull` as in `ScanPlan`.
+std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
+                       const std::string& whyFull);
+
+/// A stored scan's JSON document with the key "scan" added: whether everything was walked, and why.
+std::string withKind(std::string document, const std::string& whyFull);
 
 /// What a scan could not read, with the first few paths; empty when it read everything.
 std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording);

@@ -4,15 +4,14 @@
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
-#include "core/scan/DiskScanner.h"
+#include "core/scan/ScanPlan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Interrupt.h"
 #include "spacemintctl/ProgressLine.h"
+#include "spacemintctl/ScanRoot.h"
 #include "spacemintctl/StoredScan.h"
-
-#include <filesystem>
 
 namespace spacemint::ctl {
 
@@ -24,14 +23,17 @@ Date now() {
   return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
 }
 
-// The one spelling of a root under which its scans are kept: absolute, without a "/" at the end.
-std::expected<std::string, Error> rootFor(const std::string& path) {
-  if (path.empty()) return UserFolders::home();
-  if (path.starts_with('/')) return std::string{Paths::withoutTrailingSlash(path)};
-  std::error_code failure;
-  const std::string absolute = std::filesystem::canonical(path, failure);
-  if (failure) return std::unexpected(systemError(path, failure.value()));
-  return absolute;
+// Decided by the newest scan there is and by what was recorded since.
+ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start) {
+  auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::standard(), "")};
+  const auto journal = hostEventJournal();
+  const ChangeLog log{*journal};
+  return ScanPlan::make(log,
+                        {.root = root,
+                         .minNodeSize = options.minSize,
+                         .now = start,
+                         .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
+                         .mayReuse = !options.full});
 }
 
 // Why `root` cannot be scanned, if it cannot.
@@ -51,17 +53,21 @@ std::optional<Bytes> expectedBytes(const std::string& root) {
   return volume ? std::optional{volume->used()} : std::nullopt;
 }
 
-std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options) {
+std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options,
+                                           const DiskScanner::Reuse& reuse) {
   const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
   ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, userLocale());
   return DiskScanner::scan({.root = root,
                             .minNodeSize = options.minSize,
+                            .reuse = reuse,
                             .throttleIO = options.throttle,
                             .shouldCancel = wasInterrupted,
                             .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); }});
 }
 
-Snapshot snapshotOf(DiskScanner::Result result, Bytes minNodeSize, Date start) {
+Snapshot snapshotOf(DiskScanner::Result result, Bytes minNodeSize, Date start, const ScanPlan& plan) {
+  // What failed to be read now may be there the next time, without a change in between.
+  const auto eventID = result.unread.hasFailures ? std::nullopt : plan.eventID;
   const auto volume = VolumeStatus::current(result.root.name);
   const Date end = now();
   return {.date = end,
@@ -71,13 +77,15 @@ Snapshot snapshotOf(DiskScanner::Result result, Bytes minNodeSize, Date start) {
           .volumeFree = volume ? volume->free : 0,
           .volumeTotal = volume ? volume->total : 0,
           .minNodeSize = minNodeSize,
-          .fullScanDate = start};
+          .eventID = eventID,
+          .fullScanDate = plan.fullScanDate};
 }
 
-bool answer(const Snapshot& snapshot, const ScanOptions& options, const Wording& wording) {
-  if (!options.json) return print(scanAnswer(snapshot, options.top, wording));
-  const auto document = SnapshotCodec::encode(snapshot);
-  if (document) return print(*document + '\n');
+bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& options,
+            const Wording& wording) {
+  if (!options.json) return print(scanAnswer(snapshot, options.top, wording, plan.whyFull));
+  auto document = SnapshotCodec::encode(snapshot);
+  if (document) return print(withKind(std::move(*document), plan.whyFull) + '\n');
   complain(document.error().message);
   return false;
 }
@@ -97,7 +105,7 @@ bool save(const Snapshot& snapshot) {
 }  // namespace
 
 int runScan(const ScanOptions& options) {
-  const auto root = rootFor(options.path);
+  const auto root = scanRoot(options.path);
   const auto problem = root ? obstacle(*root) : std::optional{root.error()};
   if (problem) {
     complain(printable(problem->message));
@@ -105,15 +113,16 @@ int runScan(const ScanOptions& options) {
   }
   noteInterrupts();
   const Date start = now();
-  auto result = measure(*root, options);
+  const ScanPlan plan = planFor(*root, options, start);
+  auto result = measure(*root, options, plan.reuse);
   if (!result) {
     complain(wasInterrupted() ? "interrupted" : printable(*root) + ": could not be scanned");
     return wasInterrupted() ? interrupted : failed;
   }
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
   const std::string note = unreadNote(result->unread, wording);
-  const Snapshot snapshot = snapshotOf(std::move(*result), options.minSize, start);
-  const bool answered = answer(snapshot, options, wording);
+  const Snapshot snapshot = snapshotOf(std::move(*result), options.minSize, start, plan);
+  const bool answered = answer(snapshot, plan, options, wording);
   if (!note.empty() && !options.quiet) complain(note);
   const bool saved = options.noSave || save(snapshot);
   return answered && saved ? done : failed;

@@ -12,6 +12,8 @@ struct ScanOptions {
   Bytes minSize = 20'000'000;
   std::size_t top = 10;
   bool throttle = false;
+  /// Walk everything, whatever the journal could say.
+  bool full = false;
   bool noSave = false;
   bool quiet = false;
   bool json = false;

@@ -6,6 +6,7 @@
 #include "spacemintctl/SectionCommands.h"
 #include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StatusCommand.h"
+#include "spacemintctl/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <charconv>
@@ -41,6 +42,7 @@ void addScan(CLI::App& app, Action& action) {
       ->type_name("N")
       ->capture_default_str();
   scan->add_flag("--throttle", options.throttle, "Leave the disk to everybody else; slower");
+  scan->add_flag("--full", options.full, "Walk everything, also what has not changed since the last scan");
   scan->add_flag("--no-save", options.noSave, "Do not keep this scan in the history");
   scan->add_flag("-q,--quiet", options.quiet, "No progress and no notes");
   scan->add_flag("--json", options.json, "Print the whole scan as one JSON object");
@@ -52,6 +54,13 @@ void addStatus(CLI::App& app, Action& action) {
   CLI::App* status = app.add_subcommand("status", "Say how full the disk is");
   status->add_flag("--json", json, "Print one JSON object");
   status->callback([&] { action = [] { return runStatus(json); }; });
+}
+
+void addWatch(CLI::App& app, Action& action) {
+  static std::string path;
+  CLI::App* watch = app.add_subcommand("watch", "Record what changes, so that later scans walk only that");
+  watch->add_option("PATH", path, "The folder, as it is scanned; your home folder if none is given");
+  watch->callback([&] { action = [] { return runWatch(path); }; });
 }
 
 void addHistory(CLI::App& app, Action& action) {
@@ -200,6 +209,7 @@ int run(int argc, char** argv) {
   });
   Action action;
   addScan(app, action);
+  addWatch(app, action);
   addHistory(app, action);
   addFilesAndFolders(app, action);
   addReport(app, action);

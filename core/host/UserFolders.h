@@ -21,6 +21,8 @@ std::string config();
 std::string state();
 /// Where programs keep what they can make again.
 std::string cache();
+/// Where processes of one session find each other; empty where the session has no such folder.
+std::string runtime();
 
 }  // namespace UserFolders
 

@@ -61,7 +61,7 @@ class Walk {
   void list(Frame& frame) {
     while (!cancelled_) {
       const Batch batch = frame.folder->nextBatch(buffer_);
-      if (batch.error != 0 && !isGone(batch.error)) noteUnread(unread_.folders, path_);
+      if (batch.error != 0 && !isGone(batch.error)) noteUnread(unread_.folders, path_, batch.error);
       if (batch.entries.empty()) return;
       for (const Entry& entry : batch.entries) take(frame, entry);
       poll(std::ssize(batch.entries));
@@ -70,7 +70,7 @@ class Walk {
 
   void take(Frame& frame, const Entry& entry) {
     if (entry.error != 0) {
-      if (!isGone(entry.error)) noteUnread(unread_.entries, Paths::join(path_, entry.name));
+      if (!isGone(entry.error)) noteUnread(unread_.entries, Paths::join(path_, entry.name), entry.error);
     } else if (entry.type == EntryType::folder) {
       if (entry.device == device_ && !entry.name.empty()) frame.subdirectories.push(entry.name);
     } else if (entry.type == EntryType::file) {
@@ -125,11 +125,11 @@ class Walk {
         return adopt(top, std::move(*node));
       }
     }
-    if (stack_.size() >= Node::maximumDepth) return noteUnread(unread_.folders, path_);
+    if (stack_.size() >= Node::maximumDepth) return noteUnread(unread_.folders, path_, EMFILE);
     auto opened = top.folder->openSubfolder(name);
     if (opened) return enter(std::move(*opened), std::move(name));
     const int error = opened.error();
-    if (!isGone(error) && error != EXDEV) noteUnread(unread_.folders, path_);
+    if (!isGone(error) && error != EXDEV) noteUnread(unread_.folders, path_, error);
   }
 
   // Closes the innermost folder and gives its node to its parent; the root's node is the answer.
@@ -153,8 +153,9 @@ class Walk {
     if (node.size >= arguments_.minNodeSize) parent.children.push_back(std::move(node));
   }
 
-  void noteUnread(std::int64_t& counter, const std::string& path) {
+  void noteUnread(std::int64_t& counter, const std::string& path, int error) {
     ++counter;
+    if (error != EACCES && error != EPERM) unread_.hasFailures = true;
     if (unread_.paths.size() < Unread::pathLimit) unread_.paths.push_back(path);
   }
 

@@ -30,6 +30,9 @@ struct Unread {
   std::int64_t folders = 0;
   /// Entries whose facts could not be read.
   std::int64_t entries = 0;
+  /// Whether something else than a missing permission stood in the way for one of them, so that the next scan
+  /// may read it although nothing changed.
+  bool hasFailures = false;
   /// Paths of the first of them, `pathLimit` at the most.
   std::vector<std::string> paths;
 

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
+#include <utility>
 
 namespace spacemint::support {
 
@@ -42,6 +44,7 @@ void Program::become(const std::vector<std::string>& arguments) const {
   setenv("HOME", home_.path().c_str(), 1);
   setenv("LC_ALL", "en_US.UTF-8", 1);
   setenv("TZ", "UTC", 1);
+  setenv("XDG_RUNTIME_DIR", (home_ / "run").c_str(), 1);
   for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"}) {
     unsetenv(variable);
   }
@@ -70,6 +73,36 @@ Outcome Program::start(const std::vector<std::string>& arguments, bool asNobody,
   }
   const int exitCode = exitCodeOf(child);
   return {exitCode, contentsOf(said / "out"), contentsOf(said / "err")};
+}
+
+Program::Running Program::begin(const std::vector<std::string>& arguments) const {
+  int ends[2];
+  if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    become(arguments);
+  }
+  close(ends[1]);
+  return {child, ends[0]};
+}
+
+Program::Running::~Running() {
+  if (child_ > 0) end(SIGKILL);
+  close(output_);
+}
+
+std::string Program::Running::line() const {
+  std::string text;
+  for (char next = 0; read(output_, &next, 1) == 1 && next != '\n';) text += next;
+  return text;
+}
+
+int Program::Running::end(int signal) {
+  kill(child_, signal);
+  return exitCodeOf(std::exchange(child_, -1));
 }
 
 bool Program::canHaveTerminal() {

@@ -2,6 +2,8 @@
 
 #include "support/TemporaryFolder.h"
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -14,7 +16,7 @@ struct Outcome {
   std::string err = {};
 };
 
-/// Runs programs as a person would, with a home folder of its own and English wording.
+/// Runs programs as a person would, with home and runtime folders of their own and English wording.
 class Program {
  public:
   explicit Program(std::string executable);
@@ -35,6 +37,24 @@ class Program {
   }
   /// Whether this system lends us a terminal, which a bare chroot does not.
   static bool canHaveTerminal();
+  /// A program that runs until it is told to end.
+  class Running {
+   public:
+    Running(pid_t child, int output) : child_(child), output_(output) {}
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+    ~Running();
+
+    /// Waits for the next line of its standard output; empty at its end.
+    std::string line() const;
+    /// Sends a signal, waits and tells the exit code, 128 more than the signal that killed it.
+    int end(int signal);
+
+   private:
+    pid_t child_;
+    int output_;
+  };
+  Running begin(const std::vector<std::string>& arguments) const;
   /// With standard input and error on a terminal, whose text is in `err`. `answer` is typed as soon as a
   /// question ends in "[y/N] ".
   Outcome runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer = "") const;

@@ -11,7 +11,8 @@ namespace spacemint::support {
 /// An empty folder that is gone, with all that came into it, when the test ends.
 class TemporaryFolder {
  public:
-  TemporaryFolder() : path_((std::filesystem::temp_directory_path() / "spacemint-XXXXXX").string()) {
+  explicit TemporaryFolder(const std::filesystem::path& in = std::filesystem::temp_directory_path())
+      : path_((in / "spacemint-XXXXXX").string()) {
     if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary folder " + path_);
   }
   ~TemporaryFolder() {

@@ -1,5 +1,6 @@
-#include "core/host/FolderListing.h"
-#include "core/host/linux/FileHandle.h"
+#include "core/host/linux/LinuxFolderListing.h"
+
+#include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/MountTable.h"
 
@@ -16,19 +17,11 @@ namespace spacemint {
 
 namespace {
 
-constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_BLOCKS;
 constexpr int entryFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 constexpr Bytes blockSize = 512;
 // More than any file system can hold; only a broken one says so.
 constexpr std::uint64_t largestBlockCount = std::uint64_t{1} << 50U;
-
-// Listing a folder would set its access time, and so write to the disk for every folder of a scan. Only the
-// owner may ask for that to be left out.
-FileHandle openFolder(int parent, const char* name, int flags) {
-  FileHandle opened{openat(parent, name, flags | O_NOATIME)};
-  return opened || errno != EPERM ? std::move(opened) : FileHandle{openat(parent, name, flags)};
-}
 
 EntryType typeOf(const struct statx& status) {
   if (S_ISREG(status.stx_mode)) return EntryType::file;
@@ -39,14 +32,23 @@ EntryType typeOf(const struct statx& status) {
 struct Root {
   Mounted mounted;
   MountTree mounts;
+  // Null where nobody follows the walk.
+  FolderObserver* observer = nullptr;
 };
+
+// Whether a folder that could not be opened for this reason is still there, on this volume.
+bool isStillThere(int error) {
+  return error != ENOENT && error != ENOTDIR && error != ELOOP;
+}
 
 class LinuxFolder final : public OpenFolder {
  public:
-  LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts)
+  LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts,
+              FolderObserver::Seen seen)
       : handle_(std::move(handle)),
         root_(std::move(root)),
-        mounts_(mounts) {}
+        mounts_(mounts),
+        seen_(seen) {}
 
   std::uint64_t device() const override { return root_->mounted.device; }
 
@@ -55,7 +57,7 @@ class LinuxFolder final : public OpenFolder {
     // A call may return only "." and "..", which is not yet the end.
     while (buffer.entries.empty()) {
       const long length = syscall(SYS_getdents64, handle_.get(), buffer.bytes.get(), ListingBuffer::size);
-      if (length < 0) return {.error = errno};
+      if (length < 0) return failure(errno);
       if (length == 0) return {};
       parse(buffer, static_cast<std::size_t>(length));
     }
@@ -65,16 +67,28 @@ class LinuxFolder final : public OpenFolder {
   std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
     const MountTree* mounts = mounts_ != nullptr ? mounts_->child(name) : nullptr;
     if (mounts != nullptr && mounts->isMountPoint) return std::unexpected(EXDEV);
-    FileHandle opened = openFolder(handle_.get(), name.c_str(), openFlags | O_NOFOLLOW);
-    if (!opened) return std::unexpected(errno);
+    FileHandle opened = openFolderItself(handle_.get(), name.c_str());
+    if (!opened) return obstacle(name, errno);
     const auto facts = factsOf(opened);
-    if (!facts) return std::unexpected(facts.error());
+    if (!facts) return obstacle(name, facts.error());
     // A volume that appeared since the table was read, or a subvolume, which has a device of its own.
     if (facts->mounted != root_->mounted) return std::unexpected(EXDEV);
-    return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts);
+    FolderObserver::Seen seen;
+    if (root_->observer != nullptr) seen = root_->observer->opened(seen_, name, opened);
+    return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts, seen);
   }
 
  private:
+  Batch failure(int error) const {
+    if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotList(seen_);
+    return {.error = error};
+  }
+
+  std::unexpected<int> obstacle(const std::string& name, int error) const {
+    if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotOpen(seen_, name);
+    return std::unexpected(error);
+  }
+
   void parse(ListingBuffer& buffer, std::size_t length) {
     for (std::size_t at = 0; at < length;) {
       const auto* record = reinterpret_cast<const dirent64*>(buffer.bytes.get() + at);
@@ -100,6 +114,7 @@ class LinuxFolder final : public OpenFolder {
     struct statx status {};
     if (statx(handle_.get(), name.data(), entryFlags, entryMask, &status) != 0) {
       entry.error = errno;
+      if (root_->observer != nullptr && isStillThere(entry.error)) root_->observer->couldNotList(seen_);
       return entry;
     }
     entry.type = typeOf(status);
@@ -122,27 +137,39 @@ class LinuxFolder final : public OpenFolder {
   std::shared_ptr<const Root> root_;
   // The mounts below this folder; null where there are none, as nearly everywhere.
   const MountTree* mounts_;
+  FolderObserver::Seen seen_;
 };
 
 class LinuxFolderListing final : public FolderListing {
  public:
+  explicit LinuxFolderListing(FolderObserver* observer) : observer_(observer) {}
+
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& path) override {
-    FileHandle handle = openFolder(AT_FDCWD, path.c_str(), openFlags);
+    FileHandle handle = openFolder(AT_FDCWD, path.c_str());
     if (!handle) return std::unexpected(systemError(path, errno));
     const auto facts = factsOf(handle);
     if (!facts) return std::unexpected(systemError(path, facts.error()));
     const std::string realPath = realPathOf(handle);
-    auto root = std::make_shared<Root>(Root{.mounted = facts->mounted});
+    auto root = std::make_shared<Root>(Root{.mounted = facts->mounted, .observer = observer_});
     if (!realPath.empty()) root->mounts = mountsBelow(realPath, currentMounts());
     const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
-    return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts);
+    FolderObserver::Seen seen;
+    if (observer_ != nullptr) seen = observer_->openedRoot(handle);
+    return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts, seen);
   }
+
+ private:
+  FolderObserver* observer_;
 };
 
 }  // namespace
 
 std::unique_ptr<FolderListing> hostFolderListing() {
-  return std::make_unique<LinuxFolderListing>();
+  return std::make_unique<LinuxFolderListing>(nullptr);
+}
+
+std::unique_ptr<FolderListing> observedFolderListing(FolderObserver& observer) {
+  return std::make_unique<LinuxFolderListing>(&observer);
 }
 
 std::size_t raiseOpenFileLimit(std::size_t wanted) {

@@ -75,6 +75,10 @@ std::string UserFolders::cache() {
   return folder ? *folder : underHome(".cache");
 }
 
+std::string UserFolders::runtime() {
+  return folderVariable("XDG_RUNTIME_DIR").value_or("");
+}
+
 std::string userLocale() {
   for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
     const char* value = std::getenv(variable);

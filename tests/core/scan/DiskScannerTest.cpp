@@ -76,7 +76,7 @@ TEST(DiskScanner, judgesEachKindOfEntry) {
   EXPECT_FALSE(result.root.isWorktree);
   EXPECT_TRUE(result.root.children[1].isWorktree);
   EXPECT_FALSE(result.root.children[2].isWorktree);
-  EXPECT_EQ(result.unread, (DiskScanner::Unread{.entries = 1, .paths = {"/r/broken"}}));
+  EXPECT_EQ(result.unread, (DiskScanner::Unread{.entries = 1, .hasFailures = true, .paths = {"/r/broken"}}));
 }
 
 TEST(DiskScanner, countsWhatItCouldNotReadButNotWhatVanished) {

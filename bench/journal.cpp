@@ -1,0 +1,240 @@
+// What does recording cost, and what does a rescan gain? bench_journal PATH [ROUNDS]
+//
+// All figures are ratios within one run. The tree gets a few files, which are removed again. A recorder of
+// this process is measured from inside; what the kernel takes for its watches is the difference in its own
+// memory, so others disturb it.
+
+#include "core/host/EventRecorder.h"
+#include "core/scan/ReadAheadListing.h"
+#include "core/scan/ScanPlan.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iomanip>
+#include <iostream>
+#include <thread>
+
+namespace {
+
+using namespace spacemint;
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr Bytes threshold = 20'000'000;
+constexpr std::size_t changedFolders = 10;
+constexpr int stormFiles = 100'000;
+
+double secondsOf(const std::function<void()>& work) {
+  const auto start = Clock::now();
+  work();
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+  std::ranges::sort(values);
+  return values[values.size() / 2];
+}
+
+void say(const std::string& what, double value, const std::string& unit) {
+  std::cout << std::left << std::setw(66) << what << std::right << std::fixed << std::setprecision(4)
+            << std::setw(12) << value << ' ' << unit << '\n';
+}
+
+// Of the recorder's own threads alone: all but the one that asks.
+struct Usage {
+  double cpuSeconds = 0;
+  long wakeUps = 0;
+};
+
+Usage usage(int who) {
+  rusage used{};
+  getrusage(who, &used);
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  return {seconds(used.ru_utime) + seconds(used.ru_stime), used.ru_nvcsw + used.ru_nivcsw};
+}
+
+Usage recorderUsage() {
+  const Usage all = usage(RUSAGE_SELF);
+  const Usage own = usage(RUSAGE_THREAD);
+  return {all.cpuSeconds - own.cpuSeconds, all.wakeUps - own.wakeUps};
+}
+
+double residentBytes() {
+  std::ifstream file("/proc/self/statm");
+  double total = 0;
+  double resident = 0;
+  file >> total >> resident;
+  return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+// What the kernel holds that it cannot give back, in bytes: watches are among it.
+double kernelBytes() {
+  std::ifstream file("/proc/meminfo");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("SUnreclaim:")) return std::atof(line.c_str() + line.find(':') + 1) * 1'024;
+  }
+  return 0;
+}
+
+std::optional<DiskScanner::Result> fullScan(const std::string& root, FolderListing& listing,
+                                            Bytes minNodeSize = threshold) {
+  ReadAheadListing ahead{listing};
+  return DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .listing = &ahead});
+}
+
+std::vector<std::string> someFolders(const std::string& root) {
+  std::vector<std::string> all;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    if (entry.is_directory() && !entry.is_symlink()) all.push_back(entry.path());
+  }
+  std::ranges::sort(all);
+  std::vector<std::string> some;
+  for (std::size_t i = 0; i < changedFolders; ++i)
+    some.push_back(all[(2 * i + 1) * all.size() / (2 * changedFolders)]);
+  return some;
+}
+
+struct Bench {
+  std::string root;
+  int rounds = 5;
+  std::string folder;
+  std::unique_ptr<FolderListing> host = hostFolderListing();
+  std::unique_ptr<EventRecorder> recorder = {};
+
+  EventRecorder::Options options(bool walksAtOnce) const {
+    return {.root = root,
+            .meetingFolder = folder + "/meet",
+            .stateFolder = folder + "/state",
+            .walksAtOnce = walksAtOnce};
+  }
+
+  // Full scans with and without watches, in turn.
+  double setUp() {
+    std::vector<double> plain;
+    std::vector<double> watching;
+    std::vector<double> alone;
+    fullScan(root, *host);  // fills the caches
+    for (int round = 0; round < rounds; ++round) {
+      plain.push_back(secondsOf([&] { fullScan(root, *host); }));
+      recorder = startRecording(options(false)).value();
+      watching.push_back(secondsOf([&] {
+        const auto walk = recorder->beginWalk();
+        fullScan(root, walk->listing());
+        walk->finish();
+      }));
+      recorder.reset();
+      alone.push_back(secondsOf([&] {
+        recorder = startRecording(options(true)).value();
+        recorder->waitUntilRecording(std::chrono::minutes{5});
+      }));
+      recorder.reset();
+    }
+    say("full scan", median(plain), "s");
+    say("full scan that sets up the watches, of a full scan", median(watching) / median(plain), "");
+    say("set-up by a walk of the recorder's own, of a full scan", median(alone) / median(plain), "");
+    return median(plain);
+  }
+
+  void memory() {
+    const double before = residentBytes();
+    const double kernelBefore = kernelBytes();
+    recorder = startRecording(options(true)).value();
+    recorder->waitUntilRecording(std::chrono::minutes{5});
+    const auto status = recorder->status();
+    const auto folders = static_cast<double>(status.folders);
+    say("folders", folders, "");
+    say("memory of the map", static_cast<double>(status.memory) / folders, "bytes a folder");
+    say("memory of the process, more than before", (residentBytes() - before) / folders, "bytes a folder");
+    say("memory of the kernel for watches", (kernelBytes() - kernelBefore) / folders, "bytes a folder");
+  }
+
+  void idle() {
+    const Usage before = recorderUsage();
+    std::this_thread::sleep_for(std::chrono::seconds{5});
+    say("wake-ups in 5 idle seconds", static_cast<double>(recorderUsage().wakeUps - before.wakeUps), "");
+  }
+
+  // What is smaller than the threshold is not in a scan, and so is walked where a folder beside it changed.
+  void rescan(double full, Bytes minNodeSize) {
+    const ChangeLog log{*recorder};
+    const auto folders = someFolders(root);
+    std::vector<double> times;
+    Snapshot last{.minNodeSize = minNodeSize, .eventID = log.currentEventID(root)};
+    last.root = fullScan(root, *host, minNodeSize)->root;
+    last.fullScanDate = Date{};
+    std::int64_t walked = 0;
+    for (int round = 0; round < rounds; ++round) {
+      for (const std::string& changed : folders) {
+        std::ofstream(changed + "/.bench-journal", std::ios::app) << round;
+      }
+      walked = 0;
+      ScanPlan::Arguments arguments{.root = root, .minNodeSize = minNodeSize, .now = Date{}, .earlier = last};
+      times.push_back(secondsOf([&] {
+        const auto plan = ScanPlan::make(log, std::move(arguments));
+        const auto reuse = [&](const std::string& path) {
+          auto node = plan.reuse ? plan.reuse(path) : std::nullopt;
+          if (!node) ++walked;
+          return node;
+        };
+        auto result = DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .reuse = reuse});
+        last.root = std::move(result->root);
+        last.eventID = plan.eventID;
+      }));
+    }
+    for (const std::string& changed : folders) unlink((changed + "/.bench-journal").c_str());
+    say("rescan after changes in 10 folders, all from " + std::to_string(minNodeSize) + " bytes kept",
+        median(times) / full, "of a full scan");
+    say("  folders that it walked", static_cast<double>(walked), "");
+  }
+
+  void storm() {
+    const std::string in = root + "/.bench-storm";
+    mkdir(in.c_str(), 0755);
+    const Usage before = recorderUsage();
+    const double wall = secondsOf([&] {
+      for (int i = 0; i < stormFiles; ++i) {
+        close(open((in + "/" + std::to_string(i)).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644));
+      }
+    });
+    const bool survived =
+        recorder
+            ->changes(
+                {.since = recorder->currentEventID(root), .root = root, .timeout = std::chrono::minutes{1}})
+            .has_value();
+    const double cpu = recorderUsage().cpuSeconds - before.cpuSeconds;
+    say("100,000 files created in one folder", wall, "s");
+    say("  the recorder's processor time, of that", cpu / wall, survived ? "" : "(events were lost)");
+    fs::remove_all(in);
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    std::cerr << "usage: bench_journal PATH [ROUNDS]\n";
+    return 2;
+  }
+  std::string folder = (fs::temp_directory_path() / "bench-journal-XXXXXX").string();
+  if (mkdtemp(folder.data()) == nullptr) return EXIT_FAILURE;
+  Bench bench{.root = argv[1], .rounds = argc > 2 ? std::atoi(argv[2]) : 5, .folder = folder};
+  const double full = bench.setUp();
+  bench.memory();
+  bench.idle();
+  bench.rescan(full, threshold);
+  bench.rescan(full, 100'000);
+  bench.storm();
+  bench.recorder.reset();
+  fs::remove_all(folder);
+}

@@ -1,0 +1,38 @@
+#include "core/host/linux/FolderOpening.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+
+namespace spacemint {
+
+namespace {
+
+constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+
+// Listing a folder would set its access time, and so write to the disk for every folder of a scan. Only the
+// owner may ask for that to be left out.
+FileHandle openWithoutTouching(int parent, const char* name, int flags) {
+  FileHandle opened{openat(parent, name, flags | O_NOATIME)};
+  return opened || errno != EPERM ? std::move(opened) : FileHandle{openat(parent, name, flags)};
+}
+
+}  // namespace
+
+FileHandle openFolder(int parent, const char* name) {
+  return openWithoutTouching(parent, name, openFlags);
+}
+
+FileHandle openFolderItself(int parent, const char* name) {
+  return openWithoutTouching(parent, name, openFlags | O_NOFOLLOW);
+}
+
+void rewindFolder(const FileHandle& folder) {
+  lseek(folder.get(), 0, SEEK_SET);
+}
+
+std::string pathThroughHandle(const FileHandle& folder) {
+  return "/proc/self/fd/" + std::to_string(folder.get());
+}
+
+}  // namespace spacemint

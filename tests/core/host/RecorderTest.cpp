@@ -1,0 +1,330 @@
+// What a recorder says when things happen that are no everyday changes: limits, losses, mounts, other roots.
+
+#include "core/host/linux/journal/Recorder.h"
+
+#include "core/host/linux/journal/RecorderRules.h"
+#include "core/scan/ChangeLog.h"
+#include "core/scan/DiskScanner.h"
+#include "core/scan/ReadAheadListing.h"
+#include "support/ChildProcess.h"
+#include "support/OwnMounts.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+
+namespace spacemint {
+namespace {
+
+namespace fs = std::filesystem;
+using support::TemporaryFolder;
+using namespace std::chrono_literals;
+
+constexpr std::uint64_t firstEventID = EventClock::count * 5;
+
+void write(const std::string& path, std::size_t bytes = 5'000) {
+  std::ofstream(path, std::ios::app) << std::string(bytes, 'x');
+}
+
+class RecorderTest : public testing::Test {
+ protected:
+  void start(Recorder::Parts parts = {}) {
+    parts.root = root;
+    parts.firstEventID = firstEventID;
+    if (!parts.rules.beforeListening) {
+      parts.rules.beforeListening = [this] { const std::lock_guard lock(hold); };
+    }
+    auto started = Recorder::start(std::move(parts));
+    ASSERT_TRUE(started) << started.error().message;
+    recorder = std::move(*started);
+    if (recorder->waitUntilRecording(1min)) since = recorder->currentEventID(root);
+  }
+
+  std::expected<FolderChanges, JournalAbsence> ask() { return ask(since); }
+  std::expected<FolderChanges, JournalAbsence> ask(std::uint64_t from) {
+    auto answer = recorder->changes({.since = from, .root = root, .timeout = 1min});
+    if (answer) {
+      std::ranges::sort(answer->directories);
+      std::ranges::sort(answer->trees);
+    }
+    return answer;
+  }
+  // Why there is no answer, if there is none.
+  static std::optional<JournalAbsence> reason(const std::expected<FolderChanges, JournalAbsence>& answer) {
+    return answer ? std::nullopt : std::optional{answer.error()};
+  }
+  std::vector<std::string> directories() {
+    return ask().value_or(FolderChanges{.directories = {"none"}}).directories;
+  }
+  std::vector<std::string> trees() { return ask().value_or(FolderChanges{.trees = {"none"}}).trees; }
+
+  TemporaryFolder folder;
+  std::string root = folder / "root";
+  bool made = fs::create_directory(root);
+  std::mutex hold;
+  std::unique_ptr<Recorder> recorder;
+  std::uint64_t since = 0;
+};
+
+TEST_F(RecorderTest, namesFoldersWhoseEntriesChangedAndTreesThatCame) {
+  fs::create_directories(root + "/a/b");
+  fs::create_directories(root + "/quiet/too");
+  start();
+  EXPECT_EQ(ask()->directories.size() + ask()->trees.size(), 0U);
+  write(root + "/a/b/f");
+  fs::create_directories(root + "/new/below");
+  EXPECT_EQ(directories(), (std::vector{root, root + "/a/b"}));
+  EXPECT_EQ(trees(), std::vector{root + "/new"});
+  since = recorder->currentEventID(root);
+  write(root + "/new/below/f");
+  EXPECT_EQ(directories(), std::vector{root + "/new/below"});
+  EXPECT_EQ(trees().size(), 0U);
+}
+
+TEST_F(RecorderTest, answersOnlyForItsOwnIds) {
+  start();
+  EXPECT_EQ(reason(ask(firstEventID - 1)), JournalAbsence::olderThanSession);
+  EXPECT_TRUE(ask(since));
+  EXPECT_EQ(reason(ask(since + 1)), JournalAbsence::fromTheFuture);
+  EXPECT_EQ(reason(ask(since + EventClock::count)), JournalAbsence::fromTheFuture);
+  EXPECT_EQ(recorder->currentEventID(root + "/"), 0U);
+  EXPECT_EQ(reason(recorder->changes({.since = since, .root = "/", .timeout = 1s})),
+            JournalAbsence::notRecording);
+  const std::lock_guard busy(hold);
+  // It may answer once more before it comes to where it is held.
+  recorder->changes({.since = since, .root = root, .timeout = 1s});
+  EXPECT_EQ(reason(recorder->changes({.since = since, .root = root, .timeout = 10ms})),
+            JournalAbsence::timedOut);
+}
+
+// A folder is filled and exchanged with another before the recorder looks, so its path leads to the other.
+TEST_F(RecorderTest, makesSureOfTheFolderThatAPathLeadsTo) {
+  for (const bool verifies : {true, false}) {
+    fs::create_directories(root + "/x");
+    RecorderRules rules{.verifiesFolders = verifies};
+    start({.rules = rules});
+    fs::create_directories(root + "/p/y");
+    fs::rename(root + "/x", root + "/p/x");
+    ASSERT_TRUE(ask());
+    {
+      const std::lock_guard held(hold);
+      fs::create_directory(root + "/p/x/f");
+      renameat2(AT_FDCWD, (root + "/p/x").c_str(), AT_FDCWD, (root + "/p/y").c_str(), RENAME_EXCHANGE);
+    }
+    ASSERT_TRUE(ask());
+    since = recorder->currentEventID(root);
+    write(root + "/p/y/f/late");
+    EXPECT_EQ(directories() == std::vector{root + "/p/y/f"}, verifies);
+    recorder.reset();
+    fs::remove_all(root + "/p");
+  }
+}
+
+TEST_F(RecorderTest, watchesFoldersThatAreMadeFasterThanItLooks) {
+  start();
+  std::string deepest = root;
+  for (int i = 0; i < 3'000; ++i) {
+    if (i % 100 == 0) deepest += "/deep";
+    fs::create_directories(deepest + "/" + std::to_string(i));
+  }
+  EXPECT_EQ(trees(), std::vector{root + "/deep"});
+  since = recorder->currentEventID(root);
+  write(deepest + "/2999/f");
+  EXPECT_EQ(directories(), std::vector{deepest + "/2999"});
+  EXPECT_EQ(recorder->status().folders, 3'031U);
+}
+
+TEST_F(RecorderTest, hasNothingCertainAfterTheQueueOverflowed) {
+  std::size_t limit = 0;
+  std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> limit;
+  if (limit == 0 || limit > 200'000) GTEST_SKIP() << "the queue takes too much here";
+  write(root + "/f");
+  write(root + "/g");
+  for (const bool notices : {true, false}) {
+    start({.restartTime = 0s, .rules = {.noticesLoss = notices}});
+    {
+      const std::lock_guard held(hold);
+      // It may wake once more and take what is there by then; what follows is too much.
+      for (std::size_t i = 0; i < 2 * limit + 10; ++i)
+        chmod((root + (i % 2 == 0 ? "/f" : "/g")).c_str(), 0600);
+      fs::create_directory(root + "/missed");
+    }
+    EXPECT_EQ(ask().has_value(), !notices);
+    if (!notices) break;
+    // It begins anew by itself, and knows that the earlier id is from before.
+    ASSERT_TRUE(recorder->waitUntilRecording(1min));
+    EXPECT_EQ(reason(ask()), JournalAbsence::eventsLost);
+    EXPECT_TRUE(ask(recorder->currentEventID(root)));
+  }
+}
+
+TEST_F(RecorderTest, noticesThatAnotherFolderIsInThePlaceOfItsRoot) {
+  start();
+  fs::rename(root, folder / "elsewhere");
+  EXPECT_EQ(reason(ask()), JournalAbsence::rootReplaced);
+  EXPECT_EQ(recorder->currentEventID(root), 0U);
+  fs::create_directory(root);
+  EXPECT_FALSE(ask());  // which makes it begin with what is there now
+  ASSERT_TRUE(recorder->waitUntilRecording(1min));
+  EXPECT_TRUE(ask(recorder->currentEventID(root)));
+
+  for (const bool checks : {true, false}) {
+    root = folder / "above/root";
+    fs::create_directories(root);
+    start({.rules = {.checksRoot = checks}});
+    fs::rename(folder / "above", folder / (checks ? "gone" : "gone too"));
+    fs::create_directories(root);
+    EXPECT_EQ(ask().has_value(), !checks);
+    recorder.reset();
+  }
+}
+
+TEST_F(RecorderTest, isLostWhenItsVolumeIsUnmounted) {
+  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::enterOwnMounts() || mount("none", root.c_str(), "tmpfs", 0, "size=1m") != 0) return false;
+    start();
+    // It keeps nothing open that would stop this.
+    return ask() && umount(root.c_str()) == 0 && reason(ask()) == JournalAbsence::unmounted;
+  }));
+}
+
+TEST_F(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
+  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  fs::create_directories(root + "/m/below");
+  write(root + "/m/below/f");
+  for (const bool notices : {true, false}) {
+    const auto work = [&] {
+      if (!support::enterOwnMounts()) return false;
+      start({.rules = {.noticesMounts = notices}});
+      const std::string at = root + "/m";
+      if (!ask() || mount("none", at.c_str(), "tmpfs", 0, "size=1m") != 0) return false;
+      if ((directories() == std::vector{root}) != notices) return false;
+      since = recorder->currentEventID(root);
+      if (umount(at.c_str()) != 0 || (trees() == std::vector{at}) != notices) return false;
+      since = recorder->currentEventID(root);
+      write(at + "/below/f");
+      return directories() == std::vector{at + "/below"};
+    };
+    EXPECT_TRUE(support::succeedsInChild(work)) << notices;
+  }
+}
+
+TEST_F(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
+  for (const char* name : {"/a/b", "/c/d", "/e/f"}) fs::create_directories(root + name);
+  start({.watchLimit = 3});
+  const auto status = recorder->status();
+  EXPECT_EQ(status.watches, 3U);
+  EXPECT_NE(status.limitAdvice.find("sysctl fs.inotify.max_user_watches="), std::string::npos);
+  EXPECT_FALSE(trees().empty());
+  since = recorder->currentEventID(root);
+  EXPECT_FALSE(trees().empty());
+}
+
+// As root of a user namespace, whose limits bind nobody else.
+bool setOwnLimit(const char* name, int value) {
+  const std::string user = std::to_string(geteuid());
+  if (unshare(CLONE_NEWUSER) != 0) return false;
+  std::ofstream("/proc/self/uid_map") << "0 " + user + " 1";
+  std::ofstream limit(std::string{"/proc/sys/user/"} + name);
+  limit << value;
+  return static_cast<bool>(limit.flush());
+}
+
+TEST_F(RecorderTest, livesWithTheLimitsOfTheSystem) {
+  if (!support::succeedsInChild([] { return setOwnLimit("max_inotify_watches", 4); })) {
+    GTEST_SKIP() << "no user namespace to be had here";
+  }
+  for (int i = 0; i < 10; ++i) fs::create_directories(root + "/" + std::to_string(i) + "/below");
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!setOwnLimit("max_inotify_watches", 4)) return false;
+    start();
+    return recorder->status().watches == 4 && !recorder->status().limitAdvice.empty() && trees().size() >= 6;
+  }));
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!setOwnLimit("max_inotify_instances", 0)) return false;
+    const auto failed = Recorder::start({.root = root, .firstEventID = firstEventID});
+    return !failed && failed.error().isSystem(EMFILE) &&
+           failed.error().message.find("sysctl fs.inotify.max_user_instances=") != std::string::npos;
+  }));
+}
+
+TEST_F(RecorderTest, hasUnreadableFoldersInEveryAnswerUntilTheyCanBeRead) {
+  fs::permissions(folder.path(), fs::perms::all);
+  fs::permissions(root, fs::perms::all);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::becomeNobody()) return false;
+    fs::create_directories(root + "/locked/below");
+    fs::permissions(root + "/locked", fs::perms::none);
+    start();
+    if (trees() != std::vector{root + "/locked"}) return false;
+    fs::permissions(root + "/locked", fs::perms::owner_all);
+    if (trees() != std::vector{root + "/locked"}) return false;
+    since = recorder->currentEventID(root);
+    write(root + "/locked/below/f");
+    return trees().empty() && directories() == std::vector{root + "/locked/below"};
+  }));
+}
+
+class RecordingWalkTest : public RecorderTest {
+ protected:
+  Node scanWith(FolderListing& listing) {
+    return DiskScanner::scan({.root = root, .listing = &listing}).value().root;
+  }
+};
+
+TEST_F(RecordingWalkTest, ofAScanSetsUpTheRecorderOnItsWay) {
+  for (const char* name : {"/a/b", "/c/d", "/e/f"}) fs::create_directories(root + name);
+  write(root + "/a/b/f");
+  start({.walksAtOnce = false});
+  EXPECT_EQ(since, 0U);
+  auto walk = recorder->beginWalk();
+  EXPECT_EQ(reason(ask(walk->eventID())), JournalAbsence::settingUp);
+  {
+    ReadAheadListing ahead{walk->listing(), 4};
+    scanWith(ahead);
+  }
+  write(root + "/c/d/during");
+  walk->finish();
+  since = walk->eventID();
+  EXPECT_EQ(directories(), std::vector{root + "/c/d"});
+  EXPECT_EQ(recorder->status().watches, 7U);
+  since = recorder->currentEventID(root);
+  EXPECT_EQ(directories().size(), 0U);
+
+  // One that is given up leaves nothing certain.
+  recorder->beginWalk().reset();
+  EXPECT_EQ(reason(ask()), JournalAbsence::notRecording);
+}
+
+// Tells, for one folder, that it could be listed in part only.
+TEST_F(RecordingWalkTest, countsWhatItCouldNotListAsUnknown) {
+  fs::create_directories(root + "/a/b");
+  fs::permissions(folder.path(), fs::perms::all);
+  fs::permissions(root, fs::perms::all);
+  fs::permissions(root + "/a", fs::perms::all);
+  write(root + "/a/f");
+  fs::permissions(root + "/a", fs::perms::others_read | fs::perms::owner_read);  // names, but no facts
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::becomeNobody()) return false;
+    start({.walksAtOnce = false});
+    const auto walk = recorder->beginWalk();
+    scanWith(walk->listing());
+    walk->finish();
+    since = recorder->currentEventID(root);
+    return trees() == std::vector{root + "/a"};
+  }));
+  fs::permissions(root + "/a", fs::perms::all);
+}
+
+}  // namespace
+}  // namespace spacemint

@@ -1,0 +1,160 @@
+#include "core/scan/ChangeLog.h"
+
+#include "core/scan/ScanPlan.h"
+#include "support/TreeBuilder.h"
+
+#include <gtest/gtest.h>
+
+namespace spacemint {
+namespace {
+
+using namespace std::chrono_literals;
+using support::file;
+using support::folder;
+
+// Answers what it is told to, and remembers what it was asked.
+class FakeJournal final : public EventJournal {
+ public:
+  std::uint64_t currentEventID(const std::string&) override {
+    order += "id ";
+    return id;
+  }
+  std::expected<FolderChanges, JournalAbsence> changes(const Question& question) override {
+    order += "changes ";
+    asked = question;
+    return answer;
+  }
+
+  std::uint64_t id = 70;
+  std::expected<FolderChanges, JournalAbsence> answer;
+  Question asked;
+  std::string order;
+};
+
+Snapshot homeOfAnn() {
+  return {.root = folder("/Users/ann", {folder("Documents", {file("a", 50)}),
+                                        folder("Downloads", {file("b", 40), folder("old", {file("c", 30)})}),
+                                        folder("Library", {folder("Caches", {file("d", 20)})}),
+                                        folder("Empty", {}), file("notes", 10)}),
+          .eventID = 50,
+          .fullScanDate = Date{100h}};
+}
+
+bool isReused(const DiskScanner::Reuse& reuse, const std::string& path) {
+  return reuse(path).has_value();
+}
+
+TEST(ChangeLog, reusesWhatIsNeitherChangedNorOnTheWayToAChange) {
+  const auto reuse = ChangeLog::reuse(homeOfAnn(), {.directories = {"/Users/ann/Downloads"}});
+  EXPECT_FALSE(isReused(reuse, "/Users/ann/Downloads"));
+  EXPECT_EQ(reuse("/Users/ann/Downloads/old"), *homeOfAnn().nodeAt("/Users/ann/Downloads/old"));
+  EXPECT_EQ(reuse("/Users/ann/Documents"), *homeOfAnn().nodeAt("/Users/ann/Documents"));
+  EXPECT_FALSE(isReused(reuse, "/Users/ann"));
+  EXPECT_FALSE(isReused(reuse, "/Users/ann/Empty"));  // no files
+  EXPECT_FALSE(isReused(reuse, "/Users/ann/Music"));  // was too small to be kept
+  EXPECT_FALSE(isReused(reuse, "/Users/ann/notes"));
+  EXPECT_FALSE(isReused(reuse, "/Users/annex/Documents"));
+}
+
+TEST(ChangeLog, reusesNothingInAChangedTree) {
+  const auto reuse = ChangeLog::reuse(homeOfAnn(), {.trees = {"/Users/ann/Library"}});
+  EXPECT_FALSE(isReused(reuse, "/Users/ann/Library"));
+  EXPECT_FALSE(isReused(reuse, "/Users/ann/Library/Caches"));
+  EXPECT_TRUE(isReused(reuse, "/Users/ann/Downloads"));
+  for (const char* root : {"/Users/ann", "/Users"}) {
+    const auto none = ChangeLog::reuse(homeOfAnn(), {.trees = {root}});
+    EXPECT_EQ(isReused(none, "/Users/ann/Downloads"), std::string{root} == "/Users");
+  }
+  Snapshot disk{.root = folder("/", {folder("home", {file("a", 1)})})};
+  EXPECT_TRUE(isReused(ChangeLog::reuse(disk, {.directories = {"/"}}), "/home"));
+  EXPECT_FALSE(isReused(ChangeLog::reuse(disk, {.trees = {"/"}}), "/home"));
+}
+
+TEST(ChangeLog, takesNoFolderForAnotherThatOnlyLooksLikeIt) {
+  const Snapshot snapshot{
+      .root = folder("/r", {folder("caf\u00e9", {file("a", 1)}), folder("bad\ufffd", {file("b", 1)})})};
+  const auto reuse = ChangeLog::reuse(snapshot, {});
+  EXPECT_TRUE(isReused(reuse, "/r/caf\u00e9"));
+  EXPECT_FALSE(isReused(reuse, "/r/cafe\u0301"));
+  EXPECT_FALSE(isReused(reuse, "/r/bad\xff"));
+  EXPECT_FALSE(isReused(reuse, "/r/bad\ufffd"));  // may be what stands for other bytes
+}
+
+TEST(ChangeLog, bringsPathsIntoTheFormOfTheTree) {
+  FakeJournal journal;
+  const ChangeLog log{journal};
+  journal.answer = FolderChanges{.directories = {"/Users/ann/x/", "/"}, .trees = {"/System/Volumes/Data/y"}};
+  const auto onDisk = log.changes({.since = 5, .under = "/System/Volumes/Data", .timeout = 60s});
+  const ChangeLog::Changes wanted{
+      .directories = {"/System/Volumes/Data/Users/ann/x", "/System/Volumes/Data/"},
+      .trees = {"/System/Volumes/Data/y"}};
+  EXPECT_EQ(onDisk, wanted);
+  EXPECT_EQ(journal.asked.since, 5U);
+  EXPECT_EQ(journal.asked.timeout, 60s);
+  EXPECT_TRUE(log.changes({.since = 5, .under = "/"})->directories.contains("/"));
+
+  journal.answer = std::unexpected(JournalAbsence::eventsLost);
+  EXPECT_EQ(log.changes({.since = 5, .under = "/"}).error(), JournalAbsence::eventsLost);
+  journal.order.clear();
+  EXPECT_FALSE(log.changes({.since = 0, .under = "/"}));
+  EXPECT_EQ(journal.order, "");
+}
+
+class ScanPlanTest : public testing::Test {
+ protected:
+  ScanPlan plan(Snapshot earlier = homeOfAnn()) {
+    arguments.earlier = std::move(earlier);
+    return ScanPlan::make(ChangeLog{journal}, arguments);
+  }
+  std::string whyFull(void (*edit)(Snapshot&)) {
+    Snapshot earlier = homeOfAnn();
+    edit(earlier);
+    const ScanPlan made = plan(std::move(earlier));
+    EXPECT_FALSE(made.reuse);
+    EXPECT_EQ(made.fullScanDate, arguments.now);
+    return made.whyFull;
+  }
+
+  FakeJournal journal;
+  ScanPlan::Arguments arguments{.root = "/Users/ann", .now = Date{150h}};
+};
+
+TEST_F(ScanPlanTest, reusesTheEarlierScanWhereTheJournalAnswers) {
+  const ScanPlan made = plan();
+  EXPECT_EQ(made.whyFull, "");
+  EXPECT_EQ(made.fullScanDate, Date{100h});
+  EXPECT_EQ(made.eventID, 70U);
+  EXPECT_EQ(journal.asked.since, 50U);
+  EXPECT_EQ(journal.order, "id changes ");  // what happens between the two is told the next time again
+  ASSERT_TRUE(made.reuse);
+  EXPECT_TRUE(isReused(made.reuse, "/Users/ann/Library"));
+}
+
+TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.name = "/Users"; }),
+            "the last scan was of another folder");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.minNodeSize = 9; }), "the last scan kept other sizes apart");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.eventID.reset(); }),
+            "nothing recorded changes at the last scan");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{150h} - 72h; }),
+            "the last full scan is three days old");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{151h}; }),
+            "the last full scan has a date to come");  // the clock was set back
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.format = 2; }), "the last scan is no basis for another");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.fileCount = 0; }),
+            "the last scan is no basis for another");
+  EXPECT_EQ(journal.order.find("changes"), std::string::npos);
+
+  journal.answer = std::unexpected(JournalAbsence::unmounted);
+  journal.id = 0;
+  EXPECT_EQ(whyFull([](Snapshot&) {}), "its volume was unmounted");
+  EXPECT_EQ(plan().eventID, std::nullopt);
+  arguments.mayReuse = false;
+  EXPECT_EQ(whyFull([](Snapshot&) {}), "that was asked for");
+  arguments.mayReuse = true;
+  arguments.earlier.reset();
+  EXPECT_EQ(ScanPlan::make(ChangeLog{journal}, arguments).whyFull, "there is no earlier scan");
+}
+
+}  // namespace
+}  // namespace spacemint

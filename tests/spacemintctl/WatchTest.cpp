@@ -1,0 +1,101 @@
+// Recording and rescanning as a person runs them, in two processes.
+
+#include "core/history/SnapshotStore.h"
+#include "support/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+namespace spacemint {
+namespace {
+
+namespace fs = std::filesystem;
+using support::Program;
+using testing::HasSubstr;
+using testing::Not;
+
+class WatchTest : public testing::Test {
+ protected:
+  WatchTest() {
+    fs::create_directory(program.home() / "run");
+    fs::permissions(program.home() / "run", fs::perms::owner_all);
+    write("Music/song", 40'000);
+    write("Code/deep/down/core", 30'000);
+  }
+  void write(const std::string& name, std::size_t bytes) const {
+    const std::string path = program.home() / name;
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path, std::ios::app) << std::string(bytes, 'x');
+  }
+  std::string scan(std::vector<std::string> more = {}) const {
+    more.insert(more.begin(), {"scan", "--min-size", "1000"});
+    return program.run(more).out;
+  }
+  Snapshot newest() const {
+    const SnapshotStore store{.directory = program.home() / ".local/share/Spacemint/Snapshots"};
+    return store.load(store.entries().at(0)).value();
+  }
+
+  Program program{SPACEMINTCTL};
+};
+
+TEST_F(WatchTest, aScanAfterARecordedOneTakesOverWhatHasNotChanged) {
+  EXPECT_THAT(scan(), HasSubstr("A full scan, because there is no earlier scan.\n"));
+  EXPECT_EQ(newest().eventID, std::nullopt);
+  auto watch = program.begin({"watch"});
+  EXPECT_EQ(watch.line(), "Recording what changes in " + program.home().path() + ": 13 folders watched");
+  EXPECT_THAT(scan(), HasSubstr("A full scan, because nothing recorded changes at the last scan.\n"));
+  const Snapshot full = newest();
+  EXPECT_GT(full.eventID.value_or(0), 0U);
+
+  write("Music/song", 40'000);
+  EXPECT_THAT(scan({"--no-save"}),
+              HasSubstr("A rescan: what has not changed was taken from the last scan.\n"));
+  EXPECT_THAT(scan({"--no-save", "--json"}), HasSubstr(R"(,"scan":{"kind":"rescan"}})"));
+  EXPECT_THAT(scan({"--no-save", "--json", "--full"}),
+              HasSubstr(R"(,"scan":{"kind":"full","because":"that was asked for"}})"));
+  EXPECT_THAT(program.run({"scan", "--no-save"}).out,
+              HasSubstr("A full scan, because the last scan kept other sizes apart.\n"));
+  scan();
+  const Snapshot rescan = newest();
+  EXPECT_EQ(rescan.fullScanDate, full.fullScanDate);
+  EXPECT_GT(rescan.eventID, full.eventID);
+  EXPECT_EQ(rescan.nodeAt(program.home() / "Music")->size, 81'920);
+  EXPECT_EQ(*rescan.nodeAt(program.home() / "Code"), *full.nodeAt(program.home() / "Code"));
+  EXPECT_EQ(watch.end(SIGTERM), 0);
+  EXPECT_FALSE(fs::exists(program.home() / "run/spacemint/journal.sock"));
+}
+
+TEST_F(WatchTest, aRecorderThatWasKilledIsFollowedByOneThatKnowsNothingOfItsTime) {
+  auto first = program.begin({"watch"});
+  ASSERT_THAT(first.line(), HasSubstr("Recording"));
+  scan();
+  EXPECT_EQ(first.end(SIGKILL), 128 + SIGKILL);
+  write("Music/unseen", 5'000);
+  EXPECT_THAT(scan({"--no-save"}),
+              HasSubstr("A full scan, because nothing records the changes of this folder.\n"));
+  auto second = program.begin({"watch"});
+  ASSERT_THAT(second.line(), HasSubstr("Recording"));
+  EXPECT_THAT(scan({"--no-save"}),
+              HasSubstr("A full scan, because the last scan is older than the recording.\n"));
+}
+
+TEST_F(WatchTest, thereIsOneRecorderOfAFolder) {
+  auto watch = program.begin({"watch"});
+  ASSERT_THAT(watch.line(), HasSubstr("Recording"));
+  const auto again = program.run({"watch"});
+  EXPECT_EQ(again.exitCode, 1);
+  EXPECT_EQ(again.err, "spacemintctl: " + program.home().path() + ": is being recorded already\n");
+  auto other = program.begin({"watch", program.home() / "Music"});
+  EXPECT_EQ(other.line(), "Recording what changes in " + (program.home() / "Music") + ": 1 folder watched");
+  EXPECT_EQ(other.end(SIGINT), 0);
+  EXPECT_EQ(program.run({"watch", program.home() / "none"}).err,
+            "spacemintctl: " + (program.home() / "none") + ": No such file or directory\n");
+}
+
+}  // namespace
+}  // namespace spacemint

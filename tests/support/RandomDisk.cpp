@@ -1,0 +1,323 @@
+#include "support/RandomDisk.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+
+namespace spacemint::support {
+
+namespace {
+
+constexpr std::size_t keptLimit = 8;
+
+bool isFolder(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool hasOneName(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) && status.st_nlink == 1;
+}
+
+}  // namespace
+
+RandomDisk::RandomDisk(std::string root, std::string outside, std::uint64_t seed)
+    : root_(std::move(root)),
+      outside_(std::move(outside)),
+      random_(seed) {
+  for (int i = 0; i < 12; ++i) makeTree(subfolder(), 3);
+}
+
+RandomDisk::~RandomDisk() {
+  for (const int kept : kept_) close(kept);
+  // So that whoever made the root can remove it.
+  removeTree(root_);
+  removeTree(outside_);
+}
+
+std::string RandomDisk::fileName() {
+  static constexpr std::array names{"0", "1", "2", "3", "4", "5", ".git"};
+  return names[below(names.size())];
+}
+
+std::string RandomDisk::folderName() {
+  static constexpr std::array names{"a", "b", "c", "d", "e", "caf\u00e9"};
+  return names[below(names.size())];
+}
+
+// One that is there, the root among them; mostly one deep down, so that much stays as it is.
+std::string RandomDisk::folder() {
+  std::string path = root_;
+  for (auto depth = below(4) == 0 ? below(3) : 2 + below(4); depth > 0; --depth) {
+    const std::string next = path + "/" + folderName();
+    if (!isFolder(next)) break;
+    path = next;
+  }
+  return path;
+}
+
+std::string RandomDisk::file() {
+  std::string path;
+  for (auto tries = 1 + below(6); tries > 0; --tries) {
+    path = folder() + "/" + fileName();
+    struct stat status {};
+    if (lstat(path.c_str(), &status) == 0) break;
+  }
+  return path;
+}
+
+std::string RandomDisk::subfolderThatIsThere() {
+  std::string path = subfolder();
+  for (int tries = 0; tries < 4 && !isFolder(path); ++tries) path = subfolder();
+  return path;
+}
+
+void RandomDisk::write(const std::string& path, int flags, std::size_t size) {
+  const int file = open(path.c_str(), O_CREAT | O_WRONLY | O_NOFOLLOW | O_CLOEXEC | flags, 0644);
+  if (file < 0) return;
+  const std::string text(size, 'x');
+  if (::write(file, text.data(), text.size()) >= 0 && kept_.size() < keptLimit && below(8) == 0) {
+    kept_.push_back(file);
+  } else {
+    close(file);
+  }
+}
+
+void RandomDisk::makeTree(const std::string& path, int depth) {
+  if (mkdir(path.c_str(), 0755) != 0) return;
+  for (auto files = below(4); files > 0; --files) write(path + "/" + fileName(), 0, below(20'000));
+  if (depth == 0) return;
+  for (auto folders = 1 + below(4); folders > 0; --folders) makeTree(path + "/" + folderName(), depth - 1);
+}
+
+void RandomDisk::removeTree(const std::string& path) {
+  if (changesPermissions_) chmod(path.c_str(), 0755);
+  DIR* open = opendir(path.c_str());
+  if (open == nullptr) return;
+  while (const dirent* entry = readdir(open)) {
+    const std::string name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    if (unlink((path + "/" + name).c_str()) != 0) removeTree(path + "/" + name);
+  }
+  closedir(open);
+  if (path != root_ && path != outside_) rmdir(path.c_str());
+}
+
+void RandomDisk::step() {
+  static constexpr std::array operations{
+      &RandomDisk::changeFile,           &RandomDisk::changeFile,      &RandomDisk::changeThroughMapping,
+      &RandomDisk::changeThroughMapping, &RandomDisk::changeKept,      &RandomDisk::changeKept,
+      &RandomDisk::changeAllocation,     &RandomDisk::linkFile,        &RandomDisk::moveFile,
+      &RandomDisk::moveFolder,           &RandomDisk::moveFolder,      &RandomDisk::exchange,
+      &RandomDisk::moveAcrossTheBorder,  &RandomDisk::changeFolders,   &RandomDisk::changeFolders,
+      &RandomDisk::replaceFolder,        &RandomDisk::changeFacts,     &RandomDisk::changeFacts,
+      &RandomDisk::changeFacts,          &RandomDisk::createAndDelete, &RandomDisk::fillAndExchange,
+      &RandomDisk::fillAndExchange};
+  (this->*operations[below(operations.size())])();
+}
+
+void RandomDisk::changeFile() {
+  static constexpr std::array flags{0, O_APPEND, O_TRUNC};
+  const std::string path = file();
+  switch (below(4)) {
+    case 0:
+      unlink(path.c_str());
+      break;
+    case 1:
+      write(path, flags[below(flags.size())], below(60'000));
+      break;
+    default:
+      write(path, flags[below(flags.size())], below(6'000));
+      break;
+  }
+}
+
+// Pages of a hole are filled, which no event tells of until the file is closed.
+void RandomDisk::changeThroughMapping() {
+  constexpr std::size_t size = 65'536;
+  if (withHoles_.empty() || below(3) == 0) {
+    withHoles_.push_back(file());
+    write(withHoles_.back(), 0, 0);
+    if (truncate(withHoles_.back().c_str(), static_cast<off_t>(size)) != 0) withHoles_.pop_back();
+    return;
+  }
+  const auto at = withHoles_.begin() + static_cast<std::ptrdiff_t>(below(withHoles_.size()));
+  const std::string path = *at;
+  const int opened = open(path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC);
+  struct stat status {};
+  if (opened >= 0 && fstat(opened, &status) == 0 && status.st_size >= static_cast<off_t>(size)) {
+    void* mapped = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, opened, 0);
+    static_cast<char*>(mapped)[below(size)] = 'm';
+    munmap(mapped, size);
+  } else {
+    withHoles_.erase(at);
+  }
+  close(opened);
+}
+
+void RandomDisk::changeKept() {
+  if (kept_.empty()) return;
+  const auto at = kept_.begin() + static_cast<std::ptrdiff_t>(below(kept_.size()));
+  if (below(3) == 0) {
+    close(*at);
+    kept_.erase(at);
+    return;
+  }
+  const std::string text(below(9'000), 'k');
+  if (::write(*at, text.data(), text.size()) < 0) return;
+}
+
+void RandomDisk::changeAllocation() {
+  const std::string path = file();
+  if (below(2) == 0) {
+    if (truncate(path.c_str(), static_cast<off_t>(below(50'000))) != 0) return;
+    return;
+  }
+  const int opened = open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
+  if (opened < 0) return;
+  const int mode = below(2) == 0 ? 0 : FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE;
+  fallocate(opened, mode, static_cast<off_t>(below(9'000)), static_cast<off_t>(1 + below(30'000)));
+  close(opened);
+}
+
+void RandomDisk::linkFile() {
+  const std::string in = folder();
+  if (below(4) == 0) {
+    if (symlink("a", (in + "/" + fileName()).c_str()) != 0) return;
+  } else if (link((in + "/" + fileName()).c_str(), (in + "/" + fileName()).c_str()) != 0) {
+    return;
+  }
+}
+
+void RandomDisk::moveFile() {
+  const std::string from = file();
+  if (hasOneName(from)) rename(from.c_str(), file().c_str());
+}
+
+// Also away and back again, and over an empty one.
+void RandomDisk::moveFolder() {
+  const std::string from = subfolderThatIsThere();
+  if (below(3) > 0) {
+    rename(from.c_str(), subfolder().c_str());
+    return;
+  }
+  const std::string between = folder() + "/between";
+  if (rename(from.c_str(), between.c_str()) != 0) return;
+  if (rename(between.c_str(), from.c_str()) != 0) removeTree(between);
+}
+
+void RandomDisk::moveAcrossTheBorder() {
+  const std::string elsewhere = outsideFolder();
+  switch (below(4)) {
+    case 0:
+      rename(subfolderThatIsThere().c_str(), elsewhere.c_str());
+      break;
+    case 1:
+      rename(elsewhere.c_str(), subfolder().c_str());
+      break;
+    case 2:
+      makeTree(elsewhere, 2);
+      break;
+    default:
+      write(elsewhere + "/" + fileName(), O_APPEND, below(9'000));
+      break;
+  }
+}
+
+void RandomDisk::exchange() {
+  const std::string one = subfolderThatIsThere();
+  std::string other = subfolderThatIsThere();
+  if (below(4) == 0) {
+    other = file();
+    if (!hasOneName(other)) return;
+  }
+  renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE);
+}
+
+// Something new is in a folder, and the folder is elsewhere before anybody can look.
+void RandomDisk::fillAndExchange() {
+  const std::string one = subfolderThatIsThere();
+  makeTree(one + "/" + folderName(), 1);
+  renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, subfolderThatIsThere().c_str(), RENAME_EXCHANGE);
+}
+
+// By a link, by a file, by another folder of that name.
+void RandomDisk::replaceFolder() {
+  const std::string path = subfolderThatIsThere();
+  if (below(2) == 0) {
+    removeTree(path);
+  } else if (rename(path.c_str(), outsideFolder().c_str()) != 0) {
+    return;
+  }
+  switch (below(3)) {
+    case 0:
+      if (symlink(outside_.c_str(), path.c_str()) != 0) return;
+      break;
+    case 1:
+      write(path, 0, below(9'000));
+      break;
+    default:
+      makeTree(path, 2);
+      break;
+  }
+  if (below(2) == 0) unlink(path.c_str());
+}
+
+void RandomDisk::changeFolders() {
+  const std::string path = subfolder();
+  switch (below(6)) {
+    case 0:
+      removeTree(path);
+      break;
+    case 1:
+      rmdir(path.c_str());
+      break;
+    case 2:
+      mkdir(path.c_str(), 0755);
+      break;
+    default:
+      makeTree(path, 3);
+      break;
+  }
+}
+
+void RandomDisk::changeFacts() {
+  static constexpr std::array<mode_t, 6> modes{0755, 0755, 0, 0311, 0444, 0700};
+  // The kernel takes setting one of them for a change of the file, and setting both for one of its facts.
+  const timespec times[2]{{0, below(2) == 0 ? UTIME_OMIT : 0}, {static_cast<time_t>(below(1'000'000)), 0}};
+  switch (below(4)) {
+    case 0:
+    case 3:
+      utimensat(AT_FDCWD, file().c_str(), times, AT_SYMLINK_NOFOLLOW);
+      break;
+    case 1: {
+      const std::string path = file();
+      if (hasOneName(path) && !std::filesystem::is_symlink(path)) chmod(path.c_str(), 0600);
+      break;
+    }
+    default: {
+      const std::string path = subfolder();
+      if (isFolder(path)) chmod(path.c_str(), changesPermissions_ ? modes[below(modes.size())] : 0711);
+      break;
+    }
+  }
+}
+
+void RandomDisk::createAndDelete() {
+  const std::string path = subfolder();
+  const auto times = 1 + below(4);
+  for (std::uint64_t i = 0; i < times; ++i) {
+    makeTree(path, 1);
+    removeTree(path);
+  }
+  if (below(2) == 0) makeTree(path, 1);
+}
+
+}  // namespace spacemint::support
