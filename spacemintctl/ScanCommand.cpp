@@ -4,7 +4,7 @@
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
-#include "core/scan/ScanPlan.h"
+#include "core/scan/FinishedScan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
@@ -65,22 +65,6 @@ std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOp
                             .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); }});
 }
 
-Snapshot snapshotOf(DiskScanner::Result result, Bytes minNodeSize, Date start, const ScanPlan& plan) {
-  // What failed to be read now may be there the next time, without a change in between.
-  const auto eventID = result.unread.hasFailures ? std::nullopt : plan.eventID;
-  const auto volume = VolumeStatus::current(result.root.name);
-  const Date end = now();
-  return {.date = end,
-          .duration = end - start,
-          .root = std::move(result.root),
-          .fileCount = result.fileCount,
-          .volumeFree = volume ? volume->free : 0,
-          .volumeTotal = volume ? volume->total : 0,
-          .minNodeSize = minNodeSize,
-          .eventID = eventID,
-          .fullScanDate = plan.fullScanDate};
-}
-
 bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& options,
             const Wording& wording) {
   if (!options.json) return print(scanAnswer(snapshot, options.top, wording, plan.whyFull));
@@ -121,7 +105,13 @@ int runScan(const ScanOptions& options) {
   }
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
   const std::string note = unreadNote(result->unread, wording);
-  const Snapshot snapshot = snapshotOf(std::move(*result), options.minSize, start, plan);
+  const Snapshot snapshot = FinishedScan{.result = std::move(*result),
+                                         .plan = plan,
+                                         .minNodeSize = options.minSize,
+                                         .start = start,
+                                         .end = now(),
+                                         .volume = VolumeStatus::current(*root)}
+                                .snapshot();
   const bool answered = answer(snapshot, plan, options, wording);
   if (!note.empty() && !options.quiet) complain(note);
   const bool saved = options.noSave || save(snapshot);

@@ -52,7 +52,7 @@ class Tasks {
 
   /// Starts `work` and gives what it returns, which must not be void. Main thread only.
   template <class Work, class Result = std::invoke_result_t<Work&>>
-  QFuture<Result> run(Priority priority, Work work) {
+  QFuture<Result> run(Priority priority, Work work, const char* threadName = nullptr) {
     auto promise = std::make_shared<QPromise<Result>>();
     promise->start();
     QFuture<Result> future = promise->future();
@@ -62,7 +62,8 @@ class Tasks {
            .done = [result, promise] {
              promise->addResult(std::move(**result));
              promise->finish();
-           }});
+           },
+           .threadName = threadName});
     return future;
   }
 };

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Spacemint/desktop/Clock.h"
+#include "Spacemint/desktop/Tasks.h"
+#include "Spacemint/tools/ToolRuns.h"
+#include "core/analysis/DockerUsage.h"
+#include "core/analysis/OllamaModels.h"
+#include "core/analysis/ToolState.h"
+
+#include <QObject>
+
+#include <optional>
+#include <vector>
+
+namespace spacemint {
+
+/// What Docker and Ollama say they keep. Main thread only.
+class DeveloperTools : public QObject {
+  Q_OBJECT
+ public:
+  using Docker = DevTools::ToolState<std::vector<DevTools::DockerUsage>>;
+  using Ollama = DevTools::ToolState<std::vector<DevTools::OllamaModel>>;
+
+  /// An answer is good for so long.
+  static constexpr std::chrono::seconds keptFor{120};
+
+  DeveloperTools(ToolRuns runs, Tasks& tasks, const Clock& clock)
+      : runs_(std::move(runs)), tasks_(tasks), clock_(clock) {}
+
+  const Docker& docker() const { return docker_; }
+  const Ollama& ollama() const { return ollama_; }
+  const std::optional<Date>& lastRefresh() const { return lastRefresh_; }
+
+  /// What pruning frees, volumes apart; 0 while Docker has not answered.
+  Bytes dockerReclaimable() const;
+  Bytes dockerVolumesReclaimable() const;
+
+  void refreshIfNeeded();
+  void refresh();
+  /// Finish, always with true, when the answer is there.
+  QFuture<bool> refreshDocker();
+  QFuture<bool> refreshOllama();
+
+ Q_SIGNALS:
+  void dockerChanged();
+  void ollamaChanged();
+
+ private:
+  ToolRuns runs_;
+  Tasks& tasks_;
+  const Clock& clock_;
+  Docker docker_;
+  Ollama ollama_;
+  std::optional<Date> lastRefresh_;
+};
+
+}  // namespace spacemint

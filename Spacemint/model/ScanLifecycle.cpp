@@ -1,0 +1,136 @@
+#include "Spacemint/model/ScanLifecycle.h"
+
+#include "Spacemint/model/ScanTiming.h"
+
+#include <QPointer>
+
+namespace spacemint {
+
+namespace {
+
+constexpr const char* threadName = "Spacemint scan";
+constexpr const char* activityName = "app.spacemint.scan";
+constexpr double scheduleTolerance = 0.25;
+// A background run is worth it when half the interval has passed since the last scan, whoever began that.
+constexpr double dueAfter = 0.5;
+
+Seconds hours(std::int64_t count) {
+  return std::chrono::duration<double, std::ratio<3'600>>{static_cast<double>(count)};
+}
+
+}  // namespace
+
+ScanLifecycle::ScanLifecycle(const Parts& parts, const Desktop& desktop, Places places)
+    : parts_(parts), desktop_(desktop), places_(std::move(places)) {
+  connect(&parts_.history, &ScanHistory::edited, this, [this](const std::string& path) {
+    if (isScanning()) editedDuringScan_.insert(path);
+  });
+}
+
+const std::string& ScanLifecycle::root() const {
+  return parts_.preferences.scope() == ScanScope::disk ? places_.disk : places_.home;
+}
+
+std::optional<double> ScanLifecycle::fraction() const {
+  return progress_ ? ScanTiming::fraction(progress_->bytes, expectedBytes_) : std::nullopt;
+}
+
+std::optional<Seconds> ScanLifecycle::timeRemaining(Date now) const {
+  return ScanTiming::remaining(fraction(), now - startedAt_);
+}
+
+bool ScanLifecycle::isStale(Seconds olderThan) const {
+  return ScanTiming::isStale({.snapshot = parts_.history.snapshot().get(),
+                              .root = root(),
+                              .now = desktop_.clock.now(),
+                              .olderThan = olderThan});
+}
+
+void ScanLifecycle::scan() {
+  if (isScanning()) return;
+  const SharedSnapshot& last = parts_.history.snapshot();
+  startedAt_ = desktop_.clock.now();
+  expectedBytes_ = ScanTiming::expectedBytes(last.get(), root(), parts_.volume.status());
+  editedDuringScan_.clear();
+  cancelFlag_ = std::make_shared<CancelFlag>();
+  progress_ = DiskScanner::Progress{};
+  Q_EMIT progressChanged();
+  start(cancelFlag_, last);
+}
+
+void ScanLifecycle::start(const std::shared_ptr<CancelFlag>& flag, const SharedSnapshot& seed) {
+  Tasks& tasks = desktop_.tasks;
+  const QPointer<ScanLifecycle> self{this};
+  ScanJob job{.root = root(),
+              .minNodeSize = minNodeSize,
+              .seed = seed,
+              .flag = flag,
+              .store = parts_.history.store(),
+              .home = places_.home,
+              .timeZone = places_.timeZone,
+              .journal = places_.journal,
+              .clock = desktop_.clock,
+              .volume = desktop_.volume,
+              .progress = [&tasks, self, flag](const DiskScanner::Progress& progress) {
+                tasks.post([self, flag, progress] {
+                  if (self) self->progressed(flag, progress);
+                });
+              }};
+  tasks.run(Tasks::Priority::background, [job = std::move(job)] { return job.run(); }, threadName)
+      .then(this, [this, flag](ScanJob::Report report) { finish(std::move(report), flag); });
+}
+
+void ScanLifecycle::progressed(const std::shared_ptr<CancelFlag>& flag,
+                               const DiskScanner::Progress& progress) {
+  if (cancelFlag_ != flag) return;
+  progress_ = progress;
+  Q_EMIT progressChanged();
+}
+
+void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<CancelFlag>& flag) {
+  // Of a scan that was cancelled, and perhaps followed by another.
+  if (cancelFlag_ != flag) return;
+  end();
+  if (report.failure) parts_.messages.show(*report.failure);
+  if (!report.snapshot) return;
+  const SharedSnapshot before = parts_.history.snapshot();
+  if (!before || before->rootPath() != report.snapshot->rootPath()) Q_EMIT rootChanged();
+  parts_.history.replace(std::move(*report.snapshot), std::move(report.entries));
+  std::vector<Remeasure::Request> requests;
+  for (const std::string& path : std::exchange(editedDuringScan_, {})) requests.push_back({.path = path});
+  parts_.remeasure.runAll(std::move(requests));
+}
+
+void ScanLifecycle::cancel() {
+  if (!cancelFlag_) return;
+  cancelFlag_->set();
+  end();
+}
+
+void ScanLifecycle::end() {
+  progress_.reset();
+  cancelFlag_.reset();
+  Q_EMIT progressChanged();
+  if (scheduledRunFinished_) std::exchange(scheduledRunFinished_, nullptr)();
+}
+
+void ScanLifecycle::scheduleBackgroundScans() {
+  const std::int64_t interval = parts_.preferences.scanIntervalHours();
+  if (scheduledHours_ == interval) return;
+  scheduledHours_ = interval;
+  // The old one ends before the new one begins.
+  scheduled_.reset();
+  scheduled_ = desktop_.scheduler.schedule(
+      {.identifier = activityName, .interval = hours(interval), .tolerance = hours(interval) * scheduleTolerance},
+      [this](ActivityScheduler::Completion finished) { runScheduled(std::move(finished)); });
+}
+
+void ScanLifecycle::runScheduled(ActivityScheduler::Completion finished) {
+  const bool isDue = parts_.preferences.hasStarted() && !isScanning() &&
+                     isStale(hours(parts_.preferences.scanIntervalHours()) * dueAfter);
+  if (!isDue) return finished();
+  scheduledRunFinished_ = std::move(finished);
+  scan();
+}
+
+}  // namespace spacemint

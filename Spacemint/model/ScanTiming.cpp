@@ -1,0 +1,36 @@
+#include "Spacemint/model/ScanTiming.h"
+
+#include <algorithm>
+
+namespace spacemint {
+
+namespace {
+
+constexpr double highestFraction = 0.99;
+constexpr double tellingFraction = 0.03;
+constexpr Seconds tellingTime{5};
+
+}  // namespace
+
+bool ScanTiming::isStale(const Staleness& question) {
+  if (question.snapshot == nullptr || question.snapshot->rootPath() != question.root) return true;
+  return Seconds{question.now - question.snapshot->date} > question.olderThan;
+}
+
+Bytes ScanTiming::expectedBytes(const Snapshot* last, std::string_view root,
+                                const std::optional<VolumeStatus>& volume) {
+  if (last != nullptr && last->rootPath() == root) return last->root.size;
+  return volume ? volume->used() : 0;
+}
+
+std::optional<double> ScanTiming::fraction(Bytes counted, Bytes expected) {
+  if (expected < 1) return std::nullopt;
+  return std::min(static_cast<double>(counted) / static_cast<double>(expected), highestFraction);
+}
+
+std::optional<Seconds> ScanTiming::remaining(std::optional<double> fraction, Seconds elapsed) {
+  if (!fraction || *fraction <= tellingFraction || elapsed <= tellingTime) return std::nullopt;
+  return (1 - *fraction) * elapsed / *fraction;
+}
+
+}  // namespace spacemint
