@@ -87,17 +87,16 @@ int main() {
   all += measure("growth of everything", [&] {
     return Changes::growth({.from = before, .to = now, .minimum = 0, .limit = 1'000'000}).size();
   });
-  all += measure("suggestions", [&] {
-    return Suggestions::find({.in = now, .home = home, .minimum = 500'000'000}).size();
-  });
-  all += measure("trash", [&] { return std::size_t{Suggestions::trash({.in = now, .home = home}).has_value()}; });
+  all += measure("suggestions",
+                 [&] { return Suggestions::find({.in = now, .home = home, .minimum = 500'000'000}).size(); });
+  all += measure("trash",
+                 [&] { return std::size_t{Suggestions::trash({.in = now, .home = home}).has_value()}; });
   all += measure("backups", [&] { return DeviceBackups::find({.in = now, .home = home}).size(); });
   all += measure("worktrees", [&] {
     return GitWorktrees::find({.in = now, .minimum = 100'000'000, .inspect = inspect}).size();
   });
-  all += measure("caches", [&] {
-    return DevTools::cleanups({.in = now, .home = home, .minimum = 50'000'000}).size();
-  });
+  all += measure("caches",
+                 [&] { return DevTools::cleanups({.in = now, .home = home, .minimum = 50'000'000}).size(); });
   all += measure("hugging face", [&] { return DevTools::huggingFace({.in = now, .home = home}).size(); });
   all += measure("largest files", [&] { return now.largestFiles(100).size(); });
   std::cout << "all together " << all << " ms, " << std::setprecision(2) << all / allowedMilliseconds

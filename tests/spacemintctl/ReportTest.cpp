@@ -63,12 +63,14 @@ TEST_F(ReportTest, answersEverythingOnOnePage) {
   scan();
   const Outcome report = program.run({"report"});
   EXPECT_EQ(report.exitCode, 0) << report.err;
-  EXPECT_THAT(report.out,
-              AllOf(HasSubstr(" free of "), HasSubstr("After the next scan, this shows where new space went."),
-                    HasSubstr("is sitting in the Trash: ~/.local/share/Trash\nMost of it is hidden"),
-                    HasSubstr("Unknown device"), HasSubstr("Nothing obvious to clean up."),
-                    HasSubstr("Largest folders\n"), HasSubstr("Largest files\n"),
-                    HasSubstr("No package or build caches over 50 MB."), HasSubstr("Model  gpt2"), Not(HasSubstr("\x1b"))));
+  EXPECT_THAT(
+      report.out,
+      AllOf(HasSubstr(" free of "), HasSubstr("After the next scan, this shows where new space went."),
+            HasSubstr("is sitting in the Trash: ~/.local/share/Trash\nMost of it is hidden"),
+            HasSubstr("Unknown device"), HasSubstr("Nothing obvious to clean up."),
+            HasSubstr("Largest folders\n"), HasSubstr("Largest files\n"),
+            HasSubstr("No package or build caches over 50 MB."), HasSubstr("Model  gpt2"),
+            Not(HasSubstr("\x1b"))));
 
   // Smaller things are named when asked for.
   const auto caches = asJson({"caches", "--min-size", "1000"});
@@ -110,7 +112,8 @@ TEST_F(ReportTest, saysWhatGrewSinceAnEarlierScanOfTheSameFolder) {
   ASSERT_EQ(answer["growth"].size(), 1U);
   EXPECT_EQ(answer["growth"][0]["path"], program.home() / "Movies");
   EXPECT_EQ(answer["growth"][0]["delta"], 1'400'832);
-  EXPECT_THAT(program.run({"growth", "--min-size", "600000"}).out, HasSubstr("+1.4 MB  of 1.5 MB  ~/Movies/\n"));
+  EXPECT_THAT(program.run({"growth", "--min-size", "600000"}).out,
+              HasSubstr("+1.4 MB  of 1.5 MB  ~/Movies/\n"));
   EXPECT_THAT(program.run({"growth"}).out, HasSubstr("Nothing grew by more than 100 MB.\n"));
   EXPECT_EQ(program.run({"growth", "--since", "1999"}).exitCode, 1);
 }

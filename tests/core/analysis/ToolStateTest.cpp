@@ -11,7 +11,8 @@ TEST(ToolState, followsFromTheAnswer) {
   const auto state = [&](std::optional<ToolAnswer> answer) { return toolState(answer, parse); };
   EXPECT_EQ(state(std::nullopt).kind, Kind::notInstalled);
   EXPECT_EQ(state(ToolAnswer{.output = "rows"}), (ToolState<std::string>{Kind::ready, "rows", ""}));
-  EXPECT_EQ(state(ToolAnswer{.status = 1, .error = "Cannot connect to the Docker daemon"}).kind, Kind::notRunning);
+  EXPECT_EQ(state(ToolAnswer{.status = 1, .error = "Cannot connect to the Docker daemon"}).kind,
+            Kind::notRunning);
   EXPECT_EQ(state(ToolAnswer{.output = "rows", .timedOut = true}).kind, Kind::notRunning);
   EXPECT_EQ(state(ToolAnswer{.status = 1, .error = "warning\npermission denied \t\n\n"}),
             (ToolState<std::string>{Kind::failed, "", "permission denied"}));
