@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iomanip>
 #include <iostream>
 #include <sstream>
 
@@ -50,6 +51,10 @@ double median(std::vector<Outcome> outcomes, double Outcome::*figure) {
   return outcomes[outcomes.size() / 2].*figure;
 }
 
+std::string ofText(const Contestant& reference) {
+  return "of " + reference.name.substr(0, reference.name.find(' '));
+}
+
 }  // namespace
 
 std::vector<Outcome> contest(const std::vector<Contestant>& contestants, int rounds,
@@ -67,6 +72,25 @@ std::vector<Outcome> contest(const std::vector<Contestant>& contestants, int rou
                        std::ranges::max(runs, {}, &Outcome::peakMemory).peakMemory});
   }
   return medians;
+}
+
+void print(const std::string& title, const std::vector<Contestant>& contestants,
+           const std::vector<Outcome>& outcomes, std::size_t cpuReference) {
+  std::cout << '\n' << title << '\n' << std::left << std::setw(20) << "" << std::right;
+  const std::string columns[]{"wall s", ofText(contestants[0]), "CPU s", ofText(contestants[cpuReference]),
+                              "peak MB"};
+  for (const std::string& column : columns) std::cout << std::setw(10) << column;
+  std::cout << '\n' << std::fixed;
+  for (std::size_t i = 0; i < contestants.size(); ++i) {
+    const Outcome& outcome = outcomes[i];
+    std::cout << std::left << std::setw(20) << contestants[i].name << std::right << std::setprecision(3)
+              << std::setw(10) << outcome.wallSeconds << std::setprecision(2) << std::setw(10)
+              << outcome.wallSeconds / outcomes[0].wallSeconds << std::setprecision(3) << std::setw(10)
+              << outcome.cpuSeconds << std::setprecision(2) << std::setw(10)
+              << outcome.cpuSeconds / outcomes[cpuReference].cpuSeconds << std::setprecision(1)
+              << std::setw(10) << outcome.peakMemory / 1e6 << '\n';
+  }
+  std::cout << std::flush;
 }
 
 bool isInstalled(const std::string& program) {

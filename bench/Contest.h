@@ -25,6 +25,11 @@ struct Outcome {
 std::vector<Outcome> contest(const std::vector<Contestant>& contestants, int rounds,
                              const std::function<void()>& before);
 
+/// Prints a table of outcomes: elapsed time in terms of the first contestant's, processor time in terms of
+/// that of the one at `cpuReference`.
+void print(const std::string& title, const std::vector<Contestant>& contestants,
+           const std::vector<Outcome>& outcomes, std::size_t cpuReference = 0);
+
 /// True when the program is found on the search path.
 bool isInstalled(const std::string& program);
 

@@ -12,7 +12,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <iomanip>
 #include <iostream>
 
 namespace {
@@ -39,24 +38,6 @@ void makeFlat(const std::string& tree, int files) {
                  O_CREAT | O_WRONLY, 0600));
   }
   close(folder);
-}
-
-void print(const std::string& title, const std::vector<Contestant>& contestants,
-           const std::vector<Outcome>& outcomes) {
-  std::cout << '\n' << title << '\n' << std::left << std::setw(20) << "" << std::right;
-  for (const char* column : {"wall s", "of rm", "CPU s", "of rm", "peak MB"})
-    std::cout << std::setw(10) << column;
-  std::cout << '\n' << std::fixed;
-  for (std::size_t i = 0; i < contestants.size(); ++i) {
-    const Outcome& outcome = outcomes[i];
-    std::cout << std::left << std::setw(20) << contestants[i].name << std::right << std::setprecision(3)
-              << std::setw(10) << outcome.wallSeconds << std::setprecision(2) << std::setw(10)
-              << outcome.wallSeconds / outcomes[0].wallSeconds << std::setprecision(3) << std::setw(10)
-              << outcome.cpuSeconds << std::setprecision(2) << std::setw(10)
-              << outcome.cpuSeconds / outcomes[0].cpuSeconds << std::setprecision(1) << std::setw(10)
-              << outcome.peakMemory / 1e6 << '\n';
-  }
-  std::cout << std::flush;
 }
 
 }  // namespace

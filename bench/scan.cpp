@@ -13,7 +13,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iomanip>
 #include <iostream>
 
 namespace {
@@ -22,6 +21,7 @@ using namespace spacemint;
 using namespace spacemint::bench;
 
 constexpr Bytes threshold = 20'000'000;
+constexpr std::size_t floorIndex = 1;
 
 int runAlone(const std::string& contestant, const std::string& root) {
   if (contestant == "floor") return floorWalk(root).files > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -46,25 +46,6 @@ std::vector<Contestant> contestantsFor(const std::string& self, const std::strin
   return contestants;
 }
 
-void print(const std::string& title, const std::vector<Contestant>& contestants,
-           const std::vector<Outcome>& outcomes) {
-  const Outcome& du = outcomes[0];
-  const Outcome& floor = outcomes[1];
-  std::cout << '\n' << title << '\n' << std::left << std::setw(20) << "" << std::right;
-  for (const char* column : {"wall s", "of du", "CPU s", "of floor", "peak MB"})
-    std::cout << std::setw(10) << column;
-  std::cout << '\n' << std::fixed;
-  for (std::size_t i = 0; i < contestants.size(); ++i) {
-    const Outcome& outcome = outcomes[i];
-    std::cout << std::left << std::setw(20) << contestants[i].name << std::right << std::setprecision(3)
-              << std::setw(10) << outcome.wallSeconds << std::setprecision(2) << std::setw(10)
-              << outcome.wallSeconds / du.wallSeconds << std::setprecision(3) << std::setw(10)
-              << outcome.cpuSeconds << std::setprecision(2) << std::setw(10)
-              << outcome.cpuSeconds / floor.cpuSeconds << std::setprecision(1) << std::setw(10)
-              << outcome.peakMemory / 1e6 << '\n';
-  }
-}
-
 void dropCaches() {
   sync();
   std::ofstream("/proc/sys/vm/drop_caches") << "3\n";
@@ -84,7 +65,8 @@ int main(int argc, char** argv) {
   const auto counted = floorWalk(root);  // also fills the caches
   std::cout << root << ": " << counted.files << " files, medians of " << rounds << " runs in turn\n";
   const auto contestants = contestantsFor("/proc/self/exe", root, arguments[2]);
-  print("warm", contestants, contest(contestants, rounds, [] {}));
+  print("warm", contestants, contest(contestants, rounds, [] {}), floorIndex);
   if (geteuid() == 0)
-    print("cold (caches dropped before each run)", contestants, contest(contestants, rounds, dropCaches));
+    print("cold (caches dropped before each run)", contestants, contest(contestants, rounds, dropCaches),
+          floorIndex);
 }

@@ -1,6 +1,5 @@
 #include "spacemintctl/CleanCommand.h"
 
-#include "Spacemint/command/Shell.h"
 #include "core/cleanup/Cleanup.h"
 #include "core/cleanup/ToolOutcome.h"
 #include "core/host/UserFolders.h"
@@ -13,6 +12,7 @@
 #include "spacemintctl/Interrupt.h"
 #include "spacemintctl/Question.h"
 #include "spacemintctl/Remeasure.h"
+#include "spacemintctl/ToolRun.h"
 
 #include <algorithm>
 
@@ -41,21 +41,17 @@ std::expected<CleanPlan, Error> makePlan(CleanKind kind, const CleanOptions& opt
   return CleanPlan{};
 }
 
-Failure runTool(const CleanStep& step, const Shell& shell) {
-  const auto output = shell.run({step.program, step.arguments, toolTimeout}).get();
-  if (!output) return toolFailure(step.program, std::nullopt);
-  return toolFailure(step.program, {{output->status, output->output, output->error, output->timedOut}});
-}
-
 Failure carryOut(const CleanStep& step, const CleanContext& context) {
   const auto removal = hostRemoval();
   switch (step.kind) {
     case CleanStep::Kind::deleteItem:
       return Cleanup::deleteItem({step.path, context.guard, *removal, step.identity});
-    case CleanStep::Kind::emptyFolder:
+    case CleanStep::Kind::emptyCache:
+      return Cleanup::emptyCache({step.path, context.guard, *removal, step.identity});
+    case CleanStep::Kind::emptyTrash:
       return Cleanup::deleteContents({step.path, context.guard, *removal, step.identity});
     case CleanStep::Kind::runCommand:
-      return runTool(step, context.shell);
+      return toolFailure(step.program, runTool(context.shell, {step.program, step.arguments, toolTimeout}));
   }
   return std::nullopt;
 }

@@ -10,7 +10,7 @@ namespace spacemint::ctl {
 
 /// One thing that a clean-up will do.
 struct CleanStep {
-  enum class Kind { deleteItem, emptyFolder, runCommand };
+  enum class Kind { deleteItem, emptyCache, emptyTrash, runCommand };
 
   /// Something large in the folder that will be emptied.
   struct Part {

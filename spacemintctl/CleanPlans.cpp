@@ -1,6 +1,5 @@
 #include "spacemintctl/CleanPlans.h"
 
-#include "Spacemint/command/Shell.h"
 #include "core/analysis/DevTools.h"
 #include "core/analysis/DeviceBackups.h"
 #include "core/cleanup/Cleanup.h"
@@ -8,6 +7,7 @@
 #include "core/wording/CleanupText.h"
 #include "spacemintctl/CleanSteps.h"
 #include "spacemintctl/StoredScan.h"
+#include "spacemintctl/ToolRun.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -33,15 +33,9 @@ bool isThere(const std::string& path) {
 std::optional<int> uncommittedChanges(const std::string& worktree, const Shell& shell) {
   std::vector<std::string> arguments(Cleanup::safeGitOptions.begin(), Cleanup::safeGitOptions.end());
   arguments.insert(arguments.end(), {"-C", worktree, "status", "--porcelain"});
-  const auto output = shell.run({git, std::move(arguments), statusTimeout}).get();
-  if (!output || output->timedOut || output->status != 0) return std::nullopt;
-  int changes = 0;
-  bool inLine = false;
-  for (const char character : output->output) {
-    if (character != '\n' && !inLine) ++changes;
-    inLine = character != '\n';
-  }
-  return changes;
+  const auto answer = runTool(shell, {git, std::move(arguments), statusTimeout});
+  if (!answer || answer->timedOut || answer->status != 0) return std::nullopt;
+  return static_cast<int>(lines(answer->output).size());
 }
 
 // In the home folder of a scan that knows one, else where the desktop keeps it.
@@ -55,6 +49,8 @@ std::vector<std::string> trashFolders(const CleanContext& context) {
 
 std::expected<CleanStep, Error> cacheStep(const DevTools::FoundCleanup& found, const CleanContext& context) {
   const CleanupTarget& target = *found.target;
+  const auto allowed = admitted(Cleanup::cacheRefusal(found, context.guard));
+  if (!allowed) return std::unexpected(allowed.error());
   const std::string path = Paths::logical(found.path);
   CleanStep step;
   if (const auto* command = std::get_if<CleanupTarget::Command>(&target.action)) {
@@ -62,8 +58,7 @@ std::expected<CleanStep, Error> cacheStep(const DevTools::FoundCleanup& found, c
     step.path = path;
     step.size = found.size;
   } else {
-    if (const auto allowed = admitted(path, context); !allowed) return std::unexpected(allowed.error());
-    auto emptied = emptyStep(path);
+    auto emptied = emptyStep(CleanStep::Kind::emptyCache, path);
     if (!emptied) return emptied;
     step = std::move(*emptied);
   }
@@ -129,7 +124,8 @@ std::expected<CleanPlan, Error> planBackup(const std::string& path, const CleanC
 
 std::expected<CleanPlan, Error> planWorktree(const std::string& given, const CleanContext& context) {
   const std::string path{Paths::withoutTrailingSlash(given)};
-  if (const auto allowed = admitted(path, context); !allowed) return std::unexpected(allowed.error());
+  const auto allowed = admitted(Cleanup::refusal(context.guard, {.path = path}));
+  if (!allowed) return std::unexpected(allowed.error());
   const auto worktree = GitWorktrees::inspect(path, 0);
   if (!worktree) return std::unexpected(cleanError(path + ": no git worktree"));
   auto step = deleteStep(path, context);
@@ -156,7 +152,7 @@ std::expected<CleanPlan, Error> planTrash(const CleanContext& context) {
                  .nothingToDo = "There is no Trash."};
   for (const std::string& folder : trashFolders(context)) {
     if (!isThere(folder)) continue;
-    auto step = emptyStep(folder);
+    auto step = emptyStep(CleanStep::Kind::emptyTrash, folder);
     if (!step) return std::unexpected(step.error());
     step->label = "Emptied the Trash";
     plan.steps.push_back(std::move(*step));

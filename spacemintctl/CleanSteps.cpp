@@ -1,6 +1,7 @@
 #include "spacemintctl/CleanSteps.h"
 
 #include "Spacemint/command/Shell.h"
+#include "core/cleanup/Cleanup.h"
 #include "core/host/AllocatedSize.h"
 #include "core/scan/DiskScanner.h"
 
@@ -27,14 +28,14 @@ Error cleanError(std::string message) {
   return {.domain = "clean", .message = std::move(message)};
 }
 
-std::expected<void, Error> admitted(const std::string& path, const CleanContext& context) {
-  const auto reason = context.guard.check({.path = path});
-  if (!reason) return {};
-  return std::unexpected(cleanError(Paths::display(path, context.wording.home) + " " + *reason));
+std::expected<void, Error> admitted(const std::optional<CleanupFailure>& refusal) {
+  if (!refusal) return {};
+  return std::unexpected(cleanError(refusal->message));
 }
 
 std::expected<CleanStep, Error> deleteStep(const std::string& path, const CleanContext& context) {
-  if (const auto allowed = admitted(path, context); !allowed) return std::unexpected(allowed.error());
+  const auto allowed = admitted(Cleanup::refusal(context.guard, {.path = path}));
+  if (!allowed) return std::unexpected(allowed.error());
   const auto identity = fileIdentity(path);
   if (!identity) return std::unexpected(identity.error());
   return CleanStep{.kind = CleanStep::Kind::deleteItem,
@@ -44,13 +45,12 @@ std::expected<CleanStep, Error> deleteStep(const std::string& path, const CleanC
                    .label = "Deleted " + Paths::lastComponent(path)};
 }
 
-std::expected<CleanStep, Error> emptyStep(const std::string& path) {
+std::expected<CleanStep, Error> emptyStep(CleanStep::Kind kind, const std::string& path) {
   const auto identity = fileIdentity(path);
   if (!identity) return std::unexpected(identity.error());
   const auto folder = DiskScanner::scan({.root = path, .minNodeSize = partMinimum});
   if (!folder) return std::unexpected(cleanError(path + ": cannot be read as a folder"));
-  CleanStep step{
-      .kind = CleanStep::Kind::emptyFolder, .path = path, .size = folder->root.size, .identity = *identity};
+  CleanStep step{.kind = kind, .path = path, .size = folder->root.size, .identity = *identity};
   for (const Node& child : folder->root.children) {
     if (step.parts.size() < partLimit) step.parts.push_back({child.name, child.size});
   }

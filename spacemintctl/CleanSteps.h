@@ -1,9 +1,11 @@
 #pragma once
 
 #include "core/base/Error.h"
+#include "core/cleanup/CleanupFailure.h"
 #include "spacemintctl/CleanPlans.h"
 
 #include <expected>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,14 +16,14 @@ namespace spacemint::ctl {
 /// Fails where the guard refuses the path or nothing is there.
 std::expected<CleanStep, Error> deleteStep(const std::string& path, const CleanContext& context);
 
-/// Fails where no folder is there.
-std::expected<CleanStep, Error> emptyStep(const std::string& path);
+/// Empties a cache or a part of the Trash, as `kind` says. Fails where no folder is there.
+std::expected<CleanStep, Error> emptyStep(CleanStep::Kind kind, const std::string& path);
 
 CleanStep commandStep(const std::string& program, std::vector<std::string> arguments,
                       const CleanContext& context);
 
-/// Why the guard does not let the path be removed, as an error; nothing when it does.
-std::expected<void, Error> admitted(const std::string& path, const CleanContext& context);
+/// Fails with the message of a refusal.
+std::expected<void, Error> admitted(const std::optional<CleanupFailure>& refusal);
 
 Error cleanError(std::string message);
 

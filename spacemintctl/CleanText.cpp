@@ -24,7 +24,7 @@ std::string quoted(const std::string& word) {
 }
 
 const char* verb(CleanStep::Kind kind) {
-  constexpr const char* verbs[] = {"delete", "empty", "run"};
+  constexpr const char* verbs[] = {"delete", "empty", "empty", "run"};
   return verbs[std::to_underlying(kind)];
 }
 

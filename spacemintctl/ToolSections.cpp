@@ -1,8 +1,7 @@
-#include "Spacemint/command/Shell.h"
 #include "core/analysis/OllamaModels.h"
-#include "core/analysis/ToolState.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
+#include "spacemintctl/ToolRun.h"
 
 #include <ranges>
 
@@ -14,16 +13,9 @@ using DockerState = DevTools::ToolState<std::vector<DevTools::DockerUsage>>;
 using OllamaState = DevTools::ToolState<std::vector<DevTools::OllamaModel>>;
 
 std::optional<DevTools::ToolAnswer> ask(const DevTools::ToolQuery& query) {
-  auto output = Shell()
-                    .run({.program = std::string{query.program},
-                          .arguments = {query.arguments.begin(), query.arguments.end()},
-                          .timeout = query.timeout})
-                    .get();
-  if (!output) return std::nullopt;
-  return DevTools::ToolAnswer{.status = output->status,
-                              .output = std::move(output->output),
-                              .error = std::move(output->error),
-                              .timedOut = output->timedOut};
+  return runTool(Shell(), {.program = std::string{query.program},
+                           .arguments = {query.arguments.begin(), query.arguments.end()},
+                           .timeout = query.timeout});
 }
 
 // By the names of the cases; "unknown" and "checking" do not last until an answer.

@@ -14,8 +14,6 @@ namespace {
 constexpr int readNoPermission = 257;
 constexpr int writeNoPermission = 513;
 
-using Refusal = std::optional<CleanupFailure>;
-
 CleanupFailure failureOf(const Error& error) {
   return Cleanup::isPermissionError(error) ? CleanupFailure::needsFullDiskAccess()
                                            : CleanupFailure::other(error.message);
@@ -37,9 +35,29 @@ std::string plainSpelling(std::string_view path) {
   return plain.empty() ? "/" : plain;
 }
 
-// Asks about the path as it is written and as the system will read it, so that no spelling of a protected
-// folder gets through.
-Refusal refusal(const DeletionGuard& guard, const DeletionGuard::Question& question) {
+RemovalTarget targetAt(std::string_view path, const DeletionGuard& guard,
+                       const std::optional<FileIdentity>& identity) {
+  return {.path = Paths::logical(path), .linksAllowedUpTo = guard.home(), .identity = identity};
+}
+
+std::optional<CleanupFailure> removeEntries(const Cleanup::DeleteContents& arguments,
+                                            OpenedForRemoval& folder) {
+  while (true) {
+    const auto names = folder.nextNames();
+    if (!names) return failureOf(names.error());
+    if (names->empty()) return std::nullopt;
+    for (const std::string& name : *names) {
+      const std::string path = Paths::join(arguments.of, name);
+      if (auto refused = Cleanup::refusal(arguments.guard, {path, true, true})) return refused;
+      if (const auto removed = folder.remove(name); !removed) return failureOf(removed.error());
+    }
+  }
+}
+
+}  // namespace
+
+std::optional<CleanupFailure> Cleanup::refusal(const DeletionGuard& guard,
+                                               const DeletionGuard::Question& question) {
   auto reason = guard.check(question);
   if (!reason) {
     const std::string plain = plainSpelling(Paths::logical(question.path));
@@ -51,25 +69,11 @@ Refusal refusal(const DeletionGuard& guard, const DeletionGuard::Question& quest
   return CleanupFailure::refused(reasoned(guard, question.path, *reason));
 }
 
-RemovalTarget targetAt(std::string_view path, const DeletionGuard& guard,
-                       const std::optional<FileIdentity>& identity) {
-  return {.path = Paths::logical(path), .linksAllowedUpTo = guard.home(), .identity = identity};
+std::optional<CleanupFailure> Cleanup::cacheRefusal(const DevTools::FoundCleanup& cache,
+                                                    const DeletionGuard& guard) {
+  const bool byTool = std::holds_alternative<CleanupTarget::Command>(cache.target->action);
+  return refusal(guard, {.path = cache.path, .outsideHomeAllowed = byTool, .linkItself = byTool});
 }
-
-Refusal removeEntries(const Cleanup::DeleteContents& arguments, OpenedForRemoval& folder) {
-  while (true) {
-    const auto names = folder.nextNames();
-    if (!names) return failureOf(names.error());
-    if (names->empty()) return std::nullopt;
-    for (const std::string& name : *names) {
-      const std::string path = Paths::join(arguments.of, name);
-      if (auto refused = refusal(arguments.guard, {path, true, true})) return refused;
-      if (const auto removed = folder.remove(name); !removed) return failureOf(removed.error());
-    }
-  }
-}
-
-}  // namespace
 
 std::optional<CleanupFailure> Cleanup::deleteItem(const DeleteItem& arguments) {
   if (auto refused = refusal(arguments.guard, {.path = arguments.path})) return refused;
@@ -90,6 +94,11 @@ std::optional<CleanupFailure> Cleanup::deleteContents(const DeleteContents& argu
   const auto folder = arguments.fileManager.open(targetAt(arguments.of, arguments.guard, arguments.identity));
   if (!folder) return failureOf(folder.error());
   return removeEntries(arguments, **folder);
+}
+
+std::optional<CleanupFailure> Cleanup::emptyCache(const DeleteContents& arguments) {
+  if (auto refused = refusal(arguments.guard, {.path = arguments.of})) return refused;
+  return deleteContents(arguments);
 }
 
 Cleanup::WorktreeRemoval Cleanup::worktreeRemoval(const GitWorktree& worktree,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/analysis/DevTools.h"
 #include "core/analysis/GitWorktrees.h"
 #include "core/cleanup/CleanupFailure.h"
 #include "core/cleanup/DeletionGuard.h"
@@ -26,6 +27,16 @@ inline constexpr std::string_view fileManagerErrorDomain = "NSCocoaErrorDomain";
 inline constexpr std::array<std::string_view, 4> safeGitOptions{"-c", "core.fsmonitor=false", "-c",
                                                                 "core.hooksPath=/dev/null"};
 
+/// Why nothing may be removed at a path, as a complete message; absent when it may. The guard is asked about
+/// the path as it is written and as the system will read it, so that no spelling of a protected folder gets
+/// through.
+std::optional<CleanupFailure> refusal(const DeletionGuard& guard, const DeletionGuard::Question& question);
+
+/// The same for a cache, which an environment variable may have moved to any folder. One that is emptied must
+/// lie in the home folder and be no link; a tool may also clean one elsewhere, but no protected folder, for
+/// some tools remove all that they find there.
+std::optional<CleanupFailure> cacheRefusal(const DevTools::FoundCleanup& cache, const DeletionGuard& guard);
+
 struct DeleteItem {
   std::string path;
   const DeletionGuard& guard;
@@ -46,8 +57,11 @@ struct DeleteContents {
 };
 
 /// Removes every entry of a folder, in listing order, and stops at the first that is refused or fails. Links
-/// among them are removed as links.
+/// among them are removed as links. The folder itself may be a protected one, as the Trash is.
 std::optional<CleanupFailure> deleteContents(const DeleteContents& arguments);
+
+/// The same for a folder that could as well be removed itself: in the home folder, not protected, no link.
+std::optional<CleanupFailure> emptyCache(const DeleteContents& arguments);
 
 /// How a git worktree is to be removed.
 struct RunGit {

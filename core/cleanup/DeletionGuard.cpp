@@ -31,8 +31,13 @@ std::optional<std::string> DeletionGuard::check(const Question& question) const 
   if (!question.outsideHomeAllowed && !path.starts_with(Paths::join(home_, ""))) {
     return "is outside your home folder";
   }
+  if (holdsHome(path)) return "is a protected folder";
   if (!question.linkItself && isSymbolicLink(question.path)) return "is a symbolic link";
   return std::nullopt;
+}
+
+bool DeletionGuard::holdsHome(std::string_view path) const {
+  return canonicalPrefixLength(Paths::join(home_, ""), Paths::join(path, "")).has_value();
 }
 
 // Here names that only look alike count as equal, for on some disks they are.

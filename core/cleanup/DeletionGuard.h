@@ -11,7 +11,8 @@ namespace spacemint {
 /// apart from one look at the item itself it works on the text of the path alone. Any thread.
 class DeletionGuard {
  public:
-  /// Folders that are never removed themselves, whatever lies in them may be.
+  /// Folders that are never removed themselves, whatever lies in them may be. Those that the home folder lies
+  /// in are protected too.
   static constexpr std::array<std::string_view, 27> protectedFolders{
       "/",        "/System", "/Library", "/Applications", "/Users",
       "/private", "/usr",    "/bin",     "/sbin",         "/etc",
@@ -59,6 +60,7 @@ class DeletionGuard {
 
  private:
   bool isProtected(std::string_view path) const;
+  bool holdsHome(std::string_view path) const;
 
   std::string home_;
 };

@@ -220,6 +220,19 @@ TEST_F(CleanTest, saysWhyACacheCannotBeCleaned) {
   EXPECT_EQ(failed.err, "spacemintctl: That didn't work: no network\n");
 }
 
+TEST_F(CleanTest, cleansNoCacheThatAVariableMovedToAFolderOfTheUser) {
+  const std::string treasure = write("Documents/treasure", 60'000'000);
+  writeTool("uv", "rm -r \"$UV_CACHE_DIR\"");
+  for (const char* variable : {"PUPPETEER_CACHE_DIR", "UV_CACHE_DIR"}) {
+    setenv(variable, at("Documents").c_str(), 1);
+    scan();
+    const Outcome outcome = clean({"caches", "-y"});
+    EXPECT_THAT(outcome.err, HasSubstr(": ~/Documents is a protected folder")) << variable;
+    unsetenv(variable);
+  }
+  EXPECT_TRUE(fs::exists(treasure));
+}
+
 TEST_F(CleanTest, emptiesNoCacheThatBecameALink) {
   const TemporaryFolder outside;
   std::ofstream(outside / "treasure");

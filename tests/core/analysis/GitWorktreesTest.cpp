@@ -231,8 +231,8 @@ TEST(GitWorktrees, areLookedForFromTheMinimumUpAndNotInsideEachOther) {
 TEST(GitWorktrees, understandGitsFiles) {
   using GitWorktrees::parseBranch;
   using GitWorktrees::parseGitdir;
-  EXPECT_EQ(parseGitdir("gitdir: ../main/.git/worktrees/feature\n", "/work/feature"),
-            "/work/main/.git/worktrees/feature");
+  EXPECT_EQ(parseGitdir("gitdir: ../main/.git/worktrees/feature\n", "/code/feature"),
+            "/code/main/.git/worktrees/feature");
   EXPECT_EQ(parseGitdir("# a comment\ngitdir:\t/abs/./x \n", "/work"), "/abs/./x");
   EXPECT_EQ(parseGitdir(" gitdir: /x", "/work"), std::nullopt);
   EXPECT_EQ(parseBranch("ref: refs/heads/fix/login\n"), "fix/login");

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -144,6 +145,33 @@ TEST(CleanupContents, asksTheGuardAboutEveryEntry) {
   EXPECT_EQ(Cleanup::deleteContents({"", ann, removal}), CleanupFailure::refused("not an absolute path"));
 }
 
+// An environment variable may have moved it anywhere.
+TEST(CleanupCache, isEmptiedOnlyWhereItMayItselfBeRemoved) {
+  const std::pair<std::string, std::optional<CleanupFailure>> cases[]{
+      {"/home/ann/.gradle/caches", std::nullopt},
+      {"/home/ann/Documents", CleanupFailure::refused("~/Documents is a protected folder")},
+      {"/home/ann//.cache/.", CleanupFailure::refused("~//.cache/. is a protected folder")},
+      {"/home/ann", CleanupFailure::refused("~ is a protected folder")},
+      {"/home", CleanupFailure::refused("/home is a protected folder")},
+      {"/", CleanupFailure::refused("/ is a protected folder")},
+      {"/data/cache", CleanupFailure::refused("/data/cache is outside your home folder")},
+  };
+  const auto target = [](std::string_view id) {
+    return &*std::ranges::find(DevTools::cleanups(), id, &CleanupTarget::id);
+  };
+  for (const auto& [path, failure] : cases) {
+    FakeRemoval removal;
+    removal.batches = {{"entry"}};
+    EXPECT_EQ(Cleanup::emptyCache({path, ann, removal}), failure) << path;
+    EXPECT_EQ(removal.removed.empty(), failure.has_value()) << path;
+    EXPECT_EQ(Cleanup::cacheRefusal({target("gradle"), path, 1}, ann), failure) << path;
+    // What only a tool touches may lie elsewhere, but in no folder that the tool must not take for its own.
+    EXPECT_EQ(Cleanup::cacheRefusal({target("uv"), path, 1}, ann),
+              path == "/data/cache" ? std::nullopt : failure)
+        << path;
+  }
+}
+
 TEST(CleanupWorktree, isLeftToGitWhereGitKnowsIt) {
   using Words = std::vector<std::string>;
   const Words start{
@@ -201,6 +229,8 @@ TEST_F(RealCleanup, followsNoLinkToTheFolderItEmpties) {
   fs::create_directory_symlink(files, home / "link");
   EXPECT_EQ(empty(home / "link"), CleanupFailure::refused("~/link is a symbolic link"));
   EXPECT_EQ(Cleanup::deleteItem({home / "link", guard, *removal}),
+            CleanupFailure::refused("~/link is a symbolic link"));
+  EXPECT_EQ(Cleanup::emptyCache({home / "link", guard, *removal}),
             CleanupFailure::refused("~/link is a symbolic link"));
   EXPECT_EQ(kindOf(empty(home / "link/")), Kind::other);
   EXPECT_EQ(kindOf(Cleanup::deleteItem({home / "link/folder", guard, *removal})), Kind::other);

@@ -72,6 +72,16 @@ TEST(DeletionGuard, protectsEveryFolderOfItsTablesWhereverTheHomeFolderIs) {
   }
 }
 
+TEST(DeletionGuard, protectsTheFoldersThatTheHomeFolderLiesIn) {
+  const DeletionGuard guard{"/data/people/ann"};
+  for (const char* above : {"/data", "/data/people", "/data/people/"}) {
+    EXPECT_EQ(guard.check({above, true, true}), isProtected) << above;
+  }
+  for (const char* beside : {"/data/peopl", "/data/people/an", "/data/x"}) {
+    EXPECT_EQ(guard.check({beside, true, true}), allowed) << beside;
+  }
+}
+
 TEST(DeletionGuard, knowsAHomeFolderThatIsTheRoot) {
   for (const char* home : {"/", "/System/Volumes/Data"}) {
     EXPECT_EQ(check("/x", home), allowed);
