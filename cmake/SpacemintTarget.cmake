@@ -13,7 +13,7 @@ set(SPACEMINT_LAYERS
   "SpacemintDesktopLinux:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintDesktop"
   "SpacemintTools:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand"
   "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintTools,SpacemintDesktop"
-  "spacemintctl:SpacemintCore,SpacemintTools")
+  "spacemintctl:SpacemintCore,SpacemintCommand,SpacemintTools")
 set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|SpacemintTools|spacemintctl)$")
 
 function(spacemint_check_layer name)

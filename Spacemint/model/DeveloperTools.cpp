@@ -1,6 +1,7 @@
 #include "Spacemint/model/DeveloperTools.h"
 
-#include <functional>
+#include <limits>
+#include <utility>
 
 namespace spacemint {
 
@@ -10,7 +11,9 @@ Bytes reclaimable(const DeveloperTools::Docker& docker, bool ofVolumes) {
   if (docker.kind != DeveloperTools::Docker::Kind::ready) return 0;
   Bytes sum = 0;
   for (const auto& usage : docker.payload) {
-    if (usage.isVolumes() == ofVolumes) sum = checkedAdd(sum, usage.reclaimable);
+    if (usage.isVolumes() != ofVolumes) continue;
+    // A tool may say anything; what is too much to count is not worth stopping for.
+    if (__builtin_add_overflow(sum, usage.reclaimable, &sum)) return std::numeric_limits<Bytes>::max();
   }
   return sum;
 }
@@ -39,33 +42,27 @@ void DeveloperTools::refresh() {
 }
 
 QFuture<bool> DeveloperTools::refreshDocker() {
-  const auto show = [this](Docker state) {
-    if (std::exchange(docker_, state) != state) Q_EMIT dockerChanged();
-  };
-  // An earlier answer stays while the tool is asked again.
-  if (docker_.kind != Docker::Kind::ready) show({.kind = Docker::Kind::checking});
-  return tasks_
-      .run(Tasks::Priority::utility,
-           [runs = runs_] {
-             return DevTools::toolState(runs.ask(DevTools::dockerQuery), DevTools::parseDockerDF);
-           })
-      .then(this, [show](const Docker& state) {
-        show(state);
-        return true;
-      });
+  return ask(DevTools::dockerQuery, &DeveloperTools::docker_, &DeveloperTools::dockerChanged,
+             DevTools::parseDockerDF);
 }
 
 QFuture<bool> DeveloperTools::refreshOllama() {
-  const auto show = [this](Ollama state) {
-    if (std::exchange(ollama_, state) != state) Q_EMIT ollamaChanged();
+  return ask(DevTools::ollamaQuery, &DeveloperTools::ollama_, &DeveloperTools::ollamaChanged,
+             DevTools::parseOllamaList);
+}
+
+template <class State, class Parse>
+QFuture<bool> DeveloperTools::ask(const DevTools::ToolQuery& query, State DeveloperTools::*held,
+                                  void (DeveloperTools::*changed)(), Parse parse) {
+  const auto show = [this, held, changed](State state) {
+    if (std::exchange(this->*held, state) != state) Q_EMIT(this->*changed)();
   };
-  if (ollama_.kind != Ollama::Kind::ready) show({.kind = Ollama::Kind::checking});
+  // An earlier answer stays while the tool is asked again.
+  if ((this->*held).kind != State::Kind::ready) show({.kind = State::Kind::checking});
   return tasks_
       .run(Tasks::Priority::utility,
-           [runs = runs_] {
-             return DevTools::toolState(runs.ask(DevTools::ollamaQuery), DevTools::parseOllamaList);
-           })
-      .then(this, [show](const Ollama& state) {
+           [runs = runs_, query, parse] { return DevTools::toolState(runs.ask(query), parse); })
+      .then(this, [show](const State& state) {
         show(state);
         return true;
       });

@@ -46,6 +46,10 @@ class DeveloperTools : public QObject {
   void ollamaChanged();
 
  private:
+  template <class State, class Parse>
+  QFuture<bool> ask(const DevTools::ToolQuery& query, State DeveloperTools::*held,
+                    void (DeveloperTools::*changed)(), Parse parse);
+
   ToolRuns runs_;
   Tasks& tasks_;
   const Clock& clock_;

@@ -1,0 +1,202 @@
+#include "Spacemint/model/AppModel.h"
+
+#include <algorithm>
+
+namespace spacemint {
+
+namespace {
+
+// An old backup is pointed at when it is this large.
+constexpr Bytes oldBackupMinimum = 2'000'000'000;
+constexpr double oldBackupDays = 90;
+
+}  // namespace
+
+std::string_view titleOf(Tab tab) {
+  constexpr std::array<std::string_view, 4> titles{"Overview", "Folders", "Large files", "Developer"};
+  return titles.at(static_cast<std::size_t>(tab));
+}
+
+AppModel::AppModel(ModelHost host, const Desktop& desktop)
+    : host_(std::move(host)),
+      desktop_(desktop),
+      guard_(host_.home),
+      prefs_(host_.defaults),
+      volume_(desktop),
+      history_(host_.store, desktop.tasks, messages_),
+      findings_(history_, desktop.tasks, {.path = host_.home, .environment = host_.environment}),
+      remeasure_(history_, desktop.tasks, ScanLifecycle::minNodeSize),
+      scans_({.history = history_,
+              .remeasure = remeasure_,
+              .messages = messages_,
+              .preferences = prefs_,
+              .volume = volume_},
+             desktop,
+             {.home = host_.home, .disk = host_.disk, .timeZone = host_.timeZone, .journal = host_.journal}),
+      warnings_({.volume = volume_,
+                 .findings = findings_,
+                 .history = history_,
+                 .preferences = prefs_,
+                 .scans = scans_},
+                desktop, {.home = host_.home, .locale = host_.locale}, host_.hasBundleIdentifier),
+      dev_(host_.tools, desktop.tasks, desktop.clock),
+      cleanups_({.volume = volume_, .remeasure = remeasure_, .messages = messages_}, desktop, host_.locale),
+      jobs_({.guard = guard_, .runs = host_.tools, .volume = volume_, .developerTools = dev_}, desktop,
+            {.home = host_.home, .data = host_.data}),
+      trash_({.history = history_,
+              .remeasure = remeasure_,
+              .runs = cleanups_,
+              .volume = volume_,
+              .messages = messages_,
+              .guard = guard_},
+             desktop, {.home = host_.home, .data = host_.data, .locale = host_.locale}),
+      confirmations_({.history = history_,
+                      .developerTools = dev_,
+                      .jobs = jobs_,
+                      .runs = cleanups_,
+                      .tools = host_.tools},
+                     desktop, {.home = host_.home, .data = host_.data, .locale = host_.locale}),
+      hasFullDiskAccess_(host_.hasFullDiskAccess()) {
+  connect(&volume_, &VolumeWatch::wasRead, this, [this] {
+    Q_EMIT statusChanged();
+    warnings_.evaluate();
+  });
+  connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
+}
+
+AppModel::~AppModel() {
+  // The scan ends soon, and nobody is told.
+  scans_.cancel();
+}
+
+std::optional<DeviceBackup> AppModel::oldBackup() const {
+  const DeviceBackup* largest = nullptr;
+  for (const DeviceBackup& backup : findings().deviceBackups) {
+    const bool counts =
+        backup.size >= oldBackupMinimum && backup.isOld(desktop_.clock.now(), oldBackupDays);
+    if (counts && (largest == nullptr || backup.size > largest->size)) largest = &backup;
+  }
+  return largest != nullptr ? std::optional{*largest} : std::nullopt;
+}
+
+void AppModel::start() {
+  volume_.start();
+  history_.load([this] { launchCheck(); });
+  scans_.scheduleBackgroundScans();
+}
+
+void AppModel::launchCheck() {
+  refreshTrash();
+  if (!prefs_.hasStarted()) return;
+  warnings_.requestAuthorization();
+  if (level() != SpaceLevel::ok && scans_.isStale(SpaceWarnings::staleAfter)) scans_.scan();
+  if (!scans_.isStale(scanInterval())) return;
+  desktop_.clock.after(launchScanDelay, this, [this] {
+    if (scans_.isStale(scanInterval())) scans_.scan();
+  });
+}
+
+void AppModel::begin() {
+  if (hasFullDiskAccess_) prefs_.setScope(ScanScope::disk);
+  prefs_.setHasStarted(true);
+  warnings_.requestAuthorization();
+  scans_.scan();
+}
+
+void AppModel::preferencesChanged() {
+  scans_.scheduleBackgroundScans();
+  volume_.refresh();
+  const SharedSnapshot& snapshot = history_.snapshot();
+  if (prefs_.hasStarted() && snapshot && snapshot->rootPath() != scans_.root()) scans_.scan();
+}
+
+void AppModel::panelWillShow() {
+  const bool hadAccess = hasFullDiskAccess_;
+  probeFullDiskAccess();
+  if (!hadAccess && hasFullDiskAccess_ && prefs_.hasStarted()) scans_.scan();
+  refreshTrash();
+  volume_.refresh();
+  warnings_.refreshNotificationStatus();
+}
+
+void AppModel::probeFullDiskAccess() {
+  const bool hasAccess = host_.hasFullDiskAccess();
+  if (std::exchange(hasFullDiskAccess_, hasAccess) != hasAccess) Q_EMIT hasFullDiskAccessChanged();
+}
+
+void AppModel::refreshTrash() {
+  if (hasFullDiskAccess_) trash_.refresh();
+}
+
+Seconds AppModel::scanInterval() const {
+  return std::chrono::hours{1} * static_cast<double>(prefs_.scanIntervalHours());
+}
+
+void AppModel::setTab(Tab tab) {
+  if (std::exchange(tab_, tab) != tab) Q_EMIT tabChanged();
+}
+
+void AppModel::setFolderPath(std::optional<std::string> path) {
+  if (folderPath_ == path) return;
+  folderPath_ = std::move(path);
+  Q_EMIT folderPathChanged();
+}
+
+void AppModel::setShowingSettings(bool isShowing) {
+  if (std::exchange(showingSettings_, isShowing) != isShowing) Q_EMIT showingSettingsChanged();
+}
+
+void AppModel::setBaselineEntry(std::optional<SnapshotStore::Entry> entry) {
+  history_.setBaselineEntry(std::move(entry));
+}
+
+void AppModel::performMessageAction() {
+  // The action may put another message in the place of its own.
+  if (const auto action = messages_.action()) action->perform();
+}
+
+void AppModel::confirmTrash(const FileItem& file) {
+  confirmations_.askToTrash(file, [this](const FileItem& confirmed) { trash_.moveToTrash(confirmed); });
+}
+
+void AppModel::confirmDelete(const std::string& path, const std::string& name, Bytes size,
+                             const std::string& note) {
+  confirmations_.askToDelete(path, name, size, note);
+}
+
+void AppModel::confirmEmptyTrash() {
+  confirmations_.askToEmptyTrash(hasFullDiskAccess_);
+}
+
+void AppModel::confirmDeleteBackup(const DeviceBackup& backup) {
+  confirmations_.askToDeleteBackup(backup);
+}
+
+void AppModel::confirmRemoveWorktree(const GitWorktree& worktree) {
+  confirmations_.askToRemoveWorktree(worktree);
+}
+
+void AppModel::confirmCleanup(const DevTools::FoundCleanup& found) {
+  confirmations_.askToCleanUp(found);
+}
+
+void AppModel::confirmDockerPrune() {
+  confirmations_.askToPruneDocker();
+}
+
+void AppModel::confirmDockerVolumesPrune() {
+  confirmations_.askToPruneDockerVolumes();
+}
+
+void AppModel::confirmOllamaRemove(const DevTools::OllamaModel& model) {
+  confirmations_.askToRemoveOllamaModel(model);
+}
+
+void AppModel::performConfirmation(const QUuid& id) {
+  const auto confirmation = confirmations_.current();
+  if (!confirmation || confirmation->id != id) return;
+  confirmations_.dismiss();
+  confirmation->perform();
+}
+
+}  // namespace spacemint
