@@ -15,6 +15,9 @@ namespace spacemint {
 // Shared with the runs, which may outlive the shell.
 struct Shell::Search {
   explicit Search(ProgramPlaces where) : places(std::move(where)) {}
+  explicit Search(std::vector<std::string> path) : folders(std::move(path)) {
+    std::call_once(once, [] {});
+  }
 
   const std::vector<std::string>& path() {
     std::call_once(once, [this] { folders = programPath(places); });
@@ -65,6 +68,9 @@ std::optional<std::string> Shell::Search::which(const std::string& name) {
 Shell::Shell() : Shell(ProgramPlaces{.home = UserFolders::home()}) {}
 
 Shell::Shell(ProgramPlaces places) : search_(std::make_shared<Search>(std::move(places))) {}
+
+Shell::Shell(std::vector<std::string> searchPath)
+    : search_(std::make_shared<Search>(std::move(searchPath))) {}
 
 const std::vector<std::string>& Shell::searchPath() const {
   return search_->path();

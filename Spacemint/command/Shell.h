@@ -52,6 +52,8 @@ class Shell {
   /// The shell of the user of this process.
   Shell();
   explicit Shell(ProgramPlaces places);
+  /// Looks for programs in these folders and nowhere else.
+  explicit Shell(std::vector<std::string> searchPath);
 
   /// The folders that are searched, worked out on first use and kept: a tool installed later is found by the
   /// next shell.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Spacemint/desktop/WhileAlive.h"
+
 #include <QFuture>
 #include <QPromise>
 
@@ -59,10 +61,11 @@ class Tasks {
     auto result = std::make_shared<std::optional<Result>>();
     start({.priority = priority,
            .work = [result, work = std::move(work)]() mutable { result->emplace(work()); },
-           .done = [result, promise] {
-             promise->addResult(std::move(**result));
-             promise->finish();
-           },
+           .done =
+               [result, promise] {
+                 promise->addResult(std::move(**result));
+                 promise->finish();
+               },
            .threadName = threadName});
     return future;
   }

@@ -72,8 +72,7 @@ AppModel::~AppModel() {
 std::optional<DeviceBackup> AppModel::oldBackup() const {
   const DeviceBackup* largest = nullptr;
   for (const DeviceBackup& backup : findings().deviceBackups) {
-    const bool counts =
-        backup.size >= oldBackupMinimum && backup.isOld(desktop_.clock.now(), oldBackupDays);
+    const bool counts = backup.size >= oldBackupMinimum && backup.isOld(desktop_.clock.now(), oldBackupDays);
     if (counts && (largest == nullptr || backup.size > largest->size)) largest = &backup;
   }
   return largest != nullptr ? std::optional{*largest} : std::nullopt;

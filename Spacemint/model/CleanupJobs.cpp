@@ -54,8 +54,7 @@ std::function<QFuture<Failure>()> CleanupJobs::deletion(const std::string& path,
                                                         FileIdentity identity) const {
   return inBackground([path, identity, guard = parts_.guard] {
     const auto removal = hostRemoval();
-    return Cleanup::deleteItem(
-        {.path = path, .guard = guard, .fileManager = *removal, .identity = identity});
+    return Cleanup::deleteItem({.path = path, .guard = guard, .fileManager = *removal, .identity = identity});
   });
 }
 
@@ -68,10 +67,7 @@ std::function<QFuture<Failure>()> CleanupJobs::toolRun(const char* program,
 
 CleanupJob CleanupJobs::deleteItem(const std::string& path, const std::string& name,
                                    FileIdentity identity) const {
-  return {.id = path,
-          .label = "Deleted " + name,
-          .remeasure = {path},
-          .work = deletion(path, identity)};
+  return {.id = path, .label = "Deleted " + name, .remeasure = {path}, .work = deletion(path, identity)};
 }
 
 CleanupJob CleanupJobs::deleteBackup(const DeviceBackup& backup, FileIdentity identity) const {
@@ -111,9 +107,8 @@ CleanupJob CleanupJobs::emptyTrash(const TrashPlace& trash) const {
   return {.id = CleanupRuns::trashId,
           .label = "Emptied the Trash",
           .remeasure = {trash.folder},
-          .work = inBackground([folders = trash.emptied, guard = parts_.guard] {
-            return emptyFolders(folders, guard);
-          })};
+          .work = inBackground(
+              [folders = trash.emptied, guard = parts_.guard] { return emptyFolders(folders, guard); })};
 }
 
 CleanupJob CleanupJobs::emptyTrashByFileManager(const TrashPlace& trash, Bytes expected) {
@@ -124,22 +119,24 @@ CleanupJob CleanupJobs::emptyTrashByFileManager(const TrashPlace& trash, Bytes e
   const auto work = [this, run, wasEmptied] {
     const auto before = std::make_shared<Bytes>(0);
     const auto look = [this, before, wasEmptied](bool) {
-      return parts_.volume.read().then(this, [before, wasEmptied](const std::optional<VolumeStatus>& after) {
-        return wasEmptied(*before, freeOf(after)) ? Failure{} : CleanupFailure::needsFullDiskAccess();
-      });
+      return parts_.volume.read().then(
+          whileAlive(this, [before, wasEmptied](const std::optional<VolumeStatus>& after) {
+            return wasEmptied(*before, freeOf(after)) ? Failure{} : CleanupFailure::needsFullDiskAccess();
+          }));
     };
     return parts_.volume.read()
-        .then(this,
-              [before, run](const std::optional<VolumeStatus>& reading) {
-                *before = freeOf(reading);
-                return run();
-              })
+        .then(whileAlive(this,
+                         [before, run](const std::optional<VolumeStatus>& reading) {
+                           *before = freeOf(reading);
+                           return run();
+                         }))
         .unwrap()
-        .then(this,
-              [this, look](const Failure& failure) {
-                if (failure) return QtFuture::makeReadyFuture(failure);
-                return desktop_.clock.wait(trashSettlingTime, this).then(this, look).unwrap();
-              })
+        .then(whileAlive(
+            this,
+            [this, look](const Failure& failure) {
+              if (failure) return QtFuture::makeReadyFuture(failure);
+              return desktop_.clock.wait(trashSettlingTime, this).then(whileAlive(this, look)).unwrap();
+            }))
         .unwrap();
   };
   return {.id = CleanupRuns::trashId,

@@ -34,7 +34,9 @@ class CleanupJobs : public QObject {
   };
 
   CleanupJobs(const Parts& parts, const Desktop& desktop, Places places)
-      : parts_(parts), desktop_(desktop), places_(std::move(places)) {}
+      : parts_(parts),
+        desktop_(desktop),
+        places_(std::move(places)) {}
 
   // Each identity is that of the item when it was shown: another one in its place is left alone.
 

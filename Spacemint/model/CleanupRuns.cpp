@@ -50,17 +50,17 @@ void CleanupRuns::perform(CleanupJob job) {
   const auto tell = [this, run](const Reading& after) { report(*run, freeOf(after)); };
 
   parts_.volume.read()
-      .then(this, work)
+      .then(whileAlive(this, work))
       .unwrap()
-      .then(this, measureAgain)
+      .then(whileAlive(this, measureAgain))
       .unwrap()
-      .then(this, waitForMore)
+      .then(whileAlive(this, waitForMore))
       .unwrap()
-      .then(this, settle)
+      .then(whileAlive(this, settle))
       .unwrap()
-      .then(this, readAgain)
+      .then(whileAlive(this, readAgain))
       .unwrap()
-      .then(this, tell);
+      .then(whileAlive(this, tell));
 }
 
 QFuture<bool> CleanupRuns::remeasure(const Run& run) {

@@ -49,7 +49,9 @@ class CleanupRuns : public QObject {
   };
 
   CleanupRuns(const Parts& parts, const Desktop& desktop, std::string locale)
-      : parts_(parts), desktop_(desktop), locale_(std::move(locale)) {}
+      : parts_(parts),
+        desktop_(desktop),
+        locale_(std::move(locale)) {}
 
   const std::set<std::string>& running() const { return running_; }
   bool isRunning(const std::string& id) const { return running_.contains(id); }

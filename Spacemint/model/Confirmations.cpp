@@ -55,9 +55,9 @@ void Confirmations::askToEmptyTrash(bool mayLookInside) {
         .subject = node != nullptr ? sized(all, node->size) : all,
         .note = std::string{CleanupText::emptyTrashNote},
         .actionTitle = "Empty Trash",
-        .perform = performing(mayLookInside ? parts_.jobs.emptyTrash(place)
-                                            : parts_.jobs.emptyTrashByFileManager(
-                                                  place, node != nullptr ? node->size : 0))});
+        .perform = performing(
+            mayLookInside ? parts_.jobs.emptyTrash(place)
+                          : parts_.jobs.emptyTrashByFileManager(place, node != nullptr ? node->size : 0))});
 }
 
 void Confirmations::askToDeleteBackup(const DeviceBackup& backup) {
@@ -78,7 +78,8 @@ void Confirmations::askToRemoveWorktree(const GitWorktree& worktree) {
   desktop_.tasks
       .run(Tasks::Priority::userInitiated,
            [tools = parts_.tools, path = worktree.path] { return tools.uncommittedChanges(path); })
-      .then(this, [this, worktree](std::optional<int> changes) { askToRemoveWorktree(worktree, changes); });
+      .then(whileAlive(
+          this, [this, worktree](std::optional<int> changes) { askToRemoveWorktree(worktree, changes); }));
 }
 
 void Confirmations::askToRemoveWorktree(const GitWorktree& worktree, std::optional<int> changes) {

@@ -45,7 +45,9 @@ class Confirmations : public QObject {
   };
 
   Confirmations(const Parts& parts, const Desktop& desktop, Words words)
-      : parts_(parts), desktop_(desktop), words_(std::move(words)) {}
+      : parts_(parts),
+        desktop_(desktop),
+        words_(std::move(words)) {}
 
   /// What is asked now.
   const std::optional<Confirmation>& current() const { return current_; }

@@ -3,7 +3,9 @@
 namespace spacemint {
 
 CurrentFindings::CurrentFindings(ScanHistory& history, Tasks& tasks, Home home)
-    : history_(history), tasks_(tasks), home_(std::move(home)) {
+    : history_(history),
+      tasks_(tasks),
+      home_(std::move(home)) {
   connect(&history_, &ScanHistory::changed, this, &CurrentFindings::recompute);
 }
 
@@ -20,11 +22,11 @@ void CurrentFindings::recompute() {
                                   .home = home.path,
                                   .environment = home.environment});
            })
-      .then(this, [this, revision = history_.revision(), baselineEntry](Findings findings) {
+      .then(whileAlive(this, [this, revision = history_.revision(), baselineEntry](Findings findings) {
         // Of an older state; those of the newer one are on their way.
         if (history_.revision() != revision || history_.baselineEntry() != baselineEntry) return;
         assign(std::move(findings));
-      });
+      }));
 }
 
 void CurrentFindings::assign(Findings findings) {

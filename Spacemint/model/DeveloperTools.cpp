@@ -62,10 +62,10 @@ QFuture<bool> DeveloperTools::ask(const DevTools::ToolQuery& query, State Develo
   return tasks_
       .run(Tasks::Priority::utility,
            [runs = runs_, query, parse] { return DevTools::toolState(runs.ask(query), parse); })
-      .then(this, [show](const State& state) {
+      .then(whileAlive(this, [show](const State& state) {
         show(state);
         return true;
-      });
+      }));
 }
 
 }  // namespace spacemint

@@ -25,7 +25,9 @@ class DeveloperTools : public QObject {
   static constexpr std::chrono::seconds keptFor{120};
 
   DeveloperTools(ToolRuns runs, Tasks& tasks, const Clock& clock)
-      : runs_(std::move(runs)), tasks_(tasks), clock_(clock) {}
+      : runs_(std::move(runs)),
+        tasks_(tasks),
+        clock_(clock) {}
 
   const Docker& docker() const { return docker_; }
   const Ollama& ollama() const { return ollama_; }

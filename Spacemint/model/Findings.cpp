@@ -37,17 +37,16 @@ void compare(const Findings::Question& question, Findings& findings) {
 
 Findings Findings::in(const Question& question) {
   const Snapshot& snapshot = question.snapshot;
-  Findings findings{
-      .trash = largeTrash(question),
-      .deviceBackups = DeviceBackups::find({.in = snapshot, .home = question.home}),
-      .worktrees = GitWorktrees::find({.in = snapshot, .minimum = worktreeMinimum}),
-      .devCleanups = DevTools::cleanups({.in = snapshot,
-                                         .home = question.home,
-                                         .minimum = cacheMinimum,
-                                         .environment = question.environment}),
-      .huggingFace = DevTools::huggingFace(
-          {.in = snapshot, .home = question.home, .environment = question.environment}),
-      .largestFiles = snapshot.largestFiles(fileLimit)};
+  Findings findings{.trash = largeTrash(question),
+                    .deviceBackups = DeviceBackups::find({.in = snapshot, .home = question.home}),
+                    .worktrees = GitWorktrees::find({.in = snapshot, .minimum = worktreeMinimum}),
+                    .devCleanups = DevTools::cleanups({.in = snapshot,
+                                                       .home = question.home,
+                                                       .minimum = cacheMinimum,
+                                                       .environment = question.environment}),
+                    .huggingFace = DevTools::huggingFace(
+                        {.in = snapshot, .home = question.home, .environment = question.environment}),
+                    .largestFiles = snapshot.largestFiles(fileLimit)};
   findings.suggestions = suggestionsBeside(findings.trash, question);
   compare(question, findings);
   return findings;

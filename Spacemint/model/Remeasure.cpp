@@ -40,12 +40,11 @@ QFuture<bool> Remeasure::run(Request request) {
   return tasks_
       .run(Tasks::Priority::userInitiated,
            [path = request.path, minNodeSize = minNodeSize_] { return measure(path, minNodeSize); })
-      .then(this, [this, request](Measured measured) {
-        history_.edit(request.path, [&](Snapshot& snapshot) {
-          return apply(std::move(measured), request, snapshot);
-        });
+      .then(whileAlive(this, [this, request](Measured measured) {
+        history_.edit(request.path,
+                      [&](Snapshot& snapshot) { return apply(std::move(measured), request, snapshot); });
         return true;
-      });
+      }));
 }
 
 QFuture<bool> Remeasure::runAll(std::vector<Request> requests) {
@@ -53,7 +52,7 @@ QFuture<bool> Remeasure::runAll(std::vector<Request> requests) {
   Request first = std::move(requests.front());
   requests.erase(requests.begin());
   return run(std::move(first))
-      .then(this, [this, rest = std::move(requests)](bool) { return runAll(rest); })
+      .then(whileAlive(this, [this, rest = std::move(requests)](bool) { return runAll(rest); }))
       .unwrap();
 }
 

@@ -19,7 +19,9 @@ class Remeasure : public QObject {
   };
 
   Remeasure(ScanHistory& history, Tasks& tasks, Bytes minNodeSize)
-      : history_(history), tasks_(tasks), minNodeSize_(minNodeSize) {}
+      : history_(history),
+        tasks_(tasks),
+        minNodeSize_(minNodeSize) {}
 
   /// Finishes, always with true, when the scan says how it is.
   QFuture<bool> run(Request request);

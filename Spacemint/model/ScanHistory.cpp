@@ -34,10 +34,10 @@ ScanHistory::Loaded ScanHistory::readNewest(const SnapshotStore& store) {
 
 void ScanHistory::load(std::function<void()> then) {
   tasks_.run(Tasks::Priority::utility, [store = store_] { return readNewest(store); })
-      .then(this, [this, then = std::move(then)](Loaded loaded) {
+      .then(whileAlive(this, [this, then = std::move(then)](Loaded loaded) {
         take(std::move(loaded));
         then();
-      });
+      }));
 }
 
 void ScanHistory::take(Loaded loaded) {
@@ -96,13 +96,11 @@ bool ScanHistory::assignBaseline(std::optional<Entry> entry) {
 
 void ScanHistory::save() {
   tasks_
-      .run(Tasks::Priority::utility,
-           [writer = writer_, snapshot = snapshot_, revision = revision_] {
-             return writer->save(*snapshot, revision);
-           })
-      .then(this, [this](const std::expected<bool, Error>& saved) {
+      .run(Tasks::Priority::utility, [writer = writer_, snapshot = snapshot_,
+                                      revision = revision_] { return writer->save(*snapshot, revision); })
+      .then(whileAlive(this, [this](const std::expected<bool, Error>& saved) {
         if (!saved) messages_.show("Couldn't save changes to the scan: " + saved.error().message);
-      });
+      }));
 }
 
 }  // namespace spacemint

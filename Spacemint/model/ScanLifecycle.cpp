@@ -21,7 +21,9 @@ Seconds hours(std::int64_t count) {
 }  // namespace
 
 ScanLifecycle::ScanLifecycle(const Parts& parts, const Desktop& desktop, Places places)
-    : parts_(parts), desktop_(desktop), places_(std::move(places)) {
+    : parts_(parts),
+      desktop_(desktop),
+      places_(std::move(places)) {
   connect(&parts_.history, &ScanHistory::edited, this, [this](const std::string& path) {
     if (isScanning()) editedDuringScan_.insert(path);
   });
@@ -76,8 +78,10 @@ void ScanLifecycle::start(const std::shared_ptr<CancelFlag>& flag, const SharedS
                   if (self) self->progressed(flag, progress);
                 });
               }};
-  tasks.run(Tasks::Priority::background, [job = std::move(job)] { return job.run(); }, threadName)
-      .then(this, [this, flag](ScanJob::Report report) { finish(std::move(report), flag); });
+  tasks
+      .run(
+          Tasks::Priority::background, [job = std::move(job)] { return job.run(); }, threadName)
+      .then(whileAlive(this, [this, flag](ScanJob::Report report) { finish(std::move(report), flag); }));
 }
 
 void ScanLifecycle::progressed(const std::shared_ptr<CancelFlag>& flag,
@@ -121,7 +125,9 @@ void ScanLifecycle::scheduleBackgroundScans() {
   // The old one ends before the new one begins.
   scheduled_.reset();
   scheduled_ = desktop_.scheduler.schedule(
-      {.identifier = activityName, .interval = hours(interval), .tolerance = hours(interval) * scheduleTolerance},
+      {.identifier = activityName,
+       .interval = hours(interval),
+       .tolerance = hours(interval) * scheduleTolerance},
       [this](ActivityScheduler::Completion finished) { runScheduled(std::move(finished)); });
 }
 

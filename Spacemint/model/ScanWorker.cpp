@@ -11,8 +11,8 @@ namespace {
 // Passes on the first call and then what comes after the interval.
 auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
   using SteadyClock = std::chrono::steady_clock;
-  return [callback = std::move(callback), last = std::optional<SteadyClock::time_point>{}](
-             const DiskScanner::Progress& progress) mutable {
+  return [callback = std::move(callback),
+          last = std::optional<SteadyClock::time_point>{}](const DiskScanner::Progress& progress) mutable {
     const auto now = SteadyClock::now();
     if (last && now - *last <= ScanJob::progressInterval) return;
     last = now;

@@ -5,7 +5,10 @@
 namespace spacemint {
 
 SpaceWarnings::SpaceWarnings(const Parts& parts, const Desktop& desktop, Words words, bool mayNotify)
-    : parts_(parts), desktop_(desktop), words_(std::move(words)), mayNotify_(mayNotify) {}
+    : parts_(parts),
+      desktop_(desktop),
+      words_(std::move(words)),
+      mayNotify_(mayNotify) {}
 
 SpaceLevel SpaceWarnings::level() const {
   const auto& volume = parts_.volume.status();
@@ -36,14 +39,15 @@ void SpaceWarnings::sendTestNotification() {
 
 void SpaceWarnings::requestAuthorization() {
   if (!mayNotify_) return;
-  desktop_.notifier.requestAuthorization().then(this, [this](bool) { refreshNotificationStatus(); });
+  desktop_.notifier.requestAuthorization().then(
+      whileAlive(this, [this](bool) { refreshNotificationStatus(); }));
 }
 
 void SpaceWarnings::refreshNotificationStatus() {
   if (!mayNotify_) return;
-  desktop_.notifier.isAllowed().then(this, [this](bool isAllowed) {
+  desktop_.notifier.isAllowed().then(whileAlive(this, [this](bool isAllowed) {
     if (std::exchange(notificationsAllowed_, isAllowed) != isAllowed) Q_EMIT notificationsAllowedChanged();
-  });
+  }));
 }
 
 void SpaceWarnings::post(const Notification& notification) {

@@ -21,8 +21,8 @@ void TrashActions::moveToTrash(const FileItem& file) {
   desktop_.tasks
       .run(Tasks::Priority::userInitiated,
            [&trash = desktop_.trash, path = Paths::logical(file.path)] { return trash.move(path); })
-      .then(this,
-            [this, file](const std::expected<std::string, Error>& result) { moved(file, result); });
+      .then(whileAlive(
+          this, [this, file](const std::expected<std::string, Error>& result) { moved(file, result); }));
 }
 
 void TrashActions::moved(const FileItem& file, const std::expected<std::string, Error>& result) {
@@ -42,7 +42,7 @@ void TrashActions::refresh() {
   if (!snapshot || !parts_.runs.setRunning(refreshId, true)) return;
   parts_.remeasure
       .run({.path = trashPlace(snapshot.get(), words_.home, words_.data).folder, .addIfMissing = true})
-      .then(this, [this](bool) { parts_.runs.setRunning(refreshId, false); });
+      .then(whileAlive(this, [this](bool) { parts_.runs.setRunning(refreshId, false); }));
 }
 
 }  // namespace spacemint

@@ -28,7 +28,9 @@ class TrashActions : public QObject {
   };
 
   TrashActions(const Parts& parts, const Desktop& desktop, Words words)
-      : parts_(parts), desktop_(desktop), words_(std::move(words)) {}
+      : parts_(parts),
+        desktop_(desktop),
+        words_(std::move(words)) {}
 
   void moveToTrash(const FileItem& file);
 

@@ -8,7 +8,7 @@ void VolumeWatch::start() {
 }
 
 void VolumeWatch::refresh() {
-  read().then(this, [this](const std::optional<VolumeStatus>& reading) { take(reading); });
+  read().then(whileAlive(this, [this](const std::optional<VolumeStatus>& reading) { take(reading); }));
 }
 
 QFuture<std::optional<VolumeStatus>> VolumeWatch::read() {

@@ -1,0 +1,365 @@
+// When scans run, how they end, and what becomes of what was going on meanwhile.
+
+#include "Spacemint/model/ScanTiming.h"
+#include "support/ModelFixture.h"
+#include "support/TreeBuilder.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace spacemint {
+namespace {
+
+using namespace support;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+namespace fs = std::filesystem;
+
+class ScanLifecycleTest : public ModelFixture {
+ protected:
+  void SetUp() override { addFile("big", 30 * MB); }
+  void haveStarted() { Preferences{defaults}.setHasStarted(true); }
+  std::size_t storedScans() const { return store.entries().size(); }
+};
+
+TEST_F(ScanLifecycleTest, nothingScansBeforeTheUserBegins) {
+  startModel();
+  desktop.advance(24h);
+  model->prefs().setScope(ScanScope::disk);
+  model->preferencesChanged();
+  desktop.volume.current->free = 1 * GB;
+  desktop.advance(1h);
+  EXPECT_EQ(storedScans(), 0U);
+  EXPECT_THAT(desktop.notifier.posted, SizeIs(1));
+  EXPECT_EQ(desktop.notifier.requests, 0);
+  EXPECT_EQ(desktop.scheduler.begun, desktop.scheduler.finished);
+}
+
+TEST_F(ScanLifecycleTest, beginningScansWhatMayBeSeen) {
+  for (const bool access : {true, false}) {
+    hasAccess = access;
+    fs::remove(folder / "settings.json");
+    defaults.set("scope", "home");
+    startModel();
+    model->begin();
+    EXPECT_TRUE(model->scans().isScanning());
+    desktop.settle();
+    EXPECT_FALSE(model->scans().isScanning());
+    EXPECT_EQ(model->prefs().scope(), access ? ScanScope::disk : ScanScope::home);
+    ASSERT_TRUE(model->history().snapshot());
+    EXPECT_EQ(model->history().snapshot()->rootPath(), access ? folder.path() : home);
+    EXPECT_TRUE(model->prefs().hasStarted());
+    desktop.advance(1s);
+  }
+  EXPECT_EQ(desktop.notifier.requests, 2);
+}
+
+// What there is at the start, and when the first scan begins; never within the time that is looked at is 0.
+TEST_F(ScanLifecycleTest, scansAfterTheLaunchWhenThatIsDue) {
+  struct Case {
+    const char* name;
+    std::optional<std::chrono::minutes> age;
+    Bytes free;
+    std::chrono::seconds begins;
+  };
+  const Case cases[]{{"no scan yet", {}, 100 * GB, 180s},
+                     {"a fresh scan", 30min, 100 * GB, 0s},
+                     {"exactly as old as may be", 6h, 100 * GB, 0s},
+                     {"older than the interval", 7h, 100 * GB, 180s},
+                     {"little space and a fresh scan", 59min, 5 * GB, 0s},
+                     {"little space and an older scan", 61min, 5 * GB, 1s}};
+  haveStarted();
+  for (const Case& c : cases) {
+    fs::remove_all(store.directory);
+    if (c.age) storeScan(desktop.clock.now() - *c.age);
+    desktop.volume.current->free = c.free;
+    const std::size_t before = storedScans();
+    startModel();
+    if (c.begins == 180s) {
+      desktop.advance(179s);
+      EXPECT_EQ(storedScans(), before) << c.name;
+      desktop.advance(1s);
+    }
+    EXPECT_EQ(storedScans(), before + (c.begins > 0s ? 1U : 0U)) << c.name;
+    desktop.advance(200s);
+    EXPECT_EQ(storedScans(), before + (c.begins > 0s ? 1U : 0U)) << c.name;
+  }
+}
+
+TEST_F(ScanLifecycleTest, scansInTheBackgroundWhenHalfAnIntervalHasPassed) {
+  haveStarted();
+  storeScan(morning);
+  startModel();
+  desktop.advance(6h);
+  EXPECT_EQ(store.entries().front().date, morning + 6h);
+  desktop.advance(4h);
+  model->scan();
+  desktop.advance(2h);
+  EXPECT_EQ(desktop.scheduler.finished, 2);
+  EXPECT_EQ(store.entries().front().date, morning + 10h) << "two hours after a scan there is no other";
+}
+
+TEST_F(ScanLifecycleTest, schedulesAgainOnlyForAnotherInterval) {
+  startModel();
+  model->preferencesChanged();
+  model->prefs().setScanIntervalHours(12);
+  model->preferencesChanged();
+  model->prefs().setScanIntervalHours(-1);
+  model->preferencesChanged();
+  ASSERT_THAT(desktop.scheduler.activities, SizeIs(3));
+  EXPECT_STREQ(desktop.scheduler.activities[0].identifier, "app.spacemint.scan");
+  EXPECT_EQ(desktop.scheduler.activities[0].interval, Seconds{6h});
+  EXPECT_EQ(desktop.scheduler.activities[0].tolerance, Seconds{90min});
+  EXPECT_EQ(desktop.scheduler.activities[1].interval, Seconds{12h});
+  EXPECT_EQ(desktop.scheduler.activities[2].interval, Seconds{-1h});
+}
+
+TEST_F(ScanLifecycleTest, answersTheSchedulerAlsoForAScanThatIsCancelled) {
+  haveStarted();
+  storeScan(morning);
+  startModel();
+  desktop.tasks.hold(Tasks::Priority::background);
+  desktop.advance(6h);
+  EXPECT_EQ(desktop.scheduler.begun, 1);
+  EXPECT_EQ(desktop.scheduler.finished, 0);
+  model->cancelScan();
+  EXPECT_EQ(desktop.scheduler.finished, 1);
+}
+
+TEST_F(ScanLifecycleTest, dropsWhatComesLateFromACancelledScan) {
+  startModel();
+  desktop.tasks.hold(Tasks::Priority::background);
+  model->scan();
+  model->scan();
+  desktop.tasks.runHeldWork(Tasks::Priority::background);
+  EXPECT_EQ(storedScans(), 1U) << "it was done before it was cancelled";
+  model->cancelScan();
+  EXPECT_FALSE(model->scans().isScanning());
+  addFile("more", 40 * MB);
+  desktop.advance(1s);
+  model->scan();
+  EXPECT_TRUE(model->scans().isScanning());
+  desktop.tasks.release(Tasks::Priority::background);
+  desktop.settle();
+  EXPECT_EQ(sizeInScan("more"), 40 * MB);
+  EXPECT_EQ(model->history().revision(), 1) << "one of the two was taken";
+  EXPECT_EQ(message(), "");
+
+  model->scan();
+  model->cancelScan();
+  desktop.settle();
+  EXPECT_EQ(storedScans(), 2U) << "cancelled before it ran, it leaves nothing";
+}
+
+TEST_F(ScanLifecycleTest, followsTheScope) {
+  haveStarted();
+  storeScan(morning);
+  startModel();
+  model->setFolderPath(home);
+  model->prefs().setWarningThresholdGB(30);
+  model->preferencesChanged();
+  EXPECT_FALSE(model->scans().isScanning());
+  model->prefs().setScope(ScanScope::disk);
+  model->preferencesChanged();
+  EXPECT_TRUE(model->scans().isScanning());
+  desktop.advance(1s);
+  EXPECT_EQ(model->history().snapshot()->rootPath(), folder.path());
+  EXPECT_EQ(model->folderPath(), std::nullopt) << "the folder that was shown belongs to another scan";
+}
+
+TEST_F(ScanLifecycleTest, scansWhenAccessIsGranted) {
+  hasAccess = false;
+  haveStarted();
+  storeScan(morning);
+  startModel();
+  model->panelWillShow();
+  EXPECT_FALSE(model->scans().isScanning());
+  hasAccess = true;
+  model->panelWillShow();
+  EXPECT_TRUE(model->hasFullDiskAccess());
+  EXPECT_TRUE(model->scans().isScanning());
+  desktop.settle();
+  model->panelWillShow();
+  EXPECT_FALSE(model->scans().isScanning());
+}
+
+TEST_F(ScanLifecycleTest, measuresAgainWhatWasCleanedDuringTheScan) {
+  addFile("junk/a", 40 * MB);
+  startModel();
+  model->scan();
+  desktop.settle();
+  ASSERT_EQ(sizeInScan("junk"), 40 * MB);
+
+  desktop.advance(1s);
+  desktop.tasks.hold(Tasks::Priority::background);
+  model->scan();
+  desktop.tasks.runHeldWork(Tasks::Priority::background);
+  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  confirm();
+  desktop.advance(5s);
+  EXPECT_EQ(sizeInScan("junk"), 0) << "the clean-up shows at once";
+  desktop.tasks.release(Tasks::Priority::background);
+  desktop.settle();
+  EXPECT_FALSE(model->scans().isScanning());
+  EXPECT_EQ(sizeInScan("junk"), 0) << "the scan had passed there before";
+  EXPECT_EQ(store.load(store.entries().front())->nodeAt(inHome("junk")), nullptr);
+}
+
+TEST_F(ScanLifecycleTest, saysWhatFailed) {
+  startModel();
+  fs::remove_all(home);
+  model->scan();
+  desktop.settle();
+  EXPECT_EQ(message(), "Couldn't scan ~.");
+  EXPECT_FALSE(model->history().snapshot());
+  EXPECT_FALSE(model->scans().isScanning());
+
+  addFile("big", 30 * MB);
+  std::ofstream{store.directory} << "in the way";
+  model->scan();
+  desktop.settle();
+  EXPECT_THAT(message(), testing::StartsWith("Couldn't save scan results: "));
+  EXPECT_EQ(sizeInScan("big"), 30 * MB) << "it is shown all the same";
+
+  model->confirmDelete(inHome("big"), "big", 30 * MB, "");
+  confirm();
+  desktop.advance(500ms);
+  EXPECT_THAT(message(), testing::StartsWith("Couldn't save changes to the scan: "));
+  EXPECT_EQ(sizeInScan("big"), 0);
+
+  fs::remove(store.directory);
+  desktop.advance(1min);
+  model->scan();
+  desktop.settle();
+  EXPECT_EQ(storedScans(), 1U) << "a history folder that vanished is made again";
+}
+
+TEST_F(ScanLifecycleTest, showsTheNewestScanThatCanBeRead) {
+  storeScan(morning - 48h, 100 * MB);
+  storeScan(morning - 24h, 200 * MB);
+  for (const auto age : {2h, 1h}) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(morning - age).time_since_epoch().count();
+    std::ofstream{store.directory + "/" + std::to_string(seconds) + ".json"} << "{";
+  }
+  startModel();
+  EXPECT_EQ(model->history().snapshot()->root.size, 200 * MB);
+  EXPECT_EQ(message(), "The latest scan couldn't be read, so an earlier one is shown.");
+  EXPECT_THAT(model->history().entries(), SizeIs(4));
+
+  fs::remove_all(store.directory);
+  startModel();
+  EXPECT_FALSE(model->history().snapshot());
+  EXPECT_EQ(message(), "");
+  EXPECT_TRUE(model->history().isLoaded());
+}
+
+TEST_F(ScanLifecycleTest, comparesWithTheScanOfADayAgo) {
+  storeScan(morning - 26h, 20 * MB);
+  addFile("new", 150 * MB);
+  startModel();
+  EXPECT_EQ(model->history().baselineEntry(), std::nullopt) << "one scan has nothing to compare with";
+  model->scan();
+  desktop.settle();
+  ASSERT_TRUE(model->history().baselineEntry());
+  EXPECT_EQ(model->history().baselineEntry()->date, morning - 26h);
+  EXPECT_EQ(model->findings().baselineFree, 120 * GB);
+  ASSERT_THAT(model->findings().growth, SizeIs(1));
+  EXPECT_EQ(model->findings().growth[0].path, inHome("new"));
+
+  desktop.advance(30h);
+  fs::resize_file(model->history().baselineEntry()->path, 10);
+  model->scan();
+  desktop.settle();
+  EXPECT_EQ(model->history().baselineEntry()->date, morning - 26h) << "the baseline stays what it was";
+  EXPECT_TRUE(model->findings().baselineUnavailable);
+  EXPECT_EQ(model->findings().baselineFree, std::nullopt);
+  EXPECT_THAT(model->findings().growth, IsEmpty());
+
+  model->setBaselineEntry(model->history().entries()[1]);
+  desktop.settle();
+  EXPECT_FALSE(model->findings().baselineUnavailable);
+  fs::remove(model->history().baselineEntry()->path);
+  desktop.advance(1s);
+  model->scan();
+  desktop.settle();
+  EXPECT_EQ(model->history().baselineEntry()->date, morning + 30h) << "what is gone is not compared with";
+}
+
+TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
+  journal.id = 7;
+  addFile("kept/inner", 50 * MB);
+  startModel();
+  model->scan();
+  desktop.settle();
+  EXPECT_THAT(journal.questions, IsEmpty());
+  EXPECT_EQ(model->history().snapshot()->eventID, 7U);
+
+  // What the journal does not name is taken over from the last scan, whatever is there now.
+  journal.answer = FolderChanges{};
+  fs::remove(inHome("kept/inner"));
+  desktop.advance(1h);
+  model->scan();
+  desktop.settle();
+  ASSERT_THAT(journal.questions, SizeIs(1));
+  EXPECT_EQ(journal.questions[0].since, 7U);
+  EXPECT_EQ(sizeInScan("kept"), 50 * MB);
+  EXPECT_EQ(model->history().snapshot()->fullScanDate, morning);
+
+  desktop.advance(73h);
+  model->scan();
+  desktop.settle();
+  EXPECT_THAT(journal.questions, SizeIs(1)) << "after three days everything is walked";
+  EXPECT_EQ(sizeInScan("kept"), 0);
+}
+
+TEST_F(ScanLifecycleTest, aClockThatJumpsDoesNotStopScans) {
+  haveStarted();
+  storeScan(morning);
+  startModel();
+  desktop.clock.setDate(desktop.clock.now() - 24h);
+  desktop.advance(6h);
+  EXPECT_EQ(desktop.scheduler.finished, 1);
+  desktop.clock.setDate(desktop.clock.now() + 48h);
+  desktop.advance(6h);
+  EXPECT_EQ(storedScans(), 2U);
+  EXPECT_FALSE(model->scans().isScanning());
+}
+
+TEST(ScanTiming, saysHowFarAScanIs) {
+  using namespace ScanTiming;
+  EXPECT_EQ(fraction(10, 0), std::nullopt);
+  EXPECT_EQ(fraction(25, 100), 0.25);
+  EXPECT_EQ(fraction(200, 100), 0.99);
+  EXPECT_EQ(remaining(0.5, 5s), std::nullopt);
+  EXPECT_EQ(remaining(0.03, 60s), std::nullopt);
+  EXPECT_EQ(remaining(std::nullopt, 60s), std::nullopt);
+  EXPECT_EQ(remaining(0.25, 60s), Seconds{180});
+}
+
+TEST(ScanTiming, expectsWhatTheLastScanFoundOrTheVolumeHolds) {
+  const Snapshot last{.root = folder("/home", {file("a", 10)})};
+  const VolumeStatus volume{"Disk", 100, 30};
+  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/home", volume), 10);
+  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume), 70);
+  EXPECT_EQ(ScanTiming::expectedBytes(nullptr, "/", std::nullopt), 0);
+}
+
+TEST(ScanTiming, isStaleWhenOlderThanTheLimitOrOfAnotherFolder) {
+  const Snapshot scan{.date = morning, .root = folder("/home", {})};
+  const auto isStale = [](const Snapshot* snapshot, const char* root, Seconds age) {
+    return ScanTiming::isStale(
+        {.snapshot = snapshot,
+         .root = root,
+         .now = morning + std::chrono::duration_cast<std::chrono::microseconds>(age),
+         .olderThan = Seconds{3'600}});
+  };
+  EXPECT_TRUE(isStale(nullptr, "/home", Seconds{0}));
+  EXPECT_TRUE(isStale(&scan, "/", Seconds{0}));
+  EXPECT_FALSE(isStale(&scan, "/home", Seconds{3'600}));
+  EXPECT_TRUE(isStale(&scan, "/home", Seconds{3'600.001}));
+  EXPECT_FALSE(isStale(&scan, "/home", Seconds{-3'600}));
+}
+
+}  // namespace
+}  // namespace spacemint

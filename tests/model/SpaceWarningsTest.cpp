@@ -1,0 +1,192 @@
+#include "Spacemint/model/WarningState.h"
+#include "Spacemint/model/WarningText.h"
+#include "support/ModelFixture.h"
+
+#include <random>
+
+namespace spacemint {
+namespace {
+
+using namespace support;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// The rules as a person would apply them, one reading after the other.
+class WarningBook {
+ public:
+  bool warns(Bytes free, Bytes threshold, Date now) {
+    const int level = free < threshold / 2 ? 2 : free < threshold ? 1 : 0;
+    if (level == 0) {
+      if (free > threshold + 2 * GB) warned_ = false;
+      return false;
+    }
+    const bool isNews = !warned_ || level > level_ || now - date_ >= 12h;
+    if (isNews) {
+      warned_ = true;
+      level_ = level;
+      date_ = now;
+    }
+    return isNews;
+  }
+
+ private:
+  bool warned_ = false;
+  int level_ = 0;
+  Date date_;
+};
+
+TEST(WarningState, followsTheTable) {
+  using enum SpaceLevel;
+  const auto warned = [](SpaceLevel level) { return std::optional{Warning{morning, level}}; };
+  struct Case {
+    std::optional<Warning> last;
+    Bytes free;
+    std::chrono::minutes later;
+    std::optional<SpaceLevel> held;
+    bool warns;
+  };
+  const Case cases[]{{{}, 20 * GB, 0min, {}, false},
+                     {{}, 20 * GB - 1, 0min, low, true},
+                     {{}, 10 * GB, 0min, low, true},
+                     {{}, 10 * GB - 1, 0min, critical, true},
+                     {warned(low), 22 * GB, 5min, low, false},
+                     {warned(low), 22 * GB + 1, 5min, {}, false},
+                     {warned(low), 9 * GB, 5min, critical, true},
+                     {warned(low), 15 * GB, 719min, low, false},
+                     {warned(low), 15 * GB, 720min, low, true},
+                     {warned(critical), 15 * GB, 719min, critical, false},
+                     {warned(critical), 15 * GB, 720min, low, true}};
+  for (const Case& c : cases) {
+    const auto next =
+        WarningState::after(c.last, {.free = c.free, .thresholdGB = 20, .now = morning + c.later});
+    EXPECT_EQ(next.warns, c.warns) << c.free;
+    EXPECT_EQ(next.last.has_value(), c.held.has_value()) << c.free;
+    if (next.last && c.held) {
+      EXPECT_EQ(next.last->level, *c.held) << c.free;
+      EXPECT_EQ(next.last->date, c.warns ? morning + c.later : morning) << c.free;
+    }
+  }
+}
+
+TEST(WarningState, agreesWithThePlainRulesOnAnyWalk) {
+  std::mt19937_64 random{20'260'302};
+  const auto pick = [&](std::int64_t from, std::int64_t to) {
+    return std::uniform_int_distribution<std::int64_t>{from, to}(random);
+  };
+  for (int round = 0; round < 200; ++round) {
+    WarningBook book;
+    std::optional<Warning> last;
+    Date now = morning;
+    const std::int64_t threshold = pick(0, 40);
+    for (int step = 0; step < 200; ++step) {
+      now += std::chrono::minutes{pick(1, 400)};
+      // Often at the very edges.
+      const Bytes edges[]{threshold * GB, threshold * GB / 2, threshold * GB + 2 * GB};
+      const Bytes free = pick(0, 1) == 0 ? pick(0, 45) * GB : edges[pick(0, 2)] + pick(-1, 1);
+      const auto next = WarningState::after(last, {.free = free, .thresholdGB = threshold, .now = now});
+      ASSERT_EQ(next.warns, book.warns(free, threshold * GB, now)) << round << " " << step;
+      last = next.last;
+    }
+  }
+}
+
+TEST(WarningState, countsWithAnyThresholdOfASettingsFile) {
+  constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+  EXPECT_FALSE(WarningState::after({}, {.free = 0, .thresholdGB = 0, .now = morning}).warns);
+  EXPECT_FALSE(WarningState::after({}, {.free = 0, .thresholdGB = -largest, .now = morning}).warns);
+  EXPECT_TRUE(WarningState::after({}, {.free = GB, .thresholdGB = largest, .now = morning}).warns);
+}
+
+TEST(WarningText, saysWhatGrewWhenThatIsKnown) {
+  const VolumeStatus volume{"Disk", 500 * GB, 9 * GB};
+  const std::vector<Growth> growth{{.path = "/home/ann/Videos", .delta = 3 * GB},
+                                   {.path = "/home/ann/b", .delta = 1 * GB}};
+  const Notification plain = WarningText::warning(
+      {.volume = volume, .level = SpaceLevel::low, .growth = {}, .home = "/home/ann", .locale = "en_US"});
+  EXPECT_EQ(plain.title, "Disk space is running low");
+  EXPECT_EQ(plain.body, "Only 9 GB left on Disk. Click to see what's using space.");
+  EXPECT_FALSE(plain.isCritical);
+  EXPECT_TRUE(plain.hasSound);
+  const Notification full = WarningText::warning({.volume = volume,
+                                                  .level = SpaceLevel::critical,
+                                                  .growth = growth,
+                                                  .home = "/home/ann",
+                                                  .locale = "en_US"});
+  EXPECT_EQ(full.title, "Your disk is almost full");
+  EXPECT_EQ(full.body,
+            "Only 9 GB left on Disk. ~/Videos grew by 3 GB recently. Click to see what's using space.");
+  EXPECT_TRUE(full.isCritical);
+}
+
+class SpaceWarningsTest : public ModelFixture {};
+
+TEST_F(SpaceWarningsTest, warnsOnceAndLooksWhatTakesTheSpace) {
+  Preferences{defaults}.setHasStarted(true);
+  storeScan(morning - 2h);
+  startModel();
+  EXPECT_THAT(desktop.notifier.posted, IsEmpty());
+  desktop.volume.current->free = 15 * GB;
+  desktop.advance(90s);
+  EXPECT_EQ(model->level(), SpaceLevel::low);
+  EXPECT_THAT(desktop.notifier.posted, SizeIs(1));
+  EXPECT_THAT(store.entries(), SizeIs(2)) << "the scan was two hours old";
+  desktop.advance(6h);
+  EXPECT_THAT(desktop.notifier.posted, SizeIs(1));
+  desktop.volume.current->free = 5 * GB;
+  desktop.advance(60s);
+  EXPECT_THAT(desktop.notifier.posted, SizeIs(2));
+}
+
+TEST_F(SpaceWarningsTest, aFailedReadingChangesNothing) {
+  startModel();
+  int readings = 0;
+  QObject::connect(model.get(), &AppModel::statusChanged, [&] { ++readings; });
+  desktop.advance(60s);
+  EXPECT_EQ(readings, 1) << "also when it is as before";
+  desktop.volume.current.reset();
+  desktop.advance(10min);
+  EXPECT_EQ(readings, 1);
+  EXPECT_EQ(model->volume().status()->free, 100 * GB);
+}
+
+TEST_F(SpaceWarningsTest, neverReadsAVolumeThatMayHangOnTheMainThread) {
+  desktop.volume.hangs = true;
+  desktop.tasks.hold(Tasks::Priority::utility);
+  startModel();
+  EXPECT_EQ(desktop.volume.readings, 0);
+  desktop.tasks.release(Tasks::Priority::utility);
+  desktop.settle();
+  EXPECT_EQ(model->volume().status()->free, 100 * GB);
+}
+
+TEST_F(SpaceWarningsTest, tellsWhetherNotificationsArrive) {
+  startModel();
+  int changes = 0;
+  QObject::connect(&model->warnings(), &SpaceWarnings::notificationsAllowedChanged, [&] { ++changes; });
+  desktop.notifier.allowed = false;
+  model->panelWillShow();
+  desktop.settle();
+  EXPECT_FALSE(model->warnings().notificationsAllowed());
+  model->panelWillShow();
+  desktop.settle();
+  EXPECT_EQ(changes, 1);
+  model->sendTestNotification();
+  EXPECT_THAT(desktop.notifier.posted,
+              testing::ElementsAre(Notification{
+                  .title = "Spacemint notifications work",
+                  .body = "You'll be warned when free space drops below 20 GB."}));
+}
+
+TEST_F(SpaceWarningsTest, staysSilentWhenItIsNotTheApplication) {
+  isApplication = false;
+  startModel();
+  model->begin();
+  model->sendTestNotification();
+  desktop.volume.current->free = 0;
+  desktop.advance(2min);
+  EXPECT_THAT(desktop.notifier.posted, IsEmpty());
+  EXPECT_EQ(desktop.notifier.requests, 0);
+}
+
+}  // namespace
+}  // namespace spacemint

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "Spacemint/desktop/Desktop.h"
+#include "support/TemporaryFolder.h"
+
+#include <QPointer>
+
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace spacemint::support {
+
+/// Time that passes when a test says so. Timers follow the time that passes; the date can also jump.
+class FakeClock final : public Clock {
+ public:
+  Date now() const override { return Date{passed_} + offset_; }
+  void after(std::chrono::milliseconds delay, QObject* context, Callback callback) override;
+  void every(const Repeating& timing, QObject* context, Callback callback) override;
+
+  void setDate(Date date) { offset_ = date - Date{passed_}; }
+  /// Lets the next timer ring that does within `rest`, and takes what passed until then from it; false when
+  /// there is none, and all of it passed.
+  bool ringNext(std::chrono::microseconds& rest);
+
+ private:
+  struct Timer {
+    QPointer<QObject> context;
+    Callback callback;
+    std::optional<std::chrono::microseconds> interval = {};
+  };
+
+  std::chrono::microseconds passed_{0};
+  std::chrono::microseconds offset_{0};
+  std::multimap<std::chrono::microseconds, Timer> timers_;
+};
+
+/// Tasks that run one after the other, on the test's own thread, when it says so.
+class FakeTasks final : public Tasks {
+ public:
+  void start(Task task) override { waiting_.push_back(std::move(task)); }
+  void post(Function function) override { posted_.push_back(std::move(function)); }
+
+  /// Tasks of this priority wait until they are released.
+  void hold(Priority priority) { held_.insert(priority); }
+  void release(Priority priority) { held_.erase(priority); }
+  /// Runs the work of the next held task, but does not tell that it is done.
+  void runHeldWork(Priority priority);
+  bool runNext();
+
+ private:
+  std::deque<Task> waiting_;
+  std::deque<Function> posted_;
+  std::set<Priority> held_;
+};
+
+class FakeNotifier final : public Notifier {
+ public:
+  void post(const Notification& notification) override { posted.push_back(notification); }
+  QFuture<bool> requestAuthorization() override {
+    ++requests;
+    return QtFuture::makeReadyFuture(allowed);
+  }
+  QFuture<bool> isAllowed() override { return QtFuture::makeReadyFuture(allowed); }
+
+  std::vector<Notification> posted;
+  int requests = 0;
+  bool allowed = true;
+};
+
+/// Keeps what is moved there in a folder of its own.
+class FakeTrash final : public TrashCan {
+ public:
+  std::expected<std::string, Error> move(const std::string& path) override;
+
+  TemporaryFolder folder;
+};
+
+class FakeOpener final : public Opener {
+ public:
+  void openUrl(const std::string& url) override { urls.push_back(url); }
+  void openSettings(SettingsPage page) override { pages.push_back(page); }
+  void reveal(const std::string& path) override { revealed.push_back(path); }
+
+  std::vector<std::string> urls;
+  std::vector<SettingsPage> pages;
+  std::vector<std::string> revealed;
+};
+
+/// Runs activities exactly at their intervals.
+class FakeScheduler final : public ActivityScheduler {
+ public:
+  explicit FakeScheduler(Clock& clock) : clock_(clock) {}
+  std::unique_ptr<Scheduled> schedule(const Activity& activity, Handler handler) override;
+
+  /// All that were ever scheduled.
+  std::vector<Activity> activities;
+  /// Runs that began, and those that are over.
+  int begun = 0;
+  int finished = 0;
+
+ private:
+  class Repeating;
+  Clock& clock_;
+};
+
+class FakeVolume final : public StartupVolume {
+ public:
+  std::optional<VolumeStatus> status() override {
+    ++readings;
+    return current;
+  }
+  bool mayHang() override { return hangs; }
+
+  std::optional<VolumeStatus> current = VolumeStatus{"Disk", 500 * 1'000'000'000LL, 100 * 1'000'000'000LL};
+  bool hangs = false;
+  int readings = 0;
+};
+
+/// A desktop whose time a test moves by hand, on one thread.
+class FakeDesktop {
+ public:
+  FakeClock clock;
+  FakeTasks tasks;
+  FakeNotifier notifier;
+  FakeTrash trash;
+  FakeOpener opener;
+  FakeScheduler scheduler{clock};
+  FakeVolume volume;
+
+  Desktop desktop() { return {clock, tasks, notifier, trash, opener, scheduler, volume}; }
+
+  /// Runs everything that can run without time passing.
+  void settle();
+  /// Lets time pass, and everything happen that happens in it.
+  void advance(std::chrono::microseconds time);
+};
+
+}  // namespace spacemint::support
