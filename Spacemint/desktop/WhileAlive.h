@@ -12,15 +12,15 @@ namespace spacemint {
 /// Ends a chain of continuations whose object is gone. Nobody catches it but the futures themselves.
 struct NoLongerAlive final : std::exception {};
 
-/// A function for `QFuture::then` that is called for as long as `context` is there; after that the rest of the
-/// chain is dropped. Where a context is given to `then` itself, Qt 6.4 stops the process in that case.
+/// A function for `QFuture::then` that is called for as long as `context` is there; after that the rest of
+/// the chain is dropped. Where a context is given to `then` itself, Qt 6.4 stops the process in that case.
 template <class Function>
 class WhileAlive {
  public:
   WhileAlive(QObject* context, Function function) : context_(context), function_(std::move(function)) {}
 
   template <class Argument>
-    requires std::invocable<Function&, Argument>
+  requires std::invocable<Function&, Argument>
   auto operator()(Argument&& argument) {
     if (!context_) throw NoLongerAlive{};
     return function_(std::forward<Argument>(argument));

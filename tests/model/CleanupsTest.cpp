@@ -39,7 +39,8 @@ class CleanupsTest : public ModelFixture {
     VolumeWatch volume{desktop.desktop()};
     ScanHistory history{store, desktop.tasks, messages};
     Remeasure remeasure{history, desktop.tasks, 0};
-    CleanupRuns runs{{.volume = volume, .remeasure = remeasure, .messages = messages}, desktop.desktop(), "en_US"};
+    CleanupRuns runs{
+        {.volume = volume, .remeasure = remeasure, .messages = messages}, desktop.desktop(), "en_US"};
     runs.perform({.id = id, .label = "Cleaned it", .estimate = estimate, .work = [&] {
                     if (desktop.volume.current) desktop.volume.current->free += freed;
                     return QtFuture::makeReadyFuture(failure);
@@ -86,13 +87,13 @@ TEST_F(CleanupsTest, asksBeforeItDestroys) {
       .path = inHome("b"), .name = "Ann's phone", .lastBackup = morning - 48h, .size = 3 * GB};
   const Case cases[]{
       {[&] { model->confirmTrash({.path = inHome("old.zip"), .size = 2 * GB}); },
-       {"Move to Trash?", "old.zip · 2 GB", "~/old.zip", "You can put it back from the Trash until you empty it.",
-        "Move to Trash"}},
+       {"Move to Trash?", "old.zip · 2 GB", "~/old.zip",
+        "You can put it back from the Trash until you empty it.", "Move to Trash"}},
       {[&] { model->confirmDelete(inHome("junk"), "junk", 40'000'000, "This removes it for good."); },
        {"Delete permanently?", "junk · 40 MB", "~/junk", "This removes it for good.", "Delete"}},
       {[&] { model->confirmEmptyTrash(); },
-       {"Empty the Trash?", "Everything in the Trash", "-", "Deletes everything for good, including hidden items.",
-        "Empty Trash"}},
+       {"Empty the Trash?", "Everything in the Trash", "-",
+        "Deletes everything for good, including hidden items.", "Empty Trash"}},
       {[&] { model->confirmDeleteBackup(backup); },
        {"Delete this backup?", "Ann's phone · 3 GB", "Last backed up 2 days ago",
         "You won't be able to restore Ann's phone from it anymore. Other backups stay.", "Delete backup"}},
@@ -116,9 +117,9 @@ TEST_F(CleanupsTest, asksBeforeItDestroys) {
   for (const Case& c : cases) {
     c.ask();
     const Confirmation& shown = asked();
-    EXPECT_THAT((std::vector{shown.title, shown.subject, shown.detail.value_or("-"), shown.note,
-                             shown.actionTitle}),
-                testing::ElementsAreArray(c.texts));
+    EXPECT_THAT(
+        (std::vector{shown.title, shown.subject, shown.detail.value_or("-"), shown.note, shown.actionTitle}),
+        testing::ElementsAreArray(c.texts));
     EXPECT_NE(shown.id, last);
     last = shown.id;
   }
@@ -272,7 +273,8 @@ TEST_F(CleanupsTest, hasTheFileManagerEmptyATrashItMayNotLookInto) {
   const Case cases[]{
       {"exit 0", 500 * MB, "Emptied the Trash."},
       {"exit 0", 5 * GB,
-       "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can remove "
+       "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
+       "remove "
        "them."},
       {"echo 'Not Authorized to send' >&2; exit 1", GB,
        "Allow Spacemint to control Finder so it can empty the Trash."},
@@ -336,8 +338,9 @@ TEST_F(CleanupsTest, followsTheTrashThatOthersFill) {
 
 TEST_F(CleanupsTest, removesWorktreesByGit) {
   const std::string git = "git -c init.defaultBranch=main -c user.name=a -c user.email=a@b.c -C ";
-  run("mkdir " + inHome("shop") + " && cd " + inHome("shop") + " && " + git + ". init -q && echo a > a && " + git +
-      ". add a && " + git + ". commit -qm a && " + git + ". worktree add -q " + inHome("wt") + " 2>/dev/null");
+  run("mkdir " + inHome("shop") + " && cd " + inHome("shop") + " && " + git + ". init -q && echo a > a && " +
+      git + ". add a && " + git + ". commit -qm a && " + git + ". worktree add -q " + inHome("wt") +
+      " 2>/dev/null");
   startModel();
   const auto worktree = GitWorktrees::inspect(inHome("wt"), GB);
   ASSERT_TRUE(worktree);
@@ -357,8 +360,8 @@ TEST_F(CleanupsTest, removesWorktreesByGit) {
   EXPECT_FALSE(exists("wt"));
   EXPECT_TRUE(exists("shop/a"));
 
-  EXPECT_EQ(noteWith({}), "Spacemint couldn't check it for uncommitted changes; git will stop if there are any. " +
-                              rest);
+  EXPECT_EQ(noteWith({}),
+            "Spacemint couldn't check it for uncommitted changes; git will stop if there are any. " + rest);
   confirm();
   desktop.advance(2s);
   EXPECT_THAT(message(), HasSubstr("is not a working tree"));
@@ -381,8 +384,8 @@ TEST_F(CleanupsTest, pointsAtTheLargestOldBackup) {
     nodes.push_back(support::folder(backup.name, {file("data", backup.size)}));
     fs::create_directories(inHome(place + backup.name));
     std::ofstream{inHome(place + backup.name + "/Info.plist")}
-        << R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Last Backup Date</key><date>)" << backup.date
-        << "</date></dict></plist>";
+        << R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Last Backup Date</key><date>)"
+        << backup.date << "</date></dict></plist>";
   }
   Node tree = support::folder("Backup", std::move(nodes));
   for (const char* above : {"MobileSync", "Application Support", "Library"}) {

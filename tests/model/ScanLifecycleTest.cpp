@@ -348,11 +348,10 @@ TEST(ScanTiming, expectsWhatTheLastScanFoundOrTheVolumeHolds) {
 TEST(ScanTiming, isStaleWhenOlderThanTheLimitOrOfAnotherFolder) {
   const Snapshot scan{.date = morning, .root = folder("/home", {})};
   const auto isStale = [](const Snapshot* snapshot, const char* root, Seconds age) {
-    return ScanTiming::isStale(
-        {.snapshot = snapshot,
-         .root = root,
-         .now = morning + std::chrono::duration_cast<std::chrono::microseconds>(age),
-         .olderThan = Seconds{3'600}});
+    return ScanTiming::isStale({.snapshot = snapshot,
+                                .root = root,
+                                .now = morning + std::chrono::duration_cast<std::chrono::microseconds>(age),
+                                .olderThan = Seconds{3'600}});
   };
   EXPECT_TRUE(isStale(nullptr, "/home", Seconds{0}));
   EXPECT_TRUE(isStale(&scan, "/", Seconds{0}));

@@ -171,10 +171,9 @@ TEST_F(SpaceWarningsTest, tellsWhetherNotificationsArrive) {
   desktop.settle();
   EXPECT_EQ(changes, 1);
   model->sendTestNotification();
-  EXPECT_THAT(desktop.notifier.posted,
-              testing::ElementsAre(Notification{
-                  .title = "Spacemint notifications work",
-                  .body = "You'll be warned when free space drops below 20 GB."}));
+  EXPECT_THAT(desktop.notifier.posted, testing::ElementsAre(Notification{
+                                           .title = "Spacemint notifications work",
+                                           .body = "You'll be warned when free space drops below 20 GB."}));
 }
 
 TEST_F(SpaceWarningsTest, staysSilentWhenItIsNotTheApplication) {

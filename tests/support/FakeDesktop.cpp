@@ -66,7 +66,9 @@ std::expected<std::string, Error> FakeTrash::move(const std::string& path) {
 class FakeScheduler::Repeating final : public QObject, public Scheduled {
  public:
   Repeating(FakeScheduler& scheduler, std::chrono::milliseconds interval, Handler handler)
-      : scheduler_(scheduler), interval_(interval), handler_(std::move(handler)) {
+      : scheduler_(scheduler),
+        interval_(interval),
+        handler_(std::move(handler)) {
     wait();
   }
 

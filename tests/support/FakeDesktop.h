@@ -59,7 +59,10 @@ class FakeTasks final : public Tasks {
 
 class FakeNotifier final : public Notifier {
  public:
-  void post(const Notification& notification) override { posted.push_back(notification); }
+  void post(const Notification& notification) override {
+    posted.push_back(notification);
+    if (onPost) onPost(notification);
+  }
   QFuture<bool> requestAuthorization() override {
     ++requests;
     return QtFuture::makeReadyFuture(allowed);
@@ -67,6 +70,7 @@ class FakeNotifier final : public Notifier {
   QFuture<bool> isAllowed() override { return QtFuture::makeReadyFuture(allowed); }
 
   std::vector<Notification> posted;
+  std::function<void(const Notification&)> onPost;
   int requests = 0;
   bool allowed = true;
 };

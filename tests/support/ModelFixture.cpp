@@ -19,20 +19,19 @@ ModelFixture::ModelFixture() {
 
 AppModel& ModelFixture::makeModel() {
   model.reset();
-  model = std::make_unique<AppModel>(
-      ModelHost{.defaults = defaults,
-                .store = store,
-                .journal = journal,
-                .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
-                .home = home,
-                .data = inHome(".local/share"),
-                .environment = {},
-                .disk = folder.path(),
-                .locale = "en_US",
-                .timeZone = "UTC",
-                .hasBundleIdentifier = isApplication,
-                .hasFullDiskAccess = [this] { return hasAccess; }},
-      desktop.desktop());
+  model = std::make_unique<AppModel>(ModelHost{.defaults = defaults,
+                                               .store = store,
+                                               .journal = journal,
+                                               .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
+                                               .home = home,
+                                               .data = inHome(".local/share"),
+                                               .environment = {},
+                                               .disk = folder.path(),
+                                               .locale = "en_US",
+                                               .timeZone = "UTC",
+                                               .hasBundleIdentifier = isApplication,
+                                               .hasFullDiskAccess = [this] { return hasAccess; }},
+                                     desktop.desktop());
   return *model;
 }
 
