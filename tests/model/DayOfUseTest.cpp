@@ -89,7 +89,7 @@ TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
           "16:00 message: Emptied the Trash.",   //
           "20:00 scan",
           "22:00 notification: Disk space is running low | Only 15 GB left on Disk. ~/Projects/more grew by "
-          "409.6 MB recently. Click to see what's using space.",
+          "410 MB recently. Click to see what's using space.",
           "22:00 scan", "26:00 scan", "32:00 scan"));
 
   std::vector<Date> stored;
