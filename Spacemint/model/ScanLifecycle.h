@@ -25,7 +25,7 @@ class ScanLifecycle : public QObject {
     /// Root of a scan of the whole disk.
     std::string disk;
     std::string timeZone;
-    EventJournal& journal;
+    ScanJournal& journal;
   };
 
   struct Parts {

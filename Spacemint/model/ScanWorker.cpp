@@ -24,19 +24,25 @@ auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
 
 ScanJob::Report ScanJob::run() const {
   const Date start = clock.now();
+  // Before the journal is asked: where nothing was recorded until now, this scan is what recording begins
+  // with.
+  const auto walk = journal.beginWalk(root);
   const ChangeLog log{journal};
-  const ScanPlan plan = ScanPlan::make(log, {.root = root,
-                                             .minNodeSize = minNodeSize,
-                                             .now = start,
-                                             .earlier = seed ? std::optional{*seed} : std::nullopt,
-                                             .timeout = journalTimeout});
+  ScanPlan plan = ScanPlan::make(log, {.root = root,
+                                       .minNodeSize = minNodeSize,
+                                       .now = start,
+                                       .earlier = seed ? std::optional{*seed} : std::nullopt,
+                                       .timeout = journalTimeout});
+  if (walk) plan.eventID = walk->eventID();
   auto result = DiskScanner::scan({.root = root,
                                    .minNodeSize = minNodeSize,
                                    .reuse = plan.reuse,
                                    .throttleIO = true,
                                    .shouldCancel = [this] { return flag->isSet(); },
-                                   .progress = throttled(progress)});
+                                   .progress = throttled(progress),
+                                   .listing = walk ? &walk->listing() : nullptr});
   if (flag->isSet()) return {};
+  if (walk && result) walk->finish();
   if (!result) return {.failure = "Couldn't scan " + Paths::display(root, home) + "."};
   return report(FinishedScan{.result = std::move(*result),
                              .plan = plan,

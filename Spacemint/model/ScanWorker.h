@@ -4,6 +4,7 @@
 #include "Spacemint/desktop/StartupVolume.h"
 #include "Spacemint/model/ScanHistory.h"
 #include "core/scan/DiskScanner.h"
+#include "core/scan/ScanJournal.h"
 
 #include <functional>
 #include <mutex>
@@ -12,8 +13,6 @@
 #include <vector>
 
 namespace spacemint {
-
-class EventJournal;
 
 /// Says to one scan that its result is not wanted any more; also what tells scans apart. Any thread.
 class CancelFlag {
@@ -42,7 +41,7 @@ struct ScanJob {
   SnapshotStore store;
   std::string home;
   std::string timeZone;
-  EventJournal& journal;
+  ScanJournal& journal;
   const Clock& clock;
   StartupVolume& volume;
   /// Told on the scan's thread, at most twice a second.

@@ -78,7 +78,8 @@ TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
       diary,
       ElementsAre(
           "08:03 scan",
-          "10:00 notification: Disk space is running low | Only 15 GB left on Disk. Click to see what's using "
+          "10:00 notification: Disk space is running low | Only 15 GB left on Disk. Click to see what's "
+          "using "
           "space.",
           "10:00 scan",
           "11:00 notification: Your disk is almost full | Only 9 GB left on Disk. Click to see what's using "

@@ -80,7 +80,7 @@ void ModelFixture::storeScan(Date date, Bytes size) const {
 Bytes ModelFixture::sizeInScan(std::string_view name) const {
   const SharedSnapshot& snapshot = model->history().snapshot();
   const Node* node = snapshot ? snapshot->nodeAt(inHome(name)) : nullptr;
-  return node != nullptr ? node->size : 0;
+  return node != nullptr ? node->size / MB * MB : 0;
 }
 
 }  // namespace spacemint::support

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Spacemint/model/AppModel.h"
-#include "core/host/EventJournal.h"
 #include "support/FakeDesktop.h"
 #include "support/TemporaryFolder.h"
 
@@ -17,8 +16,9 @@ inline constexpr Bytes GB = 1'000'000'000;
 inline constexpr Date morning{std::chrono::sys_days{std::chrono::year{2026} / 3 / 2} + 8h};
 
 /// Tells what a test tells it to tell.
-class FakeJournal final : public EventJournal {
+class FakeJournal final : public ScanJournal {
  public:
+  std::unique_ptr<RecordingWalk> beginWalk(const std::string&) override { return nullptr; }
   std::uint64_t currentEventID(const std::string&) override { return id; }
   std::expected<FolderChanges, JournalAbsence> changes(const Question& question) override {
     questions.push_back(question);
@@ -52,6 +52,7 @@ class ModelFixture : public testing::Test {
   void confirm() { model->performConfirmation(model->confirmations().current()->id); }
   /// Stores a scan of the home folder as one that was made at that time.
   void storeScan(Date date, Bytes size = 300 * MB) const;
+  /// In whole MB: a file system may need a block or two more to remember where a file lies.
   Bytes sizeInScan(std::string_view name) const;
 
   TemporaryFolder folder;
