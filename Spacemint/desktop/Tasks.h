@@ -59,10 +59,11 @@ class Tasks {
     auto result = std::make_shared<std::optional<Result>>();
     start({.priority = priority,
            .work = [result, work = std::move(work)]() mutable { result->emplace(work()); },
-           .done = [result, promise] {
-             promise->addResult(std::move(**result));
-             promise->finish();
-           }});
+           .done =
+               [result, promise] {
+                 promise->addResult(std::move(**result));
+                 promise->finish();
+               }});
     return future;
   }
 };
