@@ -1,0 +1,132 @@
+#include "Spacemint/desktop/linux/DBusNotifier.h"
+
+#include "support/FakeNotifications.h"
+#include "support/PrivateBus.h"
+#include "support/Waiting.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+
+namespace spacemint {
+namespace {
+
+using support::FakeNotifications;
+using support::PrivateBus;
+using support::waitUntil;
+
+class DBusNotifierTest : public testing::Test {
+ protected:
+  DBusNotifierTest() {
+    QObject::connect(&notifier, &Notifier::activated, &notifier, [this] { ++activations; });
+  }
+
+  void startService(const QStringList& capabilities = {}) { service.emplace(serviceBus, capabilities); }
+
+  bool arrived(std::size_t count) {
+    return waitUntil([&] { return service->shown.size() == count; }) && settled();
+  }
+
+  // Answers come in the order of the questions, so this one comes after all that was under way.
+  bool settled() { return ask() != std::nullopt; }
+
+  std::optional<bool> ask() {
+    std::optional<bool> answer;
+    notifier.isAllowed().then(&notifier, [&](bool isAllowed) { answer = isAllowed; });
+    waitUntil([&] { return answer.has_value(); });
+    return answer;
+  }
+
+  PrivateBus bus;
+  QDBusConnection serviceBus = bus.connection();
+  DBusNotifier notifier{bus.connection()};
+  std::optional<FakeNotifications> service;
+  int activations = 0;
+};
+
+TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
+  startService();
+  notifier.post({.title = "Low", .body = "a < b & c"});
+  notifier.post({.title = "Critical", .body = "Körper", .isCritical = true, .hasSound = true});
+  ASSERT_TRUE(arrived(2));
+  const auto& normal = service->shown[0];
+  EXPECT_EQ(normal.application, QStringLiteral("Spacemint"));
+  EXPECT_EQ(normal.icon, QStringLiteral("app.spacemint.Spacemint"));
+  EXPECT_EQ(normal.summary, QStringLiteral("Low"));
+  EXPECT_EQ(normal.body, QStringLiteral("a < b & c"));
+  EXPECT_EQ(normal.actions, (QStringList{QStringLiteral("default"), QStringLiteral("Open Spacemint")}));
+  EXPECT_EQ(normal.timeout, -1);
+  EXPECT_EQ(normal.hints.value(QStringLiteral("urgency")), QVariant::fromValue(uchar{1}));
+  EXPECT_EQ(normal.hints.value(QStringLiteral("desktop-entry")).toString(),
+            QStringLiteral("app.spacemint.Spacemint"));
+  EXPECT_FALSE(normal.hints.contains(QStringLiteral("sound-name")));
+  const auto& critical = service->shown[1];
+  EXPECT_EQ(critical.body, QStringLiteral("Körper"));
+  EXPECT_EQ(critical.hints.value(QStringLiteral("urgency")), QVariant::fromValue(uchar{2}));
+  EXPECT_TRUE(critical.hints.contains(QStringLiteral("sound-name")));
+}
+
+TEST_F(DBusNotifierTest, writesMarkupWhereTheServiceReadsIt) {
+  startService({QStringLiteral("body-markup")});
+  notifier.post({.title = "a < b", .body = "a < b & c"});
+  ASSERT_TRUE(arrived(1));
+  EXPECT_EQ(service->shown[0].summary, QStringLiteral("a < b"));
+  EXPECT_EQ(service->shown[0].body, QStringLiteral("a &lt; b &amp; c"));
+}
+
+TEST_F(DBusNotifierTest, tellsOfClicksOnItsOwn) {
+  startService();
+  notifier.post({.title = "Ours"});
+  ASSERT_TRUE(arrived(1));
+  const QString action = QStringLiteral("default");
+  Q_EMIT service->ActionInvoked(2, action);
+  Q_EMIT service->ActionInvoked(1, QStringLiteral("other"));
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 0);
+  Q_EMIT service->ActionInvoked(1, action);
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 1);
+  Q_EMIT service->NotificationClosed(1, 2);
+  Q_EMIT service->ActionInvoked(1, action);
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 1);
+}
+
+TEST_F(DBusNotifierTest, isNotAllowedWithoutAServiceAndComesBackWithOne) {
+  EXPECT_EQ(ask(), false);
+  notifier.post({.title = "Nobody sees this"});
+  startService();
+  EXPECT_EQ(ask(), true);
+  EXPECT_TRUE(service->shown.empty());
+  notifier.post({.title = "Somebody sees this"});
+  EXPECT_TRUE(arrived(1));
+}
+
+TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
+  startService();
+  notifier.post({.title = "Before"});
+  ASSERT_TRUE(arrived(1));
+  service.reset();
+  startService({QStringLiteral("body-markup")});
+  ASSERT_TRUE(settled());
+  Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 0);
+  notifier.post({.title = "After", .body = "<"});
+  ASSERT_TRUE(arrived(1));
+  EXPECT_EQ(service->shown[0].body, QStringLiteral("&lt;"));
+  Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 1);
+}
+
+TEST(DBusNotifier, doesNothingWithoutABus) {
+  DBusNotifier notifier{QDBusConnection{QStringLiteral("no such connection")}};
+  notifier.post({.title = "Nobody sees this"});
+  const auto allowed = notifier.requestAuthorization();
+  ASSERT_TRUE(waitUntil([&] { return allowed.isFinished(); }));
+  EXPECT_FALSE(allowed.result());
+}
+
+}  // namespace
+}  // namespace spacemint

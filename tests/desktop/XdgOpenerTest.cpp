@@ -1,0 +1,94 @@
+#include "Spacemint/desktop/linux/XdgOpener.h"
+
+#include "Spacemint/desktop/linux/SettingsPrograms.h"
+#include "support/FakeOpeners.h"
+#include "support/PrivateBus.h"
+#include "support/Waiting.h"
+
+#include <gmock/gmock.h>
+
+namespace spacemint {
+namespace {
+
+using support::FakeFileManager;
+using support::FakePortal;
+using support::PrivateBus;
+using support::waitUntil;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Page = Opener::SettingsPage;
+
+class XdgOpenerTest : public testing::Test {
+ protected:
+  PrivateBus bus;
+  QDBusConnection services = bus.connection();
+  std::vector<std::string> opened;
+  std::vector<SettingsProgram> started;
+  bool canStart = true;
+  XdgOpener opener{bus.connection(),
+                   {.help = "/usr/share/doc/help me.html",
+                    .surroundings = {.desktop = "ubuntu:GNOME"},
+                    .openByProgram = [this](const std::string& url) { opened.push_back(url); },
+                    .start =
+                        [this](const SettingsProgram& program) {
+                          started.push_back(program);
+                          return canStart;
+                        }}};
+};
+
+TEST_F(XdgOpenerTest, asksTheFileManagerToShowAFileOfAnyName) {
+  FakeFileManager manager(services);
+  opener.reveal("/home/ann/a b\xff#%");
+  ASSERT_TRUE(waitUntil([&] { return !manager.shown.empty(); }));
+  EXPECT_EQ(manager.shown, QStringList{QStringLiteral("file:///home/ann/a%20b%FF%23%25")});
+  EXPECT_THAT(opened, IsEmpty());
+}
+
+TEST_F(XdgOpenerTest, opensTheFolderWithoutSuchAFileManager) {
+  opener.reveal("/home/ann/a b/c");
+  ASSERT_TRUE(waitUntil([&] { return !opened.empty(); }));
+  EXPECT_THAT(opened, ElementsAre("file:///home/ann/a%20b"));
+}
+
+TEST_F(XdgOpenerTest, opensWebPagesByThePortalAndFilesByProgram) {
+  FakePortal portal(services);
+  opener.openUrl("https://example.org/?a=b");
+  opener.openUrl("file:///tmp/a");
+  ASSERT_TRUE(waitUntil([&] { return !portal.opened.empty(); }));
+  EXPECT_EQ(portal.opened, QStringList{QStringLiteral("https://example.org/?a=b")});
+  EXPECT_THAT(opened, ElementsAre("file:///tmp/a"));
+}
+
+TEST_F(XdgOpenerTest, opensWebPagesByProgramWithoutAPortal) {
+  opener.openUrl("https://example.org/");
+  ASSERT_TRUE(waitUntil([&] { return !opened.empty(); }));
+  EXPECT_THAT(opened, ElementsAre("https://example.org/"));
+}
+
+TEST_F(XdgOpenerTest, opensTheDesktopsSettingsElseTheHelp) {
+  opener.openSettings(Page::notifications);
+  EXPECT_THAT(started, ElementsAre(SettingsProgram{"gnome-control-center", {"notifications"}}));
+  EXPECT_THAT(opened, IsEmpty());
+  canStart = false;
+  opener.openSettings(Page::notifications);
+  opener.openSettings(Page::automation);
+  EXPECT_THAT(opened,
+              ElementsAre("file:///usr/share/doc/help%20me.html", "file:///usr/share/doc/help%20me.html"));
+}
+
+TEST(SettingsPrograms, areThoseOfTheDesktop) {
+  EXPECT_THAT(settingsPrograms(Page::notifications, {.desktop = "KDE"}),
+              ElementsAre(SettingsProgram{"systemsettings", {"kcm_notifications"}},
+                          SettingsProgram{"systemsettings5", {"kcm_notifications"}}));
+  EXPECT_THAT(settingsPrograms(Page::notifications, {.desktop = "XFCE"}),
+              ElementsAre(SettingsProgram{"xfce4-notifyd-config", {}}));
+  EXPECT_THAT(settingsPrograms(Page::notifications, {.desktop = "KDENLIVE"}), IsEmpty());
+  EXPECT_THAT(settingsPrograms(Page::fullDiskAccess, {.desktop = "GNOME"}), IsEmpty());
+  EXPECT_THAT(
+      settingsPrograms(Page::fullDiskAccess, {.desktop = "GNOME", .isSandboxed = true}),
+      ElementsAre(SettingsProgram{
+          "flatpak-spawn", {"--host", "gnome-control-center", "applications", "app.spacemint.Spacemint"}}));
+}
+
+}  // namespace
+}  // namespace spacemint

@@ -1,0 +1,237 @@
+// The trash with real files: what comes into it can be taken back, and whatever cannot stays where it was.
+
+#include "Spacemint/desktop/linux/XdgTrash.h"
+
+#include "core/base/Unicode.h"
+#include "support/OwnMounts.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <optional>
+
+namespace spacemint {
+namespace {
+
+namespace fs = std::filesystem;
+using support::canMount;
+using support::enterOwnMounts;
+using support::succeedsInChild;
+using support::TemporaryFolder;
+using testing::MatchesRegex;
+
+void write(const std::string& path, const std::string& text = "text") {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string read(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>{file}, {}};
+}
+
+bool standsAt(const std::string& path) {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(path, ignored));
+}
+
+int countIn(const std::string& folder) {
+  std::error_code ignored;
+  const fs::directory_iterator entries(folder, ignored);
+  return static_cast<int>(std::distance(begin(entries), end(entries)));
+}
+
+class XdgTrashTest : public testing::Test {
+ protected:
+  XdgTrashTest() {
+    fs::create_directory(home / "docs");
+    setenv("XDG_DATA_HOME", data.c_str(), 1);
+  }
+  ~XdgTrashTest() override { unsetenv("XDG_DATA_HOME"); }
+
+  // 0 for a success.
+  int failureOf(const std::string& path) {
+    const auto moved = trash.move(path);
+    return moved ? 0 : moved.error().code;
+  }
+
+  TemporaryFolder home;
+  // As the system spells it, for the noted paths are without links.
+  const std::string docs = fs::canonical(home.path()).string() + "/docs";
+  const std::string data = home / "data/share";
+  const std::string files = data + "/Trash/files/";
+  const std::string info = data + "/Trash/info/";
+  XdgTrash trash;
+};
+
+TEST_F(XdgTrashTest, movesAFileWithANoteOfWhereItWas) {
+  write(docs + "/a b%.txt");
+  EXPECT_EQ(trash.move(docs + "/a b%.txt"), files + "a b%.txt");
+  EXPECT_FALSE(standsAt(docs + "/a b%.txt"));
+  EXPECT_EQ(read(files + "a b%.txt"), "text");
+  EXPECT_THAT(read(info + "a b%.txt.trashinfo"),
+              MatchesRegex("\\[Trash Info\\]\nPath=" + docs +
+                           "/a%20b%25\\.txt\n"
+                           "DeletionDate=[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\n"));
+}
+
+TEST_F(XdgTrashTest, makesAPrivateTrash) {
+  write(docs + "/file");
+  ASSERT_EQ(failureOf(docs + "/file"), 0);
+  for (const auto& folder : {home / "data", data, data + "/Trash", files, info}) {
+    EXPECT_EQ(fs::status(folder).permissions(), fs::perms::owner_all) << folder;
+  }
+}
+
+TEST_F(XdgTrashTest, keepsThingsOfOneNameApart) {
+  fs::create_directories(files);
+  write(files + "same", "already there, without a note");
+  for (const char* text : {"first", "second"}) {
+    write(docs + "/same", text);
+    ASSERT_EQ(failureOf(docs + "/same"), 0);
+  }
+  EXPECT_EQ(read(files + "same"), "already there, without a note");
+  EXPECT_EQ(read(files + "same 2"), "first");
+  EXPECT_EQ(read(files + "same 3"), "second");
+  EXPECT_EQ(countIn(info), 2);
+}
+
+TEST_F(XdgTrashTest, movesFoldersAndLinksAsTheyAre) {
+  fs::create_directories(docs + "/folder/inner");
+  fs::create_directory_symlink(docs + "/folder", docs + "/link");
+  EXPECT_EQ(trash.move(docs + "/link/"), files + "link");
+  EXPECT_TRUE(fs::is_symlink(files + "link"));
+  EXPECT_TRUE(fs::exists(docs + "/folder/inner"));
+  EXPECT_EQ(trash.move(docs + "/folder"), files + "folder");
+  EXPECT_TRUE(fs::exists(files + "folder/inner"));
+}
+
+TEST_F(XdgTrashTest, takesEveryName) {
+  const std::string bytes = "\xff\xfe\n";
+  write(docs + "/" + bytes);
+  EXPECT_EQ(trash.move(docs + "/" + bytes), files + bytes);
+  EXPECT_THAT(read(info + bytes + ".trashinfo"), testing::HasSubstr("/docs/%FF%FE%0A\n"));
+
+  // As long as a name can be, in characters of two bytes: the note's name is longer by ten.
+  std::string longest = "x";
+  while (longest.size() < 255) longest += "ä";
+  for (int i = 0; i < 2; ++i) {
+    write(docs + "/" + longest);
+    const auto moved = trash.move(docs + "/" + longest);
+    ASSERT_TRUE(moved) << moved.error().message;
+    EXPECT_TRUE(isValidUtf8(*moved));
+    EXPECT_TRUE(standsAt(*moved));
+  }
+}
+
+TEST_F(XdgTrashTest, refusesWhatIsNoItem) {
+  for (const char* path : {"", "docs", "/", "//", "/.", "/..", "/tmp/.", "/tmp/.."}) {
+    EXPECT_EQ(failureOf(path), EINVAL) << path;
+  }
+  EXPECT_EQ(failureOf(docs + "/missing"), ENOENT);
+  EXPECT_EQ(failureOf(docs + "/missing/missing"), ENOENT);
+  EXPECT_EQ(failureOf("/proc"), EBUSY);
+}
+
+TEST_F(XdgTrashTest, refusesItselfAndWhatIsAroundItAndInIt) {
+  write(docs + "/file");
+  ASSERT_EQ(failureOf(docs + "/file"), 0);
+  fs::create_directory_symlink(data, docs + "/way");
+  for (const auto& path :
+       {home / "data", data, data + "/Trash", files, files + "file", docs + "/way/Trash"}) {
+    EXPECT_EQ(failureOf(path), EINVAL) << path;
+  }
+  EXPECT_TRUE(standsAt(files + "file"));
+}
+
+TEST_F(XdgTrashTest, leavesNothingBehindWhereItFails) {
+  if (!succeedsInChild(support::becomeNobody)) GTEST_SKIP() << "cannot become another user";
+  write(docs + "/file");
+  fs::permissions(home.path(), fs::perms::all);
+  fs::permissions(docs, fs::perms::all & ~fs::perms::group_write & ~fs::perms::others_write);
+  if (geteuid() != 0) fs::permissions(docs, fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_TRUE(succeedsInChild([&] {
+    // A folder that may not be changed lets nothing go.
+    return support::becomeNobody() && failureOf(docs + "/file") == EACCES && countIn(info) == 0;
+  }));
+  EXPECT_TRUE(standsAt(docs + "/file"));
+  fs::permissions(docs, fs::perms::owner_all);
+}
+
+// A volume of its own at "volume" in the home folder.
+class XdgTrashOnVolumeTest : public XdgTrashTest {
+ protected:
+  XdgTrashOnVolumeTest() { fs::create_directory(volume); }
+
+  void SetUp() override {
+    if (!canMount()) GTEST_SKIP() << "no mounts of our own here";
+  }
+
+  bool mountVolume() const {
+    return enterOwnMounts() && mount("none", volume.c_str(), "tmpfs", 0, nullptr) == 0;
+  }
+
+  // Where the file "folder/file" of the volume went.
+  std::optional<std::string> moveFile() {
+    fs::create_directory(volume + "/folder");
+    write(volume + "/folder/file");
+    const auto moved = trash.move(volume + "/folder/file");
+    if (!moved || read(*moved) != "text" || standsAt(volume + "/folder/file")) return std::nullopt;
+    return moved->substr(volume.size());
+  }
+
+  const std::string volume = fs::canonical(home.path()).string() + "/volume";
+};
+
+TEST_F(XdgTrashOnVolumeTest, usesTheTrashOfTheVolume) {
+  EXPECT_TRUE(succeedsInChild([&] {
+    if (!mountVolume()) return false;
+    const std::string own = "/.Trash-" + std::to_string(geteuid());
+    return moveFile() == own + "/files/file" &&
+           read(volume + own + "/info/file.trashinfo").find("\nPath=folder/file\n") != std::string::npos &&
+           fs::status(volume + own).permissions() == fs::perms::owner_all && !standsAt(data) &&
+           failureOf(volume + own) == EINVAL && failureOf(volume) == EBUSY;
+  }));
+}
+
+TEST_F(XdgTrashOnVolumeTest, prefersTheAdministratorsTrashWhereItIsSafe) {
+  EXPECT_TRUE(succeedsInChild([&] {
+    if (!mountVolume()) return false;
+    const std::string own = std::to_string(geteuid());
+    mkdir((volume + "/.Trash").c_str(), 0777);
+    const bool isUnsafeRefused = moveFile() == "/.Trash-" + own + "/files/file";
+    chmod((volume + "/.Trash").c_str(), 01777);
+    return isUnsafeRefused && moveFile() == "/.Trash/" + own + "/files/file";
+  }));
+}
+
+TEST_F(XdgTrashOnVolumeTest, followsNoLinkToAnotherPlace) {
+  EXPECT_TRUE(succeedsInChild([&] {
+    if (!mountVolume()) return false;
+    mkdir((volume + "/elsewhere").c_str(), 01777);
+    fs::create_directory_symlink(volume + "/elsewhere", volume + "/.Trash");
+    const std::string own = "/.Trash-" + std::to_string(geteuid());
+    const bool isLinkRefused = moveFile() == own + "/files/file";
+    fs::remove_all(volume + own);
+    fs::create_directory_symlink(volume + "/elsewhere", volume + own);
+    write(volume + "/kept");
+    return isLinkRefused && failureOf(volume + "/kept") != 0 && standsAt(volume + "/kept") &&
+           fs::is_empty(volume + "/elsewhere");
+  }));
+}
+
+TEST_F(XdgTrashOnVolumeTest, tellsTwoMountsOfOneFileSystemApart) {
+  EXPECT_TRUE(succeedsInChild([&] {
+    if (!enterOwnMounts() || mount(docs.c_str(), volume.c_str(), nullptr, MS_BIND, nullptr) != 0)
+      return false;
+    write(volume + "/file");
+    return trash.move(volume + "/file") == volume + "/.Trash-" + std::to_string(geteuid()) + "/files/file";
+  }));
+}
+
+}  // namespace
+}  // namespace spacemint
