@@ -37,7 +37,8 @@ struct CleanStep {
 /// does not change.
 struct CleanPlan {
   std::string question;
-  std::string note;
+  /// What will happen, a line each.
+  std::vector<std::string> notes;
   std::vector<CleanStep> steps = {};
   /// The paths to measure again in the stored scan.
   std::vector<std::string> touched = {};

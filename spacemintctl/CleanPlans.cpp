@@ -100,7 +100,7 @@ std::expected<CleanPlan, Error> planPath(const std::string& path, const CleanCon
   auto step = deleteStep(path, context);
   if (!step) return std::unexpected(step.error());
   return CleanPlan{.question = std::string{CleanupText::deleteQuestion},
-                   .note = std::string{CleanupText::deleteNote},
+                   .notes = {std::string{CleanupText::deleteNote}},
                    .steps = {std::move(*step)},
                    .touched = {path}};
 }
@@ -117,7 +117,7 @@ std::expected<CleanPlan, Error> planBackup(const std::string& path, const CleanC
   if (!step) return std::unexpected(step.error());
   step->label = "Deleted the backup of " + found->name;
   return CleanPlan{.question = std::string{CleanupText::deleteBackupQuestion},
-                   .note = CleanupText::backupNote(found->name),
+                   .notes = {CleanupText::backupNote(found->name)},
                    .steps = {std::move(*step)},
                    .touched = {found->path}};
 }
@@ -133,6 +133,8 @@ std::expected<CleanPlan, Error> planWorktree(const std::string& given, const Cle
   const auto changes = worktree->isOrphaned ? std::nullopt : uncommittedChanges(path, context.shell);
   const auto removal = Cleanup::worktreeRemoval(*worktree, changes);
   if (const auto* run = std::get_if<Cleanup::RunGit>(&removal)) {
+    const auto unmounted = admitted(Cleanup::mountRefusal(path, context.guard));
+    if (!unmounted) return std::unexpected(unmounted.error());
     CleanStep command = commandStep(git, run->arguments, context);
     command.path = step->path;
     command.size = step->size;
@@ -140,14 +142,14 @@ std::expected<CleanPlan, Error> planWorktree(const std::string& given, const Cle
   }
   step->label = "Removed " + worktree->name();
   return CleanPlan{.question = std::string{CleanupText::removeWorktreeQuestion},
-                   .note = CleanupText::worktreeNote(*worktree, changes),
+                   .notes = {CleanupText::worktreeNote(*worktree, changes)},
                    .steps = {std::move(*step)},
                    .touched = {path}};
 }
 
 std::expected<CleanPlan, Error> planTrash(const CleanContext& context) {
   CleanPlan plan{.question = std::string{CleanupText::emptyTrashQuestion},
-                 .note = std::string{CleanupText::emptyTrashNote},
+                 .notes = {std::string{CleanupText::emptyTrashNote}},
                  .isTrash = true,
                  .nothingToDo = "There is no Trash."};
   for (const std::string& folder : trashFolders(context)) {
@@ -177,8 +179,8 @@ std::expected<CleanPlan, Error> planCaches(const std::vector<std::string>& ids, 
       continue;
     }
     if (caches->size() == 1) plan.question = "Clean up " + title + "?";
-    plan.note += (plan.note.empty() ? "" : "\n") + title + ": " +
-                 CleanupText::cacheNote(*found.target, Paths::display(found.path, context.wording.home));
+    const std::string shownPath = Paths::display(found.path, context.wording.home);
+    plan.notes.push_back(title + ": " + CleanupText::cacheNote(*found.target, shownPath));
     plan.touched.push_back(found.path);
     plan.steps.push_back(std::move(*step));
   }

@@ -47,7 +47,8 @@ std::string planText(const CleanPlan& plan, const Wording& wording) {
       table.add({ByteFormat::string(part.size, wording.locale), "", "  " + printable(part.name)});
     }
   }
-  std::string text = plan.question + '\n' + table.text() + printable(plan.note) + '\n';
+  std::string text = plan.question + '\n' + table.text();
+  for (const std::string& note : plan.notes) text += printable(note) + '\n';
   for (const std::string& line : plan.leftOut) text += "Left out: " + printable(line) + '\n';
   return text;
 }

@@ -43,7 +43,7 @@ bool isDigit(char character) {
 
 // Takes the number that `text` begins with, without leading zeros.
 std::string_view takeNumber(std::string_view& text) {
-  const std::size_t length = static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
+  const auto length = static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
   std::string_view number = text.substr(0, length);
   text.remove_prefix(length);
   number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
@@ -104,6 +104,7 @@ std::vector<std::string> systemPath(const std::string& root) {
 
 std::vector<std::string> programPath(const ProgramPlaces& places) {
   std::vector<std::string> path;
+  path.reserve(toolFolders.size());
   for (const auto folder : toolFolders) path.push_back(located(folder, places.home));
   const std::string nodes = places.home + "/.nvm/versions/node";
   auto versions = namesIn(nodes);

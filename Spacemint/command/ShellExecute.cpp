@@ -66,6 +66,7 @@ WordList wordsOf(const Shell::Execution& execution) {
 
 WordList variablesOf(const Shell::Execution& execution) {
   std::vector<std::string> words;
+  words.reserve(execution.environment.size());
   for (const auto& [name, value] : execution.environment) words.push_back(name + "=" + value);
   return WordList{std::move(words)};
 }

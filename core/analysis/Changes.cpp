@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <ranges>
 #include <unordered_map>
 
 namespace spacemint {
@@ -90,10 +91,10 @@ std::vector<Growth> Changes::growth(const GrowthArguments& arguments) {
       continue;
     }
     // Last first, so that they are taken in stored order.
-    for (auto child = children.rbegin(); child != children.rend(); ++child) {
-      if (child->delta < arguments.minimum) continue;
-      child->path = Paths::join(pair.path, child->node->name);
-      pending.push_back(std::move(*child));
+    for (Pair& child : children | std::views::reverse) {
+      if (child.delta < arguments.minimum) continue;
+      child.path = Paths::join(pair.path, child.node->name);
+      pending.push_back(std::move(child));
     }
   }
   std::ranges::stable_sort(found, std::greater{}, &Growth::delta);

@@ -101,6 +101,13 @@ std::optional<CleanupFailure> Cleanup::emptyCache(const DeleteContents& argument
   return deleteContents(arguments);
 }
 
+std::optional<CleanupFailure> Cleanup::mountRefusal(const std::string& folder, const DeletionGuard& guard) {
+  const auto mount = mountedIn(folder);
+  if (!mount) return std::nullopt;
+  return CleanupFailure::refused(reasoned(
+      guard, folder, "has something else mounted in it, at " + Paths::display(*mount, guard.home())));
+}
+
 Cleanup::WorktreeRemoval Cleanup::worktreeRemoval(const GitWorktree& worktree,
                                                   std::optional<int> uncommittedChanges) {
   if (!worktree.repositoryPath || worktree.isOrphaned) return DeleteFolder{worktree.path};

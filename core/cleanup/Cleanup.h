@@ -63,6 +63,10 @@ std::optional<CleanupFailure> deleteContents(const DeleteContents& arguments);
 /// The same for a folder that could as well be removed itself: in the home folder, not protected, no link.
 std::optional<CleanupFailure> emptyCache(const DeleteContents& arguments);
 
+/// Why no other program may be let remove a folder: something is mounted in it, and it is not known to stop
+/// there, as git does not. Absent when nothing is.
+std::optional<CleanupFailure> mountRefusal(const std::string& folder, const DeletionGuard& guard);
+
 /// How a git worktree is to be removed.
 struct RunGit {
   std::vector<std::string> arguments;

@@ -22,6 +22,9 @@ struct FileIdentity {
 /// The identity of what stands at `path` itself; of a link, not of what it names.
 std::expected<FileIdentity, Error> fileIdentity(const std::string& path);
 
+/// Where something is mounted in a folder or on it; absent where nothing is known to be.
+std::optional<std::string> mountedIn(const std::string& folder);
+
 /// One item that somebody decided to remove, and what must still hold when that happens.
 struct RemovalTarget {
   /// Absolute and without "..".

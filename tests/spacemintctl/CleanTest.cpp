@@ -1,6 +1,7 @@
 // "spacemintctl clean" as a person runs it: what it shows, what it asks, and what is left on the disk.
 
 #include "core/history/SnapshotStore.h"
+#include "support/OwnMounts.h"
 #include "support/Program.h"
 
 #include <gmock/gmock.h>
@@ -49,6 +50,12 @@ class CleanTest : public testing::Test {
   static std::string read(const std::string& path) {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>{file}, {}};
+  }
+
+  static bool git(const std::string& arguments) {
+    const std::string command =
+        "HOME=/ git -c user.name=Ann -c user.email=ann@example.org " + arguments + " 2>/dev/null";
+    return std::system(command.c_str()) == 0;
   }
 
   void scan() const { ASSERT_EQ(program.run({"scan", "-q", "--min-size", "1000000"}).exitCode, 0); }
@@ -194,7 +201,8 @@ TEST_F(CleanTest, cleansCachesByTheirToolsOrByEmptyingThem) {
   EXPECT_THAT(shown.out,
               AllOf(HasSubstr("Clean up 2 caches?"), HasSubstr("empty  ~/.gradle/caches"),
                     HasSubstr("run    " + at(".local/bin/npm") + " cache clean --force  for ~/.npm/_cacache"),
-                    HasSubstr("Gradle caches: Permanently deletes everything inside ~/.gradle/caches. "),
+                    HasSubstr("\nGradle caches: Permanently deletes everything inside ~/.gradle/caches. "),
+                    HasSubstr("\nnpm cache: Runs `npm cache clean --force`. Downloaded again on demand\n"),
                     Not(HasSubstr("cargo"))));
   const Outcome outcome = clean({"caches", "-y"});
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
@@ -263,11 +271,6 @@ TEST_F(CleanTest, deletesOneBackupAndNoOther) {
 }
 
 TEST_F(CleanTest, removesAWorktreeByGitAndAnOrphanByItself) {
-  const auto git = [&](const std::string& arguments) {
-    const std::string command =
-        "HOME=/ git -c user.name=Ann -c user.email=ann@example.org " + arguments + " 2>/dev/null";
-    return std::system(command.c_str()) == 0;
-  };
   const std::string repository = at("app");
   ASSERT_TRUE(git("init -q " + repository) && git("-C " + repository + " commit -q --allow-empty -m first"));
   ASSERT_TRUE(git("-C " + repository + " worktree add -q ../fix") &&
@@ -287,6 +290,24 @@ TEST_F(CleanTest, removesAWorktreeByGitAndAnOrphanByItself) {
   EXPECT_FALSE(fs::exists(at("old")));
   fs::create_directories(at("plain"));
   EXPECT_THAT(clean({"worktree", at("plain"), "-y"}).err, HasSubstr("no git worktree"));
+}
+
+TEST_F(CleanTest, letsGitRemoveNoWorktreeInWhichSomethingIsMounted) {
+  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  const TemporaryFolder outside;
+  std::ofstream(outside / "treasure");
+  const std::string repository = at("app");
+  ASSERT_TRUE(git("init -q " + repository) && git("-C " + repository + " commit -q --allow-empty -m first") &&
+              git("-C " + repository + " worktree add -q ../fix"));
+  fs::create_directory(at("fix/place"));
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::enterOwnMounts()) return false;
+    if (mount(outside.path().c_str(), at("fix/place").c_str(), nullptr, MS_BIND, nullptr) != 0) return false;
+    const Outcome outcome = clean({"worktree", at("fix"), "-y"});
+    return outcome.exitCode == 1 &&
+           outcome.err == "spacemintctl: ~/fix has something else mounted in it, at ~/fix/place\n";
+  }));
+  EXPECT_TRUE(fs::exists(outside / "treasure"));
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t bufferSize = 262'144;
 
-Error mountedIn(const std::string& path, const std::string& mountPoint) {
+Error crossesMount(const std::string& path, const std::string& mountPoint) {
   Error error = systemError(path, EXDEV);
   error.message = path + ": something else is mounted at " + mountPoint;
   return error;
@@ -44,18 +44,19 @@ std::expected<Item, Error> hold(const FileHandle& parent, const std::string& nam
   if (!facts || !parentFacts) {
     return std::unexpected(systemError(path, facts ? parentFacts.error() : facts.error()));
   }
-  if (facts->mounted != parentFacts->mounted) return std::unexpected(mountedIn(path, path));
+  if (facts->mounted != parentFacts->mounted) return std::unexpected(crossesMount(path, path));
   return Item{std::move(handle), *facts};
 }
 
-// Where something is mounted below a folder, as the table of mounts tells it. Asked before anything is
+// Where something is mounted in a folder or on it, as the table of mounts tells it. Asked before anything is
 // removed; what the table does not tell is noticed on the way, on the handle of each folder.
-std::optional<std::string> mountBelow(const FileHandle& folder) {
+std::optional<std::string> mountIn(const FileHandle& folder) {
   const std::string path = realPathOf(folder);
   if (path.empty()) return std::nullopt;
   const auto mounts = currentMounts();
-  const auto found = std::ranges::find_if(
-      mounts, [&](const Mount& mount) { return mount.mountPoint.starts_with(path + "/"); });
+  const auto found = std::ranges::find_if(mounts, [&](const Mount& mount) {
+    return mount.mountPoint == path || mount.mountPoint.starts_with(path + "/");
+  });
   if (found == mounts.end()) return std::nullopt;
   return found->mountPoint;
 }
@@ -96,10 +97,10 @@ std::expected<void, Error> removeFolder(const FileHandle& parent, const std::str
 
 class LinuxOpened final : public OpenedForRemoval {
  public:
-  LinuxOpened(FileHandle handle, std::string path, bool hasMountsBelow)
+  LinuxOpened(FileHandle handle, std::string path, bool hasMounts)
       : handle_(std::move(handle)),
         path_(std::move(path)),
-        hasMountsBelow_(hasMountsBelow) {}
+        hasMounts_(hasMounts) {}
 
   std::expected<std::vector<std::string>, Error> nextNames() override {
     std::vector<std::string> names;
@@ -125,8 +126,8 @@ class LinuxOpened final : public OpenedForRemoval {
     const auto item = hold(handle_, name, path);
     if (!item) return item.error().isSystem(ENOENT) ? Done{} : std::unexpected(item.error());
     if (!S_ISDIR(item->facts.mode)) return std::unexpected(changed(path));
-    const auto mount = hasMountsBelow_ ? mountBelow(item->handle) : std::nullopt;
-    if (mount) return std::unexpected(mountedIn(path, *mount));
+    const auto mount = hasMounts_ ? mountIn(item->handle) : std::nullopt;
+    if (mount) return std::unexpected(crossesMount(path, *mount));
     return removeFolder(handle_, name, path, *item);
   }
 
@@ -135,7 +136,7 @@ class LinuxOpened final : public OpenedForRemoval {
 
   FileHandle handle_;
   std::string path_;
-  bool hasMountsBelow_;
+  bool hasMounts_;
   std::unique_ptr<std::byte[]> buffer_ = std::make_unique_for_overwrite<std::byte[]>(bufferSize);
 };
 
@@ -164,7 +165,7 @@ class LinuxRemoval final : public Removal {
     if (!held) return std::unexpected(held.error());
     const auto& [place, item] = *held;
     if (!S_ISDIR(item.facts.mode)) return removeFile(place.parent, place.name, target.path);
-    if (const auto mount = mountBelow(item.handle)) return std::unexpected(mountedIn(target.path, *mount));
+    if (const auto mount = mountIn(item.handle)) return std::unexpected(crossesMount(target.path, *mount));
     return removeFolder(place.parent, place.name, target.path, item);
   }
 
@@ -173,8 +174,8 @@ class LinuxRemoval final : public Removal {
     if (!held) return std::unexpected(held.error());
     FileHandle opened{openat(held->item.handle.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
     if (!opened) return std::unexpected(systemError(folder.path, errno));
-    const bool hasMountsBelow = mountBelow(opened).has_value();
-    return std::make_unique<LinuxOpened>(std::move(opened), folder.path, hasMountsBelow);
+    const bool hasMounts = mountIn(opened).has_value();
+    return std::make_unique<LinuxOpened>(std::move(opened), folder.path, hasMounts);
   }
 };
 
@@ -184,6 +185,11 @@ std::expected<FileIdentity, Error> fileIdentity(const std::string& path) {
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0) return std::unexpected(systemError(path, errno));
   return FileIdentity{status.st_dev, status.st_ino};
+}
+
+std::optional<std::string> mountedIn(const std::string& folder) {
+  const FileHandle handle{open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
+  return handle ? mountIn(handle) : std::nullopt;
 }
 
 std::unique_ptr<Removal> hostRemoval() {

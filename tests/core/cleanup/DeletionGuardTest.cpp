@@ -57,14 +57,47 @@ TEST(DeletionGuard, decidesByTheTextOfThePath) {
   for (const auto& [path, reason] : cases) EXPECT_EQ(check(path), reason) << path.substr(0, 100);
 }
 
-TEST(DeletionGuard, protectsEveryFolderOfItsTablesWhereverTheHomeFolderIs) {
-  for (const auto folder : DeletionGuard::protectedFolders) {
-    EXPECT_EQ(DeletionGuard{"/home/ann"}.check({std::string{folder}, true, true}), isProtected) << folder;
+// Written down once more here, so that none is lost unnoticed.
+const char* const mustStay[]{"/",        "/System",  "/Library",
+                             "/Users",   "/private", "/Applications",
+                             "/Volumes", "/usr",     "/System/Volumes/Data",
+                             "/bin",     "/sbin",    "/etc",
+                             "/var",     "/tmp",     "/opt",
+                             "/home",    "/root",    "/boot",
+                             "/dev",     "/proc",    "/sys",
+                             "/run",     "/srv",     "/mnt",
+                             "/media",   "/lib",     "/lib64"};
+const char* const mustStayInHome[]{"",
+                                   "/Library",
+                                   "/Desktop",
+                                   "/Documents",
+                                   "/Downloads",
+                                   "/Movies",
+                                   "/Music",
+                                   "/Pictures",
+                                   "/Library/Application Support",
+                                   "/Library/Caches",
+                                   "/Library/Containers",
+                                   "/.Trash",
+                                   "/.config",
+                                   "/.local",
+                                   "/.local/share",
+                                   "/.local/share/Trash",
+                                   "/.cache",
+                                   "/.ssh",
+                                   "/.gnupg",
+                                   "/Videos",
+                                   "/Public",
+                                   "/Templates"};
+
+TEST(DeletionGuard, protectsTheFoldersOfTheSystemAndOfTheUserWhereverTheHomeFolderIs) {
+  for (const char* folder : mustStay) {
+    EXPECT_EQ(DeletionGuard{"/data/ann"}.check({folder, true, true}), isProtected) << folder;
   }
   const char* spellings[]{"/home/ann", "/home/ann/", "/System/Volumes/Data/home/ann"};
   for (const char* home : spellings) {
-    for (const auto folder : DeletionGuard::protectedInHome) {
-      const std::string path = "/home/ann" + (folder.empty() ? "" : "/" + std::string{folder});
+    for (const std::string folder : mustStayInHome) {
+      const std::string path = "/home/ann" + folder;
       EXPECT_EQ(DeletionGuard{home}.check({path, true, true}), isProtected) << home << " " << path;
     }
     EXPECT_EQ(check("/home/ann/x", home), allowed) << home;
