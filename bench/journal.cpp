@@ -245,7 +245,7 @@ int main(int argc, char** argv) {
   if (geteuid() == 0) bench.setUp(true);
   bench.memory();
   bench.idle();
-  for (const Bytes minNodeSize : {0, 300'000, 20'000'000}) bench.rescan(minNodeSize);
+  for (const Bytes minNodeSize : {0, 100'000, 20'000'000}) bench.rescan(minNodeSize);
   bench.storm();
   bench.recorder.reset();
   fs::remove_all(folder);
