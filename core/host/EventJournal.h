@@ -24,7 +24,7 @@ enum class JournalAbsence : std::uint8_t {
   failed,
 };
 
-/// The reason in words, to follow "because": "no recorder is running", for instance.
+/// The reason in words, to follow "because": "the recorder lost events", for instance.
 std::string_view textOf(JournalAbsence reason);
 
 /// Folders by their full paths, each under the root that was asked for.

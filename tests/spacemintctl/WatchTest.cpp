@@ -1,12 +1,15 @@
 // Recording and rescanning as a person runs them, in two processes.
 
 #include "core/history/SnapshotStore.h"
+#include "support/ChildProcess.h"
+#include "support/OwnLimits.h"
 #include "support/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 
@@ -67,7 +70,9 @@ TEST_F(WatchTest, aScanAfterARecordedOneTakesOverWhatHasNotChanged) {
   EXPECT_EQ(rescan.nodeAt(program.home() / "Music")->size, 81'920);
   EXPECT_EQ(*rescan.nodeAt(program.home() / "Code"), *full.nodeAt(program.home() / "Code"));
   EXPECT_EQ(watch.end(SIGTERM), 0);
-  EXPECT_FALSE(fs::exists(program.home() / "run/spacemint/journal.sock"));
+  for (const auto& left : fs::directory_iterator(program.home() / "run/spacemint")) {
+    EXPECT_EQ(left.path().extension(), ".lock") << left.path();
+  }
 }
 
 TEST_F(WatchTest, aRecorderThatWasKilledIsFollowedByOneThatKnowsNothingOfItsTime) {
@@ -95,6 +100,39 @@ TEST_F(WatchTest, thereIsOneRecorderOfAFolder) {
   EXPECT_EQ(other.end(SIGINT), 0);
   EXPECT_EQ(program.run({"watch", program.home() / "none"}).err,
             "spacemintctl: " + (program.home() / "none") + ": No such file or directory\n");
+}
+
+TEST_F(WatchTest, aClockThatWasSetBackMakesAFullScan) {
+  auto watch = program.begin({"watch"});
+  ASSERT_THAT(watch.line(), HasSubstr("Recording"));
+  scan();
+  ASSERT_THAT(scan({"--no-save"}), HasSubstr("A rescan:"));
+  const SnapshotStore store{.directory = program.home() / ".local/share/Spacemint/Snapshots"};
+  Snapshot ofTomorrow = newest();
+  ofTomorrow.date += std::chrono::days{1};
+  *ofTomorrow.fullScanDate += std::chrono::days{1};
+  ASSERT_TRUE(store.save(ofTomorrow));
+  EXPECT_THAT(scan({"--no-save"}),
+              HasSubstr("A full scan, because the last full scan has a date to come.\n"));
+}
+
+TEST_F(WatchTest, saysOnceHowMoreFoldersCanBeWatched) {
+  if (!support::succeedsInChild([] { return support::setOwnLimit("max_inotify_watches", 4); })) {
+    GTEST_SKIP() << "no user namespace to be had here";
+  }
+  const std::string said = program.home() / "said";
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::setOwnLimit("max_inotify_watches", 4)) return false;
+    if (std::freopen(said.c_str(), "w", stderr) == nullptr) return false;
+    auto watch = program.begin({"watch"});
+    return watch.line().ends_with(": 4 folders watched") && scan() != "" &&
+           scan({"--no-save"}).contains("A rescan:") && watch.end(SIGTERM) == 0;
+  }));
+  std::ifstream file(said);
+  std::string line;
+  std::getline(file, line);
+  EXPECT_THAT(line, HasSubstr(R"(as an administrator, "sysctl fs.inotify.max_user_watches=)"));
+  EXPECT_FALSE(std::getline(file, line)) << line;
 }
 
 }  // namespace

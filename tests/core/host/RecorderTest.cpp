@@ -7,6 +7,7 @@
 #include "core/scan/DiskScanner.h"
 #include "core/scan/ReadAheadListing.h"
 #include "support/ChildProcess.h"
+#include "support/OwnLimits.h"
 #include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
@@ -230,28 +231,18 @@ TEST_F(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
   EXPECT_FALSE(trees().empty());
 }
 
-// As root of a user namespace, whose limits bind nobody else.
-bool setOwnLimit(const char* name, int value) {
-  const std::string user = std::to_string(geteuid());
-  if (unshare(CLONE_NEWUSER) != 0) return false;
-  std::ofstream("/proc/self/uid_map") << "0 " + user + " 1";
-  std::ofstream limit(std::string{"/proc/sys/user/"} + name);
-  limit << value;
-  return static_cast<bool>(limit.flush());
-}
-
 TEST_F(RecorderTest, livesWithTheLimitsOfTheSystem) {
-  if (!support::succeedsInChild([] { return setOwnLimit("max_inotify_watches", 4); })) {
+  if (!support::succeedsInChild([] { return support::setOwnLimit("max_inotify_watches", 4); })) {
     GTEST_SKIP() << "no user namespace to be had here";
   }
   for (int i = 0; i < 10; ++i) fs::create_directories(root + "/" + std::to_string(i) + "/below");
   EXPECT_TRUE(support::succeedsInChild([&] {
-    if (!setOwnLimit("max_inotify_watches", 4)) return false;
+    if (!support::setOwnLimit("max_inotify_watches", 4)) return false;
     start();
     return recorder->status().watches == 4 && !recorder->status().limitAdvice.empty() && trees().size() >= 6;
   }));
   EXPECT_TRUE(support::succeedsInChild([&] {
-    if (!setOwnLimit("max_inotify_instances", 0)) return false;
+    if (!support::setOwnLimit("max_inotify_instances", 0)) return false;
     const auto failed = Recorder::start({.root = root, .firstEventID = firstEventID});
     return !failed && failed.error().isSystem(EMFILE) &&
            failed.error().message.find("sysctl fs.inotify.max_user_instances=") != std::string::npos;

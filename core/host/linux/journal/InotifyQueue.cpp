@@ -1,10 +1,10 @@
 #include "core/host/linux/journal/InotifyQueue.h"
 
-#include "core/host/linux/FolderOpening.h"
-
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <fstream>
 
@@ -31,6 +31,15 @@ std::string adviceFor(const char* name) {
   return "sysctl fs.inotify." + std::string{name} + "=" + std::to_string(limit * 4);
 }
 
+// Where this process's handles are. The link /proc/self is read only once, because following it would add to
+// the cost of every watch.
+std::string ownHandles() {
+  std::array<char, 32> process{};
+  const ssize_t length = readlink("/proc/self", process.data(), process.size());
+  const std::string own = length > 0 ? std::string(process.data(), static_cast<std::size_t>(length)) : "self";
+  return "/proc/" + own + "/fd/";
+}
+
 }  // namespace
 
 std::expected<InotifyQueue, Error> InotifyQueue::open(std::uint32_t deafTo) {
@@ -48,11 +57,13 @@ std::expected<InotifyQueue, Error> InotifyQueue::open(std::uint32_t deafTo) {
 InotifyQueue::InotifyQueue(FileHandle handle, std::uint32_t mask) {
   watcher_.handle_ = std::make_shared<const FileHandle>(std::move(handle));
   watcher_.mask_ = mask;
+  watcher_.handles_ = ownHandles();
 }
 
 std::expected<int, int> InotifyQueue::Watcher::watch(const FileHandle& folder) const {
   if (!handle_) return std::unexpected(EBADF);
-  const int watch = inotify_add_watch(handle_->get(), pathThroughHandle(folder).c_str(), mask_);
+  const int watch =
+      inotify_add_watch(handle_->get(), (handles_ + std::to_string(folder.get())).c_str(), mask_);
   if (watch < 0) return std::unexpected(errno);
   return watch;
 }

@@ -8,6 +8,7 @@
 #include <expected>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -45,6 +46,7 @@ class InotifyQueue {
     friend InotifyQueue;
     std::shared_ptr<const FileHandle> handle_;
     std::uint32_t mask_ = 0;
+    std::string handles_;
   };
   const Watcher& watcher() const { return watcher_; }
 
@@ -78,7 +80,7 @@ class InotifyQueue {
 /// How many watches a recorder may have: an eighth of what the kernel grants a user is left to others.
 std::size_t defaultWatchLimit();
 
-/// The line that raises a limit of this kernel for good, as an administrator would type it.
+/// The line that raises a limit of this kernel until the next boot, as an administrator would type it.
 std::string watchLimitAdvice();
 std::string instanceLimitAdvice();
 

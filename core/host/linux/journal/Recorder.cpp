@@ -234,8 +234,7 @@ std::vector<std::shared_ptr<Recorder::Job>> Recorder::takeJobs(bool areLast) {
   return std::exchange(jobs_, {});
 }
 
-void Recorder::finishJobs(const std::vector<std::shared_ptr<Job>>& jobs) {
-  for (const auto& job : jobs) job->work();
+void Recorder::tellDone(const std::vector<std::shared_ptr<Job>>& jobs) {
   if (jobs.empty()) return;
   const std::lock_guard lock(gate_);
   for (const auto& job : jobs) job->done = true;
@@ -251,17 +250,20 @@ void Recorder::run() {
     const auto jobs = takeJobs();
     if (parts_.rules.drainsBeforeAnswering || jobs.empty()) drain();
     takeLoss();
-    finishJobs(jobs);
+    for (const auto& job : jobs) job->work();
     takeLoss();
-    if (restartAt_ ? *restartAt_ <= Clock::now() : wasAskedInVain(jobs)) setUp();
+    const bool beginsAnew = restartAt_ ? *restartAt_ <= Clock::now() : wasAskedInVain(jobs);
+    // Said first, so that whoever was answered in vain can wait for it.
+    if (beginsAnew) announce(JournalAbsence::settingUp);
+    tellDone(jobs);
+    if (beginsAnew) setUp();
     publishFigures();
     gather();
   }
-  {
-    const std::lock_guard lock(mapMutex_);
-    publish(JournalAbsence::notRecording);
-  }
-  finishJobs(takeJobs(true));
+  announce(JournalAbsence::notRecording);
+  const auto jobs = takeJobs(true);
+  for (const auto& job : jobs) job->work();
+  tellDone(jobs);
 }
 
 // Somebody walks everything now, and is to find the recorder ready the next time.
@@ -377,6 +379,11 @@ void Recorder::publish(std::optional<JournalAbsence> absence) {
   status_.absence = absence;
   takeFigures();
   changed_.notify_all();
+}
+
+void Recorder::announce(JournalAbsence absence) {
+  const std::lock_guard lock(mapMutex_);
+  publish(absence);
 }
 
 void Recorder::publishFigures() {

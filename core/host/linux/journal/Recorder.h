@@ -56,7 +56,7 @@ class Recorder final : public EventRecorder {
   bool isCovered(std::uint64_t since, JournalAbsence& reason) const;
   bool perform(std::function<void()> work, Clock::time_point deadline);
   std::vector<std::shared_ptr<Job>> takeJobs(bool areLast = false);
-  void finishJobs(const std::vector<std::shared_ptr<Job>>& jobs);
+  void tellDone(const std::vector<std::shared_ptr<Job>>& jobs);
 
   void run();
   void listen();
@@ -70,6 +70,7 @@ class Recorder final : public EventRecorder {
   void dropWatches();
   void takeLoss();
   void publish(std::optional<JournalAbsence> absence);
+  void announce(JournalAbsence absence);
   void publishFigures();
   void takeFigures();
 
