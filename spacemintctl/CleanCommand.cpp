@@ -1,7 +1,7 @@
 #include "spacemintctl/CleanCommand.h"
 
+#include "Spacemint/tools/ToolRuns.h"
 #include "core/cleanup/Cleanup.h"
-#include "core/cleanup/ToolOutcome.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
 #include "core/volume/VolumeStatus.h"
@@ -12,15 +12,12 @@
 #include "spacemintctl/Interrupt.h"
 #include "spacemintctl/Question.h"
 #include "spacemintctl/Remeasure.h"
-#include "spacemintctl/ToolRun.h"
 
 #include <algorithm>
 
 namespace spacemint::ctl {
 
 namespace {
-
-constexpr Seconds toolTimeout{900};
 
 using Failure = std::optional<CleanupFailure>;
 
@@ -51,7 +48,7 @@ Failure carryOut(const CleanStep& step, const CleanContext& context) {
     case CleanStep::Kind::emptyTrash:
       return Cleanup::deleteContents({step.path, context.guard, *removal, step.identity});
     case CleanStep::Kind::runCommand:
-      return toolFailure(step.program, runTool(context.shell, {step.program, step.arguments, toolTimeout}));
+      return ToolRuns{context.shell}.clean(step.program, step.arguments);
   }
   return std::nullopt;
 }

@@ -1,13 +1,14 @@
 #include "spacemintctl/CleanPlans.h"
 
+#include "Spacemint/tools/ToolRuns.h"
 #include "core/analysis/DevTools.h"
 #include "core/analysis/DeviceBackups.h"
 #include "core/cleanup/Cleanup.h"
 #include "core/host/UserFolders.h"
+#include "core/places/TrashPlace.h"
 #include "core/wording/CleanupText.h"
 #include "spacemintctl/CleanSteps.h"
 #include "spacemintctl/StoredScan.h"
-#include "spacemintctl/ToolRun.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -17,7 +18,6 @@ namespace spacemint::ctl {
 namespace {
 
 constexpr Bytes cacheMinimum = 50'000'000;
-constexpr Seconds statusTimeout{30};
 const std::string git = "/usr/bin/git";
 
 std::expected<Snapshot, Error> newestScan() {
@@ -29,22 +29,10 @@ bool isThere(const std::string& path) {
   return std::filesystem::exists(std::filesystem::symlink_status(path, failure));
 }
 
-// Absent when git could not be asked.
-std::optional<int> uncommittedChanges(const std::string& worktree, const Shell& shell) {
-  std::vector<std::string> arguments(Cleanup::safeGitOptions.begin(), Cleanup::safeGitOptions.end());
-  arguments.insert(arguments.end(), {"-C", worktree, "status", "--porcelain"});
-  const auto answer = runTool(shell, {git, std::move(arguments), statusTimeout});
-  if (!answer || answer->timedOut || answer->status != 0) return std::nullopt;
-  return static_cast<int>(lines(answer->output).size());
-}
-
-// In the home folder of a scan that knows one, else where the desktop keeps it.
-std::vector<std::string> trashFolders(const CleanContext& context) {
-  const std::string plain = Paths::join(context.wording.home, ".Trash");
+// Of the newest scan, if there is one.
+TrashPlace userTrash(const CleanContext& context) {
   const auto scan = newestScan();
-  if (scan && scan->nodeAt(plain) != nullptr) return {plain};
-  const std::string trash = Paths::join(UserFolders::data(), "Trash");
-  return {Paths::join(trash, "files"), Paths::join(trash, "info"), Paths::join(trash, "expunged")};
+  return trashPlace(scan ? &*scan : nullptr, context.wording.home, UserFolders::data());
 }
 
 std::expected<CleanStep, Error> cacheStep(const DevTools::FoundCleanup& found, const CleanContext& context) {
@@ -130,7 +118,7 @@ std::expected<CleanPlan, Error> planWorktree(const std::string& given, const Cle
   if (!worktree) return std::unexpected(cleanError(path + ": no git worktree"));
   auto step = deleteStep(path, context);
   if (!step) return std::unexpected(step.error());
-  const auto changes = worktree->isOrphaned ? std::nullopt : uncommittedChanges(path, context.shell);
+  const auto changes = worktree->isOrphaned ? std::nullopt : ToolRuns{context.shell}.uncommittedChanges(path);
   const auto removal = Cleanup::worktreeRemoval(*worktree, changes);
   if (const auto* run = std::get_if<Cleanup::RunGit>(&removal)) {
     const auto unmounted = admitted(Cleanup::mountRefusal(path, context.guard));
@@ -152,14 +140,15 @@ std::expected<CleanPlan, Error> planTrash(const CleanContext& context) {
                  .notes = {std::string{CleanupText::emptyTrashNote}},
                  .isTrash = true,
                  .nothingToDo = "There is no Trash."};
-  for (const std::string& folder : trashFolders(context)) {
+  const TrashPlace trash = userTrash(context);
+  for (const std::string& folder : trash.emptied) {
     if (!isThere(folder)) continue;
     auto step = emptyStep(CleanStep::Kind::emptyTrash, folder);
     if (!step) return std::unexpected(step.error());
     step->label = "Emptied the Trash";
     plan.steps.push_back(std::move(*step));
   }
-  plan.touched = {Paths::join(context.wording.home, ".Trash"), Paths::join(UserFolders::data(), "Trash")};
+  plan.touched = {trash.folder};
   return plan;
 }
 

@@ -1,7 +1,7 @@
+#include "Spacemint/tools/ToolRuns.h"
 #include "core/analysis/OllamaModels.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
-#include "spacemintctl/ToolRun.h"
 
 #include <ranges>
 
@@ -11,12 +11,6 @@ namespace {
 
 using DockerState = DevTools::ToolState<std::vector<DevTools::DockerUsage>>;
 using OllamaState = DevTools::ToolState<std::vector<DevTools::OllamaModel>>;
-
-std::optional<DevTools::ToolAnswer> ask(const DevTools::ToolQuery& query) {
-  return runTool(Shell(), {.program = std::string{query.program},
-                           .arguments = {query.arguments.begin(), query.arguments.end()},
-                           .timeout = query.timeout});
-}
 
 // By the names of the cases; "unknown" and "checking" do not last until an answer.
 template <class State>
@@ -82,14 +76,16 @@ std::string ollamaText(const OllamaState& state, const Scene& scene) {
 }  // namespace
 
 std::expected<Findings, Error> dockerFindings(const Scene& scene) {
-  const auto state = DevTools::toolState(ask(DevTools::dockerQuery), DevTools::parseDockerDF);
+  const auto state =
+      DevTools::toolState(ToolRuns{Shell{}}.ask(DevTools::dockerQuery), DevTools::parseDockerDF);
   return Findings{.text = dockerText(state, scene),
                   .json = jsonOf(state, "usage", jsonList(state.payload)),
                   .isWorthReporting = state.kind != DockerState::Kind::notInstalled};
 }
 
 std::expected<Findings, Error> ollamaFindings(const Scene& scene) {
-  const auto state = DevTools::toolState(ask(DevTools::ollamaQuery), DevTools::parseOllamaList);
+  const auto state =
+      DevTools::toolState(ToolRuns{Shell{}}.ask(DevTools::ollamaQuery), DevTools::parseOllamaList);
   return Findings{.text = ollamaText(state, scene),
                   .json = jsonOf(state, "models", jsonList(state.payload)),
                   .isWorthReporting = state.kind != OllamaState::Kind::notInstalled};

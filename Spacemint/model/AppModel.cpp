@@ -58,6 +58,8 @@ AppModel::AppModel(ModelHost host, const Desktop& desktop)
                      desktop, {.home = host_.home, .data = host_.data, .locale = host_.locale}),
       hasFullDiskAccess_(host_.hasFullDiskAccess()) {
   connect(&volume_, &VolumeWatch::wasRead, this, [this] {
+    // Another process may have changed a setting meanwhile.
+    prefs_.refresh();
     Q_EMIT statusChanged();
     warnings_.evaluate();
   });

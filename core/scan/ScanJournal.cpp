@@ -8,7 +8,8 @@ namespace {
 class HeldWalk final : public RecordingWalk {
  public:
   explicit HeldWalk(std::shared_ptr<EventRecorder> recorder)
-      : recorder_(std::move(recorder)), walk_(recorder_->beginWalk()) {}
+      : recorder_(std::move(recorder)),
+        walk_(recorder_->beginWalk()) {}
 
   FolderListing& listing() override { return walk_->listing(); }
   std::uint64_t eventID() const override { return walk_->eventID(); }
@@ -22,7 +23,8 @@ class HeldWalk final : public RecordingWalk {
 }  // namespace
 
 OwnScanJournal::OwnScanJournal(EventRecorder::Options options)
-    : options_(std::move(options)), others_(hostEventJournal()) {
+    : options_(std::move(options)),
+      others_(hostEventJournal()) {
   options_.walksAtOnce = false;
 }
 
