@@ -80,6 +80,7 @@ TEST(ShellExecute, handsDownNoDescriptorAndNoSignalSetting) {
   const int inheritable = open("/dev/null", O_RDONLY);
   ASSERT_GE(dup2(inheritable, 57), 0);
   EXPECT_TRUE(support::succeedsInChild([] {
+    dup2(open("/etc/passwd", O_RDONLY), STDIN_FILENO);
     std::signal(SIGTERM, SIG_IGN);
     sigset_t all{};
     sigfillset(&all);
