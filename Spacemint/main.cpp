@@ -56,13 +56,14 @@ ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal) {
 int run(QCoreApplication& application) {
   DefaultsStore defaults = DefaultsStore::standard();
   takeOverFormerProduct(defaults);
-  // What tasks use lives until they have ended: after the model and its desktop, or to the end of the process.
+  // What tasks use lives until they have ended: after the model and its desktop, or to the end of the
+  // process.
   OwnScanJournal journal;
   LinuxDesktop desktop;
   auto model = std::make_unique<AppModel>(hostOf(defaults, journal), desktop.desktop());
   const Termination termination{[&application] { application.quit(); }};
-  const auto following = model->prefs().observe(Preferences::followedAtOnce,
-                                                [&model](Setting) { model->preferencesChanged(); });
+  const auto following =
+      model->prefs().observe(Preferences::followedAtOnce, [&model](Setting) { model->preferencesChanged(); });
   model->start();
   const int code = QCoreApplication::exec();
   model.reset();

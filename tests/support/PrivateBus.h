@@ -33,6 +33,8 @@ class PrivateBus {
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
 
+  const QString& address() const { return address_; }
+
   /// A connection that is told apart from all others, as that of another program would be.
   QDBusConnection connection() {
     names_ << address_ + QString::number(names_.size());

@@ -1,0 +1,142 @@
+// The model on real threads, the real clock and a real home folder, from the first scan to a cleaned cache.
+
+#include "Spacemint/desktop/linux/LinuxClock.h"
+#include "Spacemint/desktop/linux/ThreadTasks.h"
+#include "core/scan/ScanJournal.h"
+#include "support/LoopWatch.h"
+#include "support/ModelFixture.h"
+#include "support/Waiting.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace spacemint {
+namespace {
+
+using namespace support;
+using testing::SizeIs;
+namespace fs = std::filesystem;
+
+class WholeModel : public ModelFixture {
+ protected:
+  WholeModel() {
+    for (const char* name : {"meet", "state"}) fs::create_directories(folder / name);
+    fs::permissions(folder / "meet", fs::perms::owner_all);
+    model = std::make_unique<AppModel>(
+        ModelHost{.defaults = defaults,
+                  .store = store,
+                  .journal = recording,
+                  .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
+                  .home = home,
+                  .data = inHome(".local/share"),
+                  .environment = {},
+                  .disk = home,
+                  .locale = "en_US",
+                  .timeZone = "UTC",
+                  .hasBundleIdentifier = true,
+                  .hasFullDiskAccess = [] { return true; }},
+        Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener, desktop.scheduler,
+                desktop.volume});
+  }
+  ~WholeModel() override {
+    model.reset();
+    tasks.finish(1min);
+  }
+
+  bool waitForScan() {
+    return waitUntil([this] { return !model->scans().isScanning(); });
+  }
+  bool waitForMessage(const std::string& text) {
+    return waitUntil([&] { return message() == text; });
+  }
+  bool waitForStoredScan() {
+    return waitUntil([this] {
+      const auto stored = store.load(store.entries().front());
+      return stored && *stored == *model->history().snapshot();
+    });
+  }
+  // Scans are told apart by the second in which they ended.
+  void waitForNextSecond() {
+    const auto second = std::chrono::floor<std::chrono::seconds>(clock.now());
+    waitUntil([&] { return std::chrono::floor<std::chrono::seconds>(clock.now()) > second; }, 2s);
+  }
+
+  OwnScanJournal recording{{.root = {}, .meetingFolder = folder / "meet", .stateFolder = folder / "state"}};
+  LinuxClock clock;
+  ThreadTasks tasks;
+};
+
+TEST_F(WholeModel, scansRecordsComparesAndCleans) {
+  addFile("Projects/film", 60 * MB);
+  addFile(".cache/thumbnails/a", 80 * MB);
+  model->start();
+  ASSERT_TRUE(waitUntil([this] { return model->history().isLoaded(); }));
+  model->begin();
+  ASSERT_TRUE(waitForScan());
+  ASSERT_TRUE(model->history().snapshot());
+  EXPECT_TRUE(model->history().snapshot()->eventID) << "recorded from the first scan on";
+  EXPECT_EQ(sizeInScan("Projects"), 60 * MB);
+
+  waitForNextSecond();
+  addFile("Projects/more", 150 * MB);
+  model->scan();
+  ASSERT_TRUE(waitForScan());
+  const SharedSnapshot& rescan = model->history().snapshot();
+  EXPECT_EQ(sizeInScan("Projects"), 210 * MB);
+  EXPECT_LT(*rescan->fullScanDate, rescan->date - rescan->duration) << "what did not change was reused";
+  ASSERT_TRUE(waitUntil([this] { return !model->findings().growth.empty(); }));
+  EXPECT_EQ(model->findings().growth.front().path, inHome("Projects/more"));
+
+  ASSERT_THAT(model->findings().devCleanups, SizeIs(1));
+  model->confirmCleanup(model->findings().devCleanups.front());
+  confirm();
+  ASSERT_TRUE(waitForMessage("Cleaned Thumbnails.")) << message();
+  EXPECT_FALSE(exists(".cache/thumbnails/a"));
+  EXPECT_EQ(sizeInScan(".cache/thumbnails"), 0);
+  EXPECT_TRUE(waitForStoredScan());
+  EXPECT_THAT(store.entries(), SizeIs(2));
+}
+
+TEST_F(WholeModel, neverHoldsUpTheInterface) {
+  constexpr int files = 100'000;
+  constexpr int folders = 100;
+  for (int i = 0; i < folders; ++i) {
+    const std::string name = inHome("many/" + std::to_string(i));
+    fs::create_directories(name);
+    const int handle = open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int j = 0; j < files / folders; ++j) {
+      close(openat(handle, std::to_string(j).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644));
+    }
+    close(handle);
+  }
+  addFile("many/large", 30 * MB);
+  model->start();
+  ASSERT_TRUE(waitUntil([this] { return model->history().isLoaded(); }));
+  const LoopWatch watch;
+  model->scan();
+  ASSERT_TRUE(waitForScan());
+  EXPECT_EQ(model->history().snapshot()->fileCount, files + 1);
+  model->confirmDelete(inHome("many"), "many", 30 * MB, "");
+  confirm();
+  ASSERT_TRUE(waitForMessage("Deleted many.")) << message();
+  EXPECT_FALSE(exists("many"));
+  const auto longest = std::chrono::duration_cast<std::chrono::microseconds>(watch.longest());
+  RecordProperty("longestGapMicroseconds", static_cast<int>(longest.count()));
+  std::printf("longest gap of the event loop: %.2f ms\n", static_cast<double>(longest.count()) / 1'000);
+  EXPECT_LT(longest, 5ms * SPACEMINT_SLOWNESS);
+}
+
+TEST_F(WholeModel, endsInTheMiddleOfAScanAndLeavesNothingHalfWritten) {
+  for (int i = 0; i < 2'000; ++i) addFile("many/" + std::to_string(i) + "/a", 1);
+  model->start();
+  model->scan();
+  ASSERT_TRUE(waitUntil([this] { return model->scans().progress()->files > 0; }));
+  model.reset();
+  EXPECT_TRUE(tasks.finish(1'500ms));
+  for (const auto& entry : store.entries()) EXPECT_TRUE(store.load(entry));
+}
+
+}  // namespace
+}  // namespace spacemint
