@@ -6,9 +6,8 @@
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
-#include <gmock/gmock.h>
-
 #include <QProcess>
+#include <gmock/gmock.h>
 
 #include <chrono>
 #include <filesystem>

@@ -24,27 +24,38 @@ class WholeModel : public ModelFixture {
   WholeModel() {
     for (const char* name : {"meet", "state"}) fs::create_directories(folder / name);
     fs::permissions(folder / "meet", fs::perms::owner_all);
-    model = std::make_unique<AppModel>(
-        ModelHost{.defaults = defaults,
-                  .store = store,
-                  .journal = recording,
-                  .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
-                  .home = home,
-                  .data = inHome(".local/share"),
-                  .environment = {},
-                  .disk = home,
-                  .locale = "en_US",
-                  .timeZone = "UTC",
-                  .hasBundleIdentifier = true,
-                  .hasFullDiskAccess = [] { return true; }},
-        Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener, desktop.scheduler,
-                desktop.volume});
+    model = std::make_unique<AppModel>(ModelHost{.defaults = defaults,
+                                                 .store = store,
+                                                 .journal = recording,
+                                                 .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
+                                                 .home = home,
+                                                 .data = inHome(".local/share"),
+                                                 .environment = {},
+                                                 .disk = home,
+                                                 .locale = "en_US",
+                                                 .timeZone = "UTC",
+                                                 .hasBundleIdentifier = true,
+                                                 .hasFullDiskAccess = [] { return true; }},
+                                       Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener,
+                                               desktop.scheduler, desktop.volume});
   }
   ~WholeModel() override {
     model.reset();
     tasks.finish(1min);
   }
 
+  // A thousand in each folder below "many".
+  void addManyFiles(int count) {
+    for (int folder = 0; folder < count / 1'000; ++folder) {
+      const std::string name = inHome("many/" + std::to_string(folder));
+      fs::create_directories(name);
+      const int handle = open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+      for (int i = 0; i < 1'000; ++i) {
+        close(openat(handle, std::to_string(i).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644));
+      }
+      close(handle);
+    }
+  }
   bool waitForScan() {
     return waitUntil([this] { return !model->scans().isScanning(); });
   }
@@ -101,16 +112,7 @@ TEST_F(WholeModel, scansRecordsComparesAndCleans) {
 
 TEST_F(WholeModel, neverHoldsUpTheInterface) {
   constexpr int files = 100'000;
-  constexpr int folders = 100;
-  for (int i = 0; i < folders; ++i) {
-    const std::string name = inHome("many/" + std::to_string(i));
-    fs::create_directories(name);
-    const int handle = open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    for (int j = 0; j < files / folders; ++j) {
-      close(openat(handle, std::to_string(j).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644));
-    }
-    close(handle);
-  }
+  addManyFiles(files);
   addFile("many/large", 30 * MB);
   model->start();
   ASSERT_TRUE(waitUntil([this] { return model->history().isLoaded(); }));
@@ -129,13 +131,31 @@ TEST_F(WholeModel, neverHoldsUpTheInterface) {
 }
 
 TEST_F(WholeModel, endsInTheMiddleOfAScanAndLeavesNothingHalfWritten) {
-  for (int i = 0; i < 2'000; ++i) addFile("many/" + std::to_string(i) + "/a", 1);
+  addManyFiles(50'000);
   model->start();
   model->scan();
   ASSERT_TRUE(waitUntil([this] { return model->scans().progress()->files > 0; }));
   model.reset();
   EXPECT_TRUE(tasks.finish(1'500ms));
   for (const auto& entry : store.entries()) EXPECT_TRUE(store.load(entry));
+}
+
+TEST_F(WholeModel, endsInTheMiddleOfACleanUpAndTouchesNothingElse) {
+  addManyFiles(50'000);
+  addFile("kept", 30 * MB);
+  model->start();
+  model->scan();
+  ASSERT_TRUE(waitForScan());
+  model->confirmDelete(inHome("many"), "many", 0, "");
+  confirm();
+  ASSERT_TRUE(waitUntil([this] {
+    tasks.post([] {});  // turns the loop
+    return !exists("many/0") || !exists("many/9") || !exists("many/49");
+  }));
+  model.reset();
+  tasks.finish(1'500ms);
+  EXPECT_TRUE(exists("kept"));
+  EXPECT_TRUE(store.load(store.entries().front()));
 }
 
 }  // namespace
