@@ -134,7 +134,10 @@ TEST_F(WholeModel, endsInTheMiddleOfAScanAndLeavesNothingHalfWritten) {
   addManyFiles(50'000);
   model->start();
   model->scan();
-  ASSERT_TRUE(waitUntil([this] { return model->scans().progress()->files > 0; }));
+  ASSERT_TRUE(waitUntil([this] {
+    const auto& progress = model->scans().progress();
+    return !progress || progress->files > 0;
+  }));
   model.reset();
   EXPECT_TRUE(tasks.finish(1'500ms));
   for (const auto& entry : store.entries()) EXPECT_TRUE(store.load(entry));
