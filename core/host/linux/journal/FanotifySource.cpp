@@ -146,7 +146,8 @@ void FanotifySource::unwatch(int watch) {
 }
 
 // Equal events are queued once, so it is their number that tells when those of now have been read. Read
-// later, one of a folder that is watched meanwhile is one too many at worst: it is listed after it is watched.
+// later, one of a folder that is watched meanwhile is one too many at worst: it is listed after it is
+// watched.
 std::optional<std::size_t> FanotifySource::fetch(EventBacklog& backlog) {
   int queued = 0;
   if (ioctl(group_.get(), FIONREAD, &queued) != 0) return std::nullopt;
