@@ -48,6 +48,8 @@ class EventRecorder : public EventJournal {
     std::optional<JournalAbsence> absence;
     std::size_t folders = 0;
     std::size_t watches = 0;
+    /// One mark on the file system does for all folders, so that they are known rather than watched.
+    bool marksFileSystem = false;
     /// Bytes of this process that the map of folders takes.
     std::size_t memory = 0;
     /// What would let it watch all folders, where the system's limit does not; empty otherwise.

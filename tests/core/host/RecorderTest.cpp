@@ -36,11 +36,21 @@ void write(const std::string& path, std::size_t bytes = 5'000) {
   std::ofstream(path, std::ios::app) << std::string(bytes, 'x');
 }
 
-class RecorderTest : public testing::Test {
+// With a mark on the file system, or without.
+class RecorderTest : public testing::TestWithParam<bool> {
  protected:
+  void SetUp() override {
+    if (!GetParam()) return;
+    start();
+    if (!recorder->status().marksFileSystem) GTEST_SKIP() << "no mark to be had here";
+    recorder.reset();
+    since = 0;
+  }
+
   void start(Recorder::Parts parts = {}) {
     parts.root = root;
     parts.firstEventID = firstEventID;
+    parts.rules.marksFileSystem = GetParam();
     if (!parts.rules.beforeListening) {
       parts.rules.beforeListening = [this] { const std::lock_guard lock(hold); };
     }
@@ -76,7 +86,7 @@ class RecorderTest : public testing::Test {
   std::uint64_t since = 0;
 };
 
-TEST_F(RecorderTest, namesFoldersWhoseEntriesChangedAndTreesThatCame) {
+TEST_P(RecorderTest, namesFoldersWhoseEntriesChangedAndTreesThatCame) {
   fs::create_directories(root + "/a/b");
   fs::create_directories(root + "/quiet/too");
   start();
@@ -91,7 +101,7 @@ TEST_F(RecorderTest, namesFoldersWhoseEntriesChangedAndTreesThatCame) {
   EXPECT_EQ(trees().size(), 0U);
 }
 
-TEST_F(RecorderTest, answersOnlyForItsOwnIds) {
+TEST_P(RecorderTest, answersOnlyForItsOwnIds) {
   start();
   EXPECT_EQ(reason(ask(firstEventID - 1)), JournalAbsence::olderThanSession);
   EXPECT_TRUE(ask(since));
@@ -108,7 +118,7 @@ TEST_F(RecorderTest, answersOnlyForItsOwnIds) {
 }
 
 // A folder is filled and exchanged with another before the recorder looks, so its path leads to the other.
-TEST_F(RecorderTest, makesSureOfTheFolderThatAPathLeadsTo) {
+TEST_P(RecorderTest, makesSureOfTheFolderThatAPathLeadsTo) {
   for (const bool verifies : {true, false}) {
     fs::create_directories(root + "/x");
     RecorderRules rules{.verifiesFolders = verifies};
@@ -130,7 +140,7 @@ TEST_F(RecorderTest, makesSureOfTheFolderThatAPathLeadsTo) {
   }
 }
 
-TEST_F(RecorderTest, watchesFoldersThatAreMadeFasterThanItLooks) {
+TEST_P(RecorderTest, watchesFoldersThatAreMadeFasterThanItLooks) {
   start();
   std::string deepest = root;
   for (int i = 0; i < 3'000; ++i) {
@@ -144,19 +154,21 @@ TEST_F(RecorderTest, watchesFoldersThatAreMadeFasterThanItLooks) {
   EXPECT_EQ(recorder->status().folders, 3'031U);
 }
 
-TEST_F(RecorderTest, hasNothingCertainAfterTheQueueOverflowed) {
+TEST_P(RecorderTest, hasNothingCertainAfterTheQueueOverflowed) {
   std::size_t limit = 0;
-  std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> limit;
+  std::ifstream(GetParam() ? "/proc/sys/fs/fanotify/max_queued_events"
+                           : "/proc/sys/fs/inotify/max_queued_events") >>
+      limit;
   if (limit == 0 || limit > 200'000) GTEST_SKIP() << "the queue takes too much here";
-  write(root + "/f");
-  write(root + "/g");
   for (const bool notices : {true, false}) {
     start({.restartTime = 0s, .rules = {.noticesLoss = notices}});
     {
       const std::lock_guard held(hold);
       // It may wake once more and take what is there by then; what follows is too much.
-      for (std::size_t i = 0; i < 2 * limit + 10; ++i)
-        chmod((root + (i % 2 == 0 ? "/f" : "/g")).c_str(), 0600);
+      // Equal events would be told once.
+      for (std::size_t i = 0; i < 2 * limit + 10; ++i) {
+        mknod((root + (notices ? "/f" : "/g") + std::to_string(i)).c_str(), S_IFREG | 0600, 0);
+      }
       fs::create_directory(root + "/missed");
     }
     EXPECT_EQ(ask().has_value(), !notices);
@@ -168,7 +180,7 @@ TEST_F(RecorderTest, hasNothingCertainAfterTheQueueOverflowed) {
   }
 }
 
-TEST_F(RecorderTest, noticesThatAnotherFolderIsInThePlaceOfItsRoot) {
+TEST_P(RecorderTest, noticesThatAnotherFolderIsInThePlaceOfItsRoot) {
   start();
   fs::rename(root, folder / "elsewhere");
   EXPECT_EQ(reason(ask()), JournalAbsence::rootReplaced);
@@ -189,7 +201,7 @@ TEST_F(RecorderTest, noticesThatAnotherFolderIsInThePlaceOfItsRoot) {
   }
 }
 
-TEST_F(RecorderTest, isLostWhenItsVolumeIsUnmounted) {
+TEST_P(RecorderTest, isLostWhenItsVolumeIsUnmounted) {
   if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
   EXPECT_TRUE(support::succeedsInChild([&] {
     if (!support::enterOwnMounts() || mount("none", root.c_str(), "tmpfs", 0, "size=1m") != 0) return false;
@@ -199,7 +211,7 @@ TEST_F(RecorderTest, isLostWhenItsVolumeIsUnmounted) {
   }));
 }
 
-TEST_F(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
+TEST_P(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
   if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
   fs::create_directories(root + "/m/below");
   write(root + "/m/below/f");
@@ -220,7 +232,7 @@ TEST_F(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
   }
 }
 
-TEST_F(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
+TEST_P(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
   for (const char* name : {"/a/b", "/c/d", "/e/f"}) fs::create_directories(root + name);
   start({.watchLimit = 3});
   const auto status = recorder->status();
@@ -231,7 +243,7 @@ TEST_F(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
   EXPECT_FALSE(trees().empty());
 }
 
-TEST_F(RecorderTest, livesWithTheLimitsOfTheSystem) {
+TEST_P(RecorderTest, livesWithTheLimitsOfTheSystem) {
   if (!support::succeedsInChild([] { return support::setOwnLimit("max_inotify_watches", 4); })) {
     GTEST_SKIP() << "no user namespace to be had here";
   }
@@ -249,7 +261,7 @@ TEST_F(RecorderTest, livesWithTheLimitsOfTheSystem) {
   }));
 }
 
-TEST_F(RecorderTest, hasUnreadableFoldersInEveryAnswerUntilTheyCanBeRead) {
+TEST_P(RecorderTest, hasUnreadableFoldersInEveryAnswerUntilTheyCanBeRead) {
   fs::permissions(folder.path(), fs::perms::all);
   fs::permissions(root, fs::perms::all);
   EXPECT_TRUE(support::succeedsInChild([&] {
@@ -266,6 +278,33 @@ TEST_F(RecorderTest, hasUnreadableFoldersInEveryAnswerUntilTheyCanBeRead) {
   }));
 }
 
+TEST_P(RecorderTest, hearsOfItsFoldersAloneAlsoThroughAnotherMount) {
+  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  fs::create_directories(root + "/a");
+  const std::string elsewhere = folder / "elsewhere";
+  fs::create_directory(elsewhere);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::enterOwnMounts()) return false;
+    start();
+    if (mount(root.c_str(), elsewhere.c_str(), nullptr, MS_BIND, nullptr) != 0) return false;
+    write(folder / "outside");
+    if (!ask() || !directories().empty() || !trees().empty()) return false;
+    write(elsewhere + "/a/f");
+    return directories() == std::vector{root + "/a"} && trees().empty();
+  }));
+}
+
+// The mark goes with the volume, and another one at the same place has none.
+TEST_P(RecorderTest, isLostWhenAnotherVolumeTookThePlaceOfItsOwn) {
+  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    const auto mountRoot = [&] { return mount("none", root.c_str(), "tmpfs", 0, "size=1m") == 0; };
+    if (!support::enterOwnMounts() || !mountRoot()) return false;
+    start({.rules = {.checksRoot = false}});
+    return ask() && umount(root.c_str()) == 0 && mountRoot() && reason(ask()) == JournalAbsence::unmounted;
+  }));
+}
+
 class RecordingWalkTest : public RecorderTest {
  protected:
   Node scanWith(FolderListing& listing) {
@@ -273,7 +312,7 @@ class RecordingWalkTest : public RecorderTest {
   }
 };
 
-TEST_F(RecordingWalkTest, ofAScanSetsUpTheRecorderOnItsWay) {
+TEST_P(RecordingWalkTest, ofAScanSetsUpTheRecorderOnItsWay) {
   for (const char* name : {"/a/b", "/c/d", "/e/f"}) fs::create_directories(root + name);
   write(root + "/a/b/f");
   start({.walksAtOnce = false});
@@ -298,7 +337,7 @@ TEST_F(RecordingWalkTest, ofAScanSetsUpTheRecorderOnItsWay) {
 }
 
 // Tells, for one folder, that it could be listed in part only.
-TEST_F(RecordingWalkTest, countsWhatItCouldNotListAsUnknown) {
+TEST_P(RecordingWalkTest, countsWhatItCouldNotListAsUnknown) {
   fs::create_directories(root + "/a/b");
   fs::permissions(folder.path(), fs::perms::all);
   fs::permissions(root, fs::perms::all);
@@ -316,6 +355,13 @@ TEST_F(RecordingWalkTest, countsWhatItCouldNotListAsUnknown) {
   }));
   fs::permissions(root + "/a", fs::perms::all);
 }
+
+std::string nameOfHearing(const testing::TestParamInfo<bool>& tested) {
+  return tested.param ? "ByMark" : "ByWatches";
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, RecorderTest, testing::Bool(), nameOfHearing);
+INSTANTIATE_TEST_SUITE_P(Each, RecordingWalkTest, testing::Bool(), nameOfHearing);
 
 }  // namespace
 }  // namespace spacemint

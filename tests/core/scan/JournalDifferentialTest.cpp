@@ -198,6 +198,23 @@ class Differential {
   Tally tally_;
 };
 
+// Whether the system lets a recorder mark the file system.
+bool grantsMark() {
+  const TemporaryFolder folder{testFolder()};
+  const auto recorder = Recorder::start({.root = folder.path(), .firstEventID = firstEventID}).value();
+  return recorder->waitUntilRecording(1min) && recorder->status().marksFileSystem;
+}
+
+enum class Hearing { watches, mark };
+
+std::string nameOf(Hearing hearing) {
+  return hearing == Hearing::mark ? "ByMark" : "ByWatches";
+}
+
+void PrintTo(Hearing hearing, std::ostream* out) {
+  *out << nameOf(hearing);
+}
+
 Tally compared(const Settings& settings) {
   Differential differential{settings};
   return differential.run();
@@ -211,7 +228,21 @@ std::string firstOf(const Tally& tally) {
   return text;
 }
 
-TEST(JournalDifferential, aRescanIsTheScanThatWalksEverything) {
+class JournalDifferential : public testing::TestWithParam<Hearing> {
+ protected:
+  void SetUp() override {
+    if (GetParam() == Hearing::mark && !grantsMark()) GTEST_SKIP() << "no mark to be had here";
+  }
+  Tally compared(Settings settings) const {
+    settings.rules.marksFileSystem = GetParam() == Hearing::mark;
+    return spacemint::compared(settings);
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, JournalDifferential, testing::Values(Hearing::watches, Hearing::mark),
+                         [](const auto& tested) { return nameOf(tested.param); });
+
+TEST_P(JournalDifferential, aRescanIsTheScanThatWalksEverything) {
   Tally all;
   const int rounds = numberFrom("SPACEMINT_TEST_ROUNDS", 80);
   for (const Bytes minNodeSize : {0, 8'192, 40'000}) {
@@ -236,14 +267,15 @@ TEST(JournalDifferential, aRescanIsTheScanThatWalksEverything) {
   RecordProperty("racingScans", all.racingScans);
 }
 
-TEST(JournalDifferential, holdsAtTheLimitOfWatches) {
+TEST_P(JournalDifferential, holdsAtTheLimitOfWatches) {
   const Tally tally = compared({.seed = 2, .rounds = 40, .watchLimit = 40});
   EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
   EXPECT_EQ(tally.fullScans, 1);
 }
 
-TEST(JournalDifferential, holdsForAUserWhomPermissionsBind) {
-  EXPECT_TRUE(support::succeedsInChild([] {
+TEST_P(JournalDifferential, holdsForAUserWhomPermissionsBind) {
+  if (GetParam() == Hearing::mark) GTEST_SKIP() << "permissions bind nobody who may mark";
+  EXPECT_TRUE(support::succeedsInChild([&] {
     if (!support::becomeNobody()) return false;
     const Tally tally = compared({.seed = 3, .rounds = 60, .permissions = true});
     if (!tally.differences.empty()) std::puts(firstOf(tally).c_str());
@@ -262,18 +294,25 @@ void PrintTo(const Mutation& mutation, std::ostream* out) {
   *out << mutation.name;
 }
 
-class JournalMutation : public testing::TestWithParam<Mutation> {};
+class JournalMutation : public testing::TestWithParam<std::tuple<Hearing, Mutation>> {};
 
 TEST_P(JournalMutation, isFoundOut) {
+  const auto& [hearing, mutation] = GetParam();
+  if (hearing == Hearing::mark && !grantsMark()) GTEST_SKIP() << "no mark to be had here";
   Settings settings{.seed = 4,
                     .rounds = 2'000,
                     .steps = {2, 3, 4, 2, 3, 30},
-                    .watchLimit = GetParam().watchLimit,
+                    .watchLimit = mutation.watchLimit,
                     .stopsAtFirst = true};
-  GetParam().apply(settings.rules);
+  settings.rules.marksFileSystem = hearing == Hearing::mark;
+  mutation.apply(settings.rules);
   const Tally tally = compared(settings);
   EXPECT_FALSE(tally.differences.empty());
   RecordProperty("rounds", tally.rounds);
+}
+
+std::string nameOfMutation(const testing::TestParamInfo<std::tuple<Hearing, Mutation>>& tested) {
+  return std::get<Mutation>(tested.param).name + nameOf(std::get<Hearing>(tested.param));
 }
 
 // Something appears in every fourth folder just when it begins to be watched.
@@ -288,24 +327,38 @@ void createMeanwhile(RecorderRules& rules) {
 
 INSTANTIATE_TEST_SUITE_P(
     EachRule, JournalMutation,
-    testing::Values(
-        Mutation{"watchesBeforeListing",
-                 [](RecorderRules& rules) {
-                   rules.watchesBeforeListing = false;
-                   createMeanwhile(rules);
-                 }},
-        Mutation{"watchesNewTrees", [](RecorderRules& rules) { rules.watchesNewTrees = false; }},
-        Mutation{"newFolderIsTree", [](RecorderRules& rules) { rules.newFolderIsTree = false; }},
-        Mutation{"movedFolderIsTree", [](RecorderRules& rules) { rules.movedFolderIsTree = false; }},
-        Mutation{"looksAtKnownPlaces", [](RecorderRules& rules) { rules.looksAtKnownPlaces = false; }},
-        Mutation{"drainsBeforeAnswering", [](RecorderRules& rules) { rules.drainsBeforeAnswering = false; }},
-        Mutation{"unwatchedIsTree", [](RecorderRules& rules) { rules.unwatchedIsTree = false; }, 40},
-        Mutation{"hearsCloseWrite", [](RecorderRules& rules) { rules.deafTo = IN_CLOSE_WRITE; }},
-        Mutation{"hearsModify", [](RecorderRules& rules) { rules.deafTo = IN_MODIFY; }},
-        Mutation{"hearsAttributes", [](RecorderRules& rules) { rules.deafTo = IN_ATTRIB; }}),
-    [](const auto& tested) { return std::string{tested.param.name}; });
+    testing::Combine(
+        testing::Values(Hearing::watches, Hearing::mark),
+        testing::Values(
+            Mutation{"watchesBeforeListing",
+                     [](RecorderRules& rules) {
+                       rules.watchesBeforeListing = false;
+                       createMeanwhile(rules);
+                     }},
+            Mutation{"watchesNewTrees", [](RecorderRules& rules) { rules.watchesNewTrees = false; }},
+            Mutation{"newFolderIsTree", [](RecorderRules& rules) { rules.newFolderIsTree = false; }},
+            Mutation{"movedFolderIsTree", [](RecorderRules& rules) { rules.movedFolderIsTree = false; }},
+            Mutation{"looksAtKnownPlaces", [](RecorderRules& rules) { rules.looksAtKnownPlaces = false; }},
+            Mutation{"drainsBeforeAnswering",
+                     [](RecorderRules& rules) { rules.drainsBeforeAnswering = false; }},
+            Mutation{"unwatchedIsTree", [](RecorderRules& rules) { rules.unwatchedIsTree = false; }, 40},
+            Mutation{"hearsCloseWrite", [](RecorderRules& rules) { rules.deafTo = IN_CLOSE_WRITE; }},
+            Mutation{"hearsModify", [](RecorderRules& rules) { rules.deafTo = IN_MODIFY; }},
+            Mutation{"hearsAttributes", [](RecorderRules& rules) { rules.deafTo = IN_ATTRIB; }})),
+    nameOfMutation);
 
-TEST(JournalDifferential, holdsWhereThingsAppearWhileTheyAreWatched) {
+// A mark tells of folders only where that is asked for.
+INSTANTIATE_TEST_SUITE_P(
+    EachRuleOfTheMark, JournalMutation,
+    testing::Combine(
+        testing::Values(Hearing::mark),
+        testing::Values(Mutation{"hearsOfFolders", [](RecorderRules& rules) { rules.deafTo = IN_ISDIR; }},
+                        Mutation{"hearsArrivals", [](RecorderRules& rules) { rules.deafTo = IN_MOVED_TO; }},
+                        Mutation{"hearsDepartures",
+                                 [](RecorderRules& rules) { rules.deafTo = IN_MOVED_FROM | IN_DELETE; }})),
+    nameOfMutation);
+
+TEST_P(JournalDifferential, holdsWhereThingsAppearWhileTheyAreWatched) {
   Settings settings{.seed = 4, .rounds = 60};
   createMeanwhile(settings.rules);
   const Tally tally = compared(settings);

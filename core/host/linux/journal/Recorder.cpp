@@ -22,6 +22,10 @@ void raise(const FileHandle& wake) {
   eventfd_write(wake.get(), 1);
 }
 
+EventQueue::Options queueOptions(const RecorderRules& rules) {
+  return {.marksFileSystem = rules.marksFileSystem, .deafTo = rules.deafTo};
+}
+
 void lower(const FileHandle& wake) {
   eventfd_t count = 0;
   eventfd_read(wake.get(), &count);
@@ -79,7 +83,7 @@ class Recorder::Walk final : public RecordingWalk, private FolderObserver {
 
   // Watched before the lock is taken, because that takes the longest.
   Seen opened(Seen parent, std::string_view name, const FileHandle& folder) override {
-    const auto watched = watcher_.watch(folder);
+    const auto watched = watcher_->watch(folder);
     rewindFolder(folder);
     const std::lock_guard lock(recorder_.mapMutex_);
     return isCurrent() ? recorder_.tree_.adopt(parent, name, watched) : Seen{};
@@ -100,23 +104,22 @@ class Recorder::Walk final : public RecordingWalk, private FolderObserver {
   std::uint64_t eventID_;
   std::unique_ptr<FolderListing> listing_;
   // Set when the root is opened, before any of its subfolders.
-  InotifyQueue::Watcher watcher_;
+  std::shared_ptr<EventSource> watcher_;
   bool finished_ = false;
 };
 
 std::expected<std::unique_ptr<Recorder>, Error> Recorder::start(Parts parts) {
-  auto queue = InotifyQueue::open(parts.rules.deafTo);
+  auto queue = EventQueue::open(queueOptions(parts.rules));
   if (!queue) return std::unexpected(std::move(queue).error());
   FileHandle wake{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   if (!wake) return std::unexpected(systemError(parts.root, errno));
   if (!openFolder(AT_FDCWD, parts.root.c_str())) return std::unexpected(systemError(parts.root, errno));
-  if (parts.watchLimit == 0) parts.watchLimit = defaultWatchLimit();
   std::unique_ptr<Recorder> recorder{new Recorder(std::move(parts), std::move(*queue), std::move(wake))};
   recorder->thread_ = std::thread([&running = *recorder] { running.run(); });
   return recorder;
 }
 
-Recorder::Recorder(Parts parts, InotifyQueue queue, FileHandle wake)
+Recorder::Recorder(Parts parts, EventQueue queue, FileHandle wake)
     : parts_(std::move(parts)),
       wake_(std::move(wake)),
       queue_(std::move(queue)),
@@ -306,7 +309,7 @@ void Recorder::drain() {
   const std::lock_guard lock(mapMutex_);
   queue_.fetch();
   const std::uint64_t queued = queue_.fetched();
-  burst_ = queued - queue_.taken();
+  burst_ = queue_.takeHeard();
   while (queue_.taken() < queued) {
     if (const auto event = queue_.next()) tree_.handle(*event);
   }
@@ -355,7 +358,7 @@ void Recorder::completeSetUp() {
 
 // They go with the descriptor that they belong to, all at once.
 void Recorder::dropWatches() {
-  if (auto queue = InotifyQueue::open(parts_.rules.deafTo)) queue_ = std::move(*queue);
+  if (auto queue = EventQueue::open(queueOptions(parts_.rules))) queue_ = std::move(*queue);
 }
 
 void Recorder::takeLoss() {
@@ -395,7 +398,8 @@ void Recorder::publishFigures() {
 void Recorder::takeFigures() {
   status_.folders = tree_.map().size();
   status_.watches = tree_.map().watches();
-  status_.memory = tree_.map().memory();
+  status_.memory = tree_.map().memory() + queue_.memory();
+  status_.marksFileSystem = queue_.marksFileSystem();
   status_.limitAdvice = tree_.hitWatchLimit() ? watchLimitAdvice() : "";
 }
 

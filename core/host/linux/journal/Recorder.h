@@ -51,7 +51,7 @@ class Recorder final : public EventRecorder {
     bool done = false;
   };
 
-  Recorder(Parts parts, InotifyQueue queue, FileHandle wake);
+  Recorder(Parts parts, EventQueue queue, FileHandle wake);
 
   bool isCovered(std::uint64_t since, JournalAbsence& reason) const;
   bool perform(std::function<void()> work, Clock::time_point deadline);
@@ -79,7 +79,7 @@ class Recorder final : public EventRecorder {
 
   // The map and its queue: the recorder's thread, and scans that make the first walk.
   std::mutex mapMutex_;
-  InotifyQueue queue_;
+  EventQueue queue_;
   EventClock clock_;
   WatchedTree tree_;
   std::uint64_t walkNumber_ = 0;

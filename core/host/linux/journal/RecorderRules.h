@@ -27,6 +27,8 @@ struct RecorderRules {
   /// Folders of which nothing is known are in every answer.
   bool unwatchedIsTree = true;
   bool noticesMounts = true;
+  /// One mark on the file system takes the place of a watch on each folder, where the system grants it.
+  bool marksFileSystem = true;
   /// Kinds of events (IN_… bits) that are not asked for.
   std::uint32_t deafTo = 0;
 

@@ -76,7 +76,9 @@ std::expected<void, JournalAbsence> WatchedTree::begin(const FileHandle& root) {
   loss_.reset();
   const auto identity = identityOf(pathThroughHandle(root));
   mounts_ = MountPoints{realPathOf(root)};
-  const auto watched = watch(root);
+  const auto begun = parts_.queue.begin(root);
+  watchLimit_ = parts_.watchLimit != 0 ? parts_.watchLimit : parts_.queue.watchLimit();
+  const auto watched = accept(begun);
   if (!identity || !watched) {
     lose(JournalAbsence::failed);
     return std::unexpected(*loss_);
@@ -98,7 +100,7 @@ void WatchedTree::lose(JournalAbsence reason) {
 // A watch that is new to us and one too many is taken back: what is watched already stays so at the limit.
 std::expected<int, int> WatchedTree::accept(std::expected<int, int> added) {
   // During a scan the same folder may be tried twice: what was refused once must not be taken the next time.
-  const bool isFull = map_.watches() >= parts_.watchLimit || (expectsWatches_ && hitWatchLimit_);
+  const bool isFull = map_.watches() >= watchLimit_ || (expectsWatches_ && hitWatchLimit_);
   if (!added || !isFull || map_.withWatch(*added) != FolderMap::none) {
     if (!added && added.error() == ENOSPC) hitWatchLimit_ = true;
     return added;
@@ -167,7 +169,9 @@ void WatchedTree::handle(const FolderEvent& event) {
     if (id == map_.root()) lose(JournalAbsence::rootReplaced);
   } else {
     markOwn(id);
-    if ((event.what & IN_ISDIR) != 0 && !event.name.empty()) touch(id, event.name);
+    if ((event.what & IN_ISDIR) == 0) return;
+    if (event.name.empty()) touchPlaceOf(id);  // it may have become readable or unreadable
+    if (!event.name.empty()) touch(id, event.name);
   }
 }
 
@@ -238,7 +242,12 @@ void WatchedTree::lookAt(const std::vector<Place>& places) {
 
 // Where a question stays open, all below counts as changed until it is answered.
 void WatchedTree::flagUnanswered() {
-  if (places_.empty() && anyStale_) {
+  const auto isOpen = [&](const Place& place) {
+    const Id parent = map_.find(place.parent);
+    return parent != FolderMap::none && map_.isWithin(parent, map_.root());
+  };
+  if (anyStale_ &&
+      std::ranges::none_of(places_, isOpen)) {  // those of folders that are away or gone can wait
     map_.forEach(
         [](Id, FolderMap::Record& record) { record.flags &= static_cast<std::uint16_t>(~FolderMap::stale); });
     anyStale_ = false;
@@ -255,7 +264,7 @@ void WatchedTree::forgetAway(Clock::time_point now) {
   std::erase_if(away_, [&](const Away& away) {
     const Id id = map_.find(away.folder);
     if (id == FolderMap::none || !map_.isDetached(id)) return true;
-    if (now - away.since < awayTime) return false;
+    if (now - away.since < awayTime || expectsWatches_) return false;  // a scan may be about to tell of it
     for (const int watch : map_.remove(id)) parts_.queue.unwatch(watch);
     return true;
   });

@@ -5,8 +5,8 @@
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/journal/EventClock.h"
+#include "core/host/linux/journal/EventQueue.h"
 #include "core/host/linux/journal/FolderMap.h"
-#include "core/host/linux/journal/InotifyQueue.h"
 #include "core/host/linux/journal/MountPoints.h"
 #include "core/host/linux/journal/RecorderRules.h"
 
@@ -29,9 +29,10 @@ class WatchedTree {
 
   struct Parts {
     std::string root;
-    InotifyQueue& queue;
+    EventQueue& queue;
     EventClock& clock;
     RecorderRules rules = {};
+    /// 0 for as many as the queue is for.
     std::size_t watchLimit = 0;
     /// Polled during walks; true abandons them.
     std::function<bool()> shouldStop;
@@ -148,6 +149,7 @@ class WatchedTree {
   FolderMap map_;
   MountPoints mounts_;
   Identity identity_;
+  std::size_t watchLimit_ = 0;
   std::vector<Place> places_;
   // With so many of them it is time to look, while events go on.
   std::size_t settleAt_ = 0;
