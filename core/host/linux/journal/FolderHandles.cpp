@@ -68,8 +68,7 @@ int FolderHandles::find(const FolderHandle& handle) const {
 }
 
 std::size_t FolderHandles::memory() const {
-  return handles_.capacity() * sizeof(FolderHandle) + free_.capacity() * sizeof(std::uint32_t) +
-         table_.memory();
+  return handles_.size() * sizeof(FolderHandle) + free_.capacity() * sizeof(std::uint32_t) + table_.memory();
 }
 
 }  // namespace spacemint

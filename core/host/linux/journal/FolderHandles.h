@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <expected>
 #include <optional>
 #include <vector>
@@ -45,7 +47,7 @@ class FolderHandles {
   auto hash() const;
 
   int first_;
-  std::vector<FolderHandle> handles_;
+  std::deque<FolderHandle> handles_;  // grows without room for twice as much
   std::vector<std::uint32_t> free_;
   IndexTable table_;
 };
