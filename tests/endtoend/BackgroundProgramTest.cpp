@@ -7,6 +7,7 @@
 #include "support/Waiting.h"
 
 #include <QProcess>
+#include <QTimer>
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -29,6 +30,7 @@ class BackgroundProgram : public testing::Test {
     fs::create_directories(home / "run");
     fs::permissions(home / "run", fs::perms::owner_all);
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    look.start(20);
   }
   ~BackgroundProgram() override {
     program.kill();
@@ -75,6 +77,7 @@ class BackgroundProgram : public testing::Test {
   support::TemporaryFolder home;
   SnapshotStore store{home / ".local/share/Spacemint/Snapshots"};
   QProcess program;
+  QTimer look;  // nothing tells that a file has come
 };
 
 TEST_F(BackgroundProgram, warnsScansStoresAndEndsWhenItIsTold) {

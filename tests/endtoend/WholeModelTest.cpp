@@ -24,6 +24,7 @@ namespace fs = std::filesystem;
 class WholeModel : public ModelFixture {
  protected:
   WholeModel() {
+    look.start(20);
     for (const char* name : {"meet", "state"}) fs::create_directories(folder / name);
     fs::permissions(folder / "meet", fs::perms::owner_all);
     model = std::make_unique<AppModel>(ModelHost{.defaults = defaults,
@@ -79,6 +80,7 @@ class WholeModel : public ModelFixture {
   OwnScanJournal recording{{.root = {}, .meetingFolder = folder / "meet", .stateFolder = folder / "state"}};
   LinuxClock clock;
   ThreadTasks tasks;
+  QTimer look;  // nothing tells what is on the disk by now
 };
 
 TEST_F(WholeModel, scansRecordsComparesAndCleans) {
@@ -153,8 +155,6 @@ TEST_F(WholeModel, endsInTheMiddleOfACleanUpAndTouchesNothingElse) {
   ASSERT_TRUE(waitForScan());
   model->confirmDelete(inHome("many"), "many", 0, "");
   confirm();
-  QTimer look;  // nothing tells how far it is
-  look.start(1);
   ASSERT_TRUE(waitUntil([this] { return !exists("many/0") || !exists("many/9") || !exists("many/49"); }));
   model.reset();
   tasks.finish(1'500ms);
