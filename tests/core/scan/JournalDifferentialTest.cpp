@@ -252,8 +252,7 @@ TEST_P(JournalDifferential, aRescanIsTheScanThatWalksEverything) {
                                   .minNodeSize = minNodeSize});
     EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
     EXPECT_EQ(tally.fullScans, 1);  // the first; so that all others were compared
-    // How many depends on when the recorder hears of what; that there are some is what makes this a test.
-    EXPECT_GT(tally.reusedFolders, minNodeSize == 0 ? rounds : 0);
+    EXPECT_GT(tally.reusedFolders, minNodeSize == 0 ? rounds * 5 : rounds / 8);
     all.rounds += tally.rounds;
     all.reusedFolders += tally.reusedFolders;
     all.racingScans += tally.racingScans;
