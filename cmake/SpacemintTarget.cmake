@@ -13,8 +13,13 @@ set(SPACEMINT_LAYERS
   "SpacemintDesktopLinux:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintDesktop"
   "SpacemintTools:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintCommand"
   "SpacemintModel:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintTools,SpacemintDesktop"
-  "spacemintctl:SpacemintCore,SpacemintCommand,SpacemintTools")
-set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|SpacemintTools|spacemintctl)$")
+  "ui_kit:"
+  "AppServicesConsent:SpacemintBase,SpacemintHost"
+  "AppServices:SpacemintBase,SpacemintHost,AppServicesConsent,ui_kit"
+  "SpacemintViews:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintTools,SpacemintDesktop,SpacemintModel,AppServicesConsent,AppServices,ui_kit"
+  "SpacemintShell:SpacemintBase,SpacemintHost,SpacemintCore,SpacemintTools,SpacemintDesktop,SpacemintModel,AppServicesConsent,AppServices,SpacemintViews,ui_kit"
+  "spacemintctl:SpacemintCore,SpacemintCommand,SpacemintTools,AppServicesConsent")
+set(SPACEMINT_PLAIN "^(SpacemintBase|SpacemintHost|SpacemintCore|SpacemintCommand|SpacemintTools|AppServicesConsent|spacemintctl)$")
 
 function(spacemint_check_layer name)
   foreach(rule IN LISTS SPACEMINT_LAYERS)
@@ -22,7 +27,7 @@ function(spacemint_check_layer name)
     if(CMAKE_MATCH_1 STREQUAL name)
       string(REPLACE "," ";" allowed "${CMAKE_MATCH_2}")
       foreach(dep IN LISTS ARGN)
-        if(dep MATCHES "^(Spacemint|spacemint|ui_kit)" AND NOT dep IN_LIST allowed)
+        if(dep MATCHES "^(Spacemint|spacemint|ui_kit|AppServices)" AND NOT dep IN_LIST allowed)
           message(FATAL_ERROR "${name} may not depend on ${dep}; allowed: ${allowed}")
         endif()
         if(dep MATCHES "^Qt6::" AND name MATCHES ${SPACEMINT_PLAIN})
@@ -48,4 +53,33 @@ function(spacemint_library name)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
   endif()
+endfunction()
+
+# spacemint_qml_library(NAME URI Spacemint.X IMPORTS Spacemint.Y … QML_FILES … and all of spacemint_library)
+#
+# A library that is also a QML module. Its QML files lie in the folder of the CMakeLists that calls this. A
+# program that shows them links NAMEplugin too.
+function(spacemint_qml_library name)
+  cmake_parse_arguments(ARG "" "URI" "IMPORTS;QML_FILES;RESOURCES;MAY_USE;LINKS;QT;SOURCES;HEADERS" ${ARGN})
+  list(TRANSFORM ARG_QT PREPEND Qt6::)
+  spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS} ${ARG_QT})
+  string(REPLACE "." "/" folder ${ARG_URI})
+  set(CMAKE_AUTOMOC ON)  # it also finds, in the headers among the sources, the types that QML knows
+  qt_add_qml_module(${name} STATIC
+    URI ${ARG_URI}
+    VERSION 1.0
+    RESOURCE_PREFIX /qt/qml
+    OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/${folder}
+    IMPORTS ${ARG_IMPORTS}
+    IMPORT_PATH ${CMAKE_BINARY_DIR}/qml
+    QML_FILES ${ARG_QML_FILES}
+    RESOURCES ${ARG_RESOURCES}
+    SOURCES ${ARG_SOURCES} ${ARG_HEADERS})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} ${ARG_QT} PRIVATE ${ARG_LINKS} spacemint_options)
+  target_compile_features(${name} PUBLIC cxx_std_23)
+  target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+  # What Qt generates is compiled with it, and was not written for our warnings.
+  get_target_property(warnings spacemint_warnings INTERFACE_COMPILE_OPTIONS)
+  set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS "${warnings}")
 endfunction()

@@ -11,10 +11,15 @@ set(layers
   "Spacemint/desktop:core,Spacemint/desktop"
   "Spacemint/tools:core,Spacemint/command,Spacemint/tools"
   "Spacemint/model:core,Spacemint/command,Spacemint/tools,Spacemint/desktop,Spacemint/model"
-  "Spacemint:core,Spacemint"
-  "spacemintctl:core,Spacemint/command,Spacemint/tools,spacemintctl"
+  "ui_kit:ui_kit"
+  "AppServices/consent:core/base,core/host,AppServices/consent"
+  "AppServices:core/base,core/host,ui_kit,AppServices"
+  "Spacemint/views:core,Spacemint/command,Spacemint/tools,Spacemint/desktop,Spacemint/model,AppServices,ui_kit,Spacemint/views"
+  "Spacemint/shell:core,Spacemint/command,Spacemint/tools,Spacemint/desktop,Spacemint/model,AppServices,ui_kit,Spacemint/views,Spacemint/shell"
+  "Spacemint:core,Spacemint,AppServices,ui_kit"
+  "spacemintctl:core,Spacemint/command,Spacemint/tools,AppServices/consent,spacemintctl"
   "bench:core,Spacemint/command,bench")
-set(withoutQt core/base core/host core Spacemint/command Spacemint/tools spacemintctl bench)
+set(withoutQt core/base core/host core Spacemint/command Spacemint/tools AppServices/consent spacemintctl bench)
 # The only place for one system's calls; everybody else includes the seam.
 set(system "core/host/linux|Spacemint/desktop/linux")
 
@@ -33,7 +38,7 @@ function(layer_of path result)
   set(allowed "${allowed}" PARENT_SCOPE)
 endfunction()
 
-file(GLOB_RECURSE files RELATIVE ${ROOT} ${ROOT}/core/* ${ROOT}/Spacemint/* ${ROOT}/spacemintctl/* ${ROOT}/bench/*)
+file(GLOB_RECURSE files RELATIVE ${ROOT} ${ROOT}/core/* ${ROOT}/ui_kit/* ${ROOT}/AppServices/* ${ROOT}/Spacemint/* ${ROOT}/spacemintctl/* ${ROOT}/bench/*)
 foreach(file IN LISTS files)
   if(NOT file MATCHES "\\.(h|cpp)$")
     continue()

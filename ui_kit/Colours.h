@@ -1,0 +1,32 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace spacemint {
+
+/// One colour of the interface in both appearances, as 0xRRGGBB.
+struct Colour {
+  const char* name;
+  std::uint32_t light;
+  std::uint32_t dark;
+};
+
+/// All there are; nothing else names a colour.
+inline constexpr std::array<Colour, 25> colours{{
+    {"chrome", 0xF2F0EB, 0x161514},         {"canvas", 0xFAF9F6, 0x1C1B1A},
+    {"card", 0xFFFFFF, 0x252321},           {"well", 0xF4F2EE, 0x22201E},
+    {"border", 0xE8E5DF, 0x363330},         {"ink", 0x1B1A19, 0xF3F1EC},
+    {"secondary", 0x6F6A63, 0xA29D96},      {"tertiary", 0xA6A098, 0x6F6A64},
+    {"hover", 0xF1EFEA, 0x2E2C29},          {"selected", 0xE9E6E0, 0x302E2B},
+    {"button", 0xEDEAE4, 0x34312E},         {"lavender", 0xF5EEFC, 0x2A2433},
+    {"lavenderBorder", 0xE6D8F7, 0x3D3349}, {"lavenderInk", 0x7B5BC4, 0xC9B6F2},
+    {"amber", 0xF2A65A, 0xE89A4C},          {"amberSoft", 0xFCEBD7, 0x3A2C1E},
+    {"amberInk", 0x8A4B12, 0xF2B877},       {"teal", 0x2F5D5A, 0x6FB3AC},
+    {"tealSoft", 0xE3F0EE, 0x1F2D2B},       {"critical", 0xC93C3C, 0xF07070},
+    {"criticalSoft", 0xFBEAEA, 0x3A2222},   {"warning", 0xE8641C, 0xFF8A45},
+    {"warningFill", 0xFFF2E8, 0x33241A},    {"warningBorder", 0xFAD9C1, 0x5A3720},
+    {"track", 0xECE9E3, 0x34312E},
+}};
+
+}  // namespace spacemint
