@@ -59,7 +59,7 @@ TEST_F(ItemRowsTest, rowsThatStayKeepTheirIdsWhateverHappensAroundThem) {
     ASSERT_EQ(shown(), letters);
     for (int i = 0; i < rows.count(); ++i) {
       const char letter = letters[static_cast<std::size_t>(i)];
-      if (before.contains(letter)) EXPECT_EQ(idAt(i), ids[letter]) << before << " -> " << letters;
+      EXPECT_EQ(idAt(i), before.contains(letter) ? ids[letter] : idAt(i)) << before << " -> " << letters;
     }
   }
 }
@@ -132,8 +132,8 @@ TEST_F(ItemRowsTest, whatIsInTheTrashCanOnlyBeDeleted) {
     rows.remove(idAt(0));
     const Confirmation& asked = *model->confirmations().current();
     EXPECT_EQ(asked.title, isInTrash ? "Delete permanently?" : "Move to Trash?") << path;
-    if (isInTrash) EXPECT_EQ(asked.note, "This removes it for good.");
-    if (isInTrash) EXPECT_EQ(asked.actionTitle, "Delete");
+    EXPECT_EQ(asked.actionTitle, isInTrash ? "Delete" : "Move to Trash") << path;
+    EXPECT_EQ(asked.note == "This removes it for good.", isInTrash) << path;
   }
 }
 
@@ -142,7 +142,6 @@ TEST_F(ItemRowsTest, aBusyRowsButtonDoesNothing) {
   rows.assign({{.id = "npm", .buttonTitle = "Clean up", .onButton = [&] { ++presses; }}, {.id = "pip"}});
   int told = 0;
   QObject::connect(&rows, &ItemRows::dataChanged, [&] { ++told; });
-  host.model.cleanups();
   auto& runs = const_cast<CleanupRuns&>(model->cleanups());
   runs.setRunning("npm", true);
   EXPECT_EQ(told, 1);
