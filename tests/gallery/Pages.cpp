@@ -1,0 +1,52 @@
+#include "Pages.h"
+
+#include "ui_kit/Colours.h"
+#include "ui_kit/Symbols.h"
+
+#include <QStringList>
+
+namespace spacemint::gallery {
+
+namespace {
+
+QString kit(const char* file) {
+  return QStringLiteral("qrc:/qt/qml/Spacemint/Gallery/kit/%1.qml").arg(QLatin1StringView(file));
+}
+
+/// The property `names`: what the rows of a table are called.
+template <typename Table>
+QVariantMap namesOf(const Table& table) {
+  QStringList names;
+  for (const auto& row : table) {
+    names << QString::fromUtf8(row.name.data(), static_cast<qsizetype>(row.name.size()));
+  }
+  return {{QStringLiteral("names"), names}};
+}
+
+}  // namespace
+
+std::vector<Page> pages() {
+  return {
+      {QStringLiteral("kit-colours"), kit("Colours"), [] { return namesOf(colours); }},
+      {QStringLiteral("kit-fonts"), kit("Fonts")},
+      {QStringLiteral("kit-symbols"), kit("Symbols"), [] { return namesOf(symbolDrawings); }},
+      {QStringLiteral("kit-logo"), kit("Logo")},
+      {QStringLiteral("kit-buttons"), kit("Buttons")},
+      {QStringLiteral("kit-controls"), kit("Controls")},
+      {QStringLiteral("kit-surfaces"), kit("Surfaces")},
+      {QStringLiteral("kit-menu"), kit("Popups"),
+       [] {
+         return QVariantMap{{QStringLiteral("shown"), 0}};
+       }},
+      {QStringLiteral("kit-picker"), kit("Popups"),
+       [] {
+         return QVariantMap{{QStringLiteral("shown"), 1}};
+       }},
+      {QStringLiteral("kit-help"), kit("Popups"),
+       [] {
+         return QVariantMap{{QStringLiteral("shown"), 2}};
+       }},
+  };
+}
+
+}  // namespace spacemint::gallery
