@@ -2,12 +2,13 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace spacemint {
 
 /// One colour of the interface in both appearances, as 0xRRGGBB.
 struct Colour {
-  const char* name;
+  std::string_view name;
   std::uint32_t light;
   std::uint32_t dark;
 };
@@ -28,5 +29,13 @@ inline constexpr std::array<Colour, 25> colours{{
     {"warningFill", 0xFFF2E8, 0x33241A},    {"warningBorder", 0xFAD9C1, 0x5A3720},
     {"track", 0xECE9E3, 0x34312E},
 }};
+
+/// The colour of that name; does not compile where there is none.
+consteval Colour colourNamed(std::string_view name) {
+  for (const Colour& colour : colours) {
+    if (colour.name == name) return colour;
+  }
+  throw "no colour of that name";
+}
 
 }  // namespace spacemint

@@ -1,7 +1,10 @@
 import QtQuick
+import QtQuick.Layouts
 
 /// A line between two rows.
 Rectangle {
+    Layout.fillWidth: true
     implicitHeight: 1
     color: Theme.border
+    Accessible.role: Accessible.Separator
 }

@@ -1,20 +1,49 @@
 #include "ui_kit/Theme.h"
 
-#include <cstring>
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
+
+#include <algorithm>
 
 namespace spacemint {
+
+namespace {
+
+/// The family, or the desktop's own where it is not installed.
+QString familyOr(const QString& family) {
+  return QFontDatabase::hasFamily(family) ? family : QGuiApplication::font().family();
+}
+
+}  // namespace
+
+Theme::Theme(QObject* parent)
+    : QObject(parent),
+      sansFamily_(familyOr(QStringLiteral("Inter"))),
+      serifFamily_(familyOr(QStringLiteral("Source Serif 4"))) {}
 
 void Theme::setDark(bool isDark) {
   if (isDark == isDark_) return;
   isDark_ = isDark;
-  Q_EMIT changed();
+  Q_EMIT isDarkChanged();
 }
 
-QColor Theme::resolve(const char* name) const {
-  for (const Colour& colour : colours) {
-    if (std::strcmp(colour.name, name) == 0) return QColor::fromRgb(isDark_ ? colour.dark : colour.light);
-  }
-  return {};
+void Theme::setTextScale(qreal scale) {
+  scale = std::clamp(scale, 1.0, 2.0);
+  if (scale == textScale_) return;
+  textScale_ = scale;
+  Q_EMIT textScaleChanged();
+}
+
+qreal Theme::textScaleOf(const QFont& desktopFont) {
+  constexpr qreal usualPoints = 10;
+  return QFontInfo(desktopFont).pointSizeF() / usualPoints;
+}
+
+void Theme::setReducedMotion(bool isReduced) {
+  if (isReduced == reducedMotion_) return;
+  reducedMotion_ = isReduced;
+  Q_EMIT reducedMotionChanged();
 }
 
 }  // namespace spacemint

@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+
+/// One thing that a MenuPopup offers.
+T.MenuItem {
+    id: root
+
+    property string symbol
+    property color ink: Theme.ink
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    horizontalPadding: 8
+    verticalPadding: 6
+    font: Theme.text(12)
+    opacity: enabled ? 1 : 0.4
+
+    contentItem: RowLayout {
+        spacing: 8
+
+        Symbol {
+            visible: root.symbol
+            symbol: root.symbol
+            size: 14
+            color: root.ink
+        }
+        Text {
+            Layout.fillWidth: true
+            text: root.text
+            font: root.font
+            color: root.ink
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+    }
+    background: Rectangle {
+        radius: 6
+        color: root.highlighted ? Theme.hover : "transparent"
+    }
+}

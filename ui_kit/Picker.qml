@@ -1,0 +1,135 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+
+/// One of several, in a list that opens. `model` is a list of strings.
+T.ComboBox {
+    id: root
+
+    property real size: 12
+
+    implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding
+    implicitHeight: label.implicitHeight + topPadding + bottomPadding
+    leftPadding: 11
+    rightPadding: 11 + arrow.width + 6
+    verticalPadding: 6
+    font: Theme.text(size, Font.Medium)
+    opacity: enabled ? 1 : 0.4
+    Keys.onReturnPressed: popup.open()
+    Keys.onEnterPressed: popup.open()
+
+    // Invisible, and as wide as the widest choice, so that a choice never changes the width.
+    Column {
+        id: widest
+
+        visible: false
+
+        Repeater {
+            model: root.model
+
+            Text {
+                required property string modelData
+
+                text: modelData
+                font: root.font
+            }
+        }
+    }
+
+    contentItem: Text {
+        id: label
+
+        text: root.displayText
+        font: root.font
+        color: Theme.ink
+        elide: Text.ElideRight
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+    indicator: Symbol {
+        id: arrow
+
+        x: root.width - width - 9
+        y: (root.height - height) / 2
+        symbol: "chevron.down"
+        size: root.size
+        color: Theme.secondary
+    }
+    background: Rectangle {
+        radius: 7
+        color: Theme.button
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: Theme.ink
+            opacity: root.hovered && root.enabled ? 0.06 : 0
+        }
+        FocusRing {
+            visible: root.visualFocus
+            around: parent.radius
+        }
+    }
+    delegate: T.ItemDelegate {
+        id: entry
+
+        required property int index
+        required property string modelData
+
+        width: ListView.view.width
+        implicitWidth: choice.implicitWidth + leftPadding + rightPadding
+        implicitHeight: choice.implicitHeight + topPadding + bottomPadding
+        leftPadding: 8
+        rightPadding: 28
+        verticalPadding: 6
+        text: modelData
+        highlighted: root.highlightedIndex === index
+
+        contentItem: Text {
+            id: choice
+
+            text: entry.text
+            font: root.font
+            color: Theme.ink
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+        background: Rectangle {
+            radius: 6
+            color: entry.highlighted ? Theme.hover : "transparent"
+
+            Symbol {
+                anchors.right: parent.right
+                anchors.rightMargin: 8
+                anchors.verticalCenter: parent.verticalCenter
+                visible: root.currentIndex === entry.index
+                symbol: "checkmark"
+                size: root.size
+            }
+        }
+    }
+    popup: T.Popup {
+        y: root.height + 4
+        width: Math.max(root.width, widest.width + 36 + leftPadding + rightPadding)
+        implicitHeight: Math.min(contentItem.implicitHeight + topPadding + bottomPadding, Theme.scaled(280))
+        padding: 4
+        margins: 8
+        contentItem: ListView {
+            clip: true
+            implicitHeight: contentHeight
+            model: root.delegateModel
+            currentIndex: root.highlightedIndex
+            boundsBehavior: Flickable.StopAtBounds
+        }
+        background: PopupSurface {}
+        enter: Transition {
+            NumberAnimation {
+                property: "opacity"
+                from: 0
+                to: 1
+                duration: Theme.duration(100)
+            }
+        }
+    }
+}

@@ -1,0 +1,14 @@
+import QtQuick
+
+/// The one thing that a view is for.
+TextButton {
+    size: 13
+    weight: Font.DemiBold
+    fill: Theme.ink
+    ink: Theme.canvas
+    radius: 9
+    horizontalPadding: 16
+    verticalPadding: 9
+    pressedOpacity: 0.8
+    hoverOpacity: 0.12
+}

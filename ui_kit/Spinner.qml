@@ -1,0 +1,22 @@
+import QtQuick
+
+/// Something goes on, of which nobody knows how long it takes.
+Symbol {
+    id: root
+
+    property bool running: true
+
+    symbol: "progress"
+    color: Theme.secondary
+    Accessible.ignored: false
+    Accessible.role: Accessible.Animation
+    Accessible.name: "Working"
+
+    RotationAnimation on rotation {
+        running: root.running && root.visible && !Theme.reducedMotion
+        from: 0
+        to: 360
+        duration: 900
+        loops: Animation.Infinite
+    }
+}

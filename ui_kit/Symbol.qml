@@ -1,0 +1,19 @@
+import QtQuick
+
+/// A small picture in one colour, by its name.
+Image {
+    property string symbol
+    property real size: 16
+    property color color: Theme.ink
+
+    readonly property real side: Theme.scaled(size)
+
+    source: symbol ? `image://symbol/${symbol}/${color.toString().slice(1)}` : ""
+    sourceSize {
+        width: side
+        height: side
+    }
+    width: side
+    height: side
+    Accessible.ignored: true
+}

@@ -1,0 +1,85 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+
+/// What all buttons with a text have in common. Each style sets its measures and colours.
+T.Button {
+    id: root
+
+    /// The name of the symbol before the text; may be empty.
+    property string symbol
+    /// Whether it takes all the width that a layout can give.
+    property bool fullWidth: false
+    property color fill: Theme.button
+    property color ink: Theme.ink
+    property real size: 12
+    property int weight: Font.Medium
+    property real radius: 8
+    property real pressedOpacity: 0.7
+    /// How strongly the pointer tints it.
+    property real hoverOpacity: 0.06
+
+    Layout.fillWidth: fullWidth
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    font: Theme.text(size, weight)
+    opacity: !enabled ? 0.4 : down ? pressedOpacity : 1
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    contentItem: Item {
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
+
+        RowLayout {
+            id: row
+
+            anchors.centerIn: parent
+            width: Math.min(implicitWidth, parent.width)
+            spacing: 6
+
+            Symbol {
+                visible: root.symbol
+                symbol: root.symbol
+                size: root.size + 2
+                color: root.ink
+            }
+            Text {
+                Layout.fillWidth: true
+                visible: root.text
+                text: root.text
+                font: root.font
+                color: root.ink
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+        }
+    }
+    background: Rectangle {
+        color: root.fill
+        radius: root.radius
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: root.ink
+            opacity: root.hovered && root.enabled ? root.hoverOpacity : 0
+
+            Behavior on opacity {
+                NumberAnimation {
+                    duration: Theme.duration(100)
+                }
+            }
+        }
+        FocusRing {
+            visible: root.visualFocus
+            around: root.radius
+        }
+    }
+
+    Behavior on opacity {
+        NumberAnimation {
+            duration: Theme.duration(80)
+        }
+    }
+}

@@ -1,0 +1,70 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// On or off. The text, if there is one, stands at the other end of the row.
+T.Switch {
+    id: root
+
+    property real size: 13
+
+    function flip() {
+        toggle();
+        toggled();
+    }
+
+    implicitWidth: indicator.implicitWidth + (text ? implicitContentWidth + spacing : 0)
+    implicitHeight: Math.max(indicator.implicitHeight, implicitContentHeight)
+    spacing: 12
+    font: Theme.text(size)
+    opacity: enabled ? 1 : 0.4
+    Keys.onReturnPressed: root.flip()
+    Keys.onEnterPressed: root.flip()
+
+    contentItem: Text {
+        rightPadding: root.indicator.width + root.spacing
+        text: root.text
+        font: root.font
+        color: Theme.ink
+        wrapMode: Text.Wrap
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+    indicator: Rectangle {
+        x: root.width - width
+        y: (root.height - height) / 2
+        implicitWidth: Theme.scaled(34)
+        implicitHeight: Theme.scaled(20)
+        radius: height / 2
+        color: root.checked ? Theme.teal : Theme.selected
+
+        Rectangle {
+            readonly property real gap: 2
+
+            x: gap + root.visualPosition * (parent.width - width - 2 * gap)
+            y: gap
+            width: height
+            height: parent.height - 2 * gap
+            radius: height / 2
+            color: root.checked ? Theme.canvas : Theme.card
+
+            Behavior on x {
+                enabled: !root.down
+
+                NumberAnimation {
+                    duration: Theme.duration(180)
+                    easing.type: Easing.OutBack
+                    easing.overshoot: 1
+                }
+            }
+        }
+        Behavior on color {
+            ColorAnimation {
+                duration: Theme.duration(120)
+            }
+        }
+        FocusRing {
+            visible: root.visualFocus
+            around: parent.radius
+        }
+    }
+}

@@ -1,0 +1,46 @@
+#include "ui_kit/UiKit.h"
+
+#include "ui_kit/SymbolProvider.h"
+#include "ui_kit/Theme.h"
+
+#include <QDir>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickStyle>
+#include <QtPlugin>
+
+namespace spacemint {
+
+namespace {
+
+void loadFonts() {
+  const QDir folder(QStringLiteral(":/qt/qml/Spacemint/UiKit/fonts"));
+  const QStringList names = folder.entryList();
+  for (const QString& name : names) QFontDatabase::addApplicationFont(folder.filePath(name));
+}
+
+}  // namespace
+
+void UiKit::install(QQmlEngine& engine) {
+  static const bool areFontsLoaded = (loadFonts(), true);
+  Q_UNUSED(areFontsLoaded)
+  QQuickStyle::setStyle(QStringLiteral("Basic"));
+  engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+  engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider);
+  Theme& shared = theme(engine);
+  shared.setTextScale(Theme::textScaleOf(QGuiApplication::font()));
+}
+
+Theme& UiKit::theme(QQmlEngine& engine) {
+  // A singleton that is written in QML has no type id by which C++ could ask for it.
+  QQmlComponent component(&engine);
+  component.setData("import QtQml; import Spacemint.UiKit; QtObject { property QtObject theme: Theme }", {});
+  const std::unique_ptr<QObject> holder(component.create());
+  auto* theme = holder ? holder->property("theme").value<Theme*>() : nullptr;
+  if (!theme) qFatal("%s", qPrintable(component.errorString()));
+  return *theme;
+}
+
+}  // namespace spacemint

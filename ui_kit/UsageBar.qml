@@ -1,0 +1,28 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// How much of something is used, 0 to 1.
+T.ProgressBar {
+    id: root
+
+    property real fraction: 0
+    property color color: Theme.ink
+
+    value: fraction
+    implicitWidth: 120
+    implicitHeight: 6
+    focusPolicy: Qt.NoFocus
+
+    contentItem: Item {
+        Rectangle {
+            width: parent.width * root.visualPosition
+            height: parent.height
+            radius: height / 2
+            color: root.color
+        }
+    }
+    background: Rectangle {
+        radius: height / 2
+        color: Theme.track
+    }
+}
