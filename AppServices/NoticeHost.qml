@@ -30,5 +30,19 @@ Item {
         onClosed: host.notices.dismiss()
         onPrimaryChosen: host.notices.choosePrimary()
         onSecondaryChosen: host.notices.chooseSecondary()
+
+        // It comes and goes by moving and fading; leaving is quicker.
+        Behavior on y {
+            NumberAnimation {
+                duration: Theme.duration(host.showing ? 350 : 250)
+                easing.type: Easing.OutCubic
+            }
+        }
+        Behavior on opacity {
+            NumberAnimation {
+                duration: Theme.duration(host.showing ? 350 : 250)
+                easing.type: Easing.OutCubic
+            }
+        }
     }
 }

@@ -2,11 +2,17 @@
 
 #include <QXmlStreamReader>
 
+#include <algorithm>
+#include <array>
+
 namespace spacemint {
 
 namespace {
 
-constexpr int deepest = 32;
+constexpr std::size_t deepest = 32;
+// From the root to what describes a release.
+constexpr std::array<QLatin1String, 4> way{QLatin1String{"rss"}, QLatin1String{"channel"},
+                                           QLatin1String{"item"}, QLatin1String{"enclosure"}};
 constexpr QLatin1String updates{"http://www.andymatuschak.org/xml-namespaces/sparkle"};
 
 UpdateItem readEnclosure(const QXmlStreamAttributes& attributes) {
@@ -26,26 +32,18 @@ std::optional<std::vector<UpdateItem>> parseUpdateFeed(std::string_view document
   if (document.size() > largestUpdateFeed) return {};
   QXmlStreamReader xml{QByteArray::fromRawData(document.data(), static_cast<qsizetype>(document.size()))};
   std::vector<UpdateItem> items;
-  // The elements that are open, as far as they lead to an enclosure: rss, channel, item, enclosure.
-  constexpr QLatin1String way[]{QLatin1String{"rss"}, QLatin1String{"channel"}, QLatin1String{"item"},
-                                QLatin1String{"enclosure"}};
-  int depth = 0;
-  int onWay = 0;
+  std::size_t depth = 0;
+  std::size_t onWay = 0;  // how many of the open elements, from the root on, are those of the way
   while (!xml.atEnd()) {
-    switch (xml.readNext()) {
-      case QXmlStreamReader::DTD:
-        return {};
-      case QXmlStreamReader::StartElement:
-        if (onWay == depth && onWay < 4 && xml.namespaceUri().isEmpty() && xml.name() == way[onWay]) {
-          if (++onWay == 4) items.push_back(readEnclosure(xml.attributes()));
-        }
-        if (++depth > deepest || onWay == 0) return {};
-        break;
-      case QXmlStreamReader::EndElement:
-        if (onWay == depth--) --onWay;
-        break;
-      default:
-        break;
+    const auto token = xml.readNext();
+    if (token == QXmlStreamReader::DTD) return {};
+    if (token == QXmlStreamReader::StartElement) {
+      if (onWay == depth && depth < way.size() && xml.namespaceUri().isEmpty() && xml.name() == way[depth])
+        ++onWay;
+      if (++depth > deepest || onWay == 0) return {};
+      if (depth == way.size() && onWay == depth) items.push_back(readEnclosure(xml.attributes()));
+    } else if (token == QXmlStreamReader::EndElement) {
+      onWay = std::min(onWay, --depth);
     }
   }
   if (xml.hasError()) return {};
