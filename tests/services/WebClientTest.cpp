@@ -52,7 +52,9 @@ TEST_F(WebClientTest, asksOverHttpsOnly) {
   };
   for (const Case& c : cases) {
     EXPECT_EQ(WebClient::mayAsk(QUrl{QString::fromLatin1(c.url)}), c.isAllowed) << c.url;
-    if (!c.isAllowed) EXPECT_FALSE(get(client, c.url)) << c.url;
+    if (!c.isAllowed) {
+      EXPECT_FALSE(get(client, c.url)) << c.url;
+    }
   }
 }
 
@@ -78,7 +80,9 @@ TEST_F(WebClientTest, takesWholeAnswersOnly) {
   for (const Case& c : cases) {
     const auto reply = getAnswered(c.answer);
     EXPECT_EQ(reply ? std::optional{reply->status} : std::nullopt, c.status) << c.what;
-    if (reply) EXPECT_EQ(reply->body, c.answer.body) << c.what;
+    if (reply) {
+      EXPECT_EQ(reply->body, c.answer.body) << c.what;
+    }
   }
 }
 
