@@ -15,6 +15,12 @@ struct AppInfo {
   std::optional<std::string> slug = {};
   /// Where the message feed lies.
   std::optional<std::string> site = {};
+  /// Who takes usage reports: a host's name, or a URL whose path is not used. Without it none is sent.
+  std::optional<std::string> usageHost = {};
+  /// The address of the update feed. Without it there are no updates.
+  std::optional<std::string> updateFeed = {};
+  /// The Ed25519 key that updates are signed for, in Base64. Without it none is accepted.
+  std::optional<std::string> updateKey = {};
 
   /// Of the property list at `path`. Blocks.
   static AppInfo load(const std::string& path);

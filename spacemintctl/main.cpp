@@ -6,6 +6,7 @@
 #include "spacemintctl/SectionCommands.h"
 #include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StatusCommand.h"
+#include "spacemintctl/UsageCommand.h"
 #include "spacemintctl/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -200,6 +201,24 @@ void addSettings(CLI::App& app, Action& action) {
   });
 }
 
+void addUsage(CLI::App& app, Action& action) {
+  static bool json = false;
+  CLI::App* usage = app.add_subcommand("usage", "Show or change whether anonymous usage is shared");
+  usage->require_subcommand(0, 1);
+  usage->add_flag("--json", json, "Print one JSON object");
+  CLI::App* status = usage->add_subcommand("status", "Show whether it is");
+  status->add_flag("--json", json, "Print one JSON object");
+  CLI::App* on = usage->add_subcommand("on", "Share it");
+  CLI::App* off = usage->add_subcommand("off", "Do not share it, and forget what was kept for it");
+  usage->callback([&action, on, off] {
+    if (on->parsed() || off->parsed()) {
+      action = [isAllowed = on->parsed()] { return setUsage(isAllowed); };
+    } else {
+      action = [] { return showUsage(json); };
+    }
+  });
+}
+
 int run(int argc, char** argv) {
   CLI::App app{"Spacemint: what is big on your disk, what grew, and what is safe to clean", "spacemintctl"};
   app.require_subcommand(1);
@@ -217,6 +236,7 @@ int run(int argc, char** argv) {
   addCleaning(app, action);
   addStatus(app, action);
   addSettings(app, action);
+  addUsage(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

@@ -1,0 +1,77 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+
+/// A short text with a title, a button to close it and up to two to answer it.
+Card {
+    id: card
+
+    property string title
+    property string body
+    /// The titles of the buttons; none without a title.
+    property string primary
+    property string secondary
+    signal closed
+    signal primaryChosen
+    signal secondaryChosen
+
+    padding: 16
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: title
+    Accessible.description: body
+
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 8
+
+        Label {
+            Layout.fillWidth: true
+            size: 14
+            weight: Font.DemiBold
+            text: card.title
+            textFormat: Text.PlainText
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
+            elide: Text.ElideRight
+        }
+        IconButton {
+            objectName: "close"
+            Layout.alignment: Qt.AlignTop
+            symbol: "xmark"
+            size: 12
+            help: "Close"
+            onClicked: card.closed()
+        }
+    }
+    Label {
+        Layout.fillWidth: true
+        visible: text.length > 0
+        color: Theme.secondary
+        text: card.body
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        maximumLineCount: 12
+        elide: Text.ElideRight
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        Layout.topMargin: 4
+        visible: card.primary.length > 0 || card.secondary.length > 0
+        spacing: 8
+
+        PrimaryButtonStyle {
+            objectName: "primary"
+            Layout.maximumWidth: card.width / 2
+            visible: card.primary.length > 0
+            text: card.primary
+            onClicked: card.primaryChosen()
+        }
+        SecondaryButtonStyle {
+            objectName: "secondary"
+            Layout.maximumWidth: card.width / 2
+            visible: card.secondary.length > 0
+            text: card.secondary
+            onClicked: card.secondaryChosen()
+        }
+    }
+}

@@ -1,0 +1,40 @@
+#include "AppServices/SystemFacts.h"
+
+#include <QString>
+#include <QSysInfo>
+
+#include <algorithm>
+
+namespace spacemint {
+
+namespace {
+
+std::string_view digits(std::string_view text) {
+  return text.substr(0, std::min(text.find_first_not_of("0123456789"), text.size()));
+}
+
+std::string packageArchitecture(const std::string& cpu) {
+  if (cpu == "x86_64") return "amd64";
+  return cpu == "arm" ? "armhf" : cpu;
+}
+
+}  // namespace
+
+std::string majorAndMinor(std::string_view version) {
+  const std::string_view major = digits(version);
+  if (major.empty()) return {};
+  version.remove_prefix(major.size());
+  const std::string_view minor = version.starts_with('.') ? digits(version.substr(1)) : std::string_view{};
+  return std::string{major} + '.' + std::string{minor.empty() ? "0" : minor};
+}
+
+SystemFacts SystemFacts::current() {
+  const std::string kernel = majorAndMinor(QSysInfo::kernelVersion().toStdString());
+  // A distribution that is never released, only updated, has no version of its own.
+  const std::string version = majorAndMinor(QSysInfo::productVersion().toStdString());
+  return {.version = version.empty() ? kernel : version,
+          .kernel = kernel,
+          .architecture = packageArchitecture(QSysInfo::buildCpuArchitecture().toStdString())};
+}
+
+}  // namespace spacemint
