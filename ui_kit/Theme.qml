@@ -6,6 +6,8 @@ import Spacemint.UiKit
 /// what a function in QML reads.
 ThemeBase {
     readonly property font title: text(28, Font.DemiBold)
+    /// Over a page that has to wait.
+    readonly property color backdrop: Qt.rgba(0, 0, 0, 0.18)
 
     /// The font of figures and headlines.
     function display(size: real) : font {

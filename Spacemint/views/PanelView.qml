@@ -11,5 +11,61 @@ Rectangle {
 
     implicitWidth: 460
     implicitHeight: 700
-    color: Theme.border
+    radius: windowed ? 0 : 12
+    color: Theme.canvas
+
+    Item {
+        id: pages
+
+        anchors.fill: parent
+        anchors.margins: root.windowed ? 0 : 1
+        clip: true
+        enabled: !root.ui.confirmation.asked
+
+        MainPage {
+            id: mainPage
+
+            width: parent.width
+            height: parent.height
+            x: root.ui.page.showingSettings ? -width / 3 : 0
+            visible: x > -width / 3
+            enabled: !root.ui.page.showingSettings
+            ui: root.ui
+
+            Behavior on x {
+                PageMove {}
+            }
+        }
+        Loader {
+            id: settings
+
+            width: parent.width
+            height: parent.height
+            x: root.ui.page.showingSettings ? 0 : width
+            active: x < width
+            sourceComponent: SettingsView {
+                ui: root.ui
+            }
+
+            Behavior on x {
+                PageMove {}
+            }
+        }
+    }
+    Loader {
+        anchors.fill: parent
+        active: root.ui.confirmation.asked
+        onLoaded: item.forceActiveFocus()
+        sourceComponent: ConfirmationCard {
+            ui: root.ui
+        }
+    }
+    Rectangle {
+        anchors.fill: parent
+        visible: !root.windowed
+        radius: root.radius
+        color: "transparent"
+        border.width: 1
+        border.color: Theme.border
+    }
 }

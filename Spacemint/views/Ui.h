@@ -5,6 +5,11 @@
 #include "Spacemint/views/Folders.h"
 #include "Spacemint/views/ItemActions.h"
 #include "Spacemint/views/Overview.h"
+#include "Spacemint/views/Page.h"
+#include "Spacemint/views/Question.h"
+#include "Spacemint/views/ScanControl.h"
+#include "Spacemint/views/SettingsForm.h"
+#include "Spacemint/views/Summary.h"
 #include "Spacemint/views/UiHost.h"
 
 #include <QQmlEngine>
@@ -16,6 +21,12 @@ class Ui : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made once by the application")
+  // The page around the tabs.
+  Q_PROPERTY(spacemint::Page* page READ page CONSTANT)
+  Q_PROPERTY(spacemint::Summary* summary READ summary CONSTANT)
+  Q_PROPERTY(spacemint::ScanControl* scan READ scan CONSTANT)
+  Q_PROPERTY(spacemint::Question* confirmation READ confirmation CONSTANT)
+  Q_PROPERTY(spacemint::SettingsForm* settings READ settings CONSTANT)
   // The tabs.
   Q_PROPERTY(spacemint::Overview* overview READ overview CONSTANT)
   Q_PROPERTY(spacemint::Folders* folders READ folders CONSTANT)
@@ -24,6 +35,11 @@ class Ui : public QObject {
  public:
   explicit Ui(UiHost host);
 
+  Page* page() { return &page_; }
+  Summary* summary() { return &summary_; }
+  ScanControl* scan() { return &scan_; }
+  Question* confirmation() { return &confirmation_; }
+  SettingsForm* settings() { return &settings_; }
   Overview* overview() { return &overview_; }
   Folders* folders() { return &folders_; }
   Files* files() { return &files_; }
@@ -33,6 +49,11 @@ class Ui : public QObject {
 
  private:
   UiHost host_;
+  Page page_{host_};
+  Summary summary_{host_};
+  ScanControl scan_{host_};
+  Question confirmation_{host_};
+  SettingsForm settings_{host_};
   ItemActions itemActions_{host_};
   Overview overview_{itemActions_};
   Folders folders_{itemActions_};

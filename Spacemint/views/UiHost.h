@@ -1,6 +1,9 @@
 #pragma once
 
+#include "AppServices/Updates.h"
+#include "AppServices/Usage.h"
 #include "Spacemint/desktop/Desktop.h"
+#include "Spacemint/desktop/LoginItem.h"
 #include "Spacemint/model/AppModel.h"
 
 #include <functional>
@@ -16,6 +19,10 @@ struct UiHost {
   std::string locale;
   /// Ends the application.
   std::function<void()> quit;
+  // Each null where there is none.
+  LoginItem* loginItem = nullptr;
+  Usage* usage = nullptr;
+  Updates* updates = nullptr;
 };
 
 }  // namespace spacemint

@@ -1,0 +1,26 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+
+/// What a setting is called, and its control at the other end of the line.
+RowLayout {
+    id: root
+
+    property string title
+    default property alias control: place.data
+
+    Layout.fillWidth: true
+    spacing: 12
+
+    Label {
+        Layout.fillWidth: true
+        text: root.title
+        wrapMode: Text.Wrap
+    }
+    Item {
+        id: place
+
+        implicitWidth: childrenRect.width
+        implicitHeight: Math.max(childrenRect.height, Theme.scaled(26))
+    }
+}
