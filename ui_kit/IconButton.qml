@@ -13,10 +13,12 @@ T.Button {
     /// Turns the symbol upside down.
     property bool flipped: false
 
+    hoverEnabled: true
     implicitWidth: Theme.scaled(size) + leftPadding + rightPadding
     implicitHeight: Theme.scaled(size) + topPadding + bottomPadding
     padding: 6
-    opacity: !enabled ? 0.4 : down ? 0.7 : 1
+    opacity: enabled ? 1 : 0.4
+    Accessible.role: Accessible.Button
     Accessible.name: help
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
@@ -37,23 +39,10 @@ T.Button {
             }
         }
     }
-    background: Rectangle {
-        radius: 7
-        color: Theme.ink
-        opacity: root.hovered && root.enabled ? 0.06 : 0
-
-        Behavior on opacity {
-            NumberAnimation {
-                duration: Theme.duration(100)
-            }
-        }
+    background: HoverSurface {
+        over: root
     }
 
-    FocusRing {
-        visible: root.visualFocus
-        around: 7
-        anchors.margins: 0
-    }
     Help {
         text: root.help
         wanted: root.hovered

@@ -9,6 +9,7 @@ T.MenuItem {
     property string symbol
     property color ink: Theme.ink
 
+    hoverEnabled: true
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: 8

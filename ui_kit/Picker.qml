@@ -9,6 +9,14 @@ T.ComboBox {
 
     property real size: 12
 
+    /// Opens the list, or leaves the key to it where it is open.
+    function openOr(event) {
+        event.accepted = !popup.visible;
+        if (event.accepted)
+            popup.open();
+    }
+
+    hoverEnabled: true
     implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding
     implicitHeight: label.implicitHeight + topPadding + bottomPadding
     leftPadding: 11
@@ -16,8 +24,9 @@ T.ComboBox {
     verticalPadding: 6
     font: Theme.text(size, Font.Medium)
     opacity: enabled ? 1 : 0.4
-    Keys.onReturnPressed: popup.open()
-    Keys.onEnterPressed: popup.open()
+    Accessible.role: Accessible.ComboBox
+    Keys.onReturnPressed: event => openOr(event)
+    Keys.onEnterPressed: event => openOr(event)
 
     // Invisible, and as wide as the widest choice, so that a choice never changes the width.
     Column {
@@ -77,10 +86,11 @@ T.ComboBox {
         required property int index
         required property string modelData
 
+        hoverEnabled: true
         width: ListView.view.width
         implicitWidth: choice.implicitWidth + leftPadding + rightPadding
         implicitHeight: choice.implicitHeight + topPadding + bottomPadding
-        leftPadding: 8
+        leftPadding: 7
         rightPadding: 28
         verticalPadding: 6
         text: modelData

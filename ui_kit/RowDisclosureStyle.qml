@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 
-/// A whole row that opens something when it is clicked; `text` is its name, its children are what it shows.
+/// A whole row that opens something when it is clicked; `text` is its name, its children are what it shows. What
+/// shows the pointer reaches a little beyond it, so that the texts of a column stand under each other.
 T.AbstractButton {
     id: root
 
@@ -12,12 +13,15 @@ T.AbstractButton {
     default property alias content: row.data
 
     Layout.fillWidth: true
+    hoverEnabled: true
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    horizontalPadding: 8
     verticalPadding: 6
+    leftInset: -8
+    rightInset: -8
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
+    Accessible.name: text
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 
@@ -44,21 +48,7 @@ T.AbstractButton {
             }
         }
     }
-    background: Rectangle {
-        radius: 7
-        color: Theme.ink
-        opacity: root.down ? 0.08 : root.hovered && root.enabled ? 0.04 : 0
-
-        Behavior on opacity {
-            NumberAnimation {
-                duration: Theme.duration(100)
-            }
-        }
-    }
-
-    FocusRing {
-        visible: root.visualFocus
-        around: 7
-        anchors.margins: 0
+    background: HoverSurface {
+        over: root
     }
 }

@@ -10,6 +10,16 @@ Flickable {
     property alias spacing: column.spacing
     default property alias content: column.data
 
+    /// Scrolls as little as it takes to see all of an item of the column.
+    function show(item: Item) {
+        const top = item.mapToItem(contentItem, 0, 0).y;
+        scrollTo(Math.max(top + item.height + 8 - height, Math.min(contentY, top - 8)));
+    }
+
+    function scrollTo(y: real) {
+        contentY = Math.max(0, Math.min(y, contentHeight - height));
+    }
+
     implicitWidth: column.implicitWidth + 2 * padding
     implicitHeight: column.implicitHeight + 2 * padding
     contentWidth: width
@@ -17,6 +27,26 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     flickableDirection: Flickable.VerticalFlick
     clip: true
+    Keys.onPressed: event => {
+        const page = height - 40;
+        const targets = new Map([[Qt.Key_PageUp, contentY - page], [Qt.Key_PageDown, contentY + page], [Qt.Key_Home, 0], [Qt.Key_End, contentHeight]]);
+        event.accepted = targets.has(event.key);
+        if (event.accepted)
+            scrollTo(targets.get(event.key));
+    }
+
+    Connections {
+        target: root.Window.window
+
+        // The keyboard never is at what cannot be seen.
+        function onActiveFocusItemChanged() {
+            const item = root.Window.window.activeFocusItem;
+            for (let parent = item?.parent; parent; parent = parent.parent) {
+                if (parent === column)
+                    root.show(item);
+            }
+        }
+    }
 
     ColumnLayout {
         id: column
@@ -30,6 +60,7 @@ Flickable {
     T.ScrollBar.vertical: T.ScrollBar {
         id: bar
 
+        hoverEnabled: true
         implicitWidth: 10
         padding: 2
         minimumSize: 0.08

@@ -27,7 +27,7 @@ T.Control {
     font: Theme.text(size, Font.Medium)
     opacity: enabled ? 1 : 0.4
     focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.PageTabList
+    Accessible.role: Accessible.Grouping
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)
 
@@ -43,7 +43,7 @@ T.Control {
             width: at ? at.width : 0
             height: parent.height
             radius: 6
-            color: Theme.card
+            color: Theme.isDark ? Theme.button : Theme.card
             border.width: 1
             border.color: Theme.border
 
@@ -69,14 +69,16 @@ T.Control {
                     required property int index
                     required property string modelData
 
+                    hoverEnabled: true
                     implicitWidth: caption.implicitWidth + leftPadding + rightPadding
                     implicitHeight: caption.implicitHeight + topPadding + bottomPadding
                     horizontalPadding: 12
                     verticalPadding: 5
                     text: modelData
                     focusPolicy: Qt.NoFocus
-                    Accessible.role: Accessible.PageTab
-                    Accessible.selected: index === root.currentIndex
+                    Accessible.role: Accessible.RadioButton
+                    Accessible.checkable: true
+                    Accessible.checked: index === root.currentIndex
                     onClicked: root.choose(index)
 
                     contentItem: Text {
@@ -94,7 +96,9 @@ T.Control {
     }
     background: Rectangle {
         radius: 8
-        color: Theme.button
+        color: Theme.well
+        border.width: 1
+        border.color: Theme.border
 
         FocusRing {
             visible: root.visualFocus

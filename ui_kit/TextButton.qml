@@ -20,10 +20,13 @@ T.Button {
     property real hoverOpacity: 0.06
 
     Layout.fillWidth: fullWidth
+    hoverEnabled: true
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     font: Theme.text(size, weight)
     opacity: !enabled ? 0.4 : down ? pressedOpacity : 1
+    Accessible.role: Accessible.Button
+    Accessible.name: text
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 

@@ -5,6 +5,7 @@ import Spacemint.UiKit
 /// How everything looks. What depends on the desktop is a function here and not in C++, for a binding follows
 /// what a function in QML reads.
 ThemeBase {
+    readonly property color shadow: dynamic(0, 0)
     readonly property font title: text(28, Font.DemiBold)
     /// Over a page that has to wait.
     readonly property color backdrop: Qt.rgba(0, 0, 0, 0.18)

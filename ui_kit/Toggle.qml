@@ -12,11 +12,14 @@ T.Switch {
         toggled();
     }
 
+    hoverEnabled: true
     implicitWidth: indicator.implicitWidth + (text ? implicitContentWidth + spacing : 0)
     implicitHeight: Math.max(indicator.implicitHeight, implicitContentHeight)
     spacing: 12
     font: Theme.text(size)
     opacity: enabled ? 1 : 0.4
+    Accessible.role: Accessible.CheckBox
+    Accessible.name: text
     Keys.onReturnPressed: root.flip()
     Keys.onEnterPressed: root.flip()
 
@@ -35,7 +38,7 @@ T.Switch {
         implicitWidth: Theme.scaled(34)
         implicitHeight: Theme.scaled(20)
         radius: height / 2
-        color: root.checked ? Theme.teal : Theme.selected
+        color: root.checked ? Theme.teal : Theme.tertiary
 
         Rectangle {
             readonly property real gap: 2
@@ -45,7 +48,7 @@ T.Switch {
             width: height
             height: parent.height - 2 * gap
             radius: height / 2
-            color: root.checked ? Theme.canvas : Theme.card
+            color: Theme.canvas
 
             Behavior on x {
                 enabled: !root.down

@@ -11,6 +11,7 @@ T.ProgressBar {
     value: fraction
     implicitWidth: 120
     implicitHeight: 6
+    Accessible.role: Accessible.ProgressBar
     focusPolicy: Qt.NoFocus
 
     contentItem: Item {

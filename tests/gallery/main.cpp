@@ -31,6 +31,12 @@ QQuickItem* itemProperty(const QObject& object, const char* name) {
   return object.property(name).value<QQuickItem*>();
 }
 
+void fit(QQuickWindow& window, QQuickItem& item, const Page& page) {
+  const QSizeF own(item.implicitWidth(), item.implicitHeight());
+  item.setSize(page.size.isEmpty() ? own : QSizeF(page.size));
+  window.resize(item.size().toSize().grownBy({page.margin, page.margin, page.margin, page.margin}));
+}
+
 /// Null, with the reason on standard error, where the page cannot be made.
 QImage draw(QQmlEngine& engine, const Page& page) {
   QQmlComponent component(&engine, QUrl(page.url));
@@ -45,14 +51,13 @@ QImage draw(QQmlEngine& engine, const Page& page) {
   window.setColor(UiKit::theme(engine).canvas());
   item->setParentItem(window.contentItem());
   item->setPosition(QPointF(page.margin, page.margin));
-  const QSizeF wanted =
-      page.size.isEmpty() ? QSizeF(item->implicitWidth(), item->implicitHeight()) : QSizeF(page.size);
-  item->setSize(wanted);
-  const QMargins margins(page.margin, page.margin, page.margin, page.margin);
-  window.resize(wanted.toSize().grownBy(margins));
   window.show();
   window.requestActivate();
-  QCoreApplication::processEvents();
+  // The width comes from the first layout, and the height of texts that wrap from the second.
+  for (int i = 0; i < 2; ++i) {
+    fit(window, *item, page);
+    QCoreApplication::processEvents();
+  }
   if (item->metaObject()->indexOfMethod("act()") >= 0) QMetaObject::invokeMethod(item, "act");
   if (auto* focused = itemProperty(*item, "focused")) focused->forceActiveFocus(Qt::TabFocusReason);
   if (const auto* pointer = itemProperty(*item, "pointer")) pointAt(window, *pointer);

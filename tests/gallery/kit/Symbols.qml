@@ -22,9 +22,11 @@ Grid {
             width: Theme.scaled(170)
 
             Symbol {
+                anchors.verticalCenter: parent.verticalCenter
                 symbol: parent.modelData
             }
             Symbol {
+                anchors.verticalCenter: parent.verticalCenter
                 symbol: parent.modelData
                 size: 22
                 color: Theme.teal
