@@ -95,7 +95,7 @@ class UpdatesTest : public ServicesTest {
                                .updateFeed = server.address() + feedPath,
                                .updateKey = keyText.value_or(key.openText())},
                       .defaults = defaults,
-                      .web = client,
+                      .web = *client,
                       .system = {.version = "12.0", .kernel = "6.1", .architecture = "amd64"},
                       .package = "spacemint",
                       .folder = downloads,
@@ -133,7 +133,8 @@ class UpdatesTest : public ServicesTest {
   std::string downloads = folder / "cache/updates";
   std::vector<std::string> opened;
   std::chrono::milliseconds interval = 24h;
-  WebClient client{"Spacemint", {.time = 1s}};
+  WebClient impatient{"Spacemint", {.time = 300ms}};
+  WebClient* client = &web;
 };
 
 TEST_F(UpdatesTest, aGenuineUpdateReachesTheInstaller) {
@@ -240,7 +241,9 @@ TEST_F(UpdatesTest, whatServersDoIsTold) {
   serve(feedPath, {.status = 500});
   isRefused(UpdateProblem::feedUnreachable, "500");
   serve(feedPath, {.isSilent = true});
+  client = &impatient;
   isRefused(UpdateProblem::feedUnreachable, "never");
+  client = &web;
   serve(feedPath, {.body = "{}"});
   isRefused(UpdateProblem::feedUnreadable, "no feed");
   offer({});
@@ -253,6 +256,9 @@ TEST_F(UpdatesTest, whatServersDoIsTold) {
                .headers = "Location: " + QByteArray::fromStdString(other.address() + path) + "\r\n"});
   EXPECT_EQ(searched().problem, UpdateProblem::downloadFailed);
   EXPECT_TRUE(other.requests().empty());
+  serve(path, {.isSilent = true});
+  client = &impatient;
+  EXPECT_EQ(searched().problem, UpdateProblem::downloadFailed);
 }
 
 TEST_F(UpdatesTest, aBrokenDownloadGoesOnWhereItBroke) {

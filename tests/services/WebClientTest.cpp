@@ -20,12 +20,11 @@ class WebClientTest : public ServicesTest {
     return answer.value_or(std::nullopt);
   }
 
-  std::optional<WebReply> getAnswered(WebAnswer answer) {
+  std::optional<WebReply> getAnswered(WebAnswer answer, std::chrono::milliseconds patience = 60s) {
     serve("/a", std::move(answer));
+    WebClient client{"Spacemint", {.time = patience, .size = 100'000}};
     return get(client, server.address() + "/a");
   }
-
-  WebClient client{"Spacemint", {.time = 400ms, .size = 100'000}};
 };
 
 TEST_F(WebClientTest, asksOverHttpsOnly) {
@@ -53,7 +52,7 @@ TEST_F(WebClientTest, asksOverHttpsOnly) {
   for (const Case& c : cases) {
     EXPECT_EQ(WebClient::mayAsk(QUrl{QString::fromLatin1(c.url)}), c.isAllowed) << c.url;
     if (!c.isAllowed) {
-      EXPECT_FALSE(get(client, c.url)) << c.url;
+      EXPECT_FALSE(get(web, c.url)) << c.url;
     }
   }
 }
@@ -63,6 +62,7 @@ TEST_F(WebClientTest, takesWholeAnswersOnly) {
     const char* what;
     WebAnswer answer;
     std::optional<int> status;
+    std::chrono::milliseconds patience = 60s;
   };
   const Case cases[]{
       {"all", {.body = "{}"}, 200},
@@ -70,15 +70,15 @@ TEST_F(WebClientTest, takesWholeAnswersOnly) {
       {"any type", {.body = "{}", .type = "text/html"}, 200},
       {"an error", {.status = 500, .body = "{}"}, std::nullopt},
       {"a broken body", {.body = "{", .length = 50}, std::nullopt},
-      {"never", {.isSilent = true}, std::nullopt},
+      {"never", {.isSilent = true}, std::nullopt, 300ms},
       {"slowly, in time", {.body = "slowly", .piece = 1, .pause = 5ms}, 200},
-      {"for ever", {.body = QByteArray(9'000, ' '), .piece = 1, .pause = 20ms}, std::nullopt},
+      {"for ever", {.body = QByteArray(9'000, ' '), .piece = 1, .pause = 20ms}, std::nullopt, 300ms},
       {"as much as there may be", {.body = QByteArray(100'000, ' ')}, 200},
       {"a byte more", {.body = QByteArray(100'001, ' ')}, std::nullopt},
       {"100 MB", {.body = QByteArray(100'000'000, ' ')}, std::nullopt},
   };
   for (const Case& c : cases) {
-    const auto reply = getAnswered(c.answer);
+    const auto reply = getAnswered(c.answer, c.patience);
     EXPECT_EQ(reply ? std::optional{reply->status} : std::nullopt, c.status) << c.what;
     if (reply) {
       EXPECT_EQ(reply->body, c.answer.body) << c.what;
@@ -103,6 +103,29 @@ TEST_F(WebClientTest, isRedirectedWithinAServerOnly) {
   EXPECT_EQ(server.count("/b"), 1);
 }
 
+TEST_F(WebClientTest, staysSecureWhereItBeganSo) {
+  serve("/b", {.body = "b"});
+  WebServer secure = WebServer::secure([this](const support::WebRequest& request) {
+    if (request.path == "/plain") return WebAnswer{.body = "secure"};
+    return WebAnswer{.status = 302,
+                     .headers = "Location: " + QByteArray::fromStdString(server.address()) + "/b\r\n"};
+  });
+  EXPECT_FALSE(get(web, secure.address() + "/plain")) << "a certificate that nobody trusts";
+  EXPECT_TRUE(secure.requests().empty());
+
+  const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+  QSslConfiguration trusting = usual;
+  trusting.addCaCertificate(WebServer::certificate());
+  QSslConfiguration::setDefaultConfiguration(trusting);
+  WebClient client{"Spacemint", {}};
+  const auto reply = get(client, secure.address() + "/plain");
+  EXPECT_EQ(reply ? reply->body : QByteArray{}, "secure");
+  EXPECT_FALSE(get(client, secure.address() + "/weaker"));
+  EXPECT_EQ(secure.requests().size(), 2U);
+  EXPECT_EQ(server.count("/b"), 0);
+  QSslConfiguration::setDefaultConfiguration(usual);
+}
+
 TEST_F(WebClientTest, tellsNothingOfTheUser) {
   ASSERT_TRUE(getAnswered({.headers = "Set-Cookie: id=1\r\n"}));
   ASSERT_TRUE(getAnswered({}));
@@ -115,10 +138,11 @@ TEST_F(WebClientTest, tellsNothingOfTheUser) {
 
 TEST_F(WebClientTest, doesNotAnswerWhoIsGone) {
   serve("/a", {.body = "{}", .piece = 1, .pause = 5ms});
+  serve("/settle", {.body = QByteArray(20, ' '), .piece = 1, .pause = 5ms});  // ends later
   auto context = std::make_unique<QObject>();
   bool isAnswered = false;
-  client.get(QUrl{QString::fromStdString(server.address() + "/a")}, context.get(),
-             [&](const auto&) { isAnswered = true; });
+  web.get(QUrl{QString::fromStdString(server.address() + "/a")}, context.get(),
+          [&](const auto&) { isAnswered = true; });
   ASSERT_TRUE(comes("/a"));
   context.reset();
   settle();

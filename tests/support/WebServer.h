@@ -1,8 +1,14 @@
 #pragma once
 
+#include "support/TestCertificate.h"
+
 #include <QByteArray>
 #include <QHostAddress>
 #include <QMap>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslServer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -11,6 +17,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,12 +53,21 @@ class WebServer {
  public:
   using Handler = std::function<WebAnswer(const WebRequest&)>;
 
-  explicit WebServer(Handler handler) : handler_(std::move(handler)) {
-    server_.listen(QHostAddress::LocalHost);
-    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] { accept(); });
-  }
+  explicit WebServer(Handler handler)
+      : WebServer(std::move(handler), "http", std::make_unique<QTcpServer>()) {}
 
-  std::string address() const { return "http://127.0.0.1:" + std::to_string(server_.serverPort()); }
+  /// One that speaks HTTPS under the certificate of the tests.
+  static WebServer secure(Handler handler) {
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(certificate());
+    configuration.setPrivateKey(QSslKey{QByteArray{testKey}, QSsl::Ec});
+    auto server = std::make_unique<QSslServer>();
+    server->setSslConfiguration(configuration);
+    return {std::move(handler), "https", std::move(server)};
+  }
+  static QSslCertificate certificate() { return QSslCertificate{QByteArray{testCertificate}}; }
+
+  std::string address() const { return scheme_ + "://127.0.0.1:" + std::to_string(server_->serverPort()); }
   const std::vector<WebRequest>& requests() const { return requests_; }
   /// How many requests for this path came.
   std::ptrdiff_t count(const QByteArray& path) const {
@@ -60,8 +76,17 @@ class WebServer {
   void setHandler(Handler handler) { handler_ = std::move(handler); }
 
  private:
+  WebServer(Handler handler, std::string scheme, std::unique_ptr<QTcpServer> server)
+      : scheme_(std::move(scheme)),
+        server_(std::move(server)),
+        handler_(std::move(handler)) {
+    server_->listen(QHostAddress::LocalHost);
+    QObject::connect(server_.get(), &QTcpServer::pendingConnectionAvailable, server_.get(),
+                     [this] { accept(); });
+  }
+
   void accept() {
-    while (QTcpSocket* socket = server_.nextPendingConnection()) {
+    while (QTcpSocket* socket = server_->nextPendingConnection()) {
       QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
       QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(socket); });
     }
@@ -105,7 +130,8 @@ class WebServer {
     timer->start(answer.pause);
   }
 
-  QTcpServer server_;
+  std::string scheme_;
+  std::unique_ptr<QTcpServer> server_;
   Handler handler_;
   std::vector<WebRequest> requests_;
 };
