@@ -9,13 +9,6 @@ T.ComboBox {
 
     property real size: 12
 
-    /// Opens the list, or leaves the key to it where it is open.
-    function openOr(event) {
-        event.accepted = !popup.visible;
-        if (event.accepted)
-            popup.open();
-    }
-
     hoverEnabled: true
     implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding
     implicitHeight: label.implicitHeight + topPadding + bottomPadding
@@ -25,8 +18,13 @@ T.ComboBox {
     font: Theme.text(size, Font.Medium)
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.ComboBox
-    Keys.onReturnPressed: event => openOr(event)
-    Keys.onEnterPressed: event => openOr(event)
+    // The template chooses when Return is let go, and so it also opens then.
+    Keys.onReleased: event => {
+        const opens = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
+        event.accepted = opens && !popup.visible;
+        if (event.accepted)
+            popup.open();
+    }
 
     // Invisible, and as wide as the widest choice, so that a choice never changes the width.
     Column {

@@ -9,7 +9,9 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickStyle>
-#include <QtPlugin>
+
+#include <memory>
+#include <mutex>
 
 namespace spacemint {
 
@@ -24,8 +26,8 @@ void loadFonts() {
 }  // namespace
 
 void UiKit::install(QQmlEngine& engine) {
-  static const bool areFontsLoaded = (loadFonts(), true);
-  Q_UNUSED(areFontsLoaded)
+  static std::once_flag once;
+  std::call_once(once, loadFonts);
   QQuickStyle::setStyle(QStringLiteral("Basic"));
   engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
   engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider);
