@@ -1,23 +1,26 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// Asks before something is removed.
 FocusScope {
     id: root
 
     required property Ui ui
-
-    focus: true
-    // The card of a question stays its card until it is gone, whatever is asked next.
+    /// Of the corners of what it covers.
+    property real radius: 0
+    /// The question whose words are on the card, and no other, is what a button answers.
     readonly property var asked: ui.confirmation.uuid
 
+    focus: true
     Accessible.role: Accessible.Dialog
     Accessible.name: ui.confirmation.title
     Keys.onEscapePressed: ui.confirmation.dismiss()
 
     Rectangle {
         anchors.fill: parent
+        radius: root.radius
         color: Theme.backdrop
 
         MouseArea {
@@ -27,16 +30,13 @@ FocusScope {
             onWheel: wheel => wheel.accepted = true
         }
     }
-    Rectangle {
+    PopupSurface {
         id: card
 
         anchors.centerIn: parent
         width: Math.min(parent.width - 48, Theme.scaled(380))
         height: Math.min(parent.height - 48, column.implicitHeight + 40)
         radius: 14
-        color: Theme.card
-        border.width: 1
-        border.color: Theme.border
 
         MouseArea {
             anchors.fill: parent
@@ -102,6 +102,8 @@ FocusScope {
     // Return is for the action, unless the person went to Cancel by the keyboard.
     Shortcut {
         sequences: ["Return", "Enter"]
+        // The key that brought the question here, and is still held, does not answer it.
+        autoRepeat: false
         enabled: !cancel.visualFocus
         onActivated: root.ui.confirmation.perform(root.asked)
     }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The first scan, while there is nothing else to show.
 Item {
@@ -21,7 +22,7 @@ Item {
             ceiling: Theme.lavenderInk
 
             SequentialAnimation on opacity {
-                running: root.visible && !Theme.reducedMotion
+                running: root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
                 loops: Animation.Infinite
 
                 NumberAnimation {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The scan that runs, or the last one and a button for the next.
 RowLayout {
@@ -47,7 +48,8 @@ RowLayout {
     Timer {
         interval: 30000
         repeat: true
-        running: root.visible && !root.ui.scan.scanning
+        running: root.visible && root.Window.visibility !== Window.Hidden && !root.ui.scan.scanning
+        triggeredOnStart: true
         onTriggered: root.ui.scan.refresh()
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The page of the free space and the tabs, or what stands in their place before the first scan.
 Rectangle {
@@ -73,7 +74,7 @@ Rectangle {
             id: footer
 
             Layout.fillWidth: true
-            visible: !root.isWelcome && root.ui.page.state === Page.Tabs
+            visible: root.ui.page.state === Page.Tabs
             ui: root.ui
         }
     }

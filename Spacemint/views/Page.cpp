@@ -13,8 +13,8 @@ Page::Page(const UiHost& host) : host_(host) {
 }
 
 Page::State Page::stateOf(bool hasSnapshot, bool isScanning) {
-  if (hasSnapshot) return State::tabs;
-  return isScanning ? State::firstScan : State::welcome;
+  if (hasSnapshot) return State::Tabs;
+  return isScanning ? State::FirstScan : State::Welcome;
 }
 
 Page::State Page::state() const {

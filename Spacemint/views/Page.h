@@ -21,7 +21,8 @@ class Page : public QObject {
   /// Empty where the message has no button.
   Q_PROPERTY(QString messageAction READ messageAction NOTIFY messageChanged)
  public:
-  enum class State { welcome, firstScan, tabs };
+  // QML reads only values with a capital letter.
+  enum class State { Welcome, FirstScan, Tabs };
   Q_ENUM(State)
 
   explicit Page(const UiHost& host);

@@ -1,5 +1,6 @@
 import QtQuick
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// All of the interface, in the panel and in the window.
 Rectangle {
@@ -14,12 +15,12 @@ Rectangle {
     radius: windowed ? 0 : 12
     color: Theme.canvas
 
-    Item {
+    FocusScope {
         id: pages
 
         anchors.fill: parent
-        anchors.margins: root.windowed ? 0 : 1
         clip: true
+        focus: true
         enabled: !root.ui.confirmation.asked
 
         MainPage {
@@ -30,6 +31,7 @@ Rectangle {
             x: root.ui.page.showingSettings ? -width / 3 : 0
             visible: x > -width / 3
             enabled: !root.ui.page.showingSettings
+            radius: root.radius
             ui: root.ui
 
             Behavior on x {
@@ -44,6 +46,7 @@ Rectangle {
             x: root.ui.page.showingSettings ? 0 : width
             active: x < width
             sourceComponent: SettingsView {
+                radius: root.radius
                 ui: root.ui
             }
 
@@ -56,7 +59,10 @@ Rectangle {
         anchors.fill: parent
         active: root.ui.confirmation.asked
         onLoaded: item.forceActiveFocus()
+        // The keyboard goes back to where it was.
+        onActiveChanged: if (!active) pages.forceActiveFocus()
         sourceComponent: ConfirmationCard {
+            radius: root.radius
             ui: root.ui
         }
     }

@@ -38,7 +38,7 @@ T.ProgressBar {
                 }
             }
             NumberAnimation on place {
-                running: root.indeterminate && root.visible && !Theme.reducedMotion
+                running: root.indeterminate && root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
                 from: 0
                 to: 1
                 duration: 1400

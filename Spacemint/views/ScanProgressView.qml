@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// How far a scan is.
 ColumnLayout {
@@ -39,7 +40,7 @@ ColumnLayout {
     Timer {
         interval: 1000
         repeat: true
-        running: root.visible && root.ui.scan.scanning
+        running: root.visible && root.Window.visibility !== Window.Hidden && root.ui.scan.scanning
         onTriggered: root.ui.scan.refresh()
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// How much is free, of how much, and whether that is little.
 ColumnLayout {
@@ -12,8 +13,11 @@ ColumnLayout {
     spacing: 10
 
     Item {
+        // Large letters need a line more.
+        readonly property bool isNarrow: word.x + word.width + 12 + total.width > width
+
         Layout.fillWidth: true
-        implicitHeight: Math.max(free.implicitHeight, total.implicitHeight)
+        implicitHeight: free.implicitHeight + (isNarrow ? total.implicitHeight : 0)
 
         Label {
             id: free
@@ -23,6 +27,8 @@ ColumnLayout {
             color: root.levelColor
         }
         Label {
+            id: word
+
             anchors.left: free.right
             anchors.baseline: free.baseline
             text: " free"
@@ -32,8 +38,8 @@ ColumnLayout {
         Label {
             id: total
 
-            anchors.right: parent.right
-            anchors.baseline: free.baseline
+            x: parent.isNarrow ? 0 : parent.width - width
+            y: parent.isNarrow ? free.height : free.baselineOffset - baselineOffset
             text: root.ui.summary.total
             size: 12
             color: Theme.secondary

@@ -1,8 +1,7 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The tabs. Each is made when it is first looked at, and stays as it was left.
 ColumnLayout {
@@ -29,50 +28,39 @@ ColumnLayout {
         Layout.fillHeight: true
         clip: true
 
-        Repeater {
-            model: [overview, folders, files, developer]
-
-            Loader {
-                required property int index
-                required property Component modelData
-                readonly property bool isCurrent: root.ui.page.tab === index
-
-                anchors.fill: parent
-                visible: isCurrent
-                sourceComponent: modelData
-                active: false
-                onIsCurrentChanged: active = active || isCurrent
-                Component.onCompleted: active = isCurrent
+        TabPage {
+            isCurrent: root.ui.page.tab === 0
+            sourceComponent: OverviewTab {
+                ui: root.ui
+            }
+        }
+        TabPage {
+            isCurrent: root.ui.page.tab === 1
+            sourceComponent: FoldersTab {
+                ui: root.ui
+            }
+        }
+        TabPage {
+            isCurrent: root.ui.page.tab === 2
+            sourceComponent: FilesTab {
+                ui: root.ui
+            }
+        }
+        TabPage {
+            isCurrent: root.ui.page.tab === 3
+            sourceComponent: DeveloperTab {
+                ui: root.ui
             }
         }
     }
 
-    Component {
-        id: overview
+    component TabPage: Loader {
+        required property bool isCurrent
 
-        OverviewTab {
-            ui: root.ui
-        }
-    }
-    Component {
-        id: folders
-
-        FoldersTab {
-            ui: root.ui
-        }
-    }
-    Component {
-        id: files
-
-        FilesTab {
-            ui: root.ui
-        }
-    }
-    Component {
-        id: developer
-
-        DeveloperTab {
-            ui: root.ui
-        }
+        anchors.fill: parent
+        visible: isCurrent
+        active: false
+        onIsCurrentChanged: active = active || isCurrent
+        Component.onCompleted: active = active || isCurrent
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The first thing that anybody sees.
 ColumnLayout {
@@ -75,6 +76,7 @@ ColumnLayout {
     }
     Shortcut {
         sequences: ["Return", "Enter"]
+        autoRepeat: false
         // Another button that was reached by the keyboard does what it says.
         enabled: root.enabled && root.visible && !(root.Window.activeFocusItem?.visualFocus ?? false)
         onActivated: root.ui.page.begin()

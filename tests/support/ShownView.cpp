@@ -9,6 +9,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+Q_IMPORT_QML_PLUGIN(Spacemint_ServicesPlugin)
 Q_IMPORT_QML_PLUGIN(Spacemint_UiKitPlugin)
 Q_IMPORT_QML_PLUGIN(Spacemint_ViewsPlugin)
 

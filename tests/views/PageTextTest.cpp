@@ -11,10 +11,10 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(PageText, pageFollowsFromScans) {
-  EXPECT_EQ(Page::stateOf(false, false), Page::State::welcome);
-  EXPECT_EQ(Page::stateOf(false, true), Page::State::firstScan);
-  EXPECT_EQ(Page::stateOf(true, true), Page::State::tabs);
-  EXPECT_EQ(Page::stateOf(true, false), Page::State::tabs);
+  EXPECT_EQ(Page::stateOf(false, false), Page::State::Welcome);
+  EXPECT_EQ(Page::stateOf(false, true), Page::State::FirstScan);
+  EXPECT_EQ(Page::stateOf(true, true), Page::State::Tabs);
+  EXPECT_EQ(Page::stateOf(true, false), Page::State::Tabs);
 }
 
 TEST(PageText, titleTellsTheFractionCutOff) {

@@ -4,6 +4,8 @@
 #include "support/ModelFixture.h"
 #include "support/ShownView.h"
 
+#include <QTest>
+
 namespace spacemint {
 namespace {
 
@@ -20,7 +22,8 @@ class PanelViewTest : public support::ModelFixture {
                                      .desktop = desktop.desktop(),
                                      .home = home,
                                      .locale = "en_US",
-                                     .quit = [this] { hasQuit = true; }});
+                                     .quit = [this] { hasQuit = true; },
+                                     .loginItem = &desktop.loginItem});
     auto view = std::make_unique<ShownView>(
         QStringLiteral("PanelView.qml"), QVariantMap{{QStringLiteral("ui"), QVariant::fromValue(ui.get())}},
         QSize{460, 700});
@@ -35,6 +38,10 @@ class PanelViewTest : public support::ModelFixture {
     model->confirmDelete(inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good.");
     view->settle();
     return view;
+  }
+  // The model shows messages of what it did itself.
+  void tell(std::string text, std::optional<MessageAction> action = {}) {
+    const_cast<Messages&>(model->messages()).show(std::move(text), std::move(action));
   }
   bool isAsked() const { return model->confirmations().current().has_value(); }
 
@@ -69,9 +76,12 @@ TEST_F(PanelViewTest, tabsAreChosenByMouseAndKeyboard) {
   const auto view = show();
   view->click(view->get(QStringLiteral("Large files")));
   EXPECT_EQ(model->tab(), Tab::files);
-  model->setTab(Tab::developer);
-  view->settle();
+  view->get(QStringLiteral("Pages"))->forceActiveFocus(Qt::TabFocusReason);
+  view->press(Qt::Key_Right);
+  EXPECT_EQ(model->tab(), Tab::developer);
   EXPECT_TRUE(view->shows(QStringLiteral("Stale Git worktrees")));
+  view->press(Qt::Key_Right);
+  EXPECT_EQ(model->tab(), Tab::developer);
 }
 
 TEST_F(PanelViewTest, questionIsDismissedByCancelEscapeBackdropAndHiding) {
@@ -79,7 +89,9 @@ TEST_F(PanelViewTest, questionIsDismissedByCancelEscapeBackdropAndHiding) {
   const std::array<std::function<void()>, 4> ways{
       [&] { view->click(view->get(QStringLiteral("Cancel"))); },
       [&] { view->press(Qt::Key_Escape); },
-      [&] { QTest::mouseClick(&view->window(), Qt::LeftButton, {}, {10, 10}); },
+      [&] {
+        QTest::mouseClick(&view->window(), Qt::LeftButton, {}, {10, 10});
+      },
       [&] { model->dismissConfirmation(); },
   };
   for (const auto& dismiss : ways) {
@@ -126,8 +138,8 @@ TEST_F(PanelViewTest, levelBelowTheThresholdIsSaid) {
   desktop.volume.current->free = 15 * GB;
   storeScan(morning);
   const auto view = show();
-  EXPECT_TRUE(view->shows(
-      QStringLiteral("You're below your 20 GB warning level. Here's where the space went.")));
+  EXPECT_TRUE(
+      view->shows(QStringLiteral("You're below your 20 GB warning level. Here's where the space went.")));
   model->prefs().setWarningThresholdGB(50);
   view->settle();
   EXPECT_TRUE(view->shows(QStringLiteral("Your disk is almost full. Free up space soon.")));
@@ -147,19 +159,86 @@ TEST_F(PanelViewTest, settingsShowAndChangeWhatIsStored) {
   threshold->forceActiveFocus();
   view->press(Qt::Key_Down);
   EXPECT_EQ(model->prefs().warningThresholdGB(), 30);
+  EXPECT_EQ(threshold->property("displayText").toString(), QStringLiteral("30 GB free"));
+  EXPECT_EQ(threshold->property("count").toInt(), 10);
   view->click(view->get(QStringLiteral("Dock")));
   EXPECT_EQ(model->prefs().presence(), AppPresence::dock);
   view->click(view->get(QStringLiteral("Show free space in the menu bar")));
   EXPECT_FALSE(model->prefs().showFreeSpaceInMenuBar());
-  // Nothing can be registered here.
-  view->click(view->get(QStringLiteral("Open at login")));
-  view->settle();
-  EXPECT_TRUE(
-      view->shows(QStringLiteral("Couldn't change this. Make sure Spacemint is in Applications.")));
-  EXPECT_FALSE(view->get(QStringLiteral("Open at login"))->property("checked").toBool());
   EXPECT_FALSE(view->shows(QStringLiteral("Updates")));
   view->click(view->get(QStringLiteral("Back")));
   EXPECT_FALSE(model->showingSettings());
+}
+
+TEST_F(PanelViewTest, loginSwitchShowsWhatTheSystemSays) {
+  storeScan(morning);
+  const auto view = show();
+  model->setShowingSettings(true);
+  view->settle();
+  const QString error = QStringLiteral("Couldn't change this. Make sure Spacemint is in Applications.");
+  const auto flip = [&] { view->click(view->get(QStringLiteral("Open at login"))); };
+  const auto isChecked = [&] {
+    return view->get(QStringLiteral("Open at login"))->property("checked").toBool();
+  };
+  desktop.loginItem.failure = Error{.message = "not here"};
+  flip();
+  EXPECT_TRUE(view->shows(error));
+  EXPECT_FALSE(isChecked());
+  desktop.loginItem.failure.reset();
+  flip();
+  EXPECT_TRUE(desktop.loginItem.enabled);
+  EXPECT_FALSE(view->shows(error));
+  EXPECT_TRUE(isChecked());
+  flip();
+  EXPECT_FALSE(desktop.loginItem.enabled);
+}
+
+TEST_F(PanelViewTest, rowsOfTheSettingsFollowWhatIsAllowed) {
+  storeScan(morning);
+  hasAccess = false;
+  desktop.notifier.allowed = false;
+  const auto view = show();
+  model->setShowingSettings(true);
+  view->settle();
+  view->click(view->get(QStringLiteral("Turned off · Open Settings")));
+  view->click(view->get(QStringLiteral("Turn on")));
+  EXPECT_THAT(desktop.opener.pages, testing::ElementsAre(Opener::SettingsPage::notifications,
+                                                         Opener::SettingsPage::fullDiskAccess));
+  view->get(QStringLiteral("Quit Spacemint"))->forceActiveFocus();
+  view->press(Qt::Key_Space);
+  EXPECT_TRUE(hasQuit);
+}
+
+TEST_F(PanelViewTest, messageHasAButtonOnlyWithAnAction) {
+  storeScan(morning);
+  const auto view = show();
+  EXPECT_FALSE(view->shows(QStringLiteral("Dismiss")));
+  int performed = 0;
+  tell("It needs access.", MessageAction{.title = "Open Settings", .perform = [&] { ++performed; }});
+  view->settle();
+  view->click(view->get(QStringLiteral("Open Settings"), "QQuickAbstractButton"));
+  EXPECT_EQ(performed, 1);
+  tell("Done.");
+  EXPECT_EQ(performed, 1);
+  view->settle();
+  EXPECT_TRUE(view->shows(QStringLiteral("Done.")));
+  EXPECT_FALSE(view->shows(QStringLiteral("Open Settings")));
+  view->click(view->get(QStringLiteral("Dismiss")));
+  EXPECT_EQ(message(), "");
+  EXPECT_FALSE(view->shows(QStringLiteral("Done.")));
+}
+
+TEST_F(PanelViewTest, namesOfFilesAreNeverReadAsMarkup) {
+  const auto view = showQuestion();
+  model->dismissConfirmation();
+  model->confirmDelete(inHome("<b>old</b>.zip"), "<b>old</b>.zip", 30 * MB, "This removes it for good.");
+  view->settle();
+  const auto texts = view->find({}, "QQuickText");
+  const bool isPlain = std::ranges::any_of(texts, [](const QQuickItem* text) {
+    return text->property("text").toString().contains(QStringLiteral("<b>old</b>.zip")) &&
+           text->property("textFormat").toInt() == Qt::PlainText;
+  });
+  EXPECT_TRUE(isPlain);
 }
 
 }  // namespace
