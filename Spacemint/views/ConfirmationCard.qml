@@ -60,7 +60,8 @@ FocusScope {
                 Layout.topMargin: 4
                 text: root.ui.confirmation.subject
                 wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-                maximumLineCount: 3
+                maximumLineCount: 8
+                horizontalAlignment: Text.AlignLeft
                 elide: Text.ElideRight
             }
             Label {
@@ -70,6 +71,7 @@ FocusScope {
                 size: 11.5
                 color: Theme.secondary
                 elide: Text.ElideMiddle
+                horizontalAlignment: Text.AlignLeft
             }
             Label {
                 Layout.fillWidth: true
@@ -88,6 +90,7 @@ FocusScope {
                 SecondaryButtonStyle {
                     id: cancel
 
+                    Layout.fillHeight: true
                     focus: true
                     text: "Cancel"
                     onClicked: root.ui.confirmation.dismiss()

@@ -27,7 +27,9 @@ RowLayout {
         text: root.ui.scan.scanned
         size: 11.5
         color: Theme.secondary
-        elide: Text.ElideMiddle
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
+        elide: Text.ElideRight
 
         HoverHandler {
             id: pointer

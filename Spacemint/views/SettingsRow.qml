@@ -17,10 +17,11 @@ RowLayout {
         text: root.title
         wrapMode: Text.Wrap
     }
-    Item {
+    RowLayout {
         id: place
 
-        implicitWidth: childrenRect.width
-        implicitHeight: Math.max(childrenRect.height, Theme.scaled(26))
+        Layout.fillWidth: false
+        Layout.minimumHeight: Theme.scaled(26)
+        spacing: 8
     }
 }

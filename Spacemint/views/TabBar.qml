@@ -26,7 +26,19 @@ T.Control {
     Keys.onLeftPressed: show(currentIndex - 1)
     Keys.onRightPressed: show(currentIndex + 1)
 
-    contentItem: Row {
+    TextMetrics {
+        id: words
+
+        font: Theme.text(12.5, Font.DemiBold)
+        text: root.titles.join("")
+    }
+
+    // Large letters take from the space around them, and then another line.
+    contentItem: Flow {
+        id: row
+
+        readonly property real room: (width - words.advanceWidth - 3 * spacing - 4) / 8
+
         spacing: 4
 
         Repeater {
@@ -42,7 +54,7 @@ T.Control {
                 text: modelData
                 implicitWidth: implicitContentWidth + leftPadding + rightPadding
                 implicitHeight: implicitContentHeight + topPadding + bottomPadding
-                horizontalPadding: 11
+                horizontalPadding: Math.max(4, Math.min(11, row.room))
                 verticalPadding: 6
                 focusPolicy: Qt.NoFocus
                 Accessible.role: Accessible.PageTab
@@ -52,8 +64,7 @@ T.Control {
 
                 contentItem: Text {
                     text: button.text
-                    // Two weights of one width would be better; the width is that of the heavier one.
-                    font: Theme.text(12.5, Font.DemiBold)
+                    font: words.font
                     color: button.isSelected || button.hovered ? Theme.ink : Theme.secondary
                     Accessible.ignored: true
                 }

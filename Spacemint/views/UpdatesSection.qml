@@ -21,19 +21,15 @@ SettingsSection {
     SettingsRow {
         title: "Version " + root.updates.version
 
-        Row {
-            spacing: 8
-
-            PrimaryButtonStyle {
-                visible: root.updates.available
-                text: "Install"
-                onClicked: root.updates.install()
-            }
-            SecondaryButtonStyle {
-                text: "Check now"
-                enabled: root.updates.canCheck
-                onClicked: root.updates.checkNow()
-            }
+        PrimaryButtonStyle {
+            visible: root.updates.available
+            text: "Install"
+            onClicked: root.updates.install()
+        }
+        SecondaryButtonStyle {
+            text: "Check now"
+            enabled: root.updates.canCheck
+            onClicked: root.updates.checkNow()
         }
     }
 }

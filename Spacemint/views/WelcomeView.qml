@@ -14,7 +14,7 @@ ColumnLayout {
     ScrollColumn {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        padding: 24
+        padding: 20
         spacing: 14
 
         Label {
@@ -68,7 +68,7 @@ ColumnLayout {
     }
     PrimaryButtonStyle {
         Layout.fillWidth: true
-        Layout.margins: 24
+        Layout.margins: 20
         Layout.topMargin: 8
         fullWidth: true
         text: "Start first scan"

@@ -103,6 +103,7 @@ void withoutAccess(Scene& scene) {
   scene.withoutAccess();
 }
 void settings(Scene& scene) {
+  scene.app().panelWillShow();
   scene.app().setShowingSettings(true);
 }
 void askToDelete(Scene& scene, const std::string& name) {
@@ -122,6 +123,11 @@ constexpr PanelPage panelPages[] = {
     {"panel-welcome-no-access", withoutAccess},
     {"panel-first-scan", nothing, [](Scene& s) { s.startScan(); }},
     {"panel-scanning", scanned, [](Scene& s) { s.startScan(); }},
+    {"panel-scanning-unknown", scanned,
+     [](Scene& s) {
+       s.screen().volume.current.reset();
+       s.startScan();
+     }},
     {"panel-ok"},
     {"panel-window", scanned, nullptr, true},
     {"panel-low",
@@ -183,7 +189,10 @@ constexpr PanelPage panelPages[] = {
      [](Scene& s) {
        settings(s);
        s.screen().loginItem.failure = Error{.message = "not here"};
-       s.ui().settings()->setLaunchesAtLogin(true);
+       // Once the page is there.
+       QMetaObject::invokeMethod(
+           s.ui().settings(), [form = s.ui().settings()] { form->setLaunchesAtLogin(true); },
+           Qt::QueuedConnection);
      }},
 };
 

@@ -198,6 +198,8 @@ TEST_F(PanelViewTest, rowsOfTheSettingsFollowWhatIsAllowed) {
   hasAccess = false;
   desktop.notifier.allowed = false;
   const auto view = show();
+  model->panelWillShow();
+  desktop.settle();
   model->setShowingSettings(true);
   view->settle();
   view->click(view->get(QStringLiteral("Turned off · Open Settings")));
