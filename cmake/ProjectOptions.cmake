@@ -13,6 +13,23 @@ if(SPACEMINT_SANITIZE)
   target_link_options(spacemint_options INTERFACE -fsanitize=${SPACEMINT_SANITIZE})
 endif()
 
+# What makes a mistake in a shipped program harder to use. A sanitizer does more, and wants none of it.
+include(CheckPIESupported)
+check_pie_supported()
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT SPACEMINT_SANITIZE)
+  include(CheckCXXCompilerFlag)
+  foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+    string(MAKE_C_IDENTIFIER "HAS${flag}" has)
+    check_cxx_compiler_flag(${flag} ${has})
+    if(${has})
+      target_compile_options(spacemint_options INTERFACE $<$<CONFIG:Release>:${flag}>)
+    endif()
+  endforeach()
+  target_compile_options(spacemint_options INTERFACE $<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>)
+  target_link_options(spacemint_options INTERFACE $<$<CONFIG:Release>:LINKER:-z,relro,-z,now>)
+endif()
+
 option(SPACEMINT_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 add_library(spacemint_warnings INTERFACE)
 target_compile_options(spacemint_warnings INTERFACE

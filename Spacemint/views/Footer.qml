@@ -27,6 +27,7 @@ RowLayout {
         text: root.ui.scan.scanned
         size: 11.5
         color: Theme.secondary
+        verticalAlignment: Text.AlignVCenter
         wrapMode: Text.Wrap
         maximumLineCount: 2
         elide: Text.ElideRight

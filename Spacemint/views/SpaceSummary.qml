@@ -82,25 +82,25 @@ ColumnLayout {
         border.width: 1
         border.color: Theme.warningBorder
 
-        RowLayout {
+        Symbol {
+            id: sign
+
+            x: 10
+            y: 10
+            symbol: "exclamationmark.triangle.fill"
+            color: root.levelColor
+        }
+        Label {
             id: warning
 
-            anchors.fill: parent
+            anchors.top: parent.top
+            anchors.left: sign.right
+            anchors.right: parent.right
             anchors.margins: 10
-            spacing: 9
-
-            Symbol {
-                Layout.alignment: Qt.AlignTop
-                symbol: "exclamationmark.triangle.fill"
-                color: root.levelColor
-            }
-            Label {
-                Layout.fillWidth: true
-                text: root.ui.summary.warning
-                size: 12.5
-                wrapMode: Text.Wrap
-                Accessible.role: Accessible.AlertMessage
-            }
+            text: root.ui.summary.warning
+            size: 12.5
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.AlertMessage
         }
     }
 }

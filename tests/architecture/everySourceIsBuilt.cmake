@@ -1,7 +1,7 @@
 cmake_minimum_required(VERSION 3.25)
 
 # A source that no CMakeLists names is never built, and a test among them never runs, and nobody notices.
-set(folders core ui_kit AppServices Spacemint spacemintctl tests bench)
+set(folders core ui_kit AppServices Spacemint spacemintctl packaging tests bench)
 foreach(folder IN LISTS folders)
   file(GLOB_RECURSE lists ${ROOT}/${folder}/CMakeLists.txt)
   foreach(list IN LISTS lists)

@@ -122,12 +122,9 @@ constexpr PanelPage panelPages[] = {
     {"panel-welcome", nothing},
     {"panel-welcome-no-access", withoutAccess},
     {"panel-first-scan", nothing, [](Scene& s) { s.startScan(); }},
+    {"panel-first-scan-unknown", [](Scene& s) { s.screen().volume.current.reset(); },
+     [](Scene& s) { s.startScan(); }},
     {"panel-scanning", scanned, [](Scene& s) { s.startScan(); }},
-    {"panel-scanning-unknown", scanned,
-     [](Scene& s) {
-       s.screen().volume.current.reset();
-       s.startScan();
-     }},
     {"panel-ok"},
     {"panel-window", scanned, nullptr, true},
     {"panel-low",
