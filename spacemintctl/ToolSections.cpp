@@ -1,5 +1,6 @@
 #include "Spacemint/tools/ToolRuns.h"
 #include "core/analysis/OllamaModels.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
 
@@ -49,28 +50,27 @@ Json jsonList(const Items& items) {
 std::string dockerText(const DockerState& state, const Scene& scene) {
   using enum DockerState::Kind;
   if (state.kind == notInstalled) return "Docker isn't installed.\n";
-  if (state.kind == notRunning) return "Start Docker or OrbStack to see what can be cleaned up.\n";
-  if (state.kind == failed) return "Couldn't read Docker's disk usage: " + printable(state.error) + '\n';
+  if (state.kind == notRunning) return std::string{FindingText::startDocker} + '\n';
+  if (state.kind == failed) return FindingText::dockerFailed(printable(state.error)) + '\n';
   Table table{2};
   for (const auto& usage : state.payload) {
     table.add({shownSize(usage.reclaimable, scene), "of " + shownSize(usage.size, scene),
-               printable(usage.type),
-               std::to_string(usage.active) + " of " + std::to_string(usage.count) + " in use"});
+               printable(usage.type), FindingText::inUse(usage.active, usage.count)});
   }
-  return table.empty() ? "Docker keeps nothing.\n" : "Can be freed\n" + table.text();
+  return table.empty() ? std::string{FindingText::noDockerData} + '\n' : "Can be freed\n" + table.text();
 }
 
 std::string ollamaText(const OllamaState& state, const Scene& scene) {
   using enum OllamaState::Kind;
   if (state.kind == notInstalled) return "Ollama isn't installed.\n";
-  if (state.kind == notRunning) return "Open Ollama to see your models.\n";
-  if (state.kind == failed) return "Couldn't read Ollama's models: " + printable(state.error) + '\n';
+  if (state.kind == notRunning) return std::string{FindingText::openOllama} + '\n';
+  if (state.kind == failed) return FindingText::ollamaFailed(printable(state.error)) + '\n';
   Table table{1};
   for (const auto& model : state.payload | std::views::take(scene.top)) {
     table.add({shownSize(model.size, scene), printable(model.name), printable(model.modified)});
   }
   addRest(table, state.payload.size(), scene.top);
-  return table.empty() ? "No models.\n" : table.text();
+  return table.empty() ? std::string{FindingText::noOllamaModels} + '\n' : table.text();
 }
 
 }  // namespace

@@ -10,8 +10,6 @@ namespace spacemint::ctl {
 
 namespace {
 
-constexpr double staleDays = 30;
-
 Json jsonOf(const GitWorktree& worktree, Date now) {
   return {{"path", jsonText(worktree.path)},
           {"size", worktree.size},
@@ -20,7 +18,7 @@ Json jsonOf(const GitWorktree& worktree, Date now) {
           {"branch", jsonOptional(worktree.branch)},
           {"lastUsed", jsonDate(worktree.lastUsed)},
           {"isOrphaned", worktree.isOrphaned},
-          {"isOld", worktree.isOld(now, staleDays)}};
+          {"isOld", worktree.isOld(now, GitWorktrees::staleDays)}};
 }
 
 // The repository and what is checked out, as far as they are known.
@@ -38,11 +36,12 @@ std::expected<Findings, Error> worktreeFindings(const Scene& scene) {
   for (const GitWorktree& each : worktrees) list.push_back(jsonOf(each, scene.now));
 
   // Those nobody works in first.
-  std::ranges::stable_partition(worktrees,
-                                [&](const GitWorktree& each) { return each.isOld(scene.now, staleDays); });
+  std::ranges::stable_partition(
+      worktrees, [&](const GitWorktree& each) { return each.isOld(scene.now, GitWorktrees::staleDays); });
   Table table{1};
   for (const GitWorktree& each : worktrees | std::views::take(scene.top)) {
-    table.add({shownSize(each.size, scene), each.isOld(scene.now, staleDays) ? "stale" : "active",
+    table.add({shownSize(each.size, scene),
+               each.isOld(scene.now, GitWorktrees::staleDays) ? "stale" : "active",
                FindingText::worktreeLine(each, scene.now, scene.wording.locale), origin(each),
                shownPath(each.path, scene)});
   }

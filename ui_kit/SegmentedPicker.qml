@@ -77,6 +77,7 @@ T.Control {
                     text: modelData
                     focusPolicy: Qt.NoFocus
                     Accessible.role: Accessible.RadioButton
+                    Accessible.name: text
                     Accessible.checkable: true
                     Accessible.checked: index === root.currentIndex
                     onClicked: root.choose(index)

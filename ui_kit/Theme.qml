@@ -7,6 +7,8 @@ import Spacemint.UiKit
 ThemeBase {
     readonly property color shadow: dynamic(0, 0)
     readonly property font title: text(28, Font.DemiBold)
+    /// Over a page that has to wait.
+    readonly property color backdrop: Qt.rgba(0, 0, 0, 0.18)
 
     /// The font of figures and headlines.
     function display(size: real) : font {

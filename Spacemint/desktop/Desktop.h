@@ -1,10 +1,14 @@
 #pragma once
 
 #include "Spacemint/desktop/ActivityScheduler.h"
+#include "Spacemint/desktop/Appearance.h"
+#include "Spacemint/desktop/Badge.h"
 #include "Spacemint/desktop/Clock.h"
+#include "Spacemint/desktop/LoginItem.h"
 #include "Spacemint/desktop/Notifier.h"
 #include "Spacemint/desktop/Opener.h"
 #include "Spacemint/desktop/StartupVolume.h"
+#include "Spacemint/desktop/StatusItem.h"
 #include "Spacemint/desktop/Tasks.h"
 #include "Spacemint/desktop/TrashCan.h"
 
@@ -19,6 +23,10 @@ struct Desktop {
   Opener& opener;
   ActivityScheduler& scheduler;
   StartupVolume& volume;
+  StatusItem& statusItem;
+  Badge& badge;
+  Appearance& appearance;
+  LoginItem& loginItem;
 };
 
 }  // namespace spacemint

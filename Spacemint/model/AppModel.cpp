@@ -80,6 +80,10 @@ std::optional<DeviceBackup> AppModel::oldBackup() const {
   return largest != nullptr ? std::optional{*largest} : std::nullopt;
 }
 
+bool AppModel::isInTrash(const std::string& path) const {
+  return spacemint::isInTrash(path, host_.home, host_.data);
+}
+
 void AppModel::start() {
   volume_.start();
   history_.load([this] { launchCheck(); });

@@ -71,6 +71,8 @@ class AppModel : public QObject {
   bool showingSettings() const { return showingSettings_; }
   /// The largest device backup that is old and large enough to point at.
   std::optional<DeviceBackup> oldBackup() const;
+  /// Whether the path lies in the user's Trash, so that all that is left is to delete it.
+  bool isInTrash(const std::string& path) const;
 
   // What the application tells.
 

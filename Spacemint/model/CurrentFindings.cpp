@@ -43,6 +43,8 @@ void CurrentFindings::assign(Findings findings) {
   if (before.baselineFree != now.baselineFree || before.baselineUnavailable != now.baselineUnavailable) {
     Q_EMIT baselineChanged();
   }
+  isReady_ = history_.snapshot() != nullptr;
+  Q_EMIT updated();
 }
 
 }  // namespace spacemint

@@ -19,6 +19,8 @@ class CurrentFindings : public QObject {
   CurrentFindings(ScanHistory& history, Tasks& tasks, Home home);
 
   const Findings& findings() const { return findings_; }
+  /// Whether the current scan was looked through; until then nothing was found and may yet be.
+  bool isReady() const { return isReady_; }
 
  Q_SIGNALS:
   // Each says that this part is another than before.
@@ -31,6 +33,8 @@ class CurrentFindings : public QObject {
   void huggingFaceChanged();
   void largestFilesChanged();
   void baselineChanged();
+  /// The scan was looked through: all parts are as they are now.
+  void updated();
 
  private:
   void recompute();
@@ -40,6 +44,7 @@ class CurrentFindings : public QObject {
   Tasks& tasks_;
   Home home_;
   Findings findings_;
+  bool isReady_ = false;
 };
 
 }  // namespace spacemint

@@ -1,5 +1,32 @@
 import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
 
-Item {
+/// The largest files.
+ColumnLayout {
+    id: root
+
     required property Ui ui
+
+    spacing: 0
+
+    SectionHeader {
+        Layout.margins: 20
+        Layout.bottomMargin: 10
+        title: "Largest files"
+    }
+    Placeholder {
+        Layout.leftMargin: 20
+        Layout.rightMargin: 20
+        text: root.ui.files.largest.text
+    }
+    LongList {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        rows: root.ui.files.largest.rows
+        name: "Largest files"
+        topMargin: 4
+        focus: true
+    }
 }

@@ -1,5 +1,100 @@
-import QtQuick
+pragma ComponentBehavior: Bound
 
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// One folder, and what takes space in it.
 Item {
+    id: root
+
     required property Ui ui
+
+    readonly property Folders folders: ui.folders
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        RowLayout {
+            Layout.margins: 20
+            Layout.bottomMargin: 10
+            spacing: 6
+
+            IconButton {
+                visible: root.folders.parentTitle
+                symbol: LayoutMirroring.enabled ? "chevron.right" : "chevron.left"
+                help: root.folders.parentTitle
+                onClicked: root.folders.goBack()
+            }
+            ColumnLayout {
+                spacing: 1
+
+                Label {
+                    Layout.fillWidth: true
+                    visible: text
+                    text: root.folders.parentTitle
+                    textFormat: Text.PlainText
+                    size: 11
+                    color: Theme.secondary
+                    elide: Text.ElideMiddle
+
+                    TapHandler {
+                        onTapped: root.folders.goBack()
+                    }
+                    HoverHandler {
+                        cursorShape: Qt.PointingHandCursor
+                    }
+                }
+                SectionLabel {
+                    Layout.fillWidth: true
+                    title: root.folders.title
+                    textFormat: Text.PlainText
+                    size: 15
+                    elide: Text.ElideMiddle
+                }
+            }
+            Label {
+                text: root.folders.sizeText
+                size: 13
+                color: Theme.secondary
+            }
+            IconButton {
+                symbol: "magnifyingglass"
+                help: ItemText.showInFinder
+                onClicked: root.folders.reveal()
+            }
+        }
+        Placeholder {
+            Layout.leftMargin: 20
+            Layout.rightMargin: 20
+            text: root.folders.content.text
+        }
+        LongList {
+            id: list
+
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            rows: root.folders.content.rows
+            name: root.folders.title
+            hasChevrons: true
+            topMargin: 4
+            focus: true
+            Keys.onPressed: event => {
+                if (event.key !== Qt.Key_Backspace && !(event.key === Qt.Key_Left && event.modifiers & Qt.AltModifier))
+                    return;
+                root.folders.goBack();
+                event.accepted = true;
+            }
+        }
+    }
+    Connections {
+        target: root.folders
+
+        function onOpened() {
+            list.currentIndex = 0;
+            list.positionViewAtBeginning();
+        }
+    }
 }

@@ -1,5 +1,112 @@
-import QtQuick
+pragma ComponentBehavior: Bound
 
-Item {
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// What grew, and where space can be freed.
+ScrollColumn {
+    id: root
+
     required property Ui ui
+    property bool showAllGrowth: false
+
+    readonly property Overview overview: ui.overview
+    readonly property string growthToggle: overview.growthToggle(overview.growth.rows.count, showAllGrowth)
+
+    padding: 20
+    spacing: 10
+
+    SectionHeader {
+        title: "What changed"
+
+        Picker {
+            visible: root.overview.baselines.length > 0
+            model: root.overview.baselines
+            currentIndex: root.overview.baselineIndex
+            Accessible.name: "Compared with the scan of"
+            onActivated: index => root.overview.chooseBaseline(index)
+        }
+    }
+    Label {
+        Layout.fillWidth: true
+        visible: text
+        text: root.overview.freeChange
+        color: Theme.secondary
+        size: 12
+        wrapMode: Text.Wrap
+    }
+    Placeholder {
+        text: root.overview.growth.text
+    }
+    Card {
+        Layout.fillWidth: true
+        visible: root.overview.growth.rows.count > 0
+        padding: 4
+        spacing: 0
+
+        RowList {
+            id: growth
+
+            Layout.fillWidth: true
+            Layout.preferredHeight: root.showAllGrowth || !root.growthToggle ? contentHeight : itemsHeight
+            readonly property real itemsHeight: contentHeight / Math.max(1, count) * root.overview.growthShown
+
+            rows: root.overview.growth.rows
+            name: "What grew"
+            hasChevrons: true
+            sizeColor: Theme.amberInk
+            clip: true
+            interactive: false
+        }
+        QuietButtonStyle {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.topMargin: 2
+            Layout.bottomMargin: 2
+            visible: root.growthToggle
+            text: root.growthToggle
+            onClicked: root.showAllGrowth = !root.showAllGrowth
+        }
+    }
+
+    SectionHeader {
+        Layout.topMargin: 10
+        title: "Where to free up space"
+    }
+    AccessCard {
+        ui: root.ui
+        visible: !root.overview.hasAccess
+    }
+    CardList {
+        items: root.overview.trash
+        row: TrashCard {
+            rows: root.overview.trash
+        }
+    }
+    CardList {
+        items: root.overview.backups
+        row: BackupCard {
+            rows: root.overview.backups
+        }
+    }
+    Placeholder {
+        text: root.overview.suggestions.text
+    }
+    Card {
+        Layout.fillWidth: true
+        visible: suggestions.count > 0
+        padding: 4
+        spacing: 0
+
+        Repeater {
+            id: suggestions
+
+            model: root.overview.suggestions.rows
+
+            SuggestionRow {
+                rows: root.overview.suggestions.rows
+            }
+        }
+    }
 }

@@ -1,5 +1,186 @@
 import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
 
-Item {
+/// The page on which everything is set.
+Rectangle {
+    id: root
+
     required property Ui ui
+    readonly property SettingsForm form: ui.settings
+
+    color: Theme.canvas
+    Component.onCompleted: form.refresh()
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: 14
+            Layout.topMargin: 12
+            Layout.bottomMargin: 12
+            spacing: 6
+
+            IconButton {
+                symbol: "chevron.left"
+                help: "Back"
+                onClicked: root.ui.page.showingSettings = false
+            }
+            Label {
+                text: "Settings"
+                size: 15
+                weight: Font.DemiBold
+                Accessible.role: Accessible.Heading
+            }
+        }
+        RowDivider {
+            Layout.fillWidth: true
+        }
+        ScrollColumn {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            padding: 20
+            spacing: 12
+
+            SettingsSection {
+                title: "Warning"
+                footnote: "Orange in the menu bar below this level, red at half. You also get a notification."
+
+                SettingsRow {
+                    title: "Warn me below"
+
+                    Picker {
+                        model: root.form.thresholds
+                        currentIndex: root.form.threshold
+                        Accessible.name: "Warn me below"
+                        onActivated: index => root.form.chooseThreshold(index)
+                    }
+                }
+                SettingsRow {
+                    title: "Notifications"
+
+                    SecondaryButtonStyle {
+                        text: root.form.notificationsAllowed ? "Send test" : "Turned off · Open Settings"
+                        onClicked: root.form.notificationsAllowed ? root.form.sendTestNotification() : root.form.openNotificationSettings()
+                    }
+                }
+            }
+            SettingsSection {
+                title: "Background scan"
+                footnote: root.form.scanFootnote
+
+                SettingsRow {
+                    title: "Scan"
+
+                    Picker {
+                        model: root.form.scopes
+                        currentIndex: root.form.scope
+                        Accessible.name: "Scan"
+                        onActivated: index => root.form.chooseScope(index)
+                    }
+                }
+                SettingsRow {
+                    title: "How often"
+
+                    Picker {
+                        model: root.form.intervals
+                        currentIndex: root.form.interval
+                        Accessible.name: "How often"
+                        onActivated: index => root.form.chooseInterval(index)
+                    }
+                }
+                SettingsRow {
+                    title: "Full Disk Access"
+
+                    Symbol {
+                        visible: root.ui.page.hasAccess
+                        symbol: "checkmark.circle.fill"
+                        size: 18
+                        color: Theme.teal
+                        Accessible.ignored: false
+                        Accessible.role: Accessible.StaticText
+                        Accessible.name: "On"
+                    }
+                    SecondaryButtonStyle {
+                        visible: !root.ui.page.hasAccess
+                        text: "Turn on"
+                        onClicked: root.ui.page.openAccessSettings()
+                    }
+                }
+            }
+            SettingsSection {
+                title: "General"
+                footnote: "Once a day, Spacemint tells us it's in use, with its version and your macOS version. Nothing about you or your files."
+
+                SettingsRow {
+                    title: "Show Spacemint in"
+
+                    SegmentedPicker {
+                        model: root.form.presences
+                        currentIndex: root.form.presence
+                        Accessible.name: "Show Spacemint in"
+                        onActivated: index => root.form.choosePresence(index)
+                    }
+                }
+                Toggle {
+                    Layout.fillWidth: true
+                    text: "Show free space in the menu bar"
+                    checked: root.form.showsFreeSpace
+                    onToggled: root.form.setShowsFreeSpace(checked)
+                }
+                Toggle {
+                    id: login
+
+                    Layout.fillWidth: true
+                    text: "Open at login"
+                    checked: root.form.launchesAtLogin
+                    onToggled: {
+                        root.form.setLaunchesAtLogin(checked);
+                        checked = Qt.binding(() => root.form.launchesAtLogin);
+                    }
+                }
+                Label {
+                    Layout.fillWidth: true
+                    visible: text
+                    text: root.form.loginError
+                    size: 11
+                    color: Theme.critical
+                    wrapMode: Text.Wrap
+                }
+                Toggle {
+                    Layout.fillWidth: true
+                    text: "Share anonymous usage"
+                    enabled: root.form.usage
+                    checked: root.form.sharesUsage
+                    onToggled: root.form.setSharesUsage(checked)
+                }
+            }
+            Loader {
+                Layout.fillWidth: true
+                visible: active
+                active: root.form.updates
+                sourceComponent: UpdatesSection {
+                    updates: root.form.updates
+                }
+            }
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.topMargin: 6
+
+                Label {
+                    Layout.fillWidth: true
+                    text: "Spacemint"
+                    size: 11
+                    color: Theme.secondary
+                }
+                SecondaryButtonStyle {
+                    text: "Quit Spacemint"
+                    onClicked: root.ui.quit()
+                }
+            }
+        }
+    }
 }

@@ -1,37 +1,64 @@
 #pragma once
 
-#include "Spacemint/desktop/Desktop.h"
-#include "Spacemint/model/AppModel.h"
+#include "Spacemint/views/Developer.h"
+#include "Spacemint/views/Files.h"
+#include "Spacemint/views/Folders.h"
+#include "Spacemint/views/ItemActions.h"
+#include "Spacemint/views/Overview.h"
+#include "Spacemint/views/Page.h"
+#include "Spacemint/views/Question.h"
+#include "Spacemint/views/ScanControl.h"
+#include "Spacemint/views/SettingsForm.h"
+#include "Spacemint/views/Summary.h"
+#include "Spacemint/views/UiHost.h"
 
 #include <QQmlEngine>
 
-#include <functional>
-#include <string>
-
 namespace spacemint {
-
-/// What the views stand on. All of it outlives them.
-struct UiHost {
-  AppModel& model;
-  Desktop desktop;
-  std::string home;
-  std::string locale;
-  /// Ends the application.
-  std::function<void()> quit;
-};
 
 /// The model as the views see it: one object for both the panel and the window. Main thread only.
 class Ui : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made once by the application")
+  // The page around the tabs.
+  Q_PROPERTY(spacemint::Page* page READ page CONSTANT)
+  Q_PROPERTY(spacemint::Summary* summary READ summary CONSTANT)
+  Q_PROPERTY(spacemint::ScanControl* scan READ scan CONSTANT)
+  Q_PROPERTY(spacemint::Question* confirmation READ confirmation CONSTANT)
+  Q_PROPERTY(spacemint::SettingsForm* settings READ settings CONSTANT)
+  // The tabs.
+  Q_PROPERTY(spacemint::Overview* overview READ overview CONSTANT)
+  Q_PROPERTY(spacemint::Folders* folders READ folders CONSTANT)
+  Q_PROPERTY(spacemint::Files* files READ files CONSTANT)
+  Q_PROPERTY(spacemint::Developer* developer READ developer CONSTANT)
  public:
   explicit Ui(UiHost host);
+
+  Page* page() { return &page_; }
+  Summary* summary() { return &summary_; }
+  ScanControl* scan() { return &scan_; }
+  Question* confirmation() { return &confirmation_; }
+  SettingsForm* settings() { return &settings_; }
+  Overview* overview() { return &overview_; }
+  Folders* folders() { return &folders_; }
+  Files* files() { return &files_; }
+  Developer* developer() { return &developer_; }
 
   Q_INVOKABLE void quit() const { host_.quit(); }
 
  private:
   UiHost host_;
+  Page page_{host_};
+  Summary summary_{host_};
+  ScanControl scan_{host_};
+  Question confirmation_{host_};
+  SettingsForm settings_{host_};
+  ItemActions itemActions_{host_};
+  Overview overview_{itemActions_};
+  Folders folders_{itemActions_};
+  Files files_{itemActions_};
+  Developer developer_{itemActions_};
 };
 
 }  // namespace spacemint

@@ -38,6 +38,9 @@ struct GitWorktree {
 /// each are read. No program is started.
 namespace GitWorktrees {
 
+/// A worktree that was not used for so long is pointed at.
+inline constexpr double staleDays = 30;
+
 /// The worktree in the folder at `path`; absent when it is none, when its repository belongs to another copy
 /// of it, or when what it says cannot be read.
 std::optional<GitWorktree> inspect(const std::string& path, Bytes size);

@@ -1,5 +1,6 @@
 #include "core/places/TrashPlace.h"
 
+#include "core/base/Unicode.h"
 #include "core/tree/Paths.h"
 
 namespace spacemint {
@@ -11,6 +12,14 @@ TrashPlace trashPlace(const Snapshot* scan, std::string_view home, std::string_v
   return {.folder = folder,
           .emptied = {Paths::join(folder, "files"), Paths::join(folder, "info"),
                       Paths::join(folder, "expunged")}};
+}
+
+bool isInTrash(std::string_view path, std::string_view home, std::string_view data) {
+  const std::string shortPath = Paths::logical(path);
+  const auto isIn = [&](const std::string& folder) {
+    return canonicalPrefixLength(shortPath, Paths::join(folder, "")).has_value();
+  };
+  return isIn(Paths::join(home, ".Trash")) || isIn(Paths::join(data, "Trash"));
 }
 
 }  // namespace spacemint

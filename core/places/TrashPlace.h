@@ -20,4 +20,7 @@ struct TrashPlace {
 /// data.
 TrashPlace trashPlace(const Snapshot* scan, std::string_view home, std::string_view data);
 
+/// Whether a path lies in one of the two; the Trash itself does not.
+bool isInTrash(std::string_view path, std::string_view home, std::string_view data);
+
 }  // namespace spacemint

@@ -20,6 +20,18 @@ std::string FindingText::noCaches(Bytes minimum, const std::string& locale) {
   return "No package or build caches over " + ByteFormat::string(minimum, locale) + ".";
 }
 
+std::string FindingText::dockerFailed(const std::string& reason) {
+  return "Couldn't read Docker's disk usage: " + reason;
+}
+
+std::string FindingText::ollamaFailed(const std::string& reason) {
+  return "Couldn't read Ollama's models: " + reason;
+}
+
+std::string FindingText::inUse(std::int64_t active, std::int64_t count) {
+  return std::to_string(active) + " of " + std::to_string(count) + " in use";
+}
+
 std::string FindingText::warning(SpaceLevel level, std::int64_t thresholdGB) {
   switch (level) {
     case SpaceLevel::ok:

@@ -18,6 +18,10 @@ inline constexpr std::string_view nothingToCompare = "After the next scan, this 
 inline constexpr std::string_view nothingToClean = "Nothing obvious to clean up.";
 inline constexpr std::string_view noOldWorktrees = "No worktrees untouched for a month.";
 inline constexpr std::string_view repositoryIsGone = "Repository is gone";
+inline constexpr std::string_view startDocker = "Start Docker or OrbStack to see what can be cleaned up.";
+inline constexpr std::string_view noDockerData = "Docker keeps nothing.";
+inline constexpr std::string_view openOllama = "Open Ollama to see your models.";
+inline constexpr std::string_view noOllamaModels = "No models.";
 
 /// "Free space dropped by 2 GB, from 34 GB to 32 GB".
 std::string freeChange(Bytes before, Bytes after, const std::string& locale);
@@ -26,6 +30,12 @@ std::string freeChange(Bytes before, Bytes after, const std::string& locale);
 std::string nothingGrew(Bytes minimum, const std::string& locale);
 /// "No package or build caches over 50 MB."
 std::string noCaches(Bytes minimum, const std::string& locale);
+
+/// What to say when the tool failed, for the reason that it gave.
+std::string dockerFailed(const std::string& reason);
+std::string ollamaFailed(const std::string& reason);
+/// "3 of 7 in use"
+std::string inUse(std::int64_t active, std::int64_t count);
 
 /// What a level below ok means; empty for ok.
 std::string warning(SpaceLevel level, std::int64_t thresholdGB);

@@ -5,6 +5,9 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <iterator>
+
 namespace spacemint::gallery {
 
 namespace {
@@ -26,7 +29,7 @@ QVariantMap namesOf(const Table& table) {
 }  // namespace
 
 std::vector<Page> pages() {
-  return {
+  std::vector<Page> all{
       {QStringLiteral("kit-colours"), kit("Colours"), [] { return namesOf(colours); }},
       {QStringLiteral("kit-fonts"), kit("Fonts")},
       {QStringLiteral("kit-symbols"), kit("Symbols"), [] { return namesOf(symbolDrawings); }},
@@ -47,6 +50,8 @@ std::vector<Page> pages() {
          return QVariantMap{{QStringLiteral("shown"), 2}};
        }},
   };
+  std::ranges::move(pagesOfPanel(), std::back_inserter(all));
+  return all;
 }
 
 }  // namespace spacemint::gallery

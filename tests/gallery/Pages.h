@@ -23,6 +23,9 @@ struct Page {
   int margin = 24;
 };
 
+/// Those of the page around the tabs.
+std::vector<Page> pagesOfPanel();
+
 /// All pages, in the order in which they are drawn.
 std::vector<Page> pages();
 

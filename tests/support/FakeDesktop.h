@@ -124,6 +124,67 @@ class FakeVolume final : public StartupVolume {
   int readings = 0;
 };
 
+class FakeStatusItem final : public StatusItem {
+ public:
+  void install() override { installed = true; }
+  void remove() override { installed = false; }
+  bool isInstalled() const override { return installed; }
+  void setLook(const StatusLook& newLook) override { look = newLook; }
+  void setMenu(std::vector<StatusMenuEntry> entries) override { menu = std::move(entries); }
+  Area area() const override { return current; }
+  std::optional<QPoint> position() const override { return clickedAt; }
+
+  void click(QPoint at) {
+    clickedAt = at;
+    Q_EMIT activated();
+  }
+  void setArea(Area area) {
+    current = area;
+    Q_EMIT areaChanged();
+  }
+
+  bool installed = false;
+  StatusLook look;
+  std::vector<StatusMenuEntry> menu;
+  Area current = Area::present;
+  std::optional<QPoint> clickedAt;
+};
+
+class FakeBadge final : public Badge {
+ public:
+  void show(Bytes free) override { shown = free; }
+  void clear() override { shown.reset(); }
+
+  std::optional<Bytes> shown;
+};
+
+class FakeAppearance final : public Appearance {
+ public:
+  void follow() override {}
+  bool isDark() const override { return dark; }
+  bool reducedMotion() const override { return still; }
+
+  bool dark = false;
+  bool still = false;
+};
+
+class FakeLoginItem final : public LoginItem {
+ public:
+  bool isEnabled() const override { return enabled; }
+  std::expected<void, Error> enable() override { return set(true); }
+  std::expected<void, Error> disable() override { return set(false); }
+
+  bool enabled = false;
+  std::optional<Error> failure;
+
+ private:
+  std::expected<void, Error> set(bool value) {
+    if (failure) return std::unexpected(*failure);
+    enabled = value;
+    return {};
+  }
+};
+
 /// A desktop whose time a test moves by hand, on one thread.
 class FakeDesktop {
  public:
@@ -134,8 +195,15 @@ class FakeDesktop {
   FakeOpener opener;
   FakeScheduler scheduler{clock};
   FakeVolume volume;
+  FakeStatusItem statusItem;
+  FakeBadge badge;
+  FakeAppearance appearance;
+  FakeLoginItem loginItem;
 
-  Desktop desktop() { return {clock, tasks, notifier, trash, opener, scheduler, volume}; }
+  Desktop desktop() {
+    return {clock,  tasks,      notifier, trash,      opener,   scheduler,
+            volume, statusItem, badge,    appearance, loginItem};
+  }
 
   /// Runs everything that can run without time passing.
   void settle();

@@ -11,6 +11,12 @@ namespace InstalledFiles {
 /// The property list with the product's name and version. SPACEMINT_INFO in the environment names another.
 std::string information();
 
+/// The running program itself.
+std::string program();
+
+/// The application's entry for menus, which only an installation has.
+std::string desktopEntry();
+
 /// The page that tells how to give and take rights by hand.
 std::string permissionsHelp();
 

@@ -4,7 +4,11 @@ namespace spacemint {
 
 LinuxDesktop::LinuxDesktop()
     : notifier_(QDBusConnection::sessionBus()),
-      opener_(QDBusConnection::sessionBus(), XdgOpener::Places::current()) {}
+      opener_(QDBusConnection::sessionBus(), XdgOpener::Places::current()),
+      statusItem_(QDBusConnection::sessionBus(), qEnvironmentVariable("XDG_CURRENT_DESKTOP")),
+      badge_(QDBusConnection::sessionBus()),
+      appearance_(QDBusConnection::sessionBus()),
+      loginItem_(AutostartEntry::Places::current()) {}
 
 Desktop LinuxDesktop::desktop() {
   return {.clock = clock_,
@@ -13,7 +17,11 @@ Desktop LinuxDesktop::desktop() {
           .trash = trash_,
           .opener = opener_,
           .scheduler = scheduler_,
-          .volume = volume_};
+          .volume = volume_,
+          .statusItem = statusItem_,
+          .badge = badge_,
+          .appearance = appearance_,
+          .loginItem = loginItem_};
 }
 
 }  // namespace spacemint

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "Spacemint/desktop/Desktop.h"
+#include "Spacemint/desktop/linux/AutostartEntry.h"
 #include "Spacemint/desktop/linux/CoarseScheduler.h"
 #include "Spacemint/desktop/linux/DBusNotifier.h"
 #include "Spacemint/desktop/linux/HostVolume.h"
+#include "Spacemint/desktop/linux/LauncherBadge.h"
 #include "Spacemint/desktop/linux/LinuxClock.h"
+#include "Spacemint/desktop/linux/PortalAppearance.h"
+#include "Spacemint/desktop/linux/StatusNotifierItem.h"
 #include "Spacemint/desktop/linux/ThreadTasks.h"
 #include "Spacemint/desktop/linux/XdgOpener.h"
 #include "Spacemint/desktop/linux/XdgTrash.h"
@@ -31,6 +35,10 @@ class LinuxDesktop {
   XdgOpener opener_;
   CoarseScheduler scheduler_;
   HostVolume volume_;
+  StatusNotifierItem statusItem_;
+  LauncherBadge badge_;
+  PortalAppearance appearance_;
+  AutostartEntry loginItem_;
 };
 
 }  // namespace spacemint

@@ -1,0 +1,7 @@
+#include "Spacemint/desktop/Appearance.h"
+
+namespace spacemint {
+
+Appearance::~Appearance() = default;
+
+}  // namespace spacemint

@@ -1,0 +1,7 @@
+#include "Spacemint/desktop/StatusItem.h"
+
+namespace spacemint {
+
+StatusItem::~StatusItem() = default;
+
+}  // namespace spacemint

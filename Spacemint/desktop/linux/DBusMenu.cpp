@@ -1,0 +1,93 @@
+#include "Spacemint/desktop/linux/DBusMenu.h"
+
+#include <QMetaObject>
+
+namespace spacemint {
+
+namespace {
+
+constexpr int root = 0;
+
+// An underscore would mark the letter that chooses the entry.
+QString label(const std::string& title) {
+  return QString::fromStdString(title).replace(QLatin1Char('_'), QStringLiteral("__"));
+}
+
+}  // namespace
+
+DBusMenu::DBusMenu(QObject* object) : QDBusAbstractAdaptor(object) {}
+
+void DBusMenu::setEntries(std::vector<StatusMenuEntry> entries) {
+  entries_ = std::move(entries);
+  Q_EMIT LayoutUpdated(++revision_, root);
+}
+
+QVariantMap DBusMenu::propertiesOf(int id) const {
+  if (id == root) return {{QStringLiteral("children-display"), QStringLiteral("submenu")}};
+  const StatusMenuEntry& entry = entries_.at(static_cast<std::size_t>(id) - 1);
+  if (entry.title.empty()) return {{QStringLiteral("type"), QStringLiteral("separator")}};
+  return {{QStringLiteral("label"), label(entry.title)}};
+}
+
+uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
+                         MenuNode& layout) const {
+  layout.id = parentId;
+  if (has(parentId)) layout.properties = propertiesOf(parentId);
+  if (parentId != root || recursionDepth == 0) return revision_;
+  for (int id = 1; has(id); ++id) {
+    const MenuNode child{.id = id, .properties = propertiesOf(id), .children = {}};
+    layout.children.append(QDBusVariant{QVariant::fromValue(child)});
+  }
+  return revision_;
+}
+
+MenuPropertiesList DBusMenu::GetGroupProperties(const QList<int>& ids,
+                                                const QStringList& /*propertyNames*/) const {
+  MenuPropertiesList all;
+  const auto add = [&](int id) { all.append({.id = id, .properties = propertiesOf(id)}); };
+  for (const int id : ids) {
+    if (has(id)) add(id);
+  }
+  if (ids.isEmpty()) {
+    for (int id = root; has(id); ++id) add(id);
+  }
+  return all;
+}
+
+QDBusVariant DBusMenu::GetProperty(int id, const QString& name) const {
+  const QVariant value = has(id) ? propertiesOf(id).value(name) : QVariant{};
+  return QDBusVariant{value.isValid() ? value : QVariant{QString{}}};
+}
+
+void DBusMenu::Event(int id, const QString& event, const QDBusVariant& /*data*/, uint /*time*/) {
+  if (event != QStringLiteral("clicked") || id == root || !has(id)) return;
+  const auto choose = entries_.at(static_cast<std::size_t>(id) - 1).choose;
+  // The host waits for an answer, and quitting must not keep it from that.
+  if (choose) QMetaObject::invokeMethod(parent(), choose, Qt::QueuedConnection);
+}
+
+QList<int> DBusMenu::EventGroup(const MenuEvents& events) {
+  QList<int> unknown;
+  for (const MenuEvent& event : events) {
+    if (has(event.id)) {
+      Event(event.id, event.event, event.data, event.time);
+    } else {
+      unknown.append(event.id);
+    }
+  }
+  return unknown;
+}
+
+// Whether the entry has changed since its layout was asked for: it tells of changes at once.
+bool DBusMenu::AboutToShow(int /*id*/) {
+  return false;
+}
+
+QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
+  for (const int id : ids) {
+    if (!has(id)) idErrors.append(id);
+  }
+  return {};
+}
+
+}  // namespace spacemint

@@ -1,0 +1,82 @@
+#include "Spacemint/desktop/linux/PortalAppearance.h"
+
+#include "Spacemint/desktop/linux/DBusCall.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <utility>
+
+namespace spacemint {
+
+namespace {
+
+const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
+
+const QString appearance = QStringLiteral("org.freedesktop.appearance");
+const QString colourScheme = QStringLiteral("color-scheme");
+// Where portals are too old to tell of motion, GNOME's own setting does.
+const QString reduced = QStringLiteral("reduced-motion");
+const QString gnome = QStringLiteral("org.gnome.desktop.interface");
+const QString animations = QStringLiteral("enable-animations");
+
+// The value comes in a variant, and some portals put that in another.
+QVariant unwrapped(QVariant value) {
+  while (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
+    value = value.value<QDBusVariant>().variant();
+  }
+  return value;
+}
+
+std::optional<bool> isDarkScheme(uint scheme) {
+  constexpr uint dark = 1;
+  constexpr uint light = 2;
+  if (scheme == dark) return true;
+  if (scheme == light) return false;
+  return std::nullopt;
+}
+
+bool isPaletteDark() {
+  constexpr int middle = 128;
+  return qGuiApp && QGuiApplication::palette().color(QPalette::Window).lightness() < middle;
+}
+
+}  // namespace
+
+void PortalAppearance::follow() {
+  qRegisterMetaType<QDBusVariant>("QDBusVariant");  // else the connection is refused
+  bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+               SLOT(settingChanged(QString, QString, QDBusVariant)));
+  ask(appearance, colourScheme);
+  ask(appearance, reduced);
+  ask(gnome, animations);
+}
+
+bool PortalAppearance::isDark() const {
+  return isDark_.value_or(isPaletteDark());
+}
+
+void PortalAppearance::ask(const QString& group, const QString& key) {
+  QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
+  callAsync(bus_, call << group << key, this, [this, group, key](const QDBusMessage& reply) {
+    if (reply.type() == QDBusMessage::ReplyMessage) take(group, key, reply.arguments().value(0));
+  });
+}
+
+void PortalAppearance::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
+  take(group, key, value.variant());
+}
+
+void PortalAppearance::take(const QString& group, const QString& key, const QVariant& value) {
+  const QVariant plain = unwrapped(value);
+  const bool wasDark = isDark();
+  const bool wasReduced = reducedMotion_;
+  if (group == appearance && key == colourScheme) isDark_ = isDarkScheme(plain.toUInt());
+  if (group == appearance && key == reduced) reducedMotion_ = plain.toUInt() == 1;
+  if (group == gnome && key == animations) reducedMotion_ = !plain.toBool();
+  if (isDark() != wasDark || reducedMotion_ != wasReduced) Q_EMIT changed();
+}
+
+}  // namespace spacemint

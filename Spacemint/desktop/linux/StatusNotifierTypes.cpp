@@ -1,0 +1,83 @@
+#include "Spacemint/desktop/linux/StatusNotifierTypes.h"
+
+#include <QDBusMetaType>
+
+namespace spacemint {
+
+namespace {
+
+template <class... Fields>
+QDBusArgument& write(QDBusArgument& out, const Fields&... fields) {
+  out.beginStructure();
+  (out << ... << fields);
+  out.endStructure();
+  return out;
+}
+
+template <class... Fields>
+const QDBusArgument& read(const QDBusArgument& in, Fields&... fields) {
+  in.beginStructure();
+  (in >> ... >> fields);
+  in.endStructure();
+  return in;
+}
+
+}  // namespace
+
+QDBusArgument& operator<<(QDBusArgument& out, const StatusPixmap& pixmap) {
+  return write(out, pixmap.width, pixmap.height, pixmap.pixels);
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, StatusPixmap& pixmap) {
+  return read(in, pixmap.width, pixmap.height, pixmap.pixels);
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const StatusToolTip& toolTip) {
+  return write(out, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, StatusToolTip& toolTip) {
+  return read(in, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const MenuNode& node) {
+  return write(out, node.id, node.properties, node.children);
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, MenuNode& node) {
+  return read(in, node.id, node.properties, node.children);
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const MenuProperties& properties) {
+  return write(out, properties.id, properties.properties);
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, MenuProperties& properties) {
+  return read(in, properties.id, properties.properties);
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const MenuRemovedProperties& removed) {
+  return write(out, removed.id, removed.names);
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, MenuRemovedProperties& removed) {
+  return read(in, removed.id, removed.names);
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const MenuEvent& event) {
+  return write(out, event.id, event.event, event.data, event.time);
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, MenuEvent& event) {
+  return read(in, event.id, event.event, event.data, event.time);
+}
+
+void registerStatusNotifierTypes() {
+  qDBusRegisterMetaType<StatusPixmap>();
+  qDBusRegisterMetaType<StatusPixmaps>();
+  qDBusRegisterMetaType<StatusToolTip>();
+  qDBusRegisterMetaType<QList<QDBusVariant>>();
+  qDBusRegisterMetaType<MenuNode>();
+  qDBusRegisterMetaType<MenuProperties>();
+  qDBusRegisterMetaType<MenuPropertiesList>();
+  qDBusRegisterMetaType<MenuRemovedProperties>();
+  qDBusRegisterMetaType<MenuRemovedPropertiesList>();
+  qDBusRegisterMetaType<MenuEvent>();
+  qDBusRegisterMetaType<MenuEvents>();
+}
+
+}  // namespace spacemint

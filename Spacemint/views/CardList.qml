@@ -1,0 +1,15 @@
+import QtQuick
+import QtQuick.Layouts
+
+/// A card for each of some items.
+ColumnLayout {
+    property alias items: repeater.model
+    property alias row: repeater.delegate
+
+    visible: repeater.count > 0
+    spacing: 10
+
+    Repeater {
+        id: repeater
+    }
+}

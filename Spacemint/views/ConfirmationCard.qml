@@ -1,0 +1,113 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// Asks before something is removed.
+FocusScope {
+    id: root
+
+    required property Ui ui
+    /// Of the corners of what it covers.
+    property real radius: 0
+    /// The question whose words are on the card, and no other, is what a button answers.
+    readonly property var asked: ui.confirmation.uuid
+
+    focus: true
+    Accessible.role: Accessible.Dialog
+    Accessible.name: ui.confirmation.title
+    Keys.onEscapePressed: ui.confirmation.dismiss()
+
+    Rectangle {
+        anchors.fill: parent
+        radius: root.radius
+        color: Theme.backdrop
+
+        MouseArea {
+            anchors.fill: parent
+            hoverEnabled: true
+            onClicked: root.ui.confirmation.dismiss()
+            onWheel: wheel => wheel.accepted = true
+        }
+    }
+    PopupSurface {
+        id: card
+
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 48, Theme.scaled(380))
+        height: Math.min(parent.height - 48, column.implicitHeight + 40)
+        radius: 14
+
+        MouseArea {
+            anchors.fill: parent
+        }
+        ColumnLayout {
+            id: column
+
+            anchors.fill: parent
+            anchors.margins: 20
+            spacing: 8
+
+            Label {
+                Layout.fillWidth: true
+                text: root.ui.confirmation.title
+                size: 16
+                weight: Font.DemiBold
+                wrapMode: Text.Wrap
+            }
+            Label {
+                Layout.fillWidth: true
+                Layout.topMargin: 4
+                text: root.ui.confirmation.subject
+                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                maximumLineCount: 8
+                horizontalAlignment: Text.AlignLeft
+                elide: Text.ElideRight
+            }
+            Label {
+                Layout.fillWidth: true
+                visible: text
+                text: root.ui.confirmation.detail
+                size: 11.5
+                color: Theme.secondary
+                elide: Text.ElideMiddle
+                horizontalAlignment: Text.AlignLeft
+            }
+            Label {
+                Layout.fillWidth: true
+                text: root.ui.confirmation.note
+                size: 12
+                color: Theme.secondary
+                wrapMode: Text.Wrap
+            }
+            RowLayout {
+                Layout.topMargin: 10
+                spacing: 8
+
+                Item {
+                    Layout.fillWidth: true
+                }
+                SecondaryButtonStyle {
+                    id: cancel
+
+                    Layout.fillHeight: true
+                    focus: true
+                    text: "Cancel"
+                    onClicked: root.ui.confirmation.dismiss()
+                }
+                PrimaryButtonStyle {
+                    text: root.ui.confirmation.actionTitle
+                    onClicked: root.ui.confirmation.perform(root.asked)
+                }
+            }
+        }
+    }
+    // Return is for the action, unless the person went to Cancel by the keyboard.
+    Shortcut {
+        sequences: ["Return", "Enter"]
+        // The key that brought the question here, and is still held, does not answer it.
+        autoRepeat: false
+        enabled: !cancel.visualFocus
+        onActivated: root.ui.confirmation.perform(root.asked)
+    }
+}

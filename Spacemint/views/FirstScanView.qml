@@ -1,0 +1,67 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// The first scan, while there is nothing else to show.
+Item {
+    id: root
+
+    required property Ui ui
+
+    ColumnLayout {
+        anchors.centerIn: parent
+        width: parent.width - 80
+        spacing: 16
+
+        LogoMark {
+            Layout.alignment: Qt.AlignHCenter
+            implicitWidth: Theme.scaled(72)
+            implicitHeight: implicitWidth
+            ink: Theme.ink
+            ceiling: Theme.lavenderInk
+
+            SequentialAnimation on opacity {
+                running: root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
+                loops: Animation.Infinite
+
+                NumberAnimation {
+                    to: 0.35
+                    duration: 900
+                    easing.type: Easing.InOutSine
+                }
+                NumberAnimation {
+                    to: 1
+                    duration: 900
+                    easing.type: Easing.InOutSine
+                }
+            }
+        }
+        Label {
+            Layout.fillWidth: true
+            text: "Taking stock of your disk…"
+            font: Theme.display(24)
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.Heading
+        }
+        ScanProgressView {
+            Layout.fillWidth: true
+            Layout.topMargin: 8
+            ui: root.ui
+        }
+        Label {
+            Layout.fillWidth: true
+            text: "This first scan runs quietly and takes a few minutes."
+            size: 12
+            color: Theme.secondary
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+        }
+        SecondaryButtonStyle {
+            Layout.alignment: Qt.AlignHCenter
+            text: "Stop"
+            onClicked: root.ui.scan.stop()
+        }
+    }
+}

@@ -1,0 +1,37 @@
+import QtQuick
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// What can be done with a row of a list. It stays that row's when the list changes below it.
+MenuPopup {
+    id: root
+
+    required property ItemRows rows
+    property int rowId: -1
+    property bool canTrash: false
+    property bool isInTrash: false
+
+    MenuEntry {
+        text: ItemText.showInFinder
+        symbol: "magnifyingglass"
+        onTriggered: root.rows.reveal(root.rowId)
+    }
+    MenuEntry {
+        text: ItemText.showInFolders
+        symbol: "folder"
+        onTriggered: root.rows.showInFolders(root.rowId)
+    }
+    MenuEntry {
+        text: ItemText.copyPath
+        symbol: "doc"
+        onTriggered: root.rows.copyPath(root.rowId)
+    }
+    MenuEntry {
+        visible: root.canTrash
+        height: visible ? implicitHeight : 0
+        text: ItemText.removeEntry(root.isInTrash)
+        symbol: root.isInTrash ? "trash.slash" : "trash"
+        ink: Theme.critical
+        onTriggered: root.rows.remove(root.rowId)
+    }
+}

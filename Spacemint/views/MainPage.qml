@@ -1,0 +1,81 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// The page of the free space and the tabs, or what stands in their place before the first scan.
+Rectangle {
+    id: root
+
+    required property Ui ui
+    readonly property bool isWelcome: ui.page.state === Page.Welcome
+
+    color: Theme.canvas
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        TopBar {
+            Layout.fillWidth: true
+            ui: root.ui
+        }
+        Loader {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: active
+            active: root.isWelcome
+            sourceComponent: WelcomeView {
+                ui: root.ui
+            }
+        }
+        SpaceSummary {
+            Layout.fillWidth: true
+            Layout.leftMargin: 20
+            Layout.rightMargin: 20
+            visible: !root.isWelcome && root.ui.summary.known
+            ui: root.ui
+        }
+        Loader {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: active
+            active: root.ui.page.state === Page.FirstScan
+            sourceComponent: FirstScanView {
+                ui: root.ui
+            }
+        }
+        Loader {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: active
+            active: root.ui.page.state === Page.Tabs
+            sourceComponent: TabPages {
+                ui: root.ui
+            }
+        }
+        MessageBanner {
+            Layout.fillWidth: true
+            Layout.leftMargin: 20
+            Layout.rightMargin: 20
+            Layout.topMargin: 8
+            Layout.bottomMargin: 8
+            visible: root.ui.page.message && !root.isWelcome
+            text: root.ui.page.message
+            action: root.ui.page.messageAction
+            onPerformed: root.ui.page.performMessageAction()
+            onDismissed: root.ui.page.dismissMessage()
+        }
+        RowDivider {
+            Layout.fillWidth: true
+            visible: footer.visible
+        }
+        Footer {
+            id: footer
+
+            Layout.fillWidth: true
+            visible: root.ui.page.state === Page.Tabs
+            ui: root.ui
+        }
+    }
+}

@@ -1,0 +1,29 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.Views
+
+/// The models that Ollama keeps.
+ColumnLayout {
+    id: root
+
+    required property Ui ui
+
+    readonly property Section ollama: ui.developer.ollama
+
+    visible: ollama.isShown
+    spacing: 10
+
+    SectionHeader {
+        id: header
+
+        title: "Local Ollama models"
+    }
+    StatusCard {
+        text: root.ollama.text
+        busy: root.ollama.isWaiting
+    }
+    SectionRows {
+        rows: root.ollama.rows
+        name: header.title
+    }
+}

@@ -1,0 +1,51 @@
+#include "Spacemint/views/Page.h"
+
+namespace spacemint {
+
+Page::Page(const UiHost& host) : host_(host) {
+  AppModel& model = host_.model;
+  connect(&model.history(), &ScanHistory::snapshotChanged, this, &Page::stateChanged);
+  connect(&model.scans(), &ScanLifecycle::progressChanged, this, &Page::stateChanged);
+  connect(&model, &AppModel::tabChanged, this, &Page::tabChanged);
+  connect(&model, &AppModel::showingSettingsChanged, this, &Page::showingSettingsChanged);
+  connect(&model, &AppModel::hasFullDiskAccessChanged, this, &Page::hasAccessChanged);
+  connect(&model.messages(), &Messages::changed, this, &Page::messageChanged);
+}
+
+Page::State Page::stateOf(bool hasSnapshot, bool isScanning) {
+  if (hasSnapshot) return State::Tabs;
+  return isScanning ? State::FirstScan : State::Welcome;
+}
+
+Page::State Page::state() const {
+  return stateOf(host_.model.history().snapshot() != nullptr, host_.model.scans().isScanning());
+}
+
+void Page::setTab(int tab) {
+  if (tab < 0 || tab >= static_cast<int>(allTabs.size())) return;
+  host_.model.setTab(allTabs[static_cast<std::size_t>(tab)]);
+}
+
+QStringList Page::tabTitles() const {
+  QStringList titles;
+  for (const Tab tab : allTabs) {
+    const std::string_view title = titleOf(tab);
+    titles << QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()));
+  }
+  return titles;
+}
+
+QString Page::message() const {
+  return QString::fromStdString(host_.model.messages().message().value_or(""));
+}
+
+QString Page::messageAction() const {
+  const auto& action = host_.model.messages().action();
+  return action ? QString::fromStdString(action->title) : QString{};
+}
+
+void Page::openAccessSettings() const {
+  host_.desktop.opener.openSettings(Opener::SettingsPage::fullDiskAccess);
+}
+
+}  // namespace spacemint

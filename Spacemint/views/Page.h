@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Spacemint/views/UiHost.h"
+
+#include <QQmlEngine>
+#include <QStringList>
+
+namespace spacemint {
+
+/// Which page is shown, and the message on it. Main thread only.
+class Page : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("a part of the interface's model")
+  Q_PROPERTY(State state READ state NOTIFY stateChanged)
+  Q_PROPERTY(int tab READ tab WRITE setTab NOTIFY tabChanged)
+  Q_PROPERTY(QStringList tabTitles READ tabTitles CONSTANT)
+  Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY showingSettingsChanged)
+  Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY hasAccessChanged)
+  Q_PROPERTY(QString message READ message NOTIFY messageChanged)
+  /// Empty where the message has no button.
+  Q_PROPERTY(QString messageAction READ messageAction NOTIFY messageChanged)
+ public:
+  // QML reads only values with a capital letter.
+  enum class State { Welcome, FirstScan, Tabs };
+  Q_ENUM(State)
+
+  explicit Page(const UiHost& host);
+
+  /// Before the first scan, during it, and ever after.
+  static State stateOf(bool hasSnapshot, bool isScanning);
+
+  State state() const;
+  int tab() const { return static_cast<int>(host_.model.tab()); }
+  void setTab(int tab);
+  QStringList tabTitles() const;
+  bool showingSettings() const { return host_.model.showingSettings(); }
+  void setShowingSettings(bool isShowing) { host_.model.setShowingSettings(isShowing); }
+  bool hasAccess() const { return host_.model.hasFullDiskAccess(); }
+  QString message() const;
+  QString messageAction() const;
+
+  Q_INVOKABLE void begin() const { host_.model.begin(); }
+  Q_INVOKABLE void openAccessSettings() const;
+  Q_INVOKABLE void performMessageAction() const { host_.model.performMessageAction(); }
+  Q_INVOKABLE void dismissMessage() const { host_.model.clearMessage(); }
+
+ Q_SIGNALS:
+  void stateChanged();
+  void tabChanged();
+  void showingSettingsChanged();
+  void hasAccessChanged();
+  void messageChanged();
+
+ private:
+  const UiHost& host_;
+};
+
+}  // namespace spacemint

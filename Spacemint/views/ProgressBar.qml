@@ -1,0 +1,54 @@
+import QtQuick
+import QtQuick.Templates as T
+import Spacemint.UiKit
+
+/// How far something is; a piece of it wanders while nobody knows.
+T.ProgressBar {
+    id: root
+
+    /// From 0 to 1; negative where that is not known.
+    property real fraction: -1
+
+    value: Math.max(0, fraction)
+    indeterminate: fraction < 0
+    implicitWidth: 120
+    implicitHeight: 6
+    focusPolicy: Qt.NoFocus
+
+    contentItem: Item {
+        clip: true
+
+        Rectangle {
+            readonly property real piece: 0.3
+
+            property real place: 0
+
+            x: root.indeterminate ? (parent.width * (1 + piece)) * place - width : 0
+            width: parent.width * (root.indeterminate ? piece : root.visualPosition)
+            height: parent.height
+            radius: height / 2
+            color: Theme.ink
+
+            Behavior on width {
+                enabled: !root.indeterminate
+
+                NumberAnimation {
+                    duration: Theme.duration(300)
+                    easing.type: Easing.OutCubic
+                }
+            }
+            NumberAnimation on place {
+                running: root.indeterminate && root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
+                from: 0
+                to: 1
+                duration: 1400
+                loops: Animation.Infinite
+                easing.type: Easing.InOutSine
+            }
+        }
+    }
+    background: Rectangle {
+        radius: height / 2
+        color: Theme.track
+    }
+}

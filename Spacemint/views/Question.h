@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Spacemint/views/UiHost.h"
+
+#include <QQmlEngine>
+#include <QUuid>
+
+namespace spacemint {
+
+/// The confirmation that is asked for. Main thread only.
+class Question : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("a part of the interface's model")
+  Q_PROPERTY(bool asked READ isAsked NOTIFY changed)
+  Q_PROPERTY(QUuid uuid READ uuid NOTIFY changed)
+  Q_PROPERTY(QString title READ title NOTIFY changed)
+  Q_PROPERTY(QString subject READ subject NOTIFY changed)
+  /// Usually a path; may be empty.
+  Q_PROPERTY(QString detail READ detail NOTIFY changed)
+  Q_PROPERTY(QString note READ note NOTIFY changed)
+  Q_PROPERTY(QString actionTitle READ actionTitle NOTIFY changed)
+ public:
+  explicit Question(const UiHost& host);
+
+  bool isAsked() const { return current().has_value(); }
+  QUuid uuid() const { return isAsked() ? current()->id : QUuid{}; }
+  QString title() const { return text(&Confirmation::title); }
+  QString subject() const { return text(&Confirmation::subject); }
+  QString detail() const;
+  QString note() const { return text(&Confirmation::note); }
+  QString actionTitle() const { return text(&Confirmation::actionTitle); }
+
+  /// Does what the question with this identifier asks about; nothing when another is asked by now.
+  Q_INVOKABLE void perform(const QUuid& uuid) const { host_.model.performConfirmation(uuid); }
+  Q_INVOKABLE void dismiss() const { host_.model.dismissConfirmation(); }
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  const std::optional<Confirmation>& current() const { return host_.model.confirmations().current(); }
+  QString text(std::string Confirmation::*field) const;
+
+  const UiHost& host_;
+};
+
+}  // namespace spacemint

@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// How far a scan is.
+ColumnLayout {
+    id: root
+
+    required property Ui ui
+    /// The smaller form for the footer.
+    property bool compact: false
+
+    spacing: compact ? 5 : 8
+
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 8
+
+        Label {
+            text: root.ui.scan.title
+            size: root.compact ? 11.5 : 13
+            weight: Font.Medium
+        }
+        Label {
+            Layout.fillWidth: true
+            text: root.ui.scan.detail
+            size: root.compact ? 11.5 : 12
+            color: Theme.secondary
+            horizontalAlignment: Text.AlignRight
+            elide: Text.ElideRight
+        }
+    }
+    ProgressBar {
+        Layout.fillWidth: true
+        fraction: root.ui.scan.fraction
+        implicitHeight: root.compact ? 4 : 6
+        Accessible.name: root.ui.scan.title
+    }
+    Timer {
+        interval: 1000
+        repeat: true
+        running: root.visible && root.Window.visibility !== Window.Hidden && root.ui.scan.scanning
+        onTriggered: root.ui.scan.refresh()
+    }
+}

@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+
+/// The rows of a section on a card, and below them what else belongs there.
+Card {
+    id: root
+
+    property alias rows: list.rows
+    property alias name: list.name
+    property alias wrapsSubtitles: list.wrapsSubtitles
+    default property alias below: end.data
+
+    Layout.fillWidth: true
+    visible: list.count > 0
+    padding: 4
+    spacing: 0
+
+    RowList {
+        id: list
+
+        Layout.fillWidth: true
+        maximumHeight: Theme.scaled(560)
+    }
+    ColumnLayout {
+        id: end
+
+        spacing: 0
+    }
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "AppServices/Updates.h"
+#include "AppServices/Usage.h"
+#include "Spacemint/views/SettingsText.h"
+#include "Spacemint/views/UiHost.h"
+
+#include <QQmlEngine>
+#include <QStringList>
+
+namespace spacemint {
+
+/// The settings as the page shows and changes them. Main thread only.
+class SettingsForm : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("a part of the interface's model")
+  Q_PROPERTY(QStringList thresholds READ thresholds NOTIFY changed)
+  Q_PROPERTY(int threshold READ threshold NOTIFY changed)
+  Q_PROPERTY(QStringList intervals READ intervals NOTIFY changed)
+  Q_PROPERTY(int interval READ interval NOTIFY changed)
+  Q_PROPERTY(QStringList scopes READ scopes CONSTANT)
+  Q_PROPERTY(int scope READ scope NOTIFY changed)
+  Q_PROPERTY(QStringList presences READ presences CONSTANT)
+  Q_PROPERTY(int presence READ presence NOTIFY changed)
+  Q_PROPERTY(bool showsFreeSpace READ showsFreeSpace NOTIFY changed)
+  Q_PROPERTY(bool notificationsAllowed READ notificationsAllowed NOTIFY notificationsAllowedChanged)
+  Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY accessChanged)
+  Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY loginChanged)
+  /// Why that could not be changed; empty where it could.
+  Q_PROPERTY(QString loginError READ loginError NOTIFY loginChanged)
+  /// Null where the product has no usage report, and no updates.
+  Q_PROPERTY(spacemint::Usage* usage READ usage CONSTANT)
+  Q_PROPERTY(spacemint::Updates* updates READ updates CONSTANT)
+  Q_PROPERTY(bool sharesUsage READ sharesUsage NOTIFY sharesUsageChanged)
+ public:
+  explicit SettingsForm(const UiHost& host);
+
+  QStringList thresholds() const { return labels(thresholdChoices()); }
+  int threshold() const { return indexOf(thresholdChoices(), prefs().warningThresholdGB()); }
+  QStringList intervals() const { return labels(intervalChoices()); }
+  int interval() const { return indexOf(intervalChoices(), prefs().scanIntervalHours()); }
+  QStringList scopes() const;
+  int scope() const { return static_cast<int>(prefs().scope()); }
+  QStringList presences() const;
+  int presence() const { return static_cast<int>(prefs().presence()); }
+  bool showsFreeSpace() const { return prefs().showFreeSpaceInMenuBar(); }
+  bool notificationsAllowed() const { return host_.model.warnings().notificationsAllowed(); }
+  QString scanFootnote() const;
+  bool launchesAtLogin() const { return host_.loginItem != nullptr && host_.loginItem->isEnabled(); }
+  const QString& loginError() const { return loginError_; }
+  Usage* usage() const { return host_.usage; }
+  Updates* updates() const { return host_.updates; }
+  bool sharesUsage() const { return host_.usage != nullptr && host_.usage->isShared(); }
+
+  Q_INVOKABLE void chooseThreshold(int index);
+  Q_INVOKABLE void chooseInterval(int index);
+  Q_INVOKABLE void chooseScope(int index);
+  Q_INVOKABLE void choosePresence(int index);
+  Q_INVOKABLE void setShowsFreeSpace(bool isShown) { prefs().setShowFreeSpaceInMenuBar(isShown); }
+  Q_INVOKABLE void setLaunchesAtLogin(bool launches);
+  Q_INVOKABLE void setSharesUsage(bool shares);
+  Q_INVOKABLE void sendTestNotification() { host_.model.sendTestNotification(); }
+  Q_INVOKABLE void openNotificationSettings() const;
+  /// The page is about to be seen: what others may have changed is read again.
+  Q_INVOKABLE void refresh();
+
+ Q_SIGNALS:
+  void changed();
+  void notificationsAllowedChanged();
+  void accessChanged();
+  void loginChanged();
+  void sharesUsageChanged();
+
+ private:
+  using Choices = std::vector<SettingsText::Choice>;
+
+  Preferences& prefs() const { return host_.model.prefs(); }
+  Choices thresholdChoices() const { return SettingsText::thresholds(prefs().warningThresholdGB()); }
+  Choices intervalChoices() const { return SettingsText::intervals(prefs().scanIntervalHours()); }
+  static QStringList labels(const Choices& choices);
+  static int indexOf(const Choices& choices, std::int64_t value);
+
+  const UiHost& host_;
+  Preferences::Subscription subscription_;
+  QString loginError_;
+};
+
+}  // namespace spacemint

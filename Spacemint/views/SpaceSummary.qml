@@ -1,0 +1,106 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// How much is free, of how much, and whether that is little.
+ColumnLayout {
+    id: root
+
+    required property Ui ui
+    readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][ui.summary.level]
+
+    spacing: 10
+
+    Item {
+        // Large letters need a line more.
+        readonly property bool isNarrow: word.x + word.width + 12 + total.width > width
+
+        Layout.fillWidth: true
+        implicitHeight: free.implicitHeight + (isNarrow ? total.implicitHeight : 0)
+
+        Label {
+            id: free
+
+            text: root.ui.summary.free
+            font: Theme.display(44)
+            color: root.levelColor
+        }
+        Label {
+            id: word
+
+            anchors.left: free.right
+            anchors.baseline: free.baseline
+            text: " free"
+            font: Theme.display(20)
+            color: root.levelColor
+        }
+        Label {
+            id: total
+
+            x: parent.isNarrow ? 0 : parent.width - width
+            y: parent.isNarrow ? free.height : free.baselineOffset - baselineOffset
+            text: root.ui.summary.total
+            size: 12
+            color: Theme.secondary
+        }
+    }
+    UsageBar {
+        id: bar
+
+        Layout.fillWidth: true
+        fraction: root.ui.summary.usedFraction
+        color: root.levelColor
+        Accessible.name: root.ui.summary.free + " free"
+
+        Rectangle {
+            x: root.ui.summary.tickFraction * bar.width - 1
+            y: -3
+            width: 2
+            height: 12
+            radius: 1
+            color: Theme.secondary
+
+            HoverHandler {
+                id: pointer
+
+                margin: 6
+            }
+            Help {
+                text: root.ui.summary.tickHelp
+                wanted: pointer.hovered
+            }
+        }
+    }
+    Rectangle {
+        Layout.fillWidth: true
+        Layout.topMargin: 2
+        visible: root.ui.summary.warning
+        implicitHeight: warning.implicitHeight + 20
+        radius: 10
+        color: Theme.warningFill
+        border.width: 1
+        border.color: Theme.warningBorder
+
+        Symbol {
+            id: sign
+
+            x: 10
+            y: 10
+            symbol: "exclamationmark.triangle.fill"
+            color: root.levelColor
+        }
+        Label {
+            id: warning
+
+            anchors.top: parent.top
+            anchors.left: sign.right
+            anchors.right: parent.right
+            anchors.margins: 10
+            text: root.ui.summary.warning
+            size: 12.5
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.AlertMessage
+        }
+    }
+}

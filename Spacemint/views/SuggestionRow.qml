@@ -1,0 +1,145 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// A kind of things to look through for space; it unfolds to where they lie.
+ColumnLayout {
+    id: root
+
+    required property ItemRows rows
+    required property int rowId
+    required property string title
+    required property string subtitle
+    required property string sizeText
+    required property string symbol
+    required property string buttonTitle
+    required property string busyTitle
+    required property bool isBusy
+    required property ItemRows parts
+
+    property bool expanded: false
+
+    Layout.fillWidth: true
+    spacing: 0
+
+    T.AbstractButton {
+        id: header
+
+        Layout.fillWidth: true
+        implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
+        Accessible.role: Accessible.Button
+        Accessible.name: `${root.title}, ${root.sizeText}`
+        Accessible.description: root.subtitle
+        Accessible.checkable: true
+        Accessible.checked: root.expanded
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
+        onClicked: root.expanded = !root.expanded
+
+        background: Rectangle {
+            radius: 8
+            color: Theme.hover
+            opacity: header.hovered || header.visualFocus ? 1 : 0
+        }
+        contentItem: Item {
+            RowLayout {
+                id: line
+
+                anchors {
+                    left: parent.left
+                    right: parent.right
+                    leftMargin: 10
+                    rightMargin: 10
+                    verticalCenter: parent.verticalCenter
+                }
+                spacing: 10
+
+                Symbol {
+                    symbol: root.symbol
+                    size: 18
+                    color: Theme.secondary
+                }
+                ColumnLayout {
+                    spacing: 2
+
+                    Label {
+                        Layout.fillWidth: true
+                        text: root.title
+                        elide: Text.ElideRight
+                        Accessible.ignored: true
+                    }
+                    Label {
+                        Layout.fillWidth: true
+                        text: root.subtitle
+                        size: 11
+                        color: Theme.secondary
+                        elide: Text.ElideRight
+                        Accessible.ignored: true
+                    }
+                }
+                SecondaryButtonStyle {
+                    visible: root.buttonTitle
+                    enabled: !root.isBusy
+                    text: root.isBusy ? root.busyTitle : root.buttonTitle
+                    onClicked: root.rows.pressButton(root.rowId)
+                }
+                Label {
+                    text: root.sizeText
+                    Accessible.ignored: true
+                }
+                Symbol {
+                    symbol: "chevron.down"
+                    size: 13
+                    color: header.hovered ? Theme.ink : Theme.tertiary
+                    rotation: root.expanded ? 180 : 0
+
+                    Behavior on rotation {
+                        NumberAnimation {
+                            duration: Theme.duration(180)
+                            easing.type: Easing.OutBack
+                        }
+                    }
+                }
+            }
+        }
+
+        FocusRing {
+            visible: header.visualFocus
+            around: 8
+            anchors.margins: 0
+        }
+    }
+    Item {
+        id: unfolded
+
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.scaled(18)
+        implicitHeight: root.expanded && list.item ? (list.item as RowList).implicitHeight + 4 : 0
+        visible: implicitHeight > 0
+        clip: true
+
+        Behavior on implicitHeight {
+            NumberAnimation {
+                duration: Theme.duration(200)
+                easing.type: Easing.OutCubic
+            }
+        }
+
+        Loader {
+            id: list
+
+            width: parent.width
+            active: root.expanded || unfolded.visible
+            sourceComponent: RowList {
+                rows: root.parts
+                name: root.title
+                hasChevrons: true
+                maximumHeight: Theme.scaled(400)
+            }
+        }
+    }
+}

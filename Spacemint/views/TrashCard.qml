@@ -1,0 +1,28 @@
+import QtQuick
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// The Trash, while it holds much.
+ActionCard {
+    id: root
+
+    required property ItemRows rows
+    required property int rowId
+    required property string subtitle
+    required property string buttonTitle
+    required property string busyTitle
+    required property bool isBusy
+
+    line: subtitle
+
+    PrimaryButtonStyle {
+        enabled: !root.isBusy
+        text: root.isBusy ? root.busyTitle : root.buttonTitle
+        onClicked: root.rows.pressButton(root.rowId)
+    }
+    SecondaryButtonStyle {
+        height: implicitHeight
+        text: "Show contents"
+        onClicked: root.rows.reveal(root.rowId)
+    }
+}

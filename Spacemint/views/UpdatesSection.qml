@@ -1,0 +1,35 @@
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.Services
+import Spacemint.UiKit
+
+/// The settings of updates, and what is known of the next.
+SettingsSection {
+    id: root
+
+    required property Updates updates
+
+    title: "Updates"
+    footnote: updates.status
+
+    Toggle {
+        Layout.fillWidth: true
+        text: "Install updates automatically"
+        checked: root.updates.installAutomatically
+        onToggled: root.updates.installAutomatically = checked
+    }
+    SettingsRow {
+        title: "Version " + root.updates.version
+
+        PrimaryButtonStyle {
+            visible: root.updates.available
+            text: "Install"
+            onClicked: root.updates.install()
+        }
+        SecondaryButtonStyle {
+            text: "Check now"
+            enabled: root.updates.canCheck
+            onClicked: root.updates.checkNow()
+        }
+    }
+}

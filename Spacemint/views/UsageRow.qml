@@ -1,0 +1,5 @@
+import QtQuick
+import Spacemint.UiKit
+
+/// What one kind of Docker's data takes.
+ItemRow {}

@@ -1,0 +1,129 @@
+#include "support/ShownView.h"
+
+#include "support/Waiting.h"
+#include "ui_kit/UiKit.h"
+
+#include <QAccessible>
+#include <QQmlEngine>
+#include <QQmlExtensionPlugin>
+#include <QTest>
+#include <gtest/gtest.h>
+
+Q_IMPORT_QML_PLUGIN(Spacemint_ServicesPlugin)
+Q_IMPORT_QML_PLUGIN(Spacemint_UiKitPlugin)
+Q_IMPORT_QML_PLUGIN(Spacemint_ViewsPlugin)
+
+namespace spacemint::support {
+
+namespace {
+
+// Everything that is logged during a test is a complaint.
+void failOn(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  if (type == QtDebugMsg || type == QtInfoMsg) return;
+  ADD_FAILURE() << message.toStdString() << " (" << (context.file != nullptr ? context.file : "") << ":"
+                << context.line << ")";
+}
+
+QPoint centre(const QQuickItem& item) {
+  return item.mapToScene(QPointF{item.width() / 2, item.height() / 2}).toPoint();
+}
+
+bool isSeen(const QQuickItem& item) {
+  return item.isVisible() && item.opacity() > 0 && item.width() > 0 && item.height() > 0;
+}
+
+QString nameOf(QQuickItem* item) {
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(item);
+  return accessible != nullptr ? accessible->text(QAccessible::Name) : QString{};
+}
+
+bool isOfType(const QObject& object, const QByteArray& type) {
+  for (const QMetaObject* meta = object.metaObject(); meta != nullptr; meta = meta->superClass()) {
+    const QByteArray name = meta->className();
+    if (name == type || name.startsWith(type + "_QML")) return true;
+  }
+  return false;
+}
+
+void collect(QQuickItem* item, const QString& name, const QByteArray& type, QList<QQuickItem*>& found) {
+  if (!isSeen(*item)) return;
+  if ((name.isEmpty() || nameOf(item) == name) && (type.isEmpty() || isOfType(*item, type))) found << item;
+  const auto children = item->childItems();
+  for (QQuickItem* child : children) collect(child, name, type, found);
+}
+
+}  // namespace
+
+ShownView::ShownView(const QString& file, const QVariantMap& properties, QSize size)
+    : view_(std::make_unique<QQuickView>()) {
+  qInstallMessageHandler(failOn);
+  QAccessible::setActive(true);
+  UiKit::install(*view_->engine());
+  theme().setReducedMotion(true);
+  view_->setResizeMode(QQuickView::SizeRootObjectToView);
+  view_->resize(size);
+  view_->setInitialProperties(properties);
+  view_->setSource(QUrl{QStringLiteral("qrc:/qt/qml/Spacemint/Views/") + file});
+  view_->show();
+  view_->requestActivate();
+  EXPECT_NE(view_->rootObject(), nullptr);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(view_.get()));
+  settle();
+}
+
+ShownView::~ShownView() {
+  view_.reset();
+  qInstallMessageHandler(nullptr);
+}
+
+Theme& ShownView::theme() {
+  return UiKit::theme(*view_->engine());
+}
+
+QList<QQuickItem*> ShownView::find(const QString& name, const char* type) {
+  QList<QQuickItem*> found;
+  collect(view_->contentItem(), name, type, found);
+  std::ranges::stable_sort(found, {}, [](const QQuickItem* item) { return item->mapToScene({}).y(); });
+  return found;
+}
+
+QQuickItem* ShownView::get(const QString& name, const char* type) {
+  const auto found = find(name, type);
+  EXPECT_FALSE(found.isEmpty()) << name.toStdString() << " is not seen";
+  return found.isEmpty() ? view_->contentItem() : found.first();
+}
+
+void ShownView::click(QQuickItem* item, Qt::MouseButton button) {
+  QTest::mouseClick(view_.get(), button, {}, centre(*item));
+  settle();
+}
+
+void ShownView::doubleClick(QQuickItem* item) {
+  QTest::mouseClick(view_.get(), Qt::LeftButton, {}, centre(*item));
+  QTest::mouseDClick(view_.get(), Qt::LeftButton, {}, centre(*item));
+  settle();
+}
+
+void ShownView::hover(QQuickItem* item) {
+  QTest::mouseMove(view_.get(), centre(*item));
+  settle();
+}
+
+void ShownView::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+  QTest::keyClick(view_.get(), key, modifiers);
+  settle();
+}
+
+// A frame is drawn when layouts have settled; the second shows what the first one's items asked for.
+void ShownView::settle() {
+  for (int frame = 0; frame < 2; ++frame) {
+    bool isDrawn = false;
+    const auto connection =
+        QObject::connect(view_.get(), &QQuickWindow::frameSwapped, view_.get(), [&] { isDrawn = true; });
+    view_->update();
+    EXPECT_TRUE(waitUntil([&] { return isDrawn; }, std::chrono::seconds{20}));
+    QObject::disconnect(connection);
+  }
+}
+
+}  // namespace spacemint::support

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ui_kit/Theme.h"
+
+#include <QQuickItem>
+#include <QQuickView>
+#include <QQuickWindow>
+
+#include <functional>
+#include <memory>
+
+namespace spacemint::support {
+
+/// A view of the interface in a window that nobody sees. What QML complains of fails the test.
+class ShownView {
+ public:
+  /// `file` is the name of a QML file of the views.
+  ShownView(const QString& file, const QVariantMap& properties, QSize size = {460, 560});
+  ~ShownView();
+  ShownView(const ShownView&) = delete;
+  ShownView& operator=(const ShownView&) = delete;
+
+  QQuickView& window() { return *view_; }
+  QQuickItem* root() { return view_->rootObject(); }
+  Theme& theme();
+
+  /// Items that are seen, have this name for screen readers and are of this type or one made of it, from top
+  /// to bottom. Either may be empty.
+  QList<QQuickItem*> find(const QString& name, const char* type = "");
+  /// The first of them; fails the test when there is none.
+  QQuickItem* get(const QString& name, const char* type = "");
+  bool shows(const QString& text) { return !find(text).isEmpty(); }
+
+  void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton);
+  void doubleClick(QQuickItem* item);
+  void hover(QQuickItem* item);
+  void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+  /// Lets transitions end and layouts settle.
+  void settle();
+
+ private:
+  std::unique_ptr<QQuickView> view_;
+};
+
+}  // namespace spacemint::support

@@ -1,0 +1,83 @@
+#include "Spacemint/views/Page.h"
+#include "Spacemint/views/ScanText.h"
+#include "Spacemint/views/SettingsText.h"
+#include "Spacemint/views/SummaryText.h"
+
+#include <gmock/gmock.h>
+
+namespace spacemint {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(PageText, pageFollowsFromScans) {
+  EXPECT_EQ(Page::stateOf(false, false), Page::State::Welcome);
+  EXPECT_EQ(Page::stateOf(false, true), Page::State::FirstScan);
+  EXPECT_EQ(Page::stateOf(true, true), Page::State::Tabs);
+  EXPECT_EQ(Page::stateOf(true, false), Page::State::Tabs);
+}
+
+TEST(PageText, titleTellsTheFractionCutOff) {
+  EXPECT_EQ(ScanText::title({}), "Scanning…");
+  EXPECT_EQ(ScanText::title(0), "Scanning · 0%");
+  EXPECT_EQ(ScanText::title(0.429), "Scanning · 42%");
+}
+
+TEST(PageText, detailTellsFilesAndWhatIsLeft) {
+  struct Case {
+    std::optional<Seconds> remaining;
+    const char* text;
+  };
+  for (const Case& c : {Case{{}, "12,345 files"},
+                        {59s, "12,345 files · under a minute left"},
+                        {60s, "12,345 files · about 1 min left"},
+                        {90s, "12,345 files · about 2 min left"},
+                        {3'600s, "12,345 files · about 60 min left"}}) {
+    EXPECT_EQ(ScanText::detail(12'345, c.remaining, "en_US"), c.text);
+  }
+}
+
+TEST(PageText, scannedTellsWhenAndWhat) {
+  const Date now = Date{} + std::chrono::hours{10'000};
+  const auto scanned = [&](const char* root) {
+    Snapshot snapshot{.date = now - 2h};
+    snapshot.root = Node{.name = root, .isDirectory = true};
+    return ScanText::scanned({.snapshot = snapshot, .now = now, .home = "/home/ann", .locale = "en_US"});
+  };
+  EXPECT_EQ(scanned("/home/ann"), "Scanned 2 hours ago · home folder");
+  EXPECT_EQ(scanned("/"), "Scanned 2 hours ago · entire disk");
+  EXPECT_EQ(scanned("/home"), "Scanned 2 hours ago · entire disk");
+  EXPECT_EQ(scanned("/System/Volumes/Data"), "Scanned 2 hours ago · entire disk");
+  EXPECT_EQ(scanned("/home/ann/code"), "Scanned 2 hours ago · ~/code");
+  EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{4.9}, .fileCount = 600'000}, "en_US"),
+            "600,000 files, scanned in 4s");
+}
+
+TEST(PageText, tickStandsWhereTheWarningBegins) {
+  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", 100 * gigabyte, 0}, 20), 0.8);
+  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", 10 * gigabyte, 0}, 20), 0);
+  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", 0, 0}, 20), 0);
+  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", gigabyte, 0}, 9'223'372'036), 0);
+  EXPECT_EQ(SummaryText::tickHelp(20), "Warning below 20 GB free");
+}
+
+std::vector<std::string> labels(const std::vector<SettingsText::Choice>& choices) {
+  std::vector<std::string> result;
+  for (const auto& choice : choices) result.push_back(choice.label);
+  return result;
+}
+
+TEST(PageText, whatIsStoredIsOfferedInItsPlace) {
+  EXPECT_EQ(SettingsText::thresholds(20).size(), 10U);
+  EXPECT_THAT(labels(SettingsText::intervals(6)),
+              testing::ElementsAre("Every 3 hours", "Every 6 hours", "Every 12 hours", "Once a day"));
+  EXPECT_EQ(SettingsText::thresholds(25).at(4), (SettingsText::Choice{25, "25 GB free"}));
+  EXPECT_EQ(SettingsText::thresholds(999).back().value, 999);
+  EXPECT_EQ(SettingsText::thresholds(-1).front().value, -1);
+  EXPECT_EQ(SettingsText::intervals(1).front().label, "Every hour");
+  EXPECT_EQ(SettingsText::intervals(0).front().label, "Never");
+  EXPECT_EQ(SettingsText::intervals(48).back().label, "Every 48 hours");
+}
+
+}  // namespace
+}  // namespace spacemint
