@@ -27,20 +27,21 @@ class WholeModel : public ModelFixture {
     look.start(20);
     for (const char* name : {"meet", "state"}) fs::create_directories(folder / name);
     fs::permissions(folder / "meet", fs::perms::owner_all);
-    model = std::make_unique<AppModel>(ModelHost{.defaults = defaults,
-                                                 .store = store,
-                                                 .journal = recording,
-                                                 .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
-                                                 .home = home,
-                                                 .data = inHome(".local/share"),
-                                                 .environment = {},
-                                                 .disk = home,
-                                                 .locale = "en_US",
-                                                 .timeZone = "UTC",
-                                                 .hasBundleIdentifier = true,
-                                                 .hasFullDiskAccess = [] { return true; }},
-                                       Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener,
-                                               desktop.scheduler, desktop.volume});
+    model = std::make_unique<AppModel>(
+        ModelHost{.defaults = defaults,
+                  .store = store,
+                  .journal = recording,
+                  .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
+                  .home = home,
+                  .data = inHome(".local/share"),
+                  .environment = {},
+                  .disk = home,
+                  .locale = "en_US",
+                  .timeZone = "UTC",
+                  .hasBundleIdentifier = true,
+                  .hasFullDiskAccess = [] { return true; }},
+        Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener, desktop.scheduler,
+                desktop.volume, desktop.statusItem, desktop.badge, desktop.appearance, desktop.loginItem});
   }
   ~WholeModel() override {
     model.reset();
