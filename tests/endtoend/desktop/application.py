@@ -86,16 +86,18 @@ class Application:
         values = dict(line.split("=") for line in answer.split())
         return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
-    def root(self):
+    def roots(self):
+        """What the program has registered with the reader of windows; it may do that twice."""
         desktop = self.atspi.Registry.getDesktop(0)
+        found = []
         for index in range(desktop.childCount):
-            child = desktop.getChildAtIndex(index)
             try:
+                child = desktop.getChildAtIndex(index)
                 if child and child.get_process_id() == self.process.pid:
-                    return child
+                    found.append(child)
             except Exception:  # it went meanwhile
                 continue
-        return None
+        return found
 
     def all(self, name=None, role=None):
         """What is on the screen with that name and role, from top to bottom."""
@@ -115,8 +117,7 @@ class Application:
             except Exception:  # it went meanwhile
                 return
 
-        root = self.root()
-        if root:
+        for root in self.roots():
             look(root)
         return found
 
@@ -129,7 +130,7 @@ class Application:
     def find(self, name, role=None):
         return wait_until(lambda: self.all(name, role), f"{role or 'something'} named {name!r}")[0]
 
-    def wait_text(self, part, limit=60):
+    def wait_text(self, part, limit=30):
         wait_until(lambda: self.sees_text(part), f"a text with {part!r}", limit)
 
     def names(self):

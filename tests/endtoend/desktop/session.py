@@ -57,7 +57,7 @@ class TimedOut(AssertionError):
     pass
 
 
-def wait_until(condition, what, limit=60):
+def wait_until(condition, what, limit=30):
     """What `condition` answers as soon as it is true."""
     end = time.monotonic() + limit
     while True:
@@ -120,6 +120,13 @@ class Session:
 
     def has_window_manager(self):
         return b"window id" in self.output(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"])
+
+    def renew_home(self):
+        """An empty home folder, but for what the desktop keeps there."""
+        for item in self.home.iterdir():
+            if item.name != ".config":
+                shutil.rmtree(item) if item.is_dir() and not item.is_symlink() else item.unlink()
+        shutil.rmtree(self.home / ".config/spacemint", ignore_errors=True)
 
     def start(self, command, environment=None, **options):
         log = open(self.folder / (pathlib.Path(command[0]).name + ".log"), "ab")
