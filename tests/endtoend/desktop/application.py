@@ -130,6 +130,15 @@ class Application:
     def find(self, name, role=None):
         return wait_until(lambda: self.all(name, role), f"{role or 'something'} named {name!r}")[0]
 
+    def find_starting(self, start):
+        """A row: its name goes on with what else it says."""
+        return wait_until(lambda: [item for item in self.all() if item.name.startswith(start)],
+                          f"something that starts with {start!r}")[0]
+
+    def wait_scanned(self):
+        """A scan has time: it yields to everything else."""
+        wait_until(lambda: self.sees_text("Scanned"), "the end of the scan", 240)
+
     def wait_text(self, part, limit=30):
         wait_until(lambda: self.sees_text(part), f"a text with {part!r}", limit)
 
@@ -151,15 +160,43 @@ class Application:
         box = item.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
         return box.x + box.width // 2, box.y + box.height // 2
 
+    def resting_centre(self, item):
+        """Once it moves no more."""
+        last = []
+
+        def rests():
+            last.append(self.centre(item))
+            return len(last) > 2 and last[-1] == last[-2] == last[-3]
+
+        wait_until(rests, "that it rests")
+        return last[-1]
+
     def point_at(self, item):
-        self.xdotool("mousemove", "--sync", *self.centre(item))
+        self.xdotool("mousemove", "--sync", *self.resting_centre(item))
         self.xdotool("mousemove_relative", "--sync", 1, 0)
+
+    def scroll_to(self, name, role=None):
+        """With the wheel, over the middle of the window, until it is seen."""
+        x, y, width, height = self.place()
+        self.xdotool("mousemove", "--sync", x + width // 2, y + height // 2)
+
+        def look():
+            found = self.all(name, role)
+            if not found:
+                self.xdotool("click", 5)
+            return found
+
+        return wait_until(look, f"{name!r} when scrolling")[0]
 
     def click(self, name, role=None, button=1):
         self.click_item(self.find(name, role), button)
 
     def click_item(self, item, button=1):
-        self.click_at(*self.centre(item), button)
+        self.click_at(*self.resting_centre(item), button)
+
+    def double_click_item(self, item):
+        self.click_item(item)
+        self.xdotool("click", 1)
 
     def press(self, *keys):
         self.xdotool("key", *keys)

@@ -1,57 +1,12 @@
 """The status item, the panel and the window on a real desktop, driven by mouse and keyboard."""
 
-import pathlib
-import sys
-import time
 import unittest
 
-from application import Application, pictures_folder
-from session import Session, wait_until
+from on_a_desktop import OnADesktop
+from session import wait_until
 
-PROGRAM = sys.argv.pop(1)
-PICTURES = pathlib.Path(pictures_folder())
 STARTED = {"hasStarted": True, "warningThresholdGB": 1}
 NOBODY_IS_WARNED = {**STARTED, "showFreeSpaceInMenuBar": True}
-
-
-class OnADesktop(unittest.TestCase):
-    """One desktop for all tests of a class, of which a process runs one: it can read the windows of one desktop."""
-
-    scale = 1
-    has_status_area = True
-
-    @classmethod
-    def setUpClass(cls):
-        cls.session = Session(cls.scale)
-        cls.addClassCleanup(cls.session.end)
-        if cls.has_status_area:
-            cls.session.start_status_area()
-            cls.session.start_notifications()
-
-    def setUp(self):
-        self.apps = []
-        self.session.renew_home()
-        (self.session.home / "letter").write_text("Dear Ann")
-
-    def start(self, settings, **environment):
-        app = Application(self.session, PROGRAM, settings)
-        self.addCleanup(app.terminate)
-        self.apps.append(app)
-        app.start(**environment)
-        return app
-
-    def _callTestMethod(self, method):
-        """With a picture of what was on the screen when it failed, and the names there."""
-        try:
-            super()._callTestMethod(method)
-        except Exception:
-            self.picture(f"failed-{self.id()}")
-            for app in self.apps:
-                print(app.names(), file=sys.stderr)
-            raise
-
-    def picture(self, name):
-        self.session.picture(PICTURES / f"{name}.png")
 
 
 class Panel(OnADesktop):
@@ -108,6 +63,7 @@ class Panel(OnADesktop):
         app = self.start({"hasStarted": True, "warningThresholdGB": 1_000_000})
         app.wait_item()
         app.click_item_of_status_area()
+        app.wait_scanned()
         app.click("Large files")
         app.press("Escape")
         app.wait_hidden()
@@ -165,12 +121,12 @@ class Elsewhere(OnADesktop):
         app.click("Start first scan")
         app.wait_text("no status area")
         self.picture("no-status-area")
-        app.find("What changed")
+        app.wait_scanned()
         app.terminate()
         # It is said once.
         app.start()
         app.wait_shown()
-        app.find("What changed")
+        app.wait_scanned()
         self.assertFalse(app.sees_text("no status area"))
 
 

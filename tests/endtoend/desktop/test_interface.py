@@ -1,0 +1,154 @@
+"""A person's first day with the program: a real home folder, mouse and keyboard, and the disk looked at after."""
+
+import os
+import subprocess
+import unittest
+
+from on_a_desktop import OnADesktop
+from session import wait_until
+
+MB = 1_000_000
+
+
+def fill(path, size):
+    """A file that takes that much of the disk."""
+    path.parent.mkdir(parents=True, exist_ok=True)
+    with open(path, "wb") as file:
+        os.posix_fallocate(file.fileno(), 0, size)
+
+
+class FirstDay(OnADesktop):
+    def setUp(self):
+        super().setUp()
+        self.home = self.session.home
+        self.trash = self.home / ".local/share/Trash"
+        fill(self.home / "Videos/holiday.mp4", 90 * MB)
+        fill(self.home / "Downloads/old.zip", 60 * MB)
+        fill(self.home / "Downloads/debian.iso", 40 * MB)
+        fill(self.home / ".cache/pip/http/wheel", 150 * MB)
+        self.make_pip()
+        self.make_worktree()
+
+    def make_pip(self):
+        """A package manager that keeps a cache and empties it when it is told to."""
+        program = self.home / "bin/pip3"
+        program.parent.mkdir()
+        program.write_text('#!/bin/sh\n[ "$*" = "cache purge" ] && rm -r "$HOME/.cache/pip/http" && echo purged >> "$HOME/pip.log"\n')
+        program.chmod(0o755)
+
+    def git(self, *arguments):
+        environment = dict(self.session.environment, GIT_CONFIG_GLOBAL="/dev/null", GIT_AUTHOR_NAME="Ann",
+                           GIT_AUTHOR_EMAIL="ann@spacemint.example", GIT_COMMITTER_NAME="Ann",
+                           GIT_COMMITTER_EMAIL="ann@spacemint.example")
+        return subprocess.run(["git", "-C", str(self.home / "shop"), *arguments], env=environment, check=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout.decode()
+
+    def make_worktree(self):
+        (self.home / "shop").mkdir()
+        self.git("init", "-q", "-b", "main")
+        (self.home / "shop/.gitignore").write_text("build\n")
+        self.git("add", ".gitignore")
+        self.git("commit", "-qm", "Begin")
+        self.git("worktree", "add", "-q", str(self.home / "shop-old"), "-b", "old")
+        fill(self.home / "shop-old/build/product", 120 * MB)
+        long_ago = 1_600_000_000
+        for name in ("HEAD", "index"):
+            os.utime(self.home / "shop/.git/worktrees/shop-old" / name, (long_ago, long_ago))
+
+    def test_scan_clean_and_quit(self):
+        app = self.app = self.start({"warningThresholdGB": 1},
+                                    PATH=f"{self.home}/bin:{os.environ['PATH']}", LC_ALL="en_US.UTF-8")
+        app.click("Start first scan")
+        app.wait_scanned()
+        app.find("What changed")
+        self.picture("overview")
+        self.looks_at_the_folders()
+        self.moves_a_file_to_the_trash()
+        self.empties_the_trash()
+        self.cleans_the_cache()
+        self.removes_the_worktree()
+        self.is_warned()
+        app.click_item(app.scroll_to("Quit Spacemint"))
+        self.assertEqual(app.exit_code(), 0)
+        snapshots = list((self.home / ".local/share/Spacemint/Snapshots").iterdir())
+        self.assertTrue(snapshots, "the history is on the disk")
+        self.assertTrue((self.home / "Videos/holiday.mp4").exists(), "what nobody chose is there")
+        self.assertTrue((self.home / "shop/.gitignore").exists())
+
+    def looks_at_the_folders(self):
+        app = self.app
+        app.click("Folders")
+        self.picture("folders")
+        downloads = app.find_starting("Downloads")
+        app.double_click_item(downloads)
+        app.find_starting("old.zip")
+        self.picture("folders-downloads")
+        app.click("Developer")
+        app.find_starting("pip cache")
+        self.picture("developer")
+
+    def moves_a_file_to_the_trash(self):
+        app = self.app
+        app.click("Large files")
+        row = app.find_starting("old.zip")
+        app.point_at(row)
+        self.picture("files")
+        app.click("Move to Trash", "push button")
+        self.confirm_trash()
+        wait_until(lambda: (self.trash / "files/old.zip").exists(), "the file in the Trash")
+        self.assertIn("Path=", (self.trash / "info/old.zip.trashinfo").read_text())
+        self.assertFalse((self.home / "Downloads/old.zip").exists())
+
+    def confirm_trash(self):
+        app = self.app
+        wait_until(lambda: app.sees("Cancel", "push button"), "the question")
+        self.assertTrue((self.home / "Downloads/old.zip").exists(), "nothing goes before the answer")
+        self.picture("confirmation")
+        app.click_item(app.all("Move to Trash", "push button")[-1])
+
+    def empties_the_trash(self):
+        app = self.app
+        app.click("Overview")
+        app.click("Empty Trash", "push button")
+        wait_until(lambda: app.sees("Cancel", "push button"), "the question")
+        self.assertTrue((self.trash / "files/old.zip").exists())
+        app.click_item(app.all("Empty Trash", "push button")[-1])
+        wait_until(lambda: not (self.trash / "files/old.zip").exists(), "the empty Trash")
+        wait_until(lambda: not list((self.trash / "info").iterdir()), "that nothing is remembered of it")
+
+    def cleans_the_cache(self):
+        app = self.app
+        app.click("Developer")
+        app.find_starting("pip cache")
+        app.click("Clean", "push button")
+        wait_until(lambda: app.sees("Cancel", "push button"), "the question")
+        self.assertTrue((self.home / ".cache/pip/http/wheel").exists())
+        app.click_item(app.all("Clean up", "push button")[-1])
+        wait_until(lambda: (self.home / "pip.log").exists(), "the end of the clean-up")
+        self.assertFalse((self.home / ".cache/pip/http").exists())
+
+    def removes_the_worktree(self):
+        app = self.app
+        app.scroll_to("Remove", "push button")
+        app.click("Remove", "push button")
+        app.find("Remove this worktree?")
+        app.click_item(app.all("Remove worktree", "push button")[-1])
+        wait_until(lambda: not (self.home / "shop-old").exists(), "the end of the worktree")
+        self.assertNotIn("shop-old", self.git("worktree", "list"))
+        self.assertIn("old", self.git("branch", "--list", "old"), "its branch stays")
+
+    def is_warned(self):
+        app = self.app
+        app.click("Settings", "push button")
+        calm = app.item_pixels()
+        app.click("Warn me below", "combo box")
+        app.click("200 GB free")
+        wait_until(lambda: self.session.output(["xdotool", "search", "--onlyvisible", "--class", "Dunst"]),
+                   "the notification")
+        wait_until(lambda: app.item_pixels() != calm, "another colour of the item")
+        self.assertEqual(app.settings()["warningThresholdGB"], 200)
+        self.picture("warned")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
