@@ -21,7 +21,7 @@ T.ProgressBar {
         Rectangle {
             readonly property real piece: 0.3
 
-            property real place: 0
+            property real place
 
             x: root.indeterminate ? (parent.width * (1 + piece)) * place - width : 0
             width: parent.width * (root.indeterminate ? piece : root.visualPosition)
@@ -38,7 +38,7 @@ T.ProgressBar {
                 }
             }
             NumberAnimation on place {
-                running: root.indeterminate && root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
+                running: root.indeterminate && Theme.isSeen(root) && !Theme.reducedMotion
                 from: 0
                 to: 1
                 duration: 1400
