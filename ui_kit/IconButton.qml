@@ -20,7 +20,7 @@ T.Button {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
     Accessible.name: help
-    Keys.forwardTo: keys
+    Keys.forwardTo: [keys]
 
     contentItem: Item {
         Symbol {

@@ -22,7 +22,7 @@ T.AbstractButton {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.forwardTo: keys
+    Keys.forwardTo: [keys]
 
     contentItem: RowLayout {
         spacing: 8

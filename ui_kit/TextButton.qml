@@ -27,7 +27,7 @@ T.Button {
     opacity: !enabled ? 0.4 : down ? pressedOpacity : 1
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.forwardTo: keys
+    Keys.forwardTo: [keys]
 
     contentItem: Item {
         implicitWidth: row.implicitWidth

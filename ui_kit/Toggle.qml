@@ -20,7 +20,7 @@ T.Switch {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
-    Keys.forwardTo: keys
+    Keys.forwardTo: [keys]
 
     contentItem: Text {
         rightPadding: root.indicator.width + root.spacing
