@@ -29,20 +29,25 @@ bool turnsOrder(std::string_view text) {
   return false;
 }
 
-std::string isolated(std::string_view text, std::string_view start) {
-  std::string result{text};
-  if (turnsOrder(text)) result.insert(0, start).append(end);
-  return result;
-}
-
 }  // namespace
 
 std::string isolatedName(std::string_view name) {
-  return isolated(name, firstStrong);
+  std::string result{name};
+  if (turnsOrder(name)) result.insert(0, firstStrong).append(end);
+  return result;
 }
 
 std::string isolatedPath(std::string_view path) {
-  return isolated(path, leftToRight);
+  if (!turnsOrder(path)) return std::string{path};
+  std::string result{leftToRight};
+  while (true) {
+    const std::size_t slash = path.find('/');
+    result += isolatedName(path.substr(0, slash));
+    if (slash == std::string_view::npos) break;
+    result += '/';
+    path.remove_prefix(slash + 1);
+  }
+  return result.append(end);
 }
 
 }  // namespace spacemint

@@ -10,7 +10,7 @@ namespace spacemint {
 
 /// The letters of a name decide for themselves where it begins.
 std::string isolatedName(std::string_view name);
-/// A path begins at the left, whatever its folders are called.
+/// The folders of a path follow each other from left to right, whatever they are called.
 std::string isolatedPath(std::string_view path);
 
 }  // namespace spacemint

@@ -436,7 +436,7 @@ TEST_F(PanelViewTest, sentenceKeepsItsOrderAroundANameThatRunsTheOtherWay) {
   model->confirmDelete(inHome(name), name, 30 * GB, "This removes it for good.");
   view->settle();
   EXPECT_TRUE(view->shows(QString::fromStdString("\u2068" + name + "\u2069 · 30 GB")));
-  EXPECT_TRUE(view->shows(QString::fromStdString("\u2066~/" + name + "\u2069")));
+  EXPECT_TRUE(view->shows(QString::fromStdString("\u2066~/\u2068" + name + "\u2069\u2069")));
   confirm();
   desktop.advance(2s);
   EXPECT_THAT(message(), testing::StartsWith("Deleted \u2068" + name + "\u2069"));

@@ -24,9 +24,10 @@ TEST(Isolate, namesThatRunFromRightToLeftAreSetApart) {
   for (const Case& c : cases) EXPECT_EQ(isolatedName(c.name), c.isolated) << c.name;
 }
 
-TEST(Isolate, pathsBeginAtTheLeft) {
+TEST(Isolate, foldersOfAPathFollowEachOtherFromTheLeft) {
   EXPECT_EQ(isolatedPath("~/letters"), "~/letters");
-  EXPECT_EQ(isolatedPath("~/\u05e9\u05dc\u05d5\u05dd/a"), "\u2066~/\u05e9\u05dc\u05d5\u05dd/a\u2069");
+  EXPECT_EQ(isolatedPath("~/\u05d0/\u05d1/a"), "\u2066~/\u2068\u05d0\u2069/\u2068\u05d1\u2069/a\u2069");
+  EXPECT_EQ(isolatedPath("/\u05d0/"), "\u2066/\u2068\u05d0\u2069/\u2069");
 }
 
 }  // namespace
