@@ -117,6 +117,8 @@ struct PanelPage {
   Scene::Step before = scanned;
   Scene::Step after = nullptr;
   bool windowed = false;
+  /// That of the panel where it is empty.
+  QSize size = {};
 };
 
 constexpr PanelPage panelPages[] = {
@@ -177,7 +179,7 @@ constexpr PanelPage panelPages[] = {
        s.scanned();
        s.withUpdates();
      },
-     settings},
+     settings, true, QSize{460, 920}},
     {"panel-settings-off-list",
      [](Scene& s) {
        s.scanned();
@@ -241,6 +243,7 @@ std::vector<Page> pagesOfPanel() {
     result.push_back({.name = QString::fromUtf8(page.name),
                       .url = QStringLiteral("qrc:/qt/qml/Spacemint/Views/PanelView.qml"),
                       .properties = [page] { return propertiesOf(page); },
+                      .size = page.size,
                       .margin = page.windowed ? 0 : 12});
   }
   result.push_back({.name = QStringLiteral("panel-messages"), .url = panel("Messages")});
