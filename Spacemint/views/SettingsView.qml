@@ -157,6 +157,7 @@ Rectangle {
             }
             LazyView {
                 Layout.fillWidth: true
+                Layout.topMargin: 6
                 visible: wanted
                 view: "UpdatesSection.qml"
                 wanted: root.form.updates
