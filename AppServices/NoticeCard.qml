@@ -61,7 +61,8 @@ Card {
 
         PrimaryButtonStyle {
             objectName: "primary"
-            Layout.maximumWidth: card.width / 2
+            // Two share the row.
+            Layout.maximumWidth: card.secondary.length > 0 ? card.width / 2 : card.width - 2 * card.padding
             visible: card.primary.length > 0
             text: card.primary
             onClicked: card.primaryChosen()

@@ -20,8 +20,7 @@ T.Button {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
     Accessible.name: help
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
+    Keys.forwardTo: [keys]
 
     contentItem: Item {
         Symbol {
@@ -43,6 +42,11 @@ T.Button {
         over: root
     }
 
+    ButtonKeys {
+        id: keys
+
+        onChosen: root.clicked()
+    }
     Help {
         text: root.help
         wanted: root.hovered

@@ -22,8 +22,7 @@ T.AbstractButton {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
+    Keys.forwardTo: [keys]
 
     contentItem: RowLayout {
         spacing: 8
@@ -50,5 +49,11 @@ T.AbstractButton {
     }
     background: HoverSurface {
         over: root
+    }
+
+    ButtonKeys {
+        id: keys
+
+        onChosen: root.clicked()
     }
 }

@@ -4,7 +4,8 @@ import QtQuick
 import QtQuick.Templates as T
 
 /// One of a few, side by side. `model` is a list of strings.
-T.Control {
+// Of the templates, a GroupBox is the one whose role screen readers are told.
+T.GroupBox {
     id: root
 
     property var model: []
@@ -27,7 +28,6 @@ T.Control {
     font: Theme.text(size, Font.Medium)
     opacity: enabled ? 1 : 0.4
     focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.Grouping
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)
 

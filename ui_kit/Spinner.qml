@@ -13,7 +13,7 @@ Symbol {
     Accessible.name: "Working"
 
     RotationAnimation on rotation {
-        running: root.running && root.visible && !Theme.reducedMotion
+        running: root.running && Theme.isSeen(root) && !Theme.reducedMotion
         from: 0
         to: 360
         duration: 900

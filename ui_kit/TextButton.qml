@@ -27,8 +27,7 @@ T.Button {
     opacity: !enabled ? 0.4 : down ? pressedOpacity : 1
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
+    Keys.forwardTo: [keys]
 
     contentItem: Item {
         implicitWidth: row.implicitWidth
@@ -80,6 +79,11 @@ T.Button {
         }
     }
 
+    ButtonKeys {
+        id: keys
+
+        onChosen: root.clicked()
+    }
     Behavior on opacity {
         NumberAnimation {
             duration: Theme.duration(80)

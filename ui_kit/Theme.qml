@@ -36,6 +36,13 @@ ThemeBase {
         return reducedMotion ? 0 : ms;
     }
 
+    /// Whether anybody can see the item. What runs by itself, a timer or a movement, runs only then, for what is
+    /// hidden must not wake the processor.
+    function isSeen(item: Item) : bool {
+        const window = item.Window.visibility;
+        return item.visible && window !== Window.Hidden && window !== Window.Minimized;
+    }
+
     function scaledFont(family: string, size: real, weight: int) : font {
         return Qt.font({
             "family": family,

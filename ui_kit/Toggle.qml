@@ -20,8 +20,7 @@ T.Switch {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
-    Keys.onReturnPressed: root.flip()
-    Keys.onEnterPressed: root.flip()
+    Keys.forwardTo: [keys]
 
     contentItem: Text {
         rightPadding: root.indicator.width + root.spacing
@@ -69,5 +68,11 @@ T.Switch {
             visible: root.visualFocus
             around: parent.radius
         }
+    }
+
+    ButtonKeys {
+        id: keys
+
+        onChosen: root.flip()
     }
 }

@@ -1,5 +1,6 @@
 #include "Spacemint/model/CleanupJobs.h"
 
+#include "core/base/Isolate.h"
 #include "core/cleanup/Cleanup.h"
 #include "core/tree/Paths.h"
 
@@ -67,20 +68,25 @@ std::function<QFuture<Failure>()> CleanupJobs::toolRun(const char* program,
 
 CleanupJob CleanupJobs::deleteItem(const std::string& path, const std::string& name,
                                    FileIdentity identity) const {
-  return {.id = path, .label = "Deleted " + name, .remeasure = {path}, .work = deletion(path, identity)};
+  return {.id = path,
+          .label = "Deleted " + isolatedName(name),
+          .remeasure = {path},
+          .work = deletion(path, identity)};
 }
 
 CleanupJob CleanupJobs::deleteBackup(const DeviceBackup& backup, FileIdentity identity) const {
   return {.id = backup.path,
-          .label = "Deleted the backup of " + backup.name,
+          .label = "Deleted the backup of " + isolatedName(backup.name),
           .remeasure = {backup.path},
           .work = deletion(backup.path, identity)};
 }
 
 CleanupJob CleanupJobs::removeWorktree(const GitWorktree& worktree, std::optional<int> changes,
                                        FileIdentity identity) const {
-  CleanupJob job{
-      .id = worktree.path, .label = "Removed " + worktree.name(), .remeasure = {worktree.path}, .work = {}};
+  CleanupJob job{.id = worktree.path,
+                 .label = "Removed " + isolatedName(worktree.name()),
+                 .remeasure = {worktree.path},
+                 .work = {}};
   auto removal = Cleanup::worktreeRemoval(worktree, changes);
   if (auto* git = std::get_if<Cleanup::RunGit>(&removal)) {
     job.work = inBackground(

@@ -1,6 +1,7 @@
 #include "Spacemint/model/Confirmations.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
 #include "core/wording/CleanupText.h"
 
@@ -94,7 +95,7 @@ void Confirmations::askToRemoveWorktree(const GitWorktree& worktree, std::option
 void Confirmations::askToCleanUp(const DevTools::FoundCleanup& found) {
   show({.title = "Clean up " + std::string{found.target->title} + "?",
         .subject = sized(found.target->title, found.size),
-        .note = CleanupText::cacheNote(*found.target, shown(found.path)),
+        .note = CleanupText::cacheNote(*found.target, Paths::display(found.path, words_.home)),
         .actionTitle = "Clean up",
         .perform = performing(parts_.jobs.cleanCache(found, identityOf(found.path)))});
 }
@@ -130,7 +131,7 @@ std::function<void()> Confirmations::performing(CleanupJob job) {
 }
 
 std::string Confirmations::sized(std::string_view name, Bytes size) const {
-  return std::string{name} + " · " + amount(size);
+  return isolatedName(name) + " · " + amount(size);
 }
 
 std::string Confirmations::amount(Bytes size) const {
@@ -138,7 +139,7 @@ std::string Confirmations::amount(Bytes size) const {
 }
 
 std::string Confirmations::shown(const std::string& path) const {
-  return Paths::display(path, words_.home);
+  return isolatedPath(Paths::display(path, words_.home));
 }
 
 }  // namespace spacemint

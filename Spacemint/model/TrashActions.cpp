@@ -1,6 +1,7 @@
 #include "Spacemint/model/TrashActions.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/tree/Paths.h"
 
 namespace spacemint {
@@ -14,8 +15,8 @@ const std::string refreshId = "trash-refresh";
 void TrashActions::moveToTrash(const FileItem& file) {
   const auto reason = parts_.guard.check({.path = file.path, .outsideHomeAllowed = true});
   if (reason) {
-    parts_.messages.show("Spacemint won't move " + Paths::display(file.path, words_.home) + ": it " +
-                         *reason + ".");
+    parts_.messages.show("Spacemint won't move " + isolatedPath(Paths::display(file.path, words_.home)) +
+                         ": it " + *reason + ".");
     return;
   }
   desktop_.tasks
@@ -26,7 +27,7 @@ void TrashActions::moveToTrash(const FileItem& file) {
 }
 
 void TrashActions::moved(const FileItem& file, const std::expected<std::string, Error>& result) {
-  const std::string name = "“" + Paths::lastComponent(file.path) + "”";
+  const std::string name = "“" + isolatedName(Paths::lastComponent(file.path)) + "”";
   if (!result) {
     parts_.messages.show("Couldn't move " + name + " to the Trash: " + result.error().message);
     return;

@@ -1,6 +1,7 @@
 #include "Spacemint/model/WarningText.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/tree/Paths.h"
 
 namespace spacemint {
@@ -8,10 +9,10 @@ namespace spacemint {
 Notification WarningText::warning(const Arguments& arguments) {
   const bool isCritical = arguments.level == SpaceLevel::critical;
   std::string body = "Only " + ByteFormat::string(arguments.volume.free, arguments.locale) + " left on " +
-                     arguments.volume.name + ".";
+                     isolatedName(arguments.volume.name) + ".";
   if (!arguments.growth.empty()) {
     const Growth& first = arguments.growth.front();
-    body += " " + Paths::display(first.path, arguments.home) + " grew by " +
+    body += " " + isolatedPath(Paths::display(first.path, arguments.home)) + " grew by " +
             ByteFormat::string(first.delta, arguments.locale) + " recently.";
   }
   return {.title = isCritical ? "Your disk is almost full" : "Disk space is running low",

@@ -11,7 +11,7 @@ FocusScope {
     /// Of the corners of what it covers.
     property real radius: 0
     /// The question whose words are on the card, and no other, is what a button answers.
-    readonly property var asked: ui.confirmation.uuid
+    readonly property string asked: ui.confirmation.uuid
 
     focus: true
     Accessible.role: Accessible.Dialog

@@ -22,7 +22,7 @@ Item {
             ceiling: Theme.lavenderInk
 
             SequentialAnimation on opacity {
-                running: root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
+                running: Theme.isSeen(root) && !Theme.reducedMotion
                 loops: Animation.Infinite
 
                 NumberAnimation {

@@ -51,7 +51,7 @@ RowLayout {
     Timer {
         interval: 30000
         repeat: true
-        running: root.visible && root.Window.visibility !== Window.Hidden && !root.ui.scan.scanning
+        running: Theme.isSeen(root) && !root.ui.scan.scanning
         triggeredOnStart: true
         onTriggered: root.ui.scan.refresh()
     }

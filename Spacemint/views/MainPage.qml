@@ -20,14 +20,15 @@ Rectangle {
             Layout.fillWidth: true
             ui: root.ui
         }
-        Loader {
+        LazyView {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: active
-            active: root.isWelcome
-            sourceComponent: WelcomeView {
-                ui: root.ui
-            }
+            visible: wanted
+            view: "WelcomeView.qml"
+            wanted: root.isWelcome
+            properties: ({
+                    ui: root.ui
+                })
         }
         SpaceSummary {
             Layout.fillWidth: true
@@ -36,23 +37,25 @@ Rectangle {
             visible: !root.isWelcome && root.ui.summary.known
             ui: root.ui
         }
-        Loader {
+        LazyView {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: active
-            active: root.ui.page.state === Page.FirstScan
-            sourceComponent: FirstScanView {
-                ui: root.ui
-            }
+            visible: wanted
+            view: "FirstScanView.qml"
+            wanted: root.ui.page.state === Page.FirstScan
+            properties: ({
+                    ui: root.ui
+                })
         }
-        Loader {
+        LazyView {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: active
-            active: root.ui.page.state === Page.Tabs
-            sourceComponent: TabPages {
-                ui: root.ui
-            }
+            visible: wanted
+            view: "TabPages.qml"
+            wanted: root.ui.page.state === Page.Tabs
+            properties: ({
+                    ui: root.ui
+                })
         }
         MessageBanner {
             Layout.fillWidth: true

@@ -13,7 +13,10 @@ Rectangle {
     signal performed
     signal dismissed
 
-    implicitHeight: row.implicitHeight + 16
+    // Where letters are large, the button is below the text.
+    readonly property bool isNarrow: action && grid.width - button.implicitWidth - close.implicitWidth < Theme.scaled(180)
+
+    implicitHeight: grid.implicitHeight + 16
     radius: 10
     color: Theme.lavender
     border.width: 1
@@ -21,26 +24,41 @@ Rectangle {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text
 
-    RowLayout {
-        id: row
+    GridLayout {
+        id: grid
 
         anchors.fill: parent
+        anchors.margins: 8
         anchors.leftMargin: 12
         anchors.rightMargin: 6
-        spacing: 8
+        columnSpacing: 8
+        rowSpacing: 4
 
         Label {
+            Layout.row: 0
+            Layout.column: 0
             Layout.fillWidth: true
             text: root.text
             size: 12
-            wrapMode: Text.Wrap
+            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+            maximumLineCount: 8
+            elide: Text.ElideRight
+            horizontalAlignment: Text.AlignLeft
         }
         SecondaryButtonStyle {
+            id: button
+
+            Layout.row: root.isNarrow ? 1 : 0
+            Layout.column: root.isNarrow ? 0 : 1
             visible: root.action
             text: root.action
             onClicked: root.performed()
         }
         IconButton {
+            id: close
+
+            Layout.row: 0
+            Layout.column: 2
             symbol: "xmark"
             help: "Dismiss"
             size: 13

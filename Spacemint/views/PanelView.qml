@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Templates as T
 import Spacemint.UiKit
 import Spacemint.Views
 
@@ -21,49 +22,69 @@ Rectangle {
         anchors.fill: parent
         clip: true
         focus: true
-        enabled: !root.ui.confirmation.asked
+        enabled: !question.hasKeyboard
 
-        MainPage {
-            id: mainPage
-
+        // Each page remembers what the keyboard is at.
+        FocusScope {
             width: parent.width
             height: parent.height
             x: root.ui.page.showingSettings ? -width / 3 : 0
             visible: x > -width / 3
             enabled: !root.ui.page.showingSettings
-            radius: root.radius
-            ui: root.ui
+            focus: enabled
 
+            MainPage {
+                anchors.fill: parent
+                radius: root.radius
+                ui: root.ui
+            }
             Behavior on x {
                 PageMove {}
             }
         }
-        Loader {
-            id: settings
-
+        LazyView {
             width: parent.width
             height: parent.height
             x: root.ui.page.showingSettings ? 0 : width
-            active: x < width
-            sourceComponent: SettingsView {
-                radius: root.radius
-                ui: root.ui
-            }
+            view: "SettingsView.qml"
+            wanted: x < width
+            properties: ({
+                    radius: root.radius,
+                    ui: root.ui
+                })
+            focus: root.ui.page.showingSettings
 
             Behavior on x {
                 PageMove {}
             }
         }
     }
-    Loader {
+    LazyView {
+        id: question
+
+        property bool hasKeyboard: false
+        /// What the keyboard was at before; it may be gone with what was removed.
+        property Item before
+        property int reason
+
         anchors.fill: parent
-        active: root.ui.confirmation.asked
-        onLoaded: item.forceActiveFocus()
-        // The keyboard goes back to where it was.
-        onActiveChanged: if (!active) pages.forceActiveFocus()
-        sourceComponent: ConfirmationCard {
-            radius: root.radius
-            ui: root.ui
+        view: "ConfirmationCard.qml"
+        wanted: root.ui.confirmation.asked
+        properties: ({
+                radius: root.radius,
+                ui: root.ui
+            })
+        onLoaded: {
+            before = Window.activeFocusItem;
+            reason = (before as T.Control)?.focusReason ?? Qt.OtherFocusReason;
+            hasKeyboard = true;
+            item.forceActiveFocus(Qt.OtherFocusReason);
+        }
+        onItemChanged: {
+            if (item)
+                return;
+            hasKeyboard = false;
+            (before ?? pages).forceActiveFocus(reason);
         }
     }
     Rectangle {

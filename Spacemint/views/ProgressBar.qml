@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Spacemint.UiKit
 
-/// How far something is; a piece of it wanders while nobody knows.
+/// How far something is; a piece of it wanders while nobody knows, or stands in the middle where nothing may move.
 T.ProgressBar {
     id: root
 
@@ -19,11 +19,14 @@ T.ProgressBar {
         clip: true
 
         Rectangle {
+            id: filled
+
             readonly property real piece: 0.3
+            readonly property bool moves: root.indeterminate && Theme.isSeen(root) && !Theme.reducedMotion
 
-            property real place: 0
+            property real place
 
-            x: root.indeterminate ? (parent.width * (1 + piece)) * place - width : 0
+            x: root.indeterminate ? (parent.width * (1 + piece)) * (moves ? place : 0.5) - width : 0
             width: parent.width * (root.indeterminate ? piece : root.visualPosition)
             height: parent.height
             radius: height / 2
@@ -38,7 +41,7 @@ T.ProgressBar {
                 }
             }
             NumberAnimation on place {
-                running: root.indeterminate && root.visible && root.Window.visibility !== Window.Hidden && !Theme.reducedMotion
+                running: filled.moves
                 from: 0
                 to: 1
                 duration: 1400

@@ -13,7 +13,8 @@ class Question : public QObject {
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(bool asked READ isAsked NOTIFY changed)
-  Q_PROPERTY(QUuid uuid READ uuid NOTIFY changed)
+  /// Which question it is; empty without one.
+  Q_PROPERTY(QString uuid READ uuid NOTIFY changed)
   Q_PROPERTY(QString title READ title NOTIFY changed)
   Q_PROPERTY(QString subject READ subject NOTIFY changed)
   /// Usually a path; may be empty.
@@ -24,7 +25,7 @@ class Question : public QObject {
   explicit Question(const UiHost& host);
 
   bool isAsked() const { return current().has_value(); }
-  QUuid uuid() const { return isAsked() ? current()->id : QUuid{}; }
+  QString uuid() const { return isAsked() ? current()->id.toString() : QString{}; }
   QString title() const { return text(&Confirmation::title); }
   QString subject() const { return text(&Confirmation::subject); }
   QString detail() const;
@@ -32,7 +33,9 @@ class Question : public QObject {
   QString actionTitle() const { return text(&Confirmation::actionTitle); }
 
   /// Does what the question with this identifier asks about; nothing when another is asked by now.
-  Q_INVOKABLE void perform(const QUuid& uuid) const { host_.model.performConfirmation(uuid); }
+  Q_INVOKABLE void perform(const QString& uuid) const {
+    host_.model.performConfirmation(QUuid::fromString(uuid));
+  }
   Q_INVOKABLE void dismiss() const { host_.model.dismissConfirmation(); }
 
  Q_SIGNALS:

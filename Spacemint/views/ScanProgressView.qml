@@ -40,7 +40,7 @@ ColumnLayout {
     Timer {
         interval: 1000
         repeat: true
-        running: root.visible && root.Window.visibility !== Window.Hidden && root.ui.scan.scanning
+        running: Theme.isSeen(root) && root.ui.scan.scanning
         onTriggered: root.ui.scan.refresh()
     }
 }

@@ -3,16 +3,22 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 
 /// What a setting is called, and its control at the other end of the line.
-RowLayout {
+GridLayout {
     id: root
 
     property string title
     default property alias control: place.data
+    // Where letters are large, the control is below.
+    readonly property bool isNarrow: label.implicitWidth + columnSpacing + place.implicitWidth > width
 
     Layout.fillWidth: true
-    spacing: 12
+    columns: isNarrow ? 1 : 2
+    columnSpacing: 12
+    rowSpacing: 4
 
     Label {
+        id: label
+
         Layout.fillWidth: true
         text: root.title
         wrapMode: Text.Wrap
@@ -21,6 +27,7 @@ RowLayout {
         id: place
 
         Layout.fillWidth: false
+        Layout.alignment: Qt.AlignRight
         Layout.minimumHeight: Theme.scaled(26)
         spacing: 8
     }

@@ -125,16 +125,14 @@ Rectangle {
                         onActivated: index => root.form.choosePresence(index)
                     }
                 }
-                Toggle {
-                    Layout.fillWidth: true
+                SettingsToggle {
                     text: "Show free space in the menu bar"
                     checked: root.form.showsFreeSpace
                     onToggled: root.form.setShowsFreeSpace(checked)
                 }
-                Toggle {
+                SettingsToggle {
                     id: login
 
-                    Layout.fillWidth: true
                     text: "Open at login"
                     checked: root.form.launchesAtLogin
                     onToggled: {
@@ -150,21 +148,22 @@ Rectangle {
                     color: Theme.critical
                     wrapMode: Text.Wrap
                 }
-                Toggle {
-                    Layout.fillWidth: true
+                SettingsToggle {
                     text: "Share anonymous usage"
                     enabled: root.form.usage
                     checked: root.form.sharesUsage
                     onToggled: root.form.setSharesUsage(checked)
                 }
             }
-            Loader {
+            LazyView {
                 Layout.fillWidth: true
-                visible: active
-                active: root.form.updates
-                sourceComponent: UpdatesSection {
-                    updates: root.form.updates
-                }
+                Layout.topMargin: 6
+                visible: wanted
+                view: "UpdatesSection.qml"
+                wanted: root.form.updates
+                properties: ({
+                        updates: root.form.updates
+                    })
             }
             RowLayout {
                 Layout.fillWidth: true

@@ -8,7 +8,7 @@ import Spacemint.UiKit
 T.Control {
     id: root
 
-    property list<string> titles
+    property var titles
     property int currentIndex: 0
 
     signal activated(int index)

@@ -30,37 +30,41 @@ ColumnLayout {
 
         TabPage {
             isCurrent: root.ui.page.tab === 0
-            sourceComponent: OverviewTab {
-                ui: root.ui
-            }
+            view: "OverviewTab.qml"
+            properties: ({
+                    ui: root.ui
+                })
         }
         TabPage {
             isCurrent: root.ui.page.tab === 1
-            sourceComponent: FoldersTab {
-                ui: root.ui
-            }
+            view: "FoldersTab.qml"
+            properties: ({
+                    ui: root.ui
+                })
         }
         TabPage {
             isCurrent: root.ui.page.tab === 2
-            sourceComponent: FilesTab {
-                ui: root.ui
-            }
+            view: "FilesTab.qml"
+            properties: ({
+                    ui: root.ui
+                })
         }
         TabPage {
             isCurrent: root.ui.page.tab === 3
-            sourceComponent: DeveloperTab {
-                ui: root.ui
-            }
+            view: "DeveloperTab.qml"
+            properties: ({
+                    ui: root.ui
+                })
         }
     }
 
-    component TabPage: Loader {
+    component TabPage: LazyView {
         required property bool isCurrent
 
         anchors.fill: parent
         visible: isCurrent
-        active: false
-        onIsCurrentChanged: active = active || isCurrent
-        Component.onCompleted: active = active || isCurrent
+        wanted: false
+        onIsCurrentChanged: wanted = wanted || isCurrent
+        Component.onCompleted: wanted = wanted || isCurrent
     }
 }

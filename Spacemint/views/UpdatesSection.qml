@@ -12,8 +12,7 @@ SettingsSection {
     title: "Updates"
     footnote: updates.status
 
-    Toggle {
-        Layout.fillWidth: true
+    SettingsToggle {
         text: "Install updates automatically"
         checked: root.updates.installAutomatically
         onToggled: root.updates.installAutomatically = checked

@@ -1,6 +1,7 @@
 #include "core/wording/CleanupText.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 
 namespace spacemint {
 
@@ -29,7 +30,7 @@ std::string changesWarning(std::optional<int> changes) {
 }  // namespace
 
 std::string CleanupText::backupNote(const std::string& name) {
-  return "You won't be able to restore " + name + " from it anymore. Other backups stay.";
+  return "You won't be able to restore " + isolatedName(name) + " from it anymore. Other backups stay.";
 }
 
 std::string CleanupText::worktreeNote(const GitWorktree& worktree, std::optional<int> uncommittedChanges) {
@@ -38,14 +39,14 @@ std::string CleanupText::worktreeNote(const GitWorktree& worktree, std::optional
   }
   return changesWarning(uncommittedChanges) +
          "Runs `git worktree remove`. The branch and its commits stay in " +
-         worktree.repository.value_or("the repository") + ".";
+         isolatedName(worktree.repository.value_or("the repository")) + ".";
 }
 
 std::string CleanupText::cacheNote(const CleanupTarget& target, const std::string& shownPath) {
   const auto command = target.commandLine();
   const std::string advice{target.advice};
   if (command) return "Runs `" + *command + "`. " + advice;
-  return "Permanently deletes everything inside " + shownPath + ". " + advice;
+  return "Permanently deletes everything inside " + isolatedPath(shownPath) + ". " + advice;
 }
 
 std::string CleanupText::outcome(const Outcome& outcome) {

@@ -1,3 +1,4 @@
+#include "AppServices/NoticeText.h"
 #include "AppServices/Updates.h"
 #include "AppServices/Usage.h"
 #include "Pages.h"
@@ -116,6 +117,8 @@ struct PanelPage {
   Scene::Step before = scanned;
   Scene::Step after = nullptr;
   bool windowed = false;
+  /// That of the panel where it is empty.
+  QSize size = {};
 };
 
 constexpr PanelPage panelPages[] = {
@@ -161,6 +164,8 @@ constexpr PanelPage panelPages[] = {
                           "all the scenes and a subtitle for everybody.mov");
      }},
     {"panel-confirmation-rtl", scanned, [](Scene& s) { askToDelete(s, "Movies/عطلة الصيف.mov"); }},
+    {"panel-confirmation-rtl-path", scanned,
+     [](Scene& s) { askToDelete(s, "صور/עבודה/holiday 2024/عطلة الصيف.mov"); }},
     {"panel-settings", scanned, settings},
     {"panel-settings-no-access",
      [](Scene& s) {
@@ -174,7 +179,7 @@ constexpr PanelPage panelPages[] = {
        s.scanned();
        s.withUpdates();
      },
-     settings},
+     settings, true, QSize{460, 920}},
     {"panel-settings-off-list",
      [](Scene& s) {
        s.scanned();
@@ -201,6 +206,35 @@ QVariantMap propertiesOf(const PanelPage& page) {
           {QStringLiteral("windowed"), page.windowed}};
 }
 
+QString panel(const char* file) {
+  return QStringLiteral("qrc:/qt/qml/Spacemint/Gallery/panel/%1.qml").arg(QLatin1StringView(file));
+}
+
+/// Every form that a notice has.
+QVariantMap notices() {
+  const AppMessage tip{.id = "tip",
+                       .title = "A tip",
+                       .body = "The tick on the bar is your warning level. You choose it in the settings."};
+  const AppMessage version{
+      .id = "new",
+      .title = "Spacemint 1.2 is here",
+      .body = "It finds caches of more tools, and scans in half the time.",
+      .link = AppMessage::Link{.title = "See what's new", .url = "https://example.org/"}};
+  AppMessage longest = version;
+  longest.title = "A title that somebody wrote without a thought of how little room there is in a panel";
+  for (int i = 0; i < 5; ++i) longest.body += " " + version.body + " " + tip.body;
+  longest.link->title = "See everything that is new in this version";
+  QVariantList cards;
+  for (const Notice& notice : {Notice{UsageQuestion{}}, Notice{tip}, Notice{version}, Notice{longest}}) {
+    const NoticeText text = noticeText(notice, "Spacemint");
+    cards << QVariantMap{{QStringLiteral("title"), QString::fromStdString(text.title)},
+                         {QStringLiteral("body"), QString::fromStdString(text.body)},
+                         {QStringLiteral("primary"), QString::fromStdString(text.primary)},
+                         {QStringLiteral("secondary"), QString::fromStdString(text.secondary)}};
+  }
+  return {{QStringLiteral("notices"), cards}};
+}
+
 }  // namespace
 
 std::vector<Page> pagesOfPanel() {
@@ -209,8 +243,12 @@ std::vector<Page> pagesOfPanel() {
     result.push_back({.name = QString::fromUtf8(page.name),
                       .url = QStringLiteral("qrc:/qt/qml/Spacemint/Views/PanelView.qml"),
                       .properties = [page] { return propertiesOf(page); },
+                      .size = page.size,
                       .margin = page.windowed ? 0 : 12});
   }
+  result.push_back({.name = QStringLiteral("panel-messages"), .url = panel("Messages")});
+  result.push_back({.name = QStringLiteral("panel-status-cards"), .url = panel("StatusCards")});
+  result.push_back({.name = QStringLiteral("panel-notices"), .url = panel("Notices"), .properties = notices});
   return result;
 }
 

@@ -41,7 +41,9 @@ void fit(QQuickWindow& window, QQuickItem& item, const Page& page) {
 QImage draw(QQmlEngine& engine, const Page& page) {
   QQmlComponent component(&engine, QUrl(page.url));
   const QVariantMap properties = page.properties ? page.properties() : QVariantMap();
-  const std::unique_ptr<QObject> object(component.createWithInitialProperties(properties));
+  // A component that is not ready must not be asked to make anything.
+  const std::unique_ptr<QObject> object(
+      component.isReady() ? component.createWithInitialProperties(properties) : nullptr);
   auto* item = qobject_cast<QQuickItem*>(object.get());
   if (!item) {
     qCritical("%s: %s", qPrintable(page.name), qPrintable(component.errorString()));

@@ -114,6 +114,25 @@ void ShownView::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
   settle();
 }
 
+void ShownView::hold(Qt::Key key) {
+  constexpr int repeats = 3;
+  const auto send = [&](QEvent::Type type, bool isRepeated) {
+    // As a person's key does: shortcuts come first.
+    if (type == QEvent::KeyPress && qt_sendShortcutOverrideEvent(view_.get(), 0, key, {}, {}, isRepeated))
+      return;
+    qt_handleKeyEvent(view_.get(), type, key, {}, {}, isRepeated);
+  };
+  send(QEvent::KeyPress, false);
+  settle();
+  for (int i = 0; i < repeats; ++i) {
+    send(QEvent::KeyRelease, true);
+    send(QEvent::KeyPress, true);
+    settle();
+  }
+  send(QEvent::KeyRelease, false);
+  settle();
+}
+
 // A frame is drawn when layouts have settled; the second shows what the first one's items asked for.
 void ShownView::settle() {
   for (int frame = 0; frame < 2; ++frame) {

@@ -35,6 +35,8 @@ class ShownView {
   void doubleClick(QQuickItem* item);
   void hover(QQuickItem* item);
   void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+  /// A key that stays down until it has repeated itself a few times.
+  void hold(Qt::Key key);
   /// Lets transitions end and layouts settle.
   void settle();
 
