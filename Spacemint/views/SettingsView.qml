@@ -113,7 +113,7 @@ Rectangle {
             }
             SettingsSection {
                 title: "General"
-                footnote: "Once a day, Spacemint tells us it's in use, with its version and your macOS version. Nothing about you or your files."
+                footnote: root.form.usage ? "Once a day, Spacemint tells us it's in use, with its version and your macOS version. Nothing about you or your files." : ""
 
                 SettingsRow {
                     title: "Show Spacemint in"
@@ -150,7 +150,7 @@ Rectangle {
                 }
                 SettingsToggle {
                     text: "Share anonymous usage"
-                    enabled: root.form.usage
+                    visible: root.form.usage
                     checked: root.form.sharesUsage
                     onToggled: root.form.setSharesUsage(checked)
                 }

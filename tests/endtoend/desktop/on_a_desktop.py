@@ -16,10 +16,11 @@ class OnADesktop(unittest.TestCase):
 
     scale = 1
     has_status_area = True
+    disk_size = None
 
     @classmethod
     def setUpClass(cls):
-        cls.session = Session(cls.scale)
+        cls.session = Session(cls.scale, cls.disk_size)
         cls.addClassCleanup(cls.session.end)
         if cls.has_status_area:
             cls.session.start_status_area()

@@ -60,12 +60,12 @@ class Maker:
         return base64.b64encode(self._run("openssl", "pkey", "-in", self.key, "-pubout", "-outform", "DER")[-32:]).decode()
 
     def offer(self, version):
-        """A package of that version, signed and in the list."""
+        """The first package of that version, signed and in the list."""
         machine = self._run("dpkg", "--print-architecture").decode().strip()
         root = self.folder / "root"
         (root / "DEBIAN").mkdir(parents=True)
         (root / "DEBIAN/control").write_text(
-            f"Package: spacemint\nVersion: {version}\nArchitecture: {machine}\n"
+            f"Package: spacemint\nVersion: {version}-1\nArchitecture: {machine}\n"
             "Maintainer: Ann <ann@spacemint.example>\nDescription: x\n")
         name = f"spacemint_{version}_{machine}.deb"
         file = self.folder / name

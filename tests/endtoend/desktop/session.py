@@ -72,14 +72,19 @@ def wait_until(condition, what, limit=30):
 class Session:
     """Everything starts in a home folder of its own, and ends with it."""
 
-    def __init__(self, scale=1):
+    def __init__(self, scale=1, disk_size=None):
+        """With a `disk_size` the home folder is a small disk of its own, which only root can make."""
         self.scale = scale
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="spacemint-session-"))
         self.home = self.folder / "home"
         self.processes = []
         self.panel = None
+        self.home.mkdir()
+        self.has_disk = disk_size is not None
+        if self.has_disk:
+            subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={disk_size}", "tmpfs", str(self.home)], check=True)
         for path in ("home/.config", "run"):
-            (self.folder / path).mkdir(parents=True)
+            (self.folder / path).mkdir()
         (self.folder / "run").chmod(0o700)
         self.environment = {
             "HOME": str(self.home),
@@ -190,4 +195,6 @@ class Session:
                 process.wait()
             if process.stdout:
                 process.stdout.close()
+        if self.has_disk:
+            subprocess.run(["umount", "--lazy", str(self.home)], check=False)
         shutil.rmtree(self.folder, ignore_errors=True)

@@ -17,7 +17,7 @@ class Services(OnADesktop):
         self.addCleanup(self.maker.end)
 
     def test_question_then_message_then_update(self):
-        self.maker.offer("2.0-1")
+        self.maker.offer("2.0")
         app = self.start(STARTED, self.maker.dictionary())
         app.wait_item()
         app.click_item_of_status_area()
@@ -33,7 +33,7 @@ class Services(OnADesktop):
         wait_until(lambda: not app.sees("Spacemint 2 is here"), "that the message goes")
         app.click("Settings", "push button")
         app.click_item(app.scroll_to("Check now"))
-        app.wait_text("Version 2.0-1 is ready to install.")
+        app.wait_text("Version 2.0 is ready to install.")
         self.picture("services-update")
         # Both answers are kept: nothing is asked or told twice.
         app.terminate()
