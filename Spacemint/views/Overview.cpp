@@ -18,6 +18,7 @@ QString toQString(std::string_view text) {
 Overview::Overview(const ItemActions& actions)
     : host_(actions.host()),
       growth_(actions),
+      firstGrowth_(actions),
       trash_(actions),
       backups_(actions),
       suggestions_(actions) {
@@ -39,10 +40,6 @@ QString Overview::accessTitle() const {
 
 QString Overview::accessLine() const {
   return toQString(OverviewText::accessLine);
-}
-
-int Overview::growthShown() const {
-  return OverviewText::growthShown;
 }
 
 QString Overview::growthToggle(int count, bool showsAll) const {
@@ -67,7 +64,11 @@ void Overview::update() {
       snapshot
           ? QString::fromStdString(OverviewText::freeChange(findings, snapshot->volumeFree, host_.locale))
           : QString{};
-  growth_.assign({.rows = growthRows(), .text = isReady ? OverviewText::growth(findings, host_.locale) : ""});
+  auto grown = growthRows();
+  const auto first = std::min(grown.size(), std::size_t{OverviewText::growthShown});
+  firstGrowth_.assign({grown.begin(), grown.begin() + static_cast<std::ptrdiff_t>(first)});
+  growth_.assign(
+      {.rows = std::move(grown), .text = isReady ? OverviewText::growth(findings, host_.locale) : ""});
   trash_.assign(trashRows());
   backups_.assign(backupRows());
   const bool isClean =

@@ -118,7 +118,7 @@ ColumnLayout {
 
         Layout.fillWidth: true
         Layout.leftMargin: Theme.scaled(18)
-        implicitHeight: root.expanded && list.item ? (list.item as RowList).implicitHeight + 4 : 0
+        implicitHeight: root.expanded ? list.implicitHeight + 4 : 0
         visible: implicitHeight > 0
         clip: true
 
@@ -129,17 +129,15 @@ ColumnLayout {
             }
         }
 
-        Loader {
+        LazyView {
             id: list
 
             width: parent.width
-            active: root.expanded || unfolded.visible
-            sourceComponent: RowList {
-                rows: root.parts
-                name: root.title
-                hasChevrons: true
-                maximumHeight: Theme.scaled(400)
-            }
+            view: "SuggestionParts.qml"
+            wanted: root.expanded || unfolded.visible
+            properties: ({
+                    suggestion: root
+                })
         }
     }
 }
