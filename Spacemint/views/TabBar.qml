@@ -22,6 +22,8 @@ T.Control {
     implicitWidth: implicitContentWidth
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.PageTabList
+    // Controls take back their own role when somebody comes who reads it.
+    Accessible.onRoleChanged: Accessible.role = Accessible.PageTabList
     Accessible.name: "Pages"
     Keys.onLeftPressed: show(currentIndex - 1)
     Keys.onRightPressed: show(currentIndex + 1)
@@ -58,6 +60,7 @@ T.Control {
                 verticalPadding: 6
                 focusPolicy: Qt.NoFocus
                 Accessible.role: Accessible.PageTab
+                Accessible.onRoleChanged: Accessible.role = Accessible.PageTab
                 Accessible.name: text
                 Accessible.selected: isSelected
                 onClicked: root.show(index)

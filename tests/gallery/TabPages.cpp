@@ -9,7 +9,6 @@ namespace spacemint::gallery {
 namespace {
 
 using support::file;
-using support::folder;
 using support::GB;
 using support::MB;
 using support::morning;
@@ -48,29 +47,35 @@ class TabScene final : public support::HomeFixture {
   // All cards, and suggestions of one place and of many.
   void piledUp() {
     addBackup("2024-01-01T00:00:00Z");
+    addFile(".Trash/film.mov", 300 * MB);
+    addFile(".Trash/.hidden", 900 * MB);
     std::vector<Node> projects;
     for (const char* name : {"shop", "site", "a project with quite a long name that nobody remembers"}) {
-      projects.push_back(folder(name, {folder("node_modules", {file("a", 700 * MB)})}));
+      projects.push_back(support::folder(name, {support::folder("node_modules", {file("a", 700 * MB)})}));
     }
     storeHome(morning - 75h, {file("letters", 300 * MB)}, 140 * GB);
-    storeHome(morning - 1h, {folder("code", std::move(projects)), backupTree(31 * GB),
-                             folder(".Trash", {file("film.mov", 3 * GB), file(".hidden", 8 * GB)}),
-                             folder("Downloads", {file("film.iso", 9 * GB), file("installer.deb", GB)}),
+    storeHome(morning - 1h, {support::folder("code", std::move(projects)), backupTree(31 * GB),
+                             support::folder(".Trash", {file("film.mov", 300 * MB), file(".hidden", 900 * MB)}),
+                             support::folder("Downloads", {file("film.iso", 9 * GB), file("installer.deb", GB)}),
                              nested(".cache/pip", {file("wheels", 2 * GB)}),
                              nested(".local/share/Steam", {file("game", 60 * GB)})});
   }
-  void smallTrash() { storeHome(morning - 1h, {folder(".Trash", {file("film.mov", 700 * MB)})}); }
+  void smallTrash() {
+    addFile(".Trash/film.mov", 700 * MB);
+    storeHome(morning - 1h, {support::folder(".Trash", {file("film.mov", 700 * MB)})});
+  }
   void folders() {
+    addFile(".Trash/gone.zip", 300 * MB);
     storeHome(morning - 1h,
-              {folder("Movies", {folder("Old", {file("first.mov", 2 * GB)}), file("holiday.mov", 9 * GB)}),
-               folder("Documents", {file("thesis.pdf", 400 * MB)}, {.unlisted = 90 * MB}),
-               folder(".Trash", {file("gone.zip", 300 * MB)}),
-               folder("Photos.photoslibrary", {file("db", 5 * GB)}),
-               folder("A folder whose name is much longer than any panel could ever be wide, as it happens",
+              {support::folder("Movies", {support::folder("Old", {file("first.mov", 2 * GB)}), file("holiday.mov", 9 * GB)}),
+               support::folder("Documents", {file("thesis.pdf", 400 * MB)}, {.unlisted = 90 * MB}),
+               support::folder(".Trash", {file("gone.zip", 300 * MB)}),
+               support::folder("Photos.photoslibrary", {file("db", 5 * GB)}),
+               support::folder("A folder whose name is much longer than any panel could ever be wide, as it happens",
                       {file("x", GB)}),
-               folder("عطلة الصيف", {file("y", 2 * GB)}), file("disk.img", 2 * GB), file("backup.tar.gz", GB),
-               file("podcast.mp3", 600 * MB), folder("Mail", {}, {.unlisted = 90 * MB, .unlistedFiles = 9}),
-               folder("Empty", {})},
+               support::folder("عطلة الصيف", {file("y", 2 * GB)}), file("disk.img", 2 * GB), file("backup.tar.gz", GB),
+               file("podcast.mp3", 600 * MB), support::folder("Mail", {}, {.unlisted = 90 * MB, .unlistedFiles = 9}),
+               support::folder("Empty", {})},
               120 * GB);
   }
   void open(std::string_view name) { model->setFolderPath(inHome(name)); }
@@ -91,11 +96,11 @@ class TabScene final : public support::HomeFixture {
     addWorktree("fix", morning - std::chrono::days{3});
     storeHome(
         morning - 1h,
-        {nested(".cache", {folder("pip", {file("wheel", 2 * GB)}), folder("uv", {file("a", 900 * MB)}),
-                           folder("huggingface",
-                                  {folder("hub", {folder("models--openai--whisper", {file("a", 3 * GB)}),
-                                                  folder("datasets--squad", {file("a", GB)})}),
-                                   folder("xet", {file("b", 400 * MB)})})}),
+        {nested(".cache", {support::folder("pip", {file("wheel", 2 * GB)}), support::folder("uv", {file("a", 900 * MB)}),
+                           support::folder("huggingface",
+                                  {support::folder("hub", {support::folder("models--openai--whisper", {file("a", 3 * GB)}),
+                                                  support::folder("datasets--squad", {file("a", GB)})}),
+                                   support::folder("xet", {file("b", 400 * MB)})})}),
          nested(".npm/_cacache", {file("b", 600 * MB)}), worktreeTree("checkout-of-last-year", 2 * GB),
          worktreeTree("orphan", GB), worktreeTree("feature", 700 * MB), worktreeTree("fix", 500 * MB)});
   }

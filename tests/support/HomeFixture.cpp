@@ -41,8 +41,10 @@ void HomeFixture::storeGrowth(int folders) const {
   std::vector<Node> after = before;
   for (int i = 1; i <= folders; ++i) {
     const std::string name = "Folder " + std::to_string(i);
+    // The first accounts for most of it, else the home folder would be named in the place of all.
+    const Bytes delta = i == 1 ? 30 * GB : (2'000 - 100 * i) * MB;
     before.push_back(support::folder(name, {}, {.unlisted = 50 * MB, .unlistedFiles = 9}));
-    after.push_back(support::folder(name, {}, {.unlisted = (50 + 2'000 - 100 * i) * MB, .unlistedFiles = 9}));
+    after.push_back(support::folder(name, {}, {.unlisted = 50 * MB + delta, .unlistedFiles = 9}));
   }
   storeHome(morning - 75h, std::move(before), 140 * GB);
   storeHome(morning - 1h, std::move(after));
@@ -92,14 +94,14 @@ Node HomeFixture::worktreeTree(std::string name, Bytes size) {
 }
 
 std::string HomeFixture::prints(std::string_view text) {
-  return "cat <<'END'\n" + std::string{text} + "\nEND";
+  return "/bin/cat <<'END'\n" + std::string{text} + "\nEND";
 }
 
 std::string HomeFixture::dockerUsage() {
-  return R"({"Active":"3","Reclaimable":"1.1GB (26%)","Size":"4.2GB","TotalCount":"12","Type":"Images"}
+  return R"~({"Active":"3","Reclaimable":"1.1GB (26%)","Size":"4.2GB","TotalCount":"12","Type":"Images"}
 {"Active":"1","Reclaimable":"230MB","Size":"300MB","TotalCount":"4","Type":"Containers"}
 {"Active":"2","Reclaimable":"6.5GB","Size":"7GB","TotalCount":"5","Type":"Local Volumes"}
-{"Active":"0","Reclaimable":"2.4GB","Size":"2.4GB","TotalCount":"87","Type":"Build Cache"})";
+{"Active":"0","Reclaimable":"2.4GB","Size":"2.4GB","TotalCount":"87","Type":"Build Cache"})~";
 }
 
 std::string HomeFixture::ollamaList() {

@@ -99,7 +99,6 @@ void ShownView::click(QQuickItem* item, Qt::MouseButton button) {
 }
 
 void ShownView::doubleClick(QQuickItem* item) {
-  QTest::mouseClick(view_.get(), Qt::LeftButton, {}, centre(*item));
   QTest::mouseDClick(view_.get(), Qt::LeftButton, {}, centre(*item));
   settle();
 }

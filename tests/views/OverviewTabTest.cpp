@@ -126,10 +126,10 @@ TEST_F(OverviewTabTest, aSuggestionUnfoldsByMouseAndKeyboard) {
 }
 
 TEST_F(OverviewTabTest, theTrashIsEmptiedOnlyAfterAQuestion) {
-  addFile(".Trash/film", 30 * MB);
-  storeHome(morning - 1h, {support::folder(".Trash", {file("film", 2 * GB)})});
+  addFile(".Trash/film", 1'200 * MB);
+  storeHome(morning - 1h, {support::folder(".Trash", {file("film", 1'200 * MB)})});
   showOverview();
-  EXPECT_TRUE(shows("2 GB is sitting in the Trash"));
+  EXPECT_TRUE(shows("1.23 GB is sitting in the Trash"));
   EXPECT_TRUE(shows("It takes space until you empty it."));
   click("Show contents");
   EXPECT_THAT(desktop.opener.revealed, ElementsAre(inHome(".Trash")));
@@ -144,6 +144,7 @@ TEST_F(OverviewTabTest, theTrashIsEmptiedOnlyAfterAQuestion) {
 }
 
 TEST_F(OverviewTabTest, aSmallTrashIsASuggestionWithAButton) {
+  addFile(".Trash/film", 600 * MB);
   storeHome(morning - 1h, {support::folder(".Trash", {file("film", 600 * MB)})});
   showOverview();
   click("Empty Trash");
