@@ -37,7 +37,7 @@ FocusScope {
 
     /// The person clicks the row, at this time in milliseconds.
     signal chosen(double time)
-    signal menuWanted
+    signal menuWanted(bool byMouse)
 
     function open() {
         if (showsChevron)
@@ -54,11 +54,11 @@ FocusScope {
     Accessible.onPressAction: open()
     Keys.onReturnPressed: open()
     Keys.onEnterPressed: open()
-    Keys.onMenuPressed: menuWanted()
+    Keys.onMenuPressed: menuWanted(false)
     Keys.onPressed: event => {
         if (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier) {
             event.accepted = true;
-            menuWanted();
+            menuWanted(false);
         }
     }
 
@@ -83,7 +83,7 @@ FocusScope {
     }
     TapHandler {
         acceptedButtons: Qt.RightButton
-        onTapped: root.menuWanted()
+        onTapped: root.menuWanted(true)
     }
     RowLayout {
         id: line
@@ -171,6 +171,8 @@ FocusScope {
             }
         }
         Label {
+            // Bars below each other are as long as each other.
+            Layout.minimumWidth: root.fraction >= 0 ? Theme.scaled(58) : 0
             visible: root.sizeText
             text: root.sizeText
             color: root.sizeColor

@@ -49,7 +49,7 @@ ListView {
     interactive: contentHeight > height
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: true
-    activeFocusOnTab: count > 0
+    activeFocusOnTab: true
     highlightMoveDuration: Theme.duration(120)
     highlightResizeDuration: 0
     Accessible.role: Accessible.List
@@ -74,7 +74,7 @@ ListView {
 
         required property int index
 
-        width: ListView.view.width
+        width: root.width - root.leftMargin - root.rightMargin
         rows: root.rows
         wrapsSubtitle: root.wrapsSubtitles
         sizeColor: root.sizeColor
@@ -95,7 +95,11 @@ ListView {
             root.openedAt = time;
             row.open();
         }
-        onMenuWanted: root.openMenu(row)
+        onMenuWanted: byMouse => {
+            root.showsFocus = !byMouse;
+            root.currentIndex = row.index;
+            root.openMenu(row);
+        }
     }
 
     LazyView {
@@ -106,5 +110,14 @@ ListView {
         properties: ({
                 rows: root.rows
             })
+    }
+    Connections {
+        target: menu.item
+
+        // The keyboard is where it was, unless the menu led to somewhere else.
+        function onClosed() {
+            if (root.enabled && root.visible)
+                root.forceActiveFocus(Qt.PopupFocusReason);
+        }
     }
 }

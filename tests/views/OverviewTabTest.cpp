@@ -104,8 +104,8 @@ TEST_F(OverviewTabTest, anotherScanToCompareWithIsChosen) {
 
 TEST_F(OverviewTabTest, aSuggestionUnfoldsByMouseAndKeyboard) {
   storeHome(morning - 1h, {support::folder("Downloads", {file("film.iso", 900 * MB)}),
-                           nested("code/shop/node_modules", {file("a", 600 * MB)}),
-                           nested("code/site/node_modules", {file("b", 500 * MB)})});
+                           support::folder("code", {nested("shop/node_modules", {file("a", 600 * MB)}),
+                                                    nested("site/node_modules", {file("b", 500 * MB)})})});
   showOverview();
   EXPECT_THAT(rows(), IsEmpty());
   QQuickItem* modules = view->get(QStringLiteral("node_modules, 1.13 GB"), "QQuickAbstractButton");

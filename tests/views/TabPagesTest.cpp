@@ -68,7 +68,7 @@ TEST_F(TabPagesTest, tabsSayWhatTheyAreAndWhichIsSelected) {
   const auto* tabs = QAccessible::queryAccessibleInterface(view->get(QStringLiteral("Pages")));
   EXPECT_EQ(tabs->role(), QAccessible::PageTabList);
   for (const char* name : {"Overview", "Folders", "Large files", "Developer"}) {
-    auto* tab = QAccessible::queryAccessibleInterface(button(name));
+    const auto* tab = QAccessible::queryAccessibleInterface(view->get(QString::fromUtf8(name)));
     EXPECT_EQ(tab->role(), QAccessible::PageTab);
     EXPECT_EQ(tab->state().selected, std::string_view{name} == "Large files");
   }
@@ -91,7 +91,7 @@ TEST_F(TabPagesTest, everythingIsReachedWithTheTabKey) {
       EXPECT_LT(at.y(), view->window().height());
       EXPECT_GT(at.y() + focused->height(), 0);
     }
-    EXPECT_GT(reached.size(), 4U);
+    EXPECT_GT(reached.size(), 2U) << titleOf(tab);
     EXPECT_LT(reached.size(), 60U);
     view.reset();
   }

@@ -10,8 +10,9 @@ TabPages {
     property Item pointer: null
     property Item focused: null
 
-    function find(item: Item, test): Item {
-        for (const child of item.children) {
+    function find(item, test) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i];
             const found = test(child) ? child : find(child, test);
             if (found)
                 return found;
@@ -28,7 +29,7 @@ TabPages {
         else if (deed === "focus")
             focused = row;
         else if (deed === "menu")
-            row.menuWanted();
+            row.menuWanted(false);
         else if (deed === "showAll")
             find(root, item => item.showAllGrowth !== undefined).showAllGrowth = true;
         else if (deed === "showActive")
