@@ -1,4 +1,5 @@
-// Does the interface keep up with the person? A scan of 100,000 nodes in the panel, drawn without a graphics card.
+// Does the interface keep up with the person? A scan of 100,000 nodes in the panel, drawn without a graphics
+// card.
 
 #include "Spacemint/views/Ui.h"
 #include "support/FakeDesktop.h"
@@ -49,7 +50,8 @@ Node homeTree(const std::string& home, Bytes grownBy) {
   std::vector<Node> many;
   for (int i = 0; i < 5'000; ++i) {
     const std::string name = "A child of the large folder, number " + std::to_string(i);
-    many.push_back(i % 3 == 0 ? folder(name, {}, {.unlisted = (6'000 - i) * MB}) : file(name + ".mov", (6'000 - i) * MB));
+    many.push_back(i % 3 == 0 ? folder(name, {}, {.unlisted = (6'000 - i) * MB})
+                              : file(name + ".mov", (6'000 - i) * MB));
   }
   top.push_back(folder("Many", std::move(many)));
   for (int project = 0; project < 950; ++project) {
@@ -115,7 +117,8 @@ class Application {
                    .hasBundleIdentifier = false,
                    .hasFullDiskAccess = [] { return true; }},
                   desktop_.desktop()};
-  Ui ui_{UiHost{.model = model_, .desktop = desktop_.desktop(), .home = home_, .locale = "en_US", .quit = {}}};
+  Ui ui_{
+      UiHost{.model = model_, .desktop = desktop_.desktop(), .home = home_, .locale = "en_US", .quit = {}}};
 };
 
 /// The panel on the screen.
@@ -162,7 +165,8 @@ class Panel {
     const auto children = item.childItems();
     for (QQuickItem* child : children) {
       if (!child->isVisible()) continue;
-      const bool scrolls = child->inherits("QQuickFlickable") && child->property("contentHeight").toDouble() > child->height();
+      const bool scrolls =
+          child->inherits("QQuickFlickable") && child->property("contentHeight").toDouble() > child->height();
       if (QQuickItem* found = scrolls ? child : scrollableIn(*child)) return found;
     }
     return nullptr;
@@ -203,7 +207,8 @@ void run() {
 
   for (const char* time : {"first", "second"}) {
     for (const Tab tab : {Tab::folders, Tab::files, Tab::developer, Tab::overview}) {
-      print("switching to " + std::string{titleOf(tab)} + ", " + time + " time", panel.frameAfter([&] { model.setTab(tab); }), 100);
+      print("switching to " + std::string{titleOf(tab)} + ", " + time + " time",
+            panel.frameAfter([&] { model.setTab(tab); }), 100);
     }
   }
   panel.frameAfter([&] { model.setTab(Tab::folders); });
@@ -215,10 +220,9 @@ void run() {
   print("opening a folder with 5,000 children, median", percentile(openings, 0.5), 100);
   print("opening a folder with 5,000 children, longest", percentile(openings, 1), 100);
 
-  for (const Scrolling& scrolling : {Scrolling{"5,000 rows slowly", Tab::folders, 6},
-                                     Scrolling{"5,000 rows fast", Tab::folders, 90},
-                                     Scrolling{"the large files", Tab::files, 24},
-                                     Scrolling{"the overview", Tab::overview, 6}}) {
+  for (const Scrolling& scrolling :
+       {Scrolling{"5,000 rows slowly", Tab::folders, 6}, Scrolling{"5,000 rows fast", Tab::folders, 90},
+        Scrolling{"the large files", Tab::files, 24}, Scrolling{"the overview", Tab::overview, 6}}) {
     scroll(panel, model, scrolling);
   }
 }

@@ -131,7 +131,9 @@ FocusScope {
                 Label {
                     Layout.fillWidth: true
                     text: root.title
-                    elide: Text.ElideMiddle
+                    // What is no name of a file is a sentence, and is shown in full.
+                    elide: root.hasPath ? Text.ElideMiddle : Text.ElideNone
+                    wrapMode: root.hasPath ? Text.NoWrap : Text.Wrap
                     // Also of a name that is written from right to left.
                     horizontalAlignment: Text.AlignLeft
                     Accessible.ignored: true

@@ -15,8 +15,8 @@ QString toQString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// On one line, and in the order in which it is written: names of files may hold what would break a line, or turn
-// the rest of it around.
+// On one line, and in the order in which it is written: names of files may hold what would break a line, or
+// turn the rest of it around.
 QString onOneLine(std::string_view name) {
   QString text = toQString(name);
   for (QChar& c : text) {
@@ -26,6 +26,12 @@ QString onOneLine(std::string_view name) {
     if (kind == QChar::Other_Control || isBreak || isEmbedding) c = QChar::ReplacementCharacter;
   }
   return text;
+}
+
+// A path begins at the left also where its names do not.
+QString leftToRight(QString path) {
+  constexpr QChar mark{0x200E};
+  return path.isRightToLeft() ? path.prepend(mark) : path;
 }
 
 // Places of a longest run of rising numbers: what may stay where it is while all else moves around it. What
@@ -126,7 +132,7 @@ QVariant ItemRows::text(const ItemRow& row, int role) const {
     case TitleRole:
       return onOneLine(row.title.empty() ? Paths::lastComponent(row.path) : row.title);
     case SubtitleRole:
-      return onOneLine(row.subtitle);
+      return leftToRight(onOneLine(row.subtitle));
     case SizeTextRole:
       return toQString(row.sizeText.empty() ? ByteFormat::string(row.size, actions_.host().locale)
                                             : row.sizeText);

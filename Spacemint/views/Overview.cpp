@@ -1,5 +1,6 @@
 #include "Spacemint/views/Overview.h"
 
+#include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/OverviewText.h"
 #include "core/wording/FindingText.h"
 
@@ -98,16 +99,19 @@ void Overview::updateBaselines() {
 }
 
 std::vector<ItemRow> Overview::growthRows() const {
+  const SharedSnapshot& snapshot = host_.model.history().snapshot();
+  const std::string root = snapshot ? snapshot->rootPath() : "";
   std::vector<ItemRow> rows;
   for (const Growth& growth : host_.model.findings().growth) {
     rows.push_back({.id = growth.path,
                     .path = growth.path,
                     .size = growth.size,
                     .isDirectory = growth.isDirectory,
+                    .title = FolderText::title(growth.path, root, host_.home),
                     .subtitle = Paths::display(growth.path, host_.home),
                     .sizeText = OverviewText::delta(growth, host_.locale),
                     .showsChevron = growth.isDirectory,
-                    .canTrash = true});
+                    .canTrash = growth.path != root});
   }
   return rows;
 }

@@ -30,6 +30,7 @@ ColumnLayout {
         id: header
 
         Layout.fillWidth: true
+        hoverEnabled: true
         implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
         Accessible.role: Accessible.Button
         Accessible.name: `${root.title}, ${root.sizeText}`
@@ -77,7 +78,7 @@ ColumnLayout {
                         text: root.subtitle
                         size: 11
                         color: Theme.secondary
-                        elide: Text.ElideRight
+                        wrapMode: Text.Wrap
                         Accessible.ignored: true
                     }
                 }

@@ -22,8 +22,8 @@ class TabScene final : public support::HomeFixture {
   TabScene(Tab tab, Step before, Step after) {
     before(*this);
     startModel();
-    ui_ = std::make_unique<Ui>(UiHost{
-        .model = *model, .desktop = desktop.desktop(), .home = home, .locale = "en_US", .quit = {}});
+    ui_ = std::make_unique<Ui>(
+        UiHost{.model = *model, .desktop = desktop.desktop(), .home = home, .locale = "en_US", .quit = {}});
     if (tab == Tab::developer) {
       if (holdsTools_) desktop.tasks.hold(Tasks::Priority::utility);
       model->dev().refreshIfNeeded();
@@ -54,11 +54,12 @@ class TabScene final : public support::HomeFixture {
       projects.push_back(support::folder(name, {support::folder("node_modules", {file("a", 700 * MB)})}));
     }
     storeHome(morning - 75h, {file("letters", 300 * MB)}, 140 * GB);
-    storeHome(morning - 1h, {support::folder("code", std::move(projects)), backupTree(31 * GB),
-                             support::folder(".Trash", {file("film.mov", 300 * MB), file(".hidden", 900 * MB)}),
-                             support::folder("Downloads", {file("film.iso", 9 * GB), file("installer.deb", GB)}),
-                             nested(".cache/pip", {file("wheels", 2 * GB)}),
-                             nested(".local/share/Steam", {file("game", 60 * GB)})});
+    storeHome(morning - 1h,
+              {support::folder("code", std::move(projects)), backupTree(31 * GB),
+               support::folder(".Trash", {file("film.mov", 300 * MB), file(".hidden", 900 * MB)}),
+               support::folder("Downloads", {file("film.iso", 9 * GB), file("installer.deb", GB)}),
+               nested(".cache/pip", {file("wheels", 2 * GB)}),
+               nested(".local/share/Steam", {file("game", 60 * GB)})});
   }
   void smallTrash() {
     addFile(".Trash/film.mov", 700 * MB);
@@ -67,14 +68,17 @@ class TabScene final : public support::HomeFixture {
   void folders() {
     addFile(".Trash/gone.zip", 300 * MB);
     storeHome(morning - 1h,
-              {support::folder("Movies", {support::folder("Old", {file("first.mov", 2 * GB)}), file("holiday.mov", 9 * GB)}),
+              {support::folder("Movies", {support::folder("Old", {file("first.mov", 2 * GB)}),
+                                          file("holiday.mov", 9 * GB)}),
                support::folder("Documents", {file("thesis.pdf", 400 * MB)}, {.unlisted = 90 * MB}),
                support::folder(".Trash", {file("gone.zip", 300 * MB)}),
                support::folder("Photos.photoslibrary", {file("db", 5 * GB)}),
-               support::folder("A folder whose name is much longer than any panel could ever be wide, as it happens",
-                      {file("x", GB)}),
-               support::folder("عطلة الصيف", {file("y", 2 * GB)}), file("disk.img", 2 * GB), file("backup.tar.gz", GB),
-               file("podcast.mp3", 600 * MB), support::folder("Mail", {}, {.unlisted = 90 * MB, .unlistedFiles = 9}),
+               support::folder(
+                   "A folder whose name is much longer than any panel could ever be wide, as it happens",
+                   {file("x", GB)}),
+               support::folder("عطلة الصيف", {file("y", 2 * GB)}), file("disk.img", 2 * GB),
+               file("backup.tar.gz", GB), file("podcast.mp3", 600 * MB),
+               support::folder("Mail", {}, {.unlisted = 90 * MB, .unlistedFiles = 9}),
                support::folder("Empty", {})},
               120 * GB);
   }
@@ -96,11 +100,14 @@ class TabScene final : public support::HomeFixture {
     addWorktree("fix", morning - std::chrono::days{3});
     storeHome(
         morning - 1h,
-        {nested(".cache", {support::folder("pip", {file("wheel", 2 * GB)}), support::folder("uv", {file("a", 900 * MB)}),
-                           support::folder("huggingface",
-                                  {support::folder("hub", {support::folder("models--openai--whisper", {file("a", 3 * GB)}),
-                                                  support::folder("datasets--squad", {file("a", GB)})}),
-                                   support::folder("xet", {file("b", 400 * MB)})})}),
+        {nested(
+             ".cache",
+             {support::folder("pip", {file("wheel", 2 * GB)}), support::folder("uv", {file("a", 900 * MB)}),
+              support::folder(
+                  "huggingface",
+                  {support::folder("hub", {support::folder("models--openai--whisper", {file("a", 3 * GB)}),
+                                           support::folder("datasets--squad", {file("a", GB)})}),
+                   support::folder("xet", {file("b", 400 * MB)})})}),
          nested(".npm/_cacache", {file("b", 600 * MB)}), worktreeTree("checkout-of-last-year", 2 * GB),
          worktreeTree("orphan", GB), worktreeTree("feature", 700 * MB), worktreeTree("fix", 500 * MB)});
   }

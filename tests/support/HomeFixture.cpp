@@ -64,10 +64,11 @@ std::vector<Node> HomeFixture::numbered(const std::string& name, int count, Byte
 }
 
 void HomeFixture::addBackup(std::string_view lastDate) const {
-  write(fs::path{inHome(backups)} / "phone/Info.plist",
-        R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Device Name</key><string>Ann's phone</string>)"
-        "<key>Last Backup Date</key><date>" +
-            std::string{lastDate} + "</date></dict></plist>");
+  write(
+      fs::path{inHome(backups)} / "phone/Info.plist",
+      R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Device Name</key><string>Ann's phone</string>)"
+      "<key>Last Backup Date</key><date>" +
+          std::string{lastDate} + "</date></dict></plist>");
 }
 
 Node HomeFixture::backupTree(Bytes size) {

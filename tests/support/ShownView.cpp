@@ -93,7 +93,8 @@ QQuickItem* ShownView::get(const QString& name, const char* type) {
     QStringList seen;
     for (QQuickItem* item : find({}, type)) seen << nameOf(item);
     seen.removeAll(QString{});
-    ADD_FAILURE() << name.toStdString() << " is not seen, but " << seen.join(QStringLiteral(" | ")).toStdString();
+    ADD_FAILURE() << name.toStdString() << " is not seen, but "
+                  << seen.join(QStringLiteral(" | ")).toStdString();
   }
   return found.isEmpty() ? view_->contentItem() : found.first();
 }

@@ -44,7 +44,8 @@ TEST_F(DeveloperTabTest, theToolsAreAskedWhenTheTabIsSeenForTheFirstTime) {
   desktop.tasks.release(Tasks::Priority::utility);
   settle();
   EXPECT_FALSE(shows("Checking Docker…"));
-  EXPECT_THAT(rows(), ElementsAre("Unused images", "Stopped containers", "Local Volumes", "Unused build cache"));
+  EXPECT_THAT(rows(),
+              ElementsAre("Unused images", "Stopped containers", "Local Volumes", "Unused build cache"));
 }
 
 TEST_F(DeveloperTabTest, toolsThatDoNotAnswerHaveATextInThePlaceOfRows) {
@@ -93,10 +94,11 @@ TEST_F(DeveloperTabTest, cachesAreCleanedUpOnlyAfterAQuestion) {
 }
 
 TEST_F(DeveloperTabTest, modelsOfHuggingFaceAreDeletedOnlyAfterAQuestion) {
-  storeHome(morning - 1h,
-            {nested(".cache/huggingface", {support::folder("hub", {support::folder("models--openai--whisper",
-                                                                                  {file("a", 3 * GB)})}),
-                                           support::folder("xet", {file("b", GB)})})});
+  storeHome(
+      morning - 1h,
+      {nested(".cache/huggingface",
+              {support::folder("hub", {support::folder("models--openai--whisper", {file("a", 3 * GB)})}),
+               support::folder("xet", {file("b", GB)})})});
   showDeveloper();
   EXPECT_THAT(rows(), ElementsAre("whisper", "Other cached files"));
   EXPECT_EQ(row("whisper")->property("subtitle").toString(), QStringLiteral("Model · openai"));

@@ -16,12 +16,12 @@ class ShownTabs : public support::HomeFixture {
   /// Starts the model over the stored scans and shows this tab.
   ShownView& show(Tab tab, QSize size = {460, 700}) {
     startModel();
-    ui = std::make_unique<Ui>(UiHost{
-        .model = *model, .desktop = desktop.desktop(), .home = home, .locale = "en_US", .quit = {}});
+    ui = std::make_unique<Ui>(
+        UiHost{.model = *model, .desktop = desktop.desktop(), .home = home, .locale = "en_US", .quit = {}});
     model->setTab(tab);
-    view = std::make_unique<ShownView>(QStringLiteral("PanelView.qml"),
-                                       QVariantMap{{QStringLiteral("ui"), QVariant::fromValue(ui.get())}},
-                                       size);
+    view =
+        std::make_unique<ShownView>(QStringLiteral("PanelView.qml"),
+                                    QVariantMap{{QStringLiteral("ui"), QVariant::fromValue(ui.get())}}, size);
     settle();
     return *view;
   }
