@@ -11,7 +11,8 @@ RowList {
     bottomMargin: 24
     interactive: true
     clip: true
-    cacheBuffer: 200
+    // Rows are used again, and so none need be made ahead.
+    cacheBuffer: 0
 
     // The card, as far as it is seen: in the midst of the list nothing of it changes.
     Rectangle {
