@@ -5,6 +5,8 @@ import Spacemint.UiKit
 RowList {
     id: root
 
+    // It is given its height. As high as all of its rows, it would make every one of them before that.
+    implicitHeight: 200
     leftMargin: 24
     rightMargin: 24
     topMargin: 4
