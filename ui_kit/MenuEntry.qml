@@ -16,6 +16,7 @@ T.MenuItem {
     verticalPadding: 6
     font: Theme.text(12)
     opacity: enabled ? 1 : 0.4
+    Accessible.name: text
 
     contentItem: RowLayout {
         spacing: 8

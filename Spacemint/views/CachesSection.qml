@@ -23,5 +23,6 @@ ColumnLayout {
     SectionRows {
         rows: root.caches.rows
         name: header.title
+        wrapsSubtitles: true
     }
 }

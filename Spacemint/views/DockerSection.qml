@@ -50,9 +50,11 @@ ColumnLayout {
                 required property string buttonTitle
                 required property bool isBusy
 
+                Layout.fillWidth: true
                 spacing: 4
 
                 RowDivider {
+                    Layout.fillWidth: true
                     Layout.topMargin: 4
                 }
                 RowLayout {

@@ -26,7 +26,6 @@ ColumnLayout {
         Layout.fillHeight: true
         rows: root.ui.files.largest.rows
         name: "Largest files"
-        topMargin: 4
         focus: true
     }
 }

@@ -4,6 +4,9 @@
 #include "Spacemint/views/ShownFolder.h"
 #include "core/base/ByteFormat.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace spacemint {
 
 namespace {
@@ -35,6 +38,17 @@ std::vector<ItemRow> rowsOf(const ShownFolder& folder, const UiHost& host) {
   return rows;
 }
 
+// The row that leads to a folder further down; the first where none does.
+int rowTowards(const std::string& below, const ShownFolder& folder) {
+  if (!below.starts_with(folder.path)) return 0;
+  const auto& children = folder.node->children;
+  const auto row = std::ranges::find_if(children, [&](const Node& child) {
+    const std::string path = Paths::join(folder.path, child.name);
+    return below == path || below.starts_with(path + '/');
+  });
+  return row != children.end() ? static_cast<int>(row - children.begin()) : 0;
+}
+
 }  // namespace
 
 Folders::Folders(const ItemActions& actions) : actions_(actions), content_(actions) {
@@ -55,13 +69,13 @@ void Folders::update() {
   auto rows = rowsOf(folder, host);
   const std::string text{rows.empty() ? FolderText::empty : ""};
   content_.assign({.rows = std::move(rows), .text = text});
-  const bool isAnother = std::exchange(path_, folder.path) != folder.path;
+  const std::string before = std::exchange(path_, folder.path);
   parent_ = folder.parent;
   title_ = titleOf(folder.path);
   sizeText_ = QString::fromStdString(ByteFormat::string(folder.node->size, host.locale));
   parentTitle_ = parent_ ? titleOf(*parent_) : QString{};
   Q_EMIT changed();
-  if (isAnother) Q_EMIT opened();
+  if (before != path_) Q_EMIT opened(rowTowards(before, folder));
 }
 
 void Folders::goBack() {

@@ -29,8 +29,8 @@ class Folders : public QObject {
 
  Q_SIGNALS:
   void changed();
-  /// Another folder is shown than before.
-  void opened();
+  /// Another folder is shown than before; `row` is the one over which one came out of that, or the first.
+  void opened(int row);
 
  private:
   void update();

@@ -79,7 +79,6 @@ Item {
             rows: root.folders.content.rows
             name: root.folders.title
             hasChevrons: true
-            topMargin: 4
             focus: true
             Keys.onPressed: event => {
                 if (event.key !== Qt.Key_Backspace && !(event.key === Qt.Key_Left && event.modifiers & Qt.AltModifier))
@@ -92,9 +91,12 @@ Item {
     Connections {
         target: root.folders
 
-        function onOpened() {
-            list.currentIndex = 0;
-            list.positionViewAtBeginning();
+        function onOpened(row: int) {
+            list.currentIndex = row;
+            if (row > 0)
+                list.positionViewAtIndex(row, ListView.Center);
+            else
+                list.positionViewAtBeginning();
         }
     }
 }

@@ -35,9 +35,9 @@ FocusScope {
     readonly property bool isLit: hover.hovered || activeFocus
     readonly property bool mirrored: LayoutMirroring.enabled
 
-    /// The person points at the row.
-    signal chosen
-    signal menuWanted
+    /// The person clicks the row, at this time in milliseconds.
+    signal chosen(double time)
+    signal menuWanted(bool byMouse)
 
     function open() {
         if (showsChevron)
@@ -54,11 +54,11 @@ FocusScope {
     Accessible.onPressAction: open()
     Keys.onReturnPressed: open()
     Keys.onEnterPressed: open()
-    Keys.onMenuPressed: menuWanted()
+    Keys.onMenuPressed: menuWanted(false)
     Keys.onPressed: event => {
         if (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier) {
             event.accepted = true;
-            menuWanted();
+            menuWanted(false);
         }
     }
 
@@ -78,15 +78,12 @@ FocusScope {
         id: hover
     }
     TapHandler {
-        onTapped: root.chosen()
-        onDoubleTapped: root.open()
+        gesturePolicy: TapHandler.ReleaseWithinBounds
+        onTapped: point => root.chosen(point.timestamp)
     }
     TapHandler {
         acceptedButtons: Qt.RightButton
-        onTapped: {
-            root.chosen();
-            root.menuWanted();
-        }
+        onTapped: root.menuWanted(true)
     }
     RowLayout {
         id: line
@@ -111,10 +108,10 @@ FocusScope {
                 size: 17
                 color: Theme.secondary
             }
-            Loader {
+            LazyView {
                 anchors.centerIn: parent
-                active: root.isBusy
-                sourceComponent: Spinner {}
+                view: "qrc:/qt/qml/Spacemint/UiKit/Spinner.qml"
+                wanted: root.isBusy
             }
         }
         Item {
@@ -134,19 +131,22 @@ FocusScope {
                 Label {
                     Layout.fillWidth: true
                     text: root.title
-                    textFormat: Text.PlainText
-                    elide: Text.ElideMiddle
+                    // What is no name of a file is a sentence, and is shown in full.
+                    elide: root.hasPath ? Text.ElideMiddle : Text.ElideNone
+                    wrapMode: root.hasPath ? Text.NoWrap : Text.Wrap
+                    // Also of a name that is written from right to left.
+                    horizontalAlignment: Text.AlignLeft
                     Accessible.ignored: true
                 }
                 Label {
                     Layout.fillWidth: true
                     visible: root.subtitle
                     text: root.subtitle
-                    textFormat: Text.PlainText
                     size: 11
                     color: Theme.secondary
                     elide: root.wrapsSubtitle ? Text.ElideNone : Text.ElideMiddle
                     wrapMode: root.wrapsSubtitle ? Text.Wrap : Text.NoWrap
+                    horizontalAlignment: Text.AlignLeft
                     Accessible.ignored: true
                 }
                 UsageBar {
@@ -160,39 +160,21 @@ FocusScope {
                 }
             }
             // Over the end of the texts, so that nothing moves when it appears.
-            Loader {
+            LazyView {
                 anchors {
                     right: parent.right
                     verticalCenter: parent.verticalCenter
                 }
-                active: root.isLit && root.hasPath
-                sourceComponent: Rectangle {
-                    implicitWidth: buttons.implicitWidth + 6
-                    implicitHeight: buttons.implicitHeight
-                    color: Theme.hover
-
-                    Row {
-                        id: buttons
-
-                        anchors.right: parent.right
-
-                        IconButton {
-                            symbol: "magnifyingglass"
-                            help: ItemText.showInFinder
-                            onClicked: root.rows.reveal(root.rowId)
-                        }
-                        IconButton {
-                            visible: root.canTrash
-                            enabled: !root.isBusy
-                            symbol: root.isInTrash ? "trash.slash" : "trash"
-                            help: ItemText.removeHelp(root.isInTrash)
-                            onClicked: root.rows.remove(root.rowId)
-                        }
-                    }
-                }
+                view: "ItemButtons.qml"
+                wanted: root.isLit && root.hasPath
+                properties: ({
+                        row: root
+                    })
             }
         }
         Label {
+            // Bars below each other are as long as each other.
+            Layout.minimumWidth: root.fraction >= 0 ? Theme.scaled(58) : 0
             visible: root.sizeText
             text: root.sizeText
             color: root.sizeColor
@@ -218,12 +200,6 @@ FocusScope {
                 symbol: root.mirrored ? "chevron.left" : "chevron.right"
                 size: 13
                 color: hover.hovered ? Theme.ink : Theme.tertiary
-            }
-            TapHandler {
-                enabled: root.showsChevron
-                margin: 8
-                gesturePolicy: TapHandler.ReleaseWithinBounds
-                onTapped: root.open()
             }
         }
     }

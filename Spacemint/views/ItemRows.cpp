@@ -15,6 +15,25 @@ QString toQString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// On one line, and in the order in which it is written: names of files may hold what would break a line, or
+// turn the rest of it around.
+QString onOneLine(std::string_view name) {
+  QString text = toQString(name);
+  for (QChar& c : text) {
+    const auto kind = c.category();
+    const bool isEmbedding = (c >= u'\u202A' && c <= u'\u202E') || (c >= u'\u2066' && c <= u'\u2069');
+    const bool isBreak = kind == QChar::Separator_Line || kind == QChar::Separator_Paragraph;
+    if (kind == QChar::Other_Control || isBreak || isEmbedding) c = QChar::ReplacementCharacter;
+  }
+  return text;
+}
+
+// A path begins at the left also where its names do not.
+QString leftToRight(QString path) {
+  constexpr QChar mark{0x200E};
+  return path.isRightToLeft() ? path.prepend(mark) : path;
+}
+
 // Places of a longest run of rising numbers: what may stay where it is while all else moves around it. What
 // is absent is in no run.
 std::vector<bool> longestRise(const std::vector<std::optional<std::size_t>>& numbers) {
@@ -111,9 +130,9 @@ QVariant ItemRows::text(const ItemRow& row, int role) const {
   switch (role) {
     case Qt::DisplayRole:
     case TitleRole:
-      return toQString(row.title.empty() ? Paths::lastComponent(row.path) : row.title);
+      return onOneLine(row.title.empty() ? Paths::lastComponent(row.path) : row.title);
     case SubtitleRole:
-      return toQString(row.subtitle);
+      return leftToRight(onOneLine(row.subtitle));
     case SizeTextRole:
       return toQString(row.sizeText.empty() ? ByteFormat::string(row.size, actions_.host().locale)
                                             : row.sizeText);

@@ -1,5 +1,6 @@
 #include "Spacemint/views/Overview.h"
 
+#include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/OverviewText.h"
 #include "core/wording/FindingText.h"
 
@@ -18,6 +19,7 @@ QString toQString(std::string_view text) {
 Overview::Overview(const ItemActions& actions)
     : host_(actions.host()),
       growth_(actions),
+      firstGrowth_(actions),
       trash_(actions),
       backups_(actions),
       suggestions_(actions) {
@@ -39,10 +41,6 @@ QString Overview::accessTitle() const {
 
 QString Overview::accessLine() const {
   return toQString(OverviewText::accessLine);
-}
-
-int Overview::growthShown() const {
-  return OverviewText::growthShown;
 }
 
 QString Overview::growthToggle(int count, bool showsAll) const {
@@ -67,7 +65,11 @@ void Overview::update() {
       snapshot
           ? QString::fromStdString(OverviewText::freeChange(findings, snapshot->volumeFree, host_.locale))
           : QString{};
-  growth_.assign({.rows = growthRows(), .text = isReady ? OverviewText::growth(findings, host_.locale) : ""});
+  auto grown = growthRows();
+  const auto first = std::min(grown.size(), std::size_t{OverviewText::growthShown});
+  firstGrowth_.assign({grown.begin(), grown.begin() + static_cast<std::ptrdiff_t>(first)});
+  growth_.assign(
+      {.rows = std::move(grown), .text = isReady ? OverviewText::growth(findings, host_.locale) : ""});
   trash_.assign(trashRows());
   backups_.assign(backupRows());
   const bool isClean =
@@ -97,16 +99,19 @@ void Overview::updateBaselines() {
 }
 
 std::vector<ItemRow> Overview::growthRows() const {
+  const SharedSnapshot& snapshot = host_.model.history().snapshot();
+  const std::string root = snapshot ? snapshot->rootPath() : "";
   std::vector<ItemRow> rows;
   for (const Growth& growth : host_.model.findings().growth) {
     rows.push_back({.id = growth.path,
                     .path = growth.path,
                     .size = growth.size,
                     .isDirectory = growth.isDirectory,
+                    .title = FolderText::title(growth.path, root, host_.home),
                     .subtitle = Paths::display(growth.path, host_.home),
                     .sizeText = OverviewText::delta(growth, host_.locale),
                     .showsChevron = growth.isDirectory,
-                    .canTrash = true});
+                    .canTrash = growth.path != root});
   }
   return rows;
 }

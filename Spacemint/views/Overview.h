@@ -12,6 +12,7 @@ class Overview : public QObject {
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(spacemint::Section* growth READ growth CONSTANT)
+  Q_PROPERTY(spacemint::ItemRows* firstGrowth READ firstGrowth CONSTANT)
   Q_PROPERTY(QString freeChange READ freeChange NOTIFY changed)
   Q_PROPERTY(QStringList baselines READ baselines NOTIFY baselinesChanged)
   Q_PROPERTY(int baselineIndex READ baselineIndex NOTIFY baselinesChanged)
@@ -21,11 +22,12 @@ class Overview : public QObject {
   Q_PROPERTY(spacemint::ItemRows* trash READ trash CONSTANT)
   Q_PROPERTY(spacemint::ItemRows* backups READ backups CONSTANT)
   Q_PROPERTY(spacemint::Section* suggestions READ suggestions CONSTANT)
-  Q_PROPERTY(int growthShown READ growthShown CONSTANT)
  public:
   explicit Overview(const ItemActions& actions);
 
   Section* growth() { return &growth_; }
+  /// What is seen of it before all is asked for.
+  ItemRows* firstGrowth() { return &firstGrowth_; }
   const QString& freeChange() const { return freeChange_; }
   /// The earlier scans, newest first.
   const QStringList& baselines() const { return baselines_; }
@@ -37,7 +39,6 @@ class Overview : public QObject {
   ItemRows* trash() { return &trash_; }
   ItemRows* backups() { return &backups_; }
   Section* suggestions() { return &suggestions_; }
-  int growthShown() const;
 
   Q_INVOKABLE QString growthToggle(int count, bool showsAll) const;
   Q_INVOKABLE void chooseBaseline(int index);
@@ -59,6 +60,7 @@ class Overview : public QObject {
 
   const UiHost& host_;
   Section growth_;
+  ItemRows firstGrowth_;
   QString freeChange_;
   std::vector<SnapshotStore::Entry> entries_;
   QStringList baselines_;

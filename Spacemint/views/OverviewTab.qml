@@ -47,18 +47,11 @@ ScrollColumn {
         spacing: 0
 
         RowList {
-            id: growth
-
             Layout.fillWidth: true
-            Layout.preferredHeight: root.showAllGrowth || !root.growthToggle ? contentHeight : itemsHeight
-            readonly property real itemsHeight: contentHeight / Math.max(1, count) * root.overview.growthShown
-
-            rows: root.overview.growth.rows
+            rows: root.showAllGrowth ? root.overview.growth.rows : root.overview.firstGrowth
             name: "What grew"
             hasChevrons: true
             sizeColor: Theme.amberInk
-            clip: true
-            interactive: false
         }
         QuietButtonStyle {
             Layout.alignment: Qt.AlignHCenter

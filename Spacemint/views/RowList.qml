@@ -19,11 +19,26 @@ ListView {
     /// What the list is of, for those who do not see it.
     property string name
 
+    /// When a folder was opened here by a click. What follows at once is that click's second half.
+    property double openedAt: -Infinity
+
     function openMenu(row: ItemRow) {
         if (!row.hasPath)
             return;
-        menu.active = true;
-        menu.open(row);
+        menu.wanted = true;
+        const it = menu.item as ItemMenu;
+        it.rows = row.rows;
+        it.rowId = row.rowId;
+        it.canTrash = row.canTrash && !row.isBusy;
+        it.isInTrash = row.isInTrash;
+        it.popup(row, row.mirrored ? 8 : row.width - it.width - 8, row.height - 6);
+    }
+
+    /// A page on, or back.
+    function turn(pages: int) {
+        const row = currentItem ? currentItem.height : 1;
+        const step = pages * Math.max(1, Math.floor(height / row) - 1);
+        currentIndex = Math.max(0, Math.min(count - 1, currentIndex + step));
     }
 
     implicitWidth: 300
@@ -34,7 +49,7 @@ ListView {
     interactive: contentHeight > height
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: true
-    activeFocusOnTab: count > 0
+    activeFocusOnTab: true
     highlightMoveDuration: Theme.duration(120)
     highlightResizeDuration: 0
     Accessible.role: Accessible.List
@@ -45,6 +60,10 @@ ListView {
             root.currentIndex = 0;
         else if (event.key === Qt.Key_End)
             root.currentIndex = root.count - 1;
+        else if (event.key === Qt.Key_PageUp && root.interactive)
+            root.turn(-1);
+        else if (event.key === Qt.Key_PageDown && root.interactive)
+            root.turn(1);
         else
             return;
         event.accepted = true;
@@ -55,35 +74,50 @@ ListView {
 
         required property int index
 
-        width: ListView.view.width
+        width: root.width - root.leftMargin - root.rightMargin
         rows: root.rows
         wrapsSubtitle: root.wrapsSubtitles
         sizeColor: root.sizeColor
         hasChevronColumn: root.hasChevrons
         isCurrent: ListView.isCurrentItem
         showsFocus: root.showsFocus
-        onChosen: {
+        // Rows that wait to be used again are nowhere.
+        ListView.onPooled: row.visible = false
+        ListView.onReused: row.visible = true
+        onChosen: time => {
+            if (time - root.openedAt < Application.styleHints.mouseDoubleClickInterval)
+                return;
             root.showsFocus = false;
-            root.currentIndex = index;
-            forceActiveFocus(Qt.MouseFocusReason);
+            root.currentIndex = row.index;
+            row.forceActiveFocus(Qt.MouseFocusReason);
+            if (!row.showsChevron)
+                return;
+            root.openedAt = time;
+            row.open();
         }
-        onMenuWanted: root.openMenu(row)
+        onMenuWanted: byMouse => {
+            root.showsFocus = !byMouse;
+            root.currentIndex = row.index;
+            root.openMenu(row);
+        }
     }
 
-    Loader {
+    LazyView {
         id: menu
 
-        function open(row: ItemRow) {
-            const it = item as ItemMenu;
-            it.rowId = row.rowId;
-            it.canTrash = row.canTrash && !row.isBusy;
-            it.isInTrash = row.isInTrash;
-            it.popup(row, row.mirrored ? 8 : row.width - it.width - 8, row.height - 6);
-        }
+        view: "ItemMenu.qml"
+        wanted: false
+        properties: ({
+                rows: root.rows
+            })
+    }
+    Connections {
+        target: menu.item
 
-        active: false
-        sourceComponent: ItemMenu {
-            rows: root.rows
+        // The keyboard is where it was, unless the menu led to somewhere else.
+        function onClosed() {
+            if (root.enabled && root.visible)
+                root.forceActiveFocus(Qt.PopupFocusReason);
         }
     }
 }

@@ -30,6 +30,7 @@ ColumnLayout {
         id: header
 
         Layout.fillWidth: true
+        hoverEnabled: true
         implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
         Accessible.role: Accessible.Button
         Accessible.name: `${root.title}, ${root.sizeText}`
@@ -77,7 +78,7 @@ ColumnLayout {
                         text: root.subtitle
                         size: 11
                         color: Theme.secondary
-                        elide: Text.ElideRight
+                        wrapMode: Text.Wrap
                         Accessible.ignored: true
                     }
                 }
@@ -118,7 +119,7 @@ ColumnLayout {
 
         Layout.fillWidth: true
         Layout.leftMargin: Theme.scaled(18)
-        implicitHeight: root.expanded && list.item ? (list.item as RowList).implicitHeight + 4 : 0
+        implicitHeight: root.expanded ? list.implicitHeight + 4 : 0
         visible: implicitHeight > 0
         clip: true
 
@@ -129,17 +130,15 @@ ColumnLayout {
             }
         }
 
-        Loader {
+        LazyView {
             id: list
 
             width: parent.width
-            active: root.expanded || unfolded.visible
-            sourceComponent: RowList {
-                rows: root.parts
-                name: root.title
-                hasChevrons: true
-                maximumHeight: Theme.scaled(400)
-            }
+            view: "SuggestionParts.qml"
+            wanted: root.expanded || unfolded.visible
+            properties: ({
+                    suggestion: root
+                })
         }
     }
 }

@@ -5,7 +5,7 @@ import QtQuick.Templates as T
 import Spacemint.UiKit
 
 /// Which of the pages is shown.
-T.Control {
+Item {
     id: root
 
     property var titles
@@ -18,9 +18,9 @@ T.Control {
             activated(index);
     }
 
-    implicitHeight: implicitContentHeight
-    implicitWidth: implicitContentWidth
-    focusPolicy: Qt.StrongFocus
+    implicitHeight: row.implicitHeight
+    implicitWidth: row.implicitWidth
+    activeFocusOnTab: true
     Accessible.role: Accessible.PageTabList
     Accessible.name: "Pages"
     Keys.onLeftPressed: show(currentIndex - 1)
@@ -34,47 +34,60 @@ T.Control {
     }
 
     // Large letters take from the space around them, and then another line.
-    contentItem: Flow {
+    Flow {
         id: row
 
         readonly property real room: (width - words.advanceWidth - 3 * spacing - 4) / 8
 
+        width: root.width
         spacing: 4
 
         Repeater {
             model: root.titles
 
-            T.AbstractButton {
-                id: button
+            // Qt gives a control the role of its kind, so the role of a page stands around the button.
+            Item {
+                id: page
 
                 required property int index
                 required property string modelData
                 readonly property bool isSelected: index === root.currentIndex
 
-                text: modelData
-                implicitWidth: implicitContentWidth + leftPadding + rightPadding
-                implicitHeight: implicitContentHeight + topPadding + bottomPadding
-                horizontalPadding: Math.max(4, Math.min(11, row.room))
-                verticalPadding: 6
-                focusPolicy: Qt.NoFocus
+                implicitWidth: button.implicitWidth
+                implicitHeight: button.implicitHeight
                 Accessible.role: Accessible.PageTab
-                Accessible.name: text
+                Accessible.name: modelData
                 Accessible.selected: isSelected
-                onClicked: root.show(index)
+                Accessible.onPressAction: root.show(index)
 
-                contentItem: Text {
-                    text: button.text
-                    font: words.font
-                    color: button.isSelected || button.hovered ? Theme.ink : Theme.secondary
+                T.AbstractButton {
+                    id: button
+
+                    text: page.modelData
+                    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+                    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+                    horizontalPadding: Math.max(4, Math.min(11, row.room))
+                    verticalPadding: 6
+                    focusPolicy: Qt.NoFocus
+                    hoverEnabled: true
                     Accessible.ignored: true
-                }
-                background: Rectangle {
-                    radius: 8
-                    color: button.isSelected ? Theme.selected : button.hovered ? Theme.hover : "transparent"
+                    onClicked: root.show(page.index)
 
-                    FocusRing {
-                        visible: root.visualFocus && button.isSelected
-                        around: 8
+                    contentItem: Text {
+                        text: button.text
+                        font: words.font
+                        color: page.isSelected || button.hovered ? Theme.ink : Theme.secondary
+                        Accessible.ignored: true
+                    }
+                    background: Rectangle {
+                        radius: 8
+                        color: page.isSelected ? Theme.selected : button.hovered ? Theme.hover : "transparent"
+
+                        FocusRing {
+                            // A click does not bring the keyboard here.
+                            visible: root.activeFocus && page.isSelected
+                            around: 8
+                        }
                     }
                 }
             }

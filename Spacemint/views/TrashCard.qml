@@ -6,6 +6,8 @@ import Spacemint.Views
 ActionCard {
     id: root
 
+    required title
+    required symbol
     required property ItemRows rows
     required property int rowId
     required property string subtitle
@@ -16,12 +18,16 @@ ActionCard {
     line: subtitle
 
     PrimaryButtonStyle {
+        // As high as the other one beside it.
+        size: 12
+        radius: 7
+        horizontalPadding: 11
+        verticalPadding: 6
         enabled: !root.isBusy
         text: root.isBusy ? root.busyTitle : root.buttonTitle
         onClicked: root.rows.pressButton(root.rowId)
     }
     SecondaryButtonStyle {
-        height: implicitHeight
         text: "Show contents"
         onClicked: root.rows.reveal(root.rowId)
     }

@@ -25,6 +25,8 @@ struct Page {
 
 /// Those of the page around the tabs.
 std::vector<Page> pagesOfPanel();
+/// Those of the tabs.
+std::vector<Page> pagesOfTabs();
 
 /// All pages, in the order in which they are drawn.
 std::vector<Page> pages();

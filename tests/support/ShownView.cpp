@@ -89,7 +89,13 @@ QList<QQuickItem*> ShownView::find(const QString& name, const char* type) {
 
 QQuickItem* ShownView::get(const QString& name, const char* type) {
   const auto found = find(name, type);
-  EXPECT_FALSE(found.isEmpty()) << name.toStdString() << " is not seen";
+  if (found.isEmpty()) {
+    QStringList seen;
+    for (QQuickItem* item : find({}, type)) seen << nameOf(item);
+    seen.removeAll(QString{});
+    ADD_FAILURE() << name.toStdString() << " is not seen, but "
+                  << seen.join(QStringLiteral(" | ")).toStdString();
+  }
   return found.isEmpty() ? view_->contentItem() : found.first();
 }
 
@@ -99,12 +105,13 @@ void ShownView::click(QQuickItem* item, Qt::MouseButton button) {
 }
 
 void ShownView::doubleClick(QQuickItem* item) {
-  QTest::mouseClick(view_.get(), Qt::LeftButton, {}, centre(*item));
   QTest::mouseDClick(view_.get(), Qt::LeftButton, {}, centre(*item));
   settle();
 }
 
 void ShownView::hover(QQuickItem* item) {
+  // A pointer that is there already, from another test, would not move.
+  QTest::mouseMove(view_.get(), centre(*item) + QPoint{2, 2});
   QTest::mouseMove(view_.get(), centre(*item));
   settle();
 }

@@ -1,0 +1,114 @@
+#include "support/HomeFixture.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace spacemint::support {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view backups = "Library/Application Support/MobileSync/Backup";
+
+void write(const fs::path& path, std::string_view text) {
+  fs::create_directories(path.parent_path());
+  std::ofstream{path} << text;
+}
+
+void touch(const fs::path& path, Date date) {
+  // Files count from the system clock's own beginning.
+  const auto age = date - std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now());
+  fs::last_write_time(path, fs::file_time_type::clock::now() + age);
+}
+
+}  // namespace
+
+void HomeFixture::storeHome(Date date, std::vector<Node> children, Bytes free) const {
+  const auto saved = store.save({.date = date,
+                                 .duration = Seconds{4.2},
+                                 .root = support::folder(home, std::move(children)),
+                                 .fileCount = 612'345,
+                                 .volumeFree = free,
+                                 .volumeTotal = 500 * GB,
+                                 .minNodeSize = ScanLifecycle::minNodeSize,
+                                 .fullScanDate = date});
+  ASSERT_TRUE(saved) << saved.error().message;
+}
+
+void HomeFixture::storeGrowth(int folders) const {
+  std::vector<Node> before{file("letters", 300 * MB)};
+  std::vector<Node> after = before;
+  for (int i = 1; i <= folders; ++i) {
+    const std::string name = "Folder " + std::to_string(i);
+    // The first accounts for most of it, else the home folder would be named in the place of all.
+    const Bytes delta = i == 1 ? 30 * GB : (2'000 - 100 * i) * MB;
+    before.push_back(support::folder(name, {}, {.unlisted = 50 * MB, .unlistedFiles = 9}));
+    after.push_back(support::folder(name, {}, {.unlisted = 50 * MB + delta, .unlistedFiles = 9}));
+  }
+  storeHome(morning - 75h, std::move(before), 140 * GB);
+  storeHome(morning - 1h, std::move(after));
+}
+
+Node HomeFixture::nested(std::string_view path, std::vector<Node> children) {
+  const std::size_t slash = path.rfind('/');
+  Node inner = support::folder(std::string{path.substr(slash + 1)}, std::move(children));  // npos + 1 is 0
+  if (slash == std::string_view::npos) return inner;
+  return nested(path.substr(0, slash), {std::move(inner)});
+}
+
+std::vector<Node> HomeFixture::numbered(const std::string& name, int count, Bytes largest, Bytes step) {
+  std::vector<Node> nodes;
+  for (int i = 1; i <= count; ++i) nodes.push_back(file(name + std::to_string(i), largest - (i - 1) * step));
+  return nodes;
+}
+
+void HomeFixture::addBackup(std::string_view lastDate) const {
+  write(
+      fs::path{inHome(backups)} / "phone/Info.plist",
+      R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Device Name</key><string>Ann's phone</string>)"
+      "<key>Last Backup Date</key><date>" +
+          std::string{lastDate} + "</date></dict></plist>");
+}
+
+Node HomeFixture::backupTree(Bytes size) {
+  return nested(backups, {support::folder("phone", {file("data", size)})});
+}
+
+void HomeFixture::addWorktree(const std::string& name, std::optional<Date> lastUsed) const {
+  const fs::path administrative = fs::path{inHome("shop/.git/worktrees")} / name;
+  write(inHome(name + "/.git"), "gitdir: " + administrative.string() + "\n");
+  if (!lastUsed) return;
+  write(inHome("shop/.git/HEAD"), "ref: refs/heads/main\n");
+  write(administrative / "gitdir", inHome(name + "/.git") + "\n");
+  write(administrative / "commondir", "../..\n");
+  for (const char* file : {"HEAD", "index"}) {
+    write(administrative / file, "ref: refs/heads/" + name + "\n");
+    touch(administrative / file, *lastUsed);
+  }
+}
+
+Node HomeFixture::worktreeTree(std::string name, Bytes size) {
+  Node node = support::folder(std::move(name), {file("data", size)});
+  node.isWorktree = true;
+  return node;
+}
+
+std::string HomeFixture::prints(std::string_view text) {
+  return "/bin/cat <<'END'\n" + std::string{text} + "\nEND";
+}
+
+std::string HomeFixture::dockerUsage() {
+  return R"~({"Active":"3","Reclaimable":"1.1GB (26%)","Size":"4.2GB","TotalCount":"12","Type":"Images"}
+{"Active":"1","Reclaimable":"230MB","Size":"300MB","TotalCount":"4","Type":"Containers"}
+{"Active":"2","Reclaimable":"6.5GB","Size":"7GB","TotalCount":"5","Type":"Local Volumes"}
+{"Active":"0","Reclaimable":"2.4GB","Size":"2.4GB","TotalCount":"87","Type":"Build Cache"})~";
+}
+
+std::string HomeFixture::ollamaList() {
+  return "NAME             ID            SIZE    MODIFIED\n"
+         "mistral:7b       f974a74358d6  4.1 GB  5 months ago\n"
+         "llama3.2:latest  a80c4f17acd5  2.0 GB  3 weeks ago";
+}
+
+}  // namespace spacemint::support

@@ -1,0 +1,235 @@
+// Going through folders, and what can be done with a row of a list.
+
+#include "views/ShownTabs.h"
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
+
+namespace spacemint {
+namespace {
+
+using namespace support;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class FoldersTabTest : public ShownTabs {
+ protected:
+  // Two folders with a file each, a file beside them, and what is too small to be listed.
+  ShownView& showFolders() {
+    addFile(".Trash/gone.zip", 300 * MB);
+    storeHome(morning - 1h,
+              {support::folder(
+                   "Movies", {support::folder("Old", {file("first.mov", 2 * GB)}), file("holiday.mov", GB)}),
+               support::folder("Documents", {file("thesis.pdf", 400 * MB)}, {.unlisted = MB}),
+               support::folder(".Trash", {file("gone.zip", 300 * MB)}), file("disk.img", 200 * MB)});
+    return show(Tab::folders);
+  }
+  QAccessibleInterface* accessible(QQuickItem* item) { return QAccessible::queryAccessibleInterface(item); }
+  QString focusedRow() {
+    for (const QQuickItem* item = view->window().activeFocusItem(); item != nullptr;
+         item = item->parentItem()) {
+      if (item->inherits("QQuickFocusScope") && item->property("rowId").isValid()) {
+        return item->property("title").toString();
+      }
+    }
+    return {};
+  }
+  QStringList menuEntries() {
+    QStringList texts;
+    for (const QQuickItem* entry : view->find({}, "QQuickMenuItem")) {
+      texts << entry->property("text").toString();
+    }
+    return texts;
+  }
+};
+
+TEST_F(FoldersTabTest, goesIntoAFolderAndBackByMouse) {
+  showFolders();
+  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
+  EXPECT_FALSE(view->find(QStringLiteral("Home folder")).isEmpty());
+  click(row("Documents"));
+  EXPECT_THAT(rows(), ElementsAre("thesis.pdf", "Other small items"));
+  click("Home folder");
+  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
+  EXPECT_EQ(list()->property("currentIndex").toInt(), 1) << "one comes back to where one was";
+}
+
+TEST_F(FoldersTabTest, aDoubleClickGoesDownOneFolderOnly) {
+  showFolders();
+  view->doubleClick(row("Movies"));
+  settle();
+  EXPECT_EQ(model->folderPath(), inHome("Movies"));
+}
+
+TEST_F(FoldersTabTest, goesIntoAFolderAndBackByKeyboard) {
+  showFolders();
+  list()->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Return);
+  EXPECT_THAT(rows(), ElementsAre("Old", "holiday.mov"));
+  EXPECT_EQ(focusedRow(), QStringLiteral("Old"));
+  press(Qt::Key_Down);
+  EXPECT_EQ(focusedRow(), QStringLiteral("holiday.mov"));
+  press(Qt::Key_Return);
+  EXPECT_EQ(model->folderPath(), inHome("Movies")) << "a file opens nothing";
+  press(Qt::Key_Home);
+  press(Qt::Key_Return);
+  EXPECT_THAT(rows(), ElementsAre("first.mov"));
+  press(Qt::Key_Backspace);
+  press(Qt::Key_Left, Qt::AltModifier);
+  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
+  EXPECT_EQ(focusedRow(), QStringLiteral("Movies"));
+  press(Qt::Key_Backspace);
+  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
+  press(Qt::Key_End);
+  EXPECT_EQ(focusedRow(), QStringLiteral("disk.img"));
+}
+
+TEST_F(FoldersTabTest, aFolderWithoutListedChildrenSaysWhy) {
+  storeHome(morning - 1h, {support::folder("Mail", {}, {.unlisted = 90 * MB, .unlistedFiles = 20'000})});
+  show(Tab::folders);
+  click(row("Mail"));
+  EXPECT_THAT(rows(), ElementsAre("Only small items, each under 20 MB"));
+}
+
+TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
+  showFolders();
+  EXPECT_TRUE(view->find(QStringLiteral("Move to Trash…")).isEmpty());
+  pressOnRow("Movies", "Move to Trash…");
+  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Movies · 3 GB"));
+  EXPECT_EQ(model->folderPath(), std::nullopt) << "the row itself was not clicked";
+  model->dismissConfirmation();
+  settle();
+  view->hover(row("Documents"));
+  // Above it are that of the folder itself, and that of the row with the keyboard.
+  click(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").last());
+  EXPECT_THAT(desktop.opener.revealed, ElementsAre(inHome("Documents")));
+  click(row(".Trash"));
+  pressOnRow("gone.zip", "Delete permanently…");
+  EXPECT_THAT(asked(), ElementsAre("Delete permanently?", testing::StartsWith("gone.zip · 307")));
+  EXPECT_TRUE(view->find(QStringLiteral("Move to Trash…")).isEmpty());
+}
+
+TEST_F(FoldersTabTest, aDoubleClickOnAButtonIsNoClickOnTheRow) {
+  showFolders();
+  view->hover(row("Movies"));
+  view->doubleClick(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").at(1));
+  settle();
+  EXPECT_EQ(model->folderPath(), std::nullopt);
+}
+
+TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
+  showFolders();
+  click(row("Documents"));
+  view->hover(row("Other small items"));
+  settle();
+  const double top = row("Other small items")->mapToScene({}).y();
+  for (const QQuickItem* any : view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton")) {
+    EXPECT_LT(any->mapToScene({0, any->height()}).y(), top);
+  }
+  click(row("Other small items"), Qt::RightButton);
+  EXPECT_THAT(menuEntries(), IsEmpty());
+}
+
+TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
+  showFolders();
+  const QStringList all{QStringLiteral("Show in Finder"), QStringLiteral("Show in Folders"),
+                        QStringLiteral("Copy Path"), QStringLiteral("Move to Trash…")};
+  click(row("Movies"), Qt::RightButton);
+  EXPECT_EQ(menuEntries(), all);
+  press(Qt::Key_Escape);
+  EXPECT_THAT(menuEntries(), IsEmpty());
+  list()->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Down);
+  press(Qt::Key_Menu);
+  EXPECT_EQ(menuEntries(), all);
+  press(Qt::Key_Escape);
+  press(Qt::Key_F10, Qt::ShiftModifier);
+  EXPECT_EQ(menuEntries(), all);
+  press(Qt::Key_Down);
+  press(Qt::Key_Down);
+  press(Qt::Key_Down);
+  press(Qt::Key_Return);
+  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), inHome("Documents"));
+  press(Qt::Key_Menu);
+  for (int i = 0; i < 4; ++i) press(Qt::Key_Down);
+  press(Qt::Key_Return);
+  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Documents · 411 MB"));
+}
+
+TEST_F(FoldersTabTest, theMenuDeletesWhatIsInTheTrash) {
+  showFolders();
+  click(row(".Trash"));
+  click(row("gone.zip"), Qt::RightButton);
+  EXPECT_EQ(menuEntries().last(), QStringLiteral("Delete Permanently…"));
+  click("Delete Permanently…");
+  EXPECT_THAT(asked(), ElementsAre("Delete permanently?", testing::StartsWith("gone.zip")));
+}
+
+TEST_F(FoldersTabTest, theButtonsOfARowAreReachedByTheKeyboard) {
+  showFolders();
+  list()->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Tab);
+  press(Qt::Key_Tab);
+  press(Qt::Key_Return);
+  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Movies · 3 GB"));
+}
+
+TEST_F(FoldersTabTest, rowsSayWhatTheyAre) {
+  showFolders();
+  const auto* movies = accessible(row("Movies"));
+  EXPECT_EQ(movies->role(), QAccessible::ListItem);
+  EXPECT_EQ(movies->text(QAccessible::Name), QStringLiteral("Movies, 3 GB"));
+  const auto* all = accessible(list());
+  EXPECT_EQ(all->role(), QAccessible::List);
+  EXPECT_EQ(all->text(QAccessible::Name), QStringLiteral("Home folder"));
+  view->hover(row("Movies"));
+  EXPECT_EQ(accessible(button("Move to Trash…"))->role(), QAccessible::Button);
+}
+
+TEST_F(FoldersTabTest, namesAreShownAsTheyAreAndShortenedInTheMiddle) {
+  const std::string name = "the film of a holiday " + std::string(120, 'o') + " that nobody watches.mov";
+  storeHome(morning - 1h, {file(name, 4 * GB), file("عطلة الصيف.mov", 3 * GB), file("<b>bold", 2 * GB),
+                           file("two\nlines", GB), file("exe.\u202Egnp", 900 * MB)});
+  show(Tab::folders);
+  EXPECT_THAT(rows(), ElementsAre(name, "عطلة الصيف.mov", "<b>bold", "two\uFFFDlines", "exe.\uFFFDgnp"));
+  const QQuickItem* first = view->find({}, "ItemRow").value(0);
+  ASSERT_TRUE(first);
+  const double height = first->height();
+  const double right = first->mapToScene({first->width(), 0}).x();
+  for (QQuickItem* item : view->find({}, "ItemRow")) EXPECT_EQ(item->height(), height);
+  int texts = 0;
+  for (const QQuickItem* text : view->find({}, "QQuickText")) {
+    const QString shown = text->property("text").toString();
+    if (!shown.contains(QStringLiteral("film")) && !shown.startsWith(QStringLiteral("عطلة")) &&
+        !shown.startsWith(QLatin1Char('<'))) {
+      continue;
+    }
+    ++texts;
+    EXPECT_EQ(text->property("textFormat").toInt(), Qt::PlainText);
+    EXPECT_EQ(text->property("elide").toInt(), Qt::ElideMiddle);
+    EXPECT_EQ(text->property("effectiveHorizontalAlignment").toInt(), Qt::AlignLeft);
+    EXPECT_EQ(text->property("truncated").toBool(), shown.contains(QStringLiteral("film")));
+    EXPECT_LT(text->mapToScene({text->width(), 0}).x(), right);
+  }
+  EXPECT_EQ(texts, 3);
+}
+
+TEST_F(FoldersTabTest, rowsThatAreGoneAreNotFound) {
+  std::vector<Node> many = numbered("file ", 300, GB);
+  many.push_back(support::folder("Small", {file("one", 30 * MB)}));
+  storeHome(morning - 1h, std::move(many));
+  show(Tab::folders);
+  press(Qt::Key_Tab);
+  list()->forceActiveFocus(Qt::TabFocusReason);
+  for (int i = 0; i < 4; ++i) press(Qt::Key_PageDown);
+  for (int i = 0; i < 4; ++i) press(Qt::Key_PageUp);
+  EXPECT_EQ(rows().front(), "file 1");
+  EXPECT_LT(rows().size(), 30U);
+  model->setFolderPath(inHome("Small"));
+  settle();
+  EXPECT_THAT(rows(), ElementsAre("one"));
+}
+
+}  // namespace
+}  // namespace spacemint
