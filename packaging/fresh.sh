@@ -68,21 +68,30 @@ inside() {
   say "removed, and nothing is left"
 }
 
+# Waits until a command has something to say, and says it.
+await() {
+  local what=$1 deadline=$((SECONDS + 120)) said
+  shift
+  until said=$("$@" 2>/dev/null) && [ -n "$said" ]; do
+    [ "$SECONDS" -lt "$deadline" ] || { cat "$HOME/errors" >&2; fail "no $what within two minutes"; }
+    sleep 0.1
+  done
+  printf '%s\n' "$said"
+}
+
 # On a screen and a bus of its own, as an ordinary user who starts it for the first time.
 as_user() {
-  local program window start=$EPOCHREALTIME history=$HOME/.local/share/Spacemint/Snapshots
-  openbox 2>/dev/null &
+  local program window start=$EPOCHREALTIME
+  openbox >/dev/null 2>&1 &
   mkdir -p "$HOME/Documents"
   head -c 30000000 /dev/zero >"$HOME/Documents/large"
   spacemint 2>"$HOME/errors" &
   program=$!
-  window=$(timeout 60 xdotool search --sync --onlyvisible --name '^Spacemint$' | head -n 1) ||
-    { cat "$HOME/errors" >&2; fail "no window within a minute"; }
+  window=$(await window xdotool search --onlyvisible --name '^Spacemint$')
   say "its window is there after $(awk "BEGIN { printf \"%.1f\", $EPOCHREALTIME - $start }") s"
   # The welcome page starts the first scan by Return.
-  xdotool windowactivate --sync "$window" key Return
-  timeout 60 bash -c "until ls '$history'/*.json >/dev/null 2>&1; do sleep 0.2; done" ||
-    { cat "$HOME/errors" >&2; fail "no scan within a minute"; }
+  xdotool windowactivate --sync "${window%%$'\n'*}" key Return
+  await scan find "$HOME/.local/share/Spacemint/Snapshots" -name '*.json' >/dev/null
   spacemintctl files --top 1 | grep -q 'Documents/large' || fail "the scan does not have the large file"
   say "a scan of the home folder is stored"
   kill -TERM "$program"
