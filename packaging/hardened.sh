@@ -5,6 +5,7 @@
 set -euo pipefail
 
 failed=0
+# shellcheck disable=SC2034  # each is read by its name, below
 for program in "$@"; do
   dynamic=$(readelf -dW "$program") segments=$(readelf -lW "$program") symbols=$(readelf -W --dyn-syms "$program")
   # Each says what must be found, where.

@@ -235,17 +235,6 @@ TEST_P(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
   }
 }
 
-TEST_P(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
-  for (const char* name : {"/a/b", "/c/d", "/e/f"}) fs::create_directories(root + name);
-  start({.watchLimit = 3});
-  const auto status = recorder->status();
-  EXPECT_EQ(status.watches, 3U);
-  EXPECT_NE(status.limitAdvice.find("sysctl fs.inotify.max_user_watches="), std::string::npos);
-  EXPECT_FALSE(trees().empty());
-  since = recorder->currentEventID(root);
-  EXPECT_FALSE(trees().empty());
-}
-
 TEST_P(RecorderTest, livesWithTheLimitsOfTheSystem) {
   if (!support::succeedsInChild([] { return support::setOwnLimit("max_inotify_watches", 4); })) {
     GTEST_SKIP() << "no user namespace to be had here";
