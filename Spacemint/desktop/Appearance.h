@@ -15,6 +15,8 @@ class Appearance : public QObject {
 
   /// Light text on a dark ground.
   virtual bool isDark() const = 0;
+  /// The status area is dark, whatever the windows are.
+  virtual bool isStatusAreaDark() const = 0;
   /// Nothing is to move that need not.
   virtual bool reducedMotion() const = 0;
 

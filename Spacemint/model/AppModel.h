@@ -91,6 +91,7 @@ class AppModel : public QObject {
   void setShowingSettings(bool isShowing);
   void setBaselineEntry(std::optional<SnapshotStore::Entry> entry);
   void sendTestNotification() { warnings_.sendTestNotification(); }
+  void showMessage(std::string text) { messages_.show(std::move(text)); }
   void clearMessage() { messages_.clear(); }
   void performMessageAction();
 

@@ -1,10 +1,21 @@
 #pragma once
 
+#include <QPoint>
 #include <QRect>
+
+#include <optional>
 
 namespace spacemint {
 
-/// Where the panel goes: under a status item at `item`, inside the usable area of its screen.
-QRect panelPlacement(const QRect& item, const QRect& usable);
+struct PanelScreen {
+  QRect whole;
+  /// What docks and status areas leave of it.
+  QRect usable;
+};
+
+/// Where the panel goes: at the edge of the usable area that is next to the status item, centred on it. The
+/// item is known by the point at which it was clicked; without one the panel goes to the corner where the
+/// status area most likely is. Never outside the usable area; smaller only where it does not fit.
+QRect panelPlacement(const std::optional<QPoint>& item, const PanelScreen& screen);
 
 }  // namespace spacemint

@@ -162,6 +162,7 @@ class FakeAppearance final : public Appearance {
  public:
   void follow() override {}
   bool isDark() const override { return dark; }
+  bool isStatusAreaDark() const override { return dark; }
   bool reducedMotion() const override { return still; }
 
   bool dark = false;

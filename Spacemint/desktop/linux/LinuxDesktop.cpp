@@ -7,7 +7,7 @@ LinuxDesktop::LinuxDesktop()
       opener_(QDBusConnection::sessionBus(), XdgOpener::Places::current()),
       statusItem_(QDBusConnection::sessionBus(), qEnvironmentVariable("XDG_CURRENT_DESKTOP")),
       badge_(QDBusConnection::sessionBus()),
-      appearance_(QDBusConnection::sessionBus()),
+      appearance_(QDBusConnection::sessionBus(), qEnvironmentVariable("XDG_CURRENT_DESKTOP")),
       loginItem_(AutostartEntry::Places::current()) {}
 
 Desktop LinuxDesktop::desktop() {

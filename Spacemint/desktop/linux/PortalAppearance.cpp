@@ -5,6 +5,8 @@
 #include <QGuiApplication>
 #include <QPalette>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace spacemint {
@@ -21,6 +23,10 @@ const QString colourScheme = QStringLiteral("color-scheme");
 const QString reduced = QStringLiteral("reduced-motion");
 const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 const QString animations = QStringLiteral("enable-animations");
+
+// Their panels are dark also with light windows, as they come.
+constexpr std::array<QLatin1String, 3> darkStatusAreas{QLatin1String{"GNOME"}, QLatin1String{"Unity"},
+                                                       QLatin1String{"XFCE"}};
 
 // The value comes in a variant, and some portals put that in another.
 QVariant unwrapped(QVariant value) {
@@ -44,6 +50,12 @@ bool isPaletteDark() {
 }
 
 }  // namespace
+
+PortalAppearance::PortalAppearance(const QDBusConnection& bus, const QString& desktop)
+    : bus_(bus),
+      hasDarkStatusArea_(std::ranges::any_of(desktop.split(u':'), [](const QString& name) {
+        return std::ranges::find(darkStatusAreas, name) != darkStatusAreas.end();
+      })) {}
 
 void PortalAppearance::follow() {
   qRegisterMetaType<QDBusVariant>("QDBusVariant");  // else the connection is refused

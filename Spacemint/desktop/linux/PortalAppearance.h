@@ -13,10 +13,12 @@ namespace spacemint {
 class PortalAppearance final : public Appearance {
   Q_OBJECT
  public:
-  explicit PortalAppearance(const QDBusConnection& bus) : bus_(bus) {}
+  /// `desktop` is the name of the desktop as XDG_CURRENT_DESKTOP has it: some always have a dark status area.
+  PortalAppearance(const QDBusConnection& bus, const QString& desktop);
 
   void follow() override;
   bool isDark() const override;
+  bool isStatusAreaDark() const override { return hasDarkStatusArea_ || isDark(); }
   bool reducedMotion() const override { return reducedMotion_; }
 
  private Q_SLOTS:
@@ -27,6 +29,7 @@ class PortalAppearance final : public Appearance {
   void take(const QString& group, const QString& key, const QVariant& value);
 
   QDBusConnection bus_;
+  bool hasDarkStatusArea_;
   /// Absent while the portal has no preference.
   std::optional<bool> isDark_;
   bool reducedMotion_ = false;

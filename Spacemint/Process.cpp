@@ -1,0 +1,63 @@
+#include "Spacemint/Process.h"
+
+#include "Spacemint/desktop/linux/InstalledFiles.h"
+#include "core/history/Migration.h"
+#include "core/host/UserFolders.h"
+#include "core/host/UserTimeZone.h"
+#include "core/host/VolumeInfo.h"
+#include "core/volume/Permissions.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace spacemint {
+
+namespace {
+
+// Whoever ends the process may kill it after a few seconds.
+constexpr std::chrono::milliseconds patience{1'500};
+
+void takeOverFormerProduct(DefaultsStore& defaults) {
+  const auto former = DefaultsStore::formerProduct();
+  const auto result = Migration::fromLoftmere({.defaults = defaults,
+                                               .oldDefaults = former ? &*former : nullptr,
+                                               .supportDirectory = UserFolders::data(),
+                                               .fileManager = FileManager::host()});
+  if (result.error) complain(*result.error);
+}
+
+ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo& info) {
+  return {.defaults = defaults,
+          .store = SnapshotStore::standard(),
+          .journal = journal,
+          .tools = ToolRuns{Shell{}},
+          .home = UserFolders::home(),
+          .data = UserFolders::data(),
+          .environment = UserFolders::environment,
+          .disk = startupVolume(),
+          .locale = userLocale(),
+          .timeZone = userTimeZone(),
+          .hasBundleIdentifier = info.identifier.has_value(),
+          .hasFullDiskAccess = Permissions::hasFullDiskAccess};
+}
+
+}  // namespace
+
+Process::Process()
+    : info(BundleInfo::load(InstalledFiles::information())),
+      defaults(DefaultsStore::standard()) {
+  takeOverFormerProduct(defaults);
+  model = std::make_unique<AppModel>(hostOf(defaults, journal, info), desktop.desktop());
+}
+
+int Process::end(int code) {
+  model.reset();
+  if (!desktop.finishTasks(patience)) std::_Exit(code);
+  return code;
+}
+
+void complain(const std::string& message) {
+  std::fprintf(stderr, "spacemint: %s\n", message.c_str());
+}
+
+}  // namespace spacemint

@@ -1,0 +1,14 @@
+// Where the program is built without its interface.
+
+#include "Spacemint/Process.h"
+
+#include <cstdlib>
+
+namespace spacemint {
+
+int runWithWindows(int /*argc*/, char** /*argv*/, bool /*isLogin*/) {
+  complain("this program was built without windows; \"spacemint --background\" needs none");
+  return EXIT_FAILURE;
+}
+
+}  // namespace spacemint

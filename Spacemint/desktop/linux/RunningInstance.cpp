@@ -1,0 +1,58 @@
+#include "Spacemint/desktop/linux/RunningInstance.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
+
+namespace spacemint {
+
+namespace {
+
+const QString name = QStringLiteral("app.spacemint.Spacemint");
+const QString path = QStringLiteral("/app/spacemint/Spacemint");
+const QString interface = QStringLiteral("org.freedesktop.Application");
+
+}  // namespace
+
+RunningInstance::RunningInstance(const QDBusConnection& bus, Kind kind) : bus_(bus), kind_(kind) {}
+
+RunningInstance::~RunningInstance() {
+  bus_.unregisterObject(path);
+  bus_.unregisterService(name);
+}
+
+bool RunningInstance::become() {
+  if (!bus_.isConnected()) return true;
+  bus_.registerObject(path, this, QDBusConnection::ExportScriptableSlots);
+  QDBusConnectionInterface* interface = bus_.interface();
+  connect(interface, &QDBusConnectionInterface::serviceUnregistered, this, [this](const QString& lost) {
+    if (lost == name) Q_EMIT replaced();
+  });
+  const bool isWindows = kind_ == Kind::windows;
+  const auto reply = interface->registerService(name,
+                                                isWindows ? QDBusConnectionInterface::ReplaceExistingService
+                                                          : QDBusConnectionInterface::DontQueueService,
+                                                isWindows ? QDBusConnectionInterface::DontAllowReplacement
+                                                          : QDBusConnectionInterface::AllowReplacement);
+  return !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
+}
+
+void RunningInstance::showOther() const {
+  bus_.call(QDBusMessage::createMethodCall(name, path, interface, QStringLiteral("Activate"))
+            << QVariantMap{});
+}
+
+void RunningInstance::Activate(const QVariantMap& /*platformData*/) {
+  Q_EMIT activated();
+}
+
+void RunningInstance::Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/) {
+  Q_EMIT activated();
+}
+
+void RunningInstance::ActivateAction(const QString& /*name*/, const QVariantList& /*parameter*/,
+                                     const QVariantMap& /*platformData*/) {
+  Q_EMIT activated();
+}
+
+}  // namespace spacemint

@@ -1,0 +1,40 @@
+#include "Spacemint/shell/DropdownPanel.h"
+
+#include <QPropertyAnimation>
+
+namespace spacemint {
+
+namespace {
+
+QVariantMap inPanel(QVariantMap properties) {
+  properties[QStringLiteral("windowed")] = false;
+  return properties;
+}
+
+}  // namespace
+
+DropdownPanel::DropdownPanel(QQmlEngine& engine, QVariantMap properties)
+    : InterfaceWindow(engine, inPanel(std::move(properties))) {
+  setTitle(QStringLiteral("Spacemint"));
+  setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+  setColor(Qt::transparent);
+  connect(this, &QWindow::activeChanged, this, [this] {
+    if (isVisible() && !isActive()) Q_EMIT left();
+  });
+}
+
+void DropdownPanel::open(const QRect& place, bool fades) {
+  constexpr int duration = 120;
+  setGeometry(place);
+  setOpacity(fades ? 0 : 1);
+  show();
+  raise();
+  requestActivate();
+  if (!fades) return;
+  auto* fade = new QPropertyAnimation(this, "opacity", this);
+  fade->setDuration(duration);
+  fade->setEndValue(1.0);
+  fade->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+}  // namespace spacemint

@@ -1,0 +1,55 @@
+#include "Spacemint/shell/Interface.h"
+
+#include "ui_kit/Theme.h"
+#include "ui_kit/UiKit.h"
+
+#include <QGuiApplication>
+
+namespace spacemint {
+
+Interface::Interface(InterfaceHost host) : host_(std::move(host)), ui_(host_.ui) {
+  UiKit::install(engine_);
+  followAppearance();
+  connect(&host_.ui.desktop.appearance, &Appearance::changed, this, &Interface::followAppearance);
+  qGuiApp->installEventFilter(this);
+}
+
+Interface::~Interface() = default;
+
+DropdownPanel& Interface::panel() {
+  if (!panel_) {
+    panel_ = std::make_unique<DropdownPanel>(engine_, rootProperties());
+    Q_EMIT panelMade(*panel_);
+  }
+  return *panel_;
+}
+
+MainWindow& Interface::window() {
+  if (!window_) {
+    window_ = std::make_unique<MainWindow>(engine_, rootProperties(), host_.defaults);
+    Q_EMIT windowMade(*window_);
+  }
+  return *window_;
+}
+
+QVariantMap Interface::rootProperties() {
+  return {{QStringLiteral("ui"), QVariant::fromValue(&ui_)},
+          {QStringLiteral("services"), QVariant::fromValue(&host_.services)},
+          {QStringLiteral("productName"), QString::fromStdString(host_.services.name())},
+          {QStringLiteral("productVersion"), QString::fromStdString(host_.services.version())}};
+}
+
+// The desktop's font is told to the application only.
+bool Interface::eventFilter(QObject* /*object*/, QEvent* event) {
+  if (event->type() == QEvent::ApplicationFontChange) followAppearance();
+  return false;
+}
+
+void Interface::followAppearance() {
+  Theme& theme = UiKit::theme(engine_);
+  theme.setDark(host_.ui.desktop.appearance.isDark());
+  theme.setReducedMotion(host_.ui.desktop.appearance.reducedMotion());
+  theme.setTextScale(Theme::textScaleOf(QGuiApplication::font()));
+}
+
+}  // namespace spacemint

@@ -1,0 +1,186 @@
+"""A desktop of its own for a test: screen, bus, window manager, status area, notifications."""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+PANEL = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="true"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="{size}"/>
+      <property name="icon-size" type="uint" value="{icon}"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+        <value type="int" value="2"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-2" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+      <property name="icon-size" type="int" value="{icon}"/>
+    </property>
+  </property>
+</channel>
+"""
+
+DUNST = """[global]
+    origin = top-right
+    offset = 20x60
+    width = 320
+    mouse_left_click = do_action, close_current
+[urgency_low]
+    timeout = 0
+[urgency_normal]
+    timeout = 0
+[urgency_critical]
+    timeout = 0
+"""
+
+
+class TimedOut(AssertionError):
+    pass
+
+
+def wait_until(condition, what, limit=60):
+    """What `condition` answers as soon as it is true."""
+    end = time.monotonic() + limit
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > end:
+            raise TimedOut(f"waited {limit} s in vain: {what}")
+        time.sleep(0.05)
+
+
+class Session:
+    """Everything starts in a home folder of its own, and ends with it."""
+
+    def __init__(self, scale=1):
+        self.scale = scale
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="spacemint-session-"))
+        self.home = self.folder / "home"
+        self.processes = []
+        self.panel = None
+        for path in ("home/.config", "run"):
+            (self.folder / path).mkdir(parents=True)
+        (self.folder / "run").chmod(0o700)
+        self.environment = {
+            "HOME": str(self.home),
+            "PATH": os.environ["PATH"],
+            "XDG_RUNTIME_DIR": str(self.folder / "run"),
+            "XDG_CURRENT_DESKTOP": "XFCE",
+            "LC_ALL": "C.UTF-8",
+            "LANG": "en_US.UTF-8",
+            "TZ": "UTC",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+            "NO_AT_BRIDGE": "0",
+        }
+        try:
+            self._start_screen()
+            self._start_bus()
+        except BaseException:
+            self.end()
+            raise
+        # What runs in this process, above all the reader of other programs' windows, is part of the session.
+        os.environ.update(self.environment)
+
+    def _start_screen(self):
+        reading, writing = os.pipe()
+        size = f"{1280 * self.scale}x{800 * self.scale}x24"
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-nolisten", "tcp"], pass_fds=(writing,))
+        os.close(writing)
+        with os.fdopen(reading) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("the X server did not start")
+        self.environment["DISPLAY"] = ":" + number
+
+    def _start_bus(self):
+        daemon = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = daemon.stdout.readline().decode().strip()
+        self.start(["openbox"])
+        wait_until(self.has_window_manager, "the window manager")
+
+    def has_window_manager(self):
+        return b"window id" in self.output(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"])
+
+    def start(self, command, environment=None, **options):
+        log = open(self.folder / (pathlib.Path(command[0]).name + ".log"), "ab")
+        options.setdefault("stdout", log)
+        process = subprocess.Popen(command, env=environment or self.environment, stderr=log,
+                                   stdin=subprocess.DEVNULL, start_new_session=True, **options)
+        log.close()
+        self.processes.append(process)
+        return process
+
+    def output(self, command):
+        return subprocess.run(command, env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                              check=False).stdout
+
+    def start_status_area(self):
+        folder = self.home / ".config/xfce4/xfconf/xfce-perchannel-xml"
+        if not folder.exists():
+            folder.mkdir(parents=True)
+            (folder / "xfce4-panel.xml").write_text(PANEL.format(size=30 * self.scale, icon=22 * self.scale))
+        self.panel = self.start(["xfce4-panel", "--disable-wm-check"])
+        wait_until(lambda: self.has_name("org.kde.StatusNotifierWatcher"), "the status area")
+
+    def end_status_area(self):
+        os.killpg(self.panel.pid, signal.SIGKILL)
+        self.panel.wait()
+        # Its parts are processes of their own.
+        subprocess.run(["pkill", "-KILL", "-f", "xfce4/panel/wrapper"], check=False)
+        wait_until(lambda: not self.has_name("org.kde.StatusNotifierWatcher"), "the end of the status area")
+
+    def start_notifications(self):
+        configuration = self.folder / "dunstrc"
+        configuration.write_text(DUNST)
+        self.start(["dunst", "-config", str(configuration)])
+        wait_until(lambda: self.has_name("org.freedesktop.Notifications"), "the notification service")
+
+    def has_name(self, name):
+        answer = self.output(["dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+                              "org.freedesktop.DBus.NameHasOwner", f"string:{name}"])
+        return b"true" in answer
+
+    def picture(self, path, crop=None):
+        """The screen as a file; `crop` is WIDTHxHEIGHT+X+Y."""
+        pathlib.Path(path).parent.mkdir(parents=True, exist_ok=True)
+        command = ["import", "-silent", "-window", "root"]
+        if crop:
+            command += ["-crop", crop, "+repage"]
+        subprocess.run(command + [str(path)], env=self.environment, check=True)
+
+    def pixels(self, x, y, width, height):
+        """The colours of a part of the screen."""
+        return self.output(["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth", "8",
+                            "rgb:-"])
+
+    def end(self):
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                try:
+                    os.killpg(process.pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+                process.wait()
+            if process.stdout:
+                process.stdout.close()
+        shutil.rmtree(self.folder, ignore_errors=True)

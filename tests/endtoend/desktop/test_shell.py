@@ -1,0 +1,181 @@
+"""The status item, the panel and the window on a real desktop, driven by mouse and keyboard."""
+
+import pathlib
+import sys
+import time
+import unittest
+
+from application import Application, pictures_folder
+from session import Session, wait_until
+
+PROGRAM = sys.argv.pop(1)
+PICTURES = pathlib.Path(pictures_folder())
+STARTED = {"hasStarted": True, "warningThresholdGB": 1}
+NOBODY_IS_WARNED = {**STARTED, "showFreeSpaceInMenuBar": True}
+
+
+class OnADesktop(unittest.TestCase):
+    scale = 1
+    has_status_area = True
+
+    def setUp(self):
+        self.session = Session(self.scale)
+        self.addCleanup(self.session.end)
+        (self.session.home / "letter").write_text("Dear Ann")
+        if self.has_status_area:
+            self.session.start_status_area()
+            self.session.start_notifications()
+
+    def start(self, settings, **environment):
+        app = Application(self.session, PROGRAM, settings)
+        self.addCleanup(app.terminate)
+        app.start(**environment)
+        return app
+
+    def picture(self, name):
+        self.session.picture(PICTURES / f"{name}.png")
+
+
+class Panel(OnADesktop):
+    def test_item_opens_and_closes_the_panel(self):
+        app = self.start(NOBODY_IS_WARNED)
+        app.wait_item()
+        self.assertTrue(app.stays_hidden(), "a start with a status area opens nothing")
+        app.click_item_of_status_area()
+        app.wait_shown()
+        app.wait_text("free")
+        x, y, width, height = app.place()
+        self.assertEqual((width, height), (460, 700))
+        self.assertEqual(x + width, 1280 - 8, "8 points inside the screen")
+        self.assertGreaterEqual(y, 30, "under the status area")
+        self.picture("panel")
+        # The click on the item that takes the focus away does not open it again.
+        app.click_item_of_status_area()
+        app.wait_hidden()
+        self.assertTrue(app.stays_hidden())
+        app.click_item_of_status_area()
+        app.wait_shown()
+        app.press("Escape")
+        app.wait_hidden()
+        app.click_item_of_status_area()
+        app.wait_shown()
+        # Anywhere else.
+        app.click_at(200, 500)
+        app.wait_hidden()
+
+    def test_escape_closes_one_thing_at_a_time(self):
+        app = self.start(STARTED)
+        app.wait_item()
+        app.click_item_of_status_area()
+        app.click("Settings", "push button")
+        app.wait_text("Warn me")
+        app.press("Escape")
+        wait_until(lambda: not app.sees_text("Warn me"), "that the settings go")
+        self.assertTrue(app.is_shown())
+        app.press("Escape")
+        app.wait_hidden()
+
+    def test_first_start_opens_the_panel_and_a_second_launch_brings_it_back(self):
+        app = self.start({})
+        app.wait_shown()
+        app.wait_text("Never be surprised by a full disk again.")
+        self.picture("welcome")
+        app.press("Escape")
+        app.wait_hidden()
+        self.assertEqual(app.launch_again(), 0)
+        app.wait_shown()
+        self.assertIsNone(app.process.poll())
+
+    def test_notification_opens_the_overview(self):
+        app = self.start({"hasStarted": True, "warningThresholdGB": 1_000_000})
+        app.wait_item()
+        app.click_item_of_status_area()
+        app.click("Large files", "page tab")
+        app.press("Escape")
+        app.wait_hidden()
+        # The bubble of the warning.
+        wait_until(lambda: b"dunst" in self.session.output(["xdotool", "search", "--onlyvisible", "--class", "Dunst",
+                                                            "getwindowname"]).lower(), "the notification")
+        self.picture("notification")
+        app.click_at(1280 - 180, 90)
+        app.wait_shown()
+        overview = app.find("Overview", "page tab")
+        self.assertTrue(overview.getState().contains(app.atspi.STATE_SELECTED)
+                        or overview.getState().contains(app.atspi.STATE_CHECKED))
+        # It is low on space by that threshold, so the item is coloured and tells how much is free.
+        colours = set(app.item_colours())
+        self.assertTrue(any(red > 180 and blue < 120 for red, _, blue in map(tuple, colours)), "orange or red")
+
+    def test_presence_is_switched(self):
+        app = self.start(STARTED)
+        app.wait_item()
+        app.click_item_of_status_area()
+        app.click("Settings", "push button")
+        app.click("Dock")
+        app.wait_no_item()
+        wait_until(lambda: app.is_shown() and app.place()[0] + 460 < 1270, "the window")
+        app.wait_text("Warn me")
+        self.picture("window")
+        self.assertEqual(app.settings()["presence"], "dock")
+        app.click("Menu bar")
+        app.wait_item()
+        wait_until(lambda: app.is_shown() and app.place()[0] == 1280 - 8 - 460, "the panel")
+
+    def test_item_comes_back_with_the_status_area(self):
+        app = self.start(STARTED)
+        app.wait_item()
+        self.session.end_status_area()
+        self.session.start_status_area()
+        app.wait_item()
+        self.assertIsNone(app.process.poll())
+
+    def test_about_and_quit(self):
+        app = self.start(STARTED)
+        app.wait_item()
+        app.click_item_of_status_area()
+        app.wait_shown()
+        app.wait_text("free")
+        app.press("ctrl+q")
+        self.assertEqual(app.exit_code(), 0)
+
+
+class Elsewhere(OnADesktop):
+    has_status_area = False
+
+    def test_window_stands_in_where_there_is_no_status_area(self):
+        app = self.start(STARTED)
+        app.wait_shown()
+        app.wait_text("no status area")
+        self.picture("no-status-area")
+        app.terminate()
+        # It is said once.
+        app.start()
+        app.wait_shown()
+        app.wait_text("free")
+        self.assertFalse(app.sees_text("no status area"))
+
+
+class DarkTwice(OnADesktop):
+    scale = 2
+
+    def test_follows_the_desktop_into_the_dark_and_back(self):
+        from portal import DARK, LIGHT, Portal
+        portal = Portal(self.session.environment["DBUS_SESSION_BUS_ADDRESS"], LIGHT)
+        self.addCleanup(portal.end)
+        app = self.start(NOBODY_IS_WARNED, QT_SCALE_FACTOR="2")
+        app.wait_item()
+        app.click_item_of_status_area()
+        app.wait_shown()
+        app.wait_text("free")
+        brightness = lambda: sum(self.session.pixels(2560 - 200, 1300, 20, 20)) / 1200
+        wait_until(lambda: brightness() > 200, "a light panel")
+        self.picture("panel-light-2")
+        portal.set_scheme(DARK)
+        wait_until(lambda: brightness() < 80, "a dark panel")
+        self.picture("panel-dark-2")
+        portal.set_scheme(LIGHT)
+        wait_until(lambda: brightness() > 200, "a light panel")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -1,0 +1,135 @@
+// What the shell decides and draws without a window.
+
+#include "Spacemint/shell/Commands.h"
+#include "Spacemint/shell/PanelPlacement.h"
+#include "Spacemint/shell/StatusIcon.h"
+#include "Spacemint/shell/StatusText.h"
+#include "Spacemint/shell/WindowPlace.h"
+
+#include <QKeyEvent>
+#include <gmock/gmock.h>
+
+namespace spacemint {
+namespace {
+
+TEST(StatusText, sayTheFreeSpaceWhereItIsWantedOrLow) {
+  const VolumeStatus volume{"Disk", 500'000'000'000, 17'300'000'000};
+  struct Case {
+    SpaceLevel level;
+    std::optional<VolumeStatus> volume;
+    bool isWanted;
+    const char* title;
+    const char* toolTip;
+    std::optional<Bytes> badge;
+  };
+  const std::array cases{
+      Case{SpaceLevel::ok, volume, false, "", "17.3 GB free of 500 GB", {}},
+      Case{SpaceLevel::ok, volume, true, " 17.3 GB", "17.3 GB free of 500 GB", {}},
+      Case{SpaceLevel::low, volume, false, " 17.3 GB", "17.3 GB free of 500 GB", volume.free},
+      Case{SpaceLevel::critical, volume, false, " 17.3 GB", "17.3 GB free of 500 GB", volume.free},
+      Case{SpaceLevel::ok, std::nullopt, true, "", "", {}},
+      Case{SpaceLevel::low, std::nullopt, true, "", "", {}},
+  };
+  for (const auto& c : cases) {
+    const StatusFacts facts{c.level, c.volume, c.isWanted, "en_US"};
+    EXPECT_EQ(statusText(facts), (StatusText{c.title, c.toolTip}));
+    EXPECT_EQ(badgeOf(facts), c.badge);
+  }
+}
+
+TEST(PanelPlacement, isBesideTheItemAndInsideTheUsableArea) {
+  const QRect whole{0, 0, 1280, 800};
+  const PanelScreen top{whole, {0, 30, 1280, 770}};
+  const PanelScreen bottom{whole, {0, 0, 1280, 770}};
+  const PanelScreen second{{1280, 0, 1920, 1080}, {1280, 0, 1920, 1050}};
+  const PanelScreen small{{0, 0, 400, 600}, {0, 24, 400, 576}};
+  struct Case {
+    std::optional<QPoint> item;
+    PanelScreen screen;
+    QRect place;
+  };
+  const std::array cases{
+      Case{QPoint{600, 15}, top, {370, 36, 460, 700}},
+      Case{QPoint{1270, 15}, top, {812, 36, 460, 700}},  // pushed left at the edge
+      Case{QPoint{3, 15}, top, {8, 36, 460, 700}},
+      Case{QPoint{600, 790}, bottom, {370, 64, 460, 700}},
+      Case{QPoint{3190, 1070}, second, {2732, 344, 460, 700}},
+      Case{std::nullopt, top, {812, 36, 460, 700}},
+      Case{std::nullopt, bottom, {812, 64, 460, 700}},
+      Case{QPoint{390, 10}, small, {8, 30, 384, 564}},  // as much of it as there is room for
+  };
+  for (const auto& c : cases) EXPECT_EQ(panelPlacement(c.item, c.screen), c.place);
+}
+
+TEST(WindowPlace, isTakenBackWhereItWouldBeSeen) {
+  const std::array<QRect, 2> screens{QRect{0, 30, 1280, 770}, QRect{1280, 0, 1920, 1050}};
+  const QSize size{460, 722};
+  struct Case {
+    std::string text;
+    std::optional<WindowPlace> place;
+  };
+  const std::array cases{
+      Case{"100 50", WindowPlace{{100, 50}, screens[0]}},
+      Case{textOf({1500, 10}), WindowPlace{{1500, 10}, screens[1]}},
+      Case{"-200 50", WindowPlace{{-200, 50}, screens[0]}},
+      Case{"-300 50", std::nullopt},  // less than half of it
+      Case{"100 10", std::nullopt},   // its title is under a panel
+      Case{"100 790", std::nullopt},
+      Case{"9000 50", std::nullopt},  // of a screen that is gone
+      Case{"", std::nullopt},
+      Case{"100", std::nullopt},
+      Case{"100 5x", std::nullopt},
+      Case{"99999999999 5", std::nullopt},
+  };
+  for (const auto& c : cases) EXPECT_EQ(windowPlace(c.text, size, screens), c.place) << c.text;
+}
+
+bool hasInk(const QImage& image, const QRect& area, const QColor& colour) {
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) {
+      if (image.pixelColor(x, y) == colour) return true;
+    }
+  }
+  return false;
+}
+
+TEST(StatusIcon, isTheLogoOrTheFigureInEverySize) {
+  const QColor colour{0xE8, 0x64, 0x1C};
+  const auto logo = StatusIcon::logo(colour);
+  const auto figure = StatusIcon::figure(QStringLiteral(" 17.3 GB"), colour);
+  ASSERT_EQ(logo.size(), figure.size());
+  for (qsizetype i = 0; i < logo.size(); ++i) {
+    const int size = logo[i].width();
+    const QRect all{0, 0, size, size};
+    // The ceiling of the logo, and nothing between it and the bars at the left.
+    EXPECT_TRUE(hasInk(logo[i], {0, 0, size, size / 4}, colour)) << size;
+    EXPECT_EQ(logo[i].pixelColor(size / 5, size * 3 / 8).alpha(), 0) << size;
+    if (size < 22) continue;  // too small for letters with a pixel of full colour
+    EXPECT_TRUE(hasInk(figure[i], {0, 0, size, size / 2}, colour)) << size;
+    EXPECT_TRUE(hasInk(figure[i], {0, size * 5 / 8, size, size * 3 / 8}, colour)) << size;
+  }
+}
+
+TEST(Commands, areRunByTheirKeysAndGroupedInAMenu) {
+  std::string ran;
+  const auto command = [&ran](std::string title, std::optional<QKeyCombination> key) {
+    return Command{title, key, [&ran, title] { ran += title + ";"; }};
+  };
+  const Commands commands{{command("Open", {})},
+                          {},
+                          {command("Settings…", Qt::CTRL | Qt::Key_Comma)},
+                          {command("", Qt::CTRL | Qt::Key_W)}};
+  std::vector<std::string> titles;
+  for (const auto& entry : menuOf(commands)) titles.push_back(entry.title);
+  EXPECT_THAT(titles, testing::ElementsAre("Open", "", "Settings…"));
+  const auto press = [&](int key, Qt::KeyboardModifiers modifiers, bool isHeld = false) {
+    return runKey(commands, QKeyEvent{QEvent::KeyPress, key, modifiers, QString{}, isHeld});
+  };
+  EXPECT_TRUE(press(Qt::Key_Comma, Qt::ControlModifier));
+  EXPECT_FALSE(press(Qt::Key_Comma, Qt::NoModifier));
+  EXPECT_FALSE(press(Qt::Key_Comma, Qt::ControlModifier, true));
+  EXPECT_EQ(ran, "Settings…;");
+}
+
+}  // namespace
+}  // namespace spacemint
