@@ -23,7 +23,7 @@ using testing::Not;
 class ReportTest : public testing::Test {
  protected:
   void write(const std::string& name, std::size_t kilobytes) const {
-    program.addFile(name, kilobytes * 1'000);
+    support::writeText(program.home() / name, std::string(kilobytes * 1'000, 'x'));
   }
 
   void scan() const { ASSERT_EQ(program.run({"scan", "--min-size", "1000"}).exitCode, 0); }
