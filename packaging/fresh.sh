@@ -84,7 +84,8 @@ as_user() {
   local program window start=$EPOCHREALTIME
   openbox >/dev/null 2>&1 &
   mkdir -p "$HOME/Documents"
-  head -c 30000000 /dev/zero >"$HOME/Documents/large"
+  # Larger than anything that is installed: the first scan may be of the whole disk.
+  fallocate -l 500M "$HOME/Documents/large"
   spacemint 2>"$HOME/errors" &
   program=$!
   window=$(await window xdotool search --onlyvisible --name '^Spacemint$')
@@ -93,7 +94,7 @@ as_user() {
   xdotool windowactivate --sync "${window%%$'\n'*}" key Return
   await scan find "$HOME/.local/share/Spacemint/Snapshots" -name '*.json' >/dev/null
   spacemintctl files --top 1 | grep -q 'Documents/large' || fail "the scan does not have the large file"
-  say "a scan of the home folder is stored"
+  say "its first scan, $(spacemintctl history | head -n 1 | sed 's/  */ /g'), is stored"
   kill -TERM "$program"
   wait "$program" || fail "it ended with $?"
   [ ! -s "$HOME/errors" ] || { cat "$HOME/errors" >&2; fail "it complained"; }
