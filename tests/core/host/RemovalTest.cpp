@@ -75,6 +75,22 @@ class RemovalTest : public testing::Test {
     return readText(outside / "treasure") == "text" && readText(outside / "inner/treasure") == "text";
   }
 
+  // Removes the item, and meddles as soon as the first of many files in one of its folders is gone.
+  int removeWhile(const FileHandle& folder, const std::function<void()>& meddle) const {
+    fill(folder, "file", 5'000);
+    const int events = inotify_init1(IN_CLOEXEC);
+    const std::string path = "/proc/self/fd/" + std::to_string(folder.get());
+    EXPECT_GE(inotify_add_watch(events, path.c_str(), IN_DELETE), 0);
+    std::thread meddler([&] {
+      char event[4'096];
+      if (::read(events, event, sizeof event) > 0) meddle();
+    });
+    const int failure = remove({.path = item});
+    meddler.join();
+    close(events);
+    return failure;
+  }
+
   TemporaryFolder outside;
   TemporaryFolder home;
   const std::string item = home / "item";
@@ -266,30 +282,29 @@ TEST_F(RemovalTest, neverFollowsALinkThatAppearsOnTheWay) {
 }
 
 TEST_F(RemovalTest, doesNotGoUpIntoAnotherFolderThanItCameFrom) {
-  // Deep enough for the handles above to be closed, with a folder at its end that takes a while.
-  bool movedInTime = false;
-  for (int attempt = 0; attempt < 20 && !movedInTime; ++attempt) {
+  int failure = 0;
+  for (int attempt = 0; attempt < 20 && failure == 0; ++attempt) {
     fs::create_directories(item + "/a/b");
+    // Deep enough for the handles above to be closed.
     const FileHandle deepest = makeChain(item + "/a/b", "c", static_cast<int>(FolderEraser::handleLimit) + 8);
-    fill(deepest, "file", 5'000);
-    const int events = inotify_init1(IN_CLOEXEC);
-    ASSERT_GE(
-        inotify_add_watch(events, ("/proc/self/fd/" + std::to_string(deepest.get())).c_str(), IN_DELETE), 0);
-    std::thread mover([&] {
-      char event[4'096];
-      if (::read(events, event, sizeof event) > 0) {
-        rename((item + "/a/b/c").c_str(), (outside / "c").c_str());
-      }
-    });
-    const int failure = remove({.path = item});
-    mover.join();
-    close(events);
-    movedInTime = failure == ESTALE;
-    EXPECT_TRUE(movedInTime || failure == 0) << failure;
+    failure = removeWhile(deepest, [&] { rename((item + "/a/b/c").c_str(), (outside / "c").c_str()); });
     EXPECT_TRUE(outsideIsWhole());
     fs::remove_all(outside / "c");
   }
-  EXPECT_TRUE(movedInTime);
+  EXPECT_EQ(failure, ESTALE);
+}
+
+TEST_F(RemovalTest, leavesAFolderAloneThatTookTheItemsPlaceMeanwhile) {
+  int failure = 0;
+  for (int attempt = 0; attempt < 20 && failure == 0; ++attempt) {
+    fs::create_directory(item);
+    failure = removeWhile(FileHandle{open(item.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, [&] {
+      if (rename(item.c_str(), (outside / "moved").c_str()) == 0) fs::create_directory(item);
+    });
+    fs::remove_all(outside / "moved");
+  }
+  EXPECT_EQ(failure, ESTALE);
+  EXPECT_TRUE(fs::exists(item));
 }
 
 TEST_F(RemovalTest, takesWhatVanishesMeanwhileAsRemoved) {
