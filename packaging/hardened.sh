@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Whether programs were built as hard to misuse as they are meant to be. What is missing is named, and fails.
+# Whether programs were built as hard to misuse as they are meant to be, and as Qt needs them to be. What is
+# missing is named, and fails.
 #
 # usage: hardened.sh PROGRAM…
 set -euo pipefail
@@ -21,6 +22,10 @@ fortified library calls|symbols| __(mem|str|sn?printf|vsn?printf|fprintf|vfprint
 RULES
   if grep -qE 'RPATH|RUNPATH' <<<"$dynamic"; then
     printf '%s: looks for libraries in a folder of its own\n' "$program" >&2
+    failed=1
+  fi
+  if readelf -rW "$program" | grep -q '_COPY .*@Qt'; then
+    printf '%s: has copies of data of Qt, and would crash\n' "$program" >&2
     failed=1
   fi
 done
