@@ -24,7 +24,7 @@ RULES
     printf '%s: looks for libraries in a folder of its own\n' "$program" >&2
     failed=1
   fi
-  if readelf -rW "$program" | grep -q '_COPY .*@Qt'; then
+  if grep -q '_COPY .*@Qt' <<<"$(readelf -rW "$program")"; then
     printf '%s: has copies of data of Qt, and would crash\n' "$program" >&2
     failed=1
   fi
