@@ -28,6 +28,12 @@ if(NOT SPACEMINT_SANITIZE)
   endforeach()
   target_compile_options(spacemint_options INTERFACE $<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>)
   target_link_options(spacemint_options INTERFACE $<$<CONFIG:Release>:LINKER:-z,relro,-z,now>)
+  # Link-time optimization makes code for a program, which takes copies of the libraries' data. Qt, which goes on
+  # using its own, does not bear that: the program would crash at its start.
+  check_cxx_compiler_flag(-mno-direct-extern-access HAS_NO_DIRECT_EXTERN_ACCESS)
+  if(HAS_NO_DIRECT_EXTERN_ACCESS)
+    target_link_options(spacemint_options INTERFACE $<$<CONFIG:Release>:-mno-direct-extern-access>)
+  endif()
 endif()
 
 option(SPACEMINT_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)

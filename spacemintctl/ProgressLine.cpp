@@ -1,10 +1,10 @@
 #include "spacemintctl/ProgressLine.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/scan/ScanTiming.h"
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -13,11 +13,9 @@ namespace spacemint::ctl {
 namespace {
 
 constexpr std::chrono::milliseconds pace{100};
-// Too early to tell how long the rest will take.
-constexpr std::chrono::duration<double> warmUp{2};
 
-std::string timeLeft(double seconds) {
-  const auto whole = static_cast<long long>(std::ceil(seconds));
+std::string timeLeft(Seconds left) {
+  const auto whole = static_cast<long long>(std::ceil(left.count()));
   if (whole < 60) return std::to_string(whole) + " s left";
   const long long minutes = (whole + 30) / 60;
   return minutes < 60 ? std::to_string(minutes) + " min left"
@@ -30,12 +28,11 @@ std::string progressText(const DiskScanner::Progress& progress, std::optional<By
                          std::chrono::duration<double> elapsed, const std::string& locale) {
   std::string text =
       groupedNumber(progress.files, locale) + " files, " + ByteFormat::string(progress.bytes, locale);
-  if (!expected || *expected < 1) return text;
-  const double fraction = static_cast<double>(progress.bytes) / static_cast<double>(*expected);
-  // The expected figure is an estimate: it may be passed before the end.
-  text += ", " + std::to_string(std::min(99, static_cast<int>(fraction * 100))) + " %";
-  if (elapsed < warmUp || fraction < 0.01 || fraction >= 0.99) return text;
-  return text + ", " + timeLeft(elapsed.count() * (1 - fraction) / fraction);
+  const auto fraction = ScanTiming::fraction(progress.bytes, expected.value_or(0));
+  if (!fraction) return text;
+  text += ", " + std::to_string(static_cast<int>(*fraction * 100)) + " %";
+  const auto left = ScanTiming::remaining(fraction, elapsed);
+  return left && *fraction < ScanTiming::highestFraction ? text + ", " + timeLeft(*left) : text;
 }
 
 ProgressLine::ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale)

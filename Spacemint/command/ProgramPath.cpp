@@ -1,5 +1,7 @@
 #include "Spacemint/command/ProgramPath.h"
 
+#include "core/base/NumericOrder.h"
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -35,36 +37,6 @@ constexpr std::array<std::string_view, 4> systemFolders{"/usr/bin", "/bin", "/us
 
 std::string located(std::string_view folder, const std::string& home) {
   return folder.starts_with('~') ? home + std::string{folder.substr(1)} : std::string{folder};
-}
-
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
-// Takes the number that `text` begins with, without leading zeros.
-std::string_view takeNumber(std::string_view& text) {
-  const auto length = static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
-  std::string_view number = text.substr(0, length);
-  text.remove_prefix(length);
-  number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
-  return number;
-}
-
-// Runs of digits are compared as numbers, so that 9.0 comes before 20.1.
-bool numericallyLess(std::string_view a, std::string_view b) {
-  while (!a.empty() && !b.empty()) {
-    if (isDigit(a[0]) && isDigit(b[0])) {
-      const std::string_view left = takeNumber(a);
-      const std::string_view right = takeNumber(b);
-      if (left.size() != right.size()) return left.size() < right.size();
-      if (left != right) return left < right;
-    } else {
-      if (a[0] != b[0]) return a[0] < b[0];
-      a.remove_prefix(1);
-      b.remove_prefix(1);
-    }
-  }
-  return a.size() < b.size();
 }
 
 std::vector<std::string> namesIn(const std::string& folder) {
@@ -108,7 +80,7 @@ std::vector<std::string> programPath(const ProgramPlaces& places) {
   for (const auto folder : toolFolders) path.push_back(located(folder, places.home));
   const std::string nodes = places.home + "/.nvm/versions/node";
   auto versions = namesIn(nodes);
-  std::ranges::sort(versions, [](const auto& a, const auto& b) { return numericallyLess(b, a); });
+  std::ranges::sort(versions, [](const auto& a, const auto& b) { return numericOrder(b, a) < 0; });
   for (const std::string& version : versions) path.push_back(nodes + "/" + version + "/bin");
   for (const auto folder : linuxFolders) path.push_back(located(folder, places.home));
   for (std::string& folder : systemPath(places.systemRoot)) addOnce(path, std::move(folder));

@@ -1,7 +1,7 @@
-#include "Spacemint/command/Descriptor.h"
 #include "Spacemint/command/Shell.h"
 #include "core/base/Unicode.h"
 #include "core/host/ChildExit.h"
+#include "core/host/FileHandle.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -25,15 +25,15 @@ constexpr std::chrono::milliseconds longestPoll{1'000};
 constexpr Seconds longestTimeout{1e9};
 
 struct Pipe {
-  Descriptor reading;
-  Descriptor writing;
+  FileHandle reading;
+  FileHandle writing;
 };
 
 // Above the three standard descriptors, which the child's own take the place of.
-Descriptor aboveStandard(int number) {
-  Descriptor given{number};
+FileHandle aboveStandard(int number) {
+  FileHandle given{number};
   if (number > STDERR_FILENO) return given;
-  return Descriptor{fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)};
+  return FileHandle{fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)};
 }
 
 std::optional<Pipe> makePipe() {
@@ -86,7 +86,7 @@ class SpawnSetup {
   SpawnSetup& operator=(const SpawnSetup&) = delete;
 
   // No input, the two outputs, nothing else.
-  bool connect(const Descriptor& output, const Descriptor& error) {
+  bool connect(const FileHandle& output, const FileHandle& error) {
     return posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0) == 0 &&
            posix_spawn_file_actions_adddup2(&actions_, output.get(), STDOUT_FILENO) == 0 &&
            posix_spawn_file_actions_adddup2(&actions_, error.get(), STDERR_FILENO) == 0 &&
@@ -123,7 +123,7 @@ class SpawnSetup {
 
 // One output of the child and what has come of it.
 struct Stream {
-  Descriptor reading;
+  FileHandle reading;
   std::string text;
 };
 

@@ -89,8 +89,12 @@ CleanupJob CleanupJobs::removeWorktree(const GitWorktree& worktree, std::optiona
                  .work = {}};
   auto removal = Cleanup::worktreeRemoval(worktree, changes);
   if (auto* git = std::get_if<Cleanup::RunGit>(&removal)) {
-    job.work = inBackground(
-        [runs = parts_.runs, arguments = std::move(git->arguments)] { return runs.git(arguments); });
+    // Git would empty what is mounted in it.
+    job.work = inBackground([path = worktree.path, guard = parts_.guard, runs = parts_.runs,
+                             arguments = std::move(git->arguments)] {
+      const Failure refused = Cleanup::mountRefusal(path, guard);
+      return refused ? refused : runs.git(arguments);
+    });
   } else {
     job.work = deletion(worktree.path, identity);
   }
@@ -153,21 +157,26 @@ CleanupJob CleanupJobs::emptyTrashByFileManager(const TrashPlace& trash, Bytes e
 }
 
 CleanupJob CleanupJobs::pruneDocker() const {
-  return {.id = "docker",
-          .label = "Cleaned up Docker",
-          .estimate = parts_.developerTools.dockerReclaimable(),
-          .remeasure = dockerFolders(),
-          .work = toolRun("docker", {"system", "prune", "-a", "-f"}),
-          .then = [&tools = parts_.developerTools] { return tools.refreshDocker(); }};
+  return dockerRun({.id = "docker",
+                    .label = "Cleaned up Docker",
+                    .estimate = parts_.developerTools.dockerReclaimable(),
+                    .work = toolRun("docker", {"system", "prune", "-a", "-f"})});
 }
 
 CleanupJob CleanupJobs::pruneDockerVolumes() const {
-  return {.id = "docker-volumes",
-          .label = "Removed unused Docker volumes",
-          .estimate = parts_.developerTools.dockerVolumesReclaimable(),
-          .remeasure = dockerFolders(),
-          .work = toolRun("docker", {"volume", "prune", "-a", "-f"}),
-          .then = [&tools = parts_.developerTools] { return tools.refreshDocker(); }};
+  return dockerRun({.id = "docker-volumes",
+                    .label = "Removed unused Docker volumes",
+                    .estimate = parts_.developerTools.dockerVolumesReclaimable(),
+                    .work = toolRun("docker", {"volume", "prune", "-a", "-f"})});
+}
+
+// Docker's own folders hold less afterwards, and it says itself what is left.
+CleanupJob CleanupJobs::dockerRun(CleanupJob job) const {
+  job.remeasure = {Paths::join(places_.home, "Library/Group Containers/HUAQ24HBR6.dev.orbstack/data"),
+                   Paths::join(places_.home, "Library/Containers/com.docker.docker/Data/vms"),
+                   Paths::join(places_.data, "docker")};
+  job.then = [&tools = parts_.developerTools] { return tools.refreshDocker(); };
+  return job;
 }
 
 CleanupJob CleanupJobs::removeOllamaModel(const DevTools::OllamaModel& model) const {
@@ -177,12 +186,6 @@ CleanupJob CleanupJobs::removeOllamaModel(const DevTools::OllamaModel& model) co
           .remeasure = {Paths::join(places_.home, ".ollama/models")},
           .work = toolRun("ollama", {"rm", model.name}),
           .then = [&tools = parts_.developerTools] { return tools.refreshOllama(); }};
-}
-
-std::vector<std::string> CleanupJobs::dockerFolders() const {
-  return {Paths::join(places_.home, "Library/Group Containers/HUAQ24HBR6.dev.orbstack/data"),
-          Paths::join(places_.home, "Library/Containers/com.docker.docker/Data/vms"),
-          Paths::join(places_.data, "docker")};
 }
 
 }  // namespace spacemint

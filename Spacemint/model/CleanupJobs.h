@@ -58,7 +58,7 @@ class CleanupJobs : public QObject {
   std::function<QFuture<Failure>()> inBackground(Work work) const;
   std::function<QFuture<Failure>()> deletion(const std::string& path, FileIdentity identity) const;
   std::function<QFuture<Failure>()> toolRun(const char* program, std::vector<std::string> arguments) const;
-  std::vector<std::string> dockerFolders() const;
+  CleanupJob dockerRun(CleanupJob job) const;
 
   Parts parts_;
   Desktop desktop_;

@@ -1,6 +1,6 @@
 #include "Spacemint/model/ScanLifecycle.h"
 
-#include "Spacemint/model/ScanTiming.h"
+#include "core/scan/ScanTiming.h"
 
 #include <QPointer>
 

@@ -26,10 +26,10 @@ std::string lowerCased(std::string_view text) {
   return result;
 }
 
-std::vector<std::string_view> lines(std::string_view text) {
+std::vector<std::string_view> pieces(std::string_view text, char separator) {
   std::vector<std::string_view> result;
   while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::size_t end = std::min(text.find(separator), text.size());
     if (end > 0) result.push_back(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
   }

@@ -14,7 +14,12 @@ std::string_view trimmed(std::string_view text);
 std::string upperCased(std::string_view text);
 std::string lowerCased(std::string_view text);
 
+/// What stands between separators, such as the names of a path, where it is not empty.
+std::vector<std::string_view> pieces(std::string_view text, char separator);
+
 /// The lines of a text that are not empty.
-std::vector<std::string_view> lines(std::string_view text);
+inline std::vector<std::string_view> lines(std::string_view text) {
+  return pieces(text, '\n');
+}
 
 }  // namespace spacemint

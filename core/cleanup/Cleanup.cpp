@@ -1,8 +1,8 @@
 #include "core/cleanup/Cleanup.h"
 
+#include "core/base/AsciiText.h"
 #include "core/tree/Paths.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -26,11 +26,8 @@ std::string reasoned(const DeletionGuard& guard, std::string_view path, std::str
 // The path without single "." and doubled "/", which the guard takes as they are.
 std::string plainSpelling(std::string_view path) {
   std::string plain;
-  while (!path.empty()) {
-    const std::size_t end = std::min(path.find('/'), path.size());
-    const std::string_view name = path.substr(0, end);
-    if (!name.empty() && name != ".") (plain += '/') += name;
-    path.remove_prefix(std::min(end + 1, path.size()));
+  for (const std::string_view name : pieces(path, '/')) {
+    if (name != ".") (plain += '/') += name;
   }
   return plain.empty() ? "/" : plain;
 }

@@ -1,17 +1,15 @@
 // SnapshotCodec::decode. The parser reports the document piece by piece, and the pieces go straight into the
 // nodes: what is held besides the result is one entry for each level that is open.
 
-#include "core/base/DateSeconds.h"
 #include "core/history/SnapshotCodec.h"
+#include "core/history/SnapshotKeys.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cmath>
 #include <exception>
 #include <iterator>
 #include <span>
-#include <variant>
 
 namespace spacemint {
 
@@ -19,6 +17,15 @@ namespace {
 
 using Json = nlohmann::json;
 using SnapshotCodec::Fault;
+using SnapshotKeys::childrenKey;
+using SnapshotKeys::Complaint;
+using SnapshotKeys::Key;
+using SnapshotKeys::nodeKeys;
+using SnapshotKeys::outOfRange;
+using SnapshotKeys::Real;
+using SnapshotKeys::rootKey;
+using SnapshotKeys::Scalar;
+using SnapshotKeys::snapshotKeys;
 
 Error codecError(Fault fault, std::string_view message) {
   return {.domain = std::string{SnapshotCodec::domain},
@@ -29,125 +36,6 @@ Error codecError(Fault fault, std::string_view message) {
 std::string notJsonAt(std::size_t position) {
   return "not valid JSON at byte " + std::to_string(position);
 }
-
-// A number written with a fraction or an exponent, or a whole one too large for 64 bits.
-struct Real {
-  double value;
-  bool isWhole;
-};
-
-using Scalar = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, Real, const std::string*>;
-
-// What is wrong with a value; nothing where it was taken.
-using Complaint = std::string_view;
-constexpr Complaint fine{};
-constexpr Complaint outOfRange = "is out of range";
-constexpr Complaint notAnInteger = "is not an integer";
-constexpr Complaint notANumber = "is not a number";
-constexpr Complaint notABoolean = "is not a boolean";
-constexpr Complaint notAString = "is not a string";
-constexpr Complaint notAnObject = "is not an object";
-constexpr Complaint notAnArray = "is not an array";
-
-template <class Integer>
-Complaint takeInteger(const Scalar& value, Integer& target) {
-  const auto fitting = [&](auto number) {
-    if (!std::in_range<Integer>(number)) return outOfRange;
-    target = static_cast<Integer>(number);
-    return fine;
-  };
-  if (const auto* natural = std::get_if<std::uint64_t>(&value)) return fitting(*natural);
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) return fitting(*integer);
-  const auto* real = std::get_if<Real>(&value);
-  return real != nullptr && real->isWhole ? outOfRange : notAnInteger;
-}
-
-std::optional<double> number(const Scalar& value) {
-  if (const auto* natural = std::get_if<std::uint64_t>(&value)) return static_cast<double>(*natural);
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) return static_cast<double>(*integer);
-  if (const auto* real = std::get_if<Real>(&value)) return real->value;
-  return std::nullopt;
-}
-
-Complaint take(const Scalar& value, std::int64_t& target) {
-  return takeInteger(value, target);
-}
-Complaint take(const Scalar& value, std::uint64_t& target) {
-  return takeInteger(value, target);
-}
-
-Complaint take(const Scalar& value, bool& target) {
-  const auto* boolean = std::get_if<bool>(&value);
-  if (boolean == nullptr) return notABoolean;
-  target = *boolean;
-  return fine;
-}
-
-Complaint take(const Scalar& value, std::string& target) {
-  const auto* text = std::get_if<const std::string*>(&value);
-  if (text == nullptr) return notAString;
-  target = **text;  // a copy takes just the room it needs; the parser's own string is a growing buffer
-  return fine;
-}
-
-Complaint take(const Scalar& value, Seconds& target) {
-  const auto seconds = number(value);
-  if (!seconds) return notANumber;
-  target = Seconds{*seconds};
-  return fine;
-}
-
-Complaint take(const Scalar& value, Date& target) {
-  const auto seconds = number(value);
-  if (!seconds) return notANumber;
-  const auto date = dateAfter(SnapshotCodec::epoch, *seconds);
-  if (!date) return outOfRange;
-  target = *date;
-  return fine;
-}
-
-// A file can bear any time stamp, so what no Date can hold becomes the nearest one, as in a scan.
-Complaint takeModified(const Scalar& value, Date& target) {
-  const auto seconds = number(value);
-  if (!seconds) return notANumber;
-  constexpr double farthest = 1e13;
-  const auto nearest = static_cast<std::int64_t>(std::clamp(*seconds, -farthest, farthest));
-  target = dateAfter(std::chrono::seconds{0}, *seconds).value_or(dateFromUnixSeconds(nearest));
-  return fine;
-}
-
-// What an object may hold. `take` also says what a value of another kind is not: it refuses null.
-template <class Record>
-struct Key {
-  std::string_view name;
-  bool isRequired;
-  Complaint (*take)(Record&, const Scalar&);
-};
-
-constexpr Key<Snapshot> snapshotKeys[]{
-    {"date", true, [](Snapshot& s, const Scalar& v) { return take(v, s.date); }},
-    {"duration", true, [](Snapshot& s, const Scalar& v) { return take(v, s.duration); }},
-    {"root", true, [](Snapshot&, const Scalar&) { return notAnObject; }},
-    {"fileCount", true, [](Snapshot& s, const Scalar& v) { return take(v, s.fileCount); }},
-    {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeFree); }},
-    {"volumeTotal", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeTotal); }},
-    {"minNodeSize", true, [](Snapshot& s, const Scalar& v) { return take(v, s.minNodeSize); }},
-    {"eventID", false, [](Snapshot& s, const Scalar& v) { return take(v, s.eventID.emplace()); }},
-    {"fullScanDate", false, [](Snapshot& s, const Scalar& v) { return take(v, s.fullScanDate.emplace()); }},
-    {"format", false, [](Snapshot& s, const Scalar& v) { return take(v, s.format.emplace()); }},
-};
-constexpr std::size_t rootKey = 2;
-
-constexpr Key<Node> nodeKeys[]{
-    {"name", true, [](Node& n, const Scalar& v) { return take(v, n.name); }},
-    {"size", true, [](Node& n, const Scalar& v) { return take(v, n.size); }},
-    {"isDirectory", false, [](Node& n, const Scalar& v) { return take(v, n.isDirectory); }},
-    {"modified", false, [](Node& n, const Scalar& v) { return takeModified(v, n.modified.emplace()); }},
-    {"children", false, [](Node&, const Scalar&) { return notAnArray; }},
-    {"fileCount", false, [](Node& n, const Scalar& v) { return take(v, n.fileCount); }},
-    {"isWorktree", false, [](Node& n, const Scalar& v) { return take(v, n.isWorktree); }},
-};
-constexpr std::size_t childrenKey = 4;
 
 // Which keys of one object have been met, and the one whose value comes next.
 struct KeyState {

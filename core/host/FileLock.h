@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/base/Error.h"
+#include "core/host/FileHandle.h"
 
 #include <expected>
 #include <string>
@@ -16,17 +17,11 @@ class FileLock {
   /// Takes the lock or fails with EWOULDBLOCK where somebody else has it.
   static std::expected<FileLock, Error> takeAtOnce(const std::string& path);
 
-  FileLock(FileLock&& other) noexcept;
-  FileLock& operator=(FileLock&& other) noexcept;
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
-  ~FileLock();
-
  private:
   static std::expected<FileLock, Error> takeAs(const std::string& path, int operation);
-  explicit FileLock(int descriptor) : descriptor_(descriptor) {}
+  explicit FileLock(FileHandle file) : file_(std::move(file)) {}
 
-  int descriptor_ = -1;
+  FileHandle file_;
 };
 
 }  // namespace spacemint

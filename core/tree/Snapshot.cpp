@@ -1,5 +1,6 @@
 #include "core/tree/Snapshot.h"
 
+#include "core/base/AsciiText.h"
 #include "core/base/Unicode.h"
 #include "core/tree/TreeWalk.h"
 
@@ -13,16 +14,6 @@ namespace {
 
 bool beginsWith(std::string_view path, std::string_view prefix) {
   return canonicalPrefixLength(path, prefix).has_value();
-}
-
-std::vector<std::string> split(std::string_view path) {
-  std::vector<std::string> pieces;
-  while (!path.empty()) {
-    const std::size_t slash = std::min(path.find('/'), path.size());
-    if (slash > 0) pieces.emplace_back(path.substr(0, slash));
-    path.remove_prefix(std::min(slash + 1, path.size()));
-  }
-  return pieces;
 }
 
 // Where an edit happens: the folders from the root down to the parent, and the node there, if any.
@@ -86,7 +77,8 @@ std::optional<std::vector<std::string>> Snapshot::components(std::string_view pa
   }
   const auto length = canonicalPrefixLength(resolved, Paths::join(rootPath(), ""));
   if (!length) return std::nullopt;
-  return split(std::string_view{resolved}.substr(*length));
+  const auto names = pieces(std::string_view{resolved}.substr(*length), '/');
+  return std::vector<std::string>(names.begin(), names.end());
 }
 
 const Node* Snapshot::nodeAt(std::string_view path) const {

@@ -4,6 +4,7 @@
 
 #include "core/host/ChildExit.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -19,6 +20,7 @@ namespace spacemint {
 namespace {
 
 namespace fs = std::filesystem;
+using support::openHandles;
 using support::TemporaryFolder;
 using testing::HasSubstr;
 using Clock = std::chrono::steady_clock;
@@ -34,18 +36,13 @@ std::optional<Output> script(const std::string& text, Seconds timeout = long_) {
                          .timeout = timeout});
 }
 
-std::ptrdiff_t openHandles() {
-  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{});
-}
-
 bool hasChildren() {
   return waitid(P_ALL, 0, nullptr, WEXITED | WNOHANG | WNOWAIT) == 0 || errno != ECHILD;
 }
 
 // A program of a few lines in a folder of its own.
 std::string program(const std::string& path, const std::string& text) {
-  fs::create_directories(fs::path(path).parent_path());
-  std::ofstream(path) << text;
+  support::writeText(path, text);
   fs::permissions(path, fs::perms::owner_all);
   return path;
 }

@@ -39,8 +39,8 @@ class XdgOpenerTest : public testing::Test {
 TEST_F(XdgOpenerTest, asksTheFileManagerToShowAFileOfAnyName) {
   FakeFileManager manager(services);
   opener.reveal("/home/ann/a b\xff#%");
-  ASSERT_TRUE(waitUntil([&] { return !manager.shown.empty(); }));
-  EXPECT_EQ(manager.shown, QStringList{QStringLiteral("file:///home/ann/a%20b%FF%23%25")});
+  ASSERT_TRUE(waitUntil([&] { return !manager.opened.empty(); }));
+  EXPECT_EQ(manager.opened, QStringList{QStringLiteral("file:///home/ann/a%20b%FF%23%25")});
   EXPECT_THAT(opened, IsEmpty());
 }
 

@@ -3,6 +3,7 @@
 #include "Spacemint/desktop/linux/XdgTrash.h"
 
 #include "core/base/Unicode.h"
+#include "support/Files.h"
 #include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
@@ -11,8 +12,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 namespace spacemint {
@@ -21,18 +20,11 @@ namespace {
 namespace fs = std::filesystem;
 using support::canMount;
 using support::enterOwnMounts;
+using support::readText;
 using support::succeedsInChild;
 using support::TemporaryFolder;
+using support::writeText;
 using testing::MatchesRegex;
-
-void write(const std::string& path, const std::string& text = "text") {
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string read(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>{file}, {}};
-}
 
 bool standsAt(const std::string& path) {
   std::error_code ignored;
@@ -69,18 +61,18 @@ class XdgTrashTest : public testing::Test {
 };
 
 TEST_F(XdgTrashTest, movesAFileWithANoteOfWhereItWas) {
-  write(docs + "/a b%.txt");
+  writeText(docs + "/a b%.txt");
   EXPECT_EQ(trash.move(docs + "/a b%.txt"), files + "a b%.txt");
   EXPECT_FALSE(standsAt(docs + "/a b%.txt"));
-  EXPECT_EQ(read(files + "a b%.txt"), "text");
-  EXPECT_THAT(read(info + "a b%.txt.trashinfo"),
+  EXPECT_EQ(readText(files + "a b%.txt"), "text");
+  EXPECT_THAT(readText(info + "a b%.txt.trashinfo"),
               MatchesRegex("\\[Trash Info\\]\nPath=" + docs +
                            "/a%20b%25\\.txt\n"
                            "DeletionDate=[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\n"));
 }
 
 TEST_F(XdgTrashTest, makesAPrivateTrash) {
-  write(docs + "/file");
+  writeText(docs + "/file");
   ASSERT_EQ(failureOf(docs + "/file"), 0);
   for (const auto& folder : {home / "data", data, data + "/Trash", files, info}) {
     EXPECT_EQ(fs::status(folder).permissions(), fs::perms::owner_all) << folder;
@@ -89,14 +81,14 @@ TEST_F(XdgTrashTest, makesAPrivateTrash) {
 
 TEST_F(XdgTrashTest, keepsThingsOfOneNameApart) {
   fs::create_directories(files);
-  write(files + "same", "already there, without a note");
+  writeText(files + "same", "already there, without a note");
   for (const char* text : {"first", "second"}) {
-    write(docs + "/same", text);
+    writeText(docs + "/same", text);
     ASSERT_EQ(failureOf(docs + "/same"), 0);
   }
-  EXPECT_EQ(read(files + "same"), "already there, without a note");
-  EXPECT_EQ(read(files + "same 2"), "first");
-  EXPECT_EQ(read(files + "same 3"), "second");
+  EXPECT_EQ(readText(files + "same"), "already there, without a note");
+  EXPECT_EQ(readText(files + "same 2"), "first");
+  EXPECT_EQ(readText(files + "same 3"), "second");
   EXPECT_EQ(countIn(info), 2);
 }
 
@@ -112,15 +104,15 @@ TEST_F(XdgTrashTest, movesFoldersAndLinksAsTheyAre) {
 
 TEST_F(XdgTrashTest, takesEveryName) {
   const std::string bytes = "\xff\xfe\n";
-  write(docs + "/" + bytes);
+  writeText(docs + "/" + bytes);
   EXPECT_EQ(trash.move(docs + "/" + bytes), files + bytes);
-  EXPECT_THAT(read(info + bytes + ".trashinfo"), testing::HasSubstr("/docs/%FF%FE%0A\n"));
+  EXPECT_THAT(readText(info + bytes + ".trashinfo"), testing::HasSubstr("/docs/%FF%FE%0A\n"));
 
   // As long as a name can be, in characters of two bytes: the note's name is longer by ten.
   std::string longest = "x";
   while (longest.size() < 255) longest += "ä";
   for (int i = 0; i < 2; ++i) {
-    write(docs + "/" + longest);
+    writeText(docs + "/" + longest);
     const auto moved = trash.move(docs + "/" + longest);
     ASSERT_TRUE(moved) << moved.error().message;
     EXPECT_TRUE(isValidUtf8(*moved));
@@ -138,7 +130,7 @@ TEST_F(XdgTrashTest, refusesWhatIsNoItem) {
 }
 
 TEST_F(XdgTrashTest, refusesItselfAndWhatIsAroundItAndInIt) {
-  write(docs + "/file");
+  writeText(docs + "/file");
   ASSERT_EQ(failureOf(docs + "/file"), 0);
   fs::create_directory_symlink(data, docs + "/way");
   for (const auto& path :
@@ -150,7 +142,7 @@ TEST_F(XdgTrashTest, refusesItselfAndWhatIsAroundItAndInIt) {
 
 TEST_F(XdgTrashTest, leavesNothingBehindWhereItFails) {
   if (!succeedsInChild(support::becomeNobody)) GTEST_SKIP() << "cannot become another user";
-  write(docs + "/file");
+  writeText(docs + "/file");
   fs::permissions(home.path(), fs::perms::all);
   fs::permissions(docs, fs::perms::all & ~fs::perms::group_write & ~fs::perms::others_write);
   if (geteuid() != 0) fs::permissions(docs, fs::perms::owner_read | fs::perms::owner_exec);
@@ -178,9 +170,9 @@ class XdgTrashOnVolumeTest : public XdgTrashTest {
   // Where the file "folder/file" of the volume went.
   std::optional<std::string> moveFile() {
     fs::create_directory(volume + "/folder");
-    write(volume + "/folder/file");
+    writeText(volume + "/folder/file");
     const auto moved = trash.move(volume + "/folder/file");
-    if (!moved || read(*moved) != "text" || standsAt(volume + "/folder/file")) return std::nullopt;
+    if (!moved || readText(*moved) != "text" || standsAt(volume + "/folder/file")) return std::nullopt;
     return moved->substr(volume.size());
   }
 
@@ -192,7 +184,8 @@ TEST_F(XdgTrashOnVolumeTest, usesTheTrashOfTheVolume) {
     if (!mountVolume()) return false;
     const std::string own = "/.Trash-" + std::to_string(geteuid());
     return moveFile() == own + "/files/file" &&
-           read(volume + own + "/info/file.trashinfo").find("\nPath=folder/file\n") != std::string::npos &&
+           readText(volume + own + "/info/file.trashinfo").find("\nPath=folder/file\n") !=
+               std::string::npos &&
            fs::status(volume + own).permissions() == fs::perms::owner_all && !standsAt(data) &&
            failureOf(volume + own) == EINVAL && failureOf(volume) == EBUSY;
   }));
@@ -218,7 +211,7 @@ TEST_F(XdgTrashOnVolumeTest, followsNoLinkToAnotherPlace) {
     const bool isLinkRefused = moveFile() == own + "/files/file";
     fs::remove_all(volume + own);
     fs::create_directory_symlink(volume + "/elsewhere", volume + own);
-    write(volume + "/kept");
+    writeText(volume + "/kept");
     return isLinkRefused && failureOf(volume + "/kept") != 0 && standsAt(volume + "/kept") &&
            fs::is_empty(volume + "/elsewhere");
   }));
@@ -228,7 +221,7 @@ TEST_F(XdgTrashOnVolumeTest, tellsTwoMountsOfOneFileSystemApart) {
   EXPECT_TRUE(succeedsInChild([&] {
     if (!enterOwnMounts() || mount(docs.c_str(), volume.c_str(), nullptr, MS_BIND, nullptr) != 0)
       return false;
-    write(volume + "/file");
+    writeText(volume + "/file");
     return trash.move(volume + "/file") == volume + "/.Trash-" + std::to_string(geteuid()) + "/files/file";
   }));
 }

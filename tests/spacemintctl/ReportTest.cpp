@@ -1,5 +1,6 @@
 // The three questions as a person asks them in a terminal, of a home folder with all kinds of things in it.
 
+#include "support/Files.h"
 #include "support/Program.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +8,6 @@
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
-#include <fstream>
 
 namespace spacemint {
 namespace {
@@ -23,21 +23,16 @@ using testing::Not;
 class ReportTest : public testing::Test {
  protected:
   void write(const std::string& name, std::size_t kilobytes) const {
-    const fs::path path = program.home() / name;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path) << std::string(kilobytes * 1'000, 'x');
+    support::writeText(program.home() / name, std::string(kilobytes * 1'000, 'x'));
   }
 
   void scan() const { ASSERT_EQ(program.run({"scan", "--min-size", "1000"}).exitCode, 0); }
 
   // As if the scans that are kept had been made earlier.
   void makeScansOlder(std::chrono::seconds by) const {
-    std::vector<fs::path> files;
-    for (const auto& file : fs::directory_iterator(program.home() / ".local/share/Spacemint/Snapshots")) {
-      files.push_back(file.path());
-    }
-    for (const fs::path& file : files) {
-      fs::rename(file, file.parent_path() / (std::to_string(std::stol(file.stem()) - by.count()) + ".json"));
+    const fs::path folder = program.scans().directory;
+    for (const fs::path name : support::namesIn(folder)) {
+      fs::rename(folder / name, folder / (std::to_string(std::stol(name.stem()) - by.count()) + ".json"));
     }
   }
 
@@ -57,8 +52,7 @@ TEST_F(ReportTest, answersEverythingOnOnePage) {
   write(".local/share/Trash/files/.hidden", 100);
   write("Library/Application Support/MobileSync/Backup/0001/data", 400);
   write("app/node_modules/left", 500);
-  write("orphan/.git", 0);
-  std::ofstream(program.home() / "orphan/.git") << "gitdir: /nowhere/.git/worktrees/orphan\n";
+  support::writeText(program.home() / "orphan/.git", "gitdir: /nowhere/.git/worktrees/orphan\n");
   write("orphan/big", 600);
   scan();
   const Outcome report = program.run({"report"});
@@ -120,16 +114,15 @@ TEST_F(ReportTest, saysWhatGrewSinceAnEarlierScanOfTheSameFolder) {
 
 TEST_F(ReportTest, asksOllamaThroughTheSearchPath) {
   if (fs::exists("/usr/local/bin/ollama")) GTEST_SKIP() << "a real one comes first";
-  write(".local/bin/ollama", 0);
   const std::string tool = program.home() / ".local/bin/ollama";
-  std::ofstream(tool) << "#!/bin/sh\n[ \"$*\" = list ] || exit 2\n"
-                         "printf 'NAME  ID  SIZE  MODIFIED\\nllama3:8b  abc  4.7 GB  3 weeks ago\\n'\n";
-  fs::permissions(tool, fs::perms::owner_all);
+  support::writeProgram(tool,
+                        "[ \"$*\" = list ] || exit 2\n"
+                        "printf 'NAME  ID  SIZE  MODIFIED\\nllama3:8b  abc  4.7 GB  3 weeks ago\\n'");
   EXPECT_EQ(program.run({"ollama"}).out, "  4.7 GB  llama3:8b  3 weeks ago\n");
   EXPECT_EQ(asJson({"ollama"})["models"][0]["size"], 4'700'000'000);
-  std::ofstream(tool) << "#!/bin/sh\necho 'Error: could not connect to ollama app' >&2; exit 1\n";
+  support::writeProgram(tool, "echo 'Error: could not connect to ollama app' >&2; exit 1");
   EXPECT_EQ(program.run({"ollama"}).out, "Open Ollama to see your models.\n");
-  std::ofstream(tool) << "#!/bin/sh\necho 'broken\a' >&2; exit 1\n";
+  support::writeProgram(tool, "echo 'broken\a' >&2; exit 1");
   EXPECT_EQ(program.run({"ollama"}).out, "Couldn't read Ollama's models: broken\ufffd\n");
 }
 

@@ -8,35 +8,35 @@
 
 namespace spacemint::support {
 
-/// A file manager that keeps what it is asked to show.
-class FakeFileManager : public QObject {
+/// A program on the bus that keeps what it is asked to open.
+class FakeOpenerService : public QObject {
   Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
  public:
-  explicit FakeFileManager(QDBusConnection bus) {
-    bus.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), this,
-                       QDBusConnection::ExportAllSlots);
-    bus.registerService(QStringLiteral("org.freedesktop.FileManager1"));
-  }
-
-  QStringList shown;
-
- public Q_SLOTS:
-  void ShowItems(const QStringList& urls, const QString& /*startupId*/) { shown << urls; }
-};
-
-/// A desktop portal that keeps what it is asked to open.
-class FakePortal : public QObject {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.OpenURI")
- public:
-  explicit FakePortal(QDBusConnection bus) {
-    bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this,
-                       QDBusConnection::ExportAllSlots);
-    bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
+  FakeOpenerService(QDBusConnection bus, const char* path, const char* name) {
+    bus.registerObject(QString::fromLatin1(path), this, QDBusConnection::ExportAllSlots);
+    bus.registerService(QString::fromLatin1(name));
   }
 
   QStringList opened;
+};
+
+class FakeFileManager : public FakeOpenerService {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+ public:
+  explicit FakeFileManager(const QDBusConnection& bus)
+      : FakeOpenerService(bus, "/org/freedesktop/FileManager1", "org.freedesktop.FileManager1") {}
+
+ public Q_SLOTS:
+  void ShowItems(const QStringList& urls, const QString& /*startupId*/) { opened << urls; }
+};
+
+class FakePortal : public FakeOpenerService {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.OpenURI")
+ public:
+  explicit FakePortal(const QDBusConnection& bus)
+      : FakeOpenerService(bus, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Desktop") {}
 
  public Q_SLOTS:
   QDBusObjectPath OpenURI(const QString& /*window*/, const QString& url, const QVariantMap& /*options*/) {

@@ -1,12 +1,9 @@
 #include "support/ModelFixture.h"
 
+#include "support/Files.h"
 #include "support/TreeBuilder.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <filesystem>
-#include <fstream>
 
 namespace spacemint::support {
 
@@ -42,19 +39,11 @@ AppModel& ModelFixture::startModel() {
 }
 
 void ModelFixture::addFile(std::string_view name, Bytes size) const {
-  const fs::path path = inHome(name);
-  fs::create_directories(path.parent_path());
-  const int handle = open(path.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0644);
-  ASSERT_GE(handle, 0) << path;
-  EXPECT_EQ(posix_fallocate(handle, 0, size), 0) << path;
-  close(handle);
+  EXPECT_TRUE(allocateFile(inHome(name), size)) << name;
 }
 
 void ModelFixture::addProgram(std::string_view name, std::string_view script) const {
-  const fs::path path = fs::path{folder / "bin"} / name;
-  fs::create_directories(path.parent_path());
-  std::ofstream{path} << "#!/bin/sh\n" << script << '\n';
-  fs::permissions(path, fs::perms::owner_all);
+  writeProgram(folder / ("bin/" + std::string{name}), std::string{script});
 }
 
 bool ModelFixture::exists(std::string_view name) const {

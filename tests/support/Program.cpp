@@ -1,25 +1,19 @@
 #include "support/Program.h"
 
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 
 #include <fcntl.h>
 #include <pty.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <utility>
 
 namespace spacemint::support {
 
 namespace {
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>{file}, {}};
-}
 
 void redirect(int descriptor, const std::string& path) {
   dup2(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor);
@@ -38,6 +32,11 @@ Program::Program(std::string executable)
 
 Program::~Program() {
   close(handle_);
+}
+
+std::string Program::addFile(const std::string& name, std::size_t bytes) const {
+  const std::string path = home_ / name;
+  return writeText(path, readText(path) + std::string(bytes, 'x'));
 }
 
 void Program::become(const std::vector<std::string>& arguments) const {
@@ -72,7 +71,7 @@ Outcome Program::start(const std::vector<std::string>& arguments, bool asNobody,
     become(arguments);
   }
   const int exitCode = exitCodeOf(child);
-  return {exitCode, contentsOf(said / "out"), contentsOf(said / "err")};
+  return {exitCode, readText(said / "out"), readText(said / "err")};
 }
 
 Program::Running Program::begin(const std::vector<std::string>& arguments) const {
@@ -131,7 +130,7 @@ Outcome Program::runOnTerminal(const std::vector<std::string>& arguments, const 
   }
   close(terminal);
   outcome.exitCode = exitCodeOf(child);
-  outcome.out = contentsOf(said / "out");
+  outcome.out = readText(said / "out");
   return outcome;
 }
 

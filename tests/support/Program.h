@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/history/SnapshotStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <sys/types.h>
@@ -25,6 +26,10 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   const TemporaryFolder& home() const { return home_; }
+  /// Writes to the end of a file of the home folder; its path.
+  std::string addFile(const std::string& name, std::size_t bytes) const;
+  /// The scans that it keeps.
+  SnapshotStore scans() const { return {.directory = home_ / ".local/share/Spacemint/Snapshots"}; }
 
   Outcome run(const std::vector<std::string>& arguments) const { return start(arguments, false, false); }
   /// As a user whom permissions bind.

@@ -1,7 +1,7 @@
 #include "Spacemint/desktop/linux/CoarseScheduler.h"
 
 #include "Spacemint/desktop/linux/BatteryLevel.h"
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 
 #include <QPointer>
 #include <QSocketNotifier>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Spacemint/desktop/Tasks.h"
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 
 #include <deque>
 #include <mutex>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/base/Error.h"
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 #include "core/host/linux/HandleFacts.h"
 
 #include <expected>

@@ -1,6 +1,6 @@
 #include "core/host/AtomicFile.h"
 
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "core/host/ChildExit.h"
 
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 
 #include <poll.h>
 #include <sys/syscall.h>

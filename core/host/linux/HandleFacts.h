@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/host/FileHandle.h"
 #include "core/host/Removal.h"
-#include "core/host/linux/FileHandle.h"
 
 #include <sys/stat.h>
 

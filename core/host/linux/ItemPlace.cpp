@@ -1,5 +1,6 @@
 #include "core/host/linux/ItemPlace.h"
 
+#include "core/base/AsciiText.h"
 #include "core/host/linux/HandleFacts.h"
 
 #include <fcntl.h>
@@ -17,11 +18,8 @@ constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 std::vector<std::string> namesOf(std::string_view path) {
   std::vector<std::string> names;
-  while (!path.empty()) {
-    const std::size_t end = std::min(path.find('/'), path.size());
-    const std::string_view name = path.substr(0, end);
-    if (!name.empty() && name != ".") names.emplace_back(name);
-    path.remove_prefix(std::min(end + 1, path.size()));
+  for (const std::string_view name : pieces(path, '/')) {
+    if (name != ".") names.emplace_back(name);
   }
   return names;
 }

@@ -1,5 +1,7 @@
 #include "core/host/linux/MountTable.h"
 
+#include "core/base/AsciiText.h"
+
 #include <sys/sysmacros.h>
 
 #include <algorithm>
@@ -70,10 +72,8 @@ std::optional<Mount> parseLine(std::string_view line) {
 
 std::vector<Mount> parseMountTable(std::string_view text) {
   std::vector<Mount> mounts;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    if (auto mount = parseLine(text.substr(0, end))) mounts.push_back(std::move(*mount));
-    text.remove_prefix(std::min(end + 1, text.size()));
+  for (const std::string_view line : lines(text)) {
+    if (auto mount = parseLine(line)) mounts.push_back(std::move(*mount));
   }
   return mounts;
 }
@@ -97,12 +97,10 @@ MountTree mountsBelow(std::string_view root, const std::vector<Mount>& mounts) {
     if (!rest.starts_with(prefix) || rest.size() == prefix.size()) continue;
     rest.remove_prefix(prefix.size());
     MountTree* at = &tree;
-    while (!rest.empty()) {
-      const std::size_t slash = std::min(rest.find('/'), rest.size());
-      auto& next = at->below[std::string{rest.substr(0, slash)}];
+    for (const std::string_view name : pieces(rest, '/')) {
+      auto& next = at->below[std::string{name}];
       if (!next) next = std::make_unique<MountTree>();
       at = next.get();
-      rest.remove_prefix(std::min(slash + 1, rest.size()));
     }
     at->isMountPoint = true;
   }

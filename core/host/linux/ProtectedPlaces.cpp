@@ -1,7 +1,7 @@
 #include "core/host/ProtectedPlaces.h"
 
+#include "core/host/FileHandle.h"
 #include "core/host/UserFolders.h"
-#include "core/host/linux/FileHandle.h"
 
 #include <fcntl.h>
 

@@ -36,7 +36,9 @@ std::string homeOfPasswordDatabase() {
   return trimmed(found->pw_dir);
 }
 
-std::string underHome(std::string_view relative) {
+// Where nothing says otherwise it is in the home folder.
+std::string folderOf(const char* variable, std::string_view relative) {
+  if (auto folder = folderVariable(variable)) return *folder;
   std::string path = UserFolders::home();
   if (!path.ends_with('/')) path += '/';
   path += relative;
@@ -56,23 +58,19 @@ std::string UserFolders::home() {
 }
 
 std::string UserFolders::data() {
-  const auto folder = folderVariable("XDG_DATA_HOME");
-  return folder ? *folder : underHome(".local/share");
+  return folderOf("XDG_DATA_HOME", ".local/share");
 }
 
 std::string UserFolders::config() {
-  const auto folder = folderVariable("XDG_CONFIG_HOME");
-  return folder ? *folder : underHome(".config");
+  return folderOf("XDG_CONFIG_HOME", ".config");
 }
 
 std::string UserFolders::state() {
-  const auto folder = folderVariable("XDG_STATE_HOME");
-  return folder ? *folder : underHome(".local/state");
+  return folderOf("XDG_STATE_HOME", ".local/state");
 }
 
 std::string UserFolders::cache() {
-  const auto folder = folderVariable("XDG_CACHE_HOME");
-  return folder ? *folder : underHome(".cache");
+  return folderOf("XDG_CACHE_HOME", ".cache");
 }
 
 std::string UserFolders::runtime() {

@@ -1,12 +1,12 @@
 #include "core/history/Migration.h"
 
+#include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
 
 namespace spacemint {
 namespace {
@@ -18,8 +18,8 @@ class MigrationTest : public testing::Test {
  protected:
   // The settings files are written as text, null for none.
   Result migrate(const char* former, const char* present) {
-    if (former != nullptr) std::ofstream{folder / "former.json"} << former;
-    if (present != nullptr) std::ofstream{folder / "present.json"} << present;
+    if (former != nullptr) support::writeText(folder / "former.json", former);
+    if (present != nullptr) support::writeText(folder / "present.json", present);
     return launch();
   }
   Result launch() {
@@ -33,8 +33,7 @@ class MigrationTest : public testing::Test {
                                     .fileManager = files});
   }
   std::string settingsNow() const {
-    std::ifstream file{folder / "present.json"};
-    std::string text{std::istreambuf_iterator<char>{file}, {}};
+    std::string text = support::readText(folder / "present.json");
     std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
     return text;
   }
@@ -83,8 +82,7 @@ TEST_F(MigrationTest, settingsThatCannotBeStoredAreReportedAndTriedAgain) {
 }
 
 TEST_F(MigrationTest, movesTheHistoryOnce) {
-  fs::create_directories(folder / "data/Loftmere/Snapshots");
-  std::ofstream{folder / "data/Loftmere/Snapshots/1700000000.json"} << "as it is";
+  support::writeText(folder / "data/Loftmere/Snapshots/1700000000.json", "as it is");
   EXPECT_EQ(launch(), (Result{.movedHistory = true}));
   EXPECT_TRUE(fs::exists(folder / "data/Spacemint/Snapshots/1700000000.json"));
   EXPECT_FALSE(fs::exists(folder / "data/Loftmere"));

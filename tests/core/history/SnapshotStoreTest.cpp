@@ -2,6 +2,7 @@
 
 #include "core/history/SnapshotCodec.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "support/TemporaryFolder.h"
 #include "support/TreeBuilder.h"
 
@@ -14,7 +15,6 @@
 #include <array>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <random>
 
 namespace spacemint {
@@ -39,8 +39,7 @@ Snapshot scanOf(Date date, std::int64_t number) {
 class SnapshotStoreTest : public testing::Test {
  protected:
   void make(std::string_view name, std::string_view text = "{}") const {
-    fs::create_directories(store.directory);
-    std::ofstream{fs::path{store.directory} / name} << text;
+    support::writeText(store.directory + "/" + std::string{name}, std::string{text});
   }
   void makeAll(const Dates& dates) const {
     for (const Date date : dates)
@@ -197,22 +196,6 @@ TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
   }
 }
 
-TEST_F(SnapshotStoreTest, holdsAFortnightWhenEveryDayOfTwentyIsScannedThrice) {
-  const Date first = sys_days{2023y / 10 / 20};
-  for (int day = 0; day < 20; ++day) {
-    for (const auto hour : {8h, 12h, 20h}) {
-      const Date now = first + std::chrono::days{day} + hour;
-      makeAll({now});
-      store.prune({.now = now, .timeZone = "Europe/Berlin"});
-    }
-  }
-  Dates expected{first + std::chrono::days{19} + 20h, first + std::chrono::days{19} + 12h};
-  for (int day = 18; day >= 6; --day) expected.push_back(first + std::chrono::days{day} + 20h);
-  // Summer time ended in between: at 20:00 the limit is 19:00 of the day that is two weeks back.
-  expected.push_back(first + std::chrono::days{5} + 20h);
-  EXPECT_EQ(listed(), expected);
-}
-
 TEST_F(SnapshotStoreTest, prunesOnPastWhatCannotBeDeleted) {
   makeAll({someDay, someDay - 1s, someDay - 3s});
   fs::create_directory(folder / "new/history/1699999998.json");
@@ -275,16 +258,6 @@ TEST_P(SnapshotStoreKilledTest, losesNothingThatWasSaved) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OverTheSameFileAndBesideIt, SnapshotStoreKilledTest, testing::Values(0s, 1s));
-
-TEST_F(SnapshotStoreTest, aFullDiskLeavesTheOldScan) {
-  ASSERT_TRUE(store.save(scanOf(someDay, 1)));
-  EXPECT_TRUE(support::succeedsInChild([&] {
-    support::limitFileSize(10'000, SIG_IGN);
-    return store.save(scanOf(someDay, 2)).error().isSystem(EFBIG);
-  }));
-  EXPECT_EQ(newest(), 1);
-  EXPECT_EQ(otherFiles(), 0U);
-}
 
 TEST_F(SnapshotStoreTest, twoProcessesMaySaveTheSameScanWhileAThirdReads) {
   ASSERT_TRUE(store.save(scanOf(someDay, 0)));

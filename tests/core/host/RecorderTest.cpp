@@ -117,26 +117,30 @@ TEST_P(RecorderTest, answersOnlyForItsOwnIds) {
             JournalAbsence::timedOut);
 }
 
-// A folder is filled and exchanged with another before the recorder looks, so its path leads to the other.
+// A folder is filled and exchanged with another before the recorder looks, so its path leads to the other. It
+// may look once more before it comes to where it is held, and then even one that does not make sure is right.
 TEST_P(RecorderTest, makesSureOfTheFolderThatAPathLeadsTo) {
   for (const bool verifies : {true, false}) {
-    fs::create_directories(root + "/x");
-    RecorderRules rules{.verifiesFolders = verifies};
-    start({.rules = rules});
-    fs::create_directories(root + "/p/y");
-    fs::rename(root + "/x", root + "/p/x");
-    ASSERT_TRUE(ask());
-    {
-      const std::lock_guard held(hold);
-      fs::create_directory(root + "/p/x/f");
-      renameat2(AT_FDCWD, (root + "/p/x").c_str(), AT_FDCWD, (root + "/p/y").c_str(), RENAME_EXCHANGE);
+    bool wasRight = true;
+    for (int attempt = 0; attempt < 20 && wasRight; ++attempt) {
+      fs::create_directories(root + "/x");
+      start({.rules = {.verifiesFolders = verifies}});
+      fs::create_directories(root + "/p/y");
+      fs::rename(root + "/x", root + "/p/x");
+      ASSERT_TRUE(ask());
+      {
+        const std::lock_guard held(hold);
+        fs::create_directory(root + "/p/x/f");
+        renameat2(AT_FDCWD, (root + "/p/x").c_str(), AT_FDCWD, (root + "/p/y").c_str(), RENAME_EXCHANGE);
+      }
+      ASSERT_TRUE(ask());
+      since = recorder->currentEventID(root);
+      write(root + "/p/y/f/late");
+      wasRight = directories() == std::vector{root + "/p/y/f"};
+      recorder.reset();
+      fs::remove_all(root + "/p");
     }
-    ASSERT_TRUE(ask());
-    since = recorder->currentEventID(root);
-    write(root + "/p/y/f/late");
-    EXPECT_EQ(directories() == std::vector{root + "/p/y/f"}, verifies);
-    recorder.reset();
-    fs::remove_all(root + "/p");
+    EXPECT_EQ(wasRight, verifies);
   }
 }
 
@@ -233,17 +237,6 @@ TEST_P(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
     };
     EXPECT_TRUE(support::succeedsInChild(work)) << notices;
   }
-}
-
-TEST_P(RecorderTest, hasFoldersThatItCannotWatchInEveryAnswer) {
-  for (const char* name : {"/a/b", "/c/d", "/e/f"}) fs::create_directories(root + name);
-  start({.watchLimit = 3});
-  const auto status = recorder->status();
-  EXPECT_EQ(status.watches, 3U);
-  EXPECT_NE(status.limitAdvice.find("sysctl fs.inotify.max_user_watches="), std::string::npos);
-  EXPECT_FALSE(trees().empty());
-  since = recorder->currentEventID(root);
-  EXPECT_FALSE(trees().empty());
 }
 
 TEST_P(RecorderTest, livesWithTheLimitsOfTheSystem) {

@@ -4,6 +4,7 @@
 
 #include "core/host/linux/FolderEraser.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
@@ -16,8 +17,6 @@
 #include <sys/stat.h>
 
 #include <atomic>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 namespace spacemint {
@@ -26,18 +25,12 @@ namespace {
 namespace fs = std::filesystem;
 using support::canMount;
 using support::enterOwnMounts;
+using support::openHandles;
+using support::readText;
 using support::TemporaryFolder;
+using support::writeText;
 
 constexpr int rounds = 10'000;
-
-void write(const std::string& path, const std::string& text = "text") {
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string read(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>{file}, {}};
-}
 
 struct stat statusOf(const std::string& path) {
   struct stat status {};
@@ -73,13 +66,29 @@ class RemovalTest : public testing::Test {
  protected:
   RemovalTest() {
     fs::create_directories(outside / "inner");
-    write(outside / "treasure");
-    write(outside / "inner/treasure");
+    writeText(outside / "treasure");
+    writeText(outside / "inner/treasure");
     fs::create_directory(item);
   }
 
   bool outsideIsWhole() const {
-    return read(outside / "treasure") == "text" && read(outside / "inner/treasure") == "text";
+    return readText(outside / "treasure") == "text" && readText(outside / "inner/treasure") == "text";
+  }
+
+  // Removes the item, and meddles as soon as the first of many files in one of its folders is gone.
+  int removeWhile(const FileHandle& folder, const std::function<void()>& meddle) const {
+    fill(folder, "file", 5'000);
+    const int events = inotify_init1(IN_CLOEXEC);
+    const std::string path = "/proc/self/fd/" + std::to_string(folder.get());
+    EXPECT_GE(inotify_add_watch(events, path.c_str(), IN_DELETE), 0);
+    std::thread meddler([&] {
+      char event[4'096];
+      if (::read(events, event, sizeof event) > 0) meddle();
+    });
+    const int failure = remove({.path = item});
+    meddler.join();
+    close(events);
+    return failure;
   }
 
   TemporaryFolder outside;
@@ -91,9 +100,9 @@ TEST_F(RemovalTest, takesEverythingThatCanBeInAFolder) {
   fs::create_directories(item + "/folder/folder/empty");
   fs::create_directory(item + "/locked");
   fs::permissions(item + "/locked", fs::perms::none);
-  write(item + "/folder/read only");
+  writeText(item + "/folder/read only");
   fs::permissions(item + "/folder/read only", fs::perms::owner_read);
-  write(item + "/line\nbreak \xff\xfe");
+  writeText(item + "/line\nbreak \xff\xfe");
   fs::create_directory(item + "/\xff\n");
   ASSERT_EQ(mkfifo((item + "/pipe").c_str(), 0600), 0);
   fs::create_directory_symlink(outside.path(), item + "/link to a folder");
@@ -105,7 +114,7 @@ TEST_F(RemovalTest, takesEverythingThatCanBeInAFolder) {
 }
 
 TEST_F(RemovalTest, takesASingleFileOfAnyKind) {
-  write(home / "file");
+  writeText(home / "file");
   ASSERT_EQ(mkfifo((home / "pipe").c_str(), 0600), 0);
   EXPECT_EQ(remove({.path = home / "file"}), 0);
   EXPECT_EQ(remove({.path = home / "pipe"}), 0);
@@ -161,7 +170,7 @@ TEST_F(RemovalTest, comesBackToWhatIsLeftOfFoldersItHadToClose) {
   std::string path = item;
   for (std::size_t depth = 0; depth < FolderEraser::handleLimit * 3; ++depth) {
     for (const char* sibling : {"/a", "/m", "/z"}) fs::create_directories(path + sibling + "/below");
-    write(path + "/file");
+    writeText(path + "/file");
     path += "/m";
   }
   EXPECT_EQ(remove({.path = item}), 0);
@@ -214,7 +223,7 @@ TEST_F(RemovalTest, leavesAnotherItemThanTheConfirmedOneAlone) {
   fs::rename(item, home / "moved away");
   EXPECT_EQ(remove({.path = item, .identity = *confirmed}), ENOENT);
   const std::vector<std::function<void()>> replacements{
-      [&] { write(item); }, [&] { fs::create_directory_symlink(outside.path(), item); },
+      [&] { writeText(item); }, [&] { fs::create_directory_symlink(outside.path(), item); },
       [&] { fs::create_directories(item + "/x"); }};
   for (const auto& replace : replacements) {
     fs::remove_all(item);
@@ -273,30 +282,29 @@ TEST_F(RemovalTest, neverFollowsALinkThatAppearsOnTheWay) {
 }
 
 TEST_F(RemovalTest, doesNotGoUpIntoAnotherFolderThanItCameFrom) {
-  // Deep enough for the handles above to be closed, with a folder at its end that takes a while.
-  bool movedInTime = false;
-  for (int attempt = 0; attempt < 20 && !movedInTime; ++attempt) {
+  int failure = 0;
+  for (int attempt = 0; attempt < 20 && failure == 0; ++attempt) {
     fs::create_directories(item + "/a/b");
+    // Deep enough for the handles above to be closed.
     const FileHandle deepest = makeChain(item + "/a/b", "c", static_cast<int>(FolderEraser::handleLimit) + 8);
-    fill(deepest, "file", 5'000);
-    const int events = inotify_init1(IN_CLOEXEC);
-    ASSERT_GE(
-        inotify_add_watch(events, ("/proc/self/fd/" + std::to_string(deepest.get())).c_str(), IN_DELETE), 0);
-    std::thread mover([&] {
-      char event[4'096];
-      if (::read(events, event, sizeof event) > 0) {
-        rename((item + "/a/b/c").c_str(), (outside / "c").c_str());
-      }
-    });
-    const int failure = remove({.path = item});
-    mover.join();
-    close(events);
-    movedInTime = failure == ESTALE;
-    EXPECT_TRUE(movedInTime || failure == 0) << failure;
+    failure = removeWhile(deepest, [&] { rename((item + "/a/b/c").c_str(), (outside / "c").c_str()); });
     EXPECT_TRUE(outsideIsWhole());
     fs::remove_all(outside / "c");
   }
-  EXPECT_TRUE(movedInTime);
+  EXPECT_EQ(failure, ESTALE);
+}
+
+TEST_F(RemovalTest, leavesAFolderAloneThatTookTheItemsPlaceMeanwhile) {
+  int failure = 0;
+  for (int attempt = 0; attempt < 20 && failure == 0; ++attempt) {
+    fs::create_directory(item);
+    failure = removeWhile(FileHandle{open(item.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, [&] {
+      if (rename(item.c_str(), (outside / "moved").c_str()) == 0) fs::create_directory(item);
+    });
+    fs::remove_all(outside / "moved");
+  }
+  EXPECT_EQ(failure, ESTALE);
+  EXPECT_TRUE(fs::exists(item));
 }
 
 TEST_F(RemovalTest, takesWhatVanishesMeanwhileAsRemoved) {
@@ -304,7 +312,7 @@ TEST_F(RemovalTest, takesWhatVanishesMeanwhileAsRemoved) {
     for (int i = 0; i < 200; ++i) {
       const std::string folder = item + "/folder/" + std::to_string(i);
       fs::create_directories(folder + "/below");
-      write(folder + "/file");
+      writeText(folder + "/file");
     }
     const auto first = hostRemoval()->open({.path = item});
     const auto second = hostRemoval()->open({.path = item});
@@ -320,7 +328,7 @@ TEST_F(RemovalTest, takesWhatVanishesMeanwhileAsRemoved) {
 
 TEST_F(RemovalTest, emptiesTheOpenedFolderWhereverItsPathLeads) {
   fs::create_directories(item + "/folder/below");
-  for (const char* name : {"/inner", "/treasure", "/vanishing"}) write(item + name);
+  for (const char* name : {"/inner", "/treasure", "/vanishing"}) writeText(item + name);
   const auto opened = hostRemoval()->open({.path = item});
   ASSERT_TRUE(opened);
   fs::rename(item, home / "elsewhere");
@@ -352,7 +360,7 @@ TEST_F(RemovalTest, changesNoModeToGetThrough) {
     const std::string mine = home / "mine";
     if (!support::becomeNobody()) return false;
     fs::create_directories(mine + "/full");
-    write(mine + "/full/file");
+    writeText(mine + "/full/file");
     for (const auto mode : {fs::perms::owner_read | fs::perms::owner_exec, fs::perms::none}) {
       fs::permissions(mine + "/full", mode);
       if (remove({.path = mine}) != EACCES || fs::status(mine + "/full").permissions() != mode) return false;
@@ -370,7 +378,7 @@ TEST_F(RemovalTest, changesNoModeToGetThrough) {
 }
 
 TEST_F(RemovalTest, stopsAtAnImmutableFile) {
-  write(item + "/fixed");
+  writeText(item + "/fixed");
   const FileHandle fixed{open((item + "/fixed").c_str(), O_RDONLY | O_CLOEXEC)};
   int flags = FS_IMMUTABLE_FL;
   if (ioctl(fixed.get(), FS_IOC_SETFLAGS, &flags) != 0) GTEST_SKIP() << "no immutable files to be had here";
@@ -378,7 +386,7 @@ TEST_F(RemovalTest, stopsAtAnImmutableFile) {
   EXPECT_EQ(remove({.path = item + "/fixed"}), EPERM);
   flags = 0;
   ioctl(fixed.get(), FS_IOC_SETFLAGS, &flags);
-  EXPECT_EQ(read(item + "/fixed"), "text");
+  EXPECT_EQ(readText(item + "/fixed"), "text");
 }
 
 // What `mountIn` mounts below the item must stop a removal before it begins, and the eraser when it gets
@@ -412,7 +420,7 @@ TEST_F(RemovalTest, neverEntersWhatIsMountedInTheItem) {
   const auto mountVolume = [&] { return mount("none", place.c_str(), "tmpfs", 0, "size=1m") == 0; };
   EXPECT_TRUE(stopsAtMount(item, mountVolume, EXDEV));
   fs::remove(place);
-  write(place);
+  writeText(place);
   EXPECT_TRUE(stopsAtMount(
       item, [&] { return bind(outside / "treasure", place); }, EBUSY));
   EXPECT_TRUE(outsideIsWhole());
@@ -423,9 +431,6 @@ TEST_F(RemovalTest, neverEntersWhatIsMountedInTheItem) {
 }
 
 TEST_F(RemovalTest, leavesNoHandleOpen) {
-  const auto openHandles = [] {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{});
-  };
   const auto before = openHandles();
   makeChain(item, "d", 100);
   EXPECT_EQ(remove({.path = item}), 0);

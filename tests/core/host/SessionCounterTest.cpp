@@ -2,12 +2,11 @@
 
 #include "core/host/linux/journal/EventClock.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace spacemint {
@@ -23,11 +22,8 @@ class SessionCounterTest : public testing::Test {
     EXPECT_TRUE(first) << first.error().message;
     return first.value_or(0);
   }
-  void write(const std::string& text) const { std::ofstream(file) << text; }
-  std::string contents() const {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>{stream}, {}};
-  }
+  void write(const std::string& text) const { support::writeText(file, text); }
+  std::string contents() const { return support::readText(file); }
 
   TemporaryFolder folder;
   std::string file = folder / "state/journal-session";

@@ -138,11 +138,18 @@ TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
             "nothing recorded changes at the last scan");
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{150h} - 72h; }),
             "the last full scan is three days old");
+  Snapshot justYoungEnough = homeOfAnn();
+  justYoungEnough.fullScanDate = Date{150h} - 72h + 1us;
+  EXPECT_TRUE(plan(justYoungEnough).reuse);
+  journal.order.clear();
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{151h}; }),
             "the last full scan has a date to come");  // the clock was set back
-  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.format = 2; }), "the last scan is no basis for another");
-  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.fileCount = 0; }),
-            "the last scan is no basis for another");
+  for (const auto unfit :
+       {+[](Snapshot& scan) { scan.format = 2; }, +[](Snapshot& scan) { scan.format.reset(); },
+        +[](Snapshot& scan) { scan.fullScanDate.reset(); },
+        +[](Snapshot& scan) { scan.root.fileCount = 0; }}) {
+    EXPECT_EQ(whyFull(unfit), "the last scan is no basis for another");
+  }
   EXPECT_EQ(journal.order.find("changes"), std::string::npos);
 
   journal.answer = std::unexpected(JournalAbsence::unmounted);

@@ -3,6 +3,7 @@
 #include "core/scan/DiskScanner.h"
 #include "core/scan/ReadAheadListing.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
@@ -13,7 +14,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <random>
 
@@ -23,6 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 using support::canMount;
 using support::enterOwnMounts;
+using support::openHandles;
 using support::TemporaryFolder;
 
 // Every path of a tree with its size and, for folders, the files below it.
@@ -87,12 +88,7 @@ DiskScanner::Result scan(const std::string& root) {
 }
 
 void write(const std::string& path, std::size_t bytes) {
-  std::ofstream(path) << std::string(bytes, 'x');
-}
-
-std::size_t openHandles() {
-  return static_cast<std::size_t>(
-      std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator{}));
+  support::writeText(path, std::string(bytes, 'x'));
 }
 
 TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
@@ -112,7 +108,6 @@ TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
   ASSERT_EQ(mknod((folder / "socket").c_str(), S_IFSOCK | 0600, 0), 0);
   for (const char* name :
        {"new\nline", "quo\"te'", "invalid\xff\xfe", "caf\u00e9", "cafe\u0301", " ", "...", ".hidden"}) {
-    fs::create_directory(folder / name);
     write((folder / name) + "/" + name, 10'000);
   }
   fs::create_directories(folder / "empty/er");
@@ -125,7 +120,6 @@ TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
 TEST(RealFolders, withGitFilesAreWorktrees) {
   const TemporaryFolder folder;
   fs::create_directories(folder / "repository/.git");
-  fs::create_directory(folder / "worktree");
   write(folder / "worktree/.git", 10);
   fs::create_directory(folder / "linked");
   fs::create_symlink("../repository/.git", folder / "linked/.git");
@@ -186,7 +180,6 @@ TEST(RealFolders, areTheSameReadAheadWhateverTheirShape) {
 
 TEST(RealFolders, mayBeNamedByALinkOrWithASlashBehind) {
   const TemporaryFolder folder;
-  fs::create_directory(folder / "real");
   write(folder / "real/f", 5'000);
   fs::create_directory_symlink("real", folder / "link");
   for (const std::string& root : {folder / "link", folder / "real/", folder / "link/"}) {
@@ -212,7 +205,6 @@ TEST(RealFolders, countAsUnreadWhereAnOrdinaryUserMayNotLook) {
     if (!support::becomeNobody()) return false;
     fs::create_directories(folder / "locked/inside");
     write(folder / "locked/f", 50'000);
-    fs::create_directory(folder / "listed");
     write(folder / "listed/f", 50'000);
     fs::permissions(folder / "locked", fs::perms::none);
     fs::permissions(folder / "listed", fs::perms::owner_read);  // names, but no facts
@@ -254,7 +246,6 @@ TEST(RealFolders, endWhereSomethingElseIsMounted) {
 TEST(RealFolders, mayBeTheRootOfTheFileSystem) {
   if (!canMount()) GTEST_SKIP() << "no namespace to be had here";
   const TemporaryFolder folder;
-  fs::create_directory(folder / "home");
   write(folder / "home/f", 5'000);
   EXPECT_TRUE(support::succeedsInChild([&] {
     if (!enterOwnMounts() || chroot(folder.path().c_str()) != 0 || chdir("/") != 0) return false;
@@ -310,7 +301,6 @@ TEST(RealFolders, thatVanishOrTurnIntoSomethingElseAreLeftOut) {
   const TemporaryFolder folder;
   write(outside / "treasure", 90'000);
   for (const char* name : {"vanishing", "linked", "filed", "staying"}) {
-    fs::create_directory(folder / name);
     write((folder / name) + "/f", 10'000);
   }
   MeddlingListing listing{[&](const std::string& name) {
@@ -329,8 +319,7 @@ TEST(RealFolders, thatVanishOrTurnIntoSomethingElseAreLeftOut) {
 TEST(RealFolders, endAtAMountThatAppearsDuringTheScan) {
   if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
   const TemporaryFolder folder;
-  fs::create_directories(folder / "late");
-  fs::create_directories(folder / "bound");
+  for (const char* name : {"late", "bound"}) fs::create_directory(folder / name);
   write(folder / "file", 20'000);
   EXPECT_TRUE(support::succeedsInChild([&] {
     if (!enterOwnMounts()) return false;

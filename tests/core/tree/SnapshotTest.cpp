@@ -153,30 +153,5 @@ TEST(Snapshot, editsKeepTheSpellingThatIsOnTheDisk) {
   EXPECT_EQ(names(snapshot.root), Names{"caf\u00e9"});
 }
 
-TEST(Snapshot, seedsAnIncrementalScanOnlyWhenEverythingFits) {
-  using std::chrono::seconds;
-  const Date now{seconds{1'700'000'000}};
-  Snapshot good = home();
-  good.eventID = 7;
-  good.fullScanDate = now - seconds{259'200} + std::chrono::microseconds{1};
-  const SeedRequirements wanted{
-      .root = "/home/ann", .minNodeSize = 20 * mega, .now = now, .fullScanInterval = seconds{259'200}};
-  EXPECT_TRUE(good.canSeedIncrementalScan(wanted));
-
-  const auto seeds = [&](auto change) {
-    Snapshot snapshot = good;
-    change(snapshot);
-    return snapshot.canSeedIncrementalScan(wanted);
-  };
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.root.name = "/home"; }));
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.minNodeSize += 1; }));
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.eventID.reset(); }));
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.root.fileCount = 0; }));
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.format.reset(); }));
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.format = 2; }));
-  EXPECT_FALSE(seeds([](Snapshot& s) { s.fullScanDate.reset(); }));
-  EXPECT_FALSE(seeds([&](Snapshot& s) { s.fullScanDate = now - seconds{259'200}; }));
-}
-
 }  // namespace
 }  // namespace spacemint

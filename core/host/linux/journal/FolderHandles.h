@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 #include "core/host/linux/journal/IndexTable.h"
 
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "core/base/Error.h"
 #include "core/host/EventJournal.h"
-#include "core/host/linux/FileHandle.h"
+#include "core/host/FileHandle.h"
 
 #include <atomic>
 #include <chrono>

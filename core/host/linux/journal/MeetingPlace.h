@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/base/Error.h"
+#include "core/host/FileHandle.h"
 #include "core/host/FileLock.h"
-#include "core/host/linux/FileHandle.h"
 
 #include <expected>
 #include <string>

@@ -28,7 +28,10 @@ bool isStale(const Staleness& question);
 /// when that is not known.
 Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume);
 
-/// From 0 to 0.99, since what is expected may be wrong; absent when nothing is expected.
+/// What is expected may be wrong and be passed before the end.
+inline constexpr double highestFraction = 0.99;
+
+/// From 0 to the highest; absent when nothing is expected.
 std::optional<double> fraction(Bytes counted, Bytes expected);
 
 /// What is left of a scan that has run for `elapsed`; absent while that would be a guess.

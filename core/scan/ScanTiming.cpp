@@ -1,4 +1,4 @@
-#include "Spacemint/model/ScanTiming.h"
+#include "core/scan/ScanTiming.h"
 
 #include <algorithm>
 
@@ -6,7 +6,6 @@ namespace spacemint {
 
 namespace {
 
-constexpr double highestFraction = 0.99;
 constexpr double tellingFraction = 0.03;
 constexpr Seconds tellingTime{5};
 

@@ -6,7 +6,7 @@
 
 namespace spacemint {
 
-/// Owns an open file descriptor.
+/// Owns an open file descriptor: of a file, a folder, a pipe or a socket.
 class FileHandle {
  public:
   FileHandle() = default;

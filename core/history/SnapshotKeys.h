@@ -1,0 +1,139 @@
+// What the keys of a stored scan mean, for SnapshotCodec::decode: one table for each kind of object, and how
+// each value is taken.
+
+#pragma once
+
+#include "core/base/DateSeconds.h"
+#include "core/history/SnapshotCodec.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace spacemint::SnapshotKeys {
+
+// A number written with a fraction or an exponent, or a whole one too large for 64 bits.
+struct Real {
+  double value;
+  bool isWhole;
+};
+
+using Scalar = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, Real, const std::string*>;
+
+// What is wrong with a value; nothing where it was taken.
+using Complaint = std::string_view;
+inline constexpr Complaint fine{};
+inline constexpr Complaint outOfRange = "is out of range";
+inline constexpr Complaint notAnInteger = "is not an integer";
+inline constexpr Complaint notANumber = "is not a number";
+inline constexpr Complaint notABoolean = "is not a boolean";
+inline constexpr Complaint notAString = "is not a string";
+inline constexpr Complaint notAnObject = "is not an object";
+inline constexpr Complaint notAnArray = "is not an array";
+
+template <class Integer>
+Complaint takeInteger(const Scalar& value, Integer& target) {
+  const auto fitting = [&](auto number) {
+    if (!std::in_range<Integer>(number)) return outOfRange;
+    target = static_cast<Integer>(number);
+    return fine;
+  };
+  if (const auto* natural = std::get_if<std::uint64_t>(&value)) return fitting(*natural);
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return fitting(*integer);
+  const auto* real = std::get_if<Real>(&value);
+  return real != nullptr && real->isWhole ? outOfRange : notAnInteger;
+}
+
+inline std::optional<double> number(const Scalar& value) {
+  if (const auto* natural = std::get_if<std::uint64_t>(&value)) return static_cast<double>(*natural);
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return static_cast<double>(*integer);
+  if (const auto* real = std::get_if<Real>(&value)) return real->value;
+  return std::nullopt;
+}
+
+inline Complaint take(const Scalar& value, std::int64_t& target) {
+  return takeInteger(value, target);
+}
+inline Complaint take(const Scalar& value, std::uint64_t& target) {
+  return takeInteger(value, target);
+}
+
+inline Complaint take(const Scalar& value, bool& target) {
+  const auto* boolean = std::get_if<bool>(&value);
+  if (boolean == nullptr) return notABoolean;
+  target = *boolean;
+  return fine;
+}
+
+inline Complaint take(const Scalar& value, std::string& target) {
+  const auto* text = std::get_if<const std::string*>(&value);
+  if (text == nullptr) return notAString;
+  target = **text;  // a copy takes just the room it needs; the parser's own string is a growing buffer
+  return fine;
+}
+
+inline Complaint take(const Scalar& value, Seconds& target) {
+  const auto seconds = number(value);
+  if (!seconds) return notANumber;
+  target = Seconds{*seconds};
+  return fine;
+}
+
+inline Complaint take(const Scalar& value, Date& target) {
+  const auto seconds = number(value);
+  if (!seconds) return notANumber;
+  const auto date = dateAfter(SnapshotCodec::epoch, *seconds);
+  if (!date) return outOfRange;
+  target = *date;
+  return fine;
+}
+
+// A file can bear any time stamp, so what no Date can hold becomes the nearest one, as in a scan.
+inline Complaint takeModified(const Scalar& value, Date& target) {
+  const auto seconds = number(value);
+  if (!seconds) return notANumber;
+  constexpr double farthest = 1e13;
+  const auto nearest = static_cast<std::int64_t>(std::clamp(*seconds, -farthest, farthest));
+  target = dateAfter(std::chrono::seconds{0}, *seconds).value_or(dateFromUnixSeconds(nearest));
+  return fine;
+}
+
+// What an object may hold. `take` also says what a value of another kind is not: it refuses null.
+template <class Record>
+struct Key {
+  std::string_view name;
+  bool isRequired;
+  Complaint (*take)(Record&, const Scalar&);
+};
+
+inline constexpr Key<Snapshot> snapshotKeys[]{
+    {"date", true, [](Snapshot& s, const Scalar& v) { return take(v, s.date); }},
+    {"duration", true, [](Snapshot& s, const Scalar& v) { return take(v, s.duration); }},
+    {"root", true, [](Snapshot&, const Scalar&) { return notAnObject; }},
+    {"fileCount", true, [](Snapshot& s, const Scalar& v) { return take(v, s.fileCount); }},
+    {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeFree); }},
+    {"volumeTotal", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeTotal); }},
+    {"minNodeSize", true, [](Snapshot& s, const Scalar& v) { return take(v, s.minNodeSize); }},
+    {"eventID", false, [](Snapshot& s, const Scalar& v) { return take(v, s.eventID.emplace()); }},
+    {"fullScanDate", false, [](Snapshot& s, const Scalar& v) { return take(v, s.fullScanDate.emplace()); }},
+    {"format", false, [](Snapshot& s, const Scalar& v) { return take(v, s.format.emplace()); }},
+};
+inline constexpr std::size_t rootKey = 2;
+
+inline constexpr Key<Node> nodeKeys[]{
+    {"name", true, [](Node& n, const Scalar& v) { return take(v, n.name); }},
+    {"size", true, [](Node& n, const Scalar& v) { return take(v, n.size); }},
+    {"isDirectory", false, [](Node& n, const Scalar& v) { return take(v, n.isDirectory); }},
+    {"modified", false, [](Node& n, const Scalar& v) { return takeModified(v, n.modified.emplace()); }},
+    {"children", false, [](Node&, const Scalar&) { return notAnArray; }},
+    {"fileCount", false, [](Node& n, const Scalar& v) { return take(v, n.fileCount); }},
+    {"isWorktree", false, [](Node& n, const Scalar& v) { return take(v, n.isWorktree); }},
+};
+inline constexpr std::size_t childrenKey = 4;
+
+}  // namespace spacemint::SnapshotKeys
