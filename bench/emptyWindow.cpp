@@ -1,0 +1,25 @@
+// The least that a program with Qt Quick takes: a window with nothing in it, drawn by software. It says so when
+// the window was drawn, and waits to be ended.
+
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQuickView>
+
+#include <cstdio>
+
+int main(int argc, char** argv) {
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  const QGuiApplication application(argc, argv);
+  QQuickView view;
+  QQmlComponent component(view.engine());
+  component.setData("import QtQuick; Rectangle { width: 460; height: 700 }", {});
+  view.setContent({}, &component, component.create());
+  bool isTold = false;
+  QObject::connect(&view, &QQuickWindow::frameSwapped, &view, [&isTold] {
+    if (!isTold) std::puts("drawn");
+    std::fflush(stdout);
+    isTold = true;
+  });
+  view.show();
+  return QGuiApplication::exec();
+}
