@@ -84,7 +84,7 @@ Rectangle {
             if (item)
                 return;
             hasKeyboard = false;
-            (before ?? pages).forceActiveFocus(reason);
+            (before ?? pages)?.forceActiveFocus(reason); // neither is there when all of it ends
         }
     }
     Rectangle {

@@ -7,7 +7,7 @@ import Spacemint.UiKit
 import Spacemint.Views
 
 /// A kind of things to look through for space; it unfolds to where they lie.
-ColumnLayout {
+Item {
     id: root
 
     required property ItemRows rows
@@ -24,12 +24,16 @@ ColumnLayout {
     property bool expanded: false
 
     Layout.fillWidth: true
-    spacing: 0
+    // Sized by hand: a layout leaves out what has no height yet.
+    implicitWidth: header.implicitWidth
+    implicitHeight: header.height + unfolded.height
 
     T.AbstractButton {
         id: header
 
-        Layout.fillWidth: true
+        width: root.width
+        height: implicitHeight
+        implicitWidth: implicitContentWidth
         hoverEnabled: true
         implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
         Accessible.role: Accessible.Button
@@ -117,10 +121,13 @@ ColumnLayout {
     Item {
         id: unfolded
 
-        Layout.fillWidth: true
-        Layout.leftMargin: Theme.scaled(18)
+        anchors {
+            top: header.bottom
+            left: parent.left
+            right: parent.right
+            leftMargin: Theme.scaled(18)
+        }
         implicitHeight: root.expanded ? list.implicitHeight + 4 : 0
-        visible: implicitHeight > 0
         clip: true
 
         Behavior on implicitHeight {
@@ -135,7 +142,7 @@ ColumnLayout {
 
             width: parent.width
             view: "SuggestionParts.qml"
-            wanted: root.expanded || unfolded.visible
+            wanted: root.expanded || unfolded.height > 0
             properties: ({
                     suggestion: root
                 })
