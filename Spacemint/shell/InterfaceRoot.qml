@@ -31,16 +31,13 @@ FocusScope {
         enabled: !root.showingAbout
         notices: root.services.notices
     }
-    Loader {
+    AboutCard {
         anchors.fill: parent
-        active: root.showingAbout
-        onLoaded: item.forceActiveFocus()
-        onActiveChanged: if (!active) view.forceActiveFocus()
-        sourceComponent: AboutCard {
-            radius: view.radius
-            name: root.productName
-            version: root.productVersion
-            onClosed: root.showingAbout = false
-        }
+        visible: root.showingAbout
+        radius: view.radius
+        name: root.productName
+        version: root.productVersion
+        onVisibleChanged: (visible ? this : view).forceActiveFocus()
+        onClosed: root.showingAbout = false
     }
 }

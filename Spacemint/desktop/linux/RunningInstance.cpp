@@ -17,6 +17,7 @@ const QString interface = QStringLiteral("org.freedesktop.Application");
 RunningInstance::RunningInstance(const QDBusConnection& bus, Kind kind) : bus_(bus), kind_(kind) {}
 
 RunningInstance::~RunningInstance() {
+  if (!bus_.isConnected()) return;
   bus_.unregisterObject(path);
   bus_.unregisterService(name);
 }

@@ -225,6 +225,8 @@ class Application:
         wait_until(lambda: not self.has_item(), "that the status item goes")
 
     def click_item_of_status_area(self):
+        # A click within a quarter of a second after the panel went is the one that closed it.
+        time.sleep(0.3)
         self.click_at(*self.item_centre())
 
 

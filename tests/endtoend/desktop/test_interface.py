@@ -24,15 +24,16 @@ if os.geteuid() != 0:
 
 
 class FirstDay(OnADesktop):
-    disk_size = "2500m"
+    disk_size = "4g"
 
     def setUp(self):
         super().setUp()
         self.home = self.session.home
         self.trash = self.home / ".local/share/Trash"
         fill(self.home / "Videos/holiday.mp4", 90 * MB)
-        fill(self.home / "Downloads/old.zip", 60 * MB)
+        fill(self.home / "Downloads/old.zip", 1_200 * MB)
         fill(self.home / "Downloads/debian.iso", 40 * MB)
+        fill(self.home / ".local/share/games/world", 30 * MB)
         fill(self.home / ".cache/pip/http/wheel", 150 * MB)
         self.make_pip()
         self.make_worktree()
@@ -101,7 +102,7 @@ class FirstDay(OnADesktop):
         row = app.find_starting("old.zip")
         app.point_at(row)
         self.picture("files")
-        app.click("Move to Trash", "push button")
+        app.click("Move to Trash…", "push button")
         self.confirm_trash()
         wait_until(lambda: (self.trash / "files/old.zip").exists(), "the file in the Trash")
         self.assertIn("Path=", (self.trash / "info/old.zip.trashinfo").read_text())
@@ -117,6 +118,11 @@ class FirstDay(OnADesktop):
     def empties_the_trash(self):
         app = self.app
         app.click("Overview")
+        # What is in the Trash is looked at whenever the panel opens.
+        app.press("Escape")
+        app.wait_hidden()
+        app.click_item_of_status_area()
+        app.wait_shown()
         app.click("Empty Trash", "push button")
         wait_until(lambda: app.sees("Cancel", "push button"), "the question")
         self.assertTrue((self.trash / "files/old.zip").exists())

@@ -33,7 +33,8 @@ class Services(OnADesktop):
         wait_until(lambda: not app.sees("Spacemint 2 is here"), "that the message goes")
         app.click("Settings", "push button")
         app.click_item(app.scroll_to("Check now"))
-        app.wait_text("Version 2.0 is ready to install.")
+        app.find("Install", "push button")
+        app.scroll_to("Version 2.0 is ready to install.")
         self.picture("services-update")
         # Both answers are kept: nothing is asked or told twice.
         app.terminate()

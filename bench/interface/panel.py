@@ -10,7 +10,7 @@ import subprocess
 import sys
 import time
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests/endtoend/desktop"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "tests/endtoend/desktop"))
 from application import Application  # noqa: E402
 from session import Session, wait_until  # noqa: E402
 
