@@ -1,5 +1,5 @@
-// The least that a program with Qt Quick takes: a window with nothing in it, drawn by software. It says so when
-// the window was drawn, and waits to be ended.
+// The least that a program with Qt Quick takes: a window with nothing in it, drawn by software. It says so
+// when the window was drawn, and waits to be ended.
 
 #include <QGuiApplication>
 #include <QQmlComponent>

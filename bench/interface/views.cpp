@@ -70,7 +70,8 @@ double percentile(std::vector<double> times, double part) {
 
 void print(const std::string& name, double milliseconds, double limit) {
   std::cout << std::left << std::setw(52) << name << std::right << std::fixed << std::setprecision(1)
-            << std::setw(8) << milliseconds << " ms" << (milliseconds <= limit ? "" : "  TOO SLOW") << std::endl;
+            << std::setw(8) << milliseconds << " ms" << (milliseconds <= limit ? "" : "  TOO SLOW")
+            << std::endl;
 }
 
 /// The whole program but its windows, over a scan that was never made.

@@ -5,8 +5,8 @@
 
 namespace spacemint {
 
-/// A name or a path as a piece of a sentence. One in which letters run from right to left is set apart, so that
-/// the words and numbers around it keep their order; all others stay as they are.
+/// A name or a path as a piece of a sentence. One in which letters run from right to left is set apart, so
+/// that the words and numbers around it keep their order; all others stay as they are.
 
 /// The letters of a name decide for themselves where it begins.
 std::string isolatedName(std::string_view name);

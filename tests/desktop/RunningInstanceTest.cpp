@@ -1,6 +1,7 @@
 // Who is the one running application, on a real bus.
 
 #include "Spacemint/desktop/linux/RunningInstance.h"
+
 #include "support/PrivateBus.h"
 #include "support/Waiting.h"
 

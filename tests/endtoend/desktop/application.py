@@ -4,6 +4,7 @@ import json
 import os
 import signal
 import subprocess
+import tempfile
 import time
 
 from session import wait_until
@@ -232,4 +233,4 @@ class Application:
 
 def pictures_folder():
     """Where a run leaves its pictures of the screen."""
-    return os.environ.get("SPACEMINT_PICTURES", "pictures")
+    return os.environ.get("SPACEMINT_PICTURES") or tempfile.mkdtemp(prefix="spacemint-pictures-")
