@@ -159,7 +159,8 @@ class Application:
 
     def centre(self, item):
         box = item.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
-        return box.x + box.width // 2, box.y + box.height // 2
+        # The reader of windows counts as the program does, the pointer as the screen.
+        return (box.x + box.width // 2) * self.session.scale, (box.y + box.height // 2) * self.session.scale
 
     def resting_centre(self, item):
         """Once it moves no more."""
