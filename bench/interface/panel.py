@@ -17,7 +17,8 @@ from session import Session, wait_until  # noqa: E402
 SPACEMINT, EMPTY_WINDOW = sys.argv[1:3]
 SETTINGS = {"hasStarted": True, "warningThresholdGB": 1, "scope": "home"}
 # Each frame of Qt Quick with the time since the machine started.
-FRAMES = {"QSG_RENDER_TIMING": "1", "QT_MESSAGE_PATTERN": "%{time boot} %{message}"}
+FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop=true",
+          "QT_MESSAGE_PATTERN": "%{time boot} %{message}"}
 
 
 def now():
