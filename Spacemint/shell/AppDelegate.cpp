@@ -161,9 +161,11 @@ void AppDelegate::updateStatusItem() {
     const auto marked = badgeOf(facts);
     marked ? host_.desktop.badge.show(*marked) : host_.desktop.badge.clear();
   }
-  if (presence_ != AppPresence::menuBar) return;
+  const bool isDark = host_.desktop.appearance.isStatusAreaDark();
+  if (presence_ != AppPresence::menuBar || drawn_ == std::pair{facts, isDark}) return;
+  drawn_ = {facts, isDark};
   const StatusText text = statusText(facts);
-  const QColor colour = colourOf(facts.level, host_.desktop.appearance.isStatusAreaDark());
+  const QColor colour = colourOf(facts.level, isDark);
   const auto logo = StatusIcon::logo(colour);
   host_.desktop.statusItem.setLook(
       {.title = text.title,

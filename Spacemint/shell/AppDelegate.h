@@ -80,6 +80,8 @@ class AppDelegate : public QObject {
   /// The one applied last; absent before the launch.
   std::optional<AppPresence> presence_;
   Preferences::Subscription subscription_;
+  /// What the status item shows, and whether on a dark ground; drawing it again would take its time.
+  std::optional<std::pair<StatusFacts, bool>> drawn_;
   /// How often the interface was hidden: a release that was planned before the last time is off.
   int hidings_ = 0;
 };

@@ -25,6 +25,8 @@ struct StatusFacts {
   bool showsFreeSpace = false;
   /// Of ICU.
   std::string locale;
+
+  bool operator==(const StatusFacts&) const = default;
 };
 
 StatusText statusText(const StatusFacts& facts);

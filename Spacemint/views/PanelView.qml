@@ -24,12 +24,20 @@ Rectangle {
         focus: true
         enabled: !question.hasKeyboard
 
+        /// How far the settings have come: from 0 to 1. Positions follow from it, so that they do not move when
+        /// the window gets its size.
+        property real settingsShown: root.ui.page.showingSettings ? 1 : 0
+
+        Behavior on settingsShown {
+            PageMove {}
+        }
+
         // Each page remembers what the keyboard is at.
         FocusScope {
             width: parent.width
             height: parent.height
-            x: root.ui.page.showingSettings ? -width / 3 : 0
-            visible: x > -width / 3
+            x: -pages.settingsShown * width / 3
+            visible: pages.settingsShown < 1
             enabled: !root.ui.page.showingSettings
             focus: enabled
 
@@ -38,25 +46,18 @@ Rectangle {
                 radius: root.radius
                 ui: root.ui
             }
-            Behavior on x {
-                PageMove {}
-            }
         }
         LazyView {
             width: parent.width
             height: parent.height
-            x: root.ui.page.showingSettings ? 0 : width
+            x: (1 - pages.settingsShown) * width
             view: "SettingsView.qml"
-            wanted: x < width
+            wanted: pages.settingsShown > 0
             properties: ({
                     radius: root.radius,
                     ui: root.ui
                 })
             focus: root.ui.page.showingSettings
-
-            Behavior on x {
-                PageMove {}
-            }
         }
     }
     LazyView {
