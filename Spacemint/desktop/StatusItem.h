@@ -27,6 +27,8 @@ struct StatusMenuEntry {
   /// Empty for a line between entries.
   std::string title;
   std::function<void()> choose;
+  /// Whether a mark stands before it; empty for an entry that never has one.
+  std::function<bool()> isOn = {};
 };
 
 /// The application's item in the desktop's status area. It can be installed where there is no such area: it

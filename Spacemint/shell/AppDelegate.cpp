@@ -50,10 +50,12 @@ PanelScreen screenOf(const std::optional<QPoint>& item) {
 
 AppDelegate::AppDelegate(ShellHost host) : host_(std::move(host)) {}
 
-AppDelegate::~AppDelegate() = default;
+// What the windows tell while they go finds all else in place.
+AppDelegate::~AppDelegate() {
+  const auto going = std::move(interface_);
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
-  commands_ = makeMainMenu();
   connect(&host_.desktop.statusItem, &StatusItem::activated, this, &AppDelegate::togglePanel);
   connect(&host_.desktop.statusItem, &StatusItem::areaChanged, this, &AppDelegate::followStatusArea);
   connect(&host_.desktop.appearance, &Appearance::changed, this, &AppDelegate::updateStatusItem);
@@ -68,7 +70,6 @@ void AppDelegate::applicationDidFinishLaunching() {
   observePreferences();
   host_.model.start();
   if (host_.hasBundleIdentifier) host_.services.start(true);
-  // With the services there are entries for them.
   commands_ = makeMainMenu();
   applyPresence();
   updateStatusItem();
@@ -128,7 +129,11 @@ void AppDelegate::observePreferences() {
 }
 
 void AppDelegate::followStatusArea() {
-  if (!hasNoStatusArea()) return;
+  if (!hasNoStatusArea()) {
+    // The item says it all now.
+    if (presence_ == AppPresence::menuBar) host_.desktop.badge.clear();
+    return;
+  }
   host_.desktop.clock.after(statusAreaDelay, this, [this] {
     if (presence_ == AppPresence::menuBar && hasNoStatusArea()) showUI();
   });
@@ -175,16 +180,28 @@ void AppDelegate::updateStatusItem() {
            text.title.empty() ? logo : StatusIcon::figure(QString::fromStdString(text.title), colour)});
 }
 
-Commands AppDelegate::makeMainMenu() {
-  std::vector<Command> services;
+std::vector<Command> AppDelegate::serviceCommands() {
+  std::vector<Command> commands;
   for (const auto& item : host_.services.menuItems()) {
-    services.push_back({.title = item.title.toStdString(), .key = {}, .run = item.choose});
+    // What is no switch has its answer on the page of the settings.
+    const auto chosenAndShown = [this, choose = item.choose] {
+      choose();
+      openSettings();
+    };
+    commands.push_back({.title = item.title.toStdString(),
+                        .key = {},
+                        .run = item.isOn ? item.choose : chosenAndShown,
+                        .isOn = item.isOn});
   }
+  return commands;
+}
+
+Commands AppDelegate::makeMainMenu() {
   return {
       {{.title = "Open Spacemint", .key = {}, .run = [this] { showUI(); }}},
       {{.title = "About Spacemint", .key = {}, .run = [this] { showAbout(); }},
        {.title = "Settings…", .key = Qt::CTRL | Qt::Key_Comma, .run = [this] { openSettings(); }}},
-      services,
+      serviceCommands(),
       {{.title = "Quit Spacemint", .key = Qt::CTRL | Qt::Key_Q, .run = host_.quit}},
       {{.title = {}, .key = Qt::CTRL | Qt::Key_H, .run = [this] { hideShown(); }},
        {.title = {}, .key = Qt::CTRL | Qt::Key_W, .run = [this] { hideShown(); }},
@@ -305,7 +322,7 @@ void AppDelegate::setUp(MainWindow& window) {
 
 void AppDelegate::releaseLater() {
   const int hiding = ++hidings_;
-  if (interface_->isShown()) return;
+  if (!interface_ || interface_->isShown()) return;
   host_.desktop.clock.after(releaseAfter, this, [this, hiding] {
     if (hiding != hidings_) return;
     interface_.reset();

@@ -61,6 +61,7 @@ class AppDelegate : public QObject {
   void followStatusArea();
   void tellOfNoStatusArea();
   Commands makeMainMenu();
+  std::vector<Command> serviceCommands();
   void installStatusItem();
   void updateStatusItem();
   StatusFacts statusFacts() const;

@@ -9,7 +9,8 @@ std::vector<StatusMenuEntry> menuOf(const Commands& commands) {
   for (const auto& group : commands) {
     std::vector<StatusMenuEntry> entries;
     for (const auto& command : group) {
-      if (!command.title.empty()) entries.push_back({.title = command.title, .choose = command.run});
+      if (!command.title.empty())
+        entries.push_back({.title = command.title, .choose = command.run, .isOn = command.isOn});
     }
     if (entries.empty()) continue;
     if (!menu.empty()) menu.emplace_back();

@@ -20,6 +20,8 @@ struct Command {
   std::string title;
   std::optional<QKeyCombination> key;
   std::function<void()> run;
+  /// Whether a menu marks it; empty for a command that is no switch.
+  std::function<bool()> isOn = {};
 };
 
 /// The commands in groups, between which a menu has a line.

@@ -23,6 +23,11 @@ DropdownPanel::DropdownPanel(QQmlEngine& engine, QVariantMap properties)
   });
 }
 
+// Whoever follows the panel hears of that while it is still one.
+DropdownPanel::~DropdownPanel() {
+  hide();
+}
+
 void DropdownPanel::open(const QRect& place, bool fades) {
   constexpr int duration = 120;
   setGeometry(place);

@@ -9,6 +9,7 @@ class DropdownPanel : public InterfaceWindow {
   Q_OBJECT
  public:
   DropdownPanel(QQmlEngine& engine, QVariantMap properties);
+  ~DropdownPanel() override;
 
   /// Shows it at that place in front of everything, fading in where `fades`.
   void open(const QRect& place, bool fades);

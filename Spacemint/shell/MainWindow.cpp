@@ -38,6 +38,11 @@ MainWindow::MainWindow(QQmlEngine& engine, QVariantMap properties, DefaultsStore
   });
 }
 
+// Its place is kept while it has one.
+MainWindow::~MainWindow() {
+  hide();
+}
+
 void MainWindow::open() {
   if (windowStates() & Qt::WindowMinimized) {
     showNormal();

@@ -11,6 +11,7 @@ class MainWindow : public InterfaceWindow {
  public:
   /// The store keeps where the window is, and outlives it.
   MainWindow(QQmlEngine& engine, QVariantMap properties, DefaultsStore& defaults);
+  ~MainWindow() override;
 
   /// Shows it in front of everything.
   void open();

@@ -200,9 +200,27 @@ TEST_F(AppDelegateTest, windowStandsInWhereThereIsNoStatusAreaAndSaysSoOnce) {
   model->clearMessage();
   delegate->showUI();
   EXPECT_EQ(message(), "");
+  desktop.badge.show(GB);
   desktop.statusItem.setArea(StatusItem::Area::present);
+  EXPECT_EQ(desktop.badge.shown, std::nullopt);
   click();
   EXPECT_TRUE(isPanelShown());
+}
+
+TEST_F(AppDelegateTest, canEndWhileItIsSeen) {
+  for (const char* presence : {"menuBar", "dock"}) {
+    store("hasStarted", true);
+    store("presence", presence);
+    launch();
+    advance(1s);
+    delegate->showUI();
+    ASSERT_TRUE(isPanelShown() || isWindowShown());
+    const QPoint place{120, 90};
+    if (isWindowShown()) delegate->interface()->window().setPosition(place);
+    delegate.reset();
+    const bool isKept = defaults.string("SpacemintMainWindow") == "120 90";
+    EXPECT_EQ(isKept, presence == std::string{"dock"});
+  }
 }
 
 TEST_F(AppDelegateTest, statusAreaThatStartsAgainChangesNothing) {

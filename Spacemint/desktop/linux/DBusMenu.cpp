@@ -2,6 +2,8 @@
 
 #include <QMetaObject>
 
+#include <algorithm>
+
 namespace spacemint {
 
 namespace {
@@ -26,7 +28,12 @@ QVariantMap DBusMenu::propertiesOf(int id) const {
   if (id == root) return {{QStringLiteral("children-display"), QStringLiteral("submenu")}};
   const StatusMenuEntry& entry = entries_.at(static_cast<std::size_t>(id) - 1);
   if (entry.title.empty()) return {{QStringLiteral("type"), QStringLiteral("separator")}};
-  return {{QStringLiteral("label"), label(entry.title)}};
+  QVariantMap properties{{QStringLiteral("label"), label(entry.title)}};
+  if (entry.isOn) {
+    properties[QStringLiteral("toggle-type")] = QStringLiteral("checkmark");
+    properties[QStringLiteral("toggle-state")] = entry.isOn() ? 1 : 0;
+  }
+  return properties;
 }
 
 uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
@@ -78,9 +85,9 @@ QList<int> DBusMenu::EventGroup(const MenuEvents& events) {
   return unknown;
 }
 
-// Whether the entry has changed since its layout was asked for: it tells of changes at once.
+// Whether the entry has changed since its layout was asked for. A mark may have, and nothing tells of that.
 bool DBusMenu::AboutToShow(int /*id*/) {
-  return false;
+  return std::ranges::any_of(entries_, [](const StatusMenuEntry& entry) { return bool{entry.isOn}; });
 }
 
 QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
