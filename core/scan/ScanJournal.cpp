@@ -36,8 +36,10 @@ std::unique_ptr<RecordingWalk> OwnScanJournal::beginWalk(const std::string& root
       recorder_.reset();
       root_ = root;
       options_.root = root;
-      auto started = startRecording(options_);
-      if (started) recorder_ = std::move(*started);
+      starter_.call([this] {
+        auto started = startRecording(options_);
+        if (started) recorder_ = std::move(*started);
+      });
     }
     recorder = recorder_;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/host/EventRecorder.h"
+#include "core/scan/CallThread.h"
 
 #include <memory>
 #include <mutex>
@@ -36,6 +37,8 @@ class OwnScanJournal final : public ScanJournal {
 
   EventRecorder::Options options_;
   std::unique_ptr<EventJournal> others_;
+  /// A scan runs when nobody else does, and a recorder that did so too would lose events.
+  CallThread starter_;
   mutable std::mutex mutex_;
   std::string root_;
   SharedRecorder recorder_;

@@ -5,8 +5,11 @@
 
 #include <gmock/gmock.h>
 
+#include <sched.h>
+
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 namespace spacemint {
 namespace {
@@ -47,6 +50,25 @@ TEST_F(ScanJournalTest, recordsFromTheFirstScanOn) {
       ChangeLog{journal}.changes({.since = first, .under = root, .timeout = std::chrono::seconds{10}});
   ASSERT_TRUE(changes) << textOf(changes.error());
   EXPECT_THAT(changes->directories, UnorderedElementsAre(root + "/inner"));
+}
+
+// Everybody's threads, by what the kernel does with them when others want the processor too.
+int idleThreads() {
+  const fs::directory_iterator threads{"/proc/self/task"};
+  return static_cast<int>(std::ranges::count_if(threads, [](const fs::directory_entry& thread) {
+    return sched_getscheduler(std::stoi(thread.path().filename())) == SCHED_IDLE;
+  }));
+}
+
+TEST_F(ScanJournalTest, recordsAtThePriorityOfItsMakerAndNotOfTheScan) {
+  OwnScanJournal journal{options()};
+  std::thread{[&] {
+    const sched_param none{};
+    ASSERT_EQ(sched_setscheduler(0, SCHED_IDLE, &none), 0);
+    ASSERT_EQ(idleThreads(), 1);
+    scan(journal, folder / "a");
+    EXPECT_EQ(idleThreads(), 1);
+  }}.join();
 }
 
 TEST_F(ScanJournalTest, recordsOneFolderAtATime) {
