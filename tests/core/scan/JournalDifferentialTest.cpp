@@ -132,6 +132,12 @@ class Differential {
  private:
   std::unique_ptr<Recorder> startRecorder() {
     settings_.rules.beforeListening = [this] { hold_.wait(); };
+    if (auto meddle = std::move(settings_.rules.betweenWatchAndList)) {
+      settings_.rules.betweenWatchAndList = [this, meddle](const std::string& folder) {
+        const std::lock_guard lock(meddling_);
+        if (!isComparing_) meddle(folder);
+      };
+    }
     return Recorder::start({.root = root_.path(),
                             .firstEventID = firstEventID,
                             .watchLimit = settings_.watchLimit,
@@ -178,15 +184,26 @@ class Differential {
     // Where blocks are settled later.
     const FileHandle folder{open(root_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
     syncfs(folder.get());
+    // Once all is heard: nothing is to appear between the two scans.
+    (void)log_.changes({.since = last_.eventID.value_or(0), .under = root_.path(), .timeout = 1min});
+    setComparing(true);
     rescan();
-    ++tally_.rounds;
     Node full = scan().root;
+    setComparing(false);
+    ++tally_.rounds;
     if (last_.root == full) return;
     collectDifferences(last_.root, full, "", tally_.differences);
     last_.root = std::move(full);
   }
 
+  void setComparing(bool isComparing) {
+    const std::lock_guard lock(meddling_);
+    isComparing_ = isComparing;
+  }
+
   Settings settings_;
+  std::mutex meddling_;
+  bool isComparing_ = false;
   TemporaryFolder root_{testFolder()};
   TemporaryFolder outside_{testFolder()};
   RandomDisk disk_;

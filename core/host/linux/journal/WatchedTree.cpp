@@ -401,8 +401,9 @@ WatchedTree::Frame WatchedTree::frameOf(Id id, FileHandle handle) {
   if (rules.betweenWatchAndList) rules.betweenWatchAndList(pathThroughHandle(frame.handle));
   if (rules.watchesBeforeListing) {
     list();
-  } else if (const auto watched = parts_.queue.watch(frame.handle)) {
-    map_.setWatch(id, *watched);
+  } else {
+    parts_.queue.fetch();  // a mark tells of all folders: what comes of an unwatched one is dropped here
+    if (const auto watched = parts_.queue.watch(frame.handle)) map_.setWatch(id, *watched);
   }
   return frame;
 }
