@@ -19,6 +19,8 @@ class Appearance : public QObject {
   virtual bool isStatusAreaDark() const = 0;
   /// Nothing is to move that need not.
   virtual bool reducedMotion() const = 0;
+  /// What is behind a window shows where it is transparent. It is looked up anew, as it may change at any time.
+  virtual bool hasTransparency() const = 0;
 
  Q_SIGNALS:
   void changed();

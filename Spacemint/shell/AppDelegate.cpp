@@ -228,8 +228,10 @@ void AppDelegate::showUI() {
 void AppDelegate::showPanel() {
   host_.model.panelWillShow();
   const auto item = host_.desktop.statusItem.position();
-  neededInterface().panel().open(panelPlacement(item, screenOf(item)),
-                                 !host_.desktop.appearance.reducedMotion());
+  const Appearance& appearance = host_.desktop.appearance;
+  neededInterface().panel().open(
+      panelPlacement(item, screenOf(item)),
+      {.fades = !appearance.reducedMotion(), .isRounded = appearance.hasTransparency()});
 }
 
 void AppDelegate::hidePanel() {

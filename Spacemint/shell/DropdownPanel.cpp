@@ -1,6 +1,7 @@
 #include "Spacemint/shell/DropdownPanel.h"
 
 #include <QPropertyAnimation>
+#include <QQuickItem>
 
 namespace spacemint {
 
@@ -28,14 +29,15 @@ DropdownPanel::~DropdownPanel() {
   hide();
 }
 
-void DropdownPanel::open(const QRect& place, bool fades) {
+void DropdownPanel::open(const QRect& place, Look look) {
   constexpr int duration = 120;
   setGeometry(place);
-  setOpacity(fades ? 0 : 1);
+  setOpacity(look.fades ? 0 : 1);
+  rootObject()->setProperty("rounded", look.isRounded);
   show();
   raise();
   requestActivate();
-  if (!fades) return;
+  if (!look.fades) return;
   auto* fade = new QPropertyAnimation(this, "opacity", this);
   fade->setDuration(duration);
   fade->setEndValue(1.0);

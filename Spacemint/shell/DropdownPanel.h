@@ -11,8 +11,14 @@ class DropdownPanel : public InterfaceWindow {
   DropdownPanel(QQmlEngine& engine, QVariantMap properties);
   ~DropdownPanel() override;
 
-  /// Shows it at that place in front of everything, fading in where `fades`.
-  void open(const QRect& place, bool fades);
+  struct Look {
+    bool fades = true;
+    /// Only where what is behind the corners can be seen.
+    bool isRounded = true;
+  };
+
+  /// Shows it at that place in front of everything.
+  void open(const QRect& place, Look look);
 
  Q_SIGNALS:
   /// The keyboard went elsewhere, as by a click beside the panel.

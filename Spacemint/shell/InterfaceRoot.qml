@@ -13,6 +13,7 @@ FocusScope {
     property string productName: ""
     property string productVersion: ""
     property bool windowed: false
+    property bool rounded: true
     property bool showingAbout: false
 
     focus: true
@@ -25,6 +26,7 @@ FocusScope {
         focus: true
         ui: root.ui
         windowed: root.windowed
+        rounded: root.rounded
     }
     NoticeHost {
         anchors.fill: parent

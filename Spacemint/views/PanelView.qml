@@ -10,10 +10,12 @@ Rectangle {
     required property Ui ui
     /// Whether it is in the window, and not in the panel.
     property bool windowed: false
+    /// Whether the panel's corners are rounded; they are, where what is behind them can be seen.
+    property bool rounded: true
 
     implicitWidth: 460
     implicitHeight: 700
-    radius: windowed ? 0 : 12
+    radius: rounded && !windowed ? 12 : 0
     color: Theme.canvas
 
     FocusScope {

@@ -164,9 +164,11 @@ class FakeAppearance final : public Appearance {
   bool isDark() const override { return dark; }
   bool isStatusAreaDark() const override { return dark; }
   bool reducedMotion() const override { return still; }
+  bool hasTransparency() const override { return transparent; }
 
   bool dark = false;
   bool still = false;
+  bool transparent = true;
 };
 
 class FakeLoginItem final : public LoginItem {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Spacemint/desktop/Appearance.h"
+#include "Spacemint/desktop/linux/Compositing.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -20,6 +21,7 @@ class PortalAppearance final : public Appearance {
   bool isDark() const override;
   bool isStatusAreaDark() const override { return hasDarkStatusArea_ || isDark(); }
   bool reducedMotion() const override { return reducedMotion_; }
+  bool hasTransparency() const override { return isScreenComposited(); }
 
  private Q_SLOTS:
   void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);

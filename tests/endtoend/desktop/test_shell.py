@@ -22,6 +22,8 @@ class Panel(OnADesktop):
         self.assertEqual(x + width, 1280 - 8, "8 points inside the screen")
         self.assertGreaterEqual(y, 30, "under the status area")
         self.picture("panel")
+        # Nobody composes this screen, so that a rounded corner would be black.
+        self.assertGreater(min(self.session.pixels(x + 1, y + 1, 1, 1)), 128, "the corner is the panel's")
         # The click on the item that takes the focus away does not open it again.
         app.click_item_of_status_area()
         app.wait_hidden()
