@@ -1,6 +1,5 @@
 #include "core/host/IoPriority.h"
 
-#include <linux/ioprio.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -8,20 +7,25 @@ namespace spacemint {
 
 namespace {
 
+// As in linux/ioprio.h, some versions of which are no C++.
+constexpr int ofOneThread = 1;
+constexpr int idleClass = 3;
+constexpr int classShift = 13;
+
 constexpr int callingThread = 0;
 
 int ioPriority() {
-  return static_cast<int>(syscall(SYS_ioprio_get, IOPRIO_WHO_PROCESS, callingThread));
+  return static_cast<int>(syscall(SYS_ioprio_get, ofOneThread, callingThread));
 }
 
 void setIoPriority(int priority) {
-  syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, callingThread, priority);
+  syscall(SYS_ioprio_set, ofOneThread, callingThread, priority);
 }
 
 }  // namespace
 
 ThrottledIo::ThrottledIo() : saved_(ioPriority()) {
-  setIoPriority(IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
+  setIoPriority(idleClass << classShift);
 }
 
 ThrottledIo::~ThrottledIo() {
