@@ -80,7 +80,7 @@ class Soak:
         self.home = session.home
         self.fill()
         self.app = Application(session, SPACEMINT, SETTINGS)
-        self.app.start(PATH=f"{self.home}/bin:{os.environ['PATH']}")
+        self.app.start()
         self.app.wait_item()
         self.opened = self.scans = self.cleaned = 0
 
@@ -90,8 +90,8 @@ class Soak:
             (self.home / f"letters/{folder}").mkdir(parents=True)
             for letter in range(50):
                 (self.home / f"letters/{folder}/{letter}").write_text("Dear Ann")
-        program = self.home / "bin/pip3"
-        program.parent.mkdir()
+        program = self.home / ".local/bin/pip3"
+        program.parent.mkdir(parents=True, exist_ok=True)
         program.write_text('#!/bin/sh\n[ "$*" = "cache purge" ] && rm -r "$HOME/.cache/pip/http"\n')
         program.chmod(0o755)
 

@@ -40,8 +40,8 @@ class FirstDay(OnADesktop):
 
     def make_pip(self):
         """A package manager that keeps a cache and empties it when it is told to."""
-        program = self.home / "bin/pip3"
-        program.parent.mkdir()
+        program = self.home / ".local/bin/pip3"
+        program.parent.mkdir(parents=True, exist_ok=True)
         program.write_text('#!/bin/sh\n[ "$*" = "cache purge" ] && rm -r "$HOME/.cache/pip/http"\n')
         program.chmod(0o755)
 
@@ -66,7 +66,7 @@ class FirstDay(OnADesktop):
 
     def test_scan_clean_and_quit(self):
         app = self.app = self.start({"warningThresholdGB": 1},
-                                    PATH=f"{self.home}/bin:{os.environ['PATH']}", LC_ALL="en_US.UTF-8")
+                                    LC_ALL="en_US.UTF-8")
         app.click("Start first scan")
         app.wait_scanned()
         app.find("What changed")
