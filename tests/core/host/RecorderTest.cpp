@@ -101,6 +101,33 @@ TEST_P(RecorderTest, namesFoldersWhoseEntriesChangedAndTreesThatCame) {
   EXPECT_EQ(trees().size(), 0U);
 }
 
+// A scan in between would have found the other one.
+TEST_P(RecorderTest, countsAFolderAsChangedThatAnotherStoodInFor) {
+  fs::create_directories(root + "/a/x/below");
+  fs::create_directories(root + "/a/y");
+  start();
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    {
+      // It may look once more before it is held, and then even finds the other one there.
+      const std::lock_guard held(hold);
+      fs::rename(root + "/a/x", root + "/away");
+      fs::rename(root + "/a/y", root + "/a/x");
+      fs::rename(root + "/a/x", root + "/a/y");
+      fs::rename(root + "/away", root + "/a/x");
+    }
+    EXPECT_EQ(trees(), (std::vector{root + "/a/x", root + "/a/y"}));
+    fs::rename(root + "/a/x", root + "/away");
+    EXPECT_EQ(trees(), (std::vector{root + "/a/y", root + "/away"}));
+    since = recorder->currentEventID(root);
+    fs::rename(root + "/away", root + "/a/x");
+    EXPECT_EQ(trees(), std::vector{root + "/a/x"});
+    since = recorder->currentEventID(root);
+    fs::permissions(root + "/a/x", fs::perms::owner_all);
+    EXPECT_EQ(trees().size(), 0U);
+    since = recorder->currentEventID(root);
+  }
+}
+
 TEST_P(RecorderTest, answersOnlyForItsOwnIds) {
   start();
   EXPECT_EQ(reason(ask(firstEventID - 1)), JournalAbsence::olderThanSession);

@@ -19,6 +19,8 @@ namespace {
 constexpr std::size_t placeLimit = 20'000;
 constexpr int passes = 3;
 
+constexpr std::uint32_t comingsAndGoings = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+
 bool isGone(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
 }
@@ -170,8 +172,9 @@ void WatchedTree::handle(const FolderEvent& event) {
   } else {
     markOwn(id);
     if ((event.what & IN_ISDIR) == 0) return;
-    if (event.name.empty()) touchPlaceOf(id);  // it may have become readable or unreadable
-    if (!event.name.empty()) touch(id, event.name);
+    if (event.name.empty()) return touchPlaceOf(id);  // it may have become readable or unreadable
+    if ((event.what & comingsAndGoings) != 0) markReplaced(id, event.name);
+    touch(id, event.name);
   }
 }
 
@@ -187,6 +190,12 @@ void WatchedTree::touchPlaceOf(Id id) {
 
 void WatchedTree::markOwn(Id id) {
   map_[id].ownChange = parts_.clock.stamp();
+}
+
+// Also where the same folder will be found there again: a scan may have met another one meanwhile.
+void WatchedTree::markReplaced(Id parent, std::string_view name) {
+  const Id known = map_.child(parent, name);
+  if (known != FolderMap::none && parts_.rules.movedFolderIsTree) markTree(known);
 }
 
 void WatchedTree::markTree(Id id) {

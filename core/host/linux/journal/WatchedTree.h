@@ -126,6 +126,7 @@ class WatchedTree {
   void touchPlaceOf(Id id);
   void markOwn(Id id);
   void markTree(Id id);
+  void markReplaced(Id parent, std::string_view name);
   bool isOpenEnded(const FolderMap::Record& record) const;
 
   Opened openChild(Id parent, const FileHandle& handle, const std::string& name) const;
