@@ -110,6 +110,12 @@ class Soak:
         self.app.press("Escape")
         self.app.wait_hidden()
 
+    def first_scan(self):
+        self.open()
+        self.app.click("Start first scan")
+        self.app.wait_scanned()
+        self.close()
+
     def scan(self):
         newest = self.newest_scan()
         self.app.click("Scan now", "push button")
@@ -143,7 +149,7 @@ class Soak:
     def minute(self):
         end = time.monotonic() + 60
         self.allocate(self.home / ".cache/pip/http/wheel", 90_000_000)
-        self.allocate(self.home / ".local/share/Trash/files/old", 70_000_000)
+        self.allocate(self.home / ".local/share/Trash/files/old", 1_100_000_000)
         info = self.home / ".local/share/Trash/info/old.trashinfo"
         info.parent.mkdir(exist_ok=True)
         info.write_text("[Trash Info]\nPath=old\nDeletionDate=2026-01-01T00:00:00\n")
@@ -159,6 +165,7 @@ class Soak:
         time.sleep(max(end - time.monotonic(), 35))
 
     def run(self):
+        self.first_scan()
         meter = Meter(self.app.process.pid)
         meter.start()
         try:
