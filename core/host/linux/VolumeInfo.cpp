@@ -69,6 +69,21 @@ std::optional<std::string> labelOf(const Mount& mount) {
   return std::nullopt;
 }
 
+std::optional<dev_t> deviceOf(const fs::path& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  return status.st_dev;
+}
+
+// The highest folder on a path that lies on the same device: where it is mounted, for all that can be seen
+// where the table of mounts does not have it, as in a chroot.
+std::string topOfDevice(const std::string& path) {
+  const auto device = deviceOf(path);
+  fs::path top = fs::path{path}.lexically_normal();
+  while (top.has_relative_path() && deviceOf(top.parent_path()) == device) top = top.parent_path();
+  return top;
+}
+
 // File systems whose answers come from elsewhere. "fuseblk" is missing: it is how a local disk of another
 // system is mounted.
 bool isRemote(std::string_view fileSystem) {
@@ -96,10 +111,9 @@ std::optional<VolumeInfo> readVolumeInfo(const std::string& path) {
   if (statvfs(path.c_str(), &status) != 0) return std::nullopt;
   VolumeInfo info{.total = bytesOf(status.f_blocks, status.f_frsize),
                   .available = bytesOf(status.f_bavail, status.f_frsize)};
-  if (const auto mount = mountOf(path)) {
-    const auto label = labelOf(*mount);
-    info.name = label ? *label : mount->mountPoint;
-  }
+  const auto mount = mountOf(path);
+  const auto label = mount ? labelOf(*mount) : std::nullopt;
+  info.name = label ? *label : mount ? mount->mountPoint : topOfDevice(path);
   return info;
 }
 

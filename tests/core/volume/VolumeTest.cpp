@@ -1,8 +1,9 @@
 #include "core/host/UserFolders.h"
+#include "core/host/VolumeInfo.h"
 #include "core/host/linux/MountTable.h"
 #include "core/volume/Permissions.h"
 #include "core/volume/VolumeStatus.h"
-#include "support/ChildProcess.h"
+#include "support/OwnMounts.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -51,6 +52,16 @@ TEST(VolumeInfo, knowsWhereAVolumeIsMounted) {
   ASSERT_TRUE(mountPoint);
   EXPECT_TRUE(folder.path().starts_with(*mountPoint));
   EXPECT_EQ(mountPointOf(*mountPoint), mountPoint);
+}
+
+TEST(VolumeInfo, namesAVolumeThatNoTableOfMountsHas) {
+  const support::TemporaryFolder folder;
+  std::filesystem::create_directory(folder / "a");
+  if (!support::canMount()) GTEST_SKIP() << "no chroot to be had here";
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    return support::enterOwnMounts() && chroot(folder.path().c_str()) == 0 && chdir("/") == 0 &&
+           readVolumeInfo("/a").value_or(VolumeInfo{}).name == "/";
+  }));
 }
 
 TEST(Permissions, areThereWhenOnePlaceCanBeOpened) {
