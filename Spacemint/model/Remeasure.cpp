@@ -4,6 +4,7 @@
 #include "core/scan/DiskScanner.h"
 
 #include <cerrno>
+#include <filesystem>
 
 namespace spacemint {
 
@@ -32,11 +33,23 @@ bool apply(Measured measured, const Remeasure::Request& request, Snapshot& snaps
   return snapshot.replace(request.path, Node{.name = request.path, .isDirectory = true});
 }
 
+// What has to be measured for a path to come into the scan: the highest folder on the way that is not in it,
+// having been too small.
+std::string highestMissing(const Snapshot& snapshot, std::string path) {
+  for (;;) {
+    std::string above = std::filesystem::path{path}.parent_path();
+    if (above == path || !snapshot.components(above) || snapshot.nodeAt(above) != nullptr) return path;
+    path = std::move(above);
+  }
+}
+
 }  // namespace
 
 QFuture<bool> Remeasure::run(Request request) {
-  const bool isKnown = history_.snapshot() && history_.snapshot()->nodeAt(request.path) != nullptr;
+  const SharedSnapshot& scan = history_.snapshot();
+  const bool isKnown = scan && scan->nodeAt(request.path) != nullptr;
   if (!isKnown && !request.addIfMissing) return QtFuture::makeReadyFuture(true);
+  if (scan && !isKnown) request.path = highestMissing(*scan, std::move(request.path));
   return tasks_
       .run(Tasks::Priority::userInitiated,
            [path = request.path, minNodeSize = minNodeSize_] { return measure(path, minNodeSize); })

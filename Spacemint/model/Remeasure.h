@@ -14,7 +14,7 @@ class Remeasure : public QObject {
     std::string path;
     /// What cannot be measured is taken to be empty.
     bool assumeEmptied = false;
-    /// Also a path that the scan does not know.
+    /// Also a path that the scan does not know, with those above it that it does not know.
     bool addIfMissing = false;
   };
 
