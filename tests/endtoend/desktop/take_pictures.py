@@ -45,13 +45,12 @@ def main():
         app.click("Scan now")
         app.wait_text("Free space dropped", 120)
         app.wait_scanned()
-        for tab, name in (("Overview", "panel"), ("Folders", "folders"), ("Large files", "files")):
+        for tab, name, scheme in (("Overview", "panel-light", LIGHT), ("Folders", "folders-dark", DARK)):
             app.click(tab)
-            for scheme, look in ((LIGHT, "light"), (DARK, "dark")):
-                portal.set_scheme(scheme)
-                bright = scheme == LIGHT
-                wait_until(lambda: (sum(session.pixels(1640, 1440, 8, 8)) / 192 > 128) == bright, "the appearance")
-                session.picture(pathlib.Path(FOLDER) / f"{name}-{look}.png", "920x1400+1624+74")
+            portal.set_scheme(scheme)
+            bright = scheme == LIGHT
+            wait_until(lambda: (sum(session.pixels(1640, 1440, 8, 8)) / 192 > 128) == bright, "the appearance")
+            session.picture(pathlib.Path(FOLDER) / f"{name}.png", "920x1400+1624+74")
         portal.end()
         app.terminate()
     finally:
