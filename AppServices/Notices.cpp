@@ -3,6 +3,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <tuple>
 
 namespace spacemint {
 
@@ -48,7 +49,7 @@ void Notices::showFrom(const std::optional<WebReply>& reply) {
   constexpr int found = 200;
   if (current_ || !reply || reply->status != found) return;
   const auto feed = MessageFeed::parse(reply->body.toStdString());
-  if (!feed) return;
+  if (!feed || !host_.info.slug) return;
   auto seen = seen_;
   if (const auto stored = host_.defaults.strings(seenKey)) seen.insert(stored->begin(), stored->end());
   const AppMessage* message = feed->next({.slug = *host_.info.slug,
@@ -103,7 +104,8 @@ void Notices::remember(const std::string& id) {
   auto seen = host_.defaults.strings(seenKey).value_or(std::vector<std::string>{});
   if (std::ranges::find(seen, id) != seen.end()) return;
   seen.push_back(id);
-  host_.defaults.set(seenKey, DefaultsArray{seen.begin(), seen.end()});
+  // Where that cannot be stored, it is remembered until the program ends.
+  std::ignore = host_.defaults.set(seenKey, DefaultsArray{seen.begin(), seen.end()});
 }
 
 }  // namespace spacemint

@@ -43,9 +43,9 @@ std::optional<std::string> architectureIn(std::string_view name, const std::stri
   if (mark == std::string_view::npos) return {};
   const std::string_view revision = name.substr(0, mark);
   const std::string_view architecture = name.substr(mark + 1);
-  if (!revision.empty() && !(revision.front() == '-' && consistsOf(revision.substr(1), versionCharacters)))
-    return {};
-  if (!consistsOf(architecture, smallLettersAndDigits)) return {};
+  const bool isRevision =
+      revision.empty() || (revision.front() == '-' && consistsOf(revision.substr(1), versionCharacters));
+  if (!isRevision || !consistsOf(architecture, smallLettersAndDigits)) return {};
   return std::string{architecture};
 }
 

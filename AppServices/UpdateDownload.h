@@ -27,6 +27,7 @@ class UpdateDownload : public QObject {
   /// `folder` holds nothing but downloads; it is made when it is needed (0700).
   UpdateDownload(WebClient& web, std::string folder) : web_(web), folder_(std::move(folder)) {}
   ~UpdateDownload() override;
+  Q_DISABLE_COPY_MOVE(UpdateDownload)
 
   /// One at a time. Files of other updates are removed.
   void start(const Update& update, Done done);

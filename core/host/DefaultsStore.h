@@ -47,6 +47,8 @@ class DefaultsStore {
 
   /// A file that is not there is an empty store; `set` makes it, with the folders above it (0700).
   explicit DefaultsStore(std::string path, Access access = Access::readWrite);
+  DefaultsStore(const DefaultsStore&) = delete;
+  DefaultsStore& operator=(const DefaultsStore&) = delete;
   DefaultsStore(DefaultsStore&&) noexcept;
   DefaultsStore& operator=(DefaultsStore&&) noexcept;
   ~DefaultsStore();
