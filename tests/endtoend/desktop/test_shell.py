@@ -51,7 +51,7 @@ class Panel(OnADesktop):
         app.wait_hidden()
 
     def test_first_start_opens_the_panel_and_a_second_launch_brings_it_back(self):
-        app = self.start({})
+        app = self.start({"warningThresholdGB": 1})  # a warning would stay on the screen of the other tests
         app.wait_shown()
         app.wait_text("Never be surprised by a full disk again.")
         self.picture("welcome")
