@@ -7,6 +7,9 @@ namespace spacemint {
 
 namespace {
 
+// In milliseconds.
+constexpr qint64 settlingTime = 100;
+
 QVariantMap inPanel(QVariantMap properties) {
   properties[QStringLiteral("windowed")] = false;
   return properties;
@@ -20,7 +23,13 @@ DropdownPanel::DropdownPanel(QQmlEngine& engine, QVariantMap properties)
   setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
   setColor(Qt::transparent);
   connect(this, &QWindow::activeChanged, this, [this] {
-    if (isVisible() && !isActive()) Q_EMIT left();
+    if (!isVisible() || isActive()) return;
+    // What had the keyboard before may be given it once more while the panel comes.
+    if (opened_.hasExpired(settlingTime)) {
+      Q_EMIT left();
+    } else {
+      requestActivate();
+    }
   });
 }
 
@@ -31,6 +40,7 @@ DropdownPanel::~DropdownPanel() {
 
 void DropdownPanel::open(const QRect& place, Look look) {
   constexpr int duration = 120;
+  opened_.start();
   setGeometry(place);
   setOpacity(look.fades ? 0 : 1);
   rootObject()->setProperty("rounded", look.isRounded);

@@ -2,6 +2,8 @@
 
 #include "Spacemint/shell/InterfaceWindow.h"
 
+#include <QElapsedTimer>
+
 namespace spacemint {
 
 /// The panel under the status item: without a frame, above other windows, in no task bar. Main thread only.
@@ -23,6 +25,9 @@ class DropdownPanel : public InterfaceWindow {
  Q_SIGNALS:
   /// The keyboard went elsewhere, as by a click beside the panel.
   void left();
+
+ private:
+  QElapsedTimer opened_;
 };
 
 }  // namespace spacemint
