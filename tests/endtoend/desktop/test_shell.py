@@ -34,6 +34,7 @@ class Panel(OnADesktop):
         app.wait_hidden()
         app.click_item_of_status_area()
         app.wait_shown()
+        app.wait_text("free")  # as nobody clicks elsewhere before anything is to be seen
         # Anywhere else.
         app.click_at(200, 500)
         app.wait_hidden()
