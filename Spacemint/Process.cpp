@@ -32,6 +32,7 @@ ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo
           .journal = journal,
           .tools = ToolRuns{Shell{}},
           .home = UserFolders::home(),
+          .personal = UserFolders::personal(),
           .data = UserFolders::data(),
           .environment = UserFolders::environment,
           .disk = startupVolume(),

@@ -20,8 +20,9 @@ using namespace spacemint;
 using namespace spacemint::bench;
 
 int removeAlone(const std::string& path) {
-  const auto removed = hostRemoval()->remove({.path = path});
-  if (!removed) std::cerr << removed.error().message << '\n';
+  RemovalProgress progress;
+  const auto removed = removeItem({.path = path}, progress);
+  if (!removed) std::cerr << removed.error().path << ' ' << removed.error().error.message << '\n';
   return removed ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

@@ -1,177 +1,239 @@
 #include "spacemintctl/CleanCommand.h"
 
 #include "Spacemint/tools/ToolRuns.h"
-#include "core/cleanup/Cleanup.h"
+#include "core/analysis/DevTools.h"
+#include "core/cleanup/CleanupText.h"
+#include "core/cleanup/Remeasure.h"
+#include "core/history/SnapshotWriter.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
 #include "core/volume/VolumeStatus.h"
-#include "core/wording/CleanupText.h"
-#include "core/wording/FindingText.h"
-#include "spacemintctl/CleanPlans.h"
 #include "spacemintctl/CleanText.h"
 #include "spacemintctl/Interrupt.h"
+#include "spacemintctl/ProgressLine.h"
 #include "spacemintctl/Question.h"
-#include "spacemintctl/Remeasure.h"
+#include "spacemintctl/StoredScan.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace spacemint::ctl {
 
 namespace {
 
-using Failure = std::optional<CleanupFailure>;
+constexpr Bytes cacheMinimum = 50'000'000;
 
-std::expected<CleanPlan, Error> makePlan(CleanKind kind, const CleanOptions& options,
-                                         const CleanContext& context) {
-  switch (kind) {
-    case CleanKind::caches:
-      return planCaches(options.ids, context);
-    case CleanKind::trash:
-      return planTrash(context);
-    case CleanKind::backup:
-      return planBackup(absolutePath(options.path), context);
-    case CleanKind::worktree:
-      return planWorktree(absolutePath(options.path), context);
-    case CleanKind::path:
-      return planPath(absolutePath(options.path), context);
-  }
-  return CleanPlan{};
-}
-
-Failure carryOut(const CleanStep& step, const CleanContext& context) {
-  const auto removal = hostRemoval();
-  switch (step.kind) {
-    case CleanStep::Kind::deleteItem:
-      return Cleanup::deleteItem({step.path, context.guard, *removal, step.identity});
-    case CleanStep::Kind::emptyCache:
-      return Cleanup::emptyCache({step.path, context.guard, *removal, step.identity});
-    case CleanStep::Kind::emptyTrash:
-      return Cleanup::deleteContents({step.path, context.guard, *removal, step.identity});
-    case CleanStep::Kind::runCommand:
-      return ToolRuns{context.shell}.clean(step.program, step.arguments);
-  }
-  return std::nullopt;
-}
+// A plan with what the terminal says beside it.
+struct Proposal {
+  CleanupPlan plan;
+  /// Why something that one might expect is not in the plan, a line each.
+  std::vector<std::string> leftOut = {};
+  std::string nothingToDo = {};
+};
+using Proposed = std::expected<Proposal, std::string>;
 
 std::optional<Bytes> freeBytes() {
   const auto volume = VolumeStatus::current(startupVolume());
   return volume ? std::optional{volume->free} : std::nullopt;
 }
 
-// What was done of a plan: the steps that were begun, with what became of each.
-struct Result {
-  std::vector<Failure> failures = {};
-  std::optional<Bytes> freeBefore = {};
-  std::optional<Bytes> freeAfter = {};
+// A path of the command line as an absolute one without "." and doubled "/". One that the system spells
+// through the folder that the home folder links to is spelled through the home folder.
+std::string absolutePath(const std::string& given, const std::string& home) {
+  namespace fs = std::filesystem;
+  if (given.empty()) return given;
+  std::error_code failure;
+  std::string path = given;
+  if (!path.starts_with('/')) path = (fs::current_path(failure) / path).lexically_normal().string();
+  path = Paths::plain(path);
+  const std::string realHome = fs::canonical(home, failure).string() + "/";
+  return path.starts_with(realHome) ? Paths::join(home, path.substr(realHome.size())) : path;
+}
 
-  std::optional<Bytes> freed() const {
-    if (!freeBefore || !freeAfter) return std::nullopt;
-    return *freeAfter - *freeBefore;
+class Proposer {
+ public:
+  Proposer(const CleanOptions& options, const CleanupContext& context)
+      : options_(options),
+        context_(context),
+        home_(context.guard.home()),
+        scan_(storedScan(SnapshotStore::standard(), "")) {}
+
+  Proposed propose(CleanKind kind) const {
+    const std::string path = absolutePath(options_.path, home_);
+    switch (kind) {
+      case CleanKind::caches:
+        return proposeCaches();
+      case CleanKind::trash: {
+        const TrashPlace place = trashPlace(scan_ ? &*scan_ : nullptr, home_, context_.data);
+        auto proposal = proposalFor(EmptyTrashRequest{.place = place});
+        if (proposal) proposal->nothingToDo = "There is no Trash.";
+        return proposal;
+      }
+      case CleanKind::backup:
+        return proposeBackup(path);
+      case CleanKind::worktree: {
+        if (const auto refused = context_.guard.refusal({.path = path})) return std::unexpected(*refused);
+        const auto worktree = GitWorktrees::inspect(path, 0);
+        if (!worktree) return std::unexpected(path + ": no git worktree");
+        return proposalFor(*worktree);
+      }
+      case CleanKind::path:
+        return proposalFor(
+            DeleteRequest{.path = path, .name = Paths::lastComponent(path), .note = deleteNote});
+    }
+    return Proposal{};
   }
+
+ private:
+  Proposed proposalFor(const CleanupRequest& request) const {
+    auto plan =
+        planCleanup(request, context_, std::chrono::floor<Date::duration>(std::chrono::system_clock::now()));
+    if (!plan) return std::unexpected(plan.error().message);
+    for (const CleanupStep& step : plan->steps) {
+      if (!step.wasThere()) return std::unexpected(step.path + " does not exist");
+    }
+    return Proposal{.plan = std::move(*plan)};
+  }
+
+  Proposed proposeBackup(const std::string& path) const {
+    if (!scan_) return std::unexpected(scan_.error().message);
+    for (const DeviceBackup& backup : DeviceBackups::find({.in = *scan_, .home = home_})) {
+      if (Paths::logical(backup.path) == path) return proposalFor(backup);
+    }
+    return std::unexpected(path + ": no backup of the newest scan");
+  }
+
+  Proposed proposeCaches() const {
+    const auto& ids = options_.ids;
+    const auto caches = chosenCaches();
+    if (!caches) return std::unexpected(caches.error());
+    Proposal proposal{.nothingToDo = "No cache is large enough to be worth cleaning."};
+    std::vector<CleanupPlan> plans;
+    for (const DevTools::FoundCleanup& found : *caches) {
+      auto each = proposalFor(found);
+      if (each) {
+        plans.push_back(std::move(each->plan));
+      } else if (ids.empty()) {
+        proposal.leftOut.push_back(std::string{found.target->title} + ": " + each.error());
+      } else {
+        return each;
+      }
+    }
+    const std::string title = "Clean up " + std::to_string(plans.size()) + " caches?";
+    proposal.plan = mergedPlans(title, std::move(plans));
+    return proposal;
+  }
+
+  std::expected<std::vector<DevTools::FoundCleanup>, std::string> chosenCaches() const {
+    if (!scan_) return std::unexpected(scan_.error().message);
+    const auto& ids = options_.ids;
+    auto found = DevTools::cleanups({.in = *scan_,
+                                     .home = home_,
+                                     .minimum = ids.empty() ? cacheMinimum : 0,
+                                     .environment = UserFolders::environment});
+    if (ids.empty()) return found;
+    for (const std::string& id : ids) {
+      if (std::ranges::find(DevTools::cleanups(), id, &CleanupTarget::id) == DevTools::cleanups().end()) {
+        return std::unexpected("no cache has the id \"" + id +
+                               "\"; \"spacemintctl caches --json\" names them");
+      }
+      if (std::ranges::find(found, id, &DevTools::FoundCleanup::id) == found.end()) {
+        return std::unexpected(id + ": not in the newest scan");
+      }
+    }
+    std::erase_if(found, [&](const auto& each) { return std::ranges::find(ids, each.id()) == ids.end(); });
+    return found;
+  }
+
+  const CleanOptions& options_;
+  const CleanupContext& context_;
+  std::string home_;
+  std::expected<Snapshot, Error> scan_;
 };
 
-Result carryOut(const CleanPlan& plan, const CleanContext& context) {
-  Result result{.freeBefore = freeBytes()};
-  for (const CleanStep& step : plan.steps) {
-    if (wasInterrupted()) break;
-    result.failures.push_back(carryOut(step, context));
-  }
-  result.freeAfter = freeBytes();
-  return result;
-}
-
-void sayFailures(const CleanPlan& plan, const Result& result) {
-  for (std::size_t i = 0; i < result.failures.size(); ++i) {
-    if (!result.failures[i]) continue;
-    const std::string about = plan.steps.size() > 1 ? plan.steps[i].path + ": " : "";
-    complain(printable(
-        about + CleanupText::outcome({.label = {}, .failure = result.failures[i], .isTrash = plan.isTrash})));
-  }
-  if (result.failures.size() < plan.steps.size()) complain("interrupted; the rest was not begun");
-}
-
-std::string resultText(const CleanPlan& plan, const Result& result, const Wording& wording) {
-  std::vector<std::string> labels;
-  for (std::size_t i = 0; i < result.failures.size(); ++i) {
-    const std::string& label = plan.steps[i].label;
-    if (!result.failures[i] && std::ranges::find(labels, label) == labels.end()) labels.push_back(label);
-  }
-  std::string text;
-  for (const std::string& label : labels) {
-    // What was freed cannot be told apart where several things were done.
-    const auto freed = labels.size() == 1 ? result.freed() : std::nullopt;
-    text +=
-        printable(CleanupText::outcome({.label = label, .freed = freed, .locale = wording.locale})) + '\n';
-  }
-  if (result.freed()) {
-    text += FindingText::freeChange(*result.freeBefore, *result.freeAfter, wording.locale) + '\n';
-  }
-  return text;
-}
-
-Json resultJson(const CleanPlan& plan, const Result& result) {
-  Json object{{"steps", Json::array()}};
-  for (std::size_t i = 0; i < plan.steps.size(); ++i) {
-    Json step = stepJson(plan.steps[i]);
-    const bool begun = i < result.failures.size();
-    step["done"] = begun && !result.failures[i];
-    step["failure"] = begun ? failureJson(result.failures[i]) : Json(nullptr);
-    object["steps"].push_back(std::move(step));
-  }
-  object["freed"] = result.freed() ? Json(*result.freed()) : Json(nullptr);
-  object["free"] = result.freeAfter ? Json(*result.freeAfter) : Json(nullptr);
-  return object;
-}
-
 // Whether the plan may be carried out, after it was shown and, unless that is known, asked about.
-bool confirmed(const CleanPlan& plan, const CleanOptions& options, const Wording& wording) {
-  const std::string text = planText(plan, wording);
+bool confirmed(const Proposal& proposal, const CleanOptions& options, const Wording& wording) {
+  const std::string text = planText(proposal.plan, proposal.leftOut, wording);
   if (options.yes) return options.json || print(text);
   if (!canAsk()) {
     if (!options.json) print(text);
-    complain("nothing was done: there is no terminal to ask on (--yes does not ask)");
+    complain("nothing was removed: not confirmed, for there is no terminal; use --yes");
     return false;
   }
   std::fputs(text.c_str(), stderr);
-  if (ask(plan.question)) return true;
-  complain("nothing was done");
+  if (ask(proposal.plan.title)) return true;
+  complain("nothing was removed");
   return false;
 }
 
-int finish(const CleanPlan& plan, const CleanOptions& options, const CleanContext& context) {
+// Puts what is there now into the newest stored scan, if there is one.
+std::expected<void, Error> remeasureInNewestScan(const std::vector<std::string>& paths) {
+  const SnapshotStore store = SnapshotStore::standard();
+  auto scan = storedScan(store, "");
+  if (!scan) return {};
+  bool isChanged = false;
+  for (const std::string& path : paths) {
+    if (scan->nodeAt(path) != nullptr) isChanged |= putInto(*scan, measureAgain(path, scan->minNodeSize));
+  }
+  if (!isChanged) return {};
+  const auto saved = SnapshotWriter{store}.save(*scan, 1);
+  if (!saved) return std::unexpected(saved.error());
+  return {};
+}
+
+void complainOfFailures(const CleanupPlan& plan, const CleanupReport& report, const CleanupContext& context) {
+  for (std::size_t i = 0; i < report.steps.size(); ++i) {
+    if (!report.steps[i].failure) continue;
+    const std::string about = plan.steps.size() > 1 ? plan.steps[i].path + ": " : "";
+    complain(printable(about + CleanupText::failureText(plan.steps[i], report.steps[i], context)));
+  }
+  if (report.steps.size() < plan.steps.size()) complain("the rest was not begun");
+}
+
+int carryOut(const CleanupPlan& plan, const CleanOptions& options, const CleanupContext& context,
+             const Wording& wording) {
   noteInterrupts();
-  const Result result = carryOut(plan, context);
+  CleanupReport report;
+  {
+    ProgressLine line{ProgressLine::canBeSeen() && !options.json, plan.size(), wording.locale};
+    report = Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
+      line.show([&] { return CleanupText::progressText(soFar, plan.size(), wording.locale); });
+      return !wasInterrupted();
+    });
+  }
   const auto remeasured = remeasureInNewestScan(plan.touched);
-  sayFailures(plan, result);
+  complainOfFailures(plan, report, context);
   if (!remeasured) complain("couldn't save changes to the scan: " + printable(remeasured.error().message));
-  const bool printed = print(options.json ? resultJson(plan, result).dump() + '\n'
-                                          : resultText(plan, result, context.wording));
-  if (result.failures.size() < plan.steps.size()) return interrupted;
-  const bool allDone =
-      std::ranges::none_of(result.failures, [](const Failure& each) { return each.has_value(); });
-  return printed && remeasured && allDone ? done : failed;
+  const bool printed =
+      print(options.json ? resultJson(plan, report).dump() + '\n' : resultText(plan, report, wording));
+  if (wasInterrupted() && !report.isComplete(plan)) return interrupted;
+  return printed && remeasured && report.isComplete(plan) ? done : failed;
 }
 
 }  // namespace
 
 int runClean(CleanKind kind, const CleanOptions& options) {
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
-  const DeletionGuard guard{wording.home};
-  const Shell shell;
-  const CleanContext context{guard, shell, wording};
-  const auto plan = makePlan(kind, options, context);
-  if (!plan) {
-    complain(printable(plan.error().message));
+  CleanupContext context{.guard = DeletionGuard{wording.home, UserFolders::personal()},
+                         .data = UserFolders::data(),
+                         .locale = wording.locale,
+                         .freeBytes = freeBytes};
+  ToolRuns{Shell{}}.serve(context);
+  auto proposal = Proposer{options, context}.propose(kind);
+  if (!proposal) {
+    complain(printable(proposal.error()));
     return failed;
   }
-  if (options.dryRun && options.json) return print(planJson(*plan).dump() + '\n') ? done : failed;
-  if (plan->steps.empty()) {
-    for (const std::string& line : plan->leftOut) complain("left out: " + printable(line));
-    return print(options.json ? planJson(*plan).dump() + '\n' : plan->nothingToDo + '\n') ? done : failed;
+  CleanupPlan& plan = proposal->plan;
+  measurePlan(plan);
+  if (options.dryRun && options.json) return print(planJson(plan).dump() + '\n') ? done : failed;
+  if (plan.steps.empty()) {
+    for (const std::string& line : proposal->leftOut) complain("left out: " + printable(line));
+    return print(options.json ? planJson(plan).dump() + '\n' : proposal->nothingToDo + '\n') ? done : failed;
   }
-  if (options.dryRun) return print(planText(*plan, wording)) ? done : failed;
-  if (!confirmed(*plan, options, wording)) return failed;
-  return finish(*plan, options, context);
+  if (options.dryRun) return print(planText(plan, proposal->leftOut, wording)) ? done : failed;
+  if (!confirmed(*proposal, options, wording)) return failed;
+  return carryOut(plan, options, context, wording);
 }
 
 }  // namespace spacemint::ctl

@@ -1,24 +1,24 @@
 #pragma once
 
-#include "core/cleanup/CleanupFailure.h"
-#include "spacemintctl/CleanPlan.h"
+#include "core/cleanup/Cleanup.h"
 #include "spacemintctl/Section.h"
 
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace spacemint::ctl {
 
-/// The command of a step as it could be typed.
-std::string commandText(const CleanStep& step);
+/// Exactly what a plan will do: sizes, paths and commands. `leftOut` says why something that one might expect
+/// is not in it.
+std::string planText(const CleanupPlan& plan, const std::vector<std::string>& leftOut,
+                     const Wording& wording);
 
-/// Exactly what a plan will do: sizes, paths and commands.
-std::string planText(const CleanPlan& plan, const Wording& wording);
+Json planJson(const CleanupPlan& plan);
 
-Json planJson(const CleanPlan& plan);
-Json stepJson(const CleanStep& step);
+/// The steps that were done, a line each, and the change of the free space.
+std::string resultText(const CleanupPlan& plan, const CleanupReport& report, const Wording& wording);
 
-/// What became of a step: null for a step that was done.
-Json failureJson(const std::optional<CleanupFailure>& failure);
+/// Each step with what became of it.
+Json resultJson(const CleanupPlan& plan, const CleanupReport& report);
 
 }  // namespace spacemint::ctl

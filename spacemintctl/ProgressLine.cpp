@@ -49,10 +49,14 @@ ProgressLine::~ProgressLine() {
 }
 
 void ProgressLine::show(const DiskScanner::Progress& progress) {
+  show([&] { return progressText(progress, expected_, Clock::now() - start_, locale_); });
+}
+
+void ProgressLine::show(const std::function<std::string()>& text) {
   const auto now = Clock::now();
   if (!shown_ || now - last_ < pace) return;
   last_ = now;
-  std::fprintf(stderr, "\r\x1b[K%s", progressText(progress, expected_, now - start_, locale_).c_str());
+  std::fprintf(stderr, "\r\x1b[K%s", text().c_str());
   std::fflush(stderr);
 }
 

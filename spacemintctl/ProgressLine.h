@@ -3,6 +3,7 @@
 #include "core/scan/DiskScanner.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -26,6 +27,8 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
 
   void show(const DiskScanner::Progress& progress);
+  /// Shows what `text` returns, which is called only when the line is due to be written.
+  void show(const std::function<std::string()>& text);
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -1,5 +1,6 @@
 #include "Spacemint/command/Shell.h"
 
+#include "core/base/AsciiText.h"
 #include "core/host/UserFolders.h"
 
 #include <sys/stat.h>
@@ -43,9 +44,16 @@ std::map<std::string, std::string> ownEnvironment() {
   for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
     const std::size_t equals = text.find('=');
+    if (text.starts_with("GIT_")) continue;
     if (equals != std::string_view::npos) variables.emplace(text.substr(0, equals), text.substr(equals + 1));
   }
   return variables;
+}
+
+// Some tools read their variables in either letter case, and nobody knows which of two counts.
+void set(std::map<std::string, std::string>& variables, const std::string& name, const std::string& value) {
+  std::erase_if(variables, [&](const auto& each) { return lowerCased(each.first) == lowerCased(name); });
+  variables[name] = value;
 }
 
 std::string joined(const std::vector<std::string>& folders) {
@@ -81,7 +89,7 @@ std::optional<std::string> Shell::which(const std::string& name) const {
 }
 
 std::future<std::optional<Shell::Output>> Shell::run(Run run) const {
-  // Read here, where the caller knows that nobody changes it.
+  // Copy the environment on the caller's thread, which knows that nobody changes it.
   auto environment = ownEnvironment();
   std::packaged_task<std::optional<Output>()> task(
       [search = search_, run = std::move(run),
@@ -89,7 +97,9 @@ std::future<std::optional<Shell::Output>> Shell::run(Run run) const {
         const auto path = search->which(run.program);
         if (!path) return std::nullopt;
         environment["PATH"] = joined(search->path());
-        return execute({*path, std::move(run.arguments), std::move(environment), run.timeout});
+        for (const auto& [name, value] : run.environment) set(environment, name, value);
+        return execute(
+            {*path, std::move(run.arguments), std::move(environment), run.timeout, std::move(run.mayGoOn)});
       });
   auto output = task.get_future();
   try {

@@ -4,6 +4,7 @@
 #include "core/base/Date.h"
 
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <map>
 #include <memory>
@@ -26,17 +27,23 @@ class Shell {
     /// What it wrote, with U+FFFD in the place of what is not UTF-8.
     std::string output;
     std::string error;
-    /// It ran too long and was stopped.
+    /// It ran too long, or `mayGoOn` said no, and it was stopped.
     bool timedOut = false;
 
     bool operator==(const Output&) const = default;
   };
+
+  /// Asked several times a second while a program runs; false stops it as if its time were over.
+  using MayGoOn = std::function<bool()>;
 
   struct Run {
     /// A name that is searched for, or an absolute path.
     std::string program;
     std::vector<std::string> arguments;
     Seconds timeout{0};
+    /// Variables to set. Others that differ from one of them in letter case only are dropped.
+    std::map<std::string, std::string> environment = {};
+    MayGoOn mayGoOn = {};
   };
 
   struct Execution {
@@ -44,6 +51,7 @@ class Shell {
     std::vector<std::string> arguments;
     std::map<std::string, std::string> environment;
     Seconds timeout{0};
+    MayGoOn mayGoOn = {};
   };
 
   /// How long a program that was asked to end may take before it is killed.
@@ -62,7 +70,8 @@ class Shell {
   /// The full path of a program; absent when none of that name can be executed.
   std::optional<std::string> which(const std::string& name) const;
 
-  /// Runs a program on a thread of its own, in this process's environment with `PATH` as searched here.
+  /// Runs a program on a thread of its own, in this process's environment with `PATH` as searched here and
+  /// without the variables of git (GIT_DIR and the like), which would lead git to another repository.
   /// Absent when it cannot be found or started. The future may be dropped; the run then ends by itself.
   std::future<std::optional<Output>> run(Run run) const;
 

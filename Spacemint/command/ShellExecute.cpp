@@ -20,7 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t readSize = 65'536;
-constexpr std::chrono::milliseconds longestPoll{1'000};
+constexpr std::chrono::milliseconds longestPoll{200};
 // Longer than anybody waits, and far from where a clock overflows.
 constexpr Seconds longestTimeout{1e9};
 
@@ -136,11 +136,12 @@ void readSome(Stream& stream, std::vector<char>& buffer) {
   }
 }
 
-// Reads both outputs as they come, so that neither can fill up and hold the child; false when the deadline
-// came first.
-bool readToTheEnd(std::array<Stream, 2>& streams, Clock::time_point deadline) {
+// Reads both outputs as they come, so that neither can fill up and hold the child; false when the deadline or
+// a stop came first.
+bool readToTheEnd(std::array<Stream, 2>& streams, Clock::time_point deadline, const Shell::MayGoOn& mayGoOn) {
   std::vector<char> buffer(readSize);
   while (streams[0].reading || streams[1].reading) {
+    if (mayGoOn && !mayGoOn()) return false;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() <= 0) return false;
     // A closed one is a negative number here, which is passed over.
@@ -193,7 +194,7 @@ std::optional<Shell::Output> Shell::execute(const Execution& execution) {
   const auto deadline = deadlineAfter(execution.timeout);
   std::array<Stream, 2> streams{Stream{std::move(output->reading), {}},
                                 Stream{std::move(error->reading), {}}};
-  bool inTime = readToTheEnd(streams, deadline);
+  bool inTime = readToTheEnd(streams, deadline, execution.mayGoOn);
   for (Stream& stream : streams) stream.reading.close();
   // The deadline also holds for a child that closes its outputs and lives on.
   inTime = inTime && waitForExit(*child, deadline);

@@ -10,7 +10,7 @@
 #include "Spacemint/desktop/StartupVolume.h"
 #include "Spacemint/desktop/StatusItem.h"
 #include "Spacemint/desktop/Tasks.h"
-#include "Spacemint/desktop/TrashCan.h"
+#include "core/host/TrashCan.h"
 
 namespace spacemint {
 

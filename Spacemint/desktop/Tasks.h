@@ -3,6 +3,7 @@
 #include "Spacemint/desktop/WhileAlive.h"
 
 #include <QFuture>
+#include <QPointer>
 #include <QPromise>
 
 #include <cstdint>
@@ -28,7 +29,9 @@ class Tasks {
     /// Somebody will look at it soon.
     utility,
     /// Somebody waits for it.
-    userInitiated
+    userInitiated,
+    /// Somebody waits for it and it may take minutes: a thread of its own.
+    alone
   };
 
   struct Task {
@@ -37,7 +40,7 @@ class Tasks {
     Function work;
     /// Runs on the main thread after that.
     Function done;
-    /// What the thread is called, for tasks in the background.
+    /// The name of a thread of its own.
     const char* threadName = nullptr;
   };
 
@@ -51,6 +54,20 @@ class Tasks {
 
   /// Runs a function on the main thread, in the order of the calls. Any thread.
   virtual void post(Function function) = 0;
+
+  /// Starts `work`, and calls `then` with its result on the main thread, unless `context` is gone by then.
+  /// Main thread only.
+  template <class Work, class Then>
+  void run(Priority priority, QObject* context, Work work, Then then, const char* threadName = nullptr) {
+    auto result = std::make_shared<std::optional<std::invoke_result_t<Work&>>>();
+    start({.priority = priority,
+           .work = [result, work = std::move(work)]() mutable { result->emplace(work()); },
+           .done =
+               [result, guard = QPointer<QObject>{context}, then = std::move(then)]() mutable {
+                 if (guard) then(std::move(**result));
+               },
+           .threadName = threadName});
+  }
 
   /// Starts `work` and gives what it returns, which must not be void. Main thread only.
   template <class Work, class Result = std::invoke_result_t<Work&>>

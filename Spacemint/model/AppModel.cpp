@@ -20,18 +20,11 @@ std::string_view titleOf(Tab tab) {
 AppModel::AppModel(ModelHost host, const Desktop& desktop)
     : host_(std::move(host)),
       desktop_(desktop),
-      guard_(host_.home),
       prefs_(host_.defaults),
       volume_(desktop),
       history_(host_.store, desktop.tasks, messages_),
       findings_(history_, desktop.tasks, {.path = host_.home, .environment = host_.environment}),
-      remeasure_(history_, desktop.tasks, ScanLifecycle::minNodeSize),
-      scans_({.history = history_,
-              .remeasure = remeasure_,
-              .messages = messages_,
-              .preferences = prefs_,
-              .volume = volume_},
-             desktop,
+      scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, desktop,
              {.home = host_.home, .disk = host_.disk, .timeZone = host_.timeZone, .journal = host_.journal}),
       warnings_({.volume = volume_,
                  .findings = findings_,
@@ -40,22 +33,8 @@ AppModel::AppModel(ModelHost host, const Desktop& desktop)
                  .scans = scans_},
                 desktop, {.home = host_.home, .locale = host_.locale}, host_.hasBundleIdentifier),
       dev_(host_.tools, desktop.tasks, desktop.clock),
-      cleanups_({.volume = volume_, .remeasure = remeasure_, .messages = messages_}, desktop, host_.locale),
-      jobs_({.guard = guard_, .runs = host_.tools, .volume = volume_, .developerTools = dev_}, desktop,
-            {.home = host_.home, .data = host_.data}),
-      trash_({.history = history_,
-              .remeasure = remeasure_,
-              .runs = cleanups_,
-              .volume = volume_,
-              .messages = messages_,
-              .guard = guard_},
-             desktop, {.home = host_.home, .data = host_.data, .locale = host_.locale}),
-      confirmations_({.history = history_,
-                      .developerTools = dev_,
-                      .jobs = jobs_,
-                      .runs = cleanups_,
-                      .tools = host_.tools},
-                     desktop, {.home = host_.home, .data = host_.data, .locale = host_.locale}),
+      cleanups_({.history = history_, .developerTools = dev_, .volume = volume_, .messages = messages_},
+                desktop, cleanupContext()),
       hasFullDiskAccess_(host_.hasFullDiskAccess()) {
   connect(&volume_, &VolumeWatch::wasRead, this, [this] {
     // Another process may have changed a setting meanwhile.
@@ -130,7 +109,7 @@ void AppModel::probeFullDiskAccess() {
 }
 
 void AppModel::refreshTrash() {
-  if (hasFullDiskAccess_) trash_.refresh();
+  if (hasFullDiskAccess_) cleanups_.refreshTrash();
 }
 
 Seconds AppModel::scanInterval() const {
@@ -160,48 +139,26 @@ void AppModel::performMessageAction() {
   if (const auto action = messages_.action()) action->perform();
 }
 
-void AppModel::confirmTrash(const FileItem& file) {
-  confirmations_.askToTrash(file, [this](const FileItem& confirmed) { trash_.moveToTrash(confirmed); });
-}
-
-void AppModel::confirmDelete(const std::string& path, const std::string& name, Bytes size,
-                             const std::string& note) {
-  confirmations_.askToDelete(path, name, size, note);
-}
-
 void AppModel::confirmEmptyTrash() {
-  confirmations_.askToEmptyTrash(hasFullDiskAccess_);
+  const Snapshot* scan = history_.snapshot().get();
+  EmptyTrashRequest request{.place = trashPlace(scan, host_.home, host_.data),
+                            .byFileManager = !hasFullDiskAccess_};
+  const Node* node = scan != nullptr ? scan->nodeAt(request.place.folder) : nullptr;
+  if (node != nullptr) request.size = node->size;
+  confirm(std::move(request));
 }
 
-void AppModel::confirmDeleteBackup(const DeviceBackup& backup) {
-  confirmations_.askToDeleteBackup(backup);
-}
-
-void AppModel::confirmRemoveWorktree(const GitWorktree& worktree) {
-  confirmations_.askToRemoveWorktree(worktree);
-}
-
-void AppModel::confirmCleanup(const DevTools::FoundCleanup& found) {
-  confirmations_.askToCleanUp(found);
-}
-
-void AppModel::confirmDockerPrune() {
-  confirmations_.askToPruneDocker();
-}
-
-void AppModel::confirmDockerVolumesPrune() {
-  confirmations_.askToPruneDockerVolumes();
-}
-
-void AppModel::confirmOllamaRemove(const DevTools::OllamaModel& model) {
-  confirmations_.askToRemoveOllamaModel(model);
-}
-
-void AppModel::performConfirmation(const QUuid& id) {
-  const auto confirmation = confirmations_.current();
-  if (!confirmation || confirmation->id != id) return;
-  confirmations_.dismiss();
-  confirmation->perform();
+CleanupContext AppModel::cleanupContext() const {
+  CleanupContext context{.guard = DeletionGuard{host_.home, host_.personal},
+                         .data = host_.data,
+                         .locale = host_.locale,
+                         .trash = &desktop_.trash,
+                         .freeBytes = [&volume = desktop_.volume]() -> std::optional<Bytes> {
+                           const auto reading = volume.status();
+                           return reading ? std::optional{reading->free} : std::nullopt;
+                         }};
+  host_.tools.serve(context);
+  return context;
 }
 
 }  // namespace spacemint

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "Spacemint/model/Confirmations.h"
+#include "Spacemint/model/Cleanups.h"
 #include "Spacemint/model/CurrentFindings.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/SpaceWarnings.h"
-#include "Spacemint/model/TrashActions.h"
 
 #include <QObject>
 
@@ -29,6 +28,8 @@ struct ModelHost {
   ScanJournal& journal;
   ToolRuns tools;
   std::string home;
+  /// The folders of the user's own files, beside those that every desktop has.
+  std::vector<std::string> personal;
   /// Where programs keep their data.
   std::string data;
   Environment environment;
@@ -59,9 +60,8 @@ class AppModel : public QObject {
   const Findings& findings() const { return findings_.findings(); }
   const ScanLifecycle& scans() const { return scans_; }
   const SpaceWarnings& warnings() const { return warnings_; }
-  const CleanupRuns& cleanups() const { return cleanups_; }
+  Cleanups& cleanups() { return cleanups_; }
   const Messages& messages() const { return messages_; }
-  const Confirmations& confirmations() const { return confirmations_; }
   const CurrentFindings& currentFindings() const { return findings_; }
 
   SpaceLevel level() const { return warnings_.level(); }
@@ -95,18 +95,9 @@ class AppModel : public QObject {
   void clearMessage() { messages_.clear(); }
   void performMessageAction();
 
-  void confirmTrash(const FileItem& file);
-  void confirmDelete(const std::string& path, const std::string& name, Bytes size, const std::string& note);
+  /// Asks before it does what is requested.
+  void confirm(CleanupRequest request) { cleanups_.ask(std::move(request)); }
   void confirmEmptyTrash();
-  void confirmDeleteBackup(const DeviceBackup& backup);
-  void confirmRemoveWorktree(const GitWorktree& worktree);
-  void confirmCleanup(const DevTools::FoundCleanup& found);
-  void confirmDockerPrune();
-  void confirmDockerVolumesPrune();
-  void confirmOllamaRemove(const DevTools::OllamaModel& model);
-  void dismissConfirmation() { confirmations_.dismiss(); }
-  /// Does what the confirmation of this id asks about, if it is still the one that is shown.
-  void performConfirmation(const QUuid& id);
 
  Q_SIGNALS:
   /// The volume was read: what shows its figures looks again.
@@ -119,25 +110,21 @@ class AppModel : public QObject {
  private:
   void launchCheck();
   void refreshTrash();
+  CleanupContext cleanupContext() const;
   void probeFullDiskAccess();
   Seconds scanInterval() const;
 
   ModelHost host_;
   Desktop desktop_;
-  DeletionGuard guard_;
   Preferences prefs_;
   Messages messages_;
   VolumeWatch volume_;
   ScanHistory history_;
   CurrentFindings findings_;
-  Remeasure remeasure_;
   ScanLifecycle scans_;
   SpaceWarnings warnings_;
   DeveloperTools dev_;
-  CleanupRuns cleanups_;
-  CleanupJobs jobs_;
-  TrashActions trash_;
-  Confirmations confirmations_;
+  Cleanups cleanups_;
   bool hasFullDiskAccess_;
   Tab tab_ = Tab::overview;
   std::optional<std::string> folderPath_;

@@ -1,5 +1,6 @@
 #include "Spacemint/model/ScanHistory.h"
 
+#include "core/cleanup/Remeasure.h"
 #include "core/history/Baseline.h"
 
 #include <algorithm>
@@ -69,6 +70,29 @@ void ScanHistory::edit(const std::string& path, const Edit& edit) {
   setSnapshot(std::move(copy));
   save();
   Q_EMIT changed();
+}
+
+void ScanHistory::remeasure(Remeasuring request, std::function<void()> then) {
+  if (!snapshot_) return then();
+  std::erase_if(request.paths, [&](const std::string& path) {
+    return !request.addIfMissing && snapshot_->nodeAt(path) == nullptr;
+  });
+  if (request.paths.empty()) return then();
+  for (std::string& path : request.paths) path = highestMissing(*snapshot_, std::move(path));
+  const auto measure = [paths = std::move(request.paths), minNodeSize = snapshot_->minNodeSize] {
+    std::vector<Measured> all;
+    for (const std::string& path : paths) all.push_back(measureAgain(path, minNodeSize));
+    return all;
+  };
+  const auto put = [this, assumeEmptied = request.assumeEmptied,
+                    then = std::move(then)](std::vector<Measured> all) {
+    for (Measured& each : all) {
+      const std::string path = each.path;
+      edit(path, [&](Snapshot& scan) { return putInto(scan, std::move(each), assumeEmptied); });
+    }
+    then();
+  };
+  tasks_.run(Tasks::Priority::userInitiated, this, measure, put);
 }
 
 void ScanHistory::setBaselineEntry(std::optional<Entry> entry) {

@@ -48,6 +48,18 @@ class ScanHistory : public QObject {
   /// Changes the current scan, here and on the disk; nothing without one.
   void edit(const std::string& path, const Edit& edit);
 
+  struct Remeasuring {
+    std::vector<std::string> paths;
+    /// What cannot be measured is taken to be empty.
+    bool assumeEmptied = false;
+    /// Also paths that the scan does not have, with the folders above them that it does not have.
+    bool addIfMissing = false;
+  };
+
+  /// Measures items again and puts what is there now into the current scan; then calls `then`.
+  void remeasure(
+      Remeasuring request, std::function<void()> then = [] {});
+
   void setBaselineEntry(std::optional<Entry> entry);
 
  Q_SIGNALS:

@@ -100,9 +100,8 @@ void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<CancelF
   const SharedSnapshot before = parts_.history.snapshot();
   if (!before || before->rootPath() != report.snapshot->rootPath()) Q_EMIT rootChanged();
   parts_.history.replace(std::move(*report.snapshot), std::move(report.entries));
-  std::vector<Remeasure::Request> requests;
-  for (const std::string& path : std::exchange(editedDuringScan_, {})) requests.push_back({.path = path});
-  parts_.remeasure.runAll(std::move(requests));
+  const auto edited = std::exchange(editedDuringScan_, {});
+  parts_.history.remeasure({.paths = {edited.begin(), edited.end()}});
 }
 
 void ScanLifecycle::cancel() {

@@ -2,7 +2,6 @@
 
 #include "Spacemint/desktop/Desktop.h"
 #include "Spacemint/model/Preferences.h"
-#include "Spacemint/model/Remeasure.h"
 #include "Spacemint/model/ScanWorker.h"
 #include "Spacemint/model/VolumeWatch.h"
 
@@ -30,7 +29,6 @@ class ScanLifecycle : public QObject {
 
   struct Parts {
     ScanHistory& history;
-    Remeasure& remeasure;
     Messages& messages;
     const Preferences& preferences;
     const VolumeWatch& volume;

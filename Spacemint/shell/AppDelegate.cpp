@@ -239,7 +239,7 @@ void AppDelegate::hidePanel() {
   panelClosedAt_ = host_.desktop.clock.now();
   interface_->panel().hide();
   host_.model.clearMessage();
-  host_.model.dismissConfirmation();
+  host_.model.cleanups().dismiss();
   host_.model.setShowingSettings(false);
 }
 
@@ -267,8 +267,8 @@ void AppDelegate::showAbout() {
 }
 
 void AppDelegate::handleEscape(const std::function<void()>& closing) {
-  if (host_.model.confirmations().current()) {
-    host_.model.dismissConfirmation();
+  if (host_.model.cleanups().confirmation()) {
+    host_.model.cleanups().dismiss();
   } else if (host_.model.showingSettings()) {
     host_.model.setShowingSettings(false);
   } else if (closing) {
@@ -317,7 +317,7 @@ void AppDelegate::setUp(MainWindow& window) {
   connect(&window, &MainWindow::activated, &host_.model, &AppModel::panelWillShow);
   connect(&window, &MainWindow::closed, this, [this] {
     host_.model.clearMessage();
-    host_.model.dismissConfirmation();
+    host_.model.cleanups().dismiss();
   });
   connect(&window, &QWindow::visibleChanged, this, &AppDelegate::releaseLater);
 }

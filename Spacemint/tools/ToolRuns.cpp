@@ -1,16 +1,11 @@
 #include "Spacemint/tools/ToolRuns.h"
 
 #include "core/base/AsciiText.h"
-#include "core/cleanup/Cleanup.h"
 #include "core/cleanup/ToolOutcome.h"
 
 namespace spacemint {
 
 namespace {
-
-// By its full path: another program of that name earlier on the search path would act on repositories.
-const std::string gitProgram = "/usr/bin/git";
-const std::string trashProgram = "gio";
 
 std::optional<DevTools::ToolAnswer> answerOf(const Shell& shell, Shell::Run run) {
   auto output = shell.run(std::move(run)).get();
@@ -21,6 +16,32 @@ std::optional<DevTools::ToolAnswer> answerOf(const Shell& shell, Shell::Run run)
                               .timedOut = output->timedOut};
 }
 
+// Runs git on a working tree; absent where it fails.
+std::optional<std::string> outputOfGit(const Shell& shell, const std::string& workingTree,
+                                       const std::vector<std::string>& command) {
+  std::vector<std::string> arguments = gitArguments(workingTree);
+  arguments.insert(arguments.end(), command.begin(), command.end());
+  const auto answer = answerOf(shell, {gitProgram, std::move(arguments), ToolRuns::statusTimeout});
+  if (!answer || answer->timedOut || answer->status != 0) return std::nullopt;
+  return answer->output;
+}
+
+// The options that turn off the programs through which a repository filters the contents of its files. Those
+// of the user's own settings stay.
+std::vector<std::string> withoutFilters(const Shell& shell, const std::string& workingTree) {
+  // Fails where there are none. Scope and name in turn.
+  const auto output = outputOfGit(
+      shell, workingTree, {"config", "--null", "--show-scope", "--name-only", "--get-regexp", "^filter\\."});
+  const auto words = pieces(output ? *output : std::string_view{}, '\0');
+  std::vector<std::string> options;
+  for (std::size_t i = 0; i + 1 < words.size(); i += 2) {
+    if (words[i] == "system" || words[i] == "global") continue;
+    const bool isRequired = words[i + 1].ends_with(".required");
+    options.insert(options.end(), {"-c", std::string{words[i + 1]} + (isRequired ? "=false" : "=")});
+  }
+  return options;
+}
+
 }  // namespace
 
 std::optional<DevTools::ToolAnswer> ToolRuns::ask(const DevTools::ToolQuery& query) const {
@@ -29,25 +50,29 @@ std::optional<DevTools::ToolAnswer> ToolRuns::ask(const DevTools::ToolQuery& que
                            .timeout = query.timeout});
 }
 
-std::optional<CleanupFailure> ToolRuns::clean(const std::string& program,
-                                              std::vector<std::string> arguments) const {
-  return toolFailure(program, answerOf(shell_, {program, std::move(arguments), cleanupTimeout}));
+std::optional<CleanupFailure> ToolRuns::clean(const ToolCommand& command,
+                                              const CleanupContext::MayGoOn& mayGoOn) const {
+  const auto answer =
+      answerOf(shell_, {command.program, command.arguments, cleanupTimeout, command.environment, mayGoOn});
+  if (mayGoOn && !mayGoOn()) return CleanupFailure::stopped();
+  return toolFailure(command.program, answer);
 }
 
-std::optional<CleanupFailure> ToolRuns::git(std::vector<std::string> arguments) const {
-  return clean(gitProgram, std::move(arguments));
+std::optional<int> ToolRuns::uncommittedChanges(const std::string& workingTree) const {
+  std::vector<std::string> command = withoutFilters(shell_, workingTree);
+  command.insert(command.end(), {"--no-optional-locks", "status", "--porcelain"});
+  const auto output = outputOfGit(shell_, workingTree, command);
+  if (!output) return std::nullopt;
+  return static_cast<int>(lines(*output).size());
 }
 
-std::optional<int> ToolRuns::uncommittedChanges(const std::string& worktree) const {
-  std::vector<std::string> arguments(Cleanup::safeGitOptions.begin(), Cleanup::safeGitOptions.end());
-  arguments.insert(arguments.end(), {"-C", worktree, "status", "--porcelain"});
-  const auto answer = answerOf(shell_, {gitProgram, std::move(arguments), statusTimeout});
-  if (!answer || answer->timedOut || answer->status != 0) return std::nullopt;
-  return static_cast<int>(lines(answer->output).size());
-}
-
-std::optional<CleanupFailure> ToolRuns::emptyTrash() const {
-  return trashFailure(answerOf(shell_, {trashProgram, {"trash", "--empty"}, trashTimeout}));
+void ToolRuns::serve(CleanupContext& context) const {
+  context.run = [tools = *this](const ToolCommand& command, const CleanupContext::MayGoOn& mayGoOn) {
+    return tools.clean(command, mayGoOn);
+  };
+  context.uncommittedChanges = [tools = *this](const std::string& path) {
+    return tools.uncommittedChanges(path);
+  };
 }
 
 }  // namespace spacemint

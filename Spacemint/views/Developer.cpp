@@ -91,7 +91,7 @@ std::vector<ItemRow> Developer::cacheRows() const {
                     .subtitle = std::string{found.target->advice},
                     .symbol = std::string{found.target->symbol},
                     .buttonTitle = "Clean up",
-                    .onButton = [&model = host_.model, found] { model.confirmCleanup(found); }});
+                    .onButton = [&model = host_.model, found] { model.confirm(found); }});
   }
   return rows;
 }
@@ -109,8 +109,10 @@ std::vector<ItemRow> Developer::huggingFaceRows() const {
                     .symbol = std::string{text.symbol},
                     .buttonTitle = "Delete",
                     .onButton = [&model = host_.model, item] {
-                      model.confirmDelete(item.path, item.repo, item.size,
-                                          std::string{DeveloperText::downloadsAgain});
+                      model.confirm(DeleteRequest{.path = item.path,
+                                                  .name = item.repo,
+                                                  .size = item.size,
+                                                  .note = std::string{DeveloperText::downloadsAgain}});
                     }});
   }
   return rows;
@@ -128,7 +130,7 @@ void Developer::updateOllama() {
                           .subtitle = model.modified,
                           .symbol = "brain",
                           .buttonTitle = "Remove",
-                          .onButton = [&app = host_.model, model] { app.confirmOllamaRemove(model); }});
+                          .onButton = [&app = host_.model, model] { app.confirm(model); }});
   }
   ollama_.assign(std::move(state));
 }
@@ -146,7 +148,9 @@ void Developer::updateDocker() {
     if (usage.isVolumes() && usage.reclaimable > 0) {
       row.id = "docker-volumes";
       row.buttonTitle = "Remove";
-      row.onButton = [&model = host_.model] { model.confirmDockerVolumesPrune(); };
+      row.onButton = [&model = host_.model] {
+        model.confirm(DockerPruneRequest{true, model.dev().dockerVolumesReclaimable()});
+      };
     }
     state.rows.push_back(std::move(row));
   }
@@ -155,7 +159,9 @@ void Developer::updateDocker() {
   dockerPrune_.assign({{.id = "docker",
                         .title = std::string{DeveloperText::pruneLine},
                         .buttonTitle = "Clean up",
-                        .onButton = [&model = host_.model] { model.confirmDockerPrune(); }}});
+                        .onButton = [&model = host_.model] {
+                          model.confirm(DockerPruneRequest{false, model.dev().dockerReclaimable()});
+                        }}});
 }
 
 void Developer::updateWorktrees() {
@@ -179,7 +185,7 @@ ItemRow Developer::worktreeRow(const GitWorktree& worktree) const {
           .subtitle = FindingText::worktreeLine(worktree, now(), host_.locale),
           .symbol = "arrow.triangle.branch",
           .buttonTitle = "Remove",
-          .onButton = [&model = host_.model, worktree] { model.confirmRemoveWorktree(worktree); }};
+          .onButton = [&model = host_.model, worktree] { model.confirm(worktree); }};
 }
 
 }  // namespace spacemint

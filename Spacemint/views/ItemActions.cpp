@@ -1,7 +1,5 @@
 #include "Spacemint/views/ItemActions.h"
 
-#include "core/wording/CleanupText.h"
-
 #include <QClipboard>
 #include <QGuiApplication>
 
@@ -31,10 +29,10 @@ void ItemActions::showInFolders(const ItemRow& row) const {
 
 void ItemActions::remove(const ItemRow& row) const {
   if (isInTrash(row)) {
-    host_.model.confirmDelete(row.path, Paths::lastComponent(row.path), row.size,
-                              std::string{CleanupText::deleteNote});
+    host_.model.confirm(DeleteRequest{
+        .path = row.path, .name = Paths::lastComponent(row.path), .size = row.size, .note = deleteNote});
   } else {
-    host_.model.confirmTrash({.path = row.path, .size = row.size, .modified = {}});
+    host_.model.confirm(TrashRequest{.path = row.path, .size = row.size});
   }
 }
 

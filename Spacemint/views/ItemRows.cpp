@@ -70,7 +70,7 @@ ItemRows::ItemRows(const ItemActions& actions, QObject* parent)
       actions_(actions) {
   // Views hold rows of rows, which are no garbage of theirs.
   QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
-  connect(&actions.host().model.cleanups(), &CleanupRuns::runningChanged, this, &ItemRows::tellBusy);
+  connect(&actions.host().model.cleanups(), &Cleanups::runningChanged, this, &ItemRows::tellBusy);
 }
 
 ItemRows::~ItemRows() = default;

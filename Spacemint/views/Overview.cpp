@@ -119,7 +119,7 @@ std::vector<ItemRow> Overview::growthRows() const {
 std::vector<ItemRow> Overview::trashRows() const {
   const auto& trash = host_.model.findings().trash;
   if (!trash) return {};
-  return {{.id = CleanupRuns::trashId,
+  return {{.id = Cleanups::trashId,
            .path = trash->path,
            .size = trash->size,
            .isDirectory = true,
@@ -143,7 +143,7 @@ std::vector<ItemRow> Overview::backupRows() const {
            .symbol = "iphone",
            .buttonTitle = "Delete backup",
            .busyTitle = "Deleting…",
-           .onButton = [&model = host_.model, backup = *backup] { model.confirmDeleteBackup(backup); }}};
+           .onButton = [&model = host_.model, backup = *backup] { model.confirm(backup); }}};
 }
 
 std::vector<ItemRow> Overview::suggestionRows() const {
@@ -155,7 +155,7 @@ std::vector<ItemRow> Overview::suggestionRows() const {
                 .title = suggestion.title,
                 .subtitle = suggestion.advice,
                 .symbol = suggestion.symbol};
-    if (suggestion.id == CleanupRuns::trashId) {
+    if (suggestion.id == Cleanups::trashId) {
       row.buttonTitle = "Empty Trash";
       row.busyTitle = "Emptying…";
       row.onButton = [&model = host_.model] { model.confirmEmptyTrash(); };

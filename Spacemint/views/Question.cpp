@@ -3,15 +3,15 @@
 namespace spacemint {
 
 Question::Question(const UiHost& host) : host_(host) {
-  connect(&host_.model.confirmations(), &Confirmations::changed, this, &Question::changed);
+  connect(&host_.model.cleanups(), &Cleanups::confirmationChanged, this, &Question::changed);
 }
 
 QString Question::detail() const {
-  return isAsked() ? QString::fromStdString(current()->detail.value_or("")) : QString{};
+  return isAsked() ? QString::fromStdString(current()->plan.detail.value_or("")) : QString{};
 }
 
-QString Question::text(std::string Confirmation::*field) const {
-  return isAsked() ? QString::fromStdString((*current()).*field) : QString{};
+QString Question::text(std::string CleanupPlan::*field) const {
+  return isAsked() ? QString::fromStdString(current()->plan.*field) : QString{};
 }
 
 }  // namespace spacemint

@@ -26,24 +26,24 @@ class Question : public QObject {
 
   bool isAsked() const { return current().has_value(); }
   QString uuid() const { return isAsked() ? current()->id.toString() : QString{}; }
-  QString title() const { return text(&Confirmation::title); }
-  QString subject() const { return text(&Confirmation::subject); }
+  QString title() const { return text(&CleanupPlan::title); }
+  QString subject() const { return text(&CleanupPlan::subject); }
   QString detail() const;
-  QString note() const { return text(&Confirmation::note); }
-  QString actionTitle() const { return text(&Confirmation::actionTitle); }
+  QString note() const { return text(&CleanupPlan::note); }
+  QString actionTitle() const { return text(&CleanupPlan::button); }
 
   /// Does what the question with this identifier asks about; nothing when another is asked by now.
   Q_INVOKABLE void perform(const QString& uuid) const {
-    host_.model.performConfirmation(QUuid::fromString(uuid));
+    host_.model.cleanups().confirm(QUuid::fromString(uuid));
   }
-  Q_INVOKABLE void dismiss() const { host_.model.dismissConfirmation(); }
+  Q_INVOKABLE void dismiss() const { host_.model.cleanups().dismiss(); }
 
  Q_SIGNALS:
   void changed();
 
  private:
-  const std::optional<Confirmation>& current() const { return host_.model.confirmations().current(); }
-  QString text(std::string Confirmation::*field) const;
+  const std::optional<Confirmation>& current() const { return host_.model.cleanups().confirmation(); }
+  QString text(std::string CleanupPlan::*field) const;
 
   const UiHost& host_;
 };

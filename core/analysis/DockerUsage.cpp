@@ -13,10 +13,13 @@ namespace spacemint::DevTools {
 
 namespace {
 
-constexpr std::string_view connectionErrors[] = {
-    "cannot connect",        "could not connect",
-    "connection refused",    "is the docker daemon running",
-    "daemon is not running", "no such file or directory (os error 2)"};
+constexpr std::string_view connectionErrors[] = {"cannot connect",
+                                                 "could not connect",
+                                                 "failed to connect",
+                                                 "connection refused",
+                                                 "is the docker daemon running",
+                                                 "daemon is not running",
+                                                 "no such file or directory (os error 2)"};
 
 std::int64_t wholeNumber(std::string_view text) {
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);

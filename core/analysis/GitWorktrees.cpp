@@ -112,6 +112,22 @@ std::optional<GitWorktree> GitWorktrees::inspect(const std::string& path, Bytes 
   return worktree;
 }
 
+std::expected<std::vector<std::string>, int> GitWorktrees::nestedIn(const std::string& path) {
+  std::vector<std::string> found;
+  std::error_code failure;
+  constexpr auto skipClosed = fs::directory_options::skip_permission_denied;
+  for (fs::recursive_directory_iterator at(path, skipClosed, failure), end; !failure && at != end;
+       at.increment(failure)) {
+    if (at->path().filename() != ".git") continue;
+    // Nothing below a repository's own folder is a working tree.
+    at.disable_recursion_pending();
+    if (at.depth() > 0) found.push_back(at->path().parent_path().string().substr(path.size() + 1));
+  }
+  if (failure) return std::unexpected(failure.value());
+  std::ranges::sort(found);
+  return found;
+}
+
 std::optional<std::string> GitWorktrees::parseGitdir(std::string_view text, std::string_view relativeTo) {
   constexpr std::string_view key = "gitdir:";
   const auto all = lines(text);

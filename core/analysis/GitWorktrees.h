@@ -2,6 +2,7 @@
 
 #include "core/tree/Snapshot.h"
 
+#include <expected>
 #include <functional>
 #include <optional>
 #include <string>
@@ -55,6 +56,11 @@ struct FindArguments {
 /// The worktrees of at least `minimum` bytes, largest first. Those inside another worktree are not looked
 /// for.
 std::vector<GitWorktree> find(const FindArguments& arguments);
+
+/// Other repositories and worktrees below the folder at `path`, as paths relative to it. Removing the folder
+/// removes them too. Symbolic links are not followed. Fails with an errno where a folder cannot be listed for
+/// another reason than a missing right.
+std::expected<std::vector<std::string>, int> nestedIn(const std::string& path);
 
 /// The administrative folder that the text of a file ".git" names, for the worktree at `relativeTo`.
 std::optional<std::string> parseGitdir(std::string_view text, std::string_view relativeTo);

@@ -15,7 +15,8 @@ struct Kind {
 constexpr Kind kinds[] = {{"models", "Model"}, {"datasets", "Dataset"}, {"spaces", "Space"}};
 constexpr std::string_view plainFolder = "Cache folder";
 
-constexpr Place cache{".cache/huggingface", "HF_HOME"};
+constexpr Place cache{"$cache/huggingface", "HF_HOME"};
+constexpr Place hubPlace{"$cache/huggingface/hub", "HF_HUB_CACHE|HUGGINGFACE_HUB_CACHE|HF_HOME/hub"};
 constexpr std::string_view hub = "hub";
 
 HuggingFaceItem cacheFolder(std::string repo, std::string path, Bytes size) {
@@ -60,18 +61,15 @@ std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view nam
 }
 
 std::vector<HuggingFaceItem> huggingFace(const HuggingFaceArguments& arguments) {
-  const auto found = PlaceFinder{arguments.in, arguments.home, arguments.environment}.findOne(cache);
-  if (!found) return {};
+  const PlaceFinder finder{arguments.in, arguments.home, arguments.environment};
   std::vector<HuggingFaceItem> items;
-  for (const Node& child : found->node->children) {
-    if (!child.isDirectory) continue;
-    std::string path = Paths::join(found->path, child.name);
-    if (child.name == hub) {
-      addHub(child, path, items);
-    } else {
-      items.push_back(cacheFolder(child.name, std::move(path), child.size));
+  if (const auto found = finder.findOne(cache)) {
+    for (const Node& child : found->node->children) {
+      if (!child.isDirectory || child.name == hub) continue;
+      items.push_back(cacheFolder(child.name, Paths::join(found->path, child.name), child.size));
     }
   }
+  if (const auto found = finder.findOne(hubPlace)) addHub(*found->node, found->path, items);
   std::ranges::stable_sort(items, std::greater{}, &HuggingFaceItem::size);
   return items;
 }

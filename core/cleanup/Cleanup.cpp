@@ -1,8 +1,8 @@
 #include "core/cleanup/Cleanup.h"
 
-#include "core/base/AsciiText.h"
 #include "core/tree/Paths.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -10,109 +10,165 @@ namespace spacemint {
 
 namespace {
 
+using Kind = CleanupStep::Kind;
+
 // Numbers of `fileManagerErrorDomain`.
 constexpr int readNoPermission = 257;
 constexpr int writeNoPermission = 513;
+// The free space shows only of a Trash this large whether all of it went.
+constexpr Bytes trashThatShows = 1'000'000'000;
 
-CleanupFailure failureOf(const Error& error) {
-  return Cleanup::isPermissionError(error) ? CleanupFailure::needsFullDiskAccess()
-                                           : CleanupFailure::other(error.message);
+// What the guard is asked about the path of a step.
+struct Rule {
+  Kind kind;
+  bool asksGuard = true;
+  bool outsideHomeAllowed = false;
+  bool linkItself = false;
+};
+// The Trash itself is protected, but its entries may go. A tool may clean a cache that lies elsewhere or
+// behind a link, as long as no protected folder is meant.
+constexpr Rule rules[]{
+    {Kind::deleteItem},
+    {Kind::emptyFolder},
+    {.kind = Kind::emptyTrash, .asksGuard = false},
+    {.kind = Kind::moveToTrash, .outsideHomeAllowed = true},
+    {.kind = Kind::runTool, .outsideHomeAllowed = true, .linkItself = true},
+    {Kind::removeWorktree},
+};
+
+const Rule& ruleOf(Kind kind) {
+  return *std::ranges::find(rules, kind, &Rule::kind);
 }
 
-std::string reasoned(const DeletionGuard& guard, std::string_view path, std::string_view reason) {
-  return Paths::display(path, guard.home()) + " " + std::string{reason};
+// The folder that a tool will work on: where links lead from the path. The path itself where that is unknown.
+std::string realPath(const std::string& path) {
+  std::error_code failure;
+  const auto real = std::filesystem::canonical(path, failure);
+  return failure ? path : real.string();
 }
 
-// The path without single "." and doubled "/", which the guard takes as they are.
-std::string plainSpelling(std::string_view path) {
-  std::string plain;
-  for (const std::string_view name : pieces(path, '/')) {
-    if (name != ".") (plain += '/') += name;
+CleanupFailure changed(const CleanupStep& step, const DeletionGuard& guard, const char* reason) {
+  return CleanupFailure::refused(Paths::display(step.path, guard.home()) + " " + reason, step.path);
+}
+
+std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure>& result,
+                                        const DeletionGuard& guard) {
+  using FailureKind = CleanupFailure::Kind;
+  if (result) return std::nullopt;
+  const auto& [error, path] = result.error();
+  if (error.isSystem(ECANCELED)) return CleanupFailure::stopped();
+  FailureKind kind = FailureKind::other;
+  if (error.domain == keptByCheck) kind = FailureKind::refused;
+  if (Cleanup::isPermissionError(error)) kind = FailureKind::needsFullDiskAccess;
+  return CleanupFailure{kind, Paths::display(path, guard.home()) + " " + error.message, path};
+}
+
+// A tool and git remove by themselves, so what is below the path and who stands there is looked at before.
+std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const CleanupContext& context) {
+  if (const auto mount = mountedIn(step.path)) {
+    const std::string at = Paths::display(*mount, context.guard.home());
+    return changed(step, context.guard, ("has something else mounted in it, at " + at).c_str());
   }
-  return plain.empty() ? "/" : plain;
+  const auto identity = Cleanup::identityOf(step);
+  if (!identity || identity.value() != step.identity) {
+    return changed(step, context.guard, "is no longer what it was");
+  }
+  if (step.kind == Kind::removeWorktree && worktreeContents(step.path, context) != step.worktree) {
+    return changed(step, context.guard, "has other changes than those that were shown");
+  }
+  return std::nullopt;
 }
 
-RemovalTarget targetAt(std::string_view path, const DeletionGuard& guard,
-                       const std::optional<FileIdentity>& identity) {
-  return {.path = Paths::logical(path), .linksAllowedUpTo = guard.home(), .identity = identity};
-}
-
-std::optional<CleanupFailure> removeEntries(const Cleanup::DeleteContents& arguments,
-                                            OpenedForRemoval& folder) {
-  while (true) {
-    const auto names = folder.nextNames();
-    if (!names) return failureOf(names.error());
-    if (names->empty()) return std::nullopt;
-    for (const std::string& name : *names) {
-      const std::string path = Paths::join(arguments.of, name);
-      if (auto refused = Cleanup::refusal(arguments.guard, {path, true, true})) return refused;
-      if (const auto removed = folder.remove(name); !removed) return failureOf(removed.error());
+std::optional<CleanupFailure> carryOutStep(const CleanupStep& step, const CleanupContext& context,
+                                           RemovalProgress& progress) {
+  const RemovalTarget target{
+      .path = Paths::logical(step.path), .linksAllowedUpTo = context.guard.home(), .identity = step.identity};
+  const auto check = [&](const std::string& path) {
+    return context.guard.check({.path = path, .outsideHomeAllowed = true, .linkItself = true});
+  };
+  switch (step.kind) {
+    case Kind::deleteItem:
+      return failureOf(removeItem(target, progress), context.guard);
+    case Kind::emptyFolder:
+    case Kind::emptyTrash:
+      return failureOf(emptyFolder(target, check, progress), context.guard);
+    case Kind::moveToTrash: {
+      const auto moved = context.trash->move(target);
+      return moved ? std::nullopt : failureOf(std::unexpected(moved.error()), context.guard);
     }
+    case Kind::runTool:
+    case Kind::removeWorktree:
+      return context.run(step.command, [&] { return progress.mayGoOn(); });
   }
+  return std::nullopt;
 }
 
 }  // namespace
 
-std::optional<CleanupFailure> Cleanup::refusal(const DeletionGuard& guard,
-                                               const DeletionGuard::Question& question) {
-  auto reason = guard.check(question);
-  if (!reason) {
-    const std::string plain = plainSpelling(Paths::logical(question.path));
-    if (plain != question.path) {
-      reason = guard.check({plain, question.outsideHomeAllowed, question.linkItself});
-    }
+std::expected<FileIdentity, Error> Cleanup::identityOf(const CleanupStep& step) {
+  return fileIdentity(step.kind == Kind::runTool ? realPath(step.path) : Paths::logical(step.path));
+}
+
+std::optional<CleanupFailure> Cleanup::refusalOf(const CleanupStep& step, const DeletionGuard& guard) {
+  const Rule& rule = ruleOf(step.kind);
+  DeletionGuard::Question question{step.path, rule.outsideHomeAllowed, rule.linkItself};
+  if (!rule.asksGuard) {
+    question.path = Paths::logical(step.path);
+    std::error_code failure;
+    const auto status = std::filesystem::symlink_status(question.path, failure);
+    return std::filesystem::is_symlink(status) ? std::optional{changed(step, guard, "is a symbolic link")}
+                                               : std::nullopt;
   }
-  if (!reason) return std::nullopt;
-  return CleanupFailure::refused(reasoned(guard, question.path, *reason));
-}
-
-std::optional<CleanupFailure> Cleanup::cacheRefusal(const DevTools::FoundCleanup& cache,
-                                                    const DeletionGuard& guard) {
-  const bool byTool = std::holds_alternative<CleanupTarget::Command>(cache.target->action);
-  return refusal(guard, {.path = cache.path, .outsideHomeAllowed = byTool, .linkItself = byTool});
-}
-
-std::optional<CleanupFailure> Cleanup::deleteItem(const DeleteItem& arguments) {
-  if (auto refused = refusal(arguments.guard, {.path = arguments.path})) return refused;
-  const auto removed =
-      arguments.fileManager.remove(targetAt(arguments.path, arguments.guard, arguments.identity));
-  if (!removed) return failureOf(removed.error());
-  return std::nullopt;
-}
-
-std::optional<CleanupFailure> Cleanup::deleteContents(const DeleteContents& arguments) {
-  std::error_code failure;
-  if (std::filesystem::is_symlink(std::filesystem::symlink_status(arguments.of, failure))) {
-    return CleanupFailure::refused(reasoned(arguments.guard, arguments.of, "is a symbolic link"));
+  auto reason = guard.refusal(question);
+  if (!reason && step.kind == Kind::runTool) {
+    question.path = realPath(step.path);
+    reason = guard.refusal(question);
   }
-  if (!Paths::logical(arguments.of).starts_with('/')) {
-    return CleanupFailure::refused("not an absolute path");
+  return reason ? std::optional{CleanupFailure::refused(*reason, step.path)} : std::nullopt;
+}
+
+std::optional<CleanupFailure> Cleanup::judge(const CleanupStep& step, const CleanupContext& context) {
+  if (step.path.empty() && step.kind == Kind::runTool) return std::nullopt;
+  if (auto refused = refusalOf(step, context.guard)) return refused;
+  return step.runsCommand() ? judgeForOthers(step, context) : std::nullopt;
+}
+
+CleanupReport Cleanup::carryOut(const CleanupPlan& plan, const CleanupContext& context,
+                                const RemovalProgress::Watch& watch) {
+  CleanupReport report{.freeBefore = context.freeBytes()};
+  for (const CleanupStep& step : plan.steps) {
+    const Removed before = report.removed();
+    const auto sumWatch = [&](const Removed& now) {
+      return !watch || watch({before.items + now.items, checkedAdd(before.bytes, now.bytes)});
+    };
+    if (!sumWatch({})) break;
+    RemovalProgress progress{sumWatch};
+    auto failure = judge(step, context);
+    if (!failure) failure = carryOutStep(step, context, progress);
+    report.steps.push_back({std::move(failure), progress.removed()});
+    if (report.steps.back().failure && plan.stopsAtFailure) break;
   }
-  const auto folder = arguments.fileManager.open(targetAt(arguments.of, arguments.guard, arguments.identity));
-  if (!folder) return failureOf(folder.error());
-  return removeEntries(arguments, **folder);
+  report.freeAfter = context.freeBytes();
+  return report;
 }
 
-std::optional<CleanupFailure> Cleanup::emptyCache(const DeleteContents& arguments) {
-  if (auto refused = refusal(arguments.guard, {.path = arguments.of})) return refused;
-  return deleteContents(arguments);
+void Cleanup::settle(CleanupReport& report, const CleanupPlan& plan, std::optional<Bytes> freeAfter) {
+  report.freeAfter = freeAfter;
+  const bool shows = plan.expected && *plan.expected > trashThatShows && report.failure() == nullptr;
+  if (shows && !report.steps.empty() && report.freed().value_or(0) < *plan.expected / 2) {
+    report.steps.back().failure = CleanupFailure{CleanupFailure::Kind::needsFullDiskAccess, ""};
+  }
 }
 
-std::optional<CleanupFailure> Cleanup::mountRefusal(const std::string& folder, const DeletionGuard& guard) {
-  const auto mount = mountedIn(folder);
-  if (!mount) return std::nullopt;
-  return CleanupFailure::refused(reasoned(
-      guard, folder, "has something else mounted in it, at " + Paths::display(*mount, guard.home())));
-}
-
-Cleanup::WorktreeRemoval Cleanup::worktreeRemoval(const GitWorktree& worktree,
-                                                  std::optional<int> uncommittedChanges) {
-  if (!worktree.repositoryPath || worktree.isOrphaned) return DeleteFolder{worktree.path};
-  std::vector<std::string> arguments(safeGitOptions.begin(), safeGitOptions.end());
-  arguments.insert(arguments.end(), {"-C", *worktree.repositoryPath, "worktree", "remove"});
-  if (uncommittedChanges.value_or(0) >= 1) arguments.emplace_back("--force");
-  arguments.push_back(worktree.path);
-  return RunGit{std::move(arguments)};
+bool Cleanup::touchEachOther(const CleanupPlan& one, const CleanupPlan& other) {
+  const auto holds = [](const std::string& outer, const std::string& inner) {
+    return Paths::join(inner, "").starts_with(Paths::join(outer, ""));
+  };
+  return one.id == other.id || std::ranges::any_of(one.steps, [&](const CleanupStep& a) {
+           return !a.path.empty() && std::ranges::any_of(other.steps, [&](const CleanupStep& b) {
+             return !b.path.empty() && (holds(a.path, b.path) || holds(b.path, a.path));
+           });
+         });
 }
 
 bool Cleanup::isPermissionError(const Error& error) {
@@ -124,6 +180,29 @@ bool Cleanup::isPermissionError(const Error& error) {
     if (at->isSystem(EPERM) || at->isSystem(EACCES)) return true;
   }
   return false;
+}
+
+Removed CleanupReport::removed() const {
+  Removed sum;
+  for (const Step& step : steps) {
+    sum.items += step.removed.items;
+    sum.bytes = checkedAdd(sum.bytes, step.removed.bytes);
+  }
+  return sum;
+}
+
+std::optional<Bytes> CleanupReport::freed() const {
+  if (!freeBefore || !freeAfter) return std::nullopt;
+  return checkedSubtract(*freeAfter, *freeBefore);
+}
+
+const CleanupFailure* CleanupReport::failure() const {
+  const auto failed = std::ranges::find_if(steps, [](const Step& step) { return step.failure.has_value(); });
+  return failed == steps.end() ? nullptr : &*failed->failure;
+}
+
+bool CleanupReport::isComplete(const CleanupPlan& plan) const {
+  return steps.size() == plan.steps.size() && failure() == nullptr;
 }
 
 }  // namespace spacemint

@@ -1,90 +1,62 @@
 #pragma once
 
-#include "core/analysis/DevTools.h"
-#include "core/analysis/GitWorktrees.h"
-#include "core/cleanup/CleanupFailure.h"
-#include "core/cleanup/DeletionGuard.h"
-#include "core/host/Removal.h"
+#include "core/cleanup/CleanupPlan.h"
 
-#include <array>
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
-#include <string_view>
-#include <variant>
 #include <vector>
 
 namespace spacemint {
 
-/// The operations that remove data, for good. Each path passes the guard first. They keep no state, block for
-/// as long as the removal takes, and what is gone when they fail stays gone.
+/// What came of a clean-up.
+struct CleanupReport {
+  struct Step {
+    std::optional<CleanupFailure> failure;
+    /// What this program removed itself; nothing for a tool.
+    Removed removed;
+  };
+
+  /// The steps that were begun, in the order of the plan.
+  std::vector<Step> steps = {};
+  std::optional<Bytes> freeBefore = {};
+  std::optional<Bytes> freeAfter = {};
+
+  Removed removed() const;
+  /// What the volume has more free than before; absent where it could not be read.
+  std::optional<Bytes> freed() const;
+  /// The first failure, if there is one.
+  const CleanupFailure* failure() const;
+  bool isComplete(const CleanupPlan& plan) const;
+};
+
 namespace Cleanup {
 
-/// Domain of errors that come from a file manager with numbers of its own.
-inline constexpr std::string_view fileManagerErrorDomain = "NSCocoaErrorDomain";
+/// Why a step may not be carried out now: the guard refuses its path, something is mounted below it, another
+/// item stands there than the confirmed one, or a worktree holds other changes than those that were counted.
+/// Absent where it may. Blocks; any thread.
+std::optional<CleanupFailure> judge(const CleanupStep& step, const CleanupContext& context);
 
-/// The first arguments of every run of git: it starts no file-system monitor and runs no hook of a
-/// repository.
-inline constexpr std::array<std::string_view, 4> safeGitOptions{"-c", "core.fsmonitor=false", "-c",
-                                                                "core.hooksPath=/dev/null"};
+/// The guard's answer alone, for a button that should not be offered.
+std::optional<CleanupFailure> refusalOf(const CleanupStep& step, const DeletionGuard& guard);
 
-/// Why nothing may be removed at a path, as a complete message; absent when it may. The guard is asked about
-/// the path as it is written and as the system will read it, so that no spelling of a protected folder gets
-/// through.
-std::optional<CleanupFailure> refusal(const DeletionGuard& guard, const DeletionGuard::Question& question);
+/// Device and inode of the item of a step; for a tool those of the folder where links lead to.
+std::expected<FileIdentity, Error> identityOf(const CleanupStep& step);
 
-/// The same for a cache, which an environment variable may have moved to any folder. One that is emptied must
-/// lie in the home folder and be no link; a tool may also clean one elsewhere, but no protected folder, for
-/// some tools remove all that they find there.
-std::optional<CleanupFailure> cacheRefusal(const DevTools::FoundCleanup& cache, const DeletionGuard& guard);
+/// Judges each step again right before it, and carries it out. `watch` is called on this thread before
+/// each entry with the sum of what was removed; false stops the clean-up there. Blocks for as long as the
+/// removal takes; what is gone by then stays gone. Any thread.
+CleanupReport carryOut(const CleanupPlan& plan, const CleanupContext& context,
+                       const RemovalProgress::Watch& watch = {});
 
-struct DeleteItem {
-  std::string path;
-  const DeletionGuard& guard;
-  Removal& fileManager;
-  /// What was confirmed; another item at the path is left alone. Absent to take what is there.
-  std::optional<FileIdentity> identity = {};
-};
+/// Adds the reading of the volume after its figures have settled, and the failure that shows in it only: that
+/// of a file manager that did not empty the Trash.
+void settle(CleanupReport& report, const CleanupPlan& plan, std::optional<Bytes> freeAfter);
 
-/// Removes one item with all that is in it. It must lie in the home folder and be no symbolic link.
-std::optional<CleanupFailure> deleteItem(const DeleteItem& arguments);
-
-struct DeleteContents {
-  /// The folder to empty; it stays itself.
-  std::string of;
-  const DeletionGuard& guard;
-  Removal& fileManager;
-  std::optional<FileIdentity> identity = {};
-};
-
-/// Removes every entry of a folder, in listing order, and stops at the first that is refused or fails. Links
-/// among them are removed as links. The folder itself may be a protected one, as the Trash is.
-std::optional<CleanupFailure> deleteContents(const DeleteContents& arguments);
-
-/// The same for a folder that could as well be removed itself: in the home folder, not protected, no link.
-std::optional<CleanupFailure> emptyCache(const DeleteContents& arguments);
-
-/// Why no other program may be let remove a folder: something is mounted in it, and it is not known to stop
-/// there, as git does not. Absent when nothing is.
-std::optional<CleanupFailure> mountRefusal(const std::string& folder, const DeletionGuard& guard);
-
-/// How a git worktree is to be removed.
-struct RunGit {
-  std::vector<std::string> arguments;
-  bool operator==(const RunGit&) const = default;
-};
-struct DeleteFolder {
-  std::string path;
-  bool operator==(const DeleteFolder&) const = default;
-};
-using WorktreeRemoval = std::variant<RunGit, DeleteFolder>;
-
-/// Git removes the worktrees that it knows: by force only where `uncommittedChanges` were counted and there
-/// are some, so that where they could not be counted git itself refuses to lose any. The folder of an orphan
-/// is deleted.
-WorktreeRemoval worktreeRemoval(const GitWorktree& worktree, std::optional<int> uncommittedChanges);
-
-/// Whether the error, or one that it rests on, says that the right to do it is missing.
-bool isPermissionError(const Error& error);
+/// True when a step of one plan lies in, at or above a step of the other, or both have the same id. Two such
+/// clean-ups must not run at once.
+bool touchEachOther(const CleanupPlan& one, const CleanupPlan& other);
 
 }  // namespace Cleanup
 

@@ -10,7 +10,7 @@ namespace spacemint {
 
 namespace {
 
-// What cannot be looked at counts as no link: removing it will say why.
+// An item that cannot be looked at counts as no link: its removal will say why.
 bool isSymbolicLink(const std::string& path) {
   std::error_code failure;
   return std::filesystem::is_symlink(std::filesystem::symlink_status(path, failure));
@@ -18,7 +18,20 @@ bool isSymbolicLink(const std::string& path) {
 
 }  // namespace
 
-DeletionGuard::DeletionGuard(std::string_view home) : home_(Paths::logical(home)) {}
+DeletionGuard::DeletionGuard(std::string_view home, std::vector<std::string> personal)
+    : home_(Paths::logical(home)),
+      personal_(std::move(personal)) {}
+
+std::optional<std::string> DeletionGuard::refusal(const Question& question) const {
+  auto reason = check(question);
+  if (!reason) {
+    Question plain = question;
+    plain.path = Paths::plain(Paths::logical(question.path));
+    if (plain.path != question.path) reason = check(plain);
+  }
+  if (!reason) return std::nullopt;
+  return Paths::display(question.path, home_) + " " + *reason;
+}
 
 std::optional<std::string> DeletionGuard::check(const Question& question) const {
   std::string path = Paths::logical(question.path);
@@ -40,11 +53,15 @@ bool DeletionGuard::holdsHome(std::string_view path) const {
   return canonicalPrefixLength(Paths::join(home_, ""), Paths::join(path, "")).has_value();
 }
 
-// Here names that only look alike count as equal, for on some disks they are.
+// Names that only look alike count as equal here: on some disks they are.
 bool DeletionGuard::isProtected(std::string_view path) const {
   const std::string_view home = Paths::withoutTrailingSlash(home_);
   if (canonicallyEqual(path, home)) return true;
   if (std::ranges::find(protectedFolders, path) != protectedFolders.end()) return true;
+  if (std::ranges::any_of(personal_,
+                          [&](const std::string& folder) { return canonicallyEqual(path, folder); })) {
+    return true;
+  }
   const auto length = canonicalPrefixLength(path, Paths::join(home, ""));
   if (!length) return false;
   return std::ranges::find(protectedInHome, path.substr(*length)) != protectedInHome.end();

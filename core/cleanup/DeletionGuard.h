@@ -4,15 +4,16 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace spacemint {
 
-/// The gate that every path passes before something is removed. It removes nothing and resolves no link;
-/// apart from one look at the item itself it works on the text of the path alone. Any thread.
+/// The gate that every path passes before something is removed. It removes nothing and resolves no link. It
+/// works on the text of the path; only `check` looks at the item itself, once. Any thread.
 class DeletionGuard {
  public:
-  /// Folders that are never removed themselves, whatever lies in them may be. Those that the home folder lies
-  /// in are protected too.
+  /// Folders that are never removed themselves; what lies in them may be. The folders above the home folder
+  /// are protected too.
   static constexpr std::array<std::string_view, 27> protectedFolders{
       "/",        "/System", "/Library", "/Applications", "/Users",
       "/private", "/usr",    "/bin",     "/sbin",         "/etc",
@@ -51,10 +52,17 @@ class DeletionGuard {
     bool linkItself = false;
   };
 
-  explicit DeletionGuard(std::string_view home);
+  /// `personal` are folders that are protected like those of `protectedInHome`: the user's documents,
+  /// downloads and so on, in the language of the desktop.
+  explicit DeletionGuard(std::string_view home, std::vector<std::string> personal = {});
 
   /// Why the path may not be removed, as a phrase to put behind it; absent when it may.
   std::optional<std::string> check(const Question& question) const;
+
+  /// The same as a complete sentence part, "~/Documents is a protected folder". Asks about the path as it is
+  /// written and as the system will read it (without single "." and doubled "/"), so that no spelling of a
+  /// protected folder gets through.
+  std::optional<std::string> refusal(const Question& question) const;
 
   const std::string& home() const { return home_; }
 
@@ -63,6 +71,7 @@ class DeletionGuard {
   bool holdsHome(std::string_view path) const;
 
   std::string home_;
+  std::vector<std::string> personal_;
 };
 
 }  // namespace spacemint

@@ -3,7 +3,55 @@
 #include "core/base/AsciiText.h"
 #include "core/tree/Paths.h"
 
+#include <algorithm>
+#include <array>
+
 namespace spacemint {
+
+namespace {
+
+// npm puts one of these before each line of an error.
+constexpr std::array<std::string_view, 2> prefixes{"npm error ", "npm ERR! "};
+// Lines that begin so give the reason.
+constexpr std::array<std::string_view, 5> reasons{
+    "fatal: ", "error: ", "error response from daemon: ", "error:  ", "err_"};
+// Lines that begin so are hints or details.
+constexpr std::array<std::string_view, 12> details{"a complete log of this run",
+                                                   "use '",
+                                                   "use \"",
+                                                   "see '",
+                                                   "see \"",
+                                                   "run '",
+                                                   "run \"",
+                                                   "try '",
+                                                   "syscall ",
+                                                   "errno ",
+                                                   "path ",
+                                                   "hint: "};
+
+bool beginsWithOneOf(std::string_view line, auto&& beginnings) {
+  const std::string lower = lowerCased(line);
+  return std::ranges::any_of(beginnings, [&](std::string_view each) { return lower.starts_with(each); });
+}
+
+std::string_view withoutPrefix(std::string_view line) {
+  for (const std::string_view prefix : prefixes) {
+    if (line.starts_with(prefix)) return trimmed(line.substr(prefix.size()));
+  }
+  return line;
+}
+
+}  // namespace
+
+std::string toolReason(std::string_view text) {
+  std::string_view last;
+  for (std::string_view line : lines(text)) {
+    line = withoutPrefix(trimmed(line));
+    if (beginsWithOneOf(line, reasons)) return std::string{line};
+    if (!line.empty() && !beginsWithOneOf(line, details)) last = line;
+  }
+  return last.empty() ? DevTools::lastLine(text) : std::string{last};
+}
 
 std::optional<CleanupFailure> toolFailure(const std::string& tool,
                                           const std::optional<DevTools::ToolAnswer>& answer) {
@@ -11,16 +59,7 @@ std::optional<CleanupFailure> toolFailure(const std::string& tool,
   if (!answer) return CleanupFailure::other("couldn't find " + name + ".");
   if (answer->timedOut) return CleanupFailure::other(name + " took too long and was stopped.");
   if (answer->status == 0) return std::nullopt;
-  return CleanupFailure::other(DevTools::lastLine(answer->error.empty() ? answer->output : answer->error));
-}
-
-std::optional<CleanupFailure> trashFailure(const std::optional<DevTools::ToolAnswer>& answer) {
-  if (!answer) return CleanupFailure::other("couldn't reach Finder.");
-  if (answer->status == 0 && !answer->timedOut) return std::nullopt;
-  const bool isForbidden = answer->error.find("-1743") != std::string::npos ||
-                           lowerCased(answer->error).find("not authorized") != std::string::npos;
-  if (isForbidden) return CleanupFailure::needsFinderPermission();
-  return CleanupFailure::other(DevTools::lastLine(answer->error));
+  return CleanupFailure::other(toolReason(answer->error.empty() ? answer->output : answer->error));
 }
 
 }  // namespace spacemint

@@ -17,6 +17,15 @@ std::vector<std::string> CleanupTarget::Command::arguments() const {
   return found;
 }
 
+std::optional<std::pair<std::string, std::string>> CleanupTarget::Command::pinned(
+    std::string_view path) const {
+  const std::size_t nameLength = std::min(pin.find('/'), pin.size());
+  const std::string_view inside = pin.substr(nameLength);
+  if (pin.empty() || !path.ends_with(inside) || path.size() == inside.size()) return std::nullopt;
+  path.remove_suffix(inside.size());
+  return std::pair{std::string{pin.substr(0, nameLength)}, std::string{path}};
+}
+
 std::optional<std::string> CleanupTarget::commandLine() const {
   const auto* command = std::get_if<Command>(&action);
   return command == nullptr ? std::nullopt : std::optional{std::string{command->line}};

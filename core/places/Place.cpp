@@ -68,15 +68,19 @@ std::optional<PlaceFinder::Found> PlaceFinder::findOne(const Place& place) const
 }
 
 std::vector<std::string> PlaceFinder::movedTo(std::string_view movedBy) const {
-  if (!environment_ || movedBy.empty()) return {};
-  const std::size_t nameLength = std::min(movedBy.find('/'), movedBy.size());
-  const std::string_view inside = movedBy.substr(std::min(nameLength + 1, movedBy.size()));
-  const std::string value = environment_(std::string{movedBy.substr(0, nameLength)}).value_or("");
   std::vector<std::string> paths;
-  for (const std::string_view piece : splitAt(':', value)) {
-    // A folder in which the place is one of several may be anything; the place itself must be one of its own.
-    const std::string path = inside.empty() ? std::string{piece} : Paths::join(piece, inside);
-    if (auto folder = ownFolder(path, home_)) paths.push_back(std::move(*folder));
+  if (!environment_) return paths;
+  for (const std::string_view way : splitAt('|', movedBy)) {
+    const std::size_t nameLength = std::min(way.find('/'), way.size());
+    const std::string_view inside = way.substr(std::min(nameLength + 1, way.size()));
+    const std::string value = environment_(std::string{way.substr(0, nameLength)}).value_or("");
+    for (const std::string_view piece : splitAt(':', value)) {
+      // A folder in which the place is one of several may be any folder; the place itself must be a tool's
+      // own.
+      const std::string path = inside.empty() ? std::string{piece} : Paths::join(piece, inside);
+      if (auto folder = ownFolder(path, home_)) paths.push_back(std::move(*folder));
+    }
+    if (!paths.empty()) break;
   }
   return paths;
 }

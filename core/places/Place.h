@@ -17,8 +17,9 @@ struct Place {
   /// is there.
   std::string_view path;
   /// The environment variable that moves the place, alone or with a path inside the folder that it names:
-  /// "GOCACHE", "CARGO_HOME/registry/src". It counts when it holds an absolute path, or several between ":".
-  /// The home folder itself and those above it do not count: no tool owns them.
+  /// "GOCACHE", "CARGO_HOME/registry/src"; several between "|", of which the first counts that is set. It
+  /// counts when it holds an absolute path, or several between ":". The home folder itself and the folders
+  /// above it do not count: no tool owns them.
   std::string_view movedBy = {};
 
   bool operator==(const Place&) const = default;

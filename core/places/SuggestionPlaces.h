@@ -20,7 +20,7 @@ struct SuggestionPlace {
 // clang-format off
 inline constexpr auto suggestionPlaces = std::to_array<SuggestionPlace>({
     {"trash", "Trash", "Takes space until emptied", "trash", {".Trash"}},
-    {"downloads", "Downloads", "Installers and archives pile up here", "arrow.down.circle", {"Downloads"}},
+    {"downloads", "Downloads", "Installers and archives pile up here", "arrow.down.circle", {"Downloads", "XDG_DOWNLOAD_DIR"}},
     {"caches", "App caches", "Apps rebuild what they need", "shippingbox", {"Library/Caches"}},
     {"deriveddata", "Xcode build data", "Safe to delete, Xcode rebuilds it", "hammer", {"Library/Developer/Xcode/DerivedData"}},
     {"archives", "Xcode archives", "Old app builds", "archivebox", {"Library/Developer/Xcode/Archives"}},
@@ -31,7 +31,7 @@ inline constexpr auto suggestionPlaces = std::to_array<SuggestionPlace>({
     {"backups", "iPhone & iPad backups", "Manage in Finder under your device", "externaldrive.badge.timemachine", {"Library/Application Support/MobileSync/Backup"}},
     {"messages", "Messages attachments", "Photos and files from chats", "message", {"Library/Messages/Attachments"}},
     {"devcache", "Developer caches", "Package and model caches in ~/.cache", "shippingbox", {".cache", "XDG_CACHE_HOME"}},
-    {"npm", "npm cache", "Packages, downloaded again on demand", "shippingbox", {".npm", "npm_config_cache"}},
+    {"npm", "npm cache", "Packages, downloaded again on demand", "shippingbox", {".npm", "npm_config_cache|NPM_CONFIG_CACHE"}},
     {"pnpm", "pnpm store", "Shared package store", "shippingbox", {"Library/pnpm"}},
     {"gradle", "Gradle caches", "Downloaded again on the next build", "shippingbox", {".gradle/caches", "GRADLE_USER_HOME/caches"}},
     {"maven", "Maven repository", "Downloaded again on the next build", "shippingbox", {".m2/repository"}},
@@ -40,7 +40,7 @@ inline constexpr auto suggestionPlaces = std::to_array<SuggestionPlace>({
 
     {"trash", "Trash", "Takes space until emptied", "trash", {"$data/Trash"}},
     {"pnpm-xdg", "pnpm store", "Shared package store", "shippingbox", {"$data/pnpm/store", "PNPM_HOME/store"}},
-    {"gomod", "Go modules", "Downloaded again on demand", "shippingbox", {"go/pkg/mod", "GOMODCACHE"}},
+    {"gomod", "Go modules", "Downloaded again on demand", "shippingbox", {"go/pkg/mod", "GOMODCACHE|GOPATH/pkg/mod"}},
     {"rustup", "Rust toolchains", "Remove the ones you no longer use with rustup", "hammer", {".rustup/toolchains", "RUSTUP_HOME/toolchains"}},
     {"conda", "Conda packages", "Downloaded again on demand", "shippingbox", {condaPackages, "CONDA_PKGS_DIRS"}},
     {"podman", "Podman", "Images, containers and volumes", "cube", {"$data/containers"}},

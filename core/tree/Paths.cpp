@@ -1,5 +1,6 @@
 #include "core/tree/Paths.h"
 
+#include "core/base/AsciiText.h"
 #include "core/base/Unicode.h"
 
 namespace spacemint {
@@ -26,6 +27,14 @@ std::string Paths::display(std::string_view path, std::string_view home) {
   const auto length = canonicalPrefixLength(shortPath, join(home, ""));
   if (!length) return shortPath;
   return "~/" + shortPath.substr(*length);
+}
+
+std::string Paths::plain(std::string_view path) {
+  std::string plain;
+  for (const std::string_view name : pieces(path, '/')) {
+    if (name != ".") (plain += '/') += name;
+  }
+  return plain.empty() ? "/" : plain;
 }
 
 std::string Paths::lastComponent(std::string_view path) {

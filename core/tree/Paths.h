@@ -21,6 +21,9 @@ std::string logical(std::string_view path);
 /// The logical path as people read it: "~" for `home`, "~/…" for what is in it.
 std::string display(std::string_view path, std::string_view home);
 
+/// The absolute path without single "." and without doubled or trailing "/".
+std::string plain(std::string_view path);
+
 /// The part after the last "/", trailing "/" ignored; "/" for the root.
 std::string lastComponent(std::string_view path);
 

@@ -64,7 +64,7 @@ class WholeModel : public ModelFixture {
     return waitUntil([this] { return !model->scans().isScanning(); });
   }
   bool waitForMessage(const std::string& text) {
-    return waitUntil([&] { return message() == text; });
+    return waitUntil([&] { return message().starts_with(text); });
   }
   bool waitForStoredScan() {
     return waitUntil([this] {
@@ -106,7 +106,7 @@ TEST_F(WholeModel, scansRecordsComparesAndCleans) {
   EXPECT_EQ(model->findings().growth.front().path, inHome("Projects/more"));
 
   ASSERT_THAT(model->findings().devCleanups, SizeIs(1));
-  model->confirmCleanup(model->findings().devCleanups.front());
+  model->confirm(model->findings().devCleanups.front());
   confirm();
   ASSERT_TRUE(waitForMessage("Cleaned Thumbnails.")) << message();
   EXPECT_FALSE(exists(".cache/thumbnails/a"));
@@ -125,7 +125,7 @@ TEST_F(WholeModel, neverHoldsUpTheInterface) {
   model->scan();
   ASSERT_TRUE(waitForScan());
   EXPECT_EQ(model->history().snapshot()->fileCount, files + 1);
-  model->confirmDelete(inHome("many"), "many", 30 * MB, "");
+  model->confirm(DeleteRequest{inHome("many"), "many", 30 * MB, ""});
   confirm();
   ASSERT_TRUE(waitForMessage("Deleted many.")) << message();
   EXPECT_FALSE(exists("many"));
@@ -154,7 +154,7 @@ TEST_F(WholeModel, endsInTheMiddleOfACleanUpAndTouchesNothingElse) {
   model->start();
   model->scan();
   ASSERT_TRUE(waitForScan());
-  model->confirmDelete(inHome("many"), "many", 0, "");
+  model->confirm(DeleteRequest{inHome("many"), "many", 0, ""});
   confirm();
   ASSERT_TRUE(waitUntil([this] { return !exists("many/0") || !exists("many/9") || !exists("many/49"); }));
   model.reset();

@@ -108,8 +108,8 @@ void settings(Scene& scene) {
   scene.app().setShowingSettings(true);
 }
 void askToDelete(Scene& scene, const std::string& name) {
-  scene.app().confirmDelete(scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
-                            "This removes it for good. It can't be restored.");
+  scene.app().confirm(DeleteRequest{scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
+                                    "This removes it for good. It can't be restored."});
 }
 
 struct PanelPage {

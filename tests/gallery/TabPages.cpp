@@ -113,12 +113,14 @@ class TabScene final : public support::HomeFixture {
   }
   // Cleans a cache, and stops before it is done.
   void clean() {
-    desktop.tasks.hold(Tasks::Priority::userInitiated);
-    model->confirmCleanup(model->findings().devCleanups.front());
+    desktop.tasks.hold(Tasks::Priority::alone);
+    model->confirm(model->findings().devCleanups.front());
     confirm();
   }
   void emptyTrash() {
-    desktop.tasks.hold(Tasks::Priority::userInitiated);
+    addFile(".local/share/Trash/files/film", 1);
+    addFile(".Trash/film", 1);
+    desktop.tasks.hold(Tasks::Priority::alone);
     model->confirmEmptyTrash();
     confirm();
   }

@@ -2,7 +2,6 @@
 
 #include "support/Files.h"
 #include "support/ModelFixture.h"
-#include "support/OwnMounts.h"
 #include "support/TreeBuilder.h"
 
 #include <filesystem>
@@ -11,8 +10,6 @@ namespace spacemint {
 namespace {
 
 using namespace support;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::StartsWith;
 namespace fs = std::filesystem;
 
@@ -39,46 +36,16 @@ class CleanupsTest : public ModelFixture {
     EXPECT_EQ(std::system(command.c_str()), 0) << command;
     return GitWorktrees::inspect(inHome("wt"), GB);
   }
-  const Confirmation& asked() const { return *model->confirmations().current(); }
-
-  // Runs a clean-up that ends as it is told, and says what is said of it.
-  std::string outcomeOf(CleanupJob::Failure failure, Bytes freed, std::optional<Bytes> estimate = {},
-                        const std::string& id = "x") {
-    Messages messages;
-    VolumeWatch volume{desktop.desktop()};
-    ScanHistory history{store, desktop.tasks, messages};
-    Remeasure remeasure{history, desktop.tasks, 0};
-    CleanupRuns runs{
-        {.volume = volume, .remeasure = remeasure, .messages = messages}, desktop.desktop(), "en_US"};
-    runs.perform({.id = id, .label = "Cleaned it", .estimate = estimate, .work = [&] {
-                    if (desktop.volume.current) desktop.volume.current->free += freed;
-                    return QtFuture::makeReadyFuture(failure);
-                  }});
-    EXPECT_TRUE(runs.isRunning(id));
-    desktop.advance(1s);
-    EXPECT_FALSE(runs.isRunning(id));
-    const auto& action = messages.action();
-    return messages.message().value_or("") + (action ? " [" + action->title + "]" : "");
+  void askToDelete(const std::string& name) {
+    model->confirm(DeleteRequest{.path = inHome(name), .name = name, .size = 40 * MB, .note = ""});
   }
+  const CleanupPlan& asked() const { return model->cleanups().confirmation()->plan; }
 
   DevTools::FoundCleanup cache(std::string_view id, std::string_view name, Bytes size = 60 * MB) const {
     const auto* target = std::ranges::find(cleanupTargets, id, &CleanupTarget::id);
     return {.target = target, .path = inHome(name), .size = size};
   }
 };
-
-TEST_F(CleanupsTest, saysHowItEnded) {
-  EXPECT_EQ(outcomeOf({}, 50'000'001), "Cleaned it and freed 50 MB.");
-  EXPECT_EQ(outcomeOf({}, -5 * GB, 3 * GB), "Cleaned it, about 3 GB. It can take a moment to show as free.");
-  EXPECT_EQ(outcomeOf(CleanupFailure::other("it is busy"), 9 * GB), "That didn't work: it is busy");
-  EXPECT_EQ(outcomeOf(CleanupFailure::needsFullDiskAccess(), 0),
-            "Spacemint needs Full Disk Access to do this. [Open Settings]");
-  EXPECT_THAT(
-      outcomeOf(CleanupFailure::needsFullDiskAccess(), 0, {}, "trash"),
-      testing::AllOf(StartsWith("Some items, like hidden ones"), testing::EndsWith(" [Open Settings]")));
-  desktop.volume.current.reset();
-  EXPECT_EQ(outcomeOf(CleanupFailure::other("no volume"), 0), "That didn't work: no volume");
-}
 
 TEST_F(CleanupsTest, asksBeforeItDestroys) {
   struct Case {
@@ -88,38 +55,40 @@ TEST_F(CleanupsTest, asksBeforeItDestroys) {
   const DeviceBackup backup{
       .path = inHome("b"), .name = "Ann's phone", .lastBackup = morning - 48h, .size = 3 * GB};
   const Case cases[]{
-      {[&] { model->confirmTrash({.path = inHome("old.zip"), .size = 2 * GB}); },
+      {[&] {
+         model->confirm(TrashRequest{inHome("old.zip"), 2 * GB});
+       },
        {"Move to Trash?", "old.zip · 2 GB", "~/old.zip",
         "You can put it back from the Trash until you empty it.", "Move to Trash"}},
       {[&] { model->confirmEmptyTrash(); },
        {"Empty the Trash?", "Everything in the Trash", "-",
         "Deletes everything for good, including hidden items.", "Empty Trash"}},
-      {[&] { model->confirmDeleteBackup(backup); },
+      {[&] { model->confirm(backup); },
        {"Delete this backup?", "Ann's phone · 3 GB", "Last backed up 2 days ago",
         "You won't be able to restore Ann's phone from it anymore. Other backups stay.", "Delete backup"}},
-      {[&] { model->confirmCleanup(cache("thumbnails", ".cache/thumbnails", GB)); },
+      {[&] { model->confirm(cache("thumbnails", ".cache/thumbnails", GB)); },
        {"Clean up Thumbnails?", "Thumbnails · 1 GB", "-",
         "Permanently deletes everything inside ~/.cache/thumbnails. Recreated as you browse", "Clean up"}},
   };
   QUuid last;
   for (const Case& c : cases) {
     c.ask();
-    const Confirmation& shown = asked();
+    const CleanupPlan& shown = asked();
     EXPECT_THAT(
-        (std::vector{shown.title, shown.subject, shown.detail.value_or("-"), shown.note, shown.actionTitle}),
+        (std::vector{shown.title, shown.subject, shown.detail.value_or("-"), shown.note, shown.button}),
         testing::ElementsAreArray(c.texts));
-    EXPECT_NE(shown.id, last);
-    last = shown.id;
+    EXPECT_NE(model->cleanups().confirmation()->id, last);
+    last = model->cleanups().confirmation()->id;
   }
-  model->dismissConfirmation();
-  EXPECT_FALSE(model->confirmations().current());
-  model->performConfirmation(last);
-  EXPECT_THAT(model->cleanups().running(), IsEmpty()) << "what was dismissed does nothing";
+  model->cleanups().dismiss();
+  EXPECT_FALSE(model->cleanups().confirmation());
+  model->cleanups().confirm(last);
+  EXPECT_FALSE(model->cleanups().isRunning("thumbnails")) << "what was dismissed does nothing";
 }
 
 TEST_F(CleanupsTest, deletesWhatWasShownAndNothingElse) {
   haveScan();
-  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  askToDelete("junk");
   fs::rename(inHome("junk"), inHome("moved"));
   addFile("junk/precious", 40 * MB);
   confirm();
@@ -127,13 +96,13 @@ TEST_F(CleanupsTest, deletesWhatWasShownAndNothingElse) {
   EXPECT_TRUE(exists("junk/precious"));
   EXPECT_THAT(message(), StartsWith("That didn't work: "));
 
-  model->confirmDelete(inHome("later"), "later", 40 * MB, "");
+  askToDelete("later");
   addFile("later/precious", 40 * MB);
   confirm();
   desktop.advance(2s);
   EXPECT_TRUE(exists("later/precious")) << "it was not there when it was asked about";
 
-  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  askToDelete("junk");
   confirm();
   desktop.advance(2s);
   EXPECT_FALSE(exists("junk"));
@@ -145,10 +114,10 @@ TEST_F(CleanupsTest, deletesWhatWasShownAndNothingElse) {
 TEST_F(CleanupsTest, runsOfOneIdDoNotOverlap) {
   addProgram("docker", "echo run >> " + inHome("log"));
   startModel();
-  model->confirmDockerPrune();
-  const auto press = asked().perform;
-  press();
-  press();
+  model->confirm(DockerPruneRequest{});
+  const CleanupPlan plan = asked();
+  model->cleanups().perform(plan);
+  model->cleanups().perform(plan);
   desktop.advance(20s);
   EXPECT_EQ(readText(inHome("log")), "run\nrun\n") << "one prune and one question after it";
   EXPECT_EQ(message(), "Cleaned up Docker.");
@@ -167,7 +136,7 @@ esac)sh");
   startModel();
   model->dev().refresh();
   desktop.settle();
-  model->confirmDockerPrune();
+  model->confirm(DockerPruneRequest{false, model->dev().dockerReclaimable()});
   EXPECT_EQ(asked().subject, "About 4 GB of unused data");
   EXPECT_EQ(asked().note,
             "Runs `docker system prune -a`. Removes stopped containers, unused images and build cache. Keeps "
@@ -175,12 +144,12 @@ esac)sh");
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "Cleaned up Docker, about 4 GB. It can take a moment to show as free.");
-  model->confirmDockerVolumesPrune();
+  model->confirm(DockerPruneRequest{true, model->dev().dockerVolumesReclaimable()});
   EXPECT_EQ(asked().subject, "About 2 GB in volumes no container uses");
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "That didn't work: the volume is in use");
-  model->confirmOllamaRemove({.name = "llama3:8b", .size = GB, .modified = ""});
+  model->confirm(DevTools::OllamaModel{.name = "llama3:8b", .size = GB, .modified = ""});
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "That didn't work: couldn't find `ollama`.");
@@ -204,25 +173,6 @@ TEST_F(CleanupsTest, asksToolsOnlyNowAndThen) {
   EXPECT_EQ(model->dev().ollama().kind, DeveloperTools::Ollama::Kind::ready) << "the answer stays";
   desktop.settle();
   EXPECT_EQ(runs(), 2U);
-}
-
-TEST_F(CleanupsTest, emptiesACacheThroughTheGuard) {
-  addFile(".cache/thumbnails/large/a", 60 * MB);
-  haveScan();
-  model->confirmCleanup(cache("thumbnails", ".cache/thumbnails"));
-  confirm();
-  desktop.advance(2s);
-  EXPECT_TRUE(exists(".cache/thumbnails"));
-  EXPECT_FALSE(exists(".cache/thumbnails/large"));
-  EXPECT_EQ(message(), "Cleaned Thumbnails.");
-
-  // A variable may say that any folder is a cache.
-  addFile("Documents/letter", MB);
-  model->confirmCleanup(cache("thumbnails", "Documents"));
-  confirm();
-  desktop.advance(2s);
-  EXPECT_TRUE(exists("Documents/letter"));
-  EXPECT_THAT(message(), StartsWith("Spacemint didn't delete anything: ~/Documents "));
 }
 
 TEST_F(CleanupsTest, emptiesTheTrash) {
@@ -260,15 +210,12 @@ TEST_F(CleanupsTest, hasTheFileManagerEmptyATrashItMayNotLookInto) {
        "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
        "remove "
        "them."},
-      {"echo 'Not Authorized to send' >&2; exit 1", GB,
-       "Allow Spacemint to control Finder so it can empty the Trash."},
-      {"echo 'error -1743' >&2; exit 1", GB, "Allow Spacemint to control Finder so it can empty the Trash."},
       {"echo 'no such service' >&2; exit 1", GB, "That didn't work: no such service"}};
   scanWithTrash(GB);
   model->confirmEmptyTrash();
   confirm();
   desktop.advance(4s);
-  EXPECT_EQ(message(), "That didn't work: couldn't reach Finder.");
+  EXPECT_EQ(message(), "That didn't work: couldn't find `gio`.");
   for (const Case& c : cases) {
     addProgram("gio", c.script);
     scanWithTrash(c.size);
@@ -283,7 +230,7 @@ TEST_F(CleanupsTest, hasTheFileManagerEmptyATrashItMayNotLookInto) {
 TEST_F(CleanupsTest, movesAFileToTheTrash) {
   addFile("old.zip", 50 * MB);
   haveScan();
-  model->confirmTrash({.path = inHome("old.zip"), .size = 50 * MB});
+  model->confirm(TrashRequest{inHome("old.zip"), 50 * MB});
   confirm();
   desktop.settle();
   EXPECT_FALSE(exists("old.zip"));
@@ -291,16 +238,15 @@ TEST_F(CleanupsTest, movesAFileToTheTrash) {
   EXPECT_EQ(message(), "Moved “old.zip” to the Trash. Empty it to free 51.2 MB.");
   EXPECT_EQ(sizeInScan("old.zip"), 0);
 
-  model->confirmTrash({.path = inHome("old.zip"), .size = 50 * MB});
+  model->confirm(TrashRequest{inHome("old.zip"), 50 * MB});
   confirm();
   desktop.settle();
   EXPECT_THAT(message(), StartsWith("Couldn't move “old.zip” to the Trash: "));
 
   fs::create_directories(inHome("Documents"));
-  model->confirmTrash({.path = inHome("Documents"), .size = 50 * MB});
-  confirm();
-  desktop.settle();
-  EXPECT_THAT(message(), StartsWith("Spacemint won't move ~/Documents: it "));
+  model->confirm(TrashRequest{inHome("Documents"), 50 * MB});
+  EXPECT_FALSE(model->cleanups().confirmation()) << "refused before anything is asked";
+  EXPECT_EQ(message(), "Spacemint won't move ~/Documents: it is a protected folder.");
   EXPECT_TRUE(exists("Documents"));
 }
 
@@ -317,51 +263,44 @@ TEST_F(CleanupsTest, followsTheTrashThatOthersFill) {
   model->panelWillShow();
   desktop.settle();
   EXPECT_GE(sizeInScan(".local/share/Trash"), 90 * MB);
-  EXPECT_THAT(model->cleanups().running(), IsEmpty());
 }
 
-TEST_F(CleanupsTest, removesWorktreesByGit) {
+TEST_F(CleanupsTest, asksAboutAWorktreeWhenItsChangesAreCounted) {
   const auto worktree = makeWorktree();
   ASSERT_TRUE(worktree);
-  const auto noteWith = [&](std::initializer_list<const char*> changed) {
-    for (const std::string name : changed) writeText(inHome("wt/" + name));
-    model->confirmRemoveWorktree(*worktree);
-    desktop.settle();
-    return asked().note;
-  };
-  const std::string rest = "Runs `git worktree remove`. The branch and its commits stay in shop.";
-  EXPECT_EQ(noteWith({}), rest);
-  EXPECT_EQ(noteWith({"b", "c"}), "It has 2 uncommitted changes, which will be lost. " + rest);
+  writeText(inHome("wt/b"));
+  model->confirm(*worktree);
+  EXPECT_FALSE(model->cleanups().confirmation());
+  desktop.settle();
+  EXPECT_THAT(asked().note, StartsWith("It has 1 uncommitted change, which will be lost. "));
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "Removed wt.");
   EXPECT_FALSE(exists("wt"));
-  EXPECT_TRUE(exists("shop/a"));
-
-  EXPECT_THAT(noteWith({}), StartsWith("Spacemint couldn't check it for uncommitted changes"));
-  confirm();
-  desktop.advance(2s);
-  EXPECT_THAT(message(), HasSubstr("is not a working tree"));
+  // An answer that comes late replaces no newer question.
+  model->confirm(*worktree);
+  askToDelete("junk");
+  desktop.settle();
+  EXPECT_EQ(asked().title, "Delete permanently?");
 }
 
-TEST_F(CleanupsTest, letsGitRemoveNoWorktreeInWhichSomethingIsMounted) {
-  if (!canMount()) GTEST_SKIP() << "no mount namespace to be had here";
-  const auto worktree = makeWorktree();
-  ASSERT_TRUE(worktree);
-  addFile("outside/treasure", MB);
-  fs::create_directory(inHome("wt/place"));
-  EXPECT_TRUE(succeedsInChild([&] {
-    if (!enterOwnMounts()) return false;
-    if (mount(inHome("outside").c_str(), inHome("wt/place").c_str(), nullptr, MS_BIND, nullptr) != 0)
-      return false;
-    model->confirmRemoveWorktree(*worktree);
-    desktop.settle();
-    confirm();
-    desktop.advance(2s);
-    return message() ==
-           "Spacemint didn't delete anything: ~/wt has something else mounted in it, at ~/wt/place.";
-  }));
-  EXPECT_TRUE(exists("outside/treasure"));
+TEST_F(CleanupsTest, showsALongRemovalAndStopsIt) {
+  haveScan();
+  for (int i = 0; i < 100; ++i) addFile("junk/" + std::to_string(i), 4'096);
+  askToDelete("junk");
+  desktop.tasks.hold(Tasks::Priority::alone);
+  confirm();
+  askToDelete("keep");
+  EXPECT_TRUE(model->cleanups().isRunning(inHome("junk")));
+  model->confirm(DeleteRequest{.path = inHome("junk/1"), .name = "1", .size = 0, .note = ""});
+  confirm();
+  EXPECT_EQ(message(), "Spacemint didn't delete anything: another clean-up of the same items runs.");
+  model->cleanups().stop(inHome("junk"));
+  desktop.tasks.release(Tasks::Priority::alone);
+  desktop.advance(2s);
+  EXPECT_THAT(message(), StartsWith("Stopped. "));
+  EXPECT_TRUE(exists("junk/1"));
+  EXPECT_FALSE(model->cleanups().isRunning(inHome("junk")));
 }
 
 TEST_F(CleanupsTest, pointsAtTheLargestOldBackup) {
@@ -397,7 +336,7 @@ TEST_F(CleanupsTest, pointsAtTheLargestOldBackup) {
 
 TEST_F(CleanupsTest, followsTheVolumeForAWhile) {
   haveScan();
-  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  askToDelete("junk");
   confirm();
   desktop.advance(2s);
   for (const auto wait : {3s, 5s, 12s}) {
@@ -411,7 +350,7 @@ TEST_F(CleanupsTest, aModelThatIsGoneTakesNothingWithIt) {
   haveScan();
   desktop.tasks.hold(Tasks::Priority::background);
   model->scan();
-  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  askToDelete("junk");
   confirm();
   model.reset();
   desktop.tasks.release(Tasks::Priority::background);

@@ -60,10 +60,10 @@ TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
   setFree(11h, 9 * GB);
   goTo(12h);
   ASSERT_EQ(model->findings().devCleanups.size(), 1U);
-  model->confirmCleanup(model->findings().devCleanups.front());
+  model->confirm(model->findings().devCleanups.front());
   confirm();
   goTo(13h);
-  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  model->confirm(DeleteRequest{inHome("junk"), "junk", 40 * MB, ""});
   confirm();
   setFree(15h, 100 * GB);
   goTo(16h);
@@ -84,10 +84,14 @@ TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
           "10:00 scan",
           "11:00 notification: Your disk is almost full | Only 9 GB left on Disk. Click to see what's using "
           "space.",
-          "12:00 message: Cleaned Thumbnails.",  //
-          "13:00 message: Deleted junk.",        //
-          "14:00 scan",                          //
-          "16:00 message: Emptied the Trash.",   //
+          // The disk of this test never has more space.
+          "12:00 message: Cleaned Thumbnails. What was removed took up 81.9 MB; open programs, snapshots or "
+          "hard links may still hold the rest.",
+          "13:00 message: Deleted junk.",  //
+          "14:00 scan",
+          "16:00 message: Emptied the Trash. What was removed took up 51.2 MB; open programs, snapshots or "
+          "hard "
+          "links may still hold the rest.",
           "20:00 scan",
           "22:00 notification: Disk space is running low | Only 15 GB left on Disk. ~/Projects/more grew by "
           "410 MB recently. Click to see what's using space.",

@@ -194,7 +194,7 @@ TEST_F(ScanLifecycleTest, measuresAgainWhatWasCleanedDuringTheScan) {
   desktop.tasks.hold(Tasks::Priority::background);
   model->scan();
   desktop.tasks.runHeldWork(Tasks::Priority::background);
-  model->confirmDelete(inHome("junk"), "junk", 40 * MB, "");
+  model->confirm(DeleteRequest{inHome("junk"), "junk", 40 * MB, ""});
   confirm();
   desktop.advance(5s);
   EXPECT_EQ(sizeInScan("junk"), 0) << "the clean-up shows at once";
@@ -221,7 +221,7 @@ TEST_F(ScanLifecycleTest, saysWhatFailed) {
   EXPECT_THAT(message(), testing::StartsWith("Couldn't save scan results: "));
   EXPECT_EQ(sizeInScan("big"), 30 * MB) << "it is shown all the same";
 
-  model->confirmDelete(inHome("big"), "big", 30 * MB, "");
+  model->confirm(DeleteRequest{inHome("big"), "big", 30 * MB, ""});
   confirm();
   desktop.advance(500ms);
   EXPECT_THAT(message(), testing::StartsWith("Couldn't save changes to the scan: "));

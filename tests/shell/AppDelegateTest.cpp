@@ -114,7 +114,7 @@ TEST_F(AppDelegateTest, hidingThePanelClearsWhatWasOnIt) {
   model->setShowingSettings(true);
   click();
   EXPECT_EQ(model->messages().message(), std::nullopt);
-  EXPECT_EQ(model->confirmations().current(), std::nullopt);
+  EXPECT_EQ(model->cleanups().confirmation(), std::nullopt);
   EXPECT_FALSE(model->showingSettings());
 }
 
@@ -130,11 +130,11 @@ TEST_F(AppDelegateTest, escapeClosesTheUppermost) {
     InterfaceWindow& window = isWindowShown() ? static_cast<InterfaceWindow&>(delegate->interface()->window())
                                               : delegate->interface()->panel();
     model->setShowingSettings(true);
-    model->confirmDelete(inHome("old.zip"), "old.zip", 30 * support::MB, "");
-    ASSERT_TRUE(model->confirmations().current());
+    model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * support::MB, ""});
+    ASSERT_TRUE(model->cleanups().confirmation());
     settle();
     press(window, Qt::Key_Escape);
-    EXPECT_FALSE(model->confirmations().current());
+    EXPECT_FALSE(model->cleanups().confirmation());
     EXPECT_TRUE(model->showingSettings());
     press(window, Qt::Key_Escape);
     EXPECT_FALSE(model->showingSettings());

@@ -55,12 +55,12 @@ bool FakeTasks::runNext() {
   return true;
 }
 
-std::expected<std::string, Error> FakeTrash::move(const std::string& path) {
-  const std::string target = folder / std::filesystem::path(path).filename().string();
+std::expected<std::string, RemovalFailure> FakeTrash::move(const RemovalTarget& target) {
+  const std::string to = folder / std::filesystem::path(target.path).filename().string();
   std::error_code failure;
-  std::filesystem::rename(path, target, failure);
-  if (failure) return std::unexpected(systemError(path, failure.value()));
-  return target;
+  std::filesystem::rename(target.path, to, failure);
+  if (failure) return std::unexpected(RemovalFailure{systemError("", failure.value()), target.path});
+  return to;
 }
 
 class FakeScheduler::Repeating final : public QObject, public Scheduled {

@@ -78,7 +78,7 @@ class FakeNotifier final : public Notifier {
 /// Keeps what is moved there in a folder of its own.
 class FakeTrash final : public TrashCan {
  public:
-  std::expected<std::string, Error> move(const std::string& path) override;
+  std::expected<std::string, RemovalFailure> move(const RemovalTarget& target) override;
 
   TemporaryFolder folder;
 };

@@ -21,6 +21,7 @@ AppModel& ModelFixture::makeModel() {
                                                .journal = journal,
                                                .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
                                                .home = home,
+                                               .personal = {},
                                                .data = inHome(".local/share"),
                                                .environment = {},
                                                .disk = folder.path(),

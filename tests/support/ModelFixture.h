@@ -49,7 +49,7 @@ class ModelFixture : public testing::Test {
   std::string message() const { return model->messages().message().value_or(""); }
   std::string actionTitle() const;
   /// Presses the button of the confirmation that is shown.
-  void confirm() { model->performConfirmation(model->confirmations().current()->id); }
+  void confirm() { model->cleanups().confirm(model->cleanups().confirmation()->id); }
   /// Stores a scan of the home folder as one that was made at that time.
   void storeScan(Date date, Bytes size = 300 * MB) const;
   /// In whole MB: a file system may need a block or two more to remember where a file lies.

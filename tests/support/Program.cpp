@@ -111,7 +111,8 @@ bool Program::canHaveTerminal() {
   return usable;
 }
 
-Outcome Program::runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer) const {
+Outcome Program::runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer,
+                               const std::function<void()>& meanwhile) const {
   const TemporaryFolder said;
   int terminal = -1;
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
@@ -125,6 +126,7 @@ Outcome Program::runOnTerminal(const std::vector<std::string>& arguments, const 
   for (ssize_t count = 0; (count = read(terminal, buffer, sizeof buffer)) > 0;) {
     outcome.err.append(buffer, static_cast<std::size_t>(count));
     if (!outcome.err.ends_with("[y/N] ")) continue;
+    if (meanwhile) meanwhile();
     const std::string line = answer + "\n";
     if (write(terminal, line.data(), line.size()) < 0) break;
   }

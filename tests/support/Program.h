@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -61,8 +62,9 @@ class Program {
   };
   Running begin(const std::vector<std::string>& arguments) const;
   /// With standard input and error on a terminal, whose text is in `err`. `answer` is typed as soon as a
-  /// question ends in "[y/N] ".
-  Outcome runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer = "") const;
+  /// question ends in "[y/N] "; `meanwhile` is called before that.
+  Outcome runOnTerminal(const std::vector<std::string>& arguments, const std::string& answer = "",
+                        const std::function<void()>& meanwhile = {}) const;
 
  private:
   Outcome start(const std::vector<std::string>& arguments, bool asNobody, bool interrupted) const;

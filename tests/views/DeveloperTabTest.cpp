@@ -68,7 +68,7 @@ TEST_F(DeveloperTabTest, dockerIsCleanedUpOnlyAfterAQuestion) {
   EXPECT_TRUE(shows("Removes stopped containers, unused images and build cache. Keeps volumes."));
   click("Clean up");
   EXPECT_THAT(asked(), ElementsAre(StartsWith("Clean up Docker"), testing::_));
-  model->dismissConfirmation();
+  model->cleanups().dismiss();
   settle();
   click("Remove");
   EXPECT_THAT(asked(), ElementsAre(testing::HasSubstr("volumes"), testing::_));
@@ -104,7 +104,7 @@ TEST_F(DeveloperTabTest, modelsOfHuggingFaceAreDeletedOnlyAfterAQuestion) {
   EXPECT_EQ(row("whisper")->property("subtitle").toString(), QStringLiteral("Model · openai"));
   click("Delete");
   EXPECT_THAT(asked(), ElementsAre("Delete permanently?", "openai/whisper · 3 GB"));
-  EXPECT_EQ(model->confirmations().current()->note, "It downloads again when needed.");
+  EXPECT_EQ(model->cleanups().confirmation()->plan.note, "It downloads again when needed.");
 }
 
 TEST_F(DeveloperTabTest, worktreesInUseAreShownOnDemand) {
@@ -123,7 +123,7 @@ TEST_F(DeveloperTabTest, worktreesInUseAreShownOnDemand) {
   settle();
   EXPECT_THAT(asked(), ElementsAre("Remove this worktree?", "new · 512 MB"));
   EXPECT_TRUE(exists("new/.git"));
-  model->dismissConfirmation();
+  model->cleanups().dismiss();
   settle();
   click("Hide active worktrees");
   EXPECT_THAT(rows(), ElementsAre("old", "orphan"));
@@ -134,13 +134,13 @@ TEST_F(DeveloperTabTest, aRowIsBusyWhileItIsCleaned) {
   storeHome(morning - 1h, {nested(".cache/thumbnails", {file("one", 100 * MB)})});
   showDeveloper();
   click("Clean up");
-  desktop.tasks.hold(Tasks::Priority::userInitiated);
+  desktop.tasks.hold(Tasks::Priority::alone);
   confirm();
   settle();
   EXPECT_FALSE(button("Clean up")->isEnabled());
   EXPECT_FALSE(view->find(QStringLiteral("Working")).isEmpty());
   EXPECT_TRUE(exists(".cache/thumbnails/one"));
-  desktop.tasks.release(Tasks::Priority::userInitiated);
+  desktop.tasks.release(Tasks::Priority::alone);
   desktop.advance(2s);
   settle();
   EXPECT_TRUE(view->find(QStringLiteral("Working")).isEmpty());

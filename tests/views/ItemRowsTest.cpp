@@ -103,33 +103,35 @@ TEST_F(ItemRowsTest, aRowsActionsGoByItsBytes) {
   rows.reveal(rowId);
   EXPECT_THAT(desktop.opener.revealed, ElementsAre(path));
   rows.remove(rowId);
-  ASSERT_TRUE(model->confirmations().current());
-  EXPECT_EQ(model->confirmations().current()->title, "Move to Trash?");
-  EXPECT_EQ(model->confirmations().current()->subject, "not \xFF utf · 5 MB");
+  ASSERT_TRUE(model->cleanups().confirmation());
+  EXPECT_EQ(model->cleanups().confirmation()->plan.title, "Move to Trash?");
+  EXPECT_EQ(model->cleanups().confirmation()->plan.subject, "not \xFF utf · 5 MB");
   rows.showInFolders(rowId);
   EXPECT_EQ(model->tab(), Tab::folders);
   EXPECT_EQ(model->folderPath(), home);
 
   rows.assign({});
-  model->dismissConfirmation();
+  model->cleanups().dismiss();
   rows.remove(rowId);
-  EXPECT_FALSE(model->confirmations().current());
+  EXPECT_FALSE(model->cleanups().confirmation());
 }
 
 TEST_F(ItemRowsTest, whatIsInTheTrashCanOnlyBeDeleted) {
   const struct {
     std::string path;
     bool isInTrash;
-  } cases[]{{inHome(".Trash/old.zip"), true}, {inHome(".local/share/Trash/files/old.zip"), true},
-            {inHome(".Trash"), false},        {inHome(".Trashes/old.zip"), false},
-            {inHome("Trash/old.zip"), false}, {"/.Trash/old.zip", false}};
+  } cases[]{{inHome(".Trash/old.zip"), true},
+            {inHome(".local/share/Trash/files/old.zip"), true},
+            {inHome(".Trashes/old.zip"), false},
+            {inHome("Trash/old.zip"), false},
+            {"/.Trash/old.zip", false}};
   for (const auto& [path, isInTrash] : cases) {
     rows.assign({{.id = path, .path = path, .canTrash = true}});
     EXPECT_EQ(at(0, ItemRows::IsInTrashRole).toBool(), isInTrash) << path;
     rows.remove(idAt(0));
-    const Confirmation& asked = *model->confirmations().current();
+    const CleanupPlan& asked = model->cleanups().confirmation()->plan;
     EXPECT_EQ(asked.title, isInTrash ? "Delete permanently?" : "Move to Trash?") << path;
-    EXPECT_EQ(asked.actionTitle, isInTrash ? "Delete" : "Move to Trash") << path;
+    EXPECT_EQ(asked.button, isInTrash ? "Delete" : "Move to Trash") << path;
     EXPECT_EQ(asked.note == "This removes it for good.", isInTrash) << path;
   }
 }
@@ -139,14 +141,15 @@ TEST_F(ItemRowsTest, aBusyRowsButtonDoesNothing) {
   rows.assign({{.id = "npm", .buttonTitle = "Clean up", .onButton = [&] { ++presses; }}, {.id = "pip"}});
   int told = 0;
   QObject::connect(&rows, &ItemRows::dataChanged, [&] { ++told; });
-  auto& runs = const_cast<CleanupRuns&>(model->cleanups());
-  runs.setRunning("npm", true);
+  desktop.tasks.hold(Tasks::Priority::alone);
+  model->cleanups().perform({.id = "npm", .title = "", .steps = {{.path = inHome("x")}}});
   EXPECT_EQ(told, 1);
   EXPECT_TRUE(at(0, ItemRows::IsBusyRole).toBool());
   EXPECT_FALSE(at(1, ItemRows::IsBusyRole).toBool());
   rows.pressButton(idAt(0));
   EXPECT_EQ(presses, 0);
-  runs.setRunning("npm", false);
+  desktop.tasks.release(Tasks::Priority::alone);
+  desktop.advance(std::chrono::seconds{2});
   rows.pressButton(idAt(0));
   EXPECT_EQ(presses, 1);
 }

@@ -136,7 +136,7 @@ TEST_F(OverviewTabTest, theTrashIsEmptiedOnlyAfterAQuestion) {
   click("Empty Trash");
   EXPECT_THAT(asked(), ElementsAre("Empty the Trash?", testing::_));
   EXPECT_TRUE(exists(".Trash/film"));
-  desktop.tasks.hold(Tasks::Priority::userInitiated);
+  desktop.tasks.hold(Tasks::Priority::alone);
   confirm();
   settle();
   EXPECT_FALSE(button("Emptying…")->isEnabled());
@@ -150,7 +150,7 @@ TEST_F(OverviewTabTest, aSmallTrashIsASuggestionWithAButton) {
   click("Empty Trash");
   EXPECT_THAT(asked(), ElementsAre("Empty the Trash?", testing::_));
   EXPECT_THAT(rows(), IsEmpty()) << "the button does not unfold the suggestion";
-  model->dismissConfirmation();
+  model->cleanups().dismiss();
   settle();
   click(view->get(QStringLiteral("Trash, 614 MB"), "QQuickAbstractButton"));
   EXPECT_THAT(rows(), ElementsAre(".Trash"));

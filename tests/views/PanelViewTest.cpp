@@ -43,7 +43,7 @@ class PanelViewTest : public support::ModelFixture {
     addFile("old.zip", 30 * MB);
     storeScan(morning);
     auto view = show();
-    model->confirmDelete(inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good.");
+    model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
     view->settle();
     return view;
   }
@@ -56,10 +56,11 @@ class PanelViewTest : public support::ModelFixture {
     addFile("old.zip", 30 * MB);
     storeScan(morning);
     auto view = show();
-    tell("There is an old file.", MessageAction{.title = "Look", .perform = [this] {
-                                                  model->confirmDelete(inHome("old.zip"), "old.zip", 30 * MB,
-                                                                       "This removes it for good.");
-                                                }});
+    tell("There is an old file.",
+         MessageAction{.title = "Look", .perform = [this] {
+                         model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB,
+                                                      "This removes it for good."});
+                       }});
     view->settle();
     return view;
   }
@@ -76,7 +77,7 @@ class PanelViewTest : public support::ModelFixture {
     });
     return found;
   }
-  bool isAsked() const { return model->confirmations().current().has_value(); }
+  bool isAsked() const { return model->cleanups().confirmation().has_value(); }
 
   WebClient web{"Spacemint", {}};
   std::unique_ptr<Usage> usage;
@@ -128,10 +129,10 @@ TEST_F(PanelViewTest, questionIsDismissedByCancelEscapeBackdropAndHiding) {
       [&] {
         QTest::mouseClick(&view->window(), Qt::LeftButton, {}, {10, 10});
       },
-      [&] { model->dismissConfirmation(); },
+      [&] { model->cleanups().dismiss(); },
   };
   for (const auto& dismiss : ways) {
-    model->confirmDelete(inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good.");
+    model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
     view->settle();
     ASSERT_TRUE(view->shows(QStringLiteral("Delete permanently?")));
     dismiss();
@@ -151,7 +152,7 @@ TEST_F(PanelViewTest, returnDoesWhatIsAskedUnlessCancelWasReachedByTheKeyboard) 
   desktop.settle();
   EXPECT_FALSE(isAsked());
   EXPECT_TRUE(exists("old.zip"));
-  model->confirmDelete(inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good.");
+  model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
   view->settle();
   view->press(Qt::Key_Return);
   desktop.settle();
@@ -433,7 +434,7 @@ TEST_F(PanelViewTest, sentenceKeepsItsOrderAroundANameThatRunsTheOtherWay) {
   addFile(name, 30 * MB);
   storeScan(morning);
   const auto view = show();
-  model->confirmDelete(inHome(name), name, 30 * GB, "This removes it for good.");
+  model->confirm(DeleteRequest{inHome(name), name, 30 * GB, "This removes it for good."});
   view->settle();
   EXPECT_TRUE(view->shows(QString::fromStdString("\u2068" + name + "\u2069 · 30 GB")));
   EXPECT_TRUE(view->shows(QString::fromStdString("\u2066~/\u2068" + name + "\u2069\u2069")));
@@ -471,14 +472,15 @@ TEST_F(PanelViewTest, whatTheKeyboardReachesHasARoleANameAndARing) {
   goAround("tabs", 5);
   model->setShowingSettings(true);
   goAround("settings", 10);
-  model->confirmDelete(inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good.");
+  model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
   goAround("question", 2);
 }
 
 TEST_F(PanelViewTest, namesOfFilesAreNeverReadAsMarkup) {
   const auto view = showQuestion();
-  model->dismissConfirmation();
-  model->confirmDelete(inHome("<b>old</b>.zip"), "<b>old</b>.zip", 30 * MB, "This removes it for good.");
+  model->cleanups().dismiss();
+  model->confirm(
+      DeleteRequest{inHome("<b>old</b>.zip"), "<b>old</b>.zip", 30 * MB, "This removes it for good."});
   view->settle();
   const auto texts = view->find({}, "QQuickText");
   const bool isPlain = std::ranges::any_of(texts, [](const QQuickItem* text) {

@@ -69,9 +69,9 @@ class ShownTabs : public support::HomeFixture {
 
   /// The question that is asked: its title and what it is about.
   std::vector<std::string> asked() const {
-    const auto& question = model->confirmations().current();
+    const auto& question = model->cleanups().confirmation();
     if (!question) return {};
-    return {question->title, question->subject};
+    return {question->plan.title, question->plan.subject};
   }
 
   // The view goes first.

@@ -14,7 +14,7 @@ Desktop LinuxDesktop::desktop() {
   return {.clock = clock_,
           .tasks = tasks_,
           .notifier = notifier_,
-          .trash = trash_,
+          .trash = *trash_,
           .opener = opener_,
           .scheduler = scheduler_,
           .volume = volume_,

@@ -11,7 +11,6 @@
 #include "Spacemint/desktop/linux/StatusNotifierItem.h"
 #include "Spacemint/desktop/linux/ThreadTasks.h"
 #include "Spacemint/desktop/linux/XdgOpener.h"
-#include "Spacemint/desktop/linux/XdgTrash.h"
 
 namespace spacemint {
 
@@ -31,7 +30,7 @@ class LinuxDesktop {
   LinuxClock clock_;
   ThreadTasks tasks_;
   DBusNotifier notifier_;
-  XdgTrash trash_;
+  std::unique_ptr<TrashCan> trash_ = hostTrash();
   XdgOpener opener_;
   CoarseScheduler scheduler_;
   HostVolume volume_;

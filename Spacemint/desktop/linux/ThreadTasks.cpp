@@ -25,8 +25,9 @@ void ThreadTasks::start(Task task) {
   };
   switch (task.priority) {
     case Priority::background:
+    case Priority::alone:
       return threads_.runAlone(task.threadName == nullptr ? "Spacemint work" : task.threadName,
-                               std::move(whole));
+                               task.priority == Priority::background, std::move(whole));
     case Priority::utility:
       return threads_.share(WorkerThreads::Order::later, std::move(whole));
     case Priority::userInitiated:

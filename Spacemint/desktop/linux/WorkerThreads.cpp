@@ -77,13 +77,14 @@ void WorkerThreads::share(Order order, Tasks::Function function) {
   }).detach();
 }
 
-void WorkerThreads::runAlone(const char* threadName, Tasks::Function function) {
+void WorkerThreads::runAlone(const char* threadName, bool isQuiet, Tasks::Function function) {
   const std::scoped_lock lock(shared_->mutex);
   if (shared_->isClosed) return;
   ++shared_->running;
-  std::thread([shared = shared_, name = std::string{threadName}, function = std::move(function)]() mutable {
+  std::thread([shared = shared_, name = std::string{threadName}, isQuiet,
+               function = std::move(function)]() mutable {
     nameThread(name.c_str());
-    runWhenNobodyElseDoes();
+    if (isQuiet) runWhenNobodyElseDoes();
     shared->run(std::move(function));
   }).detach();
 }

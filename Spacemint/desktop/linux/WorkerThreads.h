@@ -28,8 +28,8 @@ class WorkerThreads {
   enum class Order { later, sooner };
   void share(Order order, Tasks::Function function);
 
-  /// At the lowest priority.
-  void runAlone(const char* threadName, Tasks::Function function);
+  /// On a thread of its own; a quiet one has the lowest priority.
+  void runAlone(const char* threadName, bool isQuiet, Tasks::Function function);
 
   /// Takes nothing new, drops what has not begun and waits for what runs; whether that ended in time.
   bool finish(std::chrono::milliseconds timeout);

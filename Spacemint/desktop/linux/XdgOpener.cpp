@@ -2,7 +2,7 @@
 
 #include "Spacemint/desktop/linux/DBusCall.h"
 #include "Spacemint/desktop/linux/InstalledFiles.h"
-#include "Spacemint/desktop/linux/PercentEncoding.h"
+#include "core/base/PercentEncoding.h"
 
 #include <QDBusMessage>
 #include <QDesktopServices>

@@ -1,5 +1,7 @@
 #include "core/host/linux/FolderEraser.h"
 
+#include "core/host/linux/RemovalReason.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/syscall.h>
@@ -21,8 +23,9 @@ bool isThere(int errorNumber) {
 
 }  // namespace
 
-FolderEraser::FolderEraser(std::string path)
+FolderEraser::FolderEraser(std::string path, RemovalProgress& progress)
     : path_(std::move(path)),
+      progress_(progress),
       buffer_(std::make_unique_for_overwrite<std::byte[]>(bufferSize)) {}
 
 FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& facts) {
@@ -31,6 +34,7 @@ FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& fac
   firstOpen_ = 1;
   frames_.push_back({.identity = facts.identity(), .handle = std::move(folder)});
   while (true) {
+    if (!progress_.mayGoOn()) return failure("", ECANCELED);
     Frame& top = frames_.back();
     Done step{};
     if (!top.folders.empty()) {
@@ -48,8 +52,8 @@ FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& fac
   }
 }
 
-// Removes the files of the next entries and notes the folders; false at the folder's end.
-std::expected<bool, Error> FolderEraser::readBatch(Frame& folder) {
+// Removes the files among the next entries and keeps the folders for later; false at the folder's end.
+std::expected<bool, RemovalFailure> FolderEraser::readBatch(Frame& folder) {
   const long length = syscall(SYS_getdents64, folder.handle.get(), buffer_.get(), bufferSize);
   // A folder that somebody else has removed lists nothing.
   if (length < 0 && errno == ENOENT) return false;
@@ -69,6 +73,7 @@ std::expected<bool, Error> FolderEraser::readBatch(Frame& folder) {
   // In the order in which they lie on the disk.
   std::ranges::sort(files_, {}, &File::inode);
   for (const File& file : files_) {
+    if (!progress_.mayGoOn()) return failure("", ECANCELED);
     const auto removed = removeFile(folder, file.name);
     if (!removed) return std::unexpected(removed.error());
   }
@@ -76,8 +81,19 @@ std::expected<bool, Error> FolderEraser::readBatch(Frame& folder) {
 }
 
 FolderEraser::Done FolderEraser::removeFile(Frame& folder, const char* name) {
-  if (unlinkat(folder.handle.get(), name, 0) == 0 || !isThere(errno)) return {};
-  // A folder whose listing did not say so, or that has taken the file's place.
+  const auto facts = factsOf(folder.handle, name);
+  if (!facts) return isThere(facts.error()) ? Done{failure(name, facts.error())} : Done{};
+  if (S_ISDIR(facts->mode)) {
+    // Some file systems list entries without their type.
+    folder.folders.emplace_back(name);
+    return {};
+  }
+  if (unlinkat(folder.handle.get(), name, 0) == 0) {
+    progress_.add(facts->identity(), facts->allocated, facts->links);
+    return {};
+  }
+  if (!isThere(errno)) return {};
+  // A folder has taken the file's place.
   if (errno == EISDIR) return tryAgain(folder, name);
   return failure(name, errno);
 }
@@ -87,7 +103,11 @@ FolderEraser::Done FolderEraser::enter(const std::string& name) {
   FileHandle opened{openat(parent.handle.get(), name.c_str(), openFlags)};
   if (!opened) {
     if (!isThere(errno)) return {};
-    if (errno == EACCES) return removeUnreadable(parent, name);
+    // A folder that may not be listed can still be removed where nothing is in it.
+    if (errno == EACCES)
+      return unlinkat(parent.handle.get(), name.c_str(), AT_REMOVEDIR) == 0 || !isThere(errno)
+                 ? Done{}
+                 : Done{failure(name, EACCES)};
     // No folder any more: a link, which is removed and not followed, or a file.
     if (errno == ENOTDIR || errno == ELOOP) return removeFile(parent, name.c_str());
     return failure(name, errno);
@@ -100,19 +120,18 @@ FolderEraser::Done FolderEraser::enter(const std::string& name) {
   return {};
 }
 
-// A folder that may not be listed can still be removed where nothing is in it.
-FolderEraser::Done FolderEraser::removeUnreadable(const Frame& folder, const std::string& name) {
-  if (unlinkat(folder.handle.get(), name.c_str(), AT_REMOVEDIR) == 0 || !isThere(errno)) return {};
-  return failure(name, EACCES);
-}
-
 // Removes the deepest folder, which is empty now, and goes on in the one above it.
 FolderEraser::Done FolderEraser::leave() {
   if (auto reopened = reopenParent(); !reopened) return reopened;
   std::string name = std::move(frames_.back().name);
+  const FileIdentity identity = frames_.back().identity;
   frames_.pop_back();
   Frame& parent = frames_.back();
-  if (unlinkat(parent.handle.get(), name.c_str(), AT_REMOVEDIR) == 0 || !isThere(errno)) return {};
+  if (unlinkat(parent.handle.get(), name.c_str(), AT_REMOVEDIR) == 0) {
+    progress_.add(identity, 0, 1);
+    return {};
+  }
+  if (!isThere(errno)) return {};
   if (errno == ENOTEMPTY || errno == EEXIST) return tryAgain(parent, std::move(name));
   if (errno == ENOTDIR) return removeFile(parent, name.c_str());
   return failure(name, errno);
@@ -137,18 +156,17 @@ FolderEraser::Done FolderEraser::tryAgain(Frame& folder, std::string name) {
   return {};
 }
 
-// What it has read is dropped too: its listing begins anew when the walk comes back, with what is left.
+// The rest of its batch is dropped too: the listing starts again when the walk comes back.
 void FolderEraser::closeShallowest() {
   frames_[firstOpen_].handle.close();
   frames_[firstOpen_].folders = {};
   ++firstOpen_;
 }
 
-std::unexpected<Error> FolderEraser::failure(std::string_view name, int errorNumber) const {
-  Error error = systemError(pathOf(name), errorNumber);
-  if (errorNumber == EXDEV) error.message = pathOf(name) + ": something else is mounted here";
-  if (errorNumber == ESTALE) error.message = pathOf(name) + ": was moved while it was being removed";
-  return std::unexpected(std::move(error));
+std::unexpected<RemovalFailure> FolderEraser::failure(const std::string& name, int errorNumber) const {
+  auto failed = removalFailure(pathOf(name), errorNumber, frames_.back().handle, name);
+  if (errorNumber == ESTALE) failed.error().error.message = "was moved while it was being removed";
+  return failed;
 }
 
 // The middle of a very long path is left out.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/base/Error.h"
 #include "core/host/linux/HandleFacts.h"
 
 #include <expected>
@@ -14,42 +13,41 @@ namespace spacemint {
 /// Empties one open folder, however large and deep, with a bounded number of open handles and bounded memory
 /// but for the names on the way down.
 ///
-/// Every step is taken from an open handle, never by path. A folder is entered only without following a link
-/// and while its handle says that it is on the same mount. Handles far above the deepest folder are closed;
-/// the way back leads through "..", and only into the very folder it came from.
+/// Every step starts from an open handle, never from a path. A folder is entered only without following a
+/// link and only while its handle is on the same mount. Handles far above the deepest folder are closed; the
+/// way back leads through "..", and only into the very folder it came from.
 class FolderEraser {
  public:
   /// How many handles are open at once, the first folder's aside.
   static constexpr std::size_t handleLimit = 32;
-  /// How often a folder whose entries keep coming back is tried again.
+  /// How often a folder whose entries keep coming back is tried again before the removal fails.
   static constexpr int retryLimit = 100;
 
-  /// `path` names the folder in messages.
-  explicit FolderEraser(std::string path);
+  /// `path` names the folder in failures.
+  FolderEraser(std::string path, RemovalProgress& progress);
 
-  /// Removes all that is in `folder`, which was opened for reading and is on `mounted`. The folder stays.
-  std::expected<void, Error> empty(FileHandle folder, const HandleFacts& facts);
+  /// Removes all that is in `folder`, which was opened for reading. The folder stays.
+  std::expected<void, RemovalFailure> empty(FileHandle folder, const HandleFacts& facts);
 
  private:
   struct Frame {
     std::string name;
     FileIdentity identity;
     FileHandle handle;
-    /// Folders of the batch read last, still to be entered.
+    /// Folders of the last batch that are still to be entered.
     std::vector<std::string> folders;
     int retries = 0;
   };
-  using Done = std::expected<void, Error>;
+  using Done = std::expected<void, RemovalFailure>;
 
-  std::expected<bool, Error> readBatch(Frame& folder);
+  std::expected<bool, RemovalFailure> readBatch(Frame& folder);
   Done removeFile(Frame& folder, const char* name);
   Done enter(const std::string& name);
-  Done removeUnreadable(const Frame& folder, const std::string& name);
   Done leave();
   Done reopenParent();
   Done tryAgain(Frame& folder, std::string name);
   void closeShallowest();
-  std::unexpected<Error> failure(std::string_view name, int errorNumber) const;
+  std::unexpected<RemovalFailure> failure(const std::string& name, int errorNumber) const;
   std::string pathOf(std::string_view name) const;
 
   struct File {
@@ -58,9 +56,10 @@ class FolderEraser {
   };
 
   std::string path_;
+  RemovalProgress& progress_;
   Mounted mounted_;
   std::vector<Frame> frames_;
-  /// Frames from here on are open, and the first one.
+  /// The handles of the frames from here on are open, and that of the first.
   std::size_t firstOpen_ = 1;
   std::unique_ptr<std::byte[]> buffer_;
   std::vector<File> files_;

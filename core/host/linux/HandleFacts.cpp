@@ -12,13 +12,15 @@ namespace {
 
 std::expected<HandleFacts, int> ask(int folder, const char* name, int flags) {
   struct statx status {};
-  constexpr unsigned mask = STATX_TYPE | STATX_INO | STATX_MNT_ID;
+  constexpr unsigned mask = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BLOCKS | STATX_MNT_ID;
   if (statx(folder, name, flags | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT, mask, &status) != 0) {
     return std::unexpected(errno);
   }
   return HandleFacts{.mounted = {makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_mnt_id},
                      .inode = status.stx_ino,
-                     .mode = status.stx_mode};
+                     .mode = status.stx_mode,
+                     .links = status.stx_nlink,
+                     .allocated = static_cast<Bytes>(status.stx_blocks) * 512};
 }
 
 }  // namespace

@@ -19,11 +19,15 @@ struct Mounted {
   bool operator==(const Mounted&) const = default;
 };
 
-/// What an open handle tells of itself, whatever stands at its path by now.
+/// The facts of an open handle, whatever stands at its path by now.
 struct HandleFacts {
   Mounted mounted;
   std::uint64_t inode = 0;
   mode_t mode = 0;
+  /// How many names the item has.
+  std::uint32_t links = 0;
+  /// Bytes on the disk.
+  Bytes allocated = 0;
 
   FileIdentity identity() const { return {mounted.device, inode}; }
 };

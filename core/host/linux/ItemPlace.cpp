@@ -1,7 +1,7 @@
 #include "core/host/linux/ItemPlace.h"
 
 #include "core/base/AsciiText.h"
-#include "core/host/linux/HandleFacts.h"
+#include "core/host/linux/RemovalReason.h"
 
 #include <fcntl.h>
 
@@ -37,29 +37,54 @@ std::size_t lengthOfStart(const std::vector<std::string>& names, const std::stri
   return leads ? startNames.size() : 0;
 }
 
-Error notOpened(const std::string& path, const FileHandle& folder, const std::string& name, int errorNumber) {
+std::unexpected<RemovalFailure> notOpened(const std::string& path, const FileHandle& folder,
+                                          const std::string& name, int errorNumber) {
   const auto facts = factsOf(folder, name.c_str());
-  if (!facts || !S_ISLNK(facts->mode)) return systemError(path, errorNumber);
-  Error error = systemError(path, ELOOP);
-  error.message = path + ": a symbolic link is on the way to it";
-  return error;
+  if (!facts || !S_ISLNK(facts->mode)) return removalFailure(path, errorNumber, folder, name);
+  auto failure = removalFailure(path, ELOOP);
+  failure.error().error.message = "has a symbolic link on the way to it";
+  return failure;
+}
+
+// Opens the folder that holds the target; `names` are those of its path.
+std::expected<FileHandle, RemovalFailure> parentOf(const RemovalTarget& target,
+                                                   const std::vector<std::string>& names) {
+  const std::size_t first = lengthOfStart(names, target.linksAllowedUpTo);
+  const std::string& start = first == 0 ? "/" : target.linksAllowedUpTo;
+  FileHandle folder{open(start.c_str(), folderFlags)};
+  if (!folder) return removalFailure(start, errno);
+  for (std::size_t i = first; i + 1 < names.size(); ++i) {
+    FileHandle next{openat(folder.get(), names[i].c_str(), folderFlags | O_NOFOLLOW)};
+    if (!next) return notOpened(target.path, folder, names[i], errno);
+    folder = std::move(next);
+  }
+  return folder;
 }
 
 }  // namespace
 
-std::expected<ItemPlace, Error> placeOf(const RemovalTarget& target) {
+std::expected<HeldItem, RemovalFailure> holdEntry(const FileHandle& folder, const std::string& name,
+                                                  const std::string& path) {
+  FileHandle handle{openat(folder.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)};
+  if (!handle) return removalFailure(path, errno, folder, name);
+  const auto facts = factsOf(handle);
+  const auto folderFacts = factsOf(folder);
+  if (!facts || !folderFacts) return removalFailure(path, facts ? folderFacts.error() : facts.error());
+  if (facts->mounted != folderFacts->mounted) return removalFailure(path, EXDEV);
+  return HeldItem{std::move(handle), *facts};
+}
+
+std::expected<HeldTarget, RemovalFailure> holdTarget(const RemovalTarget& target) {
   const auto names = namesOf(target.path);
-  if (!isPlain(target.path, names)) return std::unexpected(systemError(target.path, EINVAL));
-  const std::size_t first = lengthOfStart(names, target.linksAllowedUpTo);
-  const std::string& start = first == 0 ? "/" : target.linksAllowedUpTo;
-  FileHandle folder{open(start.c_str(), folderFlags)};
-  if (!folder) return std::unexpected(systemError(start, errno));
-  for (std::size_t i = first; i + 1 < names.size(); ++i) {
-    FileHandle next{openat(folder.get(), names[i].c_str(), folderFlags | O_NOFOLLOW)};
-    if (!next) return std::unexpected(notOpened(target.path, folder, names[i], errno));
-    folder = std::move(next);
+  if (!isPlain(target.path, names)) return removalFailure(target.path, EINVAL);
+  auto parent = parentOf(target, names);
+  if (!parent) return std::unexpected(parent.error());
+  auto item = holdEntry(*parent, names.back(), target.path);
+  if (!item) return std::unexpected(item.error());
+  if (target.identity && *target.identity != item->facts.identity()) {
+    return removalFailure(target.path, ESTALE);
   }
-  return ItemPlace{std::move(folder), names.back()};
+  return HeldTarget{std::move(*parent), names.back(), std::move(*item)};
 }
 
 }  // namespace spacemint

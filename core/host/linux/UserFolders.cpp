@@ -3,8 +3,10 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <fstream>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -45,11 +47,55 @@ std::string folderOf(const char* variable, std::string_view relative) {
   return path;
 }
 
+constexpr std::array<const char*, 8> personalFolders{
+    "XDG_DESKTOP_DIR",  "XDG_DOCUMENTS_DIR",   "XDG_DOWNLOAD_DIR",  "XDG_MUSIC_DIR",
+    "XDG_PICTURES_DIR", "XDG_PUBLICSHARE_DIR", "XDG_TEMPLATES_DIR", "XDG_VIDEOS_DIR"};
+
+// The value of `name` in a line of user-dirs.dirs: NAME="$HOME/Bilder" or an absolute path, "\" before a
+// character that a shell would read.
+std::optional<std::string> userDirectory(std::string_view line, std::string_view name) {
+  if (!line.starts_with(name)) return std::nullopt;
+  line.remove_prefix(name.size());
+  if (!line.starts_with("=\"")) return std::nullopt;
+  line.remove_prefix(2);
+  constexpr std::string_view homeMark = "$HOME";
+  std::string path;
+  if (line.starts_with(homeMark)) {
+    path = UserFolders::home();
+    line.remove_prefix(homeMark.size());
+  }
+  for (std::size_t i = 0; i < line.size() && line[i] != '"'; ++i) {
+    if (line[i] == '\\' && i + 1 < line.size()) ++i;
+    path += line[i];
+  }
+  if (!path.starts_with('/')) return std::nullopt;
+  return trimmed(path);
+}
+
+std::optional<std::string> userDirectory(const std::string& name) {
+  std::optional<std::string> found;
+  std::ifstream file(UserFolders::config() + "/user-dirs.dirs");
+  for (std::string line; std::getline(file, line);) {
+    if (auto path = userDirectory(line, name)) found = std::move(path);
+  }
+  return found;
+}
+
 }  // namespace
 
 std::optional<std::string> UserFolders::environment(const std::string& name) {
-  const char* value = std::getenv(name.c_str());
-  return value == nullptr ? std::nullopt : std::optional<std::string>{value};
+  if (const char* value = std::getenv(name.c_str())) return value;
+  const bool isPersonal = std::ranges::find(personalFolders, name) != personalFolders.end();
+  return isPersonal ? userDirectory(name) : std::nullopt;
+}
+
+std::vector<std::string> UserFolders::personal() {
+  std::vector<std::string> folders;
+  for (const char* name : personalFolders) {
+    const auto folder = environment(name);
+    if (folder && folder->starts_with('/') && trimmed(*folder) != home()) folders.push_back(trimmed(*folder));
+  }
+  return folders;
 }
 
 std::string UserFolders::home() {

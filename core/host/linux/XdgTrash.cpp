@@ -1,9 +1,10 @@
-#include "Spacemint/desktop/linux/XdgTrash.h"
-
-#include "Spacemint/desktop/linux/PercentEncoding.h"
-#include "Spacemint/desktop/linux/TrashFolder.h"
+#include "core/base/PercentEncoding.h"
+#include "core/host/TrashCan.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
+#include "core/host/linux/ItemPlace.h"
+#include "core/host/linux/RemovalReason.h"
+#include "core/host/linux/TrashFolder.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,47 +23,21 @@ namespace {
 
 constexpr std::string_view infoSuffix = ".trashinfo";
 
-// What is to be moved: a name in an open folder.
+// The item to move, held open.
 struct Item {
-  FileHandle parent;
-  std::string name;
-  /// The folder's absolute path without links.
+  HeldTarget held;
+  /// The absolute path of the folder that holds it, without links.
   std::string parentPath;
-  HandleFacts facts;
-  Mounted parentMount;
 
-  std::string path() const { return (parentPath == "/" ? "" : parentPath) + "/" + name; }
+  const Mounted& mount() const { return held.item.facts.mounted; }
+  std::string path() const { return (parentPath == "/" ? "" : parentPath) + "/" + held.name; }
 };
-
-std::expected<Item, Error> find(std::string_view path) {
-  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-  const std::size_t slash = path.rfind('/');
-  const std::string name{path.substr(slash + 1)};
-  if (!path.starts_with('/') || name.empty() || name == "." || name == "..") {
-    return std::unexpected(systemError(path, EINVAL));
-  }
-  Item item{.name = name};
-  const std::string parent{path.substr(0, slash + 1)};
-  item.parent = FileHandle{open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
-  if (!item.parent) return std::unexpected(systemError(parent, errno));
-  const auto facts = factsOf(item.parent, name.c_str());
-  const auto parentFacts = factsOf(item.parent);
-  if (!facts) return std::unexpected(systemError(path, facts.error()));
-  if (!parentFacts) return std::unexpected(systemError(parent, parentFacts.error()));
-  if (facts->mounted.mountId != parentFacts->mounted.mountId) {
-    return std::unexpected(systemError(path, EBUSY));
-  }
-  item.facts = *facts;
-  item.parentMount = parentFacts->mounted;
-  item.parentPath = realPathOf(item.parent);
-  return item;
-}
 
 bool isAtOrBelow(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
-// Without making anything: whether the trash at `path` is, or would be, on a mount.
+// Whether the trash at `path` is, or would be once made, on this mount. Makes nothing.
 bool isOn(std::string path, const Mounted& mount) {
   while (true) {
     const FileHandle folder{open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
@@ -76,14 +51,14 @@ bool isOn(std::string path, const Mounted& mount) {
 
 std::expected<TrashFolder, Error> trashFor(const Item& item) {
   const std::string home = UserFolders::data() + "/Trash";
-  if (isOn(home, item.parentMount)) {
+  if (isOn(home, item.mount())) {
     auto trash = TrashFolder::home(home);
-    if (!trash || trash->mounted == item.parentMount) return trash;
+    if (!trash || trash->mounted == item.mount()) return trash;
   }
   const auto top = mountPointOf(item.parentPath);
   if (!top) return std::unexpected(systemError(item.path(), EXDEV));
   auto trash = TrashFolder::onVolume(*top);
-  if (trash && trash->mounted != item.parentMount) return std::unexpected(systemError(item.path(), EXDEV));
+  if (trash && trash->mounted != item.mount()) return std::unexpected(systemError(item.path(), EXDEV));
   return trash;
 }
 
@@ -130,46 +105,67 @@ int writeInfo(const TrashFolder& trash, const std::string& name, const std::stri
 // Never replaces what lies in the trash already.
 int rename(const Item& item, const TrashFolder& trash, const std::string& name) {
   const int to = trash.files.get();
-  if (renameat2(item.parent.get(), item.name.c_str(), to, name.c_str(), RENAME_NOREPLACE) == 0) return 0;
+  if (renameat2(item.held.parent.get(), item.held.name.c_str(), to, name.c_str(), RENAME_NOREPLACE) == 0)
+    return 0;
   if (errno != EINVAL && errno != ENOSYS) return errno;
   // Network file systems know no such flag. The information is ours alone, so nobody else takes this name.
   if (factsOf(trash.files, name.c_str())) return EEXIST;
-  return renameat(item.parent.get(), item.name.c_str(), to, name.c_str()) == 0 ? 0 : errno;
+  return renameat(item.held.parent.get(), item.held.name.c_str(), to, name.c_str()) == 0 ? 0 : errno;
 }
 
 bool hasArrived(const Item& item, const TrashFolder& trash, const std::string& name) {
   const auto facts = factsOf(trash.files, name.c_str());
-  return facts && facts->identity() == item.facts.identity();
+  return facts && facts->identity() == item.held.item.facts.identity();
 }
 
 int moveAs(const std::string& name, const Item& item, const TrashFolder& trash) {
   const std::string info = name + std::string{infoSuffix};
   if (const int failure = writeInfo(trash, info, infoOf(item, trash)); failure != 0) return failure;
-  if (const int failure = rename(item, trash, name); failure != 0) {
-    unlinkat(trash.info.get(), info.c_str(), 0);
-    return failure;
+  int failure = rename(item, trash, name);
+  if (failure == 0 && !hasArrived(item, trash, name)) {
+    // Another item had taken its place in the last moment: it goes back.
+    renameat2(trash.files.get(), name.c_str(), item.held.parent.get(), item.held.name.c_str(),
+              RENAME_NOREPLACE);
+    failure = ESTALE;
   }
-  return hasArrived(item, trash, name) ? 0 : ESTALE;
+  if (failure != 0) unlinkat(trash.info.get(), info.c_str(), 0);
+  return failure;
 }
+
+// The freedesktop.org trash, in which every file manager of the desktop finds items: the one in the user's
+// data folder for items on the same mount, else one in the top folder of the volume.
+//
+// Renames, and never copies: fails with EXDEV where the item's file system has no trash of its own to give,
+// and with EINVAL for a trash, what is in one and what contains one.
+class XdgTrash final : public TrashCan {
+ public:
+  std::expected<std::string, RemovalFailure> move(const RemovalTarget& target) override {
+    auto held = holdTarget(target);
+    if (!held) return std::unexpected(held.error());
+    std::string parentPath = realPathOf(held->parent);
+    const Item item{std::move(*held), std::move(parentPath)};
+    const auto trash = trashFor(item);
+    if (!trash) return std::unexpected(RemovalFailure{trash.error(), target.path});
+    const std::string files = realPathOf(trash->files);
+    const std::string trashPath = files.substr(0, files.rfind('/'));
+    if (isAtOrBelow(trashPath, item.path()) || isAtOrBelow(item.path(), trashPath)) {
+      return removalFailure(target.path, EINVAL);
+    }
+    for (int attempt = 1;; ++attempt) {
+      const std::string name = nameInTrash(item.held.name, attempt);
+      const int failure = moveAs(name, item, *trash);
+      if (failure == 0) return trash->path + "/files/" + name;
+      if (failure != EEXIST || attempt == INT_MAX) {
+        return removalFailure(target.path, failure, item.held.parent, item.held.name);
+      }
+    }
+  }
+};
 
 }  // namespace
 
-std::expected<std::string, Error> XdgTrash::move(const std::string& path) {
-  const auto item = find(path);
-  if (!item) return std::unexpected(item.error());
-  const auto trash = trashFor(*item);
-  if (!trash) return std::unexpected(trash.error());
-  const std::string files = realPathOf(trash->files);
-  const std::string trashPath = files.substr(0, files.rfind('/'));
-  if (isAtOrBelow(trashPath, item->path()) || isAtOrBelow(item->path(), trashPath)) {
-    return std::unexpected(systemError(path, EINVAL));
-  }
-  for (int attempt = 1;; ++attempt) {
-    const std::string name = nameInTrash(item->name, attempt);
-    const int failure = moveAs(name, *item, *trash);
-    if (failure == 0) return trash->path + "/files/" + name;
-    if (failure != EEXIST || attempt == INT_MAX) return std::unexpected(systemError(path, failure));
-  }
+std::unique_ptr<TrashCan> hostTrash() {
+  return std::make_unique<XdgTrash>();
 }
 
 }  // namespace spacemint

@@ -1,4 +1,4 @@
-#include "Spacemint/desktop/linux/PercentEncoding.h"
+#include "core/base/PercentEncoding.h"
 
 namespace spacemint {
 

@@ -1,4 +1,4 @@
-#include "Spacemint/desktop/linux/TrashFolder.h"
+#include "core/host/linux/TrashFolder.h"
 
 #include "core/host/AtomicFile.h"
 

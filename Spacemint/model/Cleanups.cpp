@@ -1,0 +1,167 @@
+#include "Spacemint/model/Cleanups.h"
+
+#include "core/cleanup/CleanupText.h"
+#include "core/places/TrashPlace.h"
+
+#include <algorithm>
+#include <atomic>
+
+namespace spacemint {
+
+// The thread that removes and the main thread share `stopped`, `items` and `bytes`; all else belongs to the
+// main thread.
+struct Cleanups::Run {
+  CleanupPlan plan;
+  CleanupReport report = {};
+  /// The progress that is shown, so that no other message is replaced.
+  std::optional<std::string> shown = {};
+  std::atomic<bool> stopped = false;
+  std::atomic<std::int64_t> items = 0;
+  std::atomic<Bytes> bytes = 0;
+
+  bool movesToTrash() const { return plan.steps.front().kind == CleanupStep::Kind::moveToTrash; }
+};
+
+Cleanups::Cleanups(const Parts& parts, const Desktop& desktop, CleanupContext context)
+    : parts_(parts),
+      desktop_(desktop),
+      context_(std::move(context)) {}
+
+Cleanups::~Cleanups() {
+  for (const auto& [id, run] : runs_) run->stopped = true;
+}
+
+void Cleanups::ask(CleanupRequest request) {
+  const auto number = ++asked_;
+  const auto plan = [context = context_, request, now = desktop_.clock.now()] {
+    return planCleanup(request, context, now);
+  };
+  if (!std::holds_alternative<GitWorktree>(request)) return show(request, plan());
+  desktop_.tasks.run(Tasks::Priority::userInitiated, this, plan, [this, request, number](auto planned) {
+    if (number == asked_) show(request, std::move(planned));
+  });
+}
+
+void Cleanups::show(const CleanupRequest& request, std::expected<CleanupPlan, CleanupFailure> plan) {
+  if (!plan) return parts_.messages.show(CleanupText::refusalText(request, plan.error(), context_));
+  confirmation_ = Confirmation{QUuid::createUuid(), std::move(*plan)};
+  Q_EMIT confirmationChanged();
+}
+
+void Cleanups::dismiss() {
+  if (std::exchange(confirmation_, std::nullopt)) Q_EMIT confirmationChanged();
+}
+
+void Cleanups::confirm(const QUuid& id) {
+  if (!confirmation_ || confirmation_->id != id) return;
+  CleanupPlan plan = std::move(confirmation_->plan);
+  dismiss();
+  perform(std::move(plan));
+}
+
+void Cleanups::perform(CleanupPlan plan) {
+  if (isRunning(plan.id)) return;
+  const auto touching = std::ranges::find_if(
+      runs_, [&](const auto& each) { return Cleanup::touchEachOther(each.second->plan, plan); });
+  if (touching != runs_.end()) {
+    return parts_.messages.show("Spacemint didn't delete anything: another clean-up of the same items runs.");
+  }
+  if (plan.steps.empty()) return parts_.messages.show("There is no Trash.");
+  const auto run = std::make_shared<Run>(std::move(plan));
+  runs_.emplace(run->plan.id, run);
+  Q_EMIT runningChanged();
+  const auto watch = [run](const Removed& soFar) {
+    run->items = soFar.items;
+    run->bytes = soFar.bytes;
+    return !run->stopped;
+  };
+  desktop_.tasks.run(
+      Tasks::Priority::alone, this,
+      [plan = run->plan, context = context_, watch] { return Cleanup::carryOut(plan, context, watch); },
+      [this, run](CleanupReport report) {
+        run->report = std::move(report);
+        measureAgain(run);
+      },
+      "Spacemint clean");
+  desktop_.clock.after(progressPace, this, [this, run] { showProgress(run); });
+}
+
+void Cleanups::stop(const std::string& id) {
+  if (const auto run = runs_.find(id); run != runs_.end()) run->second->stopped = true;
+}
+
+void Cleanups::showProgress(const SharedRun& run) {
+  const auto& current = parts_.messages.message();
+  const bool mayShow = run->shown ? current == run->shown : !current;
+  if (!isRunning(run->plan.id) || !run->report.steps.empty() || !mayShow) return;
+  const Removed soFar{run->items, run->bytes};
+  if (soFar.items > 0) {
+    run->shown = CleanupText::progressText(soFar, run->plan.size(), context_.locale);
+    parts_.messages.show(*run->shown,
+                         MessageAction{.title = "Stop", .perform = [this, id = run->plan.id] { stop(id); }});
+  }
+  desktop_.clock.after(progressPace, this, [this, run] { showProgress(run); });
+}
+
+void Cleanups::measureAgain(const SharedRun& run) {
+  const bool assumeEmptied = run->plan.expected && run->report.isComplete(run->plan);
+  parts_.history.remeasure({.paths = run->plan.touched, .assumeEmptied = assumeEmptied},
+                           [this, run] { refreshTools(run); });
+}
+
+void Cleanups::refreshTools(const SharedRun& run) {
+  const std::string& program = run->plan.steps.front().command.program;
+  const auto then = whileAlive(this, [this, run](bool) { settle(run); });
+  if (program == "docker") {
+    parts_.developerTools.refreshDocker().then(then);
+  } else if (program == "ollama") {
+    parts_.developerTools.refreshOllama().then(then);
+  } else {
+    settle(run);
+  }
+}
+
+void Cleanups::settle(const SharedRun& run) {
+  if (run->movesToTrash()) return finish(run, std::nullopt);
+  const auto wait = run->plan.expected ? settlingTimeOfFileManager : settlingTime;
+  desktop_.clock.after(wait, this, [this, run] {
+    parts_.volume.read().then(whileAlive(this, [this, run](const std::optional<VolumeStatus>& reading) {
+      finish(run, reading ? std::optional{reading->free} : std::nullopt);
+    }));
+  });
+}
+
+void Cleanups::finish(const SharedRun& run, std::optional<Bytes> freeAfter) {
+  Cleanup::settle(run->report, run->plan, freeAfter);
+  runs_.erase(run->plan.id);
+  Q_EMIT runningChanged();
+  readVolumeForAWhile();
+  const CleanupFailure* failure = run->report.failure();
+  std::optional<MessageAction> action;
+  // A sandbox hides items; a message that names an item says all there is to do.
+  if (failure != nullptr && failure->kind == CleanupFailure::Kind::needsFullDiskAccess &&
+      failure->message.empty()) {
+    action = MessageAction{.title = "Open Settings", .perform = [&opener = desktop_.opener] {
+                             opener.openSettings(Opener::SettingsPage::fullDiskAccess);
+                           }};
+  }
+  parts_.messages.show(CleanupText::outcome(run->plan, run->report, context_), std::move(action));
+}
+
+void Cleanups::readVolumeForAWhile() {
+  parts_.volume.refresh();
+  for (const auto delay : laterReadings) {
+    desktop_.clock.after(delay, this, [this] { parts_.volume.refresh(); });
+  }
+}
+
+void Cleanups::refreshTrash() {
+  const SharedSnapshot& scan = parts_.history.snapshot();
+  if (!scan || isRefreshingTrash_) return;
+  isRefreshingTrash_ = true;
+  const TrashPlace trash = trashPlace(scan.get(), context_.guard.home(), context_.data);
+  parts_.history.remeasure({.paths = {trash.folder}, .addIfMissing = true},
+                           [this] { isRefreshingTrash_ = false; });
+}
+
+}  // namespace spacemint

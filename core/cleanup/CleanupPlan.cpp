@@ -1,0 +1,289 @@
+#include "core/cleanup/CleanupPlan.h"
+
+#include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
+#include "core/base/RelativeTime.h"
+#include "core/cleanup/Cleanup.h"
+#include "core/cleanup/CleanupText.h"
+#include "core/host/AllocatedSize.h"
+#include "core/scan/DiskScanner.h"
+
+#include <cerrno>
+#include <filesystem>
+
+namespace spacemint {
+
+namespace {
+
+using Kind = CleanupStep::Kind;
+using Planned = std::expected<CleanupPlan, CleanupFailure>;
+
+// Makes the plan for one kind of request.
+class Planner {
+ public:
+  Planner(const CleanupContext& context, Date now) : context_(context), now_(now) {}
+
+  Planned operator()(const TrashRequest& file) const {
+    const std::string name = isolatedName(Paths::lastComponent(file.path));
+    return withStep({.kind = Kind::moveToTrash,
+                     .path = file.path,
+                     .size = file.size,
+                     .label = "Moved “" + name + "” to the Trash. Empty it to free " + amount(file.size)},
+                    {.id = file.path,
+                     .title = "Move to Trash?",
+                     .subject = sized(Paths::lastComponent(file.path), file.size),
+                     .detail = shown(file.path),
+                     .note = "You can put it back from the Trash until you empty it.",
+                     .button = "Move to Trash",
+                     .touched = {file.path}});
+  }
+
+  Planned operator()(const DeleteRequest& item) const {
+    return withStep({.path = item.path, .size = item.size, .label = "Deleted " + isolatedName(item.name)},
+                    {.id = item.path,
+                     .title = "Delete permanently?",
+                     .subject = sized(item.name, item.size),
+                     .detail = shown(item.path),
+                     .note = item.note,
+                     .button = "Delete",
+                     .touched = {item.path}});
+  }
+
+  Planned operator()(const EmptyTrashRequest& trash) const {
+    const std::string everything = "Everything in the Trash";
+    CleanupPlan plan{.id = "trash",
+                     .title = "Empty the Trash?",
+                     .subject = trash.size ? sized(everything, *trash.size) : everything,
+                     .note = "Deletes everything for good, including hidden items.",
+                     .button = "Empty Trash",
+                     .touched = {trash.place.folder},
+                     .stopsAtFailure = true};
+    const std::string label = "Emptied the Trash";
+    if (trash.byFileManager) {
+      plan.expected = trash.size.value_or(0);
+      plan.steps = {{.kind = Kind::runTool, .command = {"gio", {"trash", "--empty"}}, .label = label}};
+      return plan;
+    }
+    for (const std::string& folder : trash.place.emptied) {
+      // A part of the Trash that was never used is not there.
+      if (!fileIdentity(folder)) continue;
+      auto step = identified({.kind = Kind::emptyTrash, .path = folder, .label = label});
+      if (!step) return std::unexpected(step.error());
+      plan.steps.push_back(std::move(*step));
+    }
+    if (!plan.steps.empty()) plan.steps.front().size = trash.size.value_or(0);
+    return plan;
+  }
+
+  Planned operator()(const DeviceBackup& backup) const {
+    std::optional<std::string> age;
+    if (backup.lastBackup) {
+      age = "Last backed up " + RelativeTime::age(*backup.lastBackup, now_, context_.locale);
+    }
+    const std::string path = Paths::logical(backup.path);
+    return withStep(
+        {.path = path, .size = backup.size, .label = "Deleted the backup of " + isolatedName(backup.name)},
+        {.id = backup.path,
+         .title = "Delete this backup?",
+         .subject = sized(backup.name, backup.size),
+         .detail = age,
+         .note = CleanupText::backupNote(backup.name),
+         .button = "Delete backup",
+         .touched = {backup.path}});
+  }
+
+  Planned operator()(const GitWorktree& worktree) const {
+    CleanupStep step{
+        .path = worktree.path, .size = worktree.size, .label = "Removed " + isolatedName(worktree.name())};
+    // Nothing is counted in a folder that may not be removed, or in what is mounted there.
+    step.kind = Kind::removeWorktree;
+    if (auto refused = refusalOf(step)) return std::unexpected(*refused);
+    step.worktree = worktreeContents(worktree.path, context_);
+    if (step.worktree.repositoryPath) {
+      step.command = gitRemoval(worktree.path, step.worktree);
+    } else {
+      step.kind = Kind::deleteItem;
+    }
+    return withStep(std::move(step), {.id = worktree.path,
+                                      .title = "Remove this worktree?",
+                                      .subject = sized(worktree.name(), worktree.size),
+                                      .detail = shown(worktree.path),
+                                      .note = CleanupText::worktreeNote(worktree, step.worktree),
+                                      .button = "Remove worktree",
+                                      .touched = {worktree.path}});
+  }
+
+  Planned operator()(const DevTools::FoundCleanup& found) const {
+    const CleanupTarget& target = *found.target;
+    const std::string title{target.title};
+    CleanupStep step{.kind = Kind::emptyFolder,
+                     .path = Paths::logical(found.path),
+                     .size = found.size,
+                     .label = "Cleaned " + title};
+    if (const auto* command = std::get_if<CleanupTarget::Command>(&target.action)) {
+      step.kind = Kind::runTool;
+      step.command = {command->program(), command->arguments()};
+      if (auto variable = command->pinned(step.path)) step.command.environment.insert(std::move(*variable));
+    }
+    return withStep(std::move(step), {.id = std::string{found.id()},
+                                      .title = "Clean up " + title + "?",
+                                      .subject = sized(target.title, found.size),
+                                      .note = CleanupText::cacheNote(target, shownPath(found.path)),
+                                      .button = "Clean up",
+                                      .touched = {found.path}});
+  }
+
+  Planned operator()(const DockerPruneRequest& docker) const {
+    CleanupPlan plan{.id = "docker",
+                     .title = "Clean up Docker?",
+                     .subject = "About " + amount(docker.reclaimable) + " of unused data",
+                     .note =
+                         "Runs `docker system prune -a`. Removes stopped containers, unused images and "
+                         "build cache. Keeps volumes.",
+                     .button = "Clean up",
+                     .touched = dockerFolders(),
+                     .estimate = docker.reclaimable};
+    CleanupStep step{.kind = Kind::runTool,
+                     .command = {"docker", {"system", "prune", "-a", "-f"}},
+                     .label = "Cleaned up Docker"};
+    if (docker.volumes) {
+      plan.id = "docker-volumes";
+      plan.title = "Remove unused volumes?";
+      plan.subject = "About " + amount(docker.reclaimable) + " in volumes no container uses";
+      plan.note =
+          "Runs `docker volume prune -a`. Data in these volumes, like old databases, is gone for good.";
+      plan.button = "Remove volumes";
+      step.command.arguments = {"volume", "prune", "-a", "-f"};
+      step.label = "Removed unused Docker volumes";
+    }
+    plan.steps.push_back(std::move(step));
+    return plan;
+  }
+
+  Planned operator()(const DevTools::OllamaModel& model) const {
+    return CleanupPlan{.id = "ollama:" + model.name,
+                       .title = "Remove this model?",
+                       .subject = sized(model.name, model.size),
+                       .note = "Runs `ollama rm " + model.name + "`. You can pull it again.",
+                       .button = "Remove",
+                       .steps = {{.kind = Kind::runTool,
+                                  .command = {"ollama", {"rm", model.name}},
+                                  .label = "Removed " + model.name}},
+                       .touched = {inHome(".ollama/models")},
+                       .estimate = model.size};
+  }
+
+ private:
+  // By force only where changes were counted: where they could not be, git itself refuses to lose any.
+  static ToolCommand gitRemoval(const std::string& path, const WorktreeContents& contents) {
+    ToolCommand command{gitProgram, gitArguments(*contents.repositoryPath)};
+    auto& arguments = command.arguments;
+    arguments.insert(arguments.end(), {"worktree", "remove"});
+    if (contents.changes.value_or(0) >= 1) arguments.emplace_back("--force");
+    arguments.push_back(path);
+    return command;
+  }
+
+  Planned withStep(CleanupStep step, CleanupPlan plan) const {
+    auto known = identified(std::move(step));
+    if (!known) return std::unexpected(known.error());
+    plan.steps.push_back(std::move(*known));
+    return plan;
+  }
+
+  // The step with the identity of its item, if it may be carried out now.
+  std::expected<CleanupStep, CleanupFailure> identified(CleanupStep step) const {
+    if (auto refused = refusalOf(step)) return std::unexpected(*refused);
+    const auto identity = Cleanup::identityOf(step);
+    const bool isGone =
+        !identity && (identity.error().isSystem(ENOENT) || identity.error().isSystem(ENOTDIR));
+    if (!identity && !isGone) {
+      return std::unexpected(
+          CleanupFailure{CleanupFailure::Kind::other, identity.error().message, step.path});
+    }
+    step.identity = identity.value_or(FileIdentity{});
+    return step;
+  }
+
+  std::optional<CleanupFailure> refusalOf(const CleanupStep& step) const {
+    return Cleanup::refusalOf(step, context_.guard);
+  }
+
+  std::vector<std::string> dockerFolders() const {
+    return {inHome("Library/Group Containers/HUAQ24HBR6.dev.orbstack/data"),
+            inHome("Library/Containers/com.docker.docker/Data/vms"), Paths::join(context_.data, "docker")};
+  }
+  std::string inHome(std::string_view name) const { return Paths::join(context_.guard.home(), name); }
+  std::string amount(Bytes size) const { return ByteFormat::string(size, context_.locale); }
+  std::string sized(std::string_view name, Bytes size) const {
+    return isolatedName(name) + " · " + amount(size);
+  }
+  std::string shownPath(const std::string& path) const { return Paths::display(path, context_.guard.home()); }
+  std::string shown(const std::string& path) const { return isolatedPath(shownPath(path)); }
+
+  const CleanupContext& context_;
+  Date now_;
+};
+
+}  // namespace
+
+std::vector<std::string> gitArguments(const std::string& folder) {
+  return {"-c", "core.fsmonitor=false", "-c", "core.hooksPath=/dev/null", "-C", folder};
+}
+
+Bytes CleanupPlan::size() const {
+  Bytes sum = 0;
+  for (const CleanupStep& step : steps) sum = checkedAdd(sum, step.size);
+  return sum;
+}
+
+Planned planCleanup(const CleanupRequest& request, const CleanupContext& context, Date now) {
+  return std::visit(Planner{context, now}, request);
+}
+
+CleanupPlan mergedPlans(std::string title, std::vector<CleanupPlan> plans) {
+  if (plans.size() == 1) return std::move(plans.front());
+  CleanupPlan merged{.id = title, .title = std::move(title)};
+  for (CleanupPlan& plan : plans) {
+    // "Clean up npm cache?" becomes "npm cache: Runs ...".
+    const std::string subject = plan.subject.substr(0, plan.subject.rfind(" · "));
+    merged.note += (merged.note.empty() ? "" : "\n") + subject + ": " + plan.note;
+    std::ranges::move(plan.steps, std::back_inserter(merged.steps));
+    std::ranges::move(plan.touched, std::back_inserter(merged.touched));
+  }
+  return merged;
+}
+
+void measurePlan(CleanupPlan& plan) {
+  constexpr Bytes partMinimum = 1'000'000;
+  constexpr std::size_t partLimit = 10;
+  for (CleanupStep& step : plan.steps) {
+    if (step.path.empty()) continue;
+    const auto folder = DiskScanner::scan({.root = step.path, .minNodeSize = partMinimum});
+    step.size = folder ? folder->root.size : allocatedSize(step.path).value_or(0);
+    if (!folder || (step.kind != Kind::emptyFolder && step.kind != Kind::emptyTrash)) continue;
+    for (const Node& child : folder->root.children) {
+      if (step.parts.size() < partLimit) step.parts.push_back({child.name, child.size});
+    }
+  }
+}
+
+WorktreeContents worktreeContents(const std::string& path, const CleanupContext& context) {
+  WorktreeContents contents;
+  const auto worktree = GitWorktrees::inspect(path, 0);
+  if (worktree && !worktree->isOrphaned) {
+    contents.repositoryPath = worktree->repositoryPath;
+    contents.changes = context.uncommittedChanges(path);
+  }
+  const auto nested = GitWorktrees::nestedIn(path);
+  if (!nested) contents.changes.reset();
+  for (const std::string& name : nested.value_or(std::vector<std::string>{})) {
+    const std::string at = Paths::join(path, name);
+    contents.nested.push_back({.path = name,
+                               .isRepository = std::filesystem::is_directory(Paths::join(at, ".git")),
+                               .changes = context.uncommittedChanges(at)});
+  }
+  return contents;
+}
+
+}  // namespace spacemint

@@ -1,0 +1,107 @@
+#include "core/host/linux/RemovalReason.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace spacemint {
+
+namespace {
+
+constexpr std::pair<int, const char*> reasons[]{
+    {EXDEV, "has something else mounted in it"},
+    {EBUSY, "is in use: something may be mounted on it"},
+    {ESTALE, "is no longer what it was"},
+    {ECANCELED, "was not removed: stopped"},
+    {ELOOP, "is a symbolic link"},
+    {EINVAL, "isn't a plain absolute path"},
+    {ENOENT, "does not exist"},
+    {ENOTEMPTY, "is filled again while it is being removed"},
+    {EROFS, "lies on a read-only file system"},
+};
+
+struct Status {
+  struct statx facts {};
+  bool isKnown = false;
+
+  bool isFixed() const { return (facts.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0; }
+  bool isMine() const { return facts.stx_uid == geteuid(); }
+  std::string mode() const {
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "%03o", facts.stx_mode & 07777U);
+    return text.data();
+  }
+};
+
+Status statusOf(const FileHandle& folder, const std::string& name) {
+  Status status;
+  const int flags = name.empty() ? AT_EMPTY_PATH : AT_SYMLINK_NOFOLLOW;
+  status.isKnown = statx(folder.get(), name.c_str(), flags | AT_NO_AUTOMOUNT,
+                         STATX_MODE | STATX_UID | STATX_TYPE, &status.facts) == 0;
+  return status;
+}
+
+std::string userName(uid_t user) {
+  std::vector<char> buffer(16'384);
+  passwd entry{};
+  passwd* found = nullptr;
+  getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found);
+  return found != nullptr ? found->pw_name : "user " + std::to_string(user);
+}
+
+// "belongs to root" for another user's item, else the mode that stands in the way.
+std::string belongingTo(const Status& item) {
+  return item.isMine() ? "is closed by its mode " + item.mode()
+                       : "belongs to " + userName(item.facts.stx_uid);
+}
+
+bool isClosed(const FileHandle& folder, const std::string& name, int rights) {
+  const int flags = AT_EACCESS | (name.empty() ? AT_EMPTY_PATH : AT_SYMLINK_NOFOLLOW);
+  return faccessat(folder.get(), name.c_str(), rights, flags) != 0;
+}
+
+// Why the system refused to remove an item; empty where its facts do not tell.
+std::string refusalReason(const FileHandle& folder, const std::string& name) {
+  const Status item = statusOf(folder, name);
+  const Status parent = statusOf(folder, "");
+  if (item.isKnown && item.isFixed()) return "is marked as immutable";
+  if (name.empty()) return item.isKnown ? belongingTo(item) : "";
+  if (parent.isKnown && parent.isFixed()) return "lies in a folder that is marked as immutable";
+  if (parent.isKnown && isClosed(folder, "", W_OK | X_OK)) {
+    return "lies in a folder that " + belongingTo(parent);
+  }
+  if (!item.isKnown) return "";
+  const bool isSticky = parent.isKnown && (parent.facts.stx_mode & S_ISVTX) != 0 && !parent.isMine();
+  if (isSticky && !item.isMine()) return "belongs to " + userName(item.facts.stx_uid);
+  if (S_ISDIR(item.facts.stx_mode) && isClosed(folder, name, R_OK | W_OK | X_OK)) return belongingTo(item);
+  return "";
+}
+
+std::string reasonOf(int errorNumber, const FileHandle& folder, const std::string& name) {
+  if (folder && (errorNumber == EACCES || errorNumber == EPERM)) {
+    if (auto reason = refusalReason(folder, name); !reason.empty()) return reason;
+  }
+  for (const auto& [number, reason] : reasons) {
+    if (number == errorNumber) return reason;
+  }
+  return std::string{"could not be removed: "} + std::strerror(errorNumber);
+}
+
+}  // namespace
+
+std::unexpected<RemovalFailure> removalFailure(std::string path, int errorNumber, const FileHandle& folder,
+                                               const std::string& name) {
+  return std::unexpected(RemovalFailure{.error = {.domain = std::string{Error::system},
+                                                  .code = errorNumber,
+                                                  .message = reasonOf(errorNumber, folder, name)},
+                                        .path = std::move(path)});
+}
+
+}  // namespace spacemint
