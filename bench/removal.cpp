@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string tree = arguments[1] + "/tree";
-  const int rounds = argc > 3 ? std::atoi(argv[3]) : 7;
+  const int rounds = argc > 3 ? std::atoi(argv[3]) : 5;
   const std::vector<Contestant> contestants{{"rm -rf", {"rm", "-rf", tree}},
                                             {"removal", {arguments[0], "--alone", tree}}};
   print("100,000 files in 10,000 folders", contestants, contest(contestants, rounds, [&] {

@@ -14,7 +14,7 @@ namespace spacemint {
 namespace {
 
 constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-constexpr std::size_t bufferSize = 262'144;
+constexpr std::size_t bufferSize = std::size_t{2} << 20U;
 constexpr std::size_t shownPathLength = 1'000;
 
 bool isThere(int errorNumber) {
