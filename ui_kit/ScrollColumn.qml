@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 
-/// A column that scrolls where it is higher than there is room. Its children are in a ColumnLayout.
+/// A column that scrolls if it is too high. Its children are in a ColumnLayout.
 Flickable {
     id: root
 
@@ -10,12 +10,19 @@ Flickable {
     property alias spacing: column.spacing
     default property alias content: column.data
 
-    /// Scrolls as little as it takes to see all of an item of the column.
+    /// Scrolls as little as needed to show all of an item of the column.
     function show(item: Item) {
         const top = item.mapToItem(contentItem, 0, 0).y;
         scrollTo(Math.max(top + item.height + 8 - height, Math.min(contentY, top - 8)));
     }
 
+    function showFocus() {
+        const item = Window.window?.activeFocusItem;
+        for (let parent = item?.parent; parent; parent = parent.parent) {
+            if (parent === column)
+                show(item);
+        }
+    }
     function scrollTo(y: real) {
         contentY = Math.max(0, Math.min(y, contentHeight - height));
     }
@@ -35,16 +42,12 @@ Flickable {
             scrollTo(targets.get(event.key));
     }
 
+    // The item with the keyboard focus always is in view, also when a banner takes some of the height.
+    onHeightChanged: showFocus()
     Connections {
         target: root.Window.window
-
-        // The keyboard never is at what cannot be seen.
         function onActiveFocusItemChanged() {
-            const item = root.Window.window.activeFocusItem;
-            for (let parent = item?.parent; parent; parent = parent.parent) {
-                if (parent === column)
-                    root.show(item);
-            }
+            root.showFocus();
         }
     }
 

@@ -63,6 +63,7 @@ class AppModel : public QObject {
   const Messages& messages() const { return messages_; }
   const Confirmations& confirmations() const { return confirmations_; }
   const CurrentFindings& currentFindings() const { return findings_; }
+  const DeletionGuard& guard() const { return guard_; }
 
   SpaceLevel level() const { return warnings_.level(); }
   bool hasFullDiskAccess() const { return hasFullDiskAccess_; }

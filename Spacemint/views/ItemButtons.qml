@@ -2,7 +2,7 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What can be done with a row at one click, while the pointer or the keyboard is at it.
+/// The buttons of the row that the pointer or the keyboard is at.
 Rectangle {
     id: root
 

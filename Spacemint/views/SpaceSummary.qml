@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// How much is free, of how much, and whether that is little.
+/// The free space, the total, and the warning.
 ColumnLayout {
     id: root
 
@@ -13,7 +13,7 @@ ColumnLayout {
     spacing: 10
 
     Item {
-        // Large letters need a line more.
+        // With large letters the total is on a second line.
         readonly property bool isNarrow: word.x + word.width + 12 + total.width > width
 
         Layout.fillWidth: true
@@ -52,6 +52,7 @@ ColumnLayout {
         fraction: root.ui.summary.usedFraction
         color: root.levelColor
         Accessible.name: root.ui.summary.free + " free"
+        Accessible.description: root.ui.summary.tickHelp
 
         Rectangle {
             x: root.ui.summary.tickFraction * bar.width - 1

@@ -26,15 +26,6 @@ TEST_F(FilesTabTest, listsTheLargestFirstEachWithItsFolder) {
   EXPECT_THAT(rows(), ElementsAre("first.mov"));
 }
 
-TEST_F(FilesTabTest, asksBeforeItRemoves) {
-  addFile("disk.img", 30 * MB);
-  storeHome(morning - 1h, {file("disk.img", 3 * GB)});
-  show(Tab::files);
-  pressOnRow("disk.img", "Move to Trash…");
-  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "disk.img · 3 GB"));
-  EXPECT_TRUE(exists("disk.img"));
-}
-
 TEST_F(FilesTabTest, withoutLargeFilesSaysSo) {
   storeHome(morning - 1h, {support::folder("Mail", {}, {.unlisted = 90 * MB})});
   show(Tab::files);

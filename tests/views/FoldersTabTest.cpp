@@ -110,14 +110,6 @@ TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
   EXPECT_TRUE(view->find(QStringLiteral("Move to Trash…")).isEmpty());
 }
 
-TEST_F(FoldersTabTest, aDoubleClickOnAButtonIsNoClickOnTheRow) {
-  showFolders();
-  view->hover(row("Movies"));
-  view->doubleClick(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").at(1));
-  settle();
-  EXPECT_EQ(model->folderPath(), std::nullopt);
-}
-
 TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
   showFolders();
   click(row("Documents"));
@@ -155,15 +147,6 @@ TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   for (int i = 0; i < 4; ++i) press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Documents · 411 MB"));
-}
-
-TEST_F(FoldersTabTest, theMenuDeletesWhatIsInTheTrash) {
-  showFolders();
-  click(row(".Trash"));
-  click(row("gone.zip"), Qt::RightButton);
-  EXPECT_EQ(menuEntries().last(), QStringLiteral("Delete Permanently…"));
-  click("Delete Permanently…");
-  EXPECT_THAT(asked(), ElementsAre("Delete permanently?", testing::StartsWith("gone.zip")));
 }
 
 TEST_F(FoldersTabTest, theButtonsOfARowAreReachedByTheKeyboard) {

@@ -17,8 +17,7 @@ using testing::IsEmpty;
 class ItemRowsTest : public ModelFixture {
  protected:
   UiHost host{makeModel(), desktop.desktop(), home, "en_US", {}};
-  ItemActions actions{host};
-  ItemRows rows{actions};
+  ItemRows rows{host};
   const QAbstractItemModelTester tester{&rows, QAbstractItemModelTester::FailureReportingMode::Fatal};
 
   QVariant at(int row, int role) const { return rows.data(rows.index(row), role); }
@@ -30,8 +29,8 @@ class ItemRowsTest : public ModelFixture {
     return names;
   }
 
-  static std::vector<ItemRow> named(std::string_view letters) {
-    std::vector<ItemRow> result;
+  static std::vector<ListItem> named(std::string_view letters) {
+    std::vector<ListItem> result;
     for (const char letter : letters) {
       result.push_back({.id = std::string{letter}, .path = std::string{"/home/ann/"} + letter});
     }
@@ -77,7 +76,7 @@ TEST_F(ItemRowsTest, tellsOnlyWhatChanged) {
     told.push_back("removed " + std::to_string(first) + "-" + std::to_string(last));
   });
   QObject::connect(&rows, &ItemRows::modelReset, [&] { told.emplace_back("reset"); });
-  const auto toldBy = [&](std::vector<ItemRow> next) {
+  const auto toldBy = [&](std::vector<ListItem> next) {
     told.clear();
     rows.assign(std::move(next));
     return told;

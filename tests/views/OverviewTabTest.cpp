@@ -62,19 +62,6 @@ TEST_F(OverviewTabTest, ofSixGrownFoldersTheLastIsShownOnDemand) {
   EXPECT_TRUE(shows("Show all 6"));
 }
 
-TEST_F(OverviewTabTest, rowsOfGrowthStandOneBelowTheOtherInFull) {
-  storeGrowth(10);
-  showOverview();
-  click("Show all 10");
-  double end = 0;
-  for (const QQuickItem* row : view->find({}, "ItemRow")) {
-    const double top = row->mapToScene({}).y();
-    EXPECT_GE(top, end);
-    end = top + row->height();
-  }
-  EXPECT_LE(end, button("Show less")->mapToScene({}).y());
-}
-
 TEST_F(OverviewTabTest, theMenuOfAGrownFolderIsThatFoldersAlsoAfterAllAreShown) {
   storeGrowth(7);
   showOverview();

@@ -52,28 +52,6 @@ TEST_F(TabPagesTest, eachTabStaysWhereItWasScrolledTo) {
   }
 }
 
-TEST_F(TabPagesTest, tabsAreReachedAndChosenByTheKeyboard) {
-  showLong(Tab::overview);
-  QQuickItem* tabs = view->get(QStringLiteral("Pages"));
-  for (int i = 0; i < 10 && !tabs->hasActiveFocus(); ++i) press(Qt::Key_Tab);
-  ASSERT_TRUE(tabs->hasActiveFocus());
-  press(Qt::Key_Right);
-  EXPECT_EQ(model->tab(), Tab::folders);
-  press(Qt::Key_Left);
-  EXPECT_EQ(model->tab(), Tab::overview);
-}
-
-TEST_F(TabPagesTest, tabsSayWhatTheyAreAndWhichIsSelected) {
-  showLong(Tab::files);
-  const auto* tabs = QAccessible::queryAccessibleInterface(view->get(QStringLiteral("Pages")));
-  EXPECT_EQ(tabs->role(), QAccessible::PageTabList);
-  for (const char* name : {"Overview", "Folders", "Large files", "Developer"}) {
-    const auto* tab = QAccessible::queryAccessibleInterface(view->get(QString::fromUtf8(name)));
-    EXPECT_EQ(tab->role(), QAccessible::PageTab);
-    EXPECT_EQ(tab->state().selected, std::string_view{name} == "Large files");
-  }
-}
-
 TEST_F(TabPagesTest, everythingIsReachedWithTheTabKey) {
   for (const Tab tab : allTabs) {
     showLong(tab);

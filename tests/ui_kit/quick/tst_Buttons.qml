@@ -23,20 +23,6 @@ Item {
         }
     }
     Component {
-        id: accent
-
-        AccentButtonStyle {
-            text: "Do it"
-        }
-    }
-    Component {
-        id: pill
-
-        PillButtonStyle {
-            text: "Do it"
-        }
-    }
-    Component {
         id: quiet
 
         QuietButtonStyle {
@@ -49,17 +35,6 @@ Item {
         IconButton {
             symbol: "trash"
             help: "Do it"
-        }
-    }
-    Component {
-        id: row
-
-        RowDisclosureStyle {
-            text: "Do it"
-
-            Label {
-                text: "A row"
-            }
         }
     }
     Component {
@@ -85,8 +60,8 @@ Item {
         when: windowShown
 
         function buttons() {
-            return [primary, secondary, accent, pill, quiet, icon, row].map((component, index) => ({
-                        "tag": ["primary", "secondary", "accent", "pill", "quiet", "icon", "row"][index],
+            return [primary, secondary, quiet, icon].map((component, index) => ({
+                        "tag": ["primary", "secondary", "quiet", "icon"][index],
                         "component": component
                     }));
         }

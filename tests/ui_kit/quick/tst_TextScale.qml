@@ -20,12 +20,6 @@ Item {
         SecondaryButtonStyle {
             text: "Ünmåkgy"
         }
-        AccentButtonStyle {
-            text: "Ünmåkgy"
-        }
-        PillButtonStyle {
-            text: "Ünmåkgy"
-        }
         QuietButtonStyle {
             text: "Ünmåkgy"
         }
@@ -47,12 +41,8 @@ Item {
         }
         Wordmark {}
         Card {
-            RowDisclosureStyle {
-                text: "row"
-
-                Label {
-                    text: "Ünmåkgy"
-                }
+            Label {
+                text: "Ünmåkgy"
             }
         }
     }

@@ -29,18 +29,6 @@ ColumnLayout {
             enabled: styles.usable
             down: styles.pressed
         }
-        AccentButtonStyle {
-            text: "Empty Trash"
-            symbol: styles.symbol
-            enabled: styles.usable
-            down: styles.pressed
-        }
-        PillButtonStyle {
-            text: "New"
-            symbol: styles.symbol
-            enabled: styles.usable
-            down: styles.pressed
-        }
         QuietButtonStyle {
             text: "Ignore"
             symbol: styles.symbol

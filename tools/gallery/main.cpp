@@ -37,11 +37,11 @@ void fit(QQuickWindow& window, QQuickItem& item, const Page& page) {
   window.resize(item.size().toSize().grownBy({page.margin, page.margin, page.margin, page.margin}));
 }
 
-/// Null, with the reason on standard error, where the page cannot be made.
+/// Null if the page cannot be made; the reason is on standard error.
 QImage draw(QQmlEngine& engine, const Page& page) {
   QQmlComponent component(&engine, QUrl(page.url));
   const QVariantMap properties = page.properties ? page.properties() : QVariantMap();
-  // A component that is not ready must not be asked to make anything.
+  // A component that is not ready must not create an object.
   const std::unique_ptr<QObject> object(
       component.isReady() ? component.createWithInitialProperties(properties) : nullptr);
   auto* item = qobject_cast<QQuickItem*>(object.get());
@@ -55,7 +55,7 @@ QImage draw(QQmlEngine& engine, const Page& page) {
   item->setPosition(QPointF(page.margin, page.margin));
   window.show();
   window.requestActivate();
-  // The width comes from the first layout, and the height of texts that wrap from the second.
+  // The first layout sets the width; the second sets the height of wrapped texts.
   for (int i = 0; i < 2; ++i) {
     fit(window, *item, page);
     QCoreApplication::processEvents();
@@ -77,7 +77,7 @@ int drawAll(QQmlEngine& engine, const QDir& folder, const QString& only) {
   return failures;
 }
 
-/// The value of an option that must be known before the application is made.
+/// The value of an option that is needed before the application exists.
 const char* early(int argc, char** argv, const char* option) {
   for (int i = 1; i + 1 < argc; ++i) {
     if (std::strcmp(argv[i], option) == 0) return argv[i + 1];
@@ -97,13 +97,15 @@ int run(int argc, char** argv) {
   parser.setApplicationDescription(QStringLiteral("Draws every component and view into a folder."));
   parser.addHelpOption();
   parser.addOption({QStringLiteral("dark"), QStringLiteral("In the dark appearance.")});
-  parser.addOption({QStringLiteral("scale"), QStringLiteral("Pixels of the screen a pixel."),
+  parser.addOption({QStringLiteral("scale"), QStringLiteral("Screen pixels for each pixel."),
                     QStringLiteral("factor"), QStringLiteral("1")});
-  parser.addOption({QStringLiteral("text-scale"), QStringLiteral("How large the text is."),
+  parser.addOption({QStringLiteral("text-scale"), QStringLiteral("The size of the text."),
                     QStringLiteral("factor"), QStringLiteral("1")});
-  parser.addOption({QStringLiteral("only"), QStringLiteral("Only pages whose names start so."),
+  parser.addOption({QStringLiteral("locale"), QStringLiteral("The locale of numbers."),
+                    QStringLiteral("name"), QString::fromStdString(locale)});
+  parser.addOption({QStringLiteral("only"), QStringLiteral("Draw only pages whose names start with this."),
                     QStringLiteral("name"), QString()});
-  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("Where the pictures go."));
+  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder for the pictures."));
   parser.process(application);
   if (parser.positionalArguments().size() != 1) parser.showHelp(2);
 
@@ -112,12 +114,13 @@ int run(int argc, char** argv) {
     qCritical("cannot make %s", qPrintable(folder.path()));
     return 1;
   }
+  locale = parser.value(QStringLiteral("locale")).toStdString();
   QQmlEngine engine;
   UiKit::install(engine);
   Theme& theme = UiKit::theme(engine);
   theme.setDark(parser.isSet(QStringLiteral("dark")));
   theme.setTextScale(parser.value(QStringLiteral("text-scale")).toDouble());
-  theme.setReducedMotion(true);  // a picture of a transition would never be twice the same
+  theme.setReducedMotion(true);  // a picture of a transition would differ each time
   return drawAll(engine, folder, parser.value(QStringLiteral("only"))) == 0 ? 0 : 1;
 }
 

@@ -2,7 +2,7 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The Trash, while it holds much.
+/// Something large that can be removed, such as the Trash or an old backup.
 ActionCard {
     id: root
 
@@ -14,11 +14,13 @@ ActionCard {
     required property string buttonTitle
     required property string busyTitle
     required property bool isBusy
+    /// The title of the button that shows the item in the file manager.
+    property string revealTitle
 
     line: subtitle
 
     PrimaryButtonStyle {
-        // As high as the other one beside it.
+        // As high as the secondary button beside it.
         size: 12
         radius: 7
         horizontalPadding: 11
@@ -28,7 +30,7 @@ ActionCard {
         onClicked: root.rows.pressButton(root.rowId)
     }
     SecondaryButtonStyle {
-        text: "Show contents"
+        text: root.revealTitle
         onClicked: root.rows.reveal(root.rowId)
     }
 }

@@ -28,12 +28,13 @@ class Scene final : public support::ModelFixture {
   using Step = void (*)(Scene&);
 
   Scene(Step before, Step after) {
+    locale = gallery::locale;
     before(*this);
     startModel();
     ui_ = std::make_unique<Ui>(UiHost{.model = *model,
                                       .desktop = desktop.desktop(),
                                       .home = home,
-                                      .locale = "en_US",
+                                      .locale = locale,
                                       .quit = {},
                                       .loginItem = &desktop.loginItem,
                                       .usage = &usage_,

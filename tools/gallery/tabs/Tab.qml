@@ -29,7 +29,7 @@ TabPages {
         else if (deed === "focus")
             focused = row;
         else if (deed === "menu")
-            row.menuWanted(false);
+            row.menuWanted();
         else if (deed === "showAll")
             find(root, item => item.showAllGrowth !== undefined).showAllGrowth = true;
         else if (deed === "showActive")

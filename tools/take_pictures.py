@@ -1,10 +1,12 @@
-"""Takes the pictures of the documentation: the program over a home folder that grew.
+"""Takes the pictures of the documentation: the program shows a home folder that grew.
 
-usage: take_pictures.py SPACEMINT FOLDER; as root, for it makes a disk"""
+usage: take_pictures.py SPACEMINT FOLDER; needs root, because it makes a disk"""
 
 import os
 import pathlib
 import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "tests/endtoend/desktop"))
 
 from application import Application
 from portal import DARK, LIGHT, Portal

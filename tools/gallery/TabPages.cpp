@@ -20,10 +20,11 @@ class TabScene final : public support::HomeFixture {
   using Step = void (*)(TabScene&);
 
   TabScene(Tab tab, Step before, Step after) {
+    locale = gallery::locale;
     before(*this);
     startModel();
     ui_ = std::make_unique<Ui>(
-        UiHost{.model = *model, .desktop = desktop.desktop(), .home = home, .locale = "en_US", .quit = {}});
+        UiHost{.model = *model, .desktop = desktop.desktop(), .home = home, .locale = locale, .quit = {}});
     if (tab == Tab::developer) {
       if (holdsTools_) desktop.tasks.hold(Tasks::Priority::utility);
       model->dev().refreshIfNeeded();

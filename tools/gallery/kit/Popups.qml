@@ -54,7 +54,6 @@ Item {
             symbol: "lock"
             enabled: false
         }
-        MenuDivider {}
         MenuEntry {
             text: "Move to Trash"
             symbol: "trash"
