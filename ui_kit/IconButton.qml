@@ -17,7 +17,7 @@ T.Button {
     implicitWidth: Theme.scaled(size) + leftPadding + rightPadding
     implicitHeight: Theme.scaled(size) + topPadding + bottomPadding
     padding: 6
-    opacity: Theme.strength(this)
+    opacity: Theme.strength(root)
     Accessible.role: Accessible.Button
     Accessible.name: help
     Keys.forwardTo: [keys]

@@ -15,7 +15,7 @@ T.MenuItem {
     horizontalPadding: 8
     verticalPadding: 6
     font: Theme.text(12)
-    opacity: Theme.strength(this)
+    opacity: Theme.strength(root)
     Accessible.name: text
 
     contentItem: RowLayout {

@@ -16,7 +16,7 @@ T.ComboBox {
     rightPadding: 11 + arrow.width + 6
     verticalPadding: 6
     font: Theme.text(size, Font.Medium)
-    opacity: Theme.strength(this)
+    opacity: Theme.strength(root)
     Accessible.role: Accessible.ComboBox
     // A screen reader says the description after the name, and again when it changes. Qt has no text value here.
     Accessible.description: displayText

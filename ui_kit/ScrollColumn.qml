@@ -9,6 +9,7 @@ Flickable {
     property real padding: 0
     property alias spacing: column.spacing
     default property alias content: column.data
+    property real heightBefore: 0
 
     /// Scrolls as little as needed to show all of an item of the column.
     function show(item: Item) {
@@ -16,13 +17,16 @@ Flickable {
         scrollTo(Math.max(top + item.height + 8 - height, Math.min(contentY, top - 8)));
     }
 
-    function showFocus() {
-        const item = Window.window?.activeFocusItem;
+    /// The item of the column with the keyboard focus, or null.
+    function focusedItem() : Item {
+        const item = Window.window?.activeFocusItem ?? null;
         for (let parent = item?.parent; parent; parent = parent.parent) {
             if (parent === column)
-                show(item);
+                return item;
         }
+        return null;
     }
+
     function scrollTo(y: real) {
         contentY = Math.max(0, Math.min(y, contentHeight - height));
     }
@@ -42,15 +46,23 @@ Flickable {
             scrollTo(targets.get(event.key));
     }
 
-    // The item with the keyboard focus always is in view, also when a banner takes some of the height.
-    onHeightChanged: showFocus()
+    // The focused item stays in view when a banner takes some of the height.
+    onHeightChanged: {
+        const item = focusedItem();
+        const wasInView = item && item.mapToItem(contentItem, 0, item.height).y <= contentY + heightBefore;
+        heightBefore = height;
+        if (wasInView)
+            show(item);
+    }
+
     Connections {
         target: root.Window.window
         function onActiveFocusItemChanged() {
-            root.showFocus();
+            const item = root.focusedItem();
+            if (item)
+                root.show(item);
         }
     }
-
     ColumnLayout {
         id: column
 

@@ -26,7 +26,7 @@ T.GroupBox {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 2
     font: Theme.text(size, Font.Medium)
-    opacity: Theme.strength(this)
+    opacity: Theme.strength(root)
     focusPolicy: Qt.StrongFocus
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)

@@ -24,7 +24,7 @@ T.Button {
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     font: Theme.text(size, weight)
-    opacity: down ? pressedOpacity : Theme.strength(this)
+    opacity: down ? pressedOpacity : Theme.strength(root)
     Accessible.role: Accessible.Button
     Accessible.name: text
     Keys.forwardTo: [keys]

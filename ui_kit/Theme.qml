@@ -10,6 +10,9 @@ ThemeBase {
     /// The colour over a page while a question covers it.
     readonly property color backdrop: Qt.rgba(0, 0, 0, 0.18)
 
+    /// Whether the person used the keyboard last, and not the pointer. Read here, so that it is known from the start.
+    readonly property bool isKeyboardInUse: LastInput.isKeyboard
+
     /// The font of figures and headlines.
     function display(size: real) : font {
         return scaledFont(serifFamily, size, Font.Normal);

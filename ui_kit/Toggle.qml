@@ -17,7 +17,7 @@ T.Switch {
     implicitHeight: Math.max(indicator.implicitHeight, implicitContentHeight)
     spacing: 12
     font: Theme.text(size)
-    opacity: Theme.strength(this)
+    opacity: Theme.strength(root)
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
     Keys.forwardTo: [keys]

@@ -3,14 +3,13 @@ import Spacemint.UiKit
 import Spacemint.Views
 
 /// The buttons of the row that the pointer or the keyboard is at.
-Rectangle {
+Item {
     id: root
 
     required property ItemRow row
 
     implicitWidth: buttons.implicitWidth + 6
     implicitHeight: buttons.implicitHeight
-    color: Theme.hover
 
     Row {
         id: buttons

@@ -31,7 +31,7 @@ FocusScope {
     /// Whether this is the current row of its list.
     property bool isCurrent: false
     /// At most one row is lit: the one with the keyboard focus or the one under the pointer.
-    readonly property bool isLit: LastInput.isKeyboard ? activeFocus : hover.hovered
+    readonly property bool isLit: Theme.isKeyboardInUse ? activeFocus : hover.hovered
     readonly property real roomForButtons: buttons.item ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
 
@@ -69,7 +69,7 @@ FocusScope {
         visible: root.isLit
 
         FocusRing {
-            visible: root.activeFocus && LastInput.isKeyboard
+            visible: root.activeFocus && Theme.isKeyboardInUse
             around: 8
             anchors.margins: 0
         }

@@ -18,6 +18,7 @@ ListView {
 
     /// The time of the last click that opened a folder. The second click of a double-click is ignored.
     property double openedAt: -Infinity
+    property real heightBefore: 0
 
     function openMenu(row: ItemRow) {
         if (!row.hasPath)
@@ -44,9 +45,12 @@ ListView {
     reuseItems: true
     clip: interactive
     // The current row stays in view when a banner takes some of the height.
-    onHeightChanged: if (activeFocus)
-        positionViewAtIndex(currentIndex, ListView.Contain)
-    interactive: contentHeight > height
+    onHeightChanged: {
+        const wasInView = currentItem && currentItem.y + currentItem.height <= contentY + heightBefore;
+        heightBefore = height;
+        if (activeFocus && wasInView)
+            positionViewAtIndex(currentIndex, ListView.Contain);
+    }
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: true
     activeFocusOnTab: true

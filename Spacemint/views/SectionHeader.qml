@@ -26,6 +26,7 @@ GridLayout {
     RowLayout {
         id: end
 
+        Layout.fillWidth: false
         Layout.maximumWidth: root.width
         spacing: 6
     }

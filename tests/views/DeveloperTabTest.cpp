@@ -1,4 +1,4 @@
-// What developers' tools keep, and how it is cleaned up.
+// The tab with the disk space of developers' tools.
 
 #include "views/ShownTabs.h"
 

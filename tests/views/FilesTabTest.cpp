@@ -1,4 +1,4 @@
-// The largest files.
+// The tab with the largest files.
 
 #include "views/ShownTabs.h"
 

@@ -1,4 +1,4 @@
-// Going through folders, and what can be done with a row of a list.
+// The tab with the folders, and the actions of a row.
 
 #include "views/ShownTabs.h"
 
@@ -15,13 +15,13 @@ using testing::IsEmpty;
 
 class FoldersTabTest : public ShownTabs {
  protected:
-  // Two folders with a file each, a file beside them, and what is too small to be listed.
+  // Two folders with files, a file, the Trash, and small items that are not listed.
   ShownView& showFolders() {
     addFile(".Trash/gone.zip", 300 * MB);
     storeHome(morning - 1h,
               {support::folder(
-                   "Movies", {support::folder("Old", {file("first.mov", 2 * GB)}), file("holiday.mov", GB)}),
-               support::folder("Documents", {file("thesis.pdf", 400 * MB)}, {.unlisted = MB}),
+                   "Films", {support::folder("Old", {file("first.mov", 2 * GB)}), file("holiday.mov", GB)}),
+               support::folder("Papers", {file("thesis.pdf", 400 * MB)}, {.unlisted = MB}),
                support::folder(".Trash", {file("gone.zip", 300 * MB)}), file("disk.img", 200 * MB)});
     return show(Tab::folders);
   }
@@ -46,20 +46,20 @@ class FoldersTabTest : public ShownTabs {
 
 TEST_F(FoldersTabTest, goesIntoAFolderAndBackByMouse) {
   showFolders();
-  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
+  EXPECT_THAT(rows(), ElementsAre("Films", "Papers", ".Trash", "disk.img"));
   EXPECT_FALSE(view->find(QStringLiteral("Home folder")).isEmpty());
-  click(row("Documents"));
+  click(row("Papers"));
   EXPECT_THAT(rows(), ElementsAre("thesis.pdf", "Other small items"));
   click("Home folder");
-  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
-  EXPECT_EQ(list()->property("currentIndex").toInt(), 1) << "one comes back to where one was";
+  EXPECT_THAT(rows(), ElementsAre("Films", "Papers", ".Trash", "disk.img"));
+  EXPECT_EQ(list()->property("currentIndex").toInt(), 1) << "the folder that was left is the current row";
 }
 
 TEST_F(FoldersTabTest, aDoubleClickGoesDownOneFolderOnly) {
   showFolders();
-  view->doubleClick(row("Movies"));
+  view->doubleClick(row("Films"));
   settle();
-  EXPECT_EQ(model->folderPath(), inHome("Movies"));
+  EXPECT_EQ(model->folderPath(), inHome("Films"));
 }
 
 TEST_F(FoldersTabTest, goesIntoAFolderAndBackByKeyboard) {
@@ -71,16 +71,16 @@ TEST_F(FoldersTabTest, goesIntoAFolderAndBackByKeyboard) {
   press(Qt::Key_Down);
   EXPECT_EQ(focusedRow(), QStringLiteral("holiday.mov"));
   press(Qt::Key_Return);
-  EXPECT_EQ(model->folderPath(), inHome("Movies")) << "a file opens nothing";
+  EXPECT_EQ(model->folderPath(), inHome("Films")) << "a file opens nothing";
   press(Qt::Key_Home);
   press(Qt::Key_Return);
   EXPECT_THAT(rows(), ElementsAre("first.mov"));
   press(Qt::Key_Backspace);
   press(Qt::Key_Left, Qt::AltModifier);
-  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
-  EXPECT_EQ(focusedRow(), QStringLiteral("Movies"));
+  EXPECT_THAT(rows(), ElementsAre("Films", "Papers", ".Trash", "disk.img"));
+  EXPECT_EQ(focusedRow(), QStringLiteral("Films"));
   press(Qt::Key_Backspace);
-  EXPECT_THAT(rows(), ElementsAre("Movies", "Documents", ".Trash", "disk.img"));
+  EXPECT_THAT(rows(), ElementsAre("Films", "Papers", ".Trash", "disk.img"));
   press(Qt::Key_End);
   EXPECT_EQ(focusedRow(), QStringLiteral("disk.img"));
 }
@@ -95,15 +95,15 @@ TEST_F(FoldersTabTest, aFolderWithoutListedChildrenSaysWhy) {
 TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
   showFolders();
   EXPECT_TRUE(view->find(QStringLiteral("Move to Trash…")).isEmpty());
-  pressOnRow("Movies", "Move to Trash…");
-  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Movies · 3 GB"));
+  pressOnRow("Films", "Move to Trash…");
+  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Films · 3 GB"));
   EXPECT_EQ(model->folderPath(), std::nullopt) << "the row itself was not clicked";
   model->dismissConfirmation();
   settle();
-  view->hover(row("Documents"));
-  // Above it are that of the folder itself, and that of the row with the keyboard.
+  view->hover(row("Papers"));
+  // The buttons above it belong to the folder that is shown.
   click(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").last());
-  EXPECT_THAT(desktop.opener.revealed, ElementsAre(inHome("Documents")));
+  EXPECT_THAT(desktop.opener.revealed, ElementsAre(inHome("Papers")));
   click(row(".Trash"));
   pressOnRow("gone.zip", "Delete permanently…");
   EXPECT_THAT(asked(), ElementsAre("Delete permanently?", testing::StartsWith("gone.zip · 307")));
@@ -112,7 +112,7 @@ TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
 
 TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
   showFolders();
-  click(row("Documents"));
+  click(row("Papers"));
   view->hover(row("Other small items"));
   settle();
   const double top = row("Other small items")->mapToScene({}).y();
@@ -127,7 +127,7 @@ TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   showFolders();
   const QStringList all{QStringLiteral("Show in Finder"), QStringLiteral("Show in Folders"),
                         QStringLiteral("Copy Path"), QStringLiteral("Move to Trash…")};
-  click(row("Movies"), Qt::RightButton);
+  click(row("Films"), Qt::RightButton);
   EXPECT_EQ(menuEntries(), all);
   press(Qt::Key_Escape);
   EXPECT_THAT(menuEntries(), IsEmpty());
@@ -142,11 +142,11 @@ TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   press(Qt::Key_Down);
   press(Qt::Key_Down);
   press(Qt::Key_Return);
-  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), inHome("Documents"));
+  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), inHome("Papers"));
   press(Qt::Key_Menu);
   for (int i = 0; i < 4; ++i) press(Qt::Key_Down);
   press(Qt::Key_Return);
-  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Documents · 411 MB"));
+  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Papers · 411 MB"));
 }
 
 TEST_F(FoldersTabTest, theButtonsOfARowAreReachedByTheKeyboard) {
@@ -155,18 +155,18 @@ TEST_F(FoldersTabTest, theButtonsOfARowAreReachedByTheKeyboard) {
   press(Qt::Key_Tab);
   press(Qt::Key_Tab);
   press(Qt::Key_Return);
-  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Movies · 3 GB"));
+  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Films · 3 GB"));
 }
 
 TEST_F(FoldersTabTest, rowsSayWhatTheyAre) {
   showFolders();
-  const auto* movies = accessible(row("Movies"));
+  const auto* movies = accessible(row("Films"));
   EXPECT_EQ(movies->role(), QAccessible::ListItem);
-  EXPECT_EQ(movies->text(QAccessible::Name), QStringLiteral("Movies, 3 GB"));
+  EXPECT_EQ(movies->text(QAccessible::Name), QStringLiteral("Films, 3 GB"));
   const auto* all = accessible(list());
   EXPECT_EQ(all->role(), QAccessible::List);
   EXPECT_EQ(all->text(QAccessible::Name), QStringLiteral("Home folder"));
-  view->hover(row("Movies"));
+  view->hover(row("Films"));
   EXPECT_EQ(accessible(button("Move to Trash…"))->role(), QAccessible::Button);
 }
 

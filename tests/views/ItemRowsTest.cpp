@@ -46,7 +46,7 @@ TEST_F(ItemRowsTest, rowsThatStayKeepTheirIdsWhateverHappensAroundThem) {
   for (int step = 0; step < 300; ++step) {
     for (int i = 0; i < rows.count(); ++i) ids[letters[static_cast<std::size_t>(i)]] = idAt(i);
     const std::string before = letters;
-    // One row moves, one goes or comes.
+    // Moves one row, and adds or removes another.
     if (!letters.empty()) {
       const char moved = letters[random() % letters.size()];
       std::erase(letters, moved);

@@ -44,7 +44,7 @@ class LooksTest : public ShownTabs {
 
 TEST_F(LooksTest, theEdgeOfTheCardIsInViewAtTheBeginningOfAList) {
   showLongFolder();
-  // The first row stands below the edge of its card, which has a margin of its own.
+  // The distance of the first row from the top of the list, where the edge of the card is.
   const auto edge = [&] { return view->find({}, "ItemRow").first()->mapToItem(list(), {}).y(); };
   const double before = edge();
   EXPECT_GE(before, 4);

@@ -1,4 +1,4 @@
-// What grew and what can be freed, as it is seen and used.
+// The tab with what grew and what can be freed.
 
 #include "views/ShownTabs.h"
 

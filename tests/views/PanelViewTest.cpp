@@ -219,7 +219,7 @@ TEST_F(PanelViewTest, rowsOfTheSettingsFollowWhatIsAllowed) {
 TEST_F(PanelViewTest, whatTheKeyboardReachesHasARoleANameAndARing) {
   hasAccess = false;
   show();
-  // Goes once around with the tabulator; every round has at least so many stations.
+  // Goes around once with the tab key, over at least this many items.
   const auto goAround = [&](const char* page, std::size_t stations) {
     view->settle();
     std::set<const QQuickItem*> seen;
@@ -232,7 +232,7 @@ TEST_F(PanelViewTest, whatTheKeyboardReachesHasARoleANameAndARing) {
       ASSERT_TRUE(accessible) << page << ": " << item->metaObject()->className();
       const auto name = accessible->text(QAccessible::Name).toStdString();
       EXPECT_NE(name, "") << page << ": " << item->metaObject()->className();
-      // What has no role of its own is some client area.
+      // An item without a role of its own has the role Client.
       EXPECT_TRUE(name == "Pages" || accessible->role() != QAccessible::Client) << page << ": " << name;
       EXPECT_EQ(view->find({}, "FocusRing").size(), 1) << page << ": " << name;
     }

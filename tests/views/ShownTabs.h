@@ -57,11 +57,15 @@ class ShownTabs : public support::HomeFixture {
   }
   void click(const char* name) { click(button(name)); }
 
+  /// The title of a row. A no-break space looks like a space.
+  static std::string titleOf(const QQuickItem& row) {
+    return row.property("title").toString().replace(QChar::Nbsp, u' ').toStdString();
+  }
   /// The titles of the visible rows, from top to bottom.
   std::vector<std::string> rows() {
     std::vector<std::string> titles;
     for (const QQuickItem* row : view->find({}, "ItemRow")) {
-      titles.push_back(row->property("title").toString().toStdString());
+      titles.push_back(titleOf(*row));
     }
     return titles;
   }

@@ -1,4 +1,4 @@
-// Going from tab to tab.
+// The tabs together.
 
 #include "views/ShownTabs.h"
 
@@ -55,7 +55,7 @@ TEST_F(TabPagesTest, eachTabStaysWhereItWasScrolledTo) {
 TEST_F(TabPagesTest, everythingIsReachedWithTheTabKey) {
   for (const Tab tab : allTabs) {
     showLong(tab);
-    // Around all of it, back to where it began.
+    // Goes around with the tab key until the first item has the focus again.
     std::vector<const QQuickItem*> reached;
     for (int i = 0; i < 60; ++i) {
       view->press(Qt::Key_Tab);

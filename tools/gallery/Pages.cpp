@@ -16,7 +16,7 @@ QString kit(const char* file) {
   return QStringLiteral("qrc:/qt/qml/Spacemint/Gallery/kit/%1.qml").arg(QLatin1StringView(file));
 }
 
-/// The property `names`: what the rows of a table are called.
+/// The property `names`: the names in a table.
 template <typename Table>
 QVariantMap namesOf(const Table& table) {
   QStringList names;

@@ -22,7 +22,7 @@ using support::MB;
 using support::morning;
 using namespace std::chrono_literals;
 
-/// A model in one state, and the interface to it.
+/// A model in one state, with its interface.
 class Scene final : public support::ModelFixture {
  public:
   using Step = void (*)(Scene&);
@@ -118,7 +118,7 @@ struct PanelPage {
   Scene::Step before = scanned;
   Scene::Step after = nullptr;
   bool windowed = false;
-  /// That of the panel where it is empty.
+  /// If empty, the size of the panel.
   QSize size = {};
 };
 
@@ -192,7 +192,7 @@ constexpr PanelPage panelPages[] = {
      [](Scene& s) {
        settings(s);
        s.screen().loginItem.failure = Error{.message = "not here"};
-       // Once the page is there.
+       // When the page exists.
        QMetaObject::invokeMethod(
            s.ui().settings(), [form = s.ui().settings()] { form->setLaunchesAtLogin(true); },
            Qt::QueuedConnection);
@@ -200,7 +200,7 @@ constexpr PanelPage panelPages[] = {
 };
 
 QVariantMap propertiesOf(const PanelPage& page) {
-  // Outlives every picture.
+  // The scenes live until the program ends.
   static std::vector<std::unique_ptr<Scene>> scenes;
   scenes.push_back(std::make_unique<Scene>(page.before, page.after));
   return {{QStringLiteral("ui"), QVariant::fromValue(&scenes.back()->ui())},
@@ -211,7 +211,7 @@ QString panel(const char* file) {
   return QStringLiteral("qrc:/qt/qml/Spacemint/Gallery/panel/%1.qml").arg(QLatin1StringView(file));
 }
 
-/// Every form that a notice has.
+/// A notice of each kind.
 QVariantMap notices() {
   const AppMessage tip{.id = "tip",
                        .title = "A tip",

@@ -14,7 +14,7 @@ using support::MB;
 using support::morning;
 using namespace std::chrono_literals;
 
-/// A model in one state, seen by its tabs.
+/// A model in one state, with its tabs.
 class TabScene final : public support::HomeFixture {
  public:
   using Step = void (*)(TabScene&);
@@ -45,7 +45,7 @@ class TabScene final : public support::HomeFixture {
     std::ofstream{store.entries().back().path} << "{";
   }
   void withoutAccess() { hasAccess = false; }
-  // All cards, and suggestions of one place and of many.
+  // All cards, and suggestions with one and with several locations.
   void piledUp() {
     addBackup("2024-01-01T00:00:00Z");
     addFile(".Trash/film.mov", 300 * MB);
@@ -112,7 +112,7 @@ class TabScene final : public support::HomeFixture {
          nested(".npm/_cacache", {file("b", 600 * MB)}), worktreeTree("checkout-of-last-year", 2 * GB),
          worktreeTree("orphan", GB), worktreeTree("feature", 700 * MB), worktreeTree("fix", 500 * MB)});
   }
-  // Cleans a cache, and stops before it is done.
+  // Starts to clean a cache, which does not finish.
   void clean() {
     desktop.tasks.hold(Tasks::Priority::userInitiated);
     model->confirmCleanup(model->findings().devCleanups.front());
@@ -216,7 +216,7 @@ const TabPage tabPages[] = {
 };
 
 QVariantMap propertiesOf(const TabPage& page) {
-  // Outlives every picture.
+  // The scenes live until the program ends.
   static std::vector<std::unique_ptr<TabScene>> scenes;
   scenes.push_back(std::make_unique<TabScene>(page.tab, page.before, page.after));
   return {{QStringLiteral("ui"), QVariant::fromValue(&scenes.back()->ui())},

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -56,12 +57,17 @@ QImage draw(QQmlEngine& engine, const Page& page) {
   window.show();
   window.requestActivate();
   // The first layout sets the width; the second sets the height of wrapped texts.
-  for (int i = 0; i < 2; ++i) {
+  for (int i = 0; i < 3; ++i) {
     fit(window, *item, page);
     QCoreApplication::processEvents();
   }
   if (item->metaObject()->indexOfMethod("act()") >= 0) QMetaObject::invokeMethod(item, "act");
-  if (auto* focused = itemProperty(*item, "focused")) focused->forceActiveFocus(Qt::TabFocusReason);
+  if (auto* focused = itemProperty(*item, "focused")) {
+    // A key that does nothing: the row of the keyboard is only marked after a key.
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Shift, Qt::ShiftModifier);
+    QCoreApplication::sendEvent(&window, &key);
+    focused->forceActiveFocus(Qt::TabFocusReason);
+  }
   if (const auto* pointer = itemProperty(*item, "pointer")) pointAt(window, *pointer);
   QCoreApplication::processEvents();
   return window.grabWindow();

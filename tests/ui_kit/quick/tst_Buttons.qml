@@ -101,28 +101,6 @@ Item {
             compare(spy.count, 4);
         }
 
-        function test_is_reached_by_tab_data() {
-            return buttons();
-        }
-
-        function test_is_reached_by_tab(data) {
-            const first = make(secondary);
-            const button = make(data.component);
-            first.forceActiveFocus(Qt.TabFocusReason);
-            keyClick(Qt.Key_Tab);
-            verify(button.activeFocus);
-        }
-
-        function test_says_what_it_is_data() {
-            return buttons();
-        }
-
-        function test_says_what_it_is(data) {
-            const button = make(data.component);
-            compare(button.Accessible.role, Accessible.Button);
-            compare(button.Accessible.name, "Do it");
-        }
-
         function test_shows_that_it_is_pressed() {
             const button = make(primary);
             Theme.reducedMotion = true;
@@ -136,7 +114,7 @@ Item {
             return buttons();
         }
 
-        // The whole of it lies on its window, so that a transparent ground shows too.
+        // Compares pictures of the whole scene, so that a transparent background counts too.
         function test_shows_the_pointer(data) {
             Theme.reducedMotion = true;
             const button = make(data.component);

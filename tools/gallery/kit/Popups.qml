@@ -4,7 +4,7 @@ import Spacemint.UiKit
 Item {
     id: root
 
-    /// 0 the menu, 1 the picker's list, 2 a tool tip.
+    /// What is shown: 0 the menu, 1 the list of the picker, 2 the tool tip.
     required property int shown
 
     function act() {

@@ -7,7 +7,7 @@ import Spacemint.Services
 ColumnLayout {
     id: root
 
-    /// What each card says, as a map.
+    /// The texts of each card, as a map.
     required property list<var> notices
 
     spacing: 16

@@ -1,7 +1,7 @@
 import QtQuick
 import Spacemint.Views
 
-/// The tabs, with something done to the row of a title.
+/// The tabs, after an action on the row with a title.
 TabPages {
     id: root
 
