@@ -58,14 +58,14 @@ class ShownTabs : public support::HomeFixture {
   void click(const char* name) { click(button(name)); }
 
   /// The title of a row. A no-break space looks like a space.
-  static std::string titleOf(const QQuickItem& row) {
+  static std::string rowTitle(const QQuickItem& row) {
     return row.property("title").toString().replace(QChar::Nbsp, u' ').toStdString();
   }
   /// The titles of the visible rows, from top to bottom.
   std::vector<std::string> rows() {
     std::vector<std::string> titles;
     for (const QQuickItem* row : view->find({}, "ItemRow")) {
-      titles.push_back(titleOf(*row));
+      titles.push_back(rowTitle(*row));
     }
     return titles;
   }
