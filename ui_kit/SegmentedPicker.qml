@@ -79,6 +79,8 @@ T.GroupBox {
                     focusPolicy: Qt.NoFocus
                     checked: index === root.currentIndex
                     Accessible.name: text
+                    Accessible.checkable: true
+                    Accessible.checked: checked
                     onClicked: root.choose(index)
 
                     contentItem: Label {

@@ -75,6 +75,7 @@ ColumnLayout {
                     SecondaryButtonStyle {
                         enabled: !prune.isBusy
                         text: prune.buttonTitle
+                        Accessible.description: prune.title
                         onClicked: root.ui.developer.dockerPrune.pressButton(prune.rowId)
                     }
                 }

@@ -51,7 +51,7 @@ ColumnLayout {
         Layout.fillWidth: true
         fraction: root.ui.summary.usedFraction
         color: root.levelColor
-        Accessible.name: root.ui.summary.free + " free"
+        Accessible.name: `${root.ui.summary.free} free ${root.ui.summary.total}`
         Accessible.description: root.ui.summary.tickHelp
 
         Rectangle {

@@ -119,9 +119,11 @@ TEST_F(ItemRowsTest, whatIsInTheTrashCanOnlyBeDeleted) {
   const struct {
     std::string path;
     bool isInTrash;
-  } cases[]{{inHome(".Trash/old.zip"), true}, {inHome(".local/share/Trash/files/old.zip"), true},
-            {inHome(".Trash"), false},        {inHome(".Trashes/old.zip"), false},
-            {inHome("Trash/old.zip"), false}, {"/.Trash/old.zip", false}};
+  } cases[]{{inHome(".Trash/old.zip"), true},
+            {inHome(".local/share/Trash/files/old.zip"), true},
+            {inHome(".Trashes/old.zip"), false},
+            {inHome("Trash/old.zip"), false},
+            {"/.Trash/old.zip", false}};
   for (const auto& [path, isInTrash] : cases) {
     rows.assign({{.id = path, .path = path, .canTrash = true}});
     EXPECT_EQ(at(0, ItemRows::IsInTrashRole).toBool(), isInTrash) << path;

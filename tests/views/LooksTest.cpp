@@ -62,6 +62,7 @@ TEST_F(LooksTest, theEdgeOfTheCardIsInViewAtTheBeginningOfAList) {
 TEST_F(LooksTest, oneRowIsLitTheOneOfTheDeviceThatWasUsedLast) {
   storeHome(morning - 1h, {file("one", 3 * GB), file("two", 2 * GB), file("three", GB)});
   show(Tab::folders);
+  view->hover(row("one"));
   click(row("one"));
   EXPECT_THAT(litRows(), ElementsAre("one"));
   view->hover(row("two"));
@@ -110,9 +111,11 @@ TEST_F(LooksTest, whatTheGuardRefusesIsNotOffered) {
   EXPECT_THAT(offered(Tab::folders), ElementsAre("code"));
   EXPECT_THAT(offered(Tab::developer), IsEmpty()) << "a worktree that is the Documents folder";
   // In a scan of the whole disk the home folder itself is an item.
-  const UiHost host{.model = *model, .desktop = desktop.desktop(), .home = home, .locale = locale, .quit = {}};
+  const UiHost host{
+      .model = *model, .desktop = desktop.desktop(), .home = home, .locale = locale, .quit = {}};
   ItemRows list{host};
-  for (const std::string& path : {home, inHome("Documents"), std::string{"/"}, std::string{folder.path()}}) {
+  for (const std::string& path :
+       {home, inHome("Documents"), inHome(".Trash"), std::string{"/"}, std::string{folder.path()}}) {
     list.assign({{.id = path, .path = path, .canTrash = true}});
     EXPECT_FALSE(list.data(list.index(0), ItemRows::CanTrashRole).toBool()) << path;
     list.remove(list.data(list.index(0), ItemRows::RowIdRole).toInt());
