@@ -4,8 +4,8 @@
 
 namespace spacemint {
 
-/// Draws the symbols for QML: `image://symbol/NAME/RRGGBB` in the requested size and in one colour. An unknown
-/// name gives an empty picture.
+/// Draws the symbols for QML: `image://symbol/NAME/RRGGBB` in the requested size and in one colour. An
+/// unknown name gives an empty picture.
 class SymbolProvider : public QQuickImageProvider {
  public:
   SymbolProvider();
