@@ -29,7 +29,6 @@ Card {
             size: 14
             weight: Font.DemiBold
             text: card.title
-            textFormat: Text.PlainText
             wrapMode: Text.Wrap
             maximumLineCount: 2
             elide: Text.ElideRight
@@ -48,7 +47,6 @@ Card {
         visible: text.length > 0
         color: Theme.secondary
         text: card.body
-        textFormat: Text.PlainText
         wrapMode: Text.Wrap
         maximumLineCount: 12
         elide: Text.ElideRight

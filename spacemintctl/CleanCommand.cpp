@@ -72,7 +72,7 @@ class Proposer {
       case CleanKind::backup:
         return proposeBackup(path);
       case CleanKind::worktree: {
-        if (const auto refused = context_.guard.refusal({.path = path})) return std::unexpected(*refused);
+        if (const auto refused = context_.guard.refusal({.path = path, .outsideHomeAllowed = true})) return std::unexpected(*refused);
         const auto worktree = GitWorktrees::inspect(path, 0);
         if (!worktree) return std::unexpected(path + ": no git worktree");
         return proposalFor(*worktree);

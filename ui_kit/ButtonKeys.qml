@@ -1,7 +1,7 @@
 import QtQuick
 
-/// The keys of a button: Return does what Space does, and a key that is held does it once. The button forwards
-/// its keys here.
+/// The keys of a button: Return works like Space, and a key that is held down works only once. A button forwards
+/// its keys to this item.
 Item {
     id: root
 

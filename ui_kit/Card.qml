@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 
-/// A surface for what belongs together; its children stand in a column.
+/// A surface for things that belong together; its children are in a ColumnLayout.
 Rectangle {
     id: root
 

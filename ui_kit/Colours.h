@@ -6,14 +6,14 @@
 
 namespace spacemint {
 
-/// One colour of the interface in both appearances, as 0xRRGGBB.
+/// A colour of the interface in the light and the dark appearance, as 0xRRGGBB.
 struct Colour {
   std::string_view name;
   std::uint32_t light;
   std::uint32_t dark;
 };
 
-/// All there are; nothing else names a colour.
+/// All colours. No other file may name a colour.
 inline constexpr std::array<Colour, 25> colours{{
     {"chrome", 0xF2F0EB, 0x161514},         {"canvas", 0xFAF9F6, 0x1C1B1A},
     {"card", 0xFFFFFF, 0x252321},           {"well", 0xF4F2EE, 0x22201E},
@@ -30,7 +30,7 @@ inline constexpr std::array<Colour, 25> colours{{
     {"track", 0xECE9E3, 0x34312E},
 }};
 
-/// The colour of that name; does not compile where there is none.
+/// The colour with this name. An unknown name does not compile.
 consteval Colour colourNamed(std::string_view name) {
   for (const Colour& colour : colours) {
     if (colour.name == name) return colour;

@@ -1,10 +1,10 @@
 import QtQuick
 
-/// Around the control that the keyboard is at; a child of it.
+/// The ring around the control with the keyboard focus; a child of the control.
 Rectangle {
     /// The corner radius of the control.
     property real around: 8
-    /// How far outside of it the ring is.
+    /// The distance between the control and the ring.
     property real outside: 3
 
     anchors.fill: parent

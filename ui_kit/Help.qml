@@ -1,11 +1,11 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// What a control does, beside the pointer that rests on it; a child of the control.
+/// The tool tip of a control; a child of the control.
 T.ToolTip {
     id: root
 
-    /// Whether the pointer is on it.
+    /// Whether the pointer or the keyboard is at the control.
     property bool wanted: false
 
     visible: wanted && text !== ""

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// The ground of a button that has none until the pointer or the keyboard comes to it.
+/// The background of a button that shows one only under the pointer or with the keyboard focus.
 Item {
     id: root
 

@@ -1,12 +1,12 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// A symbol to click, in a small square.
+/// A small square button with a symbol.
 T.Button {
     id: root
 
     property string symbol
-    /// What it does: its tool tip and its name.
+    /// The tool tip, and the name for screen readers.
     property string help
     property real size: 15
     property color tint: hovered ? Theme.ink : Theme.secondary
@@ -17,7 +17,7 @@ T.Button {
     implicitWidth: Theme.scaled(size) + leftPadding + rightPadding
     implicitHeight: Theme.scaled(size) + topPadding + bottomPadding
     padding: 6
-    opacity: enabled ? 1 : 0.4
+    opacity: Theme.strength(root)
     Accessible.role: Accessible.Button
     Accessible.name: help
     Keys.forwardTo: [keys]
@@ -49,6 +49,6 @@ T.Button {
     }
     Help {
         text: root.help
-        wanted: root.hovered
+        wanted: root.hovered || root.visualFocus
     }
 }

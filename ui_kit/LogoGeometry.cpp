@@ -6,7 +6,7 @@ namespace spacemint::LogoGeometry {
 
 namespace {
 
-/// In a unit square with y growing downwards.
+/// In a unit square; y grows downwards.
 constexpr std::array<Part, 4> unitParts{{
     {{0.115, 0.08, 0.77, 0.10}, true},
     {{0.115, 0.54, 0.17, 0.38}, false},

@@ -23,10 +23,10 @@ struct Part {
   bool operator==(const Part&) const = default;
 };
 
-/// The radius that rounds the ends of a part fully.
+/// The corner radius that makes the ends of a part half circles.
 double cornerRadius(const Rect& rect);
 
-/// The parts scaled into a rectangle; `flipY` is for where y grows upwards.
+/// The parts, scaled into a rectangle. `flipY` is for a coordinate system in which y grows upwards.
 std::array<Part, 4> parts(const Rect& in, bool flipY);
 
 }  // namespace LogoGeometry

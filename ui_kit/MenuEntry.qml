@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 
-/// One thing that a MenuPopup offers.
+/// One entry of a MenuPopup.
 T.MenuItem {
     id: root
 
@@ -15,7 +15,7 @@ T.MenuItem {
     horizontalPadding: 8
     verticalPadding: 6
     font: Theme.text(12)
-    opacity: enabled ? 1 : 0.4
+    opacity: Theme.strength(root)
     Accessible.name: text
 
     contentItem: RowLayout {
@@ -27,7 +27,7 @@ T.MenuItem {
             size: 14
             color: root.ink
         }
-        Text {
+        Label {
             Layout.fillWidth: true
             text: root.text
             font: root.font

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// A menu of MenuEntry; open it with popup().
+/// A menu of MenuEntry items. popup() opens it.
 T.Menu {
     id: root
 

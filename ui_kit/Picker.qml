@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 
-/// One of several, in a list that opens. `model` is a list of strings.
+/// A button that opens a list of choices. `model` is a list of strings.
 T.ComboBox {
     id: root
 
@@ -16,9 +16,11 @@ T.ComboBox {
     rightPadding: 11 + arrow.width + 6
     verticalPadding: 6
     font: Theme.text(size, Font.Medium)
-    opacity: enabled ? 1 : 0.4
+    opacity: Theme.strength(root)
     Accessible.role: Accessible.ComboBox
-    // The template chooses when Return is let go, and so it also opens then.
+    // A screen reader says the description after the name, and again when it changes. Qt has no text value here.
+    Accessible.description: displayText
+    // The template chooses when Return is released, so the list also opens on the release.
     Keys.onReleased: event => {
         const opens = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
         event.accepted = opens && !popup.visible;
@@ -26,7 +28,7 @@ T.ComboBox {
             popup.open();
     }
 
-    // Invisible, and as wide as the widest choice, so that a choice never changes the width.
+    // Invisible. It measures the widest choice, so that the picker keeps its width.
     Column {
         id: widest
 
@@ -35,7 +37,7 @@ T.ComboBox {
         Repeater {
             model: root.model
 
-            Text {
+            Label {
                 required property string modelData
 
                 text: modelData
@@ -44,7 +46,7 @@ T.ComboBox {
         }
     }
 
-    contentItem: Text {
+    contentItem: Label {
         id: label
 
         text: root.displayText
@@ -92,9 +94,11 @@ T.ComboBox {
         rightPadding: 28
         verticalPadding: 6
         text: modelData
+        Accessible.selectable: true
+        Accessible.selected: root.currentIndex === index
         highlighted: root.highlightedIndex === index
 
-        contentItem: Text {
+        contentItem: Label {
             id: choice
 
             text: entry.text

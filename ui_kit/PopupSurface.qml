@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-/// What stands over the rest.
+/// The surface of menus, lists and questions, with a shadow.
 Rectangle {
     id: root
 
@@ -11,7 +11,7 @@ Rectangle {
     border.width: 1
     border.color: Theme.border
 
-    // A soft shadow: rectangles that lie over each other, the largest below.
+    // A soft shadow of eight transparent rectangles, each larger than the one above it.
     Repeater {
         model: 8
 

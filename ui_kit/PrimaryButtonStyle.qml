@@ -1,6 +1,6 @@
 import QtQuick
 
-/// The one thing that a view is for.
+/// The primary button of a view.
 TextButton {
     size: 13
     weight: Font.DemiBold

@@ -1,10 +1,10 @@
 import QtQuick
 
-/// Only a text, until the pointer comes.
+/// A button that looks like a text until the pointer is on it.
 TextButton {
     id: root
 
-    /// How far around it a click counts, in pixels.
+    /// A click up to this many pixels outside of the button counts.
     property real reach: 0
 
     fill: "transparent"

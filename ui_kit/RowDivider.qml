@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 
-/// A line between two rows.
+/// A horizontal line between two rows.
 Rectangle {
     Layout.fillWidth: true
     implicitHeight: 1

@@ -2,18 +2,29 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 
-/// A column that scrolls where it is higher than there is room. Its children are in a ColumnLayout.
+/// A column that scrolls if it is too high. Its children are in a ColumnLayout.
 Flickable {
     id: root
 
     property real padding: 0
     property alias spacing: column.spacing
     default property alias content: column.data
+    property real heightBefore: 0
 
-    /// Scrolls as little as it takes to see all of an item of the column.
+    /// Scrolls as little as needed to show all of an item of the column.
     function show(item: Item) {
         const top = item.mapToItem(contentItem, 0, 0).y;
         scrollTo(Math.max(top + item.height + 8 - height, Math.min(contentY, top - 8)));
+    }
+
+    /// The item of the column with the keyboard focus, or null.
+    function focusedItem() : Item {
+        const item = Window.window?.activeFocusItem ?? null;
+        for (let parent = item?.parent; parent; parent = parent.parent) {
+            if (parent === column)
+                return item;
+        }
+        return null;
     }
 
     function scrollTo(y: real) {
@@ -35,19 +46,23 @@ Flickable {
             scrollTo(targets.get(event.key));
     }
 
-    Connections {
-        target: root.Window.window
-
-        // The keyboard never is at what cannot be seen.
-        function onActiveFocusItemChanged() {
-            const item = root.Window.window.activeFocusItem;
-            for (let parent = item?.parent; parent; parent = parent.parent) {
-                if (parent === column)
-                    root.show(item);
-            }
-        }
+    // The focused item stays in view when a banner takes some of the height.
+    onHeightChanged: {
+        const item = focusedItem();
+        const wasInView = item && item.mapToItem(contentItem, 0, item.height).y <= contentY + heightBefore;
+        heightBefore = height;
+        if (wasInView)
+            show(item);
     }
 
+    Connections {
+        target: root.Window.window
+        function onActiveFocusItemChanged() {
+            const item = root.focusedItem();
+            if (item)
+                root.show(item);
+        }
+    }
     ColumnLayout {
         id: column
 

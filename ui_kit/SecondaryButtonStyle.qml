@@ -1,6 +1,6 @@
 import QtQuick
 
-/// What can be done as well.
+/// A secondary button.
 TextButton {
     radius: 7
     horizontalPadding: 11

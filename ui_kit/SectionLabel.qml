@@ -1,6 +1,6 @@
 import QtQuick
 
-/// The title over a group of things.
+/// The title of a section.
 Label {
     property string title
 

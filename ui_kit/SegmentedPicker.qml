@@ -3,8 +3,8 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 
-/// One of a few, side by side. `model` is a list of strings.
-// Of the templates, a GroupBox is the one whose role screen readers are told.
+/// A few choices side by side, of which one is chosen. `model` is a list of strings.
+// Of the templates only GroupBox has the role of a group for screen readers.
 T.GroupBox {
     id: root
 
@@ -12,7 +12,7 @@ T.GroupBox {
     property int currentIndex: 0
     property real size: 12
 
-    /// The person chose another.
+    /// The person chose another segment.
     signal activated(int index)
 
     function choose(index: int) {
@@ -26,7 +26,7 @@ T.GroupBox {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 2
     font: Theme.text(size, Font.Medium)
-    opacity: enabled ? 1 : 0.4
+    opacity: Theme.strength(root)
     focusPolicy: Qt.StrongFocus
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)
@@ -63,7 +63,8 @@ T.GroupBox {
 
                 model: root.model
 
-                T.AbstractButton {
+                // Only this template has the role of a radio button: Qt overrides the role that a file sets.
+                T.RadioButton {
                     id: segment
 
                     required property int index
@@ -76,13 +77,13 @@ T.GroupBox {
                     verticalPadding: 5
                     text: modelData
                     focusPolicy: Qt.NoFocus
-                    Accessible.role: Accessible.RadioButton
+                    checked: index === root.currentIndex
                     Accessible.name: text
                     Accessible.checkable: true
-                    Accessible.checked: index === root.currentIndex
+                    Accessible.checked: checked
                     onClicked: root.choose(index)
 
-                    contentItem: Text {
+                    contentItem: Label {
                         id: caption
 
                         text: segment.text

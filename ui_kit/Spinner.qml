@@ -1,6 +1,6 @@
 import QtQuick
 
-/// Something goes on, of which nobody knows how long it takes.
+/// Shows that something runs for an unknown time.
 Symbol {
     id: root
 

@@ -1,6 +1,6 @@
 import QtQuick
 
-/// A small picture in one colour, by its name.
+/// A symbol of Symbols.h in one colour.
 Image {
     property string symbol
     property real size: 16

@@ -14,7 +14,7 @@ namespace spacemint {
 
 namespace {
 
-/// The drawing of a symbol as SVG; empty where there is none.
+/// The SVG drawing of a symbol; empty if the name is unknown.
 QByteArray drawingOf(const QString& symbol) {
   const std::string name = symbol.toStdString();
   const auto found = std::find_if(symbolDrawings.begin(), symbolDrawings.end(),

@@ -5,7 +5,7 @@
 
 namespace spacemint {
 
-/// A symbol that the interface may show, and the drawing in ui_kit/icons that shows it.
+/// The name of a symbol, and its drawing in ui_kit/icons.
 struct SymbolDrawing {
   std::string_view name;
   std::string_view file;

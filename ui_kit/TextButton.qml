@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 
-/// What all buttons with a text have in common. Each style sets its measures and colours.
+/// The base of all buttons with a text. Each style sets its size and its colours.
 T.Button {
     id: root
 
-    /// The name of the symbol before the text; may be empty.
+    /// The name of the symbol before the text; empty for none.
     property string symbol
-    /// Whether it takes all the width that a layout can give.
+    /// Whether the button takes the full width in a layout.
     property bool fullWidth: false
     property color fill: Theme.button
     property color ink: Theme.ink
@@ -16,7 +16,7 @@ T.Button {
     property int weight: Font.Medium
     property real radius: 8
     property real pressedOpacity: 0.7
-    /// How strongly the pointer tints it.
+    /// The strength of the tint under the pointer.
     property real hoverOpacity: 0.06
 
     Layout.fillWidth: fullWidth
@@ -24,7 +24,7 @@ T.Button {
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     font: Theme.text(size, weight)
-    opacity: !enabled ? 0.4 : down ? pressedOpacity : 1
+    opacity: down ? pressedOpacity : Theme.strength(root)
     Accessible.role: Accessible.Button
     Accessible.name: text
     Keys.forwardTo: [keys]
@@ -46,7 +46,7 @@ T.Button {
                 size: root.size + 2
                 color: root.ink
             }
-            Text {
+            Label {
                 Layout.fillWidth: true
                 visible: root.text
                 text: root.text

@@ -10,7 +10,7 @@ namespace spacemint {
 
 namespace {
 
-/// The family, or the desktop's own where it is not installed.
+/// The family, or the desktop's family if it is not installed.
 QString familyOr(const QString& family) {
   return QFontDatabase::hasFamily(family) ? family : QGuiApplication::font().family();
 }

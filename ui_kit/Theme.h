@@ -8,7 +8,7 @@
 
 namespace spacemint {
 
-/// A colour of the table as a property that changes with the appearance.
+/// A colour of Colours.h as a property that changes with the appearance.
 #define SPACEMINT_THEME_COLOUR(name)                     \
   Q_PROPERTY(QColor name READ name NOTIFY isDarkChanged) \
  public:                                                 \
@@ -16,17 +16,16 @@ namespace spacemint {
     return resolve(colourNamed(#name));                  \
   }
 
-/// What the interface looks like: its colours, and what the desktop asks of it. QML sees it through the
-/// singleton `Theme`, which adds the fonts and transitions that follow from it; C++ gets that singleton from
-/// UiKit::theme(). Main thread only.
+/// The colours of the interface and the settings of the desktop that change its look. QML uses the singleton
+/// `Theme`, which adds fonts and transitions; C++ gets the singleton from UiKit::theme(). Main thread only.
 class Theme : public QObject {
   Q_OBJECT
   QML_NAMED_ELEMENT(ThemeBase)
-  /// Whether the desktop wants light text on a dark ground.
+  /// Whether the desktop wants the dark appearance.
   Q_PROPERTY(bool isDark READ isDark WRITE setDark NOTIFY isDarkChanged)
-  /// How much larger than designed all text is.
+  /// The factor by which all text is larger than designed.
   Q_PROPERTY(qreal textScale READ textScale WRITE setTextScale NOTIFY textScaleChanged)
-  /// Whether the desktop wants no movement.
+  /// Whether the desktop wants no animations.
   Q_PROPERTY(bool reducedMotion READ reducedMotion WRITE setReducedMotion NOTIFY reducedMotionChanged)
   Q_PROPERTY(QString sansFamily READ sansFamily CONSTANT)
   Q_PROPERTY(QString serifFamily READ serifFamily CONSTANT)
@@ -64,9 +63,9 @@ class Theme : public QObject {
   void setDark(bool isDark);
 
   qreal textScale() const { return textScale_; }
-  /// Kept between 1 and 2.
+  /// Clamps the scale to 1 to 2.
   void setTextScale(qreal scale);
-  /// The scale at which text is as large as that font, of which the desktop says that it is the right size.
+  /// The text scale that matches the size of the desktop's font.
   static qreal textScaleOf(const QFont& desktopFont);
 
   bool reducedMotion() const { return reducedMotion_; }

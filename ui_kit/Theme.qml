@@ -2,20 +2,23 @@ pragma Singleton
 import QtQuick
 import Spacemint.UiKit
 
-/// How everything looks. What depends on the desktop is a function here and not in C++, for a binding follows
-/// what a function in QML reads.
+/// The fonts, colours and lengths of the interface. The functions are in QML and not in C++, because a binding
+/// follows only what a QML function reads.
 ThemeBase {
     readonly property color shadow: dynamic(0, 0)
     readonly property font title: text(28, Font.DemiBold)
-    /// Over a page that has to wait.
+    /// The colour over a page while a question covers it.
     readonly property color backdrop: Qt.rgba(0, 0, 0, 0.18)
+
+    /// Whether the person used the keyboard last, and not the pointer. Read here, so that it is known from the start.
+    readonly property bool isKeyboardInUse: LastInput.isKeyboard
 
     /// The font of figures and headlines.
     function display(size: real) : font {
         return scaledFont(serifFamily, size, Font.Normal);
     }
 
-    /// The font of all else; `weight` is one of Font's and may be left out.
+    /// The font of all other texts. `weight` is a value of Font and may be left out.
     function text(size, weight) : font {
         return scaledFont(sansFamily, size, weight ?? Font.Normal);
     }
@@ -31,13 +34,18 @@ ThemeBase {
         return Qt.rgba((rgb >> 16 & 255) / 255, (rgb >> 8 & 255) / 255, (rgb & 255) / 255, 1);
     }
 
-    /// How long a transition takes, in milliseconds.
+    /// The opacity of a control: faded if it is disabled itself, but not if it is on a page that is disabled as a
+    /// whole, such as the page behind a question.
+    function strength(control: Item) : real {
+        return control.enabled || control.parent?.enabled === false ? 1 : 0.4;
+    }
+    /// The duration of a transition, in milliseconds.
     function duration(ms: int) : int {
         return reducedMotion ? 0 : ms;
     }
 
-    /// Whether anybody can see the item. What runs by itself, a timer or a movement, runs only then, for what is
-    /// hidden must not wake the processor.
+    /// Whether the item is visible in a window that is shown. Timers and endless animations run only then, so that
+    /// a hidden window does not wake the processor.
     function isSeen(item: Item) : bool {
         const window = item.Window.visibility;
         return item.visible && window !== Window.Hidden && window !== Window.Minimized;

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// On or off. The text, if there is one, stands at the other end of the row.
+/// A switch. Its text, if any, is at the other end of the row.
 T.Switch {
     id: root
 
@@ -17,12 +17,12 @@ T.Switch {
     implicitHeight: Math.max(indicator.implicitHeight, implicitContentHeight)
     spacing: 12
     font: Theme.text(size)
-    opacity: enabled ? 1 : 0.4
+    opacity: Theme.strength(root)
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
     Keys.forwardTo: [keys]
 
-    contentItem: Text {
+    contentItem: Label {
         rightPadding: root.indicator.width + root.spacing
         text: root.text
         font: root.font

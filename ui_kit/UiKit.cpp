@@ -36,7 +36,7 @@ void UiKit::install(QQmlEngine& engine) {
 }
 
 Theme& UiKit::theme(QQmlEngine& engine) {
-  // A singleton that is written in QML has no type id by which C++ could ask for it.
+  // C++ cannot look up a singleton that is written in QML, so a QML object returns it.
   QQmlComponent component(&engine);
   component.setData("import QtQml; import Spacemint.UiKit; QtObject { property QtObject theme: Theme }", {});
   const std::unique_ptr<QObject> holder(component.create());

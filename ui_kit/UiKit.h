@@ -6,13 +6,13 @@ namespace spacemint {
 
 class Theme;
 
-/// What a program does to show the kit. Main thread only, with a QGuiApplication.
+/// Sets up the kit in a program. Main thread only, with a QGuiApplication.
 namespace UiKit {
 
-/// Makes the kit ready for an engine: import path, fonts and symbols. Comes before the engine loads anything.
+/// Adds the import path, the fonts and the symbols to an engine. Call it before the engine loads a file.
 void install(QQmlEngine& engine);
 
-/// The theme that the QML of an engine sees; lives as long as the engine. After install().
+/// The singleton `Theme` of an engine; it lives as long as the engine. Call install() first.
 Theme& theme(QQmlEngine& engine);
 
 }  // namespace UiKit

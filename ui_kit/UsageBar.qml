@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// How much of something is used, 0 to 1.
+/// A bar that is filled from 0 to 1.
 T.ProgressBar {
     id: root
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Spacemint.UiKit
 
-/// The logo and the name.
+/// The logo and the name of the program.
 Row {
     spacing: 7
     Accessible.role: Accessible.StaticText
@@ -14,7 +14,7 @@ Row {
         ink: Theme.ink
         ceiling: Theme.lavenderInk
     }
-    Text {
+    Label {
         id: name
 
         anchors.verticalCenter: parent.verticalCenter

@@ -63,6 +63,7 @@ class AppModel : public QObject {
   Cleanups& cleanups() { return cleanups_; }
   const Messages& messages() const { return messages_; }
   const CurrentFindings& currentFindings() const { return findings_; }
+  const DeletionGuard& guard() const { return cleanups_.guard(); }
 
   SpaceLevel level() const { return warnings_.level(); }
   bool hasFullDiskAccess() const { return hasFullDiskAccess_; }

@@ -47,6 +47,8 @@ class Cleanups : public QObject {
   /// Stops what runs at the next entry.
   ~Cleanups() override;
 
+  const DeletionGuard& guard() const { return context_.guard; }
+
   /// The question that is asked now.
   const std::optional<Confirmation>& confirmation() const { return confirmation_; }
   /// Asks before it does what is requested, or says why that is refused. For a worktree the question comes

@@ -2,7 +2,7 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// Says that not all of the disk can be seen, and where to change that.
+/// Says that the application cannot see the whole disk, with a button to change it.
 ActionCard {
     id: root
 

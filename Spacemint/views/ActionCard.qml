@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// Something to do about space, with a symbol, a title, a line, and buttons below.
+/// A card with a symbol, a title, a line, and buttons below them.
 Card {
     id: root
 
@@ -44,14 +44,12 @@ Card {
             Label {
                 Layout.fillWidth: true
                 text: root.title
-                textFormat: Text.PlainText
                 weight: Font.DemiBold
                 wrapMode: Text.Wrap
             }
             Label {
                 Layout.fillWidth: true
                 text: root.line
-                textFormat: Text.PlainText
                 size: 12
                 color: Theme.secondary
                 wrapMode: Text.Wrap

@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.Views
 
-/// Caches and build files that are made again when they are needed.
+/// Caches and build files, which tools make again when they need them.
 ColumnLayout {
     id: root
 
     required property Ui ui
 
-    readonly property Section caches: ui.developer.caches
+    readonly property ItemRows caches: ui.developer.caches
 
     spacing: 10
 
@@ -21,7 +21,7 @@ ColumnLayout {
         text: root.caches.text
     }
     SectionRows {
-        rows: root.caches.rows
+        rows: root.caches
         name: header.title
         wrapsSubtitles: true
     }

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 
-/// A card for each of some items.
+/// A column with a card for each item.
 ColumnLayout {
     property alias items: repeater.model
     property alias row: repeater.delegate

@@ -3,14 +3,14 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// Asks before something is removed.
+/// The question before something is removed, over the page.
 FocusScope {
     id: root
 
     required property Ui ui
-    /// Of the corners of what it covers.
+    /// The corner radius of the page below.
     property real radius: 0
-    /// The question whose words are on the card, and no other, is what a button answers.
+    /// The id of the question that is shown. A button answers this question only.
     readonly property string asked: ui.confirmation.uuid
 
     focus: true
@@ -102,10 +102,10 @@ FocusScope {
             }
         }
     }
-    // Return is for the action, unless the person went to Cancel by the keyboard.
+    // Return means the action, unless the person moved to Cancel with the keyboard.
     Shortcut {
         sequences: ["Return", "Enter"]
-        // The key that brought the question here, and is still held, does not answer it.
+        // A key that is still held down since it opened the question does not answer it.
         autoRepeat: false
         enabled: !cancel.visualFocus
         onActivated: root.ui.confirmation.perform(root.asked)

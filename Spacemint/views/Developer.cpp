@@ -1,7 +1,10 @@
 #include "Spacemint/views/Developer.h"
 
-#include "Spacemint/views/DeveloperText.h"
+#include "Spacemint/views/ShownText.h"
 #include "core/wording/FindingText.h"
+
+#include <algorithm>
+#include <array>
 
 namespace spacemint {
 
@@ -9,20 +12,26 @@ namespace {
 
 constexpr std::string_view ollamaModels = ".ollama/models";
 
-// What is said of a tool in the place of what it keeps; nothing of one that is not there.
+constexpr std::string_view checkingDocker = "Checking Docker…";
+constexpr std::string_view checkingOllama = "Checking Ollama…";
+constexpr std::string_view pruneLine =
+    "Removes stopped containers, unused images and build cache. Keeps volumes.";
+constexpr std::string_view downloadsAgain = "It downloads again when needed.";
+
+// The texts about a tool while it has nothing to list.
 struct ToolTexts {
   std::string_view checking;
   std::string_view notRunning;
   std::string_view empty;
   std::string (*failed)(const std::string& reason);
 };
-constexpr ToolTexts dockerTexts{DeveloperText::checkingDocker, FindingText::startDocker,
-                                FindingText::noDockerData, FindingText::dockerFailed};
-constexpr ToolTexts ollamaTexts{DeveloperText::checkingOllama, FindingText::openOllama,
-                                FindingText::noOllamaModels, FindingText::ollamaFailed};
+constexpr ToolTexts dockerTexts{checkingDocker, FindingText::startDocker, FindingText::noDockerData,
+                                FindingText::dockerFailed};
+constexpr ToolTexts ollamaTexts{checkingOllama, FindingText::openOllama, FindingText::noOllamaModels,
+                                FindingText::ollamaFailed};
 
 template <class ToolState>
-Section::State stateOf(const ToolState& tool, const ToolTexts& texts) {
+ListStatus statusOf(const ToolState& tool, const ToolTexts& texts) {
   using Kind = typename ToolState::Kind;
   switch (tool.kind) {
     case Kind::ready:
@@ -40,20 +49,59 @@ Section::State stateOf(const ToolState& tool, const ToolTexts& texts) {
   return {};
 }
 
+// A kind of Docker's data. A kind that is not in the table keeps Docker's name.
+struct DockerKind {
+  std::string_view type;
+  std::string_view title;
+  std::string_view symbol;
+};
+constexpr std::array<DockerKind, 4> dockerKinds{{{"Images", "Unused images", "square.stack.3d.up"},
+                                                 {"Containers", "Stopped containers", "shippingbox"},
+                                                 {"Build Cache", "Unused build cache", "hammer"},
+                                                 {"Local Volumes", "Local Volumes", "cylinder"}}};
+
+DockerKind dockerKind(std::string_view type) {
+  const auto* known = std::ranges::find(dockerKinds, type, &DockerKind::type);
+  return known != dockerKinds.end() ? *known : DockerKind{.type = type, .title = type, .symbol = "cube"};
+}
+
+struct RepositoryKind {
+  std::string_view kind;
+  std::string_view symbol;
+};
+constexpr std::array<RepositoryKind, 3> repositoryKinds{
+    {{"Model", "brain"}, {"Dataset", "square.stack.3d.up"}, {"Space", "cube"}}};
+
+// Sets the title, the subtitle and the symbol for an item of the Hugging Face cache.
+void describe(ListItem& item, const DevTools::HuggingFaceItem& found) {
+  const auto* known = std::ranges::find(repositoryKinds, found.kind, &RepositoryKind::kind);
+  if (known == repositoryKinds.end()) {
+    item.title = "Other cached files";
+    item.subtitle = found.kind + " · " + found.repo;
+    item.symbol = "cube.transparent";
+    return;
+  }
+  const auto owner = found.owner();
+  item.title = found.name();
+  item.subtitle = owner ? found.kind + " · " + *owner : found.kind;
+  item.symbol = known->symbol;
+}
+
 }  // namespace
 
-Developer::Developer(const ItemActions& actions)
-    : host_(actions.host()),
-      caches_(actions),
-      ollama_(actions),
-      huggingFace_(actions),
-      docker_(actions),
-      dockerPrune_(actions),
-      worktrees_(actions),
-      activeWorktrees_(actions) {
+Developer::Developer(const UiHost& host)
+    : host_(host),
+      caches_(host),
+      ollama_(host),
+      huggingFace_(host),
+      docker_(host),
+      dockerPrune_(host),
+      worktrees_(host),
+      activeWorktrees_(host) {
   AppModel& model = host_.model;
   connect(&model.currentFindings(), &CurrentFindings::updated, this, &Developer::updateFound);
-  connect(&model, &AppModel::statusChanged, this, &Developer::updateWorktrees);  // ages grow
+  // The lines contain ages, which grow.
+  connect(&model, &AppModel::statusChanged, this, &Developer::updateWorktrees);
   connect(&model.dev(), &DeveloperTools::dockerChanged, this, &Developer::updateDocker);
   connect(&model.dev(), &DeveloperTools::ollamaChanged, this, &Developer::updateOllama);
   updateFound();
@@ -66,126 +114,132 @@ void Developer::appeared() {
 }
 
 QString Developer::activeToggle(int count, bool showsAll) const {
-  return QString::fromStdString(DeveloperText::activeToggle(count, showsAll));
+  if (count == 0) return {};
+  if (showsAll) return QStringLiteral("Hide active worktrees");
+  return ShownText::plain("Show " + ShownText::counted(count, "active worktree", host_.locale));
 }
 
 void Developer::updateFound() {
   const Findings& findings = host_.model.findings();
   const bool isReady = host_.model.currentFindings().isReady();
-  caches_.assign({.rows = cacheRows(),
-                  .text = isReady && findings.devCleanups.empty()
-                              ? FindingText::noCaches(Findings::cacheMinimum, host_.locale)
-                              : ""});
-  huggingFace_.assign({.rows = huggingFaceRows(), .isShown = !findings.huggingFace.empty()});
+  const bool hasNoCaches = isReady && findings.devCleanups.empty();
+  caches_.assign(cacheItems(),
+                 {.text = hasNoCaches ? FindingText::noCaches(Findings::cacheMinimum, host_.locale) : ""});
+  huggingFace_.assign(huggingFaceItems(), {.isShown = !findings.huggingFace.empty()});
   updateWorktrees();
 }
 
-std::vector<ItemRow> Developer::cacheRows() const {
-  std::vector<ItemRow> rows;
+std::vector<ListItem> Developer::cacheItems() const {
+  std::vector<ListItem> items;
   for (const DevTools::FoundCleanup& found : host_.model.findings().devCleanups) {
-    rows.push_back({.id = std::string{found.id()},
-                    .path = found.path,
-                    .size = found.size,
-                    .isDirectory = true,
-                    .title = std::string{found.target->title},
-                    .subtitle = std::string{found.target->advice},
-                    .symbol = std::string{found.target->symbol},
-                    .buttonTitle = "Clean up",
-                    .onButton = [&model = host_.model, found] { model.confirm(found); }});
+    items.push_back({.id = std::string{found.id()},
+                     .path = found.path,
+                     .size = found.size,
+                     .isDirectory = true,
+                     .title = std::string{found.target->title},
+                     .subtitle = std::string{found.target->advice},
+                     .symbol = std::string{found.target->symbol},
+                     .buttonTitle = "Clean up",
+                     .onButton = [&model = host_.model, found] { model.confirm(found); }});
   }
-  return rows;
+  return items;
 }
 
-std::vector<ItemRow> Developer::huggingFaceRows() const {
-  std::vector<ItemRow> rows;
-  for (const DevTools::HuggingFaceItem& item : host_.model.findings().huggingFace) {
-    auto text = DeveloperText::cacheItem(item);
-    rows.push_back({.id = item.path,
-                    .path = item.path,
-                    .size = item.size,
-                    .isDirectory = true,
-                    .title = std::move(text.title),
-                    .subtitle = std::move(text.subtitle),
-                    .symbol = std::string{text.symbol},
-                    .buttonTitle = "Delete",
-                    .onButton = [&model = host_.model, item] {
-                      model.confirm(DeleteRequest{.path = item.path,
-                                                  .name = item.repo,
-                                                  .size = item.size,
-                                                  .note = std::string{DeveloperText::downloadsAgain}});
-                    }});
+std::vector<ListItem> Developer::huggingFaceItems() const {
+  std::vector<ListItem> items;
+  for (const DevTools::HuggingFaceItem& found : host_.model.findings().huggingFace) {
+    ListItem item{.id = found.path, .path = found.path, .size = found.size, .isDirectory = true};
+    describe(item, found);
+    if (host_.mayRemove(found.path, false)) {
+      item.buttonTitle = "Delete";
+      item.onButton = [&model = host_.model, found] {
+        model.confirm(DeleteRequest{found.path, found.repo, found.size, std::string{downloadsAgain}});
+      };
+    }
+    items.push_back(std::move(item));
   }
-  return rows;
+  return items;
 }
 
 void Developer::updateOllama() {
   const auto& tool = host_.model.dev().ollama();
-  auto state = stateOf(tool, ollamaTexts);
+  std::vector<ListItem> items;
   for (const DevTools::OllamaModel& model : tool.payload) {
-    state.rows.push_back({.id = "ollama:" + model.name,
-                          .path = Paths::join(host_.home, ollamaModels),
-                          .size = model.size,
-                          .isDirectory = true,
-                          .title = model.name,
-                          .subtitle = model.modified,
-                          .symbol = "brain",
-                          .buttonTitle = "Remove",
-                          .onButton = [&app = host_.model, model] { app.confirm(model); }});
+    items.push_back({.id = "ollama:" + model.name,
+                     .path = Paths::join(host_.home, ollamaModels),
+                     .size = model.size,
+                     .isDirectory = true,
+                     .title = model.name,
+                     .subtitle = model.modified,
+                     .symbol = "brain",
+                     .buttonTitle = "Remove",
+                     .onButton = [&app = host_.model, model] { app.confirm(model); }});
   }
-  ollama_.assign(std::move(state));
+  ollama_.assign(std::move(items), statusOf(tool, ollamaTexts));
 }
 
 void Developer::updateDocker() {
   DeveloperTools& tools = host_.model.dev();
-  auto state = stateOf(tools.docker(), dockerTexts);
+  std::vector<ListItem> items;
   for (const DevTools::DockerUsage& usage : tools.docker().payload) {
-    const auto kind = DeveloperText::dockerKind(usage.type);
-    ItemRow row{.id = usage.type,
-                .size = usage.reclaimable,
-                .title = std::string{kind.title},
-                .subtitle = FindingText::inUse(usage.active, usage.count),
-                .symbol = std::string{kind.symbol}};
+    const DockerKind kind = dockerKind(usage.type);
+    ListItem item{.id = usage.type,
+                  .size = usage.reclaimable,
+                  .title = std::string{kind.title},
+                  .subtitle = FindingText::inUse(usage.active, usage.count),
+                  .symbol = std::string{kind.symbol}};
     if (usage.isVolumes() && usage.reclaimable > 0) {
-      row.id = "docker-volumes";
-      row.buttonTitle = "Remove";
-      row.onButton = [&model = host_.model] {
+      item.id = "docker-volumes";
+      item.buttonTitle = "Remove";
+      item.onButton = [&model = host_.model] {
         model.confirm(DockerPruneRequest{true, model.dev().dockerVolumesReclaimable()});
       };
     }
-    state.rows.push_back(std::move(row));
+    items.push_back(std::move(item));
   }
-  docker_.assign(std::move(state));
+  docker_.assign(std::move(items), statusOf(tools.docker(), dockerTexts));
   if (tools.dockerReclaimable() <= 0) return dockerPrune_.assign({});
-  dockerPrune_.assign({{.id = "docker",
-                        .title = std::string{DeveloperText::pruneLine},
-                        .buttonTitle = "Clean up",
-                        .onButton = [&model = host_.model] {
-                          model.confirm(DockerPruneRequest{false, model.dev().dockerReclaimable()});
-                        }}});
+  std::vector<ListItem> prune;
+  prune.push_back({.id = "docker",
+                   .title = std::string{pruneLine},
+                   .buttonTitle = "Clean up",
+                   .onButton = [&model = host_.model] {
+                     model.confirm(DockerPruneRequest{false, model.dev().dockerReclaimable()});
+                   }});
+  dockerPrune_.assign(std::move(prune));
 }
 
 void Developer::updateWorktrees() {
-  std::vector<ItemRow> old;
-  std::vector<ItemRow> active;
+  std::vector<ListItem> stale;
+  std::vector<ListItem> active;
   for (const GitWorktree& worktree : host_.model.findings().worktrees) {
-    (worktree.isOld(now(), GitWorktrees::staleDays) ? old : active).push_back(worktreeRow(worktree));
+    (worktree.isOld(now(), GitWorktrees::staleDays) ? stale : active).push_back(worktreeItem(worktree));
   }
-  const bool hasNone = old.empty() && host_.model.currentFindings().isReady();
-  worktrees_.assign(
-      {.rows = std::move(old), .text = std::string{hasNone ? FindingText::noOldWorktrees : ""}});
+  const bool hasNone = stale.empty() && host_.model.currentFindings().isReady();
+  worktrees_.assign(std::move(stale), {.text = std::string{hasNone ? FindingText::noOldWorktrees : ""}});
   activeWorktrees_.assign(std::move(active));
 }
 
-ItemRow Developer::worktreeRow(const GitWorktree& worktree) const {
-  return {.id = worktree.path,
-          .path = worktree.path,
-          .size = worktree.size,
-          .isDirectory = true,
-          .title = worktree.name(),
-          .subtitle = FindingText::worktreeLine(worktree, now(), host_.locale),
-          .symbol = "arrow.triangle.branch",
-          .buttonTitle = "Remove",
-          .onButton = [&model = host_.model, worktree] { model.confirm(worktree); }};
+ListItem Developer::worktreeItem(const GitWorktree& worktree) const {
+  ListItem item{.id = worktree.path,
+                .path = worktree.path,
+                .size = worktree.size,
+                .isDirectory = true,
+                .title = worktree.name(),
+                .subtitle = FindingText::worktreeLine(worktree, now(), ShownText::wordsLocale),
+                .symbol = "arrow.triangle.branch"};
+  // Worktrees of several repositories may have one name; then the place tells them apart.
+  const auto hasTheName = [&](const GitWorktree& other) { return other.name() == worktree.name(); };
+  if (std::ranges::count_if(host_.model.findings().worktrees, hasTheName) > 1) {
+    if (!item.subtitle.empty()) item.subtitle += " · ";
+    item.subtitle += Paths::display(worktree.path, host_.home);
+  }
+  // Git removes a worktree at any place; an orphan is deleted by the application.
+  if (host_.mayRemove(worktree.path, !worktree.isOrphaned)) {
+    item.buttonTitle = "Remove";
+    item.onButton = [&model = host_.model, worktree] { model.confirm(worktree); };
+  }
+  return item;
 }
 
 }  // namespace spacemint

@@ -3,7 +3,7 @@ import QtQuick.Window
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What developers' tools keep.
+/// The tab with the disk space that developers' tools use.
 ScrollColumn {
     id: root
 

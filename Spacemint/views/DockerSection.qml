@@ -5,13 +5,13 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What Docker keeps and does not use.
+/// The data that Docker keeps but does not use.
 ColumnLayout {
     id: root
 
     required property Ui ui
 
-    readonly property Section docker: ui.developer.docker
+    readonly property ItemRows docker: ui.developer.docker
 
     visible: docker.isShown
     spacing: 10
@@ -32,11 +32,11 @@ ColumnLayout {
         Repeater {
             id: usage
 
-            model: root.docker.rows
+            model: root.docker
 
-            UsageRow {
+            ItemRow {
                 Layout.fillWidth: true
-                rows: root.docker.rows
+                rows: root.docker
             }
         }
         Repeater {
@@ -75,6 +75,7 @@ ColumnLayout {
                     SecondaryButtonStyle {
                         enabled: !prune.isBusy
                         text: prune.buttonTitle
+                        Accessible.description: prune.title
                         onClicked: root.ui.developer.dockerPrune.pressButton(prune.rowId)
                     }
                 }

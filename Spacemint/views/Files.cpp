@@ -12,22 +12,22 @@ std::string folderOf(const FileItem& file) {
 
 }  // namespace
 
-Files::Files(const ItemActions& actions) : host_(actions.host()), largest_(actions) {
+Files::Files(const UiHost& host) : host_(host), largest_(host) {
   connect(&host_.model.currentFindings(), &CurrentFindings::updated, this, &Files::update);
   update();
 }
 
 void Files::update() {
-  std::vector<ItemRow> rows;
+  std::vector<ListItem> items;
   for (const FileItem& file : host_.model.findings().largestFiles) {
-    rows.push_back({.id = file.path,
-                    .path = file.path,
-                    .size = file.size,
-                    .subtitle = Paths::display(Paths::withoutTrailingSlash(folderOf(file)), host_.home),
-                    .canTrash = true});
+    items.push_back({.id = file.path,
+                     .path = file.path,
+                     .size = file.size,
+                     .subtitle = Paths::display(Paths::withoutTrailingSlash(folderOf(file)), host_.home),
+                     .canTrash = true});
   }
-  const bool hasNone = rows.empty() && host_.model.currentFindings().isReady();
-  largest_.assign({.rows = std::move(rows), .text = hasNone ? FolderText::noLargeFiles(host_.locale) : ""});
+  const bool hasNone = items.empty() && host_.model.currentFindings().isReady();
+  largest_.assign(std::move(items), {.text = hasNone ? FolderText::noLargeFiles(host_.locale) : ""});
 }
 
 }  // namespace spacemint

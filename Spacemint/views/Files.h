@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Spacemint/views/Section.h"
+#include "Spacemint/views/ItemRows.h"
 
 namespace spacemint {
 
@@ -9,17 +9,18 @@ class Files : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
-  Q_PROPERTY(spacemint::Section* largest READ largest CONSTANT)
- public:
-  explicit Files(const ItemActions& actions);
+  Q_PROPERTY(spacemint::ItemRows* largest READ largest CONSTANT)
 
-  Section* largest() { return &largest_; }
+ public:
+  explicit Files(const UiHost& host);
+
+  ItemRows* largest() { return &largest_; }
 
  private:
   void update();
 
   const UiHost& host_;
-  Section largest_;
+  ItemRows largest_;
 };
 
 }  // namespace spacemint

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The largest files.
+/// The tab with the largest files.
 ColumnLayout {
     id: root
 
@@ -24,7 +24,7 @@ ColumnLayout {
     LongList {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        rows: root.ui.files.largest.rows
+        rows: root.ui.files.largest
         name: "Largest files"
         focus: true
     }

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The first scan, while there is nothing else to show.
+/// The page during the first scan.
 Item {
     id: root
 

@@ -7,15 +7,15 @@
 
 namespace spacemint {
 
-/// What folders are called in the tab that lists them.
+/// The names of folders and the texts about small items, for several tabs.
 namespace FolderText {
 
 inline constexpr std::string_view empty = "Nothing is in here.";
 
-/// A folder of a scan of `root`.
+/// The name of a folder in a scan of `root`: "Home folder", "Entire disk", or its last component.
 std::string title(std::string_view path, std::string_view root, std::string_view home);
 
-/// What takes the rest of a folder beside its listed children, if it has some.
+/// The title of the row for what is too small to be listed by itself.
 std::string smallItems(bool hasChildren, const std::string& locale);
 
 /// "No files over 20 MB."

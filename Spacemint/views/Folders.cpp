@@ -1,7 +1,7 @@
 #include "Spacemint/views/Folders.h"
 
 #include "Spacemint/views/FolderText.h"
-#include "Spacemint/views/ShownFolder.h"
+#include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 
 #include <algorithm>
@@ -11,35 +11,57 @@ namespace spacemint {
 
 namespace {
 
+// A folder of a scan, with its path as the tree spells it. The root of the scan has no parent.
+struct Folder {
+  std::string path;
+  const Node* node = nullptr;
+  std::optional<std::string> parent = {};
+};
+
+// The folder at `wanted`, or the nearest folder above it that is in the scan; without `wanted` the root.
+Folder findFolder(const Snapshot& snapshot, const std::optional<std::string>& wanted) {
+  Folder found{.path = snapshot.rootPath(), .node = &snapshot.root};
+  const auto names = wanted ? snapshot.components(*wanted) : std::nullopt;
+  if (!names) return found;
+  for (const std::string& name : *names) {
+    const Node* child = found.node->child(name);
+    if (child == nullptr || !child->isDirectory) break;
+    found.parent = found.path;
+    found.path = Paths::join(found.path, child->name);
+    found.node = child;
+  }
+  return found;
+}
+
 double share(Bytes part, Bytes whole) {
   return whole > 0 ? static_cast<double>(part) / static_cast<double>(whole) : 0;
 }
 
-std::vector<ItemRow> rowsOf(const ShownFolder& folder, const UiHost& host) {
-  std::vector<ItemRow> rows;
-  rows.reserve(folder.node->children.size() + 1);
+std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
+  std::vector<ListItem> items;
+  items.reserve(folder.node->children.size() + 1);
   for (const Node& child : folder.node->children) {
     std::string path = Paths::join(folder.path, child.name);
-    rows.push_back({.id = path,
-                    .path = std::move(path),
-                    .size = child.size,
-                    .isDirectory = child.isDirectory,
-                    .fraction = share(child.size, folder.node->size),
-                    .showsChevron = child.isDirectory,
-                    .canTrash = true});
+    items.push_back({.id = path,
+                     .path = std::move(path),
+                     .size = child.size,
+                     .isDirectory = child.isDirectory,
+                     .fraction = share(child.size, folder.node->size),
+                     .showsChevron = child.isDirectory,
+                     .canTrash = true});
   }
   if (const Bytes rest = folder.node->unlistedSize(); rest > 0) {
-    rows.push_back({.id = "",
-                    .size = rest,
-                    .title = FolderText::smallItems(!rows.empty(), host.locale),
-                    .symbol = "doc",
-                    .fraction = share(rest, folder.node->size)});
+    items.push_back({.id = "",
+                     .size = rest,
+                     .title = FolderText::smallItems(!items.empty(), host.locale),
+                     .symbol = "doc",
+                     .fraction = share(rest, folder.node->size)});
   }
-  return rows;
+  return items;
 }
 
-// The row that leads to a folder further down; the first where none does.
-int rowTowards(const std::string& below, const ShownFolder& folder) {
+// The index of the child that is `below` or leads to it; 0 if there is none.
+int rowTowards(const std::string& below, const Folder& folder) {
   if (!below.starts_with(folder.path)) return 0;
   const auto& children = folder.node->children;
   const auto row = std::ranges::find_if(children, [&](const Node& child) {
@@ -51,39 +73,37 @@ int rowTowards(const std::string& below, const ShownFolder& folder) {
 
 }  // namespace
 
-Folders::Folders(const ItemActions& actions) : actions_(actions), content_(actions) {
-  AppModel& model = actions.host().model;
-  connect(&model, &AppModel::folderPathChanged, this, &Folders::update);
-  connect(&model.history(), &ScanHistory::snapshotChanged, this, &Folders::update);
+Folders::Folders(const UiHost& host) : host_(host), content_(host) {
+  connect(&host_.model, &AppModel::folderPathChanged, this, &Folders::update);
+  connect(&host_.model.history(), &ScanHistory::snapshotChanged, this, &Folders::update);
   update();
 }
 
 void Folders::update() {
-  const UiHost& host = actions_.host();
-  const SharedSnapshot& snapshot = host.model.history().snapshot();
+  const SharedSnapshot& snapshot = host_.model.history().snapshot();
   if (!snapshot) return content_.assign({});
-  const ShownFolder folder = ShownFolder::in(*snapshot, host.model.folderPath());
+  const Folder folder = findFolder(*snapshot, host_.model.folderPath());
   const auto titleOf = [&](const std::string& path) {
-    return QString::fromStdString(FolderText::title(path, snapshot->rootPath(), host.home));
+    return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.home));
   };
-  auto rows = rowsOf(folder, host);
-  const std::string text{rows.empty() ? FolderText::empty : ""};
-  content_.assign({.rows = std::move(rows), .text = text});
+  auto items = itemsOf(folder, host_);
+  std::string text{items.empty() ? FolderText::empty : ""};
+  content_.assign(std::move(items), {.text = std::move(text)});
   const std::string before = std::exchange(path_, folder.path);
   parent_ = folder.parent;
   title_ = titleOf(folder.path);
-  sizeText_ = QString::fromStdString(ByteFormat::string(folder.node->size, host.locale));
+  sizeText_ = ShownText::plain(ByteFormat::string(folder.node->size, host_.locale));
   parentTitle_ = parent_ ? titleOf(*parent_) : QString{};
   Q_EMIT changed();
   if (before != path_) Q_EMIT opened(rowTowards(before, folder));
 }
 
 void Folders::goBack() {
-  if (parent_) actions_.host().model.setFolderPath(*parent_);
+  if (parent_) host_.model.setFolderPath(*parent_);
 }
 
 void Folders::reveal() const {
-  if (!path_.empty()) actions_.reveal(path_);
+  if (!path_.empty()) host_.desktop.opener.reveal(Paths::logical(path_));
 }
 
 }  // namespace spacemint

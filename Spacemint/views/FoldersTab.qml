@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// One folder, and what takes space in it.
+/// The tab with one folder and the items in it.
 Item {
     id: root
 
@@ -35,7 +35,6 @@ Item {
                     Layout.fillWidth: true
                     visible: text
                     text: root.folders.parentTitle
-                    textFormat: Text.PlainText
                     size: 11
                     color: Theme.secondary
                     elide: Text.ElideMiddle
@@ -50,7 +49,6 @@ Item {
                 SectionLabel {
                     Layout.fillWidth: true
                     title: root.folders.title
-                    textFormat: Text.PlainText
                     size: 15
                     elide: Text.ElideMiddle
                 }
@@ -76,9 +74,8 @@ Item {
 
             Layout.fillWidth: true
             Layout.fillHeight: true
-            rows: root.folders.content.rows
+            rows: root.folders.content
             name: root.folders.title
-            hasChevrons: true
             focus: true
             Keys.onPressed: event => {
                 if (event.key !== Qt.Key_Backspace && !(event.key === Qt.Key_Left && event.modifiers & Qt.AltModifier))

@@ -3,14 +3,14 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The scan that runs, or the last one and a button for the next.
+/// The running scan, or the last scan and a button for the next one.
 RowLayout {
     id: root
 
     required property Ui ui
 
     spacing: 12
-    // The button that comes and the one that goes are of one height, so nothing jumps.
+    // "Stop" and "Scan now" have the same height, so nothing moves when one replaces the other.
     height: implicitHeight
 
     ScanProgressView {
@@ -31,6 +31,7 @@ RowLayout {
         wrapMode: Text.Wrap
         maximumLineCount: 2
         elide: Text.ElideRight
+        Accessible.description: root.ui.scan.scannedHelp
 
         HoverHandler {
             id: pointer

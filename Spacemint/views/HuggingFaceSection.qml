@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.Views
 
-/// What the Hugging Face tools have downloaded.
+/// The models and datasets in the Hugging Face cache.
 ColumnLayout {
     id: root
 
     required property Ui ui
 
-    readonly property Section huggingFace: ui.developer.huggingFace
+    readonly property ItemRows huggingFace: ui.developer.huggingFace
 
     visible: huggingFace.isShown
     spacing: 10
@@ -19,7 +19,7 @@ ColumnLayout {
         title: "Cached Hugging Face models"
     }
     SectionRows {
-        rows: root.huggingFace.rows
+        rows: root.huggingFace
         name: header.title
     }
 }

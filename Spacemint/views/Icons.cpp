@@ -24,14 +24,14 @@ struct Family {
 };
 constexpr std::array<Family, 3> families{{{"video/", "film"}, {"image/", "photo"}, {"audio/", "waveform"}}};
 
-// The registry knows no family of these. Newer versions of it have other names for some.
+// Disk images have no common prefix, and newer registries renamed some of them.
 constexpr std::array<const char*, 11> diskImages{
     "application/x-cd-image",       "application/x-iso9660-image", "application/vnd.efi.iso",
     "application/x-raw-disk-image", "application/vnd.efi.img",     "application/x-apple-diskimage",
     "application/x-qemu-disk",      "application/x-vmdk-disk",     "application/x-vdi-disk",
     "application/x-vhd-disk",       "application/x-vhdx-disk"};
 
-// The lower-cased part behind the last point. What begins with its only point has none.
+// The part after the last dot, in lower case. A name whose only dot is its first character has no extension.
 QString extensionOf(const QString& name) {
   const auto point = name.lastIndexOf(QLatin1Char{'.'});
   return point > 0 ? name.mid(point + 1).toLower() : QString{};

@@ -5,11 +5,11 @@
 
 namespace spacemint {
 
-/// Which symbol stands for what.
+/// The symbols of files and folders.
 namespace Icons {
 
-/// The symbol of a folder or file by its name alone; nothing is read of the disk but the system's registry of
-/// file types.
+/// The symbol for a folder or a file with this name. Reads the system's registry of file types, but not the
+/// item itself.
 std::string_view symbol(std::string_view name, bool isDirectory);
 
 }  // namespace Icons

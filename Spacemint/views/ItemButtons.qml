@@ -2,15 +2,14 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What can be done with a row at one click, while the pointer or the keyboard is at it.
-Rectangle {
+/// The buttons of the row that the pointer or the keyboard is at.
+Item {
     id: root
 
     required property ItemRow row
 
     implicitWidth: buttons.implicitWidth + 6
     implicitHeight: buttons.implicitHeight
-    color: Theme.hover
 
     Row {
         id: buttons

@@ -2,7 +2,7 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What can be done with a row of a list. It stays that row's when the list changes below it.
+/// The menu of a row. It keeps acting on that row when the list changes.
 MenuPopup {
     id: root
 

@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// One thing that takes space, with what can be done with it.
+/// A row that shows a ListItem and offers its actions.
 FocusScope {
     id: root
 
@@ -15,7 +15,7 @@ FocusScope {
     required property string subtitle
     required property string sizeText
     required property string symbol
-    /// Its part of a whole, or -1.
+    /// The share of a whole from 0 to 1, or -1 for no bar.
     required property real fraction
     required property bool hasPath
     required property bool showsChevron
@@ -26,18 +26,18 @@ FocusScope {
 
     property bool wrapsSubtitle: false
     property color sizeColor: Theme.ink
-    /// Whether there is room for a chevron, also where this row has none.
+    /// Whether the list has a column for chevrons. This row may have none.
     property bool hasChevronColumn: false
-    /// Whether the keyboard is here.
+    /// Whether this is the current row of its list.
     property bool isCurrent: false
-    property bool showsFocus: true
-
-    readonly property bool isLit: hover.hovered || activeFocus
+    /// At most one row is lit: the one with the keyboard focus or the one under the pointer.
+    readonly property bool isLit: Theme.isKeyboardInUse ? activeFocus : hover.hovered
+    readonly property real roomForButtons: buttons.item ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
 
-    /// The person clicks the row, at this time in milliseconds.
+    /// The person clicked the row; `time` is in milliseconds.
     signal chosen(double time)
-    signal menuWanted(bool byMouse)
+    signal menuWanted
 
     function open() {
         if (showsChevron)
@@ -54,11 +54,11 @@ FocusScope {
     Accessible.onPressAction: open()
     Keys.onReturnPressed: open()
     Keys.onEnterPressed: open()
-    Keys.onMenuPressed: menuWanted(false)
+    Keys.onMenuPressed: menuWanted()
     Keys.onPressed: event => {
         if (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier) {
             event.accepted = true;
-            menuWanted(false);
+            menuWanted();
         }
     }
 
@@ -69,7 +69,7 @@ FocusScope {
         visible: root.isLit
 
         FocusRing {
-            visible: root.activeFocus && root.showsFocus
+            visible: root.activeFocus && Theme.isKeyboardInUse
             around: 8
             anchors.margins: 0
         }
@@ -83,7 +83,7 @@ FocusScope {
     }
     TapHandler {
         acceptedButtons: Qt.RightButton
-        onTapped: root.menuWanted(true)
+        onTapped: root.menuWanted()
     }
     RowLayout {
         id: line
@@ -131,22 +131,21 @@ FocusScope {
                 Label {
                     Layout.fillWidth: true
                     text: root.title
-                    // What is no name of a file is a sentence, and is shown in full.
+                    Layout.rightMargin: root.roomForButtons
+                    // A title that is not the name of a file is a sentence, which is shown in full.
                     elide: root.hasPath ? Text.ElideMiddle : Text.ElideNone
                     wrapMode: root.hasPath ? Text.NoWrap : Text.Wrap
-                    // Also of a name that is written from right to left.
-                    horizontalAlignment: Text.AlignLeft
                     Accessible.ignored: true
                 }
                 Label {
                     Layout.fillWidth: true
+                    Layout.rightMargin: root.roomForButtons
                     visible: root.subtitle
                     text: root.subtitle
                     size: 11
                     color: Theme.secondary
                     elide: root.wrapsSubtitle ? Text.ElideNone : Text.ElideMiddle
                     wrapMode: root.wrapsSubtitle ? Text.Wrap : Text.NoWrap
-                    horizontalAlignment: Text.AlignLeft
                     Accessible.ignored: true
                 }
                 UsageBar {
@@ -159,8 +158,10 @@ FocusScope {
                     Accessible.ignored: true
                 }
             }
-            // Over the end of the texts, so that nothing moves when it appears.
+            // At the end of the texts, which are cut short for it; all else stays where it is.
             LazyView {
+                id: buttons
+
                 anchors {
                     right: parent.right
                     verticalCenter: parent.verticalCenter
@@ -173,7 +174,7 @@ FocusScope {
             }
         }
         Label {
-            // Bars below each other are as long as each other.
+            // A fixed width, so that all bars of a list have the same length.
             Layout.minimumWidth: root.fraction >= 0 ? Theme.scaled(58) : 0
             visible: root.sizeText
             text: root.sizeText

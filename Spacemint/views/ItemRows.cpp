@@ -1,24 +1,24 @@
 #include "Spacemint/views/ItemRows.h"
 
 #include "Spacemint/views/Icons.h"
+#include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <optional>
+#include <tuple>
 #include <unordered_map>
 
 namespace spacemint {
 
 namespace {
 
-QString toQString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-// On one line, and in the order in which it is written: names of files may hold what would break a line, or
-// turn the rest of it around.
-QString onOneLine(std::string_view name) {
-  QString text = toQString(name);
+// The text on one line and in the order of its letters. The name of a file may contain characters that break
+// the line or reverse the letters after them.
+QString onOneLine(QString text) {
   for (QChar& c : text) {
     const auto kind = c.category();
     const bool isEmbedding = (c >= u'\u202A' && c <= u'\u202E') || (c >= u'\u2066' && c <= u'\u2069');
@@ -28,17 +28,31 @@ QString onOneLine(std::string_view name) {
   return text;
 }
 
-// A path begins at the left also where its names do not.
+// A path starts at the left, even if its names are written from right to left.
 QString leftToRight(QString path) {
   constexpr QChar mark{0x200E};
   return path.isRightToLeft() ? path.prepend(mark) : path;
 }
 
-// Places of a longest run of rising numbers: what may stay where it is while all else moves around it. What
-// is absent is in no run.
+std::string folderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+bool looksLike(const ListItem& one, const ListItem& other) {
+  const auto look = [](const ListItem& item) {
+    return std::tie(item.path, item.size, item.isDirectory, item.title, item.subtitle, item.sizeText,
+                    item.symbol, item.fraction, item.showsChevron, item.canTrash, item.buttonTitle,
+                    item.busyTitle);
+  };
+  return look(one) == look(other);
+}
+
+// Marks a longest rising subsequence. The rows in it stay; all other rows are removed or inserted around
+// them. An absent number is in no subsequence.
 std::vector<bool> longestRise(const std::vector<std::optional<std::size_t>>& numbers) {
   constexpr auto none = static_cast<std::size_t>(-1);
-  std::vector<std::size_t> tails;  // place of the lowest last number of a run of each length
+  std::vector<std::size_t> tails;  // for each length: the index of the lowest last number
   std::vector<std::size_t> before(numbers.size(), none);
   for (std::size_t at = 0; at < numbers.size(); ++at) {
     if (!numbers[at]) continue;
@@ -58,19 +72,17 @@ std::vector<bool> longestRise(const std::vector<std::optional<std::size_t>>& num
 
 }  // namespace
 
-// The rows to come, and where each was until now.
+// The new rows, and the index that each had before.
 struct ItemRows::Plan {
   std::vector<Entry> entries;
   std::vector<std::optional<std::size_t>> from;
   std::vector<bool> stays;
 };
 
-ItemRows::ItemRows(const ItemActions& actions, QObject* parent)
-    : QAbstractListModel(parent),
-      actions_(actions) {
-  // Views hold rows of rows, which are no garbage of theirs.
+ItemRows::ItemRows(const UiHost& host, QObject* parent) : QAbstractListModel(parent), host_(host) {
+  // A view gets nested ItemRows through PartsRole; without this the JS engine would delete them.
   QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
-  connect(&actions.host().model.cleanups(), &Cleanups::runningChanged, this, &ItemRows::tellBusy);
+  connect(&host_.model.cleanups(), &Cleanups::runningChanged, this, &ItemRows::announceBusy);
 }
 
 ItemRows::~ItemRows() = default;
@@ -87,7 +99,6 @@ QHash<int, QByteArray> ItemRows::roleNames() const {
           {SymbolRole, "symbol"},
           {FractionRole, "fraction"},
           {HasPathRole, "hasPath"},
-          {IsDirectoryRole, "isDirectory"},
           {ShowsChevronRole, "showsChevron"},
           {CanTrashRole, "canTrash"},
           {IsInTrashRole, "isInTrash"},
@@ -100,57 +111,60 @@ QHash<int, QByteArray> ItemRows::roleNames() const {
 QVariant ItemRows::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
   const Entry& entry = entries_[static_cast<std::size_t>(index.row())];
-  const ItemRow& row = entry.row;
+  const ListItem& item = entry.item;
   switch (role) {
     case RowIdRole:
       return entry.id;
     case FractionRole:
-      return row.fraction.value_or(-1);
+      return item.fraction.value_or(-1);
     case HasPathRole:
-      return !row.path.empty();
-    case IsDirectoryRole:
-      return row.isDirectory;
+      return !item.path.empty();
     case ShowsChevronRole:
-      return row.showsChevron;
+      return item.showsChevron;
     case CanTrashRole:
-      return row.canTrash;
+      return canTrash(item);
     case IsInTrashRole:
-      return row.canTrash && actions_.isInTrash(row);
+      return item.canTrash && isInTrash(item);
     case IsBusyRole:
-      return actions_.isBusy(row);
+      return isBusy(item);
     case PartsRole:
       return QVariant::fromValue(entry.parts.get());
     default:
-      return text(row, role);
+      return text(item, role);
   }
 }
 
-// Made when it is shown: a list may be long, and little of it is seen.
-QVariant ItemRows::text(const ItemRow& row, int role) const {
+// Made on demand: a list may be long, and a view shows little of it.
+QVariant ItemRows::text(const ListItem& item, int role) const {
+  using namespace ShownText;
   switch (role) {
     case Qt::DisplayRole:
     case TitleRole:
-      return onOneLine(row.title.empty() ? Paths::lastComponent(row.path) : row.title);
+      return onOneLine(item.title.empty() ? plain(Paths::lastComponent(item.path)) : sentence(item.title));
     case SubtitleRole:
-      return leftToRight(onOneLine(row.subtitle));
+      return leftToRight(onOneLine(sentence(item.subtitle)));
     case SizeTextRole:
-      return toQString(row.sizeText.empty() ? ByteFormat::string(row.size, actions_.host().locale)
-                                            : row.sizeText);
+      return plain(item.sizeText.empty() ? ByteFormat::string(item.size, host_.locale) : item.sizeText);
     case SymbolRole:
-      return toQString(row.symbol.empty() ? Icons::symbol(Paths::lastComponent(row.path), row.isDirectory)
-                                          : row.symbol);
+      return plain(item.symbol.empty() ? Icons::symbol(Paths::lastComponent(item.path), item.isDirectory)
+                                       : item.symbol);
     case ButtonTitleRole:
-      return toQString(row.buttonTitle);
+      return plain(item.buttonTitle);
     case BusyTitleRole:
-      return toQString(row.busyTitle);
+      return plain(item.busyTitle);
     default:
       return {};
   }
 }
 
-void ItemRows::assign(std::vector<ItemRow> rows) {
+// The guard is asked for what `remove` would do: what it refuses is not offered.
+bool ItemRows::canTrash(const ListItem& item) const {
+  return item.canTrash && host_.mayRemove(item.path, !isInTrash(item));
+}
+
+void ItemRows::assign(std::vector<ListItem> items, const ListStatus& status) {
   const std::size_t countBefore = entries_.size();
-  Plan plan = planFor(std::move(rows));
+  Plan plan = planFor(std::move(items));
   const auto staying = static_cast<std::size_t>(std::ranges::count(plan.stays, true));
   if (staying * 2 < std::max(countBefore, plan.entries.size())) {
     beginResetModel();
@@ -161,15 +175,27 @@ void ItemRows::assign(std::vector<ItemRow> rows) {
     insertOthers(plan);
   }
   if (entries_.size() != countBefore) Q_EMIT countChanged();
+  setStatus(status);
 }
 
-// What is known by its id comes along, with the rows below it.
-ItemRows::Plan ItemRows::planFor(std::vector<ItemRow> rows) {
+void ItemRows::setStatus(const ListStatus& status) {
+  const bool hasChevrons =
+      std::ranges::any_of(entries_, [](const Entry& entry) { return entry.item.showsChevron; });
+  const auto before = std::tuple{hasChevrons_, text_, isWaiting_, isShown_};
+  hasChevrons_ = hasChevrons;
+  text_ = ShownText::sentence(status.text);
+  isWaiting_ = status.isWaiting;
+  isShown_ = status.isShown;
+  if (before != std::tie(hasChevrons_, text_, isWaiting_, isShown_)) Q_EMIT statusChanged();
+}
+
+// An item that is in the list already keeps its row id and the rows of its parts.
+ItemRows::Plan ItemRows::planFor(std::vector<ListItem> items) {
   std::unordered_map<std::string_view, std::size_t> places;
-  for (std::size_t i = 0; i < entries_.size(); ++i) places.emplace(entries_[i].row.id, i);
+  for (std::size_t i = 0; i < entries_.size(); ++i) places.emplace(entries_[i].item.id, i);
   Plan plan;
-  for (ItemRow& row : rows) {
-    const auto known = places.find(row.id);
+  for (ListItem& item : items) {
+    const auto known = places.find(item.id);
     Entry entry;
     if (known != places.end()) {
       plan.from.emplace_back(known->second);
@@ -180,9 +206,9 @@ ItemRows::Plan ItemRows::planFor(std::vector<ItemRow> rows) {
       plan.from.emplace_back();
       entry.id = ++lastId_;
     }
-    if (!entry.parts && !row.parts.empty()) entry.parts = std::make_unique<ItemRows>(actions_);
-    if (entry.parts) entry.parts->assign(std::exchange(row.parts, {}));
-    entry.row = std::move(row);
+    if (!entry.parts && !item.parts.empty()) entry.parts = std::make_unique<ItemRows>(host_);
+    if (entry.parts) entry.parts->assign(std::exchange(item.parts, {}));
+    entry.item = std::move(item);
     plan.entries.push_back(std::move(entry));
   }
   plan.stays = longestRise(plan.from);
@@ -210,7 +236,7 @@ void ItemRows::removeOthers(const Plan& plan) {
 void ItemRows::insertOthers(Plan& plan) {
   for (std::size_t begin = 0; begin < plan.entries.size();) {
     if (plan.stays[begin]) {
-      const bool isNew = !entries_[begin].row.looksLike(plan.entries[begin].row);
+      const bool isNew = !looksLike(entries_[begin].item, plan.entries[begin].item);
       entries_[begin] = std::move(plan.entries[begin]);
       if (isNew) Q_EMIT dataChanged(index(static_cast<int>(begin)), index(static_cast<int>(begin)));
       ++begin;
@@ -227,36 +253,46 @@ void ItemRows::insertOthers(Plan& plan) {
   }
 }
 
-const ItemRow* ItemRows::find(int rowId) const {
+const ListItem* ItemRows::find(int rowId) const {
   const auto entry = std::ranges::find(entries_, rowId, &Entry::id);
-  return entry != entries_.end() ? &entry->row : nullptr;
+  return entry != entries_.end() ? &entry->item : nullptr;
 }
 
 void ItemRows::reveal(int rowId) const {
-  if (const ItemRow* row = find(rowId)) actions_.reveal(row->path);
+  if (const ListItem* item = find(rowId)) host_.desktop.opener.reveal(Paths::logical(item->path));
 }
 
 void ItemRows::copyPath(int rowId) const {
-  if (const ItemRow* row = find(rowId)) actions_.copyPath(row->path);
+  const ListItem* item = find(rowId);
+  if (item == nullptr) return;
+  QGuiApplication::clipboard()->setText(QString::fromStdString(Paths::logical(item->path)));
 }
 
 void ItemRows::showInFolders(int rowId) const {
-  // The list that the row is in may become another one by it.
-  if (const ItemRow* row = find(rowId)) actions_.showInFolders(ItemRow{*row});
+  const ListItem* item = find(rowId);
+  if (item == nullptr) return;
+  host_.model.setFolderPath(item->isDirectory ? item->path : folderOf(item->path));
+  host_.model.setTab(Tab::folders);
 }
 
 void ItemRows::remove(int rowId) const {
-  if (const ItemRow* row = find(rowId)) actions_.remove(*row);
+  const ListItem* item = find(rowId);
+  if (item == nullptr || !canTrash(*item)) return;
+  if (isInTrash(*item)) {
+    host_.model.confirm(DeleteRequest{item->path, Paths::lastComponent(item->path), item->size, deleteNote});
+  } else {
+    host_.model.confirm(TrashRequest{item->path, item->size});
+  }
 }
 
 void ItemRows::pressButton(int rowId) const {
-  const ItemRow* row = find(rowId);
-  if (row == nullptr || !row->onButton || actions_.isBusy(*row)) return;
-  const auto action = row->onButton;  // it may change the list
+  const ListItem* item = find(rowId);
+  if (item == nullptr || !item->onButton || isBusy(*item)) return;
+  const auto action = item->onButton;  // a copy: the action may replace the list
   action();
 }
 
-void ItemRows::tellBusy() {
+void ItemRows::announceBusy() {
   if (!entries_.empty()) Q_EMIT dataChanged(index(0), index(count() - 1), {IsBusyRole});
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Spacemint/views/ItemActions.h"
-#include "Spacemint/views/ItemRow.h"
+#include "Spacemint/views/ListItem.h"
+#include "Spacemint/views/UiHost.h"
 
 #include <QAbstractListModel>
 #include <QQmlEngine>
@@ -11,13 +11,30 @@
 
 namespace spacemint {
 
-/// Rows for a view, and what can be done with each. A view names a row by its role `rowId`, which stays that
-/// row's for as long as the row is there, whatever happens around it. Main thread only.
+/// What a list says besides its rows.
+struct ListStatus {
+  /// The text in place of the rows, or above them.
+  std::string text = {};
+  /// Whether the text is about something that still runs.
+  bool isWaiting = false;
+  /// False when there is nothing to show at all, not even the title of the list.
+  bool isShown = true;
+};
+
+/// A list of items as a model for a view, with the text that stands in its place while it is empty, and with
+/// what a person can do with each item. A view names a row by its role `rowId`. A row keeps its rowId for as
+/// long as its item is in the list. Main thread only.
 class ItemRows : public QAbstractListModel {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(int count READ count NOTIFY countChanged)
+  /// Whether a row has a chevron, so that all rows need the column for it.
+  Q_PROPERTY(bool hasChevrons READ hasChevrons NOTIFY statusChanged)
+  Q_PROPERTY(QString text READ text NOTIFY statusChanged)
+  Q_PROPERTY(bool isWaiting READ isWaiting NOTIFY statusChanged)
+  Q_PROPERTY(bool isShown READ isShown NOTIFY statusChanged)
+
  public:
   enum Role {
     RowIdRole = Qt::UserRole,
@@ -27,7 +44,6 @@ class ItemRows : public QAbstractListModel {
     SymbolRole,
     FractionRole,
     HasPathRole,
-    IsDirectoryRole,
     ShowsChevronRole,
     CanTrashRole,
     IsInTrashRole,
@@ -38,47 +54,65 @@ class ItemRows : public QAbstractListModel {
   };
   Q_ENUM(Role)
 
-  explicit ItemRows(const ItemActions& actions, QObject* parent = nullptr);
+  /// The host outlives this.
+  explicit ItemRows(const UiHost& host, QObject* parent = nullptr);
   ~ItemRows() override;
 
   int count() const { return static_cast<int>(entries_.size()); }
+  bool hasChevrons() const { return hasChevrons_; }
+  const QString& text() const { return text_; }
+  bool isWaiting() const { return isWaiting_; }
+  bool isShown() const { return isShown_; }
+
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QHash<int, QByteArray> roleNames() const override;
 
-  /// Puts these in the place of the rows that are there. Those that stay keep their ids and tell what is new
-  /// about them; where few stay it is another list, and is reset.
-  void assign(std::vector<ItemRow> rows);
+  /// Replaces the items. A row whose item id is in the new list keeps its rowId, and emits dataChanged if it
+  /// looks different. If fewer than half of the rows stay, the model resets.
+  void assign(std::vector<ListItem> items, const ListStatus& status = {});
 
-  // Each does nothing for a row that is gone.
-
+  // The actions of the person. Each does nothing for a row that is gone.
+  /// Shows the item in the file manager.
   Q_INVOKABLE void reveal(int rowId) const;
+  /// Puts the path of the item on the clipboard.
   Q_INVOKABLE void copyPath(int rowId) const;
+  /// Shows the folder, or the folder of the file, in the tab of folders.
   Q_INVOKABLE void showInFolders(int rowId) const;
+  /// Asks whether to move the item to the Trash, or to delete it if it already is in the Trash.
   Q_INVOKABLE void remove(int rowId) const;
   Q_INVOKABLE void pressButton(int rowId) const;
 
  Q_SIGNALS:
   void countChanged();
+  void statusChanged();
 
  private:
   struct Entry {
     int id = 0;
-    ItemRow row;
+    ListItem item;
     std::unique_ptr<ItemRows> parts;
   };
   struct Plan;
 
-  const ItemRow* find(int rowId) const;
-  Plan planFor(std::vector<ItemRow> rows);
+  const ListItem* find(int rowId) const;
+  bool isBusy(const ListItem& item) const { return host_.model.cleanups().isRunning(item.id); }
+  bool isInTrash(const ListItem& item) const { return host_.model.isInTrash(item.path); }
+  bool canTrash(const ListItem& item) const;
+  Plan planFor(std::vector<ListItem> items);
   void removeOthers(const Plan& plan);
   void insertOthers(Plan& plan);
-  QVariant text(const ItemRow& row, int role) const;
-  void tellBusy();
+  void setStatus(const ListStatus& status);
+  QVariant text(const ListItem& item, int role) const;
+  void announceBusy();
 
-  const ItemActions& actions_;
+  const UiHost& host_;
   std::vector<Entry> entries_;
   int lastId_ = 0;
+  bool hasChevrons_ = false;
+  QString text_;
+  bool isWaiting_ = false;
+  bool isShown_ = true;
 };
 
 }  // namespace spacemint

@@ -5,7 +5,7 @@
 
 namespace spacemint {
 
-/// What can be done with an item, as its buttons and its menu say it.
+/// The titles of the actions of an item, for its buttons and its menu.
 class ItemText : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -20,11 +20,11 @@ class ItemText : public QObject {
   QString showInFolders() const { return QStringLiteral("Show in Folders"); }
   QString copyPath() const { return QStringLiteral("Copy Path"); }
 
-  /// The help of the button that removes an item.
+  /// The tool tip of the button that removes an item.
   Q_INVOKABLE QString removeHelp(bool isInTrash) const {
     return isInTrash ? QStringLiteral("Delete permanently…") : QStringLiteral("Move to Trash…");
   }
-  /// The same as an entry of a menu.
+  /// The menu entry that removes an item.
   Q_INVOKABLE QString removeEntry(bool isInTrash) const {
     return isInTrash ? QStringLiteral("Delete Permanently…") : QStringLiteral("Move to Trash…");
   }

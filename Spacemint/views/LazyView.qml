@@ -1,13 +1,13 @@
 import QtQuick
 
-/// Makes a view of the file `view` while it is wanted. What rows unfold is written in files of their own and made
-/// here, because a row cannot load a component that stands inside of it.
+/// Loads the view in the file `view` while `wanted` is true. It takes the name of a file, because a row cannot load a
+/// component that contains rows from its own file.
 Loader {
     id: root
 
     required property string view
     required property bool wanted
-    /// The properties that the view is made with.
+    /// The initial properties of the view.
     property var properties: ({})
 
     function load() {

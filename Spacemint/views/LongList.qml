@@ -1,29 +1,35 @@
 import QtQuick
 import Spacemint.UiKit
 
-/// A list that fills a tab, on a card of its own below its header.
+/// A list that fills a tab, on a card of its own.
 RowList {
     id: root
 
-    // It is given its height. As high as all of its rows, it would make every one of them before that.
+    // A layout sets the height. With the height of all rows the list would first make every row.
     implicitHeight: 200
     leftMargin: 24
     rightMargin: 24
-    topMargin: 4
-    bottomMargin: 24
     interactive: true
     clip: true
-    // Rows are used again, and so none need be made ahead.
+    // Delegates are reused, so none are made ahead.
     cacheBuffer: 0
+    // Items and not margins: scrolling to the first row then shows the edge of the card too.
+    header: Item {
+        implicitHeight: 4
+    }
+    footer: Item {
+        implicitHeight: 24
+    }
 
-    // The card, as far as it is seen: in the midst of the list nothing of it changes.
+    // Card background, clipped to the visible area.
     Rectangle {
-        readonly property real end: Math.min(root.height + radius, root.originY + root.contentHeight - root.contentY + 4)
+        readonly property real listTop: root.originY - root.contentY
+        readonly property real end: Math.min(root.height + radius, listTop + root.contentHeight - 20)
 
         parent: root
         z: -1
         x: 20
-        y: Math.max(-radius, root.originY - root.contentY - 4)
+        y: Math.max(-radius, listTop)
         width: root.width - 40
         height: end - y
         visible: root.count > 0

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The page of the free space and the tabs, or what stands in their place before the first scan.
+/// The page with the free space and the tabs, or the welcome before the first scan.
 Rectangle {
     id: root
 

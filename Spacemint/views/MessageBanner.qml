@@ -2,18 +2,18 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// What happened, until it is dismissed.
+/// A message about what happened, with a button to dismiss it.
 Rectangle {
     id: root
 
     property string text
-    /// What its button says; without one there is no button.
+    /// The title of the button; empty for no button.
     property string action
 
     signal performed
     signal dismissed
 
-    // Where letters are large, the button is below the text.
+    // With large letters the button is below the text.
     readonly property bool isNarrow: action && grid.width - button.implicitWidth - close.implicitWidth < Theme.scaled(180)
 
     implicitHeight: grid.implicitHeight + 16
@@ -43,7 +43,6 @@ Rectangle {
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             maximumLineCount: 8
             elide: Text.ElideRight
-            horizontalAlignment: Text.AlignLeft
         }
         SecondaryButtonStyle {
             id: button

@@ -8,7 +8,7 @@ ColumnLayout {
 
     required property Ui ui
 
-    readonly property Section ollama: ui.developer.ollama
+    readonly property ItemRows ollama: ui.developer.ollama
 
     visible: ollama.isShown
     spacing: 10
@@ -23,7 +23,7 @@ ColumnLayout {
         busy: root.ollama.isWaiting
     }
     SectionRows {
-        rows: root.ollama.rows
+        rows: root.ollama
         name: header.title
     }
 }

@@ -1,8 +1,14 @@
 #include "Spacemint/views/Overview.h"
 
 #include "Spacemint/views/FolderText.h"
-#include "Spacemint/views/OverviewText.h"
+#include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
+#include "core/base/RelativeTime.h"
 #include "core/wording/FindingText.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <QTimeZone>
 
 #include <algorithm>
 
@@ -10,25 +16,48 @@ namespace spacemint {
 
 namespace {
 
-QString toQString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+constexpr std::string_view baselineUnreadable = "The earlier scan couldn't be read. Pick another one above.";
+
+// If more folders grew, the rest is shown on demand.
+constexpr int growthShown = 5;
+
+// The text in place of the list of what grew; empty when there is a list.
+std::string growthText(const Findings& findings, const std::string& locale) {
+  if (findings.baselineUnavailable) return std::string{baselineUnreadable};
+  if (!findings.baselineFree) return std::string{FindingText::nothingToCompare};
+  return findings.growth.empty() ? FindingText::nothingGrew(Findings::growthMinimum, locale) : "";
+}
+
+// Empty when there is no earlier scan to compare with.
+std::string freeChangeText(const Findings& findings, const SharedSnapshot& snapshot,
+                           const std::string& locale) {
+  if (!snapshot || findings.baselineUnavailable || !findings.baselineFree) return "";
+  return FindingText::freeChange(*findings.baselineFree, snapshot->volumeFree, locale);
+}
+
+// "1 day ago · 08:15"
+QString baselineTitle(Date date, Date now, const std::string& locale) {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
+  const QTime time = QDateTime::fromSecsSinceEpoch(seconds, QTimeZone::systemTimeZone()).time();
+  return ShownText::plain(RelativeTime::string(date, now, ShownText::wordsLocale)) + QStringLiteral(" · ") +
+         QLocale{ShownText::plain(locale)}.toString(time, QLocale::ShortFormat);
 }
 
 }  // namespace
 
-Overview::Overview(const ItemActions& actions)
-    : host_(actions.host()),
-      growth_(actions),
-      firstGrowth_(actions),
-      trash_(actions),
-      backups_(actions),
-      suggestions_(actions) {
+Overview::Overview(const UiHost& host)
+    : host_(host),
+      growth_(host),
+      firstGrowth_(host),
+      trash_(host),
+      backups_(host),
+      suggestions_(host) {
   AppModel& model = host_.model;
   connect(&model.currentFindings(), &CurrentFindings::updated, this, &Overview::update);
   connect(&model, &AppModel::hasFullDiskAccessChanged, this, &Overview::update);
   connect(&model.history(), &ScanHistory::entriesChanged, this, &Overview::updateBaselines);
   connect(&model.history(), &ScanHistory::baselineEntryChanged, this, &Overview::updateBaselines);
-  // Texts grow old.
+  // The texts contain ages, which grow.
   connect(&model, &AppModel::statusChanged, this, &Overview::update);
   connect(&model, &AppModel::statusChanged, this, &Overview::updateBaselines);
   update();
@@ -36,15 +65,16 @@ Overview::Overview(const ItemActions& actions)
 }
 
 QString Overview::accessTitle() const {
-  return toQString(OverviewText::accessTitle);
+  return QStringLiteral("Full Disk Access is off");
 }
 
 QString Overview::accessLine() const {
-  return toQString(OverviewText::accessLine);
+  return QStringLiteral("Spacemint can't see your whole disk, so some sizes may be out of date.");
 }
 
 QString Overview::growthToggle(int count, bool showsAll) const {
-  return QString::fromStdString(OverviewText::growthToggle(count, showsAll));
+  if (count <= growthShown) return {};
+  return showsAll ? QStringLiteral("Show less") : QStringLiteral("Show all %1").arg(count);
 }
 
 void Overview::chooseBaseline(int index) {
@@ -59,36 +89,28 @@ void Overview::openAccessSettings() const {
 void Overview::update() {
   const Findings& findings = host_.model.findings();
   const SharedSnapshot& snapshot = host_.model.history().snapshot();
-  // Until a scan was looked through, what it lacks is not known.
+  // While the analysis of a scan runs, an empty finding does not mean that there is nothing.
   const bool isReady = host_.model.currentFindings().isReady();
-  freeChange_ =
-      snapshot
-          ? QString::fromStdString(OverviewText::freeChange(findings, snapshot->volumeFree, host_.locale))
-          : QString{};
-  auto grown = growthRows();
-  const auto first = std::min(grown.size(), std::size_t{OverviewText::growthShown});
+  freeChange_ = ShownText::sentence(freeChangeText(findings, snapshot, host_.locale));
+  auto grown = growthItems();
+  const auto first = std::min(grown.size(), std::size_t{growthShown});
   firstGrowth_.assign({grown.begin(), grown.begin() + static_cast<std::ptrdiff_t>(first)});
-  growth_.assign(
-      {.rows = std::move(grown), .text = isReady ? OverviewText::growth(findings, host_.locale) : ""});
-  trash_.assign(trashRows());
-  backups_.assign(backupRows());
+  growth_.assign(std::move(grown), {.text = isReady ? growthText(findings, host_.locale) : ""});
+  trash_.assign(trashItems());
+  backups_.assign(backupItems());
   const bool isClean =
       isReady && hasAccess() && trash_.count() == 0 && backups_.count() == 0 && findings.suggestions.empty();
-  suggestions_.assign(
-      {.rows = suggestionRows(), .text = isClean ? std::string{FindingText::nothingToClean} : ""});
+  suggestions_.assign(suggestionItems(), {.text = std::string{isClean ? FindingText::nothingToClean : ""}});
   Q_EMIT changed();
 }
 
 void Overview::updateBaselines() {
   const ScanHistory& history = host_.model.history();
   entries_ = history.entries();
-  // The newest is the current scan itself.
+  // The newest entry is the current scan itself.
   if (!entries_.empty()) entries_.erase(entries_.begin());
   QStringList baselines;
-  for (const auto& entry : entries_) {
-    baselines << QString::fromStdString(OverviewText::baseline(
-        entry.date, {.now = now(), .zone = QTimeZone::systemTimeZone(), .locale = host_.locale}));
-  }
+  for (const auto& entry : entries_) baselines << baselineTitle(entry.date, now(), host_.locale);
   const auto chosen =
       history.baselineEntry() ? std::ranges::find(entries_, *history.baselineEntry()) : entries_.end();
   const int index = chosen != entries_.end() ? static_cast<int>(chosen - entries_.begin()) : -1;
@@ -98,25 +120,25 @@ void Overview::updateBaselines() {
   Q_EMIT baselinesChanged();
 }
 
-std::vector<ItemRow> Overview::growthRows() const {
+std::vector<ListItem> Overview::growthItems() const {
   const SharedSnapshot& snapshot = host_.model.history().snapshot();
   const std::string root = snapshot ? snapshot->rootPath() : "";
-  std::vector<ItemRow> rows;
+  std::vector<ListItem> items;
   for (const Growth& growth : host_.model.findings().growth) {
-    rows.push_back({.id = growth.path,
-                    .path = growth.path,
-                    .size = growth.size,
-                    .isDirectory = growth.isDirectory,
-                    .title = FolderText::title(growth.path, root, host_.home),
-                    .subtitle = Paths::display(growth.path, host_.home),
-                    .sizeText = OverviewText::delta(growth, host_.locale),
-                    .showsChevron = growth.isDirectory,
-                    .canTrash = growth.path != root});
+    items.push_back({.id = growth.path,
+                     .path = growth.path,
+                     .size = growth.size,
+                     .isDirectory = growth.isDirectory,
+                     .title = FolderText::title(growth.path, root, host_.home),
+                     .subtitle = Paths::display(growth.path, host_.home),
+                     .sizeText = "+" + ByteFormat::string(growth.delta, host_.locale),
+                     .showsChevron = growth.isDirectory,
+                     .canTrash = growth.path != root});
   }
-  return rows;
+  return items;
 }
 
-std::vector<ItemRow> Overview::trashRows() const {
+std::vector<ListItem> Overview::trashItems() const {
   const auto& trash = host_.model.findings().trash;
   if (!trash) return {};
   return {{.id = Cleanups::trashId,
@@ -131,7 +153,7 @@ std::vector<ItemRow> Overview::trashRows() const {
            .onButton = [&model = host_.model] { model.confirmEmptyTrash(); }}};
 }
 
-std::vector<ItemRow> Overview::backupRows() const {
+std::vector<ListItem> Overview::backupItems() const {
   const auto backup = host_.model.oldBackup();
   if (!backup) return {};
   return {{.id = backup->path,
@@ -139,39 +161,39 @@ std::vector<ItemRow> Overview::backupRows() const {
            .size = backup->size,
            .isDirectory = true,
            .title = FindingText::oldBackupTitle(*backup, host_.locale),
-           .subtitle = FindingText::oldBackupLine(*backup, now(), host_.locale),
+           .subtitle = FindingText::oldBackupLine(*backup, now(), ShownText::wordsLocale),
            .symbol = "iphone",
            .buttonTitle = "Delete backup",
            .busyTitle = "Deleting…",
            .onButton = [&model = host_.model, backup = *backup] { model.confirm(backup); }}};
 }
 
-std::vector<ItemRow> Overview::suggestionRows() const {
-  std::vector<ItemRow> rows;
+std::vector<ListItem> Overview::suggestionItems() const {
+  std::vector<ListItem> items;
   for (const Suggestion& suggestion : host_.model.findings().suggestions) {
-    ItemRow row{.id = suggestion.id,
-                .size = suggestion.size(),
-                .isDirectory = true,
-                .title = suggestion.title,
-                .subtitle = suggestion.advice,
-                .symbol = suggestion.symbol};
+    ListItem item{.id = suggestion.id,
+                  .size = suggestion.size(),
+                  .isDirectory = true,
+                  .title = suggestion.title,
+                  .subtitle = suggestion.advice,
+                  .symbol = suggestion.symbol};
     if (suggestion.id == Cleanups::trashId) {
-      row.buttonTitle = "Empty Trash";
-      row.busyTitle = "Emptying…";
-      row.onButton = [&model = host_.model] { model.confirmEmptyTrash(); };
+      item.buttonTitle = "Empty Trash";
+      item.busyTitle = "Emptying…";
+      item.onButton = [&model = host_.model] { model.confirmEmptyTrash(); };
     }
     for (const auto& location : suggestion.locations) {
-      row.parts.push_back({.id = location.path,
-                           .path = location.path,
-                           .size = location.size,
-                           .isDirectory = isDirectory(location.path),
-                           .subtitle = Paths::display(location.path, host_.home),
-                           .showsChevron = true,
-                           .canTrash = row.onButton == nullptr});
+      item.parts.push_back({.id = location.path,
+                            .path = location.path,
+                            .size = location.size,
+                            .isDirectory = isDirectory(location.path),
+                            .subtitle = Paths::display(location.path, host_.home),
+                            .showsChevron = true,
+                            .canTrash = item.onButton == nullptr});
     }
-    rows.push_back(std::move(row));
+    items.push_back(std::move(item));
   }
-  return rows;
+  return items;
 }
 
 bool Overview::isDirectory(const std::string& path) const {

@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What grew, and where space can be freed.
+/// The tab with what grew, and where space can be freed.
 ScrollColumn {
     id: root
 
@@ -13,7 +13,7 @@ ScrollColumn {
     property bool showAllGrowth: false
 
     readonly property Overview overview: ui.overview
-    readonly property string growthToggle: overview.growthToggle(overview.growth.rows.count, showAllGrowth)
+    readonly property string growthToggle: overview.growthToggle(overview.growth.count, showAllGrowth)
 
     padding: 20
     spacing: 10
@@ -42,15 +42,14 @@ ScrollColumn {
     }
     Card {
         Layout.fillWidth: true
-        visible: root.overview.growth.rows.count > 0
+        visible: root.overview.growth.count > 0
         padding: 4
         spacing: 0
 
         RowList {
             Layout.fillWidth: true
-            rows: root.showAllGrowth ? root.overview.growth.rows : root.overview.firstGrowth
+            rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
             name: "What grew"
-            hasChevrons: true
             sizeColor: Theme.amberInk
         }
         QuietButtonStyle {
@@ -73,14 +72,16 @@ ScrollColumn {
     }
     CardList {
         items: root.overview.trash
-        row: TrashCard {
+        row: RemovalCard {
             rows: root.overview.trash
+            revealTitle: "Show contents"
         }
     }
     CardList {
         items: root.overview.backups
-        row: BackupCard {
+        row: RemovalCard {
             rows: root.overview.backups
+            revealTitle: ItemText.showInFinder
         }
     }
     Placeholder {
@@ -95,10 +96,10 @@ ScrollColumn {
         Repeater {
             id: suggestions
 
-            model: root.overview.suggestions.rows
+            model: root.overview.suggestions
 
             SuggestionRow {
-                rows: root.overview.suggestions.rows
+                rows: root.overview.suggestions
             }
         }
     }

@@ -1,5 +1,7 @@
 #include "Spacemint/views/Page.h"
 
+#include "Spacemint/views/ShownText.h"
+
 namespace spacemint {
 
 Page::Page(const UiHost& host) : host_(host) {
@@ -28,20 +30,17 @@ void Page::setTab(int tab) {
 
 QStringList Page::tabTitles() const {
   QStringList titles;
-  for (const Tab tab : allTabs) {
-    const std::string_view title = titleOf(tab);
-    titles << QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()));
-  }
+  for (const Tab tab : allTabs) titles << ShownText::plain(titleOf(tab));
   return titles;
 }
 
 QString Page::message() const {
-  return QString::fromStdString(host_.model.messages().message().value_or(""));
+  return ShownText::sentence(host_.model.messages().message().value_or(""));
 }
 
 QString Page::messageAction() const {
   const auto& action = host_.model.messages().action();
-  return action ? QString::fromStdString(action->title) : QString{};
+  return action ? ShownText::plain(action->title) : QString{};
 }
 
 void Page::openAccessSettings() const {

@@ -7,7 +7,7 @@
 
 namespace spacemint {
 
-/// Which page is shown, and the message on it. Main thread only.
+/// The page that is shown, and its message. Main thread only.
 class Page : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -18,16 +18,16 @@ class Page : public QObject {
   Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY showingSettingsChanged)
   Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY hasAccessChanged)
   Q_PROPERTY(QString message READ message NOTIFY messageChanged)
-  /// Empty where the message has no button.
+  /// The title of the message's button; empty if it has none.
   Q_PROPERTY(QString messageAction READ messageAction NOTIFY messageChanged)
  public:
-  // QML reads only values with a capital letter.
+  // QML can only read enumerators that start with a capital letter.
   enum class State { Welcome, FirstScan, Tabs };
   Q_ENUM(State)
 
   explicit Page(const UiHost& host);
 
-  /// Before the first scan, during it, and ever after.
+  /// The page that follows from the scans: before, during and after the first one.
   static State stateOf(bool hasSnapshot, bool isScanning);
 
   State state() const;

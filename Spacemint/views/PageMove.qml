@@ -1,7 +1,7 @@
 import QtQuick
 import Spacemint.UiKit
 
-/// How a page comes and goes.
+/// The animation of a page that slides in or out.
 NumberAnimation {
     duration: Theme.duration(260)
     easing.type: Easing.OutCubic

@@ -3,14 +3,14 @@ import QtQuick.Templates as T
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// All of the interface, in the panel and in the window.
+/// The whole interface, for the panel and for the window.
 Rectangle {
     id: root
 
     required property Ui ui
-    /// Whether it is in the window, and not in the panel.
+    /// True in the window, false in the panel.
     property bool windowed: false
-    /// Whether the panel's corners are rounded; they are, where what is behind them can be seen.
+    /// Whether the panel has round corners; only a desktop with transparency can show them.
     property bool rounded: true
 
     implicitWidth: 460
@@ -26,15 +26,15 @@ Rectangle {
         focus: true
         enabled: !question.hasKeyboard
 
-        /// How far the settings have come: from 0 to 1. Positions follow from it, so that they do not move when
-        /// the window gets its size.
+        /// The progress of the animation to the settings page, from 0 to 1. The positions are bound to it, so that a
+        /// new size of the window does not start an animation.
         property real settingsShown: root.ui.page.showingSettings ? 1 : 0
 
         Behavior on settingsShown {
             PageMove {}
         }
 
-        // Each page remembers what the keyboard is at.
+        // A scope for each page, which remembers the item with the keyboard focus.
         FocusScope {
             width: parent.width
             height: parent.height
@@ -66,7 +66,7 @@ Rectangle {
         id: question
 
         property bool hasKeyboard: false
-        /// What the keyboard was at before; it may be gone with what was removed.
+        /// The item that had the keyboard focus before; null if it was removed meanwhile.
         property Item before
         property int reason
 
@@ -87,7 +87,7 @@ Rectangle {
             if (item)
                 return;
             hasKeyboard = false;
-            (before ?? pages)?.forceActiveFocus(reason); // neither is there when all of it ends
+            (before ?? pages)?.forceActiveFocus(reason); // both are null during destruction
         }
     }
     Rectangle {

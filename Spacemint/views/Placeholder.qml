@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// What is said where there is nothing to show.
+/// The text in place of an empty list.
 Label {
     Layout.fillWidth: true
     visible: text

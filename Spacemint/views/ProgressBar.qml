@@ -2,11 +2,11 @@ import QtQuick
 import QtQuick.Templates as T
 import Spacemint.UiKit
 
-/// How far something is; a piece of it wanders while nobody knows, or stands in the middle where nothing may move.
+/// A progress bar. While the progress is unknown a piece of it moves, or stands in the middle with reduced motion.
 T.ProgressBar {
     id: root
 
-    /// From 0 to 1; negative where that is not known.
+    /// From 0 to 1; negative while it is unknown.
     property real fraction: -1
 
     value: Math.max(0, fraction)

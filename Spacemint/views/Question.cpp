@@ -1,5 +1,7 @@
 #include "Spacemint/views/Question.h"
 
+#include "Spacemint/views/ShownText.h"
+
 namespace spacemint {
 
 Question::Question(const UiHost& host) : host_(host) {
@@ -7,11 +9,11 @@ Question::Question(const UiHost& host) : host_(host) {
 }
 
 QString Question::detail() const {
-  return isAsked() ? QString::fromStdString(current()->plan.detail.value_or("")) : QString{};
+  return isAsked() ? ShownText::sentence(current()->plan.detail.value_or("")) : QString{};
 }
 
 QString Question::text(std::string CleanupPlan::*field) const {
-  return isAsked() ? QString::fromStdString(current()->plan.*field) : QString{};
+  return isAsked() ? ShownText::sentence(current()->plan.*field) : QString{};
 }
 
 }  // namespace spacemint

@@ -7,13 +7,13 @@
 
 namespace spacemint {
 
-/// The confirmation that is asked for. Main thread only.
+/// The confirmation that the person is asked for. Main thread only.
 class Question : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(bool asked READ isAsked NOTIFY changed)
-  /// Which question it is; empty without one.
+  /// The id of the question; empty while there is none.
   Q_PROPERTY(QString uuid READ uuid NOTIFY changed)
   Q_PROPERTY(QString title READ title NOTIFY changed)
   Q_PROPERTY(QString subject READ subject NOTIFY changed)
@@ -32,7 +32,7 @@ class Question : public QObject {
   QString note() const { return text(&CleanupPlan::note); }
   QString actionTitle() const { return text(&CleanupPlan::button); }
 
-  /// Does what the question with this identifier asks about; nothing when another is asked by now.
+  /// Confirms the question with this id. Does nothing if another question is shown by now.
   Q_INVOKABLE void perform(const QString& uuid) const {
     host_.model.cleanups().confirm(QUuid::fromString(uuid));
   }

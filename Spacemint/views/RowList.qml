@@ -4,23 +4,21 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// Items one below the other. It is as high as they are, where it may be; only those that are seen are made.
+/// A list of ItemRow. It is as high as its rows, up to `maximumHeight`. Only visible rows exist.
 ListView {
     id: root
 
     required property ItemRows rows
-    property bool hasChevrons: false
     property bool wrapsSubtitles: false
     property color sizeColor: Theme.ink
-    /// Whether the one that the keyboard is at is marked: not after a click.
-    property bool showsFocus: true
-    /// The length of the list at which it scrolls by itself.
+    /// A list that would be higher than this scrolls.
     property real maximumHeight: Infinity
-    /// What the list is of, for those who do not see it.
+    /// The name of the list for screen readers.
     property string name
 
-    /// When a folder was opened here by a click. What follows at once is that click's second half.
+    /// The time of the last click that opened a folder. The second click of a double-click is ignored.
     property double openedAt: -Infinity
+    property real heightBefore: 0
 
     function openMenu(row: ItemRow) {
         if (!row.hasPath)
@@ -34,7 +32,7 @@ ListView {
         it.popup(row, row.mirrored ? 8 : row.width - it.width - 8, row.height - 6);
     }
 
-    /// A page on, or back.
+    /// Moves by some pages; backwards if negative.
     function turn(pages: int) {
         const row = currentItem ? currentItem.height : 1;
         const step = pages * Math.max(1, Math.floor(height / row) - 1);
@@ -46,7 +44,13 @@ ListView {
     model: rows
     reuseItems: true
     clip: interactive
-    interactive: contentHeight > height
+    // The current row stays in view when a banner takes some of the height.
+    onHeightChanged: {
+        const wasInView = currentItem && currentItem.y + currentItem.height <= contentY + heightBefore;
+        heightBefore = height;
+        if (activeFocus && wasInView)
+            positionViewAtIndex(currentIndex, ListView.Contain);
+    }
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: true
     activeFocusOnTab: true
@@ -55,7 +59,6 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: name
     Keys.onPressed: event => {
-        root.showsFocus = true;
         if (event.key === Qt.Key_Home)
             root.currentIndex = 0;
         else if (event.key === Qt.Key_End)
@@ -78,16 +81,14 @@ ListView {
         rows: root.rows
         wrapsSubtitle: root.wrapsSubtitles
         sizeColor: root.sizeColor
-        hasChevronColumn: root.hasChevrons
+        hasChevronColumn: root.rows.hasChevrons
         isCurrent: ListView.isCurrentItem
-        showsFocus: root.showsFocus
-        // Rows that wait to be used again are nowhere.
+        // Hide pooled delegates.
         ListView.onPooled: row.visible = false
         ListView.onReused: row.visible = true
         onChosen: time => {
             if (time - root.openedAt < Application.styleHints.mouseDoubleClickInterval)
                 return;
-            root.showsFocus = false;
             root.currentIndex = row.index;
             row.forceActiveFocus(Qt.MouseFocusReason);
             if (!row.showsChevron)
@@ -95,8 +96,7 @@ ListView {
             root.openedAt = time;
             row.open();
         }
-        onMenuWanted: byMouse => {
-            root.showsFocus = !byMouse;
+        onMenuWanted: {
             root.currentIndex = row.index;
             root.openMenu(row);
         }
@@ -114,7 +114,7 @@ ListView {
     Connections {
         target: menu.item
 
-        // The keyboard is where it was, unless the menu led to somewhere else.
+        // Give the focus back, unless the menu opened another page.
         function onClosed() {
             if (root.enabled && root.visible)
                 root.forceActiveFocus(Qt.PopupFocusReason);

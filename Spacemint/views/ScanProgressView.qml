@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// How far a scan is.
+/// The progress of a scan.
 ColumnLayout {
     id: root
 

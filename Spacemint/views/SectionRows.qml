@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// The rows of a section on a card, and below them what else belongs there.
+/// A card with the rows of a section, and further items below them.
 Card {
     id: root
 

@@ -1,5 +1,7 @@
 #include "Spacemint/views/SettingsForm.h"
 
+#include "Spacemint/views/ShownText.h"
+
 #include <algorithm>
 
 namespace spacemint {
@@ -10,19 +12,45 @@ constexpr const char* loginFailure = "Couldn't change this. Make sure Spacemint 
 
 QStringList titles(std::span<const SettingChoice> choices) {
   QStringList result;
-  for (const SettingChoice& choice : choices) {
-    result << QString::fromUtf8(choice.label.data(), static_cast<qsizetype>(choice.label.size()));
-  }
+  for (const SettingChoice& choice : choices) result << ShownText::plain(choice.label);
   return result;
 }
 
-// Null where a view asks for a choice that is not there.
+// Null if the view asks for a choice that does not exist.
 const SettingsText::Choice* at(const std::vector<SettingsText::Choice>& choices, int index) {
   const auto place = static_cast<std::size_t>(index);
   return index >= 0 && place < choices.size() ? &choices[place] : nullptr;
 }
 
+std::vector<SettingsText::Choice> choicesOf(Setting setting, SettingsText::Choice stored) {
+  std::vector<SettingsText::Choice> result;
+  for (const SettingChoice& choice : describe(setting).choices) {
+    result.push_back({std::get<std::int64_t>(choice.value), std::string{choice.label}});
+  }
+  const auto place = std::ranges::lower_bound(result, stored.value, {}, &SettingsText::Choice::value);
+  if (place == result.end() || place->value != stored.value) result.insert(place, std::move(stored));
+  return result;
+}
+
 }  // namespace
+
+std::vector<SettingsText::Choice> SettingsText::thresholds(std::int64_t stored) {
+  return choicesOf(Setting::warningThresholdGB, {stored, std::to_string(stored) + " GB free"});
+}
+
+std::vector<SettingsText::Choice> SettingsText::intervals(std::int64_t stored) {
+  // An interval of 0 hours means off.
+  const std::string label = stored <= 0   ? "Never"
+                            : stored == 1 ? "Every hour"
+                                          : "Every " + std::to_string(stored) + " hours";
+  return choicesOf(Setting::scanIntervalHours, {stored, label});
+}
+
+std::string SettingsText::scanFootnote(bool hasFullDiskAccess) {
+  std::string text = "Runs quietly in the background while your Mac is idle.";
+  if (!hasFullDiskAccess) text += " Without Full Disk Access, some folders can't be measured.";
+  return text;
+}
 
 SettingsForm::SettingsForm(const UiHost& host) : host_(host) {
   subscription_ = prefs().observe(Preferences::followedAtOnce, [this](Setting) { Q_EMIT changed(); });
@@ -43,7 +71,7 @@ QStringList SettingsForm::presences() const {
 }
 
 QString SettingsForm::scanFootnote() const {
-  return QString::fromStdString(SettingsText::scanFootnote(host_.model.hasFullDiskAccess()));
+  return ShownText::plain(SettingsText::scanFootnote(host_.model.hasFullDiskAccess()));
 }
 
 void SettingsForm::chooseThreshold(int index) {
@@ -89,7 +117,7 @@ void SettingsForm::refresh() {
 
 QStringList SettingsForm::labels(const Choices& choices) {
   QStringList result;
-  for (const auto& choice : choices) result << QString::fromStdString(choice.label);
+  for (const auto& choice : choices) result << ShownText::plain(choice.label);
   return result;
 }
 

@@ -2,15 +2,37 @@
 
 #include "AppServices/Updates.h"
 #include "AppServices/Usage.h"
-#include "Spacemint/views/SettingsText.h"
 #include "Spacemint/views/UiHost.h"
+#include "core/settings/Settings.h"
 
 #include <QQmlEngine>
 #include <QStringList>
 
+#include <vector>
+
 namespace spacemint {
 
-/// The settings as the page shows and changes them. Main thread only.
+/// The choices and the sentences of the settings page.
+namespace SettingsText {
+
+/// A value of a setting, and its label.
+struct Choice {
+  std::int64_t value;
+  std::string label;
+
+  bool operator==(const Choice&) const = default;
+};
+
+/// The values that a setting offers, in rising order. A stored value that is not among them is added.
+std::vector<Choice> thresholds(std::int64_t stored);
+std::vector<Choice> intervals(std::int64_t stored);
+
+/// The footnote of the section about the background scan.
+std::string scanFootnote(bool hasFullDiskAccess);
+
+}  // namespace SettingsText
+
+/// The settings page: it shows the stored settings and changes them. Main thread only.
 class SettingsForm : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -27,9 +49,9 @@ class SettingsForm : public QObject {
   Q_PROPERTY(bool notificationsAllowed READ notificationsAllowed NOTIFY notificationsAllowedChanged)
   Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY accessChanged)
   Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY loginChanged)
-  /// Why that could not be changed; empty where it could.
+  /// Why the start at login could not be changed; empty if it could.
   Q_PROPERTY(QString loginError READ loginError NOTIFY loginChanged)
-  /// Null where the product has no usage report, and no updates.
+  /// Null in a product that reports no usage, or that has no updates.
   Q_PROPERTY(spacemint::Usage* usage READ usage CONSTANT)
   Q_PROPERTY(spacemint::Updates* updates READ updates CONSTANT)
   Q_PROPERTY(bool sharesUsage READ sharesUsage NOTIFY sharesUsageChanged)
@@ -62,7 +84,7 @@ class SettingsForm : public QObject {
   Q_INVOKABLE void setSharesUsage(bool shares);
   Q_INVOKABLE void sendTestNotification() { host_.model.sendTestNotification(); }
   Q_INVOKABLE void openNotificationSettings() const;
-  /// The page is about to be seen: what others may have changed is read again.
+  /// Call when the page is about to be shown: reads again what other programs may have changed.
   Q_INVOKABLE void refresh();
 
  Q_SIGNALS:

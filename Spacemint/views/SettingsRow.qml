@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// What a setting is called, and its control at the other end of the line.
+/// The title of a setting, and its control at the other end of the line.
 GridLayout {
     id: root
 
     property string title
     default property alias control: place.data
-    // Where letters are large, the control is below.
+    // With large letters the control is below the title.
     readonly property bool isNarrow: label.implicitWidth + columnSpacing + place.implicitWidth > width
 
     Layout.fillWidth: true

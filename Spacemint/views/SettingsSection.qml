@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// Settings that belong together, and what there is to say of them.
+/// A group of settings with a title and a footnote.
 ColumnLayout {
     id: root
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The page on which everything is set.
+/// The settings page.
 Rectangle {
     id: root
 

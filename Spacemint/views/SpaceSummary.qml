@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// How much is free, of how much, and whether that is little.
+/// The free space, the total, and the warning.
 ColumnLayout {
     id: root
 
@@ -13,7 +13,7 @@ ColumnLayout {
     spacing: 10
 
     Item {
-        // Large letters need a line more.
+        // With large letters the total is on a second line.
         readonly property bool isNarrow: word.x + word.width + 12 + total.width > width
 
         Layout.fillWidth: true
@@ -51,7 +51,8 @@ ColumnLayout {
         Layout.fillWidth: true
         fraction: root.ui.summary.usedFraction
         color: root.levelColor
-        Accessible.name: root.ui.summary.free + " free"
+        Accessible.name: `${root.ui.summary.free} free ${root.ui.summary.total}`
+        Accessible.description: root.ui.summary.tickHelp
 
         Rectangle {
             x: root.ui.summary.tickFraction * bar.width - 1

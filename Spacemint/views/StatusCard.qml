@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// How it stands with something that cannot be listed now.
+/// A card in place of a list that is loading, has failed or is unavailable.
 Card {
     id: root
 
@@ -24,7 +24,6 @@ Card {
         Label {
             Layout.fillWidth: true
             text: root.text
-            textFormat: Text.PlainText
             size: 12
             color: Theme.secondary
             wrapMode: Text.Wrap

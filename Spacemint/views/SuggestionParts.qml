@@ -2,12 +2,11 @@ import QtQuick
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// Where what a suggestion speaks of lies.
+/// The locations of a suggestion.
 RowList {
     required property SuggestionRow suggestion
 
     rows: suggestion.parts
     name: suggestion.title
-    hasChevrons: true
     maximumHeight: Theme.scaled(400)
 }

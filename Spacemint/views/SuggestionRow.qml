@@ -6,7 +6,7 @@ import QtQuick.Templates as T
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// A kind of things to look through for space; it unfolds to where they lie.
+/// A suggestion; it unfolds to its locations.
 Item {
     id: root
 
@@ -24,7 +24,7 @@ Item {
     property bool expanded: false
 
     Layout.fillWidth: true
-    // Sized by hand: a layout leaves out what has no height yet.
+    // Not in a layout, which would skip an item without a height.
     implicitWidth: header.implicitWidth
     implicitHeight: header.height + unfolded.height
 

@@ -1,10 +1,19 @@
 #include "Spacemint/views/Summary.h"
 
-#include "Spacemint/views/SummaryText.h"
+#include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/volume/SpaceLevel.h"
 #include "core/wording/FindingText.h"
 
+#include <algorithm>
+
 namespace spacemint {
+
+double warningFraction(const VolumeStatus& volume, std::int64_t thresholdGB) {
+  if (volume.total < 1) return 0;
+  const double warning = static_cast<double>(thresholdGB) * static_cast<double>(gigabyte);
+  return std::clamp(1 - warning / static_cast<double>(volume.total), 0.0, 1.0);
+}
 
 Summary::Summary(const UiHost& host) : host_(host) {
   constexpr std::array<Setting, 1> followed{Setting::warningThresholdGB};
@@ -13,23 +22,23 @@ Summary::Summary(const UiHost& host) : host_(host) {
 }
 
 QString Summary::free() const {
-  return volume() ? QString::fromStdString(ByteFormat::string(volume()->free, host_.locale)) : QString{};
+  return volume() ? ShownText::plain(ByteFormat::string(volume()->free, host_.locale)) : QString{};
 }
 
 QString Summary::total() const {
-  return volume() ? QString::fromStdString(SummaryText::total(*volume(), host_.locale)) : QString{};
+  return volume() ? ShownText::plain("of " + ByteFormat::string(volume()->total, host_.locale)) : QString{};
 }
 
 double Summary::tickFraction() const {
-  return volume() ? SummaryText::tickFraction(*volume(), thresholdGB()) : 0;
+  return volume() ? warningFraction(*volume(), thresholdGB()) : 0;
 }
 
 QString Summary::tickHelp() const {
-  return QString::fromStdString(SummaryText::tickHelp(thresholdGB()));
+  return ShownText::sentence("Warning below " + std::to_string(thresholdGB()) + " GB free");
 }
 
 QString Summary::warning() const {
-  return QString::fromStdString(FindingText::warning(host_.model.level(), thresholdGB()));
+  return ShownText::sentence(FindingText::warning(host_.model.level(), thresholdGB()));
 }
 
 }  // namespace spacemint

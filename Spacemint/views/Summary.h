@@ -6,12 +6,15 @@
 
 namespace spacemint {
 
-/// The figures of the volume. Main thread only.
+/// Where on the bar the warning begins, from 0 to 1.
+double warningFraction(const VolumeStatus& volume, std::int64_t thresholdGB);
+
+/// The free space of the volume and its warning. Main thread only.
 class Summary : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
-  /// Whether the volume was read.
+  /// False until the volume was read.
   Q_PROPERTY(bool known READ isKnown NOTIFY changed)
   Q_PROPERTY(Level level READ level NOTIFY changed)
   Q_PROPERTY(QString free READ free NOTIFY changed)
@@ -19,7 +22,7 @@ class Summary : public QObject {
   Q_PROPERTY(double usedFraction READ usedFraction NOTIFY changed)
   Q_PROPERTY(double tickFraction READ tickFraction NOTIFY changed)
   Q_PROPERTY(QString tickHelp READ tickHelp NOTIFY changed)
-  /// What the level means; empty where all is well.
+  /// The sentence about a low level; empty if the level is ok.
   Q_PROPERTY(QString warning READ warning NOTIFY changed)
  public:
   enum class Level { ok, low, critical };

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Spacemint.UiKit
 
-/// Which of the pages is shown.
+/// The bar that chooses a page.
 Item {
     id: root
 
@@ -33,7 +33,7 @@ Item {
         text: root.titles.join("")
     }
 
-    // Large letters take from the space around them, and then another line.
+    // With large letters the padding shrinks first, then the bar wraps.
     Flow {
         id: row
 
@@ -45,7 +45,7 @@ Item {
         Repeater {
             model: root.titles
 
-            // Qt gives a control the role of its kind, so the role of a page stands around the button.
+            // Qt overrides the role of a control, so an item around the button has the role of a tab.
             Item {
                 id: page
 
@@ -73,7 +73,7 @@ Item {
                     Accessible.ignored: true
                     onClicked: root.show(page.index)
 
-                    contentItem: Text {
+                    contentItem: Label {
                         text: button.text
                         font: words.font
                         color: page.isSelected || button.hovered ? Theme.ink : Theme.secondary
@@ -84,7 +84,7 @@ Item {
                         color: page.isSelected ? Theme.selected : button.hovered ? Theme.hover : "transparent"
 
                         FocusRing {
-                            // A click does not bring the keyboard here.
+                            // A click does not give the focus to the bar.
                             visible: root.activeFocus && page.isSelected
                             around: 8
                         }

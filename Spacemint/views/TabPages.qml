@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The tabs. Each is made when it is first looked at, and stays as it was left.
+/// The tabs. A tab is made when it is first shown, and keeps its state.
 ColumnLayout {
     id: root
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The name, and the way to the settings.
+/// The name of the program and the button to the settings.
 RowLayout {
     id: root
 

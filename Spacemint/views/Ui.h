@@ -3,7 +3,6 @@
 #include "Spacemint/views/Developer.h"
 #include "Spacemint/views/Files.h"
 #include "Spacemint/views/Folders.h"
-#include "Spacemint/views/ItemActions.h"
 #include "Spacemint/views/Overview.h"
 #include "Spacemint/views/Page.h"
 #include "Spacemint/views/Question.h"
@@ -16,7 +15,7 @@
 
 namespace spacemint {
 
-/// The model as the views see it: one object for both the panel and the window. Main thread only.
+/// The root of the objects that the QML files bind to. The panel and the window share it. Main thread only.
 class Ui : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -54,11 +53,10 @@ class Ui : public QObject {
   ScanControl scan_{host_};
   Question confirmation_{host_};
   SettingsForm settings_{host_};
-  ItemActions itemActions_{host_};
-  Overview overview_{itemActions_};
-  Folders folders_{itemActions_};
-  Files files_{itemActions_};
-  Developer developer_{itemActions_};
+  Overview overview_{host_};
+  Folders folders_{host_};
+  Files files_{host_};
+  Developer developer_{host_};
 };
 
 }  // namespace spacemint

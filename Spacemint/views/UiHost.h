@@ -11,15 +11,22 @@
 
 namespace spacemint {
 
-/// What the views stand on. All of it outlives them.
+/// The objects that all views use. Each of them outlives the views. Main thread only.
 struct UiHost {
+  /// Whether the deletion guard allows to remove the item. A view does not offer what the guard refuses. Asks
+  /// the disk whether the item is a link.
+  bool mayRemove(const std::string& path, bool outsideHomeAllowed) const {
+    return !model.guard().check({.path = path, .outsideHomeAllowed = outsideHomeAllowed});
+  }
+
   AppModel& model;
   Desktop desktop;
   std::string home;
+  /// An ICU locale identifier; it formats the numbers.
   std::string locale;
   /// Ends the application.
   std::function<void()> quit;
-  // Each null where there is none.
+  // Null in a product that has no such service.
   LoginItem* loginItem = nullptr;
   Usage* usage = nullptr;
   Updates* updates = nullptr;

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.Services
 import Spacemint.UiKit
 
-/// The settings of updates, and what is known of the next.
+/// The settings of updates, and the state of the next update.
 SettingsSection {
     id: root
 

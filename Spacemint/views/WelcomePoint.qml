@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// A symbol beside a title and a line.
+/// A symbol with a title and a line beside it.
 RowLayout {
     id: root
 

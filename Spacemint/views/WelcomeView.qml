@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The first thing that anybody sees.
+/// The page before the first scan.
 ColumnLayout {
     id: root
 
@@ -77,7 +77,7 @@ ColumnLayout {
     Shortcut {
         sequences: ["Return", "Enter"]
         autoRepeat: false
-        // Another button that was reached by the keyboard does what it says.
+        // If the keyboard is at another button, Return presses that button.
         enabled: root.enabled && root.visible && !(root.Window.activeFocusItem?.visualFocus ?? false)
         onActivated: root.ui.page.begin()
     }

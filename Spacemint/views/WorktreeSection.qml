@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// Git worktrees that nobody works in, and on demand those in use.
+/// Stale git worktrees; a button shows the active ones too.
 ColumnLayout {
     id: root
 
@@ -23,7 +23,7 @@ ColumnLayout {
         text: root.developer.worktrees.text
     }
     SectionRows {
-        rows: root.developer.worktrees.rows
+        rows: root.developer.worktrees
         name: header.title
     }
     QuietButtonStyle {

@@ -33,7 +33,7 @@ constexpr Rule rules[]{
     {.kind = Kind::emptyTrash, .asksGuard = false},
     {.kind = Kind::moveToTrash, .outsideHomeAllowed = true},
     {.kind = Kind::runTool, .outsideHomeAllowed = true, .linkItself = true},
-    {Kind::removeWorktree},
+    {.kind = Kind::removeWorktree, .outsideHomeAllowed = true},
 };
 
 const Rule& ruleOf(Kind kind) {

@@ -10,8 +10,7 @@
 
 namespace spacemint {
 
-/// What the findings are called where people read them, in the window and in the terminal alike. `locale` is
-/// an ICU locale identifier.
+/// The sentences about findings, for the window and for the terminal. `locale` is an ICU locale identifier.
 namespace FindingText {
 
 inline constexpr std::string_view nothingToCompare = "After the next scan, this shows where new space went.";
@@ -31,23 +30,23 @@ std::string nothingGrew(Bytes minimum, const std::string& locale);
 /// "No package or build caches over 50 MB."
 std::string noCaches(Bytes minimum, const std::string& locale);
 
-/// What to say when the tool failed, for the reason that it gave.
+/// The sentence for a tool that failed; `reason` is what the tool said.
 std::string dockerFailed(const std::string& reason);
 std::string ollamaFailed(const std::string& reason);
 /// "3 of 7 in use"
 std::string inUse(std::int64_t active, std::int64_t count);
 
-/// What a level below ok means; empty for ok.
+/// The sentence about a level below ok; empty for ok.
 std::string warning(SpaceLevel level, std::int64_t thresholdGB);
 
 std::string trashTitle(const Suggestions::TrashInfo& trash, const std::string& locale);
-/// Whether most of it is hidden.
+/// The line under the title: whether most of the Trash is hidden.
 std::string trashLine(const Suggestions::TrashInfo& trash, const std::string& locale);
 
 std::string oldBackupTitle(const DeviceBackup& backup, const std::string& locale);
 std::string oldBackupLine(const DeviceBackup& backup, Date now, const std::string& locale);
 
-/// When a worktree was last used, or that its repository is gone; empty when neither is known.
+/// When a worktree was last used, or that its repository is gone; empty if neither is known.
 std::string worktreeLine(const GitWorktree& worktree, Date now, const std::string& locale);
 
 }  // namespace FindingText

@@ -1,7 +1,7 @@
 cmake_minimum_required(VERSION 3.25)
 
-# A source that no CMakeLists names is never built, and a test among them never runs, and nobody notices.
-set(folders core ui_kit AppServices Spacemint spacemintctl packaging tests bench)
+# A source that is in no CMakeLists.txt is never built; a test in it never runs, and nobody notices.
+set(folders core ui_kit AppServices Spacemint spacemintctl packaging tests tools bench)
 foreach(folder IN LISTS folders)
   file(GLOB_RECURSE lists ${ROOT}/${folder}/CMakeLists.txt)
   foreach(list IN LISTS lists)

@@ -1,5 +1,6 @@
 #include "support/HomeFixture.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -17,7 +18,7 @@ void write(const fs::path& path, std::string_view text) {
 }
 
 void touch(const fs::path& path, Date date) {
-  // Files count from the system clock's own beginning.
+  // The epoch of file times is not that of Date.
   const auto age = date - std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now());
   fs::last_write_time(path, fs::file_time_type::clock::now() + age);
 }
@@ -41,7 +42,7 @@ void HomeFixture::storeGrowth(int folders) const {
   std::vector<Node> after = before;
   for (int i = 1; i <= folders; ++i) {
     const std::string name = "Folder " + std::to_string(i);
-    // The first accounts for most of it, else the home folder would be named in the place of all.
+    // One folder has most of the growth; otherwise only the home folder would be listed.
     const Bytes delta = i == 1 ? 30 * GB : (2'000 - 100 * i) * MB;
     before.push_back(support::folder(name, {}, {.unlisted = 50 * MB, .unlistedFiles = 9}));
     after.push_back(support::folder(name, {}, {.unlisted = 50 * MB + delta, .unlistedFiles = 9}));
@@ -76,7 +77,9 @@ Node HomeFixture::backupTree(Bytes size) {
 }
 
 void HomeFixture::addWorktree(const std::string& name, std::optional<Date> lastUsed) const {
-  const fs::path administrative = fs::path{inHome("shop/.git/worktrees")} / name;
+  std::string id = name;
+  std::ranges::replace(id, '/', '-');
+  const fs::path administrative = fs::path{inHome("shop/.git/worktrees")} / id;
   write(inHome(name + "/.git"), "gitdir: " + administrative.string() + "\n");
   if (!lastUsed) return;
   write(inHome("shop/.git/HEAD"), "ref: refs/heads/main\n");

@@ -25,7 +25,7 @@ AppModel& ModelFixture::makeModel() {
                                                .data = inHome(".local/share"),
                                                .environment = {},
                                                .disk = folder.path(),
-                                               .locale = "en_US",
+                                               .locale = locale,
                                                .timeZone = "UTC",
                                                .hasBundleIdentifier = isApplication,
                                                .hasFullDiskAccess = [this] { return hasAccess; }},

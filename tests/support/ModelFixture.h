@@ -61,6 +61,7 @@ class ModelFixture : public testing::Test {
   DefaultsStore defaults{folder / "settings.json"};
   SnapshotStore store{folder / "history"};
   FakeJournal journal;
+  std::string locale = "en_US";
   bool hasAccess = true;
   bool isApplication = true;
   std::unique_ptr<AppModel> model;

@@ -17,7 +17,7 @@ namespace spacemint::support {
 
 namespace {
 
-// Everything that is logged during a test is a complaint.
+// A warning that is logged during a test fails the test.
 void failOn(QtMsgType type, const QMessageLogContext& context, const QString& message) {
   if (type == QtDebugMsg || type == QtInfoMsg) return;
   ADD_FAILURE() << message.toStdString() << " (" << (context.file != nullptr ? context.file : "") << ":"
@@ -34,7 +34,8 @@ bool isSeen(const QQuickItem& item) {
 
 QString nameOf(QQuickItem* item) {
   QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(item);
-  return accessible != nullptr ? accessible->text(QAccessible::Name) : QString{};
+  // A no-break space looks like a space.
+  return accessible != nullptr ? accessible->text(QAccessible::Name).replace(QChar::Nbsp, u' ') : QString{};
 }
 
 bool isOfType(const QObject& object, const QByteArray& type) {
@@ -140,7 +141,7 @@ void ShownView::hold(Qt::Key key) {
   settle();
 }
 
-// A frame is drawn when layouts have settled; the second shows what the first one's items asked for.
+// A frame is drawn when all layouts are done. Items that the first frame made are in the second.
 void ShownView::settle() {
   for (int frame = 0; frame < 2; ++frame) {
     bool isDrawn = false;

@@ -11,7 +11,7 @@
 
 namespace spacemint::support {
 
-/// A view of the interface in a window that nobody sees. What QML complains of fails the test.
+/// A view of the interface in a window without a screen. A warning of QML fails the test.
 class ShownView {
  public:
   /// `file` is the name of a QML file of the views.
@@ -24,10 +24,10 @@ class ShownView {
   QQuickItem* root() { return view_->rootObject(); }
   Theme& theme();
 
-  /// Items that are seen, have this name for screen readers and are of this type or one made of it, from top
-  /// to bottom. Either may be empty.
+  /// The visible items with this name for screen readers and of this type or a type derived from it, from top
+  /// to bottom. The name, the type or both may be empty.
   QList<QQuickItem*> find(const QString& name, const char* type = "");
-  /// The first of them; fails the test when there is none.
+  /// The first of `find`; fails the test if there is none.
   QQuickItem* get(const QString& name, const char* type = "");
   bool shows(const QString& text) { return !find(text).isEmpty(); }
 
@@ -35,9 +35,9 @@ class ShownView {
   void doubleClick(QQuickItem* item);
   void hover(QQuickItem* item);
   void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
-  /// A key that stays down until it has repeated itself a few times.
+  /// Holds a key down until it has repeated a few times.
   void hold(Qt::Key key);
-  /// Lets transitions end and layouts settle.
+  /// Waits until transitions and layouts are done.
   void settle();
 
  private:

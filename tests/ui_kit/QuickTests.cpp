@@ -4,7 +4,7 @@
 #include <QQuickWindow>
 #include <QtQuickTest>
 
-/// Readies the kit for the tests that are written in QML.
+/// Sets up the kit for the tests that are written in QML.
 class Setup : public QObject {
   Q_OBJECT
 

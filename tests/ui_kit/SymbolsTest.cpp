@@ -15,7 +15,7 @@ QString qString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// How many pixels are covered at all.
+/// The number of pixels that are not fully transparent.
 int covered(const QImage& image) {
   int count = 0;
   for (int y = 0; y < image.height(); ++y) {
@@ -46,7 +46,7 @@ TEST(Symbols, AreInTheColourThatWasAskedFor) {
       for (int x = 0; x < image.width(); ++x) {
         const QColor pixel = image.pixelColor(x, y);
         if (pixel.alpha() < 255) continue;
-        // Where strokes overlap, the blending rounds.
+        // Blending rounds where strokes overlap.
         ASSERT_NEAR(pixel.red(), asked.red(), 2) << x << ' ' << y;
         ASSERT_NEAR(pixel.green(), asked.green(), 2) << x << ' ' << y;
         ASSERT_NEAR(pixel.blue(), asked.blue(), 2) << x << ' ' << y;

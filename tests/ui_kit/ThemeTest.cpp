@@ -1,5 +1,6 @@
 #include "ui_kit/Theme.h"
 
+#include "ui_kit/LogoGeometry.h"
 #include "ui_kit/UiKit.h"
 
 #include <QFontDatabase>
@@ -36,20 +37,6 @@ TEST(Theme, NamesNoColourThatTheTableHasNot) {
   EXPECT_EQ(count, colours.size());
 }
 
-TEST(Theme, TellsOnlyOfChanges) {
-  Theme theme;
-  int changes = 0;
-  QObject::connect(&theme, &Theme::isDarkChanged, &theme, [&] { ++changes; });
-  QObject::connect(&theme, &Theme::textScaleChanged, &theme, [&] { ++changes; });
-  QObject::connect(&theme, &Theme::reducedMotionChanged, &theme, [&] { ++changes; });
-  for (int i = 0; i < 2; ++i) {
-    theme.setDark(true);
-    theme.setTextScale(1.5);
-    theme.setReducedMotion(true);
-  }
-  EXPECT_EQ(changes, 3);
-}
-
 TEST(Theme, KeepsTheTextReadable) {
   Theme theme;
   const struct {
@@ -79,6 +66,18 @@ TEST(UiKit, GivesTheThemeThatItsEngineSees) {
   EXPECT_EQ(colour(), QColor(0x1B, 0x1A, 0x19));
   theme.setDark(true);
   EXPECT_EQ(colour(), QColor(0xF3, 0xF1, 0xEC));
+}
+
+TEST(LogoGeometry, UpsideDownItsPartsAreMirroredInTheSameRectangle) {
+  constexpr LogoGeometry::Rect in{10, 20, 200, 100};
+  const auto upright = LogoGeometry::parts(in, false);
+  const auto flipped = LogoGeometry::parts(in, true);
+  for (std::size_t i = 0; i < upright.size(); ++i) {
+    const LogoGeometry::Rect& rect = upright[i].rect;
+    EXPECT_NEAR(flipped[i].rect.y, 2 * in.y + in.height - rect.y - rect.height, 1e-9);
+    EXPECT_EQ(flipped[i].rect.x, rect.x);
+    EXPECT_EQ(flipped[i].isCeiling, i == 0);
+  }
 }
 
 TEST(UiKit, BringsItsSerif) {

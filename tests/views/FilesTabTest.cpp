@@ -1,4 +1,4 @@
-// The largest files.
+// The tab with the largest files.
 
 #include "views/ShownTabs.h"
 
@@ -24,15 +24,6 @@ TEST_F(FilesTabTest, listsTheLargestFirstEachWithItsFolder) {
   EXPECT_EQ(model->tab(), Tab::folders);
   EXPECT_EQ(model->folderPath(), inHome("Movies/Old"));
   EXPECT_THAT(rows(), ElementsAre("first.mov"));
-}
-
-TEST_F(FilesTabTest, asksBeforeItRemoves) {
-  addFile("disk.img", 30 * MB);
-  storeHome(morning - 1h, {file("disk.img", 3 * GB)});
-  show(Tab::files);
-  pressOnRow("disk.img", "Move to Trash…");
-  EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "disk.img · 3 GB"));
-  EXPECT_TRUE(exists("disk.img"));
 }
 
 TEST_F(FilesTabTest, withoutLargeFilesSaysSo) {

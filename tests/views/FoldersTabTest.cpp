@@ -1,4 +1,4 @@
-// Going through folders, and what can be done with a row of a list.
+// The tab with the folders, and the actions of a row.
 
 #include "views/ShownTabs.h"
 
@@ -15,7 +15,7 @@ using testing::IsEmpty;
 
 class FoldersTabTest : public ShownTabs {
  protected:
-  // Two folders with a file each, a file beside them, and what is too small to be listed.
+  // Two folders with files, a file, the Trash, and small items that are not listed.
   ShownView& showFolders() {
     addFile(".Trash/gone.zip", 300 * MB);
     storeHome(morning - 1h,
@@ -52,7 +52,7 @@ TEST_F(FoldersTabTest, goesIntoAFolderAndBackByMouse) {
   EXPECT_THAT(rows(), ElementsAre("thesis.pdf", "Other small items"));
   click("Home folder");
   EXPECT_THAT(rows(), ElementsAre("Films", "Papers", ".Trash", "disk.img"));
-  EXPECT_EQ(list()->property("currentIndex").toInt(), 1) << "one comes back to where one was";
+  EXPECT_EQ(list()->property("currentIndex").toInt(), 1) << "the folder that was left is the current row";
 }
 
 TEST_F(FoldersTabTest, aDoubleClickGoesDownOneFolderOnly) {
@@ -101,21 +101,13 @@ TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
   model->cleanups().dismiss();
   settle();
   view->hover(row("Papers"));
-  // Above it are that of the folder itself, and that of the row with the keyboard.
+  // The buttons above it belong to the folder that is shown.
   click(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").last());
   EXPECT_THAT(desktop.opener.revealed, ElementsAre(inHome("Papers")));
   click(row(".Trash"));
   pressOnRow("gone.zip", "Delete permanently…");
   EXPECT_THAT(asked(), ElementsAre("Delete permanently?", testing::StartsWith("gone.zip · 307")));
   EXPECT_TRUE(view->find(QStringLiteral("Move to Trash…")).isEmpty());
-}
-
-TEST_F(FoldersTabTest, aDoubleClickOnAButtonIsNoClickOnTheRow) {
-  showFolders();
-  view->hover(row("Films"));
-  view->doubleClick(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").at(1));
-  settle();
-  EXPECT_EQ(model->folderPath(), std::nullopt);
 }
 
 TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
@@ -155,15 +147,6 @@ TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   for (int i = 0; i < 4; ++i) press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Papers · 411 MB"));
-}
-
-TEST_F(FoldersTabTest, theMenuDeletesWhatIsInTheTrash) {
-  showFolders();
-  click(row(".Trash"));
-  click(row("gone.zip"), Qt::RightButton);
-  EXPECT_EQ(menuEntries().last(), QStringLiteral("Delete Permanently…"));
-  click("Delete Permanently…");
-  EXPECT_THAT(asked(), ElementsAre("Delete permanently?", testing::StartsWith("gone.zip")));
 }
 
 TEST_F(FoldersTabTest, theButtonsOfARowAreReachedByTheKeyboard) {

@@ -17,8 +17,7 @@ using testing::IsEmpty;
 class ItemRowsTest : public ModelFixture {
  protected:
   UiHost host{makeModel(), desktop.desktop(), home, "en_US", {}};
-  ItemActions actions{host};
-  ItemRows rows{actions};
+  ItemRows rows{host};
   const QAbstractItemModelTester tester{&rows, QAbstractItemModelTester::FailureReportingMode::Fatal};
 
   QVariant at(int row, int role) const { return rows.data(rows.index(row), role); }
@@ -30,8 +29,8 @@ class ItemRowsTest : public ModelFixture {
     return names;
   }
 
-  static std::vector<ItemRow> named(std::string_view letters) {
-    std::vector<ItemRow> result;
+  static std::vector<ListItem> named(std::string_view letters) {
+    std::vector<ListItem> result;
     for (const char letter : letters) {
       result.push_back({.id = std::string{letter}, .path = std::string{"/home/ann/"} + letter});
     }
@@ -47,7 +46,7 @@ TEST_F(ItemRowsTest, rowsThatStayKeepTheirIdsWhateverHappensAroundThem) {
   for (int step = 0; step < 300; ++step) {
     for (int i = 0; i < rows.count(); ++i) ids[letters[static_cast<std::size_t>(i)]] = idAt(i);
     const std::string before = letters;
-    // One row moves, one goes or comes.
+    // Moves one row, and adds or removes another.
     if (!letters.empty()) {
       const char moved = letters[random() % letters.size()];
       std::erase(letters, moved);
@@ -77,7 +76,7 @@ TEST_F(ItemRowsTest, tellsOnlyWhatChanged) {
     told.push_back("removed " + std::to_string(first) + "-" + std::to_string(last));
   });
   QObject::connect(&rows, &ItemRows::modelReset, [&] { told.emplace_back("reset"); });
-  const auto toldBy = [&](std::vector<ItemRow> next) {
+  const auto toldBy = [&](std::vector<ListItem> next) {
     told.clear();
     rows.assign(std::move(next));
     return told;

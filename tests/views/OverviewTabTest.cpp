@@ -1,4 +1,4 @@
-// What grew and what can be freed, as it is seen and used.
+// The tab with what grew and what can be freed.
 
 #include "views/ShownTabs.h"
 
@@ -60,19 +60,6 @@ TEST_F(OverviewTabTest, ofSixGrownFoldersTheLastIsShownOnDemand) {
   click("Show less");
   EXPECT_THAT(rows(), SizeIs(5));
   EXPECT_TRUE(shows("Show all 6"));
-}
-
-TEST_F(OverviewTabTest, rowsOfGrowthStandOneBelowTheOtherInFull) {
-  storeGrowth(10);
-  showOverview();
-  click("Show all 10");
-  double end = 0;
-  for (const QQuickItem* row : view->find({}, "ItemRow")) {
-    const double top = row->mapToScene({}).y();
-    EXPECT_GE(top, end);
-    end = top + row->height();
-  }
-  EXPECT_LE(end, button("Show less")->mapToScene({}).y());
 }
 
 TEST_F(OverviewTabTest, theMenuOfAGrownFolderIsThatFoldersAlsoAfterAllAreShown) {

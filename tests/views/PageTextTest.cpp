@@ -1,7 +1,8 @@
-#include "Spacemint/views/Page.h"
-#include "Spacemint/views/ScanText.h"
-#include "Spacemint/views/SettingsText.h"
-#include "Spacemint/views/SummaryText.h"
+#include "Spacemint/views/FolderText.h"
+#include "Spacemint/views/ScanControl.h"
+#include "Spacemint/views/SettingsForm.h"
+#include "Spacemint/views/ShownText.h"
+#include "Spacemint/views/Summary.h"
 
 #include <gmock/gmock.h>
 
@@ -10,14 +11,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(PageText, pageFollowsFromScans) {
-  EXPECT_EQ(Page::stateOf(false, false), Page::State::Welcome);
-  EXPECT_EQ(Page::stateOf(false, true), Page::State::FirstScan);
-  EXPECT_EQ(Page::stateOf(true, true), Page::State::Tabs);
-  EXPECT_EQ(Page::stateOf(true, false), Page::State::Tabs);
-}
-
 TEST(PageText, titleTellsTheFractionCutOff) {
+  EXPECT_EQ(ScanText::detail(1, {}, "en_US"), "1 file");
   EXPECT_EQ(ScanText::title({}), "Scanning…");
   EXPECT_EQ(ScanText::title(0), "Scanning · 0%");
   EXPECT_EQ(ScanText::title(0.429), "Scanning · 42%");
@@ -42,23 +37,50 @@ TEST(PageText, scannedTellsWhenAndWhat) {
   const auto scanned = [&](const char* root) {
     Snapshot snapshot{.date = now - 2h};
     snapshot.root = Node{.name = root, .isDirectory = true};
-    return ScanText::scanned({.snapshot = snapshot, .now = now, .home = "/home/ann", .locale = "en_US"});
+    return ScanText::scanned({.snapshot = snapshot, .now = now, .home = "/home/ann"});
   };
   EXPECT_EQ(scanned("/home/ann"), "Scanned 2 hours ago · home folder");
   EXPECT_EQ(scanned("/"), "Scanned 2 hours ago · entire disk");
   EXPECT_EQ(scanned("/home"), "Scanned 2 hours ago · entire disk");
   EXPECT_EQ(scanned("/System/Volumes/Data"), "Scanned 2 hours ago · entire disk");
   EXPECT_EQ(scanned("/home/ann/code"), "Scanned 2 hours ago · ~/code");
+  EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{1}, .fileCount = 1}, "en_US"),
+            "1 file, scanned in 1s");
   EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{4.9}, .fileCount = 600'000}, "en_US"),
             "600,000 files, scanned in 4s");
 }
 
 TEST(PageText, tickStandsWhereTheWarningBegins) {
-  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", 100 * gigabyte, 0}, 20), 0.8);
-  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", 10 * gigabyte, 0}, 20), 0);
-  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", 0, 0}, 20), 0);
-  EXPECT_DOUBLE_EQ(SummaryText::tickFraction({"", gigabyte, 0}, 9'223'372'036), 0);
-  EXPECT_EQ(SummaryText::tickHelp(20), "Warning below 20 GB free");
+  EXPECT_DOUBLE_EQ(warningFraction({"", 100 * gigabyte, 0}, 20), 0.8);
+  EXPECT_DOUBLE_EQ(warningFraction({"", 10 * gigabyte, 0}, 20), 0);
+  EXPECT_DOUBLE_EQ(warningFraction({"", 0, 0}, 20), 0);
+  EXPECT_DOUBLE_EQ(warningFraction({"", gigabyte, 0}, 9'223'372'036), 0);
+}
+
+TEST(PageText, namesTheRootByWhatWasScanned) {
+  const struct {
+    const char* path;
+    const char* root;
+    const char* title;
+  } cases[]{{"/", "/", "Entire disk"},
+            {"/System/Volumes/Data", "/System/Volumes/Data", "Entire disk"},
+            {"/home", "/home", "Entire disk"},
+            {"/home/ann", "/", "ann"},
+            {"/home/ann/ bad \xFF", "/home/ann", " bad \xFF"}};
+  for (const auto& [path, root, title] : cases) EXPECT_EQ(FolderText::title(path, root, "/home/ann"), title);
+}
+
+TEST(PageText, aLineNeverBreaksBetweenAFigureAndItsUnit) {
+  const struct {
+    const char* text;
+    const char16_t* shown;
+  } cases[]{{"free 140 MB.", u"free 140\u00A0MB."},
+            {"from 1.5 GB to 0 bytes", u"from 1.5\u00A0GB to 0\u00A0bytes"},
+            {"\u0663 KB", u"\u0663\u00A0KB"},
+            {"5 files, 3 MBs, a GB, GB 7", u"5 files, 3 MBs, a GB, GB 7"}};
+  for (const auto& [text, shown] : cases) {
+    EXPECT_EQ(ShownText::sentence(text), QString::fromUtf16(shown)) << text;
+  }
 }
 
 std::vector<std::string> labels(const std::vector<SettingsText::Choice>& choices) {

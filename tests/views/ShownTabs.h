@@ -8,16 +8,22 @@
 
 namespace spacemint {
 
-/// A tab of the panel, in a window that nobody sees, over the real model.
+/// The interface over the real model, in a window without a screen.
 class ShownTabs : public support::HomeFixture {
  protected:
   using ShownView = support::ShownView;
 
-  /// Starts the model over the stored scans and shows this tab.
-  ShownView& show(Tab tab, QSize size = {460, 700}) {
+  /// Starts the model with the stored scans and shows this tab of the panel.
+  ShownView& show(Tab tab = Tab::overview, QSize size = {460, 700}) {
     startModel();
-    ui = std::make_unique<Ui>(
-        UiHost{.model = *model, .desktop = desktop.desktop(), .home = home, .locale = "en_US", .quit = {}});
+    ui = std::make_unique<Ui>(UiHost{.model = *model,
+                                     .desktop = desktop.desktop(),
+                                     .home = home,
+                                     .locale = locale,
+                                     .quit = [this] { hasQuit = true; },
+                                     .loginItem = &desktop.loginItem,
+                                     .usage = usage.get(),
+                                     .updates = updates.get()});
     model->setTab(tab);
     view =
         std::make_unique<ShownView>(QStringLiteral("PanelView.qml"),
@@ -25,13 +31,21 @@ class ShownTabs : public support::HomeFixture {
     settle();
     return *view;
   }
-  /// Lets the model and then the view come to rest.
+
+  /// Waits until the model and then the view have nothing left to do.
   void settle() {
     desktop.settle();
     view->settle();
   }
 
+  /// Shows a message, as the model does after a clean-up.
+  void tell(std::string text, std::optional<MessageAction> action = {}) {
+    const_cast<Messages&>(model->messages()).show(std::move(text), std::move(action));
+    settle();
+  }
+
   bool shows(const char* text) { return view->shows(QString::fromUtf8(text)); }
+  QQuickItem* get(const char* name) { return view->get(QString::fromUtf8(name)); }
   QQuickItem* button(const char* name) { return view->get(QString::fromUtf8(name), "QQuickAbstractButton"); }
   void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     view->press(key, modifiers);
@@ -43,11 +57,15 @@ class ShownTabs : public support::HomeFixture {
   }
   void click(const char* name) { click(button(name)); }
 
-  /// The titles of the rows that are seen, from top to bottom.
+  /// The title of a row. A no-break space looks like a space.
+  static std::string rowTitle(const QQuickItem& row) {
+    return row.property("title").toString().replace(QChar::Nbsp, u' ').toStdString();
+  }
+  /// The titles of the visible rows, from top to bottom.
   std::vector<std::string> rows() {
     std::vector<std::string> titles;
     for (const QQuickItem* row : view->find({}, "ItemRow")) {
-      titles.push_back(row->property("title").toString().toStdString());
+      titles.push_back(rowTitle(*row));
     }
     return titles;
   }
@@ -58,7 +76,10 @@ class ShownTabs : public support::HomeFixture {
     ADD_FAILURE() << title << " is no row";
     return view->root();
   }
-  /// Points at a row and presses the button that appears on it.
+  std::string subtitle(const std::string& title) {
+    return row(title)->property("subtitle").toString().toStdString();
+  }
+  /// Points at a row and presses the button that appears in it.
   void pressOnRow(const std::string& title, const char* help) {
     view->hover(row(title));
     click(help);
@@ -67,14 +88,19 @@ class ShownTabs : public support::HomeFixture {
   QQuickItem* list() { return view->find({}, "RowList").value(0, view->root()); }
   double scrolled(QQuickItem* flickable) { return flickable->property("contentY").toDouble(); }
 
-  /// The question that is asked: its title and what it is about.
+  bool isAsked() const { return model->cleanups().confirmation().has_value(); }
+  /// The title and the subject of the question that is shown.
   std::vector<std::string> asked() const {
     const auto& question = model->cleanups().confirmation();
     if (!question) return {};
     return {question->plan.title, question->plan.subject};
   }
 
-  // The view goes first.
+  WebClient web{"Spacemint", {}};
+  std::unique_ptr<Usage> usage;
+  std::unique_ptr<Updates> updates;
+  bool hasQuit = false;
+  // The view is destroyed first.
   std::unique_ptr<Ui> ui;
   std::unique_ptr<ShownView> view;
 };

@@ -1,4 +1,4 @@
-// Going from tab to tab.
+// The tabs together.
 
 #include "views/ShownTabs.h"
 
@@ -52,32 +52,10 @@ TEST_F(TabPagesTest, eachTabStaysWhereItWasScrolledTo) {
   }
 }
 
-TEST_F(TabPagesTest, tabsAreReachedAndChosenByTheKeyboard) {
-  showLong(Tab::overview);
-  QQuickItem* tabs = view->get(QStringLiteral("Pages"));
-  for (int i = 0; i < 10 && !tabs->hasActiveFocus(); ++i) press(Qt::Key_Tab);
-  ASSERT_TRUE(tabs->hasActiveFocus());
-  press(Qt::Key_Right);
-  EXPECT_EQ(model->tab(), Tab::folders);
-  press(Qt::Key_Left);
-  EXPECT_EQ(model->tab(), Tab::overview);
-}
-
-TEST_F(TabPagesTest, tabsSayWhatTheyAreAndWhichIsSelected) {
-  showLong(Tab::files);
-  const auto* tabs = QAccessible::queryAccessibleInterface(view->get(QStringLiteral("Pages")));
-  EXPECT_EQ(tabs->role(), QAccessible::PageTabList);
-  for (const char* name : {"Overview", "Folders", "Large files", "Developer"}) {
-    const auto* tab = QAccessible::queryAccessibleInterface(view->get(QString::fromUtf8(name)));
-    EXPECT_EQ(tab->role(), QAccessible::PageTab);
-    EXPECT_EQ(tab->state().selected, std::string_view{name} == "Large files");
-  }
-}
-
 TEST_F(TabPagesTest, everythingIsReachedWithTheTabKey) {
   for (const Tab tab : allTabs) {
     showLong(tab);
-    // Around all of it, back to where it began.
+    // Goes around with the tab key until the first item has the focus again.
     std::vector<const QQuickItem*> reached;
     for (int i = 0; i < 60; ++i) {
       view->press(Qt::Key_Tab);

@@ -23,20 +23,6 @@ Item {
         }
     }
     Component {
-        id: accent
-
-        AccentButtonStyle {
-            text: "Do it"
-        }
-    }
-    Component {
-        id: pill
-
-        PillButtonStyle {
-            text: "Do it"
-        }
-    }
-    Component {
         id: quiet
 
         QuietButtonStyle {
@@ -49,17 +35,6 @@ Item {
         IconButton {
             symbol: "trash"
             help: "Do it"
-        }
-    }
-    Component {
-        id: row
-
-        RowDisclosureStyle {
-            text: "Do it"
-
-            Label {
-                text: "A row"
-            }
         }
     }
     Component {
@@ -85,8 +60,8 @@ Item {
         when: windowShown
 
         function buttons() {
-            return [primary, secondary, accent, pill, quiet, icon, row].map((component, index) => ({
-                        "tag": ["primary", "secondary", "accent", "pill", "quiet", "icon", "row"][index],
+            return [primary, secondary, quiet, icon].map((component, index) => ({
+                        "tag": ["primary", "secondary", "quiet", "icon"][index],
                         "component": component
                     }));
         }
@@ -126,28 +101,6 @@ Item {
             compare(spy.count, 4);
         }
 
-        function test_is_reached_by_tab_data() {
-            return buttons();
-        }
-
-        function test_is_reached_by_tab(data) {
-            const first = make(secondary);
-            const button = make(data.component);
-            first.forceActiveFocus(Qt.TabFocusReason);
-            keyClick(Qt.Key_Tab);
-            verify(button.activeFocus);
-        }
-
-        function test_says_what_it_is_data() {
-            return buttons();
-        }
-
-        function test_says_what_it_is(data) {
-            const button = make(data.component);
-            compare(button.Accessible.role, Accessible.Button);
-            compare(button.Accessible.name, "Do it");
-        }
-
         function test_shows_that_it_is_pressed() {
             const button = make(primary);
             Theme.reducedMotion = true;
@@ -161,7 +114,7 @@ Item {
             return buttons();
         }
 
-        // The whole of it lies on its window, so that a transparent ground shows too.
+        // Compares pictures of the whole scene, so that a transparent background counts too.
         function test_shows_the_pointer(data) {
             Theme.reducedMotion = true;
             const button = make(data.component);

@@ -31,13 +31,6 @@ Item {
         }
     }
     Component {
-        id: bars
-
-        UsageBar {
-            width: 100
-        }
-    }
-    Component {
         id: columns
 
         ScrollColumn {
@@ -52,22 +45,6 @@ Item {
 
                     text: `Button ${index}`
                 }
-            }
-        }
-    }
-    Component {
-        id: menus
-
-        MenuPopup {
-            property string chosen
-
-            MenuEntry {
-                text: "Show"
-                onTriggered: chosen = text
-            }
-            MenuEntry {
-                text: "Delete"
-                onTriggered: chosen = text
             }
         }
     }
@@ -144,77 +121,11 @@ Item {
             compare(spy.signalArguments[0][0], 1);
         }
 
-        function test_picker_by_mouse() {
-            const picker = make(pickers);
-            mouseClick(picker);
-            tryVerify(() => picker.popup.opened);
-            const list = picker.popup.contentItem;
-            tryVerify(() => list.itemAtIndex(1) !== null);
-            mouseClick(list.itemAtIndex(1));
-            compare(picker.currentIndex, 1);
-        }
-
         function test_a_picker_is_as_wide_as_its_widest_choice() {
             const picker = make(pickers);
             const before = picker.implicitWidth;
             picker.currentIndex = 1;
             compare(picker.implicitWidth, before);
-        }
-
-        function test_menu() {
-            const menu = createTemporaryObject(menus, scene);
-            menu.popup(scene, 10, 10);
-            tryVerify(() => menu.opened);
-            keyClick(Qt.Key_Down);
-            keyClick(Qt.Key_Return);
-            compare(menu.chosen, "Show");
-            tryVerify(() => !menu.visible);
-            menu.popup(scene, 10, 10);
-            tryVerify(() => menu.opened);
-            mouseClick(menu.itemAt(1));
-            compare(menu.chosen, "Delete");
-        }
-
-        function test_bar_data() {
-            return [
-                {
-                    "tag": "none",
-                    "fraction": 0,
-                    "filled": 0
-                },
-                {
-                    "tag": "a third",
-                    "fraction": 0.33,
-                    "filled": 33
-                },
-                {
-                    "tag": "all",
-                    "fraction": 1,
-                    "filled": 100
-                },
-                {
-                    "tag": "more than all",
-                    "fraction": 7,
-                    "filled": 100
-                },
-                {
-                    "tag": "less than none",
-                    "fraction": -1,
-                    "filled": 0
-                },
-                {
-                    "tag": "of nothing",
-                    "fraction": NaN,
-                    "filled": 0
-                }
-            ];
-        }
-
-        function test_bar(data) {
-            const bar = make(bars);
-            bar.fraction = 0.5;
-            bar.fraction = data.fraction;
-            fuzzyCompare(bar.contentItem.children[0].width, data.filled, 0.01);
         }
 
         function test_scrolls_to_what_the_keyboard_is_at() {

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtTest
 import Spacemint.UiKit
 
-/// With large text, nothing that a component shows is cut off or outside of it.
+/// With large text, no text of a component is cut off or outside of the component.
 Item {
     id: scene
 
@@ -18,12 +18,6 @@ Item {
             symbol: "trash"
         }
         SecondaryButtonStyle {
-            text: "Ünmåkgy"
-        }
-        AccentButtonStyle {
-            text: "Ünmåkgy"
-        }
-        PillButtonStyle {
             text: "Ünmåkgy"
         }
         QuietButtonStyle {
@@ -47,12 +41,8 @@ Item {
         }
         Wordmark {}
         Card {
-            RowDisclosureStyle {
-                text: "row"
-
-                Label {
-                    text: "Ünmåkgy"
-                }
+            Label {
+                text: "Ünmåkgy"
             }
         }
     }
@@ -80,7 +70,7 @@ Item {
             verify(check(data.item, data.item) > 0);
         }
 
-        /// Returns how much it looked at.
+        /// Returns the number of texts and pictures that it checked.
         function check(item, component) {
             let seen = 0;
             if (item instanceof Text || item instanceof Image) {

@@ -53,15 +53,6 @@ Item {
             compare(Theme.title.pixelSize, 42);
         }
 
-        function test_fonts() {
-            compare(Theme.title.pixelSize, 28);
-            compare(Theme.title.weight, Font.DemiBold);
-            compare(figure.family, "Source Serif 4");
-            compare(figure.weight, Font.Normal);
-            compare(small.weight, Font.Normal);
-            compare(Theme.text(12, Font.Medium).weight, Font.Medium);
-        }
-
         function test_a_binding_follows_reduced_motion() {
             compare(transition, 150);
             Theme.reducedMotion = true;

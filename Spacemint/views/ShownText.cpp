@@ -1,0 +1,23 @@
+#include "Spacemint/views/ShownText.h"
+
+#include "core/base/ByteFormat.h"
+
+#include <QRegularExpression>
+
+namespace spacemint {
+
+QString ShownText::plain(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString ShownText::sentence(std::string_view text) {
+  static const QRegularExpression gap(QStringLiteral("(?<=\\d) (?=(?:bytes|[KMGTP]B)\\b)"),
+                                      QRegularExpression::UseUnicodePropertiesOption);
+  return plain(text).replace(gap, QString{QChar::Nbsp});
+}
+
+std::string ShownText::counted(long long count, std::string_view noun, const std::string& locale) {
+  return groupedNumber(count, locale) + " " + std::string{noun} + (count == 1 ? "" : "s");
+}
+
+}  // namespace spacemint

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+namespace spacemint {
+
+/// How texts of the model become texts of the interface.
+namespace ShownText {
+
+/// The locale of words such as "2 hours ago". All sentences are English, whatever locale formats the numbers.
+inline const std::string wordsLocale = "en";
+
+/// A name or a path as it is. Bytes that are not UTF-8 become replacement characters.
+QString plain(std::string_view text);
+
+/// A sentence in which a line never breaks between a figure and its unit: "1.2 GB" has a no-break space.
+QString sentence(std::string_view text);
+
+/// A count with its noun, such as "1 file" or "600,000 files".
+std::string counted(long long count, std::string_view noun, const std::string& locale);
+
+}  // namespace ShownText
+
+}  // namespace spacemint

@@ -1,0 +1,256 @@
+#include "AppServices/NoticeText.h"
+#include "AppServices/Updates.h"
+#include "AppServices/Usage.h"
+#include "Pages.h"
+#include "Spacemint/views/Ui.h"
+#include "support/ModelFixture.h"
+#include "support/TreeBuilder.h"
+
+#include <QQmlExtensionPlugin>
+
+Q_IMPORT_QML_PLUGIN(Spacemint_ServicesPlugin)
+Q_IMPORT_QML_PLUGIN(Spacemint_ViewsPlugin)
+
+namespace spacemint::gallery {
+
+namespace {
+
+using support::file;
+using support::folder;
+using support::GB;
+using support::MB;
+using support::morning;
+using namespace std::chrono_literals;
+
+/// A model in one state, with its interface.
+class Scene final : public support::ModelFixture {
+ public:
+  using Step = void (*)(Scene&);
+
+  Scene(Step before, Step after) {
+    locale = gallery::locale;
+    before(*this);
+    startModel();
+    ui_ = std::make_unique<Ui>(UiHost{.model = *model,
+                                      .desktop = desktop.desktop(),
+                                      .home = home,
+                                      .locale = locale,
+                                      .quit = {},
+                                      .loginItem = &desktop.loginItem,
+                                      .usage = &usage_,
+                                      .updates = updates_.get()});
+    if (after != nullptr) after(*this);
+    desktop.settle();
+  }
+  void TestBody() override {}
+
+  Ui& ui() { return *ui_; }
+  AppModel& app() { return *model; }
+  support::FakeDesktop& screen() { return desktop; }
+  DefaultsStore& stored() { return defaults; }
+  std::string at(std::string_view name) const { return inHome(name); }
+
+  void withoutAccess() { hasAccess = false; }
+  void withUpdates() {
+    updates_ = std::make_unique<Updates>(Updates::Host{info(),
+                                                       defaults,
+                                                       web_,
+                                                       {},
+                                                       "spacemint",
+                                                       folder / "updates",
+                                                       [] { return "2026-03-02"; },
+                                                       [](const std::string&) {}});
+  }
+  void scanned() {
+    addFile("Movies/holiday.mov", 400 * MB);
+    const Node tree = support::folder(
+        home, {support::folder("Movies", {file("holiday.mov", 2 * GB), file("birthday.mov", GB)}),
+               support::folder("Documents", {file("thesis.pdf", 40 * MB)})});
+    const auto saved = store.save({.date = morning - 2h,
+                                   .duration = Seconds{4.2},
+                                   .root = tree,
+                                   .fileCount = 612'345,
+                                   .volumeFree = 120 * GB,
+                                   .volumeTotal = 500 * GB,
+                                   .minNodeSize = ScanLifecycle::minNodeSize,
+                                   .fullScanDate = morning - 2h});
+    EXPECT_TRUE(saved);
+  }
+  void free(Bytes bytes) { desktop.volume.current->free = bytes; }
+  void startScan() {
+    desktop.tasks.hold(Tasks::Priority::background);
+    desktop.tasks.hold(Tasks::Priority::utility);
+    model->scan();
+  }
+  void tell(std::string text, std::optional<MessageAction> action = {}) {
+    const_cast<Messages&>(model->messages()).show(std::move(text), std::move(action));
+  }
+
+ private:
+  static AppInfo info() {
+    return {.identifier = "app.example", .name = "Spacemint", .version = "1.0.0", .slug = "spacemint"};
+  }
+
+  WebClient web_{"gallery", {}};
+  Usage usage_{{info(), defaults, web_, [] { return "2026-03-02"; }, "12"}};
+  std::unique_ptr<Updates> updates_;
+  std::unique_ptr<Ui> ui_;
+};
+
+void nothing(Scene&) {}
+void scanned(Scene& scene) {
+  scene.scanned();
+}
+void withoutAccess(Scene& scene) {
+  scene.withoutAccess();
+}
+void settings(Scene& scene) {
+  scene.app().panelWillShow();
+  scene.app().setShowingSettings(true);
+}
+void askToDelete(Scene& scene, const std::string& name) {
+  scene.app().confirm(DeleteRequest{scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
+                                    "This removes it for good. It can't be restored."});
+}
+
+struct PanelPage {
+  const char* name;
+  Scene::Step before = scanned;
+  Scene::Step after = nullptr;
+  bool windowed = false;
+  /// If empty, the size of the panel.
+  QSize size = {};
+};
+
+constexpr PanelPage panelPages[] = {
+    {"panel-welcome", nothing},
+    {"panel-welcome-no-access", withoutAccess},
+    {"panel-first-scan", nothing, [](Scene& s) { s.startScan(); }},
+    {"panel-first-scan-unknown", [](Scene& s) { s.screen().volume.current.reset(); },
+     [](Scene& s) { s.startScan(); }},
+    {"panel-scanning", scanned, [](Scene& s) { s.startScan(); }},
+    {"panel-ok"},
+    {"panel-window", scanned, nullptr, true},
+    {"panel-low",
+     [](Scene& s) {
+       s.scanned();
+       s.free(15 * GB);
+     }},
+    {"panel-critical",
+     [](Scene& s) {
+       s.scanned();
+       s.free(3 * GB);
+     }},
+    {"panel-wide-numbers",
+     [](Scene& s) {
+       s.scanned();
+       s.screen().volume.current = VolumeStatus{"Disk", 8'888'880 * MB, 888'888 * MB};
+     }},
+    {"panel-message", scanned,
+     [](Scene& s) { s.tell("Moved thesis.pdf to the Trash. Empty it to free 40 MB."); }},
+    {"panel-message-action", scanned,
+     [](Scene& s) {
+       s.tell(
+           "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
+           "remove them.",
+           MessageAction{.title = "Open Settings", .perform = [] {}});
+     }},
+    {"panel-confirmation", scanned, [](Scene& s) { askToDelete(s, "Movies/holiday.mov"); }},
+    {"panel-confirmation-long", scanned,
+     [](Scene& s) {
+       std::string path = "Movies";
+       for (int i = 0; i < 12; ++i) path += "/a folder with quite a long name " + std::to_string(i);
+       askToDelete(s, path +
+                          "/the film of the holiday that nobody will ever watch again, in the version with "
+                          "all the scenes and a subtitle for everybody.mov");
+     }},
+    {"panel-confirmation-rtl", scanned, [](Scene& s) { askToDelete(s, "Movies/عطلة الصيف.mov"); }},
+    {"panel-confirmation-rtl-path", scanned,
+     [](Scene& s) { askToDelete(s, "صور/עבודה/holiday 2024/عطلة الصيف.mov"); }},
+    {"panel-settings", scanned, settings},
+    {"panel-settings-no-access",
+     [](Scene& s) {
+       s.scanned();
+       s.withoutAccess();
+       s.screen().notifier.allowed = false;
+     },
+     settings},
+    {"panel-settings-updates",
+     [](Scene& s) {
+       s.scanned();
+       s.withUpdates();
+     },
+     settings, true, QSize{460, 920}},
+    {"panel-settings-off-list",
+     [](Scene& s) {
+       s.scanned();
+       s.stored().set("warningThresholdGB", 25).value();
+       s.stored().set("scanIntervalHours", 8).value();
+     },
+     settings},
+    {"panel-settings-login-error", scanned,
+     [](Scene& s) {
+       settings(s);
+       s.screen().loginItem.failure = Error{.message = "not here"};
+       // When the page exists.
+       QMetaObject::invokeMethod(
+           s.ui().settings(), [form = s.ui().settings()] { form->setLaunchesAtLogin(true); },
+           Qt::QueuedConnection);
+     }},
+};
+
+QVariantMap propertiesOf(const PanelPage& page) {
+  // The scenes live until the program ends.
+  static std::vector<std::unique_ptr<Scene>> scenes;
+  scenes.push_back(std::make_unique<Scene>(page.before, page.after));
+  return {{QStringLiteral("ui"), QVariant::fromValue(&scenes.back()->ui())},
+          {QStringLiteral("windowed"), page.windowed}};
+}
+
+QString panel(const char* file) {
+  return QStringLiteral("qrc:/qt/qml/Spacemint/Gallery/panel/%1.qml").arg(QLatin1StringView(file));
+}
+
+/// A notice of each kind.
+QVariantMap notices() {
+  const AppMessage tip{.id = "tip",
+                       .title = "A tip",
+                       .body = "The tick on the bar is your warning level. You choose it in the settings."};
+  const AppMessage version{
+      .id = "new",
+      .title = "Spacemint 1.2 is here",
+      .body = "It finds caches of more tools, and scans in half the time.",
+      .link = AppMessage::Link{.title = "See what's new", .url = "https://example.org/"}};
+  AppMessage longest = version;
+  longest.title = "A title that somebody wrote without a thought of how little room there is in a panel";
+  for (int i = 0; i < 5; ++i) longest.body += " " + version.body + " " + tip.body;
+  longest.link->title = "See everything that is new in this version";
+  QVariantList cards;
+  for (const Notice& notice : {Notice{UsageQuestion{}}, Notice{tip}, Notice{version}, Notice{longest}}) {
+    const NoticeText text = noticeText(notice, "Spacemint");
+    cards << QVariantMap{{QStringLiteral("title"), QString::fromStdString(text.title)},
+                         {QStringLiteral("body"), QString::fromStdString(text.body)},
+                         {QStringLiteral("primary"), QString::fromStdString(text.primary)},
+                         {QStringLiteral("secondary"), QString::fromStdString(text.secondary)}};
+  }
+  return {{QStringLiteral("notices"), cards}};
+}
+
+}  // namespace
+
+std::vector<Page> pagesOfPanel() {
+  std::vector<Page> result;
+  for (const PanelPage& page : panelPages) {
+    result.push_back({.name = QString::fromUtf8(page.name),
+                      .url = QStringLiteral("qrc:/qt/qml/Spacemint/Views/PanelView.qml"),
+                      .properties = [page] { return propertiesOf(page); },
+                      .size = page.size,
+                      .margin = page.windowed ? 0 : 12});
+  }
+  result.push_back({.name = QStringLiteral("panel-messages"), .url = panel("Messages")});
+  result.push_back({.name = QStringLiteral("panel-status-cards"), .url = panel("StatusCards")});
+  result.push_back({.name = QStringLiteral("panel-notices"), .url = panel("Notices"), .properties = notices});
+  return result;
+}
+
+}  // namespace spacemint::gallery

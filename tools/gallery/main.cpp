@@ -1,0 +1,137 @@
+#include "Pages.h"
+#include "ui_kit/Theme.h"
+#include "ui_kit/UiKit.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+namespace spacemint::gallery {
+
+namespace {
+
+void pointAt(QQuickWindow& window, const QQuickItem& item) {
+  const QPointF centre = item.mapToScene(QPointF(item.width() / 2, item.height() / 2));
+  QMouseEvent move(QEvent::MouseMove, centre, window.mapToGlobal(centre), Qt::NoButton, Qt::NoButton, {});
+  QCoreApplication::sendEvent(&window, &move);
+}
+
+QQuickItem* itemProperty(const QObject& object, const char* name) {
+  return object.property(name).value<QQuickItem*>();
+}
+
+void fit(QQuickWindow& window, QQuickItem& item, const Page& page) {
+  const QSizeF own(item.implicitWidth(), item.implicitHeight());
+  item.setSize(page.size.isEmpty() ? own : QSizeF(page.size));
+  window.resize(item.size().toSize().grownBy({page.margin, page.margin, page.margin, page.margin}));
+}
+
+/// Null if the page cannot be made; the reason is on standard error.
+QImage draw(QQmlEngine& engine, const Page& page) {
+  QQmlComponent component(&engine, QUrl(page.url));
+  const QVariantMap properties = page.properties ? page.properties() : QVariantMap();
+  // A component that is not ready must not create an object.
+  const std::unique_ptr<QObject> object(
+      component.isReady() ? component.createWithInitialProperties(properties) : nullptr);
+  auto* item = qobject_cast<QQuickItem*>(object.get());
+  if (!item) {
+    qCritical("%s: %s", qPrintable(page.name), qPrintable(component.errorString()));
+    return {};
+  }
+  QQuickWindow window;
+  window.setColor(UiKit::theme(engine).canvas());
+  item->setParentItem(window.contentItem());
+  item->setPosition(QPointF(page.margin, page.margin));
+  window.show();
+  window.requestActivate();
+  // The first layout sets the width; the second sets the height of wrapped texts.
+  for (int i = 0; i < 3; ++i) {
+    fit(window, *item, page);
+    QCoreApplication::processEvents();
+  }
+  if (item->metaObject()->indexOfMethod("act()") >= 0) QMetaObject::invokeMethod(item, "act");
+  if (auto* focused = itemProperty(*item, "focused")) {
+    // A key that does nothing: the row of the keyboard is only marked after a key.
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Shift, Qt::ShiftModifier);
+    QCoreApplication::sendEvent(&window, &key);
+    focused->forceActiveFocus(Qt::TabFocusReason);
+  }
+  if (const auto* pointer = itemProperty(*item, "pointer")) pointAt(window, *pointer);
+  QCoreApplication::processEvents();
+  return window.grabWindow();
+}
+
+int drawAll(QQmlEngine& engine, const QDir& folder, const QString& only) {
+  int failures = 0;
+  for (const Page& page : pages()) {
+    if (!page.name.startsWith(only)) continue;
+    const QImage image = draw(engine, page);
+    if (image.isNull() || !image.save(folder.filePath(page.name + QStringLiteral(".png")))) ++failures;
+  }
+  return failures;
+}
+
+/// The value of an option that is needed before the application exists.
+const char* early(int argc, char** argv, const char* option) {
+  for (int i = 1; i + 1 < argc; ++i) {
+    if (std::strcmp(argv[i], option) == 0) return argv[i + 1];
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+int run(int argc, char** argv) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (const char* scale = early(argc, argv, "--scale")) qputenv("QT_SCALE_FACTOR", scale);
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  const QGuiApplication application(argc, argv);
+
+  QCommandLineParser parser;
+  parser.setApplicationDescription(QStringLiteral("Draws every component and view into a folder."));
+  parser.addHelpOption();
+  parser.addOption({QStringLiteral("dark"), QStringLiteral("In the dark appearance.")});
+  parser.addOption({QStringLiteral("scale"), QStringLiteral("Screen pixels for each pixel."),
+                    QStringLiteral("factor"), QStringLiteral("1")});
+  parser.addOption({QStringLiteral("text-scale"), QStringLiteral("The size of the text."),
+                    QStringLiteral("factor"), QStringLiteral("1")});
+  parser.addOption({QStringLiteral("locale"), QStringLiteral("The locale of numbers."),
+                    QStringLiteral("name"), QString::fromStdString(locale)});
+  parser.addOption({QStringLiteral("only"), QStringLiteral("Draw only pages whose names start with this."),
+                    QStringLiteral("name"), QString()});
+  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder for the pictures."));
+  parser.process(application);
+  if (parser.positionalArguments().size() != 1) parser.showHelp(2);
+
+  const QDir folder(parser.positionalArguments().constFirst());
+  if (!folder.mkpath(QStringLiteral("."))) {
+    qCritical("cannot make %s", qPrintable(folder.path()));
+    return 1;
+  }
+  locale = parser.value(QStringLiteral("locale")).toStdString();
+  QQmlEngine engine;
+  UiKit::install(engine);
+  Theme& theme = UiKit::theme(engine);
+  theme.setDark(parser.isSet(QStringLiteral("dark")));
+  theme.setTextScale(parser.value(QStringLiteral("text-scale")).toDouble());
+  theme.setReducedMotion(true);  // a picture of a transition would differ each time
+  return drawAll(engine, folder, parser.value(QStringLiteral("only"))) == 0 ? 0 : 1;
+}
+
+}  // namespace spacemint::gallery
+
+int main(int argc, char** argv) {
+  return spacemint::gallery::run(argc, argv);
+}
