@@ -20,8 +20,8 @@ struct FolderItem {
   const Node* node = nullptr;
 };
 
-/// The largest folders below `root`, largest first. A folder that is little more than one of its subfolders
-/// (nine tenths of it) is left out, because that one tells more.
+/// The folders below `root` that explain most of its size, largest first. No folder is listed together with a
+/// folder inside it: a folder of which one subfolder is 60 % or more gives way to its subfolders.
 std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit);
 
 /// Size, share of `whole`, number of files and path, a line a folder.

@@ -23,7 +23,7 @@ AppModel::AppModel(ModelHost host, const Desktop& desktop)
       guard_(host_.home),
       prefs_(host_.defaults),
       volume_(desktop),
-      history_(host_.store, desktop.tasks, messages_),
+      history_(host_.store, desktop.tasks, desktop.clock, messages_),
       findings_(history_, desktop.tasks, {.path = host_.home, .environment = host_.environment}),
       remeasure_(history_, desktop.tasks, ScanLifecycle::minNodeSize),
       scans_({.history = history_,

@@ -124,7 +124,7 @@ CleanupJob CleanupJobs::emptyTrash(const TrashPlace& trash) const {
 CleanupJob CleanupJobs::emptyTrashByFileManager(const TrashPlace& trash, Bytes expected) {
   const auto run = inBackground([runs = parts_.runs] { return runs.emptyTrash(); });
   const auto wasEmptied = [expected](Bytes before, Bytes after) {
-    return expected <= tellingTrash || checkedSubtract(after, before) >= expected / 2;
+    return expected <= tellingTrash || saturatingSubtract(after, before) >= expected / 2;
   };
   const auto work = [this, run, wasEmptied] {
     const auto before = std::make_shared<Bytes>(0);

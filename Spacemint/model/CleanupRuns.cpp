@@ -84,7 +84,7 @@ void CleanupRuns::report(const Run& run, std::optional<Bytes> freeAfter) {
       CleanupText::outcome(
           {.label = run.job.label,
            .failure = run.failure,
-           .freed = isKnown ? std::optional{checkedSubtract(*freeAfter, *run.freeBefore)} : std::nullopt,
+           .freed = isKnown ? std::optional{saturatingSubtract(*freeAfter, *run.freeBefore)} : std::nullopt,
            .estimate = run.job.estimate,
            .isTrash = run.job.id == trashId,
            .locale = locale_}),

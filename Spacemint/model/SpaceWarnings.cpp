@@ -1,6 +1,7 @@
 #include "Spacemint/model/SpaceWarnings.h"
 
 #include "Spacemint/model/WarningText.h"
+#include "core/base/Log.h"
 
 namespace spacemint {
 
@@ -25,6 +26,8 @@ void SpaceWarnings::evaluate() {
                                                        .thresholdGB = parts_.preferences.warningThresholdGB(),
                                                        .now = desktop_.clock.now()});
   if (!next.warns) {
+    if (level() != SpaceLevel::ok)
+      log(LogLevel::debug, "low space: the user was warned less than 12 hours ago");
     lastWarning_ = next.last;
     isDue_ = false;
     return;
@@ -49,6 +52,9 @@ void SpaceWarnings::warn(const Warning& warning) {
 }
 
 void SpaceWarnings::finish(const Warning& warning, bool isAccepted) {
+  log(LogLevel::info, !mayNotify_  ? "low space: this program does not notify"
+                      : isAccepted ? "low space: the user was warned"
+                                   : "low space: no notification service accepted the warning; it waits");
   if (isAccepted) {
     lastWarning_ = warning;
     isDue_ = false;

@@ -31,7 +31,7 @@ std::string title(std::optional<double> fraction) {
 }
 
 std::string detail(std::int64_t files, std::optional<Seconds> remaining, const std::string& locale) {
-  const std::string counted = groupedNumber(files, locale) + " files";
+  const std::string counted = counted(files, "file", locale);
   return remaining ? counted + " · " + remainingText(*remaining) : counted;
 }
 

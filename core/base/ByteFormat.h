@@ -3,6 +3,7 @@
 #include "core/base/Bytes.h"
 
 #include <string>
+#include <string_view>
 
 namespace spacemint {
 
@@ -17,5 +18,8 @@ std::string string(Bytes bytes, const std::string& locale);
 
 /// A whole number with the grouping of `locale`, such as "600,000".
 std::string groupedNumber(std::int64_t number, const std::string& locale);
+
+/// A number of things: "1 file", "600,000 files". `thing` is a singular whose plural ends in "s".
+std::string counted(std::int64_t number, std::string_view thing, const std::string& locale);
 
 }  // namespace spacemint

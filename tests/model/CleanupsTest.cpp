@@ -46,7 +46,7 @@ class CleanupsTest : public ModelFixture {
                         const std::string& id = "x") {
     Messages messages;
     VolumeWatch volume{desktop.desktop()};
-    ScanHistory history{store, desktop.tasks, messages};
+    ScanHistory history{store, desktop.tasks, desktop.clock, messages};
     Remeasure remeasure{history, desktop.tasks, 0};
     CleanupRuns runs{
         {.volume = volume, .remeasure = remeasure, .messages = messages}, desktop.desktop(), "en_US"};

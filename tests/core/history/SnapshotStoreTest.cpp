@@ -196,6 +196,24 @@ TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
   }
 }
 
+TEST_F(SnapshotStoreTest, aScanDatedAfterNowIsNotTheNewest) {
+  const Dates dates{someDay + 400 * 24h, someDay + 24h + 1min, someDay + 24h, someDay,
+                    someDay - 1h,        someDay - 2h};
+  makeAll(dates);
+  const auto listedAt = [&](Date now) {
+    Dates found;
+    for (const auto& entry : store.entries(now)) found.push_back(entry.date);
+    return found;
+  };
+  EXPECT_EQ(listedAt(Date::max()), dates);
+  EXPECT_THAT(listedAt(someDay), ElementsAre(someDay, someDay - 1h, someDay - 2h, someDay + 400 * 24h,
+                                             someDay + 24h + 1min, someDay + 24h));
+  EXPECT_EQ(listedAt(Date{}), dates) << "all of a time to come, so the newest is as good as can be";
+  store.prune({.now = someDay, .timeZone = "UTC"});
+  EXPECT_THAT(listed(), ElementsAre(someDay + 400 * 24h, someDay + 24h + 1min, someDay, someDay - 1h))
+      << "the two newest up to now, and one of each later day";
+}
+
 TEST_F(SnapshotStoreTest, prunesOnPastWhatCannotBeDeleted) {
   makeAll({someDay, someDay - 1s, someDay - 3s});
   fs::create_directory(folder / "new/history/1699999998.json");
