@@ -30,7 +30,7 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
 /// Size, date of the last change and path, a line a file.
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
 
-/// The whole answer to "what is big here". `whyFull` as in `ScanPlan`.
+/// The text that `spacemintctl scan` prints. `whyFull` as in `ScanPlan`.
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull);
 

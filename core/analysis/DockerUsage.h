@@ -8,7 +8,7 @@
 
 namespace spacemint::DevTools {
 
-/// What one kind of Docker's data takes.
+/// The space that one kind of Docker's data takes.
 struct DockerUsage {
   /// As Docker names it: images, containers, "Local Volumes", build cache.
   std::string type;

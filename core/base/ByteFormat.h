@@ -7,7 +7,7 @@
 
 namespace spacemint {
 
-/// The one way in which byte counts are shown. Stateless; any thread.
+/// Byte counts as text, the same in both programs. Stateless; any thread.
 namespace ByteFormat {
 
 /// A short text such as "1.5 KB", in decimal units of 1,000. `locale` is an ICU locale identifier such as

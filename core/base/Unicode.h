@@ -22,7 +22,7 @@ std::string utf8FromUtf16(std::string_view bytes, bool isBigEndian);
 /// Equality under Unicode canonical equivalence: a precomposed and a decomposed accent are equal.
 bool canonicallyEqual(std::string_view a, std::string_view b);
 
-/// One spelling for all texts that are canonically equal; text that is not valid UTF-8 as it is.
+/// The same bytes for all texts that are canonically equal; text that is not valid UTF-8 stays as it is.
 std::string canonicalForm(std::string_view text);
 
 /// How many bytes of `text` spell `prefix` under canonical equivalence; absent when `text` does not begin

@@ -154,11 +154,9 @@ class ReadAheadListing::Crew {
     std::unique_lock lock(mutex_);
     foldersAhead_ = 0;
     ready_.wait(lock, [&] { return working_ == 0; });
-    line_.clear();
     for (Record* record : visited_ | std::views::reverse) {
       for (const auto& child : record->ahead | std::views::reverse) record->pending.push(child->name);
-      forgetAhead(*record);
-      record->place.reset();
+      forget(*record);
       if (record->state == Record::State::inWalk || !record->pending.empty()) {
         record->place = line_.insert(line_.end(), record);
       }
@@ -303,12 +301,9 @@ class ReadAheadListing::Crew {
     for (const KeptEntries& batch : record.batches) bytes_ -= batch.bytes();
   }
 
+  // The record leaves the line, and what was begun ahead below it is dropped.
   void forget(Record& record) {
     leaveLine(record);
-    forgetAhead(record);
-  }
-
-  void forgetAhead(Record& record) {
     for (const auto& child : record.ahead) {
       child->abandoned = true;
       if (child->state == Record::State::inHelper) {

@@ -365,18 +365,5 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   EXPECT_EQ(sizeInScan("kept"), 0);
 }
 
-TEST_F(ScanLifecycleTest, aClockThatJumpsDoesNotStopScans) {
-  haveStarted();
-  storeScan(morning);
-  startModel();
-  desktop.clock.setDate(desktop.clock.now() - 24h);
-  desktop.advance(6h);
-  EXPECT_EQ(desktop.scheduler.finished, 1);
-  desktop.clock.setDate(desktop.clock.now() + 48h);
-  desktop.advance(6h);
-  EXPECT_EQ(storedScans(), 2U);
-  EXPECT_FALSE(model->scans().isScanning());
-}
-
 }  // namespace
 }  // namespace spacemint

@@ -44,7 +44,7 @@ TEST(OverviewText, namesAnEarlierScanByItsAgeAndTime) {
   const auto text = [&](std::chrono::hours age, const char* zone, const std::string& locale) {
     return OverviewText::baseline(scan, {.now = scan + age, .zone = QTimeZone{zone}, .locale = locale});
   };
-  EXPECT_EQ(text(std::chrono::hours{25}, "UTC", "de_DE"), "vor 1 Tag · 08:00");
+  EXPECT_EQ(text(std::chrono::hours{25}, "UTC", "de_DE"), "1 day ago · 08:00");
   EXPECT_EQ(text(std::chrono::hours{3}, "Asia/Tokyo", "en_GB"), "3 hours ago · 17:00");
 }
 
