@@ -31,8 +31,8 @@ std::string title(std::optional<double> fraction) {
 }
 
 std::string detail(std::int64_t files, std::optional<Seconds> remaining, const std::string& locale) {
-  const std::string counted = counted(files, "file", locale);
-  return remaining ? counted + " · " + remainingText(*remaining) : counted;
+  const std::string done = counted(files, "file", locale);
+  return remaining ? done + " · " + remainingText(*remaining) : done;
 }
 
 std::string scanned(const Scanned& scan) {
@@ -41,7 +41,7 @@ std::string scanned(const Scanned& scan) {
 }
 
 std::string scannedHelp(const Snapshot& snapshot, const std::string& locale) {
-  return groupedNumber(snapshot.fileCount, locale) + " files, scanned in " +
+  return counted(snapshot.fileCount, "file", locale) + ", scanned in " +
          std::to_string(static_cast<std::int64_t>(snapshot.duration.count())) + "s";
 }
 
