@@ -21,16 +21,17 @@ std::string timeNow() {
   return text.data();
 }
 
-}  // namespace
-
-std::uint8_t logLevelNamed(const char* name) {
+// The level that a value of SPACEMINT_LOG asks for; 0 for no value and for any other.
+std::uint8_t levelNamed(const char* name) {
   const std::string_view level = name == nullptr ? "" : name;
   if (level == "debug") return std::to_underlying(LogLevel::debug);
   return level == "info" ? std::to_underlying(LogLevel::info) : 0;
 }
 
+}  // namespace
+
 bool isLogged(LogLevel level) {
-  static const std::uint8_t wanted = logLevelNamed(std::getenv("SPACEMINT_LOG"));
+  static const std::uint8_t wanted = levelNamed(std::getenv("SPACEMINT_LOG"));
   return std::to_underlying(level) <= wanted;
 }
 

@@ -18,7 +18,4 @@ bool isLogged(LogLevel level);
 /// ignored.
 void log(LogLevel level, std::string_view text);
 
-/// The level that a value of SPACEMINT_LOG asks for; 0 for none, null or any other value.
-std::uint8_t logLevelNamed(const char* name);
-
 }  // namespace spacemint
