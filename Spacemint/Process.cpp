@@ -14,17 +14,8 @@ namespace spacemint {
 
 namespace {
 
-// Whoever ends the process may kill it after a few seconds.
+// The session's end may kill the process after a few seconds.
 constexpr std::chrono::milliseconds patience{1'500};
-
-void takeOverFormerProduct(DefaultsStore& defaults) {
-  const auto former = DefaultsStore::formerProduct();
-  const auto result = Migration::fromLoftmere({.defaults = defaults,
-                                               .oldDefaults = former ? &*former : nullptr,
-                                               .supportDirectory = UserFolders::data(),
-                                               .fileManager = FileManager::host()});
-  if (result.error) complain(*result.error);
-}
 
 ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo& info) {
   return {.defaults = defaults,
@@ -47,7 +38,7 @@ ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo
 Process::Process()
     : info(BundleInfo::load(InstalledFiles::information())),
       defaults(DefaultsStore::standard()) {
-  takeOverFormerProduct(defaults);
+  if (const auto migrated = Migration::ofThisUser(defaults); migrated.error) complain(*migrated.error);
   model = std::make_unique<AppModel>(hostOf(defaults, journal, info), desktop.desktop());
 }
 

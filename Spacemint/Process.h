@@ -10,17 +10,17 @@
 
 namespace spacemint {
 
-/// All that the application's process has besides its windows, put together once. Main thread only.
+/// Everything that the application's process has besides its windows, put together once. Main thread only.
 class Process {
  public:
   Process();
 
-  /// Ends the model, waits a little for what still runs, and answers `code`; where that takes too long it
-  /// ends the process with it.
+  /// Ends the model, waits up to 1.5 s for running tasks, and answers `code`; when tasks still run then, ends
+  /// the process with `code`.
   int end(int code);
 
-  // What tasks use lives until they have ended: after the model and its desktop, or to the end of the
-  // process.
+  // Running tasks use these members, so the members live until the tasks have ended: longer than the model
+  // and its desktop, or to the end of the process.
   BundleInfo info;
   DefaultsStore defaults;
   OwnScanJournal journal;
@@ -28,10 +28,11 @@ class Process {
   std::unique_ptr<AppModel> model;
 };
 
-/// Tells who started the program.
+/// Writes one line on standard error.
 void complain(const std::string& message);
 
-/// Until it is told to end; answers the exit code. `isLogin`: the desktop starts it, and nobody waits for it.
+/// Runs until the application quits; answers the exit code. `isLogin`: the desktop started the program with
+/// the session, so no window opens.
 int runWithWindows(int argc, char** argv, bool isLogin);
 
 }  // namespace spacemint

@@ -55,6 +55,8 @@ def man(root):
             page += [f".SS {roff(command.usage)}", roff(command.summary) + "."]
         for term, help in command.arguments + command.options:
             page += [".TP", f".B {roff(term)}", roff(help)]
+    page += [".SH ENVIRONMENT", ".TP", ".B SPACEMINT_LOG",
+             roff("info or debug: write on standard error why the program decides as it does, one line for each decision.")]
     return "\n".join([*page, ".SH SEE ALSO", ".BR spacemint (1)", ""])
 
 

@@ -13,14 +13,13 @@ namespace {
 
 constexpr std::size_t namedUnread = 5;
 
-bool isLittleMoreThanAChild(const Node& folder) {
-  return std::ranges::any_of(folder.children, [&](const Node& child) {
-    return child.isDirectory && static_cast<double>(child.size) >= 0.9 * static_cast<double>(folder.size);
-  });
-}
+constexpr double explainingShare = 0.6;
 
-std::string counted(std::int64_t number, const char* one, const char* many, const Wording& wording) {
-  return groupedNumber(number, wording.locale) + (number == 1 ? one : many);
+bool isExplainedByASubfolder(const Node& folder) {
+  return std::ranges::any_of(folder.children, [&](const Node& child) {
+    return child.isDirectory &&
+           static_cast<double>(child.size) >= explainingShare * static_cast<double>(folder.size);
+  });
 }
 
 std::string shown(const std::string& path, const Wording& wording) {
@@ -42,7 +41,10 @@ std::string secondsText(Seconds duration) {
 std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit) {
   std::vector<FolderItem> folders;
   walkTree(root, [&](const std::string& path, const Node& node) {
-    if (node.isDirectory && &node != &root && !isLittleMoreThanAChild(node)) folders.push_back({path, &node});
+    if (!node.isDirectory) return false;
+    if (&node == &root || isExplainedByASubfolder(node)) return true;
+    folders.push_back({path, &node});
+    return false;
   });
   std::ranges::stable_sort(folders, std::greater{}, [](const FolderItem& item) { return item.node->size; });
   folders.resize(std::min(limit, folders.size()));
@@ -53,7 +55,7 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
   Table table;
   for (const FolderItem& item : folders) {
     table.add({ByteFormat::string(item.node->size, wording.locale), percentage(item.node->size, whole),
-               counted(item.node->fileCount, " file", " files", wording), shown(item.path, wording)});
+               counted(item.node->fileCount, "file", wording.locale), shown(item.path, wording)});
   }
   return table.text();
 }
@@ -75,7 +77,7 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
 
   std::string text = printable(snapshot.rootPath()) + ": " +
                      ByteFormat::string(snapshot.root.size, wording.locale) + " in " +
-                     counted(snapshot.fileCount, " file", " files", wording) + ", measured in " +
+                     counted(snapshot.fileCount, "file", wording.locale) + ", measured in " +
                      secondsText(snapshot.duration) + '\n';
   text += whyFull.empty() ? "A rescan: what has not changed was taken from the last scan.\n"
                           : "A full scan, because " + whyFull + ".\n";
@@ -100,9 +102,10 @@ std::string withKind(std::string document, const std::string& whyFull) {
 std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording) {
   if (unread.folders == 0 && unread.entries == 0) return "";
   std::string text;
-  if (unread.folders > 0) text = counted(unread.folders, " folder", " folders", wording);
+  if (unread.folders > 0) text = counted(unread.folders, "folder", wording.locale);
   if (unread.entries > 0) {
-    text += (text.empty() ? "" : " and ") + counted(unread.entries, " entry", " entries", wording);
+    text += (text.empty() ? "" : " and ") + groupedNumber(unread.entries, wording.locale) +
+            (unread.entries == 1 ? " entry" : " entries");
   }
   text += " could not be read; sizes are at least what is shown";
   const std::size_t named = std::min(namedUnread, unread.paths.size());

@@ -20,8 +20,8 @@ struct FolderItem {
   const Node* node = nullptr;
 };
 
-/// The largest folders below `root`, largest first. A folder that is little more than one of its subfolders
-/// (nine tenths of it) is left out, because that one tells more.
+/// The folders below `root` that explain most of its size, largest first. No folder is listed together with a
+/// folder inside it: a folder of which one subfolder is 60 % or more gives way to its subfolders.
 std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit);
 
 /// Size, share of `whole`, number of files and path, a line a folder.
@@ -30,7 +30,7 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
 /// Size, date of the last change and path, a line a file.
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
 
-/// The whole answer to "what is big here". `whyFull` as in `ScanPlan`.
+/// The text that `spacemintctl scan` prints. `whyFull` as in `ScanPlan`.
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull);
 

@@ -15,7 +15,7 @@ namespace spacemint::ctl {
 namespace {
 
 std::optional<Snapshot> scanFor(const BrowseOptions& options) {
-  auto scan = storedScan(SnapshotStore::standard(), options.scan);
+  auto scan = storedScan(options.scan);
   if (scan) return std::move(*scan);
   complain(printable(scan.error().message));
   return std::nullopt;

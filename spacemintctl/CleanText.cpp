@@ -89,7 +89,7 @@ std::string resultText(const CleanupPlan& plan, const CleanupReport& report, con
     if (report.steps[i].failure) continue;
     const std::string& label = plan.steps[i].label;
     if (done.empty() || done.back().label != label) done.push_back({.label = label});
-    done.back().removed.bytes = checkedAdd(done.back().removed.bytes, report.steps[i].removed.bytes);
+    done.back().removed.bytes = saturatingAdd(done.back().removed.bytes, report.steps[i].removed.bytes);
   }
   // The volume does not say which of several steps freed what.
   if (done.size() == 1) done.front().freed = report.freed();

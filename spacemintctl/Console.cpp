@@ -45,6 +45,10 @@ std::string printable(std::string_view text) {
   return safe;
 }
 
+Date currentTime() {
+  return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+}
+
 std::string localTime(Date date) {
   return formatted(date, localtime_r, "%Y-%m-%d %H:%M:%S");
 }

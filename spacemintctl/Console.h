@@ -14,6 +14,9 @@ enum ExitCode : int { done = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 /// U+FFFD.
 std::string printable(std::string_view text);
 
+/// The time of the system's clock.
+Date currentTime();
+
 /// A date and time of the user's time zone, such as "2026-03-01 14:05:09"; its first ten characters are the
 /// day.
 std::string localTime(Date date);

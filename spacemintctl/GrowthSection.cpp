@@ -17,9 +17,9 @@ bool isOfTheSameFolder(const Snapshot& a, const Snapshot& b) {
 // The earlier scan to compare with; absent where there is none.
 using Baseline = std::expected<std::optional<Snapshot>, Error>;
 
-// The best earlier scan of the same folder. Scans of other folders may lie between them.
+// The best earlier scan of the same folder.
 Baseline usualBaseline(const Snapshot& current) {
-  const SnapshotStore store = SnapshotStore::standard();
+  const SnapshotStore store = SnapshotStore::ofRoot(current.rootPath());
   auto history = store.entries();
   std::erase_if(history, [&](const SnapshotStore::Entry& entry) {
     return entry.date > std::chrono::floor<std::chrono::seconds>(current.date);
@@ -32,7 +32,7 @@ Baseline usualBaseline(const Snapshot& current) {
 }
 
 Baseline namedBaseline(const Scene& scene) {
-  auto named = storedScan(SnapshotStore::standard(), scene.since);
+  auto named = storedScan(SnapshotStore::ofRoot(scene.snapshot.rootPath()), scene.since);
   if (!named) return std::unexpected(std::move(named).error());
   if (isOfTheSameFolder(*named, scene.snapshot)) return std::move(*named);
   return std::unexpected(

@@ -5,6 +5,7 @@
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/StoredScan.h"
 
 #include <nlohmann/json.hpp>
 
@@ -34,18 +35,17 @@ std::vector<std::string> rowOf(const SnapshotStore::Entry& entry, const LoadedSc
   const std::string locale = userLocale();
   if (!scan) return {localTime(entry.date), "", "", "cannot be read: " + printable(scan.error().message)};
   return {localTime(entry.date), ByteFormat::string(scan->root.size, locale),
-          groupedNumber(scan->fileCount, locale) + (scan->fileCount == 1 ? " file" : " files"),
+          counted(scan->fileCount, "file", locale),
           printable(Paths::display(scan->rootPath(), UserFolders::home()))};
 }
 
 }  // namespace
 
 int runHistory(bool json) {
-  const SnapshotStore store = SnapshotStore::standard();
   Json list = Json::array();
   Table table;
-  for (const auto& entry : store.entries()) {
-    const LoadedScan scan = store.load(entry);
+  for (const auto& entry : storedScans()) {
+    const LoadedScan scan = SnapshotStore{}.load(entry);
     if (json) {
       list.push_back(jsonOf(entry, scan));
     } else {

@@ -2,7 +2,7 @@
 
 namespace spacemint::ctl {
 
-/// Lists the scans that are kept, newest first.
+/// Lists the stored scans of all folders, newest first.
 int runHistory(bool json);
 
 }  // namespace spacemint::ctl

@@ -9,13 +9,13 @@
 
 namespace spacemint::ctl {
 
-/// What the progress line says: files, bytes, and, where the whole is known, how much is done and how long
-/// the rest will take.
+/// The text of the progress line: files, bytes, and, where the expected bytes are known, the percentage and
+/// the remaining time.
 std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
                          std::chrono::duration<double> elapsed, const std::string& locale);
 
-/// One line on a terminal that is written over again and again, some ten times a second, and goes away with
-/// the object. Nothing where it is not wanted.
+/// A line on the terminal that is rewritten about ten times a second and erased with the object. Prints
+/// nothing unless `wanted`.
 class ProgressLine {
  public:
   /// Whether standard error is a terminal.

@@ -19,13 +19,9 @@ namespace {
 
 constexpr int historyDays = 14;
 
-Date now() {
-  return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-}
-
-// Decided by the newest scan there is and by what was recorded since.
+// Decided by the newest scan of the same folder and by what was recorded since.
 ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start) {
-  auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::standard(), "")};
+  auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::ofRoot(root), "")};
   const auto journal = hostEventJournal();
   const ChangeLog log{*journal};
   return ScanPlan::make(log,
@@ -46,7 +42,7 @@ std::optional<Error> obstacle(const std::string& root) {
 // How much a scan of `root` will find: what the last one found, else what is used on the volume that it
 // covers.
 std::optional<Bytes> expectedBytes(const std::string& root) {
-  const auto last = storedScan(SnapshotStore::standard(), "");
+  const auto last = storedScan(SnapshotStore::ofRoot(root), "");
   if (last && last->rootPath() == root) return last->root.size;
   if (mountPointOf(root) != root) return std::nullopt;
   const auto volume = VolumeStatus::current(root);
@@ -74,15 +70,18 @@ bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& o
   return false;
 }
 
-// Keeps the scan and drops those that are due.
+// Stores the scan and deletes the scans that are no longer kept.
 bool save(const Snapshot& snapshot) {
-  const SnapshotStore store = SnapshotStore::standard();
+  const SnapshotStore store = SnapshotStore::ofRoot(snapshot.rootPath());
   const auto entry = store.save(snapshot);
   if (!entry) {
     complain("couldn't save the scan: " + printable(entry.error().message));
     return false;
   }
-  store.prune({.days = historyDays, .now = now(), .timeZone = userTimeZone()});
+  const SnapshotStore::Retention retention{
+      .days = historyDays, .now = currentTime(), .timeZone = userTimeZone()};
+  if (store.directory == SnapshotStore::standard().directory) store.prune(retention);
+  SnapshotStore::pruneOthers(retention);
   return true;
 }
 
@@ -96,7 +95,7 @@ int runScan(const ScanOptions& options) {
     return failed;
   }
   noteInterrupts();
-  const Date start = now();
+  const Date start = currentTime();
   const ScanPlan plan = planFor(*root, options, start);
   auto result = measure(*root, options, plan.reuse);
   if (!result) {
@@ -109,7 +108,7 @@ int runScan(const ScanOptions& options) {
                                          .plan = plan,
                                          .minNodeSize = options.minSize,
                                          .start = start,
-                                         .end = now(),
+                                         .end = currentTime(),
                                          .volume = VolumeStatus::current(*root)}
                                 .snapshot();
   const bool answered = answer(snapshot, plan, options, wording);

@@ -34,21 +34,21 @@ struct Scene {
 struct Findings {
   std::string text;
   Json json;
-  /// False for what a page that answers everything had better leave out: there is nothing to say.
+  /// False when the section has nothing to say, so that the report leaves it out.
   bool isWorthReporting = true;
 };
 
-/// One question about the disk and how it is answered: a command of its own, and a piece of the report.
+/// One question about the disk with its answer: a command of its own, and a section of the report.
 struct Section {
   /// The name of the command, and of the member in the report's JSON.
   const char* command;
-  /// What the command does; null for what is in the report only.
+  /// The command's description; null for a section that only the report has.
   const char* description;
   /// The heading in the report.
   const char* title;
   /// The smallest finding unless the user says otherwise; absent where size does not count.
   std::optional<Bytes> minimum;
-  /// False for what is asked of a tool and needs no scan.
+  /// False for a section that asks a tool and needs no scan.
   bool looksAtScan;
   std::expected<Findings, Error> (*find)(const Scene& scene);
 };
@@ -77,7 +77,7 @@ std::string shownSize(Bytes size, const Scene& scene);
 Json jsonText(std::string_view text);
 Json jsonOptional(const std::optional<std::string>& text);
 Json jsonDate(std::optional<Date> date);
-/// The last row of a table that names only some of `count` findings; nothing where it names all.
+/// The last row of a table that names only some of `count` findings; empty where it names all of them.
 void addRest(Table& table, std::size_t count, std::size_t top);
 
 }  // namespace spacemint::ctl

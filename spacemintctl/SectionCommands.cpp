@@ -16,19 +16,15 @@ namespace spacemint::ctl {
 
 namespace {
 
-Date now() {
-  return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-}
-
 // Without a scan where none is looked at.
 std::expected<Scene, Error> sceneFor(const SectionOptions& options, bool looksAtScan) {
   std::expected<Snapshot, Error> snapshot;
-  if (looksAtScan) snapshot = storedScan(SnapshotStore::standard(), options.scan);
+  if (looksAtScan) snapshot = storedScan(options.scan);
   if (!snapshot) return std::unexpected(std::move(snapshot).error());
   return Scene{.snapshot = std::move(*snapshot),
                .wording = {.home = UserFolders::home(), .locale = userLocale()},
                .environment = UserFolders::environment,
-               .now = now(),
+               .now = currentTime(),
                .since = options.since,
                .top = options.top};
 }
@@ -62,7 +58,7 @@ std::string scanText(const Scene& scene) {
   const Snapshot& scan = scene.snapshot;
   return "Scanned " + RelativeTime::string(scan.date, scene.now, locale) + ": " +
          shownPath(scan.rootPath(), scene) + ", " + shownSize(scan.root.size, scene) + " in " +
-         groupedNumber(scan.fileCount, locale) + " files\n";
+         counted(scan.fileCount, "file", locale) + '\n';
 }
 
 const char* name(SpaceLevel level) {

@@ -10,17 +10,17 @@ namespace spacemint::ctl {
 struct SectionOptions {
   /// Which stored scan to look at; empty for the newest.
   std::string scan;
-  /// Which earlier one to compare it with; empty for the one nearest to a day before.
+  /// The earlier scan to compare with; empty for the scan nearest to a day before.
   std::string since;
   std::optional<Bytes> minimum;
   std::size_t top = 10;
   bool json = false;
 };
 
-/// Answers one question.
+/// Prints one section; answers the exit code.
 int runSection(const Section& section, const SectionOptions& options);
 
-/// Answers all of them on one page.
+/// Prints all sections on one page; answers the exit code.
 int runReport(const SectionOptions& options);
 
 }  // namespace spacemint::ctl

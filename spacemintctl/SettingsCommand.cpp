@@ -16,8 +16,6 @@ using Json = nlohmann::ordered_json;
 DefaultsStore openStore() {
   DefaultsStore store = DefaultsStore::standard();
   store.registerDefaults(registeredSettings());
-  for (const std::string& path : store.setAside())
-    complain("the settings were damaged and are now in " + printable(path));
   if (store.readError()) complain(printable(store.readError()->message));
   return store;
 }

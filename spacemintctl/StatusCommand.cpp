@@ -1,36 +1,141 @@
 #include "spacemintctl/StatusCommand.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/RelativeTime.h"
 #include "core/base/Unicode.h"
 #include "core/host/UserFolders.h"
+#include "core/scan/ScanPlan.h"
+#include "core/settings/Settings.h"
 #include "core/volume/Permissions.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/ScanCommand.h"
+#include "spacemintctl/StoredScan.h"
 
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <iterator>
 
 namespace spacemint::ctl {
 
 namespace {
 
-std::string statusJson(const VolumeStatus& volume, const std::string& mountPoint) {
-  const nlohmann::ordered_json object{{"name", withInvalidUtf8Replaced(volume.name)},
-                                      {"mountPoint", withInvalidUtf8Replaced(mountPoint)},
-                                      {"total", volume.total},
-                                      {"free", volume.free},
-                                      {"used", volume.used()},
-                                      {"usedFraction", volume.usedFraction()},
-                                      {"fullDiskAccess", Permissions::hasFullDiskAccess()}};
+using Json = nlohmann::ordered_json;
+
+constexpr std::chrono::seconds journalTimeout{5};
+
+// One fact under its name in JSON and as a row of text.
+struct Fact {
+  std::string key;
+  Json value;
+  std::string title;
+  std::string text;
+};
+using Facts = std::vector<Fact>;
+
+Facts volumeFacts(const VolumeStatus& volume, const std::string& mountPoint) {
+  const std::string locale = userLocale();
+  return {{"name", withInvalidUtf8Replaced(volume.name), "", ""},
+          {"mountPoint", withInvalidUtf8Replaced(mountPoint), "", ""},
+          {"total", volume.total, "Total", ByteFormat::string(volume.total, locale)},
+          {"free", volume.free, "Free", ByteFormat::string(volume.free, locale)},
+          {"used", volume.used(), "Used",
+           ByteFormat::string(volume.used(), locale) + " (" + percentage(volume.used(), volume.total) + ")"},
+          {"usedFraction", volume.usedFraction(), "", ""},
+          {"fullDiskAccess", Permissions::hasFullDiskAccess(), "", ""}};
+}
+
+struct StoredSettings {
+  std::int64_t thresholdGB = 0;
+  ScanScope scope = ScanScope::home;
+};
+
+StoredSettings storedSettings() {
+  DefaultsStore store = DefaultsStore::standard();
+  store.registerDefaults(registeredSettings());
+  return {.thresholdGB = store.integer(describe(Setting::warningThresholdGB).key).value_or(0),
+          .scope = scanScope(store.string(describe(Setting::scope).key).value_or(""))};
+}
+
+Fact levelFact(const VolumeStatus& volume, std::int64_t thresholdGB) {
+  constexpr const char* names[] = {"ok", "low", "critical"};
+  const char* name = names[std::to_underlying(spaceLevel(volume.free, thresholdGB))];
+  return {
+      "level", name, "Level",
+      std::string{name} + ", warns below " + ByteFormat::string(warningThreshold(thresholdGB), userLocale())};
+}
+
+Fact lastScanFact(const std::optional<Snapshot>& last, Date now) {
+  if (!last) return {"lastScan", nullptr, "Last scan", "none"};
+  const std::string locale = userLocale();
+  return {"lastScan",
+          Json{{"date", universalTime(last->date)}, {"root", withInvalidUtf8Replaced(last->rootPath())}},
+          "Last scan",
+          localTime(last->date) + " (" + RelativeTime::string(last->date, now, locale) + "), " +
+              printable(Paths::display(last->rootPath(), UserFolders::home())) + ", " +
+              ByteFormat::string(last->root.size, locale) + " in " +
+              counted(last->fileCount, "file", locale)};
+}
+
+Fact nextScanFact(const ScanPlan& plan) {
+  if (plan.whyFull.empty()) {
+    return {"nextScan", Json{{"kind", "rescan"}}, "Next scan", "takes over what has not changed"};
+  }
+  return {"nextScan", Json{{"kind", "full"}, {"because", plan.whyFull}}, "Next scan",
+          "walks everything, because " + plan.whyFull};
+}
+
+Fact recorderFact(EventJournal& journal, const std::string& root) {
+  const std::uint64_t now = journal.currentEventID(root);
+  const auto answer =
+      journal.changes({.since = std::max<std::uint64_t>(now, 1), .root = root, .timeout = journalTimeout});
+  if (answer) return {"recorder", Json{{"answers", true}}, "Recorder", "answers"};
+  const std::string reason{textOf(answer.error())};
+  return {"recorder", Json{{"answers", false}, {"because", reason}}, "Recorder",
+          "does not answer, because " + reason};
+}
+
+// What can be known outside of the application: without a session bus nothing is shown.
+Fact notificationFact() {
+  const bool hasBus =
+      UserFolders::environment("DBUS_SESSION_BUS_ADDRESS").has_value() || !UserFolders::runtime().empty();
+  return {"mayNotify", hasBus, "Notifications",
+          hasBus ? "the application logs what the desktop answers (SPACEMINT_LOG=info)"
+                 : "none are shown, because this session has no message bus"};
+}
+
+Facts verboseFacts(const VolumeStatus& volume, const std::string& mountPoint) {
+  const StoredSettings settings = storedSettings();
+  const std::string root = settings.scope == ScanScope::disk ? mountPoint : UserFolders::home();
+  const Date now = currentTime();
+  auto newest = storedScan(SnapshotStore::standard(), "");
+  std::optional<Snapshot> last;
+  if (newest) last = std::move(*newest);
+  const auto journal = hostEventJournal();
+  Facts facts{levelFact(volume, settings.thresholdGB), lastScanFact(last, now)};
+  const ScanPlan plan = ScanPlan::make(ChangeLog{*journal}, {.root = root,
+                                                             .minNodeSize = ScanOptions{}.minSize,
+                                                             .now = now,
+                                                             .earlier = std::move(last),
+                                                             .timeout = journalTimeout});
+  facts.push_back(nextScanFact(plan));
+  facts.push_back(recorderFact(*journal, root));
+  facts.push_back(notificationFact());
+  return facts;
+}
+
+std::string jsonOf(const Facts& facts) {
+  Json object;
+  for (const Fact& fact : facts) object[fact.key] = fact.value;
   return object.dump() + '\n';
 }
 
-std::string statusText(const VolumeStatus& volume, const std::string& mountPoint) {
-  const std::string locale = userLocale();
-  Table table;
-  table.add({"Free", ByteFormat::string(volume.free, locale)});
-  table.add({"Used", ByteFormat::string(volume.used(), locale) + " (" +
-                         percentage(volume.used(), volume.total) + ")"});
-  table.add({"Total", ByteFormat::string(volume.total, locale)});
+std::string textOf(const Facts& facts, const VolumeStatus& volume, const std::string& mountPoint) {
+  Table table{0};
+  for (const Fact& fact : facts) {
+    if (!fact.title.empty()) table.add({fact.title, fact.text});
+  }
   std::string title = printable(volume.name);
   if (volume.name != mountPoint) title += " (" + printable(mountPoint) + ")";
   std::string text = title + '\n' + table.text();
@@ -42,14 +147,16 @@ std::string statusText(const VolumeStatus& volume, const std::string& mountPoint
 
 }  // namespace
 
-int runStatus(bool json) {
+int runStatus(bool json, bool verbose) {
   const std::string mountPoint = startupVolume();
   const auto volume = VolumeStatus::current(mountPoint);
   if (!volume) {
     complain(printable(mountPoint) + ": the volume's free space could not be read");
     return failed;
   }
-  return print(json ? statusJson(*volume, mountPoint) : statusText(*volume, mountPoint)) ? done : failed;
+  Facts facts = volumeFacts(*volume, mountPoint);
+  if (verbose) std::ranges::move(verboseFacts(*volume, mountPoint), std::back_inserter(facts));
+  return print(json ? jsonOf(facts) : textOf(facts, *volume, mountPoint)) ? done : failed;
 }
 
 }  // namespace spacemint::ctl

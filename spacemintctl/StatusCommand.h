@@ -2,7 +2,8 @@
 
 namespace spacemint::ctl {
 
-/// Says how full the volume of the home folder is.
-int runStatus(bool json);
+/// Prints the free space of the startup volume. `verbose`: also the warning level, the last scan, whether the
+/// next scan walks everything and why, and whether a recorder answers; asks the recorder, for up to 5 s.
+int runStatus(bool json, bool verbose);
 
 }  // namespace spacemint::ctl

@@ -3,6 +3,7 @@
 #include "spacemintctl/Console.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace spacemint::ctl {
 
@@ -12,16 +13,29 @@ Error notFound(std::string message) {
   return {.domain = "history", .message = std::move(message)};
 }
 
-std::expected<Snapshot, Error> newestReadable(const SnapshotStore& store,
-                                              const std::vector<SnapshotStore::Entry>& entries) {
+using Entries = std::vector<SnapshotStore::Entry>;
+
+std::expected<Snapshot, Error> load(const SnapshotStore::Entry& entry) {
+  return SnapshotStore{}.load(entry);
+}
+
+std::expected<Snapshot, Error> newestReadable(const Entries& entries) {
   std::optional<Error> firstProblem;
   for (const auto& entry : entries) {
-    auto snapshot = store.load(entry);
+    auto snapshot = load(entry);
     if (snapshot) return snapshot;
     if (!firstProblem) firstProblem = std::move(snapshot).error();
   }
   return std::unexpected(
       firstProblem ? *firstProblem : notFound("no scan in the history yet; \"spacemintctl scan\" makes one"));
+}
+
+std::expected<Snapshot, Error> scanAmong(const Entries& entries, std::string_view date) {
+  if (date.empty()) return newestReadable(entries);
+  const auto found = std::ranges::find_if(
+      entries, [&](const SnapshotStore::Entry& entry) { return namesScan(date, entry.date); });
+  if (found != entries.end()) return load(*found);
+  return std::unexpected(notFound("no scan of \"" + printable(date) + "\" in the history"));
 }
 
 }  // namespace
@@ -34,13 +48,20 @@ bool namesScan(std::string_view date, Date scanned) {
   return wanted == std::to_string(seconds) || (wanted.size() >= 4 && localTime(scanned).starts_with(wanted));
 }
 
+std::vector<SnapshotStore::Entry> storedScans() {
+  Entries entries;
+  for (const SnapshotStore& store : SnapshotStore::all())
+    std::ranges::move(store.entries(), std::back_inserter(entries));
+  SnapshotStore::sortNewestFirst(entries, currentTime());
+  return entries;
+}
+
+std::expected<Snapshot, Error> storedScan(std::string_view date) {
+  return scanAmong(storedScans(), date);
+}
+
 std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::string_view date) {
-  const auto entries = store.entries();
-  if (date.empty()) return newestReadable(store, entries);
-  const auto found = std::ranges::find_if(
-      entries, [&](const SnapshotStore::Entry& entry) { return namesScan(date, entry.date); });
-  if (found != entries.end()) return store.load(*found);
-  return std::unexpected(notFound("no scan of \"" + printable(date) + "\" in the history"));
+  return scanAmong(store.entries(currentTime()), date);
 }
 
 }  // namespace spacemint::ctl

@@ -1,3 +1,4 @@
+#include "core/history/Migration.h"
 #include "spacemintctl/BrowseCommands.h"
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
@@ -17,6 +18,7 @@
 
 namespace {
 
+using namespace spacemint;
 using namespace spacemint::ctl;
 using Action = std::function<int()>;
 
@@ -52,9 +54,11 @@ void addScan(CLI::App& app, Action& action) {
 
 void addStatus(CLI::App& app, Action& action) {
   static bool json = false;
+  static bool verbose = false;
   CLI::App* status = app.add_subcommand("status", "Say how full the disk is");
   status->add_flag("--json", json, "Print one JSON object");
-  status->callback([&] { action = [] { return runStatus(json); }; });
+  status->add_flag("--verbose", verbose, "Say also how the next scan will be made, and why");
+  status->callback([&] { action = [] { return runStatus(json, verbose); }; });
 }
 
 void addWatch(CLI::App& app, Action& action) {
@@ -219,6 +223,16 @@ void addUsage(CLI::App& app, Action& action) {
   });
 }
 
+// What programs do before they read settings or history.
+void openUserData() {
+  DefaultsStore settings = DefaultsStore::standard();
+  for (const std::string& path : settings.setAside()) {
+    complain("the settings were damaged and are now in " + printable(path));
+  }
+  const auto migrated = Migration::ofThisUser(settings);
+  if (migrated.error) complain(printable(*migrated.error));
+}
+
 int run(int argc, char** argv) {
   CLI::App app{"Spacemint: what is big on your disk, what grew, and what is safe to clean", "spacemintctl"};
   app.require_subcommand(1);
@@ -242,6 +256,7 @@ int run(int argc, char** argv) {
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem) == 0 ? done : wrongUsage;
   }
+  openUserData();
   return action();
 }
 

@@ -22,7 +22,7 @@ AppModel::AppModel(ModelHost host, const Desktop& desktop)
       desktop_(desktop),
       prefs_(host_.defaults),
       volume_(desktop),
-      history_(host_.store, desktop.tasks, messages_),
+      history_(host_.store, desktop.tasks, desktop.clock, messages_),
       findings_(history_, desktop.tasks, {.path = host_.home, .environment = host_.environment}),
       scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, desktop,
              {.home = host_.home, .disk = host_.disk, .timeZone = host_.timeZone, .journal = host_.journal}),

@@ -1,6 +1,5 @@
 #include "Spacemint/model/DeveloperTools.h"
 
-#include <limits>
 #include <utility>
 
 namespace spacemint {
@@ -11,9 +10,7 @@ Bytes reclaimable(const DeveloperTools::Docker& docker, bool ofVolumes) {
   if (docker.kind != DeveloperTools::Docker::Kind::ready) return 0;
   Bytes sum = 0;
   for (const auto& usage : docker.payload) {
-    if (usage.isVolumes() != ofVolumes) continue;
-    // A tool may say anything; what is too much to count is not worth stopping for.
-    if (__builtin_add_overflow(sum, usage.reclaimable, &sum)) return std::numeric_limits<Bytes>::max();
+    if (usage.isVolumes() == ofVolumes) sum = saturatingAdd(sum, usage.reclaimable);
   }
   return sum;
 }

@@ -1,5 +1,7 @@
 #include "Spacemint/model/Preferences.h"
 
+#include "core/base/Log.h"
+
 #include <algorithm>
 #include <map>
 #include <vector>
@@ -55,6 +57,7 @@ void Preferences::write(Setting setting, Value& held, Value value, const Default
   held = value;
   const auto written = defaults_.set(describe(setting).key, stored);
   lastWriteError_ = written ? std::nullopt : std::optional<Error>{written.error()};
+  if (!written) log(LogLevel::info, "a setting could not be stored: " + written.error().message);
   if (changes) observers_->tell(setting);
 }
 

@@ -43,9 +43,8 @@ class Preferences {
   /// Whether the user has begun; until then no scan runs by itself.
   bool hasStarted() const { return values_.hasStarted; }
 
-  /// Each setter holds the value, stores it (an equal one too) and then tells the observers of the setting
-  /// when it is another than before. Where storing fails the value is held all the same, and
-  /// `lastWriteError` says why.
+  /// Setters always store the value, and notify the setting's observers only when the value differs. If
+  /// storing fails, the new value is kept in memory and `lastWriteError` is set.
   void setWarningThresholdGB(std::int64_t gigabytes);
   void setScope(ScanScope scope);
   void setScanIntervalHours(std::int64_t hours);

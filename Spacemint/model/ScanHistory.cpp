@@ -1,5 +1,6 @@
 #include "Spacemint/model/ScanHistory.h"
 
+#include "core/base/Log.h"
 #include "core/cleanup/Remeasure.h"
 #include "core/history/Baseline.h"
 
@@ -10,31 +11,34 @@ namespace spacemint {
 struct ScanHistory::Loaded {
   std::vector<Entry> entries = {};
   std::optional<Snapshot> snapshot = {};
-  /// How many newer ones could not be read.
+  /// How many newer scans could not be read.
   std::size_t skipped = 0;
 };
 
-ScanHistory::ScanHistory(SnapshotStore store, Tasks& tasks, Messages& messages)
+ScanHistory::ScanHistory(SnapshotStore store, Tasks& tasks, const Clock& clock, Messages& messages)
     : store_(std::move(store)),
       tasks_(tasks),
+      clock_(clock),
       messages_(messages),
       writer_(std::make_shared<SnapshotWriter>(store_)) {}
 
-ScanHistory::Loaded ScanHistory::readNewest(const SnapshotStore& store) {
-  Loaded loaded{.entries = store.entries()};
+ScanHistory::Loaded ScanHistory::readNewest(const SnapshotStore& store, Date now) {
+  Loaded loaded{.entries = store.entries(now)};
   for (const Entry& entry : loaded.entries) {
     auto snapshot = store.load(entry);
     if (snapshot) {
       loaded.snapshot = std::move(*snapshot);
       break;
     }
+    log(LogLevel::info, "the scan in " + entry.path + " could not be read: " + snapshot.error().message);
     ++loaded.skipped;
   }
   return loaded;
 }
 
 void ScanHistory::load(std::function<void()> then) {
-  tasks_.run(Tasks::Priority::utility, [store = store_] { return readNewest(store); })
+  tasks_
+      .run(Tasks::Priority::utility, [store = store_, now = clock_.now()] { return readNewest(store, now); })
       .then(whileAlive(this, [this, then = std::move(then)](Loaded loaded) {
         take(std::move(loaded));
         then();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/desktop/Clock.h"
 #include "Spacemint/desktop/Tasks.h"
 #include "Spacemint/model/Messages.h"
 #include "core/history/SnapshotStore.h"
@@ -26,12 +27,12 @@ class ScanHistory : public QObject {
   /// Changes a snapshot; whether it did.
   using Edit = std::function<bool(Snapshot&)>;
 
-  ScanHistory(SnapshotStore store, Tasks& tasks, Messages& messages);
+  ScanHistory(SnapshotStore store, Tasks& tasks, const Clock& clock, Messages& messages);
 
   const SnapshotStore& store() const { return store_; }
   /// Null while there is none.
   const SharedSnapshot& snapshot() const { return snapshot_; }
-  /// The stored scans, newest first.
+  /// The stored scans, newest first; scans dated after now come last.
   const std::vector<Entry>& entries() const { return entries_; }
   /// The earlier scan that growth is measured against.
   const std::optional<Entry>& baselineEntry() const { return baselineEntry_; }
@@ -73,7 +74,7 @@ class ScanHistory : public QObject {
  private:
   struct Loaded;
 
-  static Loaded readNewest(const SnapshotStore& store);
+  static Loaded readNewest(const SnapshotStore& store, Date now);
   void take(Loaded loaded);
   void setSnapshot(Snapshot snapshot);
   void setEntries(std::vector<Entry> entries);
@@ -82,6 +83,7 @@ class ScanHistory : public QObject {
 
   SnapshotStore store_;
   Tasks& tasks_;
+  const Clock& clock_;
   Messages& messages_;
   std::shared_ptr<SnapshotWriter> writer_;
   SharedSnapshot snapshot_;

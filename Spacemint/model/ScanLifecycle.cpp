@@ -1,5 +1,6 @@
 #include "Spacemint/model/ScanLifecycle.h"
 
+#include "core/base/Log.h"
 #include "core/scan/ScanTiming.h"
 
 #include <QPointer>
@@ -133,7 +134,12 @@ void ScanLifecycle::scheduleBackgroundScans() {
 void ScanLifecycle::runScheduled(ActivityScheduler::Completion finished) {
   const bool isDue = parts_.preferences.hasStarted() && !isScanning() &&
                      isStale(hours(parts_.preferences.scanIntervalHours()) * dueAfter);
-  if (!isDue) return finished();
+  if (!isDue) {
+    log(LogLevel::info, !parts_.preferences.hasStarted() ? "no scan: the user has not begun"
+                        : isScanning()                   ? "no scan: one is running"
+                                                         : "no scan: the last scan is fresh enough");
+    return finished();
+  }
   scheduledRunFinished_ = std::move(finished);
   scan();
 }

@@ -62,7 +62,7 @@ ScanJob::Report ScanJob::report(Snapshot snapshot) const {
     report.failure = "Couldn't save scan results: " + saved.error().message;
   }
   report.snapshot = std::move(snapshot);
-  report.entries = store.entries();
+  report.entries = store.entries(clock.now());
   return report;
 }
 

@@ -1,5 +1,7 @@
 #include "Spacemint/model/VolumeWatch.h"
 
+#include "core/base/Log.h"
+
 namespace spacemint {
 
 void VolumeWatch::start() {
@@ -18,7 +20,7 @@ QFuture<std::optional<VolumeStatus>> VolumeWatch::read() {
 }
 
 void VolumeWatch::take(const std::optional<VolumeStatus>& reading) {
-  if (!reading) return;
+  if (!reading) return log(LogLevel::info, "the free space of the volume could not be read");
   const bool isOther = status_ != reading;
   status_ = reading;
   if (isOther) Q_EMIT changed();

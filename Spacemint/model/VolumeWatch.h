@@ -20,17 +20,17 @@ class VolumeWatch : public QObject {
   /// Absent until the volume was read.
   const std::optional<VolumeStatus>& status() const { return status_; }
 
-  /// Reads it now and then.
+  /// Reads the volume now and then every `timing`.
   void start();
-  /// Reads it now.
+  /// Reads the volume now; `status` changes when the reading is done.
   void refresh();
-  /// How it is at this moment, without keeping that.
+  /// A reading of this moment that `status` does not keep; absent when the volume cannot be read.
   QFuture<std::optional<VolumeStatus>> read();
 
  Q_SIGNALS:
-  /// The reading is another than before.
+  /// The value differs from the last one.
   void changed();
-  /// It was read, and may be as it was.
+  /// After every reading, also where the value is the same.
   void wasRead();
 
  private:

@@ -6,7 +6,7 @@ namespace spacemint {
 
 /// True when more than `days` lie between a date and `now`.
 inline bool isOlder(Date date, Date now, double days) {
-  return Seconds{now - date} > Seconds{days * 86'400};
+  return Seconds{timeBetween(date, now)} > Seconds{days * 86'400};
 }
 
 }  // namespace spacemint

@@ -48,7 +48,7 @@ struct Pair {
 };
 
 Bytes grown(const Node& node, const Node* earlier) {
-  return checkedSubtract(node.size, earlier == nullptr ? 0 : earlier->size);
+  return saturatingSubtract(node.size, earlier == nullptr ? 0 : earlier->size);
 }
 
 std::vector<Pair> childPairs(const Pair& pair) {

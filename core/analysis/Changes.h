@@ -10,7 +10,7 @@ namespace spacemint {
 /// A folder or file that explains where space went.
 struct Growth {
   std::string path;
-  /// New size minus old size; the old size of what was not there is 0.
+  /// New size minus old size; a place without an old size counts from 0.
   Bytes delta = 0;
   Bytes size = 0;
   bool isDirectory = false;

@@ -12,7 +12,7 @@ namespace spacemint {
 /// What developers' tools keep on the disk.
 namespace DevTools {
 
-/// A cache that is in the tree.
+/// A known cache that the scan has found.
 struct FoundCleanup {
   const CleanupTarget* target = nullptr;
   /// Full path in the scan tree.
@@ -24,7 +24,7 @@ struct FoundCleanup {
   bool operator==(const FoundCleanup&) const = default;
 };
 
-/// Every cache that is known.
+/// All known caches.
 constexpr std::span<const CleanupTarget> cleanups() {
   return cleanupTargets;
 }

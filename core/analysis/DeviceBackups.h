@@ -17,7 +17,7 @@ struct DeviceBackup {
   std::string path;
   /// The device's name, or "Unknown device".
   std::string name;
-  /// What the device is, such as "iPhone 13 mini".
+  /// The product name, such as "iPhone 13 mini".
   std::optional<std::string> model;
   std::optional<Date> lastBackup;
   Bytes size = 0;
@@ -46,7 +46,7 @@ struct FindArguments {
       DeviceBackups::readInfo;
 };
 
-/// The backups of a scan, largest first; also those that say nothing of themselves. Reads one file of each.
+/// The backups of a scan, largest first, also those without a readable description. Reads one file of each.
 std::vector<DeviceBackup> find(const FindArguments& arguments);
 
 }  // namespace DeviceBackups

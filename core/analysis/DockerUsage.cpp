@@ -28,6 +28,10 @@ std::int64_t wholeNumber(std::string_view text) {
   return problem == std::errc{} && end == text.data() + text.size() ? number : 0;
 }
 
+Bytes sizeOf(std::string_view text) {
+  return std::max<Bytes>(0, parseSize(text).value_or(0));
+}
+
 std::optional<DockerUsage> usage(std::string_view line) {
   const auto object = nlohmann::json::parse(line, nullptr, false);
   for (const char* key : {"Type", "TotalCount", "Active", "Size", "Reclaimable"}) {
@@ -39,8 +43,8 @@ std::optional<DockerUsage> usage(std::string_view line) {
   return DockerUsage{.type = text("Type"),
                      .count = wholeNumber(text("TotalCount")),
                      .active = wholeNumber(text("Active")),
-                     .size = parseSize(text("Size")).value_or(0),
-                     .reclaimable = parseSize(text("Reclaimable")).value_or(0)};
+                     .size = sizeOf(text("Size")),
+                     .reclaimable = sizeOf(text("Reclaimable"))};
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 namespace spacemint::DevTools {
 
-/// What one kind of Docker's data takes.
+/// The space that one kind of Docker's data takes.
 struct DockerUsage {
   /// As Docker names it: images, containers, "Local Volumes", build cache.
   std::string type;
@@ -25,8 +25,8 @@ struct DockerUsage {
   bool operator==(const DockerUsage&) const = default;
 };
 
-/// The output of `docker system df --format {{json .}}`, a JSON object a line, in its order. A line that is
-/// not understood is skipped; a figure that is not becomes 0.
+/// The output of `docker system df --format {{json .}}`, a JSON object a line, in its order. A line that
+/// cannot be read is skipped; a figure that cannot be read, or a negative size, becomes 0.
 std::vector<DockerUsage> parseDockerDF(std::string_view text);
 
 /// True when Docker's error text says that its service does not answer.

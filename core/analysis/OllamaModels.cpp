@@ -28,7 +28,7 @@ std::optional<OllamaModel> model(std::string_view line) {
   const auto pieces = columns(line);
   if (pieces.size() < 4) return std::nullopt;
   const auto size = parseSize(pieces[2]);
-  if (!size) return std::nullopt;
+  if (!size || *size < 0) return std::nullopt;
   return OllamaModel{.name = pieces[0], .size = *size, .modified = pieces[3]};
 }
 

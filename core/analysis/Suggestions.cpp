@@ -15,7 +15,7 @@ using Locations = std::vector<Suggestion::Location>;
 
 Bytes sum(const Locations& locations) {
   Bytes total = 0;
-  for (const auto& location : locations) total = checkedAdd(total, location.size);
+  for (const auto& location : locations) total = saturatingAdd(total, location.size);
   return total;
 }
 

@@ -14,7 +14,7 @@
 
 namespace spacemint::DevTools {
 
-/// How a tool is asked what it keeps.
+/// The command that asks a tool what it stores, and how long the answer may take.
 struct ToolQuery {
   std::string_view program;
   std::span<const std::string_view> arguments;

@@ -14,7 +14,7 @@ std::string_view trimmed(std::string_view text);
 std::string upperCased(std::string_view text);
 std::string lowerCased(std::string_view text);
 
-/// What stands between separators, such as the names of a path, where it is not empty.
+/// The parts between separators, such as the names of a path; empty parts are left out.
 std::vector<std::string_view> pieces(std::string_view text, char separator);
 
 /// The lines of a text that are not empty.

@@ -67,4 +67,11 @@ std::string groupedNumber(std::int64_t number, const std::string& locale) {
   return U_FAILURE(status) || text.empty() ? std::to_string(number) : text;
 }
 
+std::string counted(std::int64_t number, std::string_view thing, const std::string& locale) {
+  std::string text = groupedNumber(number, locale) + ' ';
+  text += thing;
+  if (number != 1) text += 's';
+  return text;
+}
+
 }  // namespace spacemint

@@ -3,10 +3,11 @@
 #include "core/base/Bytes.h"
 
 #include <string>
+#include <string_view>
 
 namespace spacemint {
 
-/// The one way in which byte counts are shown. Stateless; any thread.
+/// Byte counts as text, the same in both programs. Stateless; any thread.
 namespace ByteFormat {
 
 /// A short text such as "1.5 KB", in decimal units of 1,000. `locale` is an ICU locale identifier such as
@@ -17,5 +18,8 @@ std::string string(Bytes bytes, const std::string& locale);
 
 /// A whole number with the grouping of `locale`, such as "600,000".
 std::string groupedNumber(std::int64_t number, const std::string& locale);
+
+/// A number of things: "1 file", "600,000 files". `thing` is a singular whose plural ends in "s".
+std::string counted(std::int64_t number, std::string_view thing, const std::string& locale);
 
 }  // namespace spacemint

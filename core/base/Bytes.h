@@ -1,25 +1,28 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
+#include <limits>
 
 namespace spacemint {
 
 /// A count of bytes allocated on disk.
 using Bytes = std::int64_t;
 
-/// Sum of two byte or file counts. An overflow is a programming error and stops the process.
-constexpr std::int64_t checkedAdd(std::int64_t a, std::int64_t b) {
+// Byte and file counts come from files, tools and file systems, which may say anything. The sum or difference
+// of two counts is therefore the nearest 64-bit number: it never wraps and never stops the process.
+
+constexpr std::int64_t saturatingAdd(std::int64_t a, std::int64_t b) {
+  using Limits = std::numeric_limits<std::int64_t>;
   std::int64_t sum = 0;
-  if (__builtin_add_overflow(a, b, &sum)) std::abort();
-  return sum;
+  if (!__builtin_add_overflow(a, b, &sum)) return sum;
+  return b < 0 ? Limits::min() : Limits::max();
 }
 
-/// Difference of two byte or file counts. An overflow is a programming error and stops the process.
-constexpr std::int64_t checkedSubtract(std::int64_t a, std::int64_t b) {
+constexpr std::int64_t saturatingSubtract(std::int64_t a, std::int64_t b) {
+  using Limits = std::numeric_limits<std::int64_t>;
   std::int64_t difference = 0;
-  if (__builtin_sub_overflow(a, b, &difference)) std::abort();
-  return difference;
+  if (!__builtin_sub_overflow(a, b, &difference)) return difference;
+  return b < 0 ? Limits::max() : Limits::min();
 }
 
 }  // namespace spacemint

@@ -26,11 +26,11 @@ constexpr Unit units[] = {{UDAT_REL_UNIT_YEAR, 365 * 86'400.0},
 }  // namespace
 
 std::string RelativeTime::string(Date date, Date now, const std::string& locale) {
-  return std::abs(Seconds{now - date}.count()) < 60 ? "just now" : age(date, now, locale);
+  return std::abs(Seconds{timeBetween(date, now)}.count()) < 60 ? "just now" : age(date, now, locale);
 }
 
 std::string RelativeTime::age(Date date, Date now, const std::string& locale) {
-  const double seconds = Seconds{date - now}.count();
+  const double seconds = Seconds{timeBetween(now, date)}.count();
   const auto* fitting =
       std::ranges::find_if(units, [&](const Unit& unit) { return std::abs(seconds) >= unit.seconds; });
   const Unit& unit = fitting == std::end(units) ? units[std::size(units) - 1] : *fitting;
@@ -38,7 +38,9 @@ std::string RelativeTime::age(Date date, Date now, const std::string& locale) {
   if (number == 0) number = -0.0;  // "0 seconds ago", not "in 0 seconds"
 
   UErrorCode status = U_ZERO_ERROR;
-  const icu::RelativeDateTimeFormatter formatter{icu::Locale(locale.c_str()), status};
+  // English words for English sentences; the region decides how the number is written.
+  const icu::Locale english{"en", icu::Locale(locale.c_str()).getCountry()};
+  const icu::RelativeDateTimeFormatter formatter{english, status};
   icu::UnicodeString text;
   std::string result;
   formatter.formatNumeric(number, unit.unit, text, status).toUTF8String(result);

@@ -139,7 +139,7 @@ CleanupReport Cleanup::carryOut(const CleanupPlan& plan, const CleanupContext& c
   for (const CleanupStep& step : plan.steps) {
     const Removed before = report.removed();
     const auto sumWatch = [&](const Removed& now) {
-      return !watch || watch({before.items + now.items, checkedAdd(before.bytes, now.bytes)});
+      return !watch || watch({before.items + now.items, saturatingAdd(before.bytes, now.bytes)});
     };
     if (!sumWatch({})) break;
     RemovalProgress progress{sumWatch};
@@ -186,14 +186,14 @@ Removed CleanupReport::removed() const {
   Removed sum;
   for (const Step& step : steps) {
     sum.items += step.removed.items;
-    sum.bytes = checkedAdd(sum.bytes, step.removed.bytes);
+    sum.bytes = saturatingAdd(sum.bytes, step.removed.bytes);
   }
   return sum;
 }
 
 std::optional<Bytes> CleanupReport::freed() const {
   if (!freeBefore || !freeAfter) return std::nullopt;
-  return checkedSubtract(*freeAfter, *freeBefore);
+  return saturatingSubtract(*freeAfter, *freeBefore);
 }
 
 const CleanupFailure* CleanupReport::failure() const {

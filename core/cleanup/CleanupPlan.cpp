@@ -233,7 +233,7 @@ std::vector<std::string> gitArguments(const std::string& folder) {
 
 Bytes CleanupPlan::size() const {
   Bytes sum = 0;
-  for (const CleanupStep& step : steps) sum = checkedAdd(sum, step.size);
+  for (const CleanupStep& step : steps) sum = saturatingAdd(sum, step.size);
   return sum;
 }
 

@@ -11,10 +11,6 @@ namespace {
 
 using Kind = CleanupFailure::Kind;
 
-std::string counted(std::int64_t count, const std::string& what, const std::string& locale) {
-  return groupedNumber(count, locale) + " " + what + (count == 1 ? "" : "s");
-}
-
 std::string changesWarning(std::optional<int> changes) {
   if (!changes) {
     return "Spacemint couldn't check it for uncommitted changes; git will stop if there are any. ";

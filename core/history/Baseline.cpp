@@ -5,11 +5,14 @@
 namespace spacemint {
 
 std::vector<SnapshotStore::Entry> baselineCandidates(const std::vector<SnapshotStore::Entry>& history) {
-  if (history.size() < 2) return {};
-  const Date target = history.front().date - std::chrono::days{1};
+  if (history.empty()) return {};
+  const Date newest = history.front().date;
   std::vector<SnapshotStore::Entry> earlier(history.begin() + 1, history.end());
-  std::ranges::stable_sort(
-      earlier, {}, [&](const SnapshotStore::Entry& entry) { return std::chrono::abs(entry.date - target); });
+  std::erase_if(earlier, [&](const SnapshotStore::Entry& entry) { return entry.date > newest; });
+  const auto distanceFromADayEarlier = [&](const SnapshotStore::Entry& entry) {
+    return std::chrono::abs(Seconds{timeBetween(entry.date, newest)} - std::chrono::days{1});
+  };
+  std::ranges::stable_sort(earlier, {}, distanceFromADayEarlier);
   return earlier;
 }
 

@@ -7,8 +7,9 @@
 
 namespace spacemint {
 
-/// The earlier scans of a history, given newest first, in the order in which they lend themselves to being
-/// compared with the newest: the nearest to one day before it first, of two as near the newer one.
+/// The scans that the first scan of `history` can be compared with, best first: earlier scans, ordered by
+/// their distance from one day before it; ties: the newer one. `history` is in the order of
+/// `SnapshotStore::entries`; a scan dated after the first one is no candidate.
 std::vector<SnapshotStore::Entry> baselineCandidates(const std::vector<SnapshotStore::Entry>& history);
 
 /// The first of the candidates; absent with fewer than two scans.

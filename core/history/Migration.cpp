@@ -1,5 +1,7 @@
 #include "core/history/Migration.h"
 
+#include "core/base/Log.h"
+#include "core/host/UserFolders.h"
 #include "core/tree/Paths.h"
 
 namespace spacemint {
@@ -9,8 +11,8 @@ namespace {
 constexpr std::string_view usedKey = describe(Setting::hasStarted).key;
 
 bool shouldCopySettings(const Migration::Sources& sources) {
-  return !sources.defaults.has(usedKey) && sources.oldDefaults != nullptr &&
-         sources.oldDefaults->has(usedKey);
+  return !sources.defaults.has(usedKey) && !sources.defaults.hasDamagedFile() &&
+         sources.oldDefaults != nullptr && sources.oldDefaults->has(usedKey);
 }
 
 }  // namespace
@@ -20,6 +22,7 @@ Migration::Result Migration::fromLoftmere(const Sources& sources) {
   if (shouldCopySettings(sources)) {
     const auto copied = sources.defaults.copy(*sources.oldDefaults, settingKeys);
     result.copiedSettings = copied.has_value();
+    if (copied) log(LogLevel::info, "the former product's settings were copied");
     if (!copied) result.error = "Couldn't copy settings: " + copied.error().message;
   }
 
@@ -28,9 +31,18 @@ Migration::Result Migration::fromLoftmere(const Sources& sources) {
   if (sources.fileManager.exists(old) && !sources.fileManager.exists(present)) {
     const auto moved = sources.fileManager.move(old, present);
     result.movedHistory = moved.has_value();
+    if (moved) log(LogLevel::info, "the former product's scan history was moved to " + present);
     if (!moved) result.error = "Couldn't move scan history: " + moved.error().message;
   }
   return result;
+}
+
+Migration::Result Migration::ofThisUser(DefaultsStore& defaults) {
+  const auto former = DefaultsStore::formerProduct();
+  return fromLoftmere({.defaults = defaults,
+                       .oldDefaults = former ? &*former : nullptr,
+                       .supportDirectory = UserFolders::data(),
+                       .fileManager = FileManager::host()});
 }
 
 }  // namespace spacemint

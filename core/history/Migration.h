@@ -11,8 +11,8 @@
 
 namespace spacemint {
 
-/// Carries over, once, what a user of the product's former name has: settings into a store that was never
-/// used, and the history folder where there is none of the present name.
+/// Carries over, once, what a user of the product's former name has: the settings into a store that was never
+/// used, and the history folder where no folder of the present name exists.
 namespace Migration {
 
 /// The settings that are copied, in this order.
@@ -40,9 +40,14 @@ struct Sources {
   const FileManager& fileManager;
 };
 
-/// Called at every start, before anything reads settings or history. What fails stays where it is, for the
-/// next start to try again.
+/// Called at every start, before anything reads settings or history. What cannot be carried over stays where
+/// it is, and the next start tries again. Settings that were damaged begin anew from the defaults, not from
+/// the former product's settings.
 Result fromLoftmere(const Sources& sources);
+
+/// The same for the user's own folders. Every program of the product calls it first, so that no program
+/// creates the new history folder before the old one has been moved. `defaults` is `DefaultsStore::standard`.
+Result ofThisUser(DefaultsStore& defaults);
 
 }  // namespace Migration
 

@@ -25,7 +25,7 @@ struct Real {
 
 using Scalar = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, Real, const std::string*>;
 
-// What is wrong with a value; nothing where it was taken.
+// What is wrong with a value; empty where the value was taken.
 using Complaint = std::string_view;
 inline constexpr Complaint fine{};
 inline constexpr Complaint outOfRange = "is out of range";
@@ -63,6 +63,13 @@ inline Complaint take(const Scalar& value, std::uint64_t& target) {
   return takeInteger(value, target);
 }
 
+// A count of bytes or files. A negative one is none, so that the difference of two counts fits 64 bits.
+inline Complaint takeCount(const Scalar& value, std::int64_t& target) {
+  const Complaint complaint = takeInteger(value, target);
+  target = std::max<std::int64_t>(target, 0);
+  return complaint;
+}
+
 inline Complaint take(const Scalar& value, bool& target) {
   const auto* boolean = std::get_if<bool>(&value);
   if (boolean == nullptr) return notABoolean;
@@ -93,7 +100,7 @@ inline Complaint take(const Scalar& value, Date& target) {
   return fine;
 }
 
-// A file can bear any time stamp, so what no Date can hold becomes the nearest one, as in a scan.
+// A file can have any time stamp, so a time outside the range of Date becomes the nearest Date, as in a scan.
 inline Complaint takeModified(const Scalar& value, Date& target) {
   const auto seconds = number(value);
   if (!seconds) return notANumber;
@@ -103,7 +110,7 @@ inline Complaint takeModified(const Scalar& value, Date& target) {
   return fine;
 }
 
-// What an object may hold. `take` also says what a value of another kind is not: it refuses null.
+// One key of an object. `take` stores a value in the record, or says why the value is refused.
 template <class Record>
 struct Key {
   std::string_view name;
@@ -115,10 +122,10 @@ inline constexpr Key<Snapshot> snapshotKeys[]{
     {"date", true, [](Snapshot& s, const Scalar& v) { return take(v, s.date); }},
     {"duration", true, [](Snapshot& s, const Scalar& v) { return take(v, s.duration); }},
     {"root", true, [](Snapshot&, const Scalar&) { return notAnObject; }},
-    {"fileCount", true, [](Snapshot& s, const Scalar& v) { return take(v, s.fileCount); }},
-    {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeFree); }},
-    {"volumeTotal", true, [](Snapshot& s, const Scalar& v) { return take(v, s.volumeTotal); }},
-    {"minNodeSize", true, [](Snapshot& s, const Scalar& v) { return take(v, s.minNodeSize); }},
+    {"fileCount", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, s.fileCount); }},
+    {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, s.volumeFree); }},
+    {"volumeTotal", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, s.volumeTotal); }},
+    {"minNodeSize", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, s.minNodeSize); }},
     {"eventID", false, [](Snapshot& s, const Scalar& v) { return take(v, s.eventID.emplace()); }},
     {"fullScanDate", false, [](Snapshot& s, const Scalar& v) { return take(v, s.fullScanDate.emplace()); }},
     {"format", false, [](Snapshot& s, const Scalar& v) { return take(v, s.format.emplace()); }},
@@ -127,11 +134,11 @@ inline constexpr std::size_t rootKey = 2;
 
 inline constexpr Key<Node> nodeKeys[]{
     {"name", true, [](Node& n, const Scalar& v) { return take(v, n.name); }},
-    {"size", true, [](Node& n, const Scalar& v) { return take(v, n.size); }},
+    {"size", true, [](Node& n, const Scalar& v) { return takeCount(v, n.size); }},
     {"isDirectory", false, [](Node& n, const Scalar& v) { return take(v, n.isDirectory); }},
     {"modified", false, [](Node& n, const Scalar& v) { return takeModified(v, n.modified.emplace()); }},
     {"children", false, [](Node&, const Scalar&) { return notAnArray; }},
-    {"fileCount", false, [](Node& n, const Scalar& v) { return take(v, n.fileCount); }},
+    {"fileCount", false, [](Node& n, const Scalar& v) { return takeCount(v, n.fileCount); }},
     {"isWorktree", false, [](Node& n, const Scalar& v) { return take(v, n.isWorktree); }},
 };
 inline constexpr std::size_t childrenKey = 4;

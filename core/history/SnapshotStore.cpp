@@ -2,15 +2,19 @@
 
 #include "core/base/CalendarDays.h"
 #include "core/base/DateSeconds.h"
+#include "core/base/Log.h"
+#include "core/base/Unicode.h"
 #include "core/history/SnapshotCodec.h"
 #include "core/host/AtomicFile.h"
 #include "core/host/UserFolders.h"
+#include "core/host/VolumeInfo.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <set>
 
 namespace spacemint {
@@ -31,6 +35,31 @@ std::optional<Date> dateOfFileName(std::string_view name) {
   return dateAfter(std::chrono::seconds{0}, seconds);
 }
 
+// The folder that holds one folder for each root besides the home folder and the whole disk.
+std::string otherRoots() {
+  return Paths::join(UserFolders::data(), "Spacemint/Other Snapshots");
+}
+
+// A name of fixed length for any path: its 64-bit FNV-1a hash in hexadecimal digits.
+std::string folderNameOf(const std::string& root) {
+  std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
+  for (const char byte : root) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100'0000'01b3;
+  std::array<char, 17> digits{};
+  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
+  return digits.data();
+}
+
+std::vector<std::string> foldersIn(const std::string& path) {
+  std::vector<std::string> folders;
+  std::error_code failure;
+  std::filesystem::directory_iterator item{path, failure};
+  for (; !failure && item != std::filesystem::directory_iterator{}; item.increment(failure)) {
+    std::error_code unknown;
+    if (item->is_directory(unknown)) folders.push_back(item->path().string());
+  }
+  return folders;
+}
+
 // `remove` alone would take an empty folder, too; nothing but a file is a scan.
 void removeFile(const std::filesystem::path& path) {
   std::error_code failure;
@@ -44,7 +73,20 @@ SnapshotStore SnapshotStore::standard() {
   return {.directory = Paths::join(UserFolders::data(), "Spacemint/Snapshots")};
 }
 
-std::vector<SnapshotStore::Entry> SnapshotStore::entries() const {
+SnapshotStore SnapshotStore::ofRoot(const std::string& root) {
+  if (canonicallyEqual(root, UserFolders::home()) || canonicallyEqual(root, startupVolume())) {
+    return standard();
+  }
+  return {.directory = Paths::join(otherRoots(), folderNameOf(root))};
+}
+
+std::vector<SnapshotStore> SnapshotStore::all() {
+  std::vector<SnapshotStore> stores{standard()};
+  for (const std::string& folder : foldersIn(otherRoots())) stores.push_back({.directory = folder});
+  return stores;
+}
+
+std::vector<SnapshotStore::Entry> SnapshotStore::entries(Date now) const {
   std::vector<Entry> found;
   std::error_code failure;
   std::filesystem::directory_iterator item{directory, failure};
@@ -53,8 +95,15 @@ std::vector<SnapshotStore::Entry> SnapshotStore::entries() const {
     if (const auto date = dateOfFileName(name)) found.push_back({*date, Paths::join(directory, name)});
   }
   if (failure) return {};
-  std::ranges::stable_sort(found, std::greater{}, &Entry::date);
+  sortNewestFirst(found, now);
   return found;
+}
+
+void SnapshotStore::sortNewestFirst(std::vector<Entry>& entries, Date now) {
+  std::ranges::stable_sort(entries, [&](const Entry& a, const Entry& b) {
+    const bool isUnknown = a.date > now;
+    return isUnknown != (b.date > now) ? !isUnknown : a.date > b.date;
+  });
 }
 
 std::expected<Snapshot, Error> SnapshotStore::load(const Entry& entry) const {
@@ -80,11 +129,10 @@ std::expected<SnapshotStore::Entry, Error> SnapshotStore::save(const Snapshot& s
 
 void SnapshotStore::prune(const Retention& retention) const {
   const Date oldest = daysEarlier(retention.now, retention.days, retention.timeZone).value_or(retention.now);
-  constexpr std::size_t alwaysKept = 2;
   std::set<std::chrono::local_days> keptDays;
   std::size_t position = 0;
-  for (const Entry& entry : entries()) {
-    const bool isNewest = position++ < alwaysKept;
+  for (const Entry& entry : entries(retention.now)) {
+    const bool isNewest = position++ < retention.alwaysKept;
     // Without a usable zone the days are those of Greenwich, which `UTC` always names.
     const auto day =
         calendarDay(entry.date, retention.timeZone).or_else([&] { return calendarDay(entry.date, "UTC"); });
@@ -92,7 +140,21 @@ void SnapshotStore::prune(const Retention& retention) const {
       const bool isFirstOfDay = !day || keptDays.insert(*day).second;
       if (isNewest || isFirstOfDay) continue;
     }
+    log(LogLevel::debug, "a stored scan is no longer kept: " + entry.path);
     removeFile(entry.path);
+  }
+}
+
+void SnapshotStore::pruneOthers(Retention retention) {
+  const Date oldest = retention.now - std::chrono::days{retention.days};
+  const std::size_t alwaysKept = retention.alwaysKept;
+  for (const std::string& folder : foldersIn(otherRoots())) {
+    const SnapshotStore store{.directory = folder};
+    const auto scans = store.entries(retention.now);
+    retention.alwaysKept = !scans.empty() && scans.front().date >= oldest ? alwaysKept : 0;
+    store.prune(retention);
+    std::error_code isNotEmpty;
+    std::filesystem::remove(folder, isNotEmpty);
   }
 }
 

@@ -13,7 +13,7 @@ class SnapshotWriter {
  public:
   explicit SnapshotWriter(SnapshotStore store) : store_(std::move(store)) {}
 
-  /// Saves the snapshot unless this revision of it, or a newer one, has been saved; whether it did. Snapshots
+  /// Saves the snapshot unless this or a newer revision has been saved; answers true if it saved. Snapshots
   /// are told apart by their exact date. Fails with the error of the store; the revision may then be tried
   /// again. Blocks until earlier calls are done.
   std::expected<bool, Error> save(const Snapshot& snapshot, std::int64_t revision);

@@ -1,5 +1,6 @@
 #include "core/host/DefaultsStore.h"
 
+#include "core/base/Log.h"
 #include "core/host/AtomicFile.h"
 #include "core/host/FileManager.h"
 #include "core/host/UserFolders.h"
@@ -151,6 +152,10 @@ std::string fileToWrite(const std::string& path) {
   return failure ? path : named.string();
 }
 
+std::string damagedName(const std::string& path, int number) {
+  return path + ".damaged-" + std::to_string(number);
+}
+
 std::string settingsPath(std::string_view name) {
   return UserFolders::config() + "/spacemint/" + std::string{name};
 }
@@ -280,13 +285,20 @@ std::expected<void, Error> DefaultsStore::readForChange() {
   return {};
 }
 
+bool DefaultsStore::hasDamagedFile() const {
+  return isDamage(readError_) || fileStamp(damagedName(path_, 1)) != FileStamp{};
+}
+
 std::expected<void, Error> DefaultsStore::moveAside() {
   const FileManager files = FileManager::host();
   std::expected<void, Error> moved;
   for (int number = 1; number <= maximumDamagedFiles; ++number) {
-    std::string name = path_ + ".damaged-" + std::to_string(number);
+    std::string name = damagedName(path_, number);
     moved = files.move(path_, name);
-    if (moved) setAside_.push_back(std::move(name));
+    if (moved) {
+      log(LogLevel::info, "damaged settings were moved to " + name);
+      setAside_.push_back(std::move(name));
+    }
     if (moved || !moved.error().isSystem(EEXIST)) break;
   }
   return moved;

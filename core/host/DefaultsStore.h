@@ -89,8 +89,11 @@ class DefaultsStore {
 
   /// Why the file could not be read last time; absent when it was read or is not there.
   const std::optional<Error>& readError() const { return readError_; }
-  /// Where damaged files were put by this store.
+  /// Where this store moved damaged files.
   const std::vector<std::string>& setAside() const { return setAside_; }
+  /// True when a damaged file of this store lies beside it, moved there by this or an earlier process: the
+  /// user had settings, though none are stored now.
+  bool hasDamagedFile() const;
   const std::string& path() const { return path_; }
 
  private:

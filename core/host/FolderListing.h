@@ -70,7 +70,7 @@ class OpenFolder {
   virtual std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) = 0;
 };
 
-/// The way from a path to its entries.
+/// Opens a root folder for listing.
 class FolderListing {
  public:
   FolderListing() = default;

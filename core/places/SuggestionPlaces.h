@@ -7,7 +7,8 @@
 
 namespace spacemint {
 
-/// A folder under which space tends to pile up. It is only shown: what may be emptied is said elsewhere.
+/// A folder that tends to become large. Suggestions are only shown; `CleanupTarget` lists what can be
+/// cleaned.
 struct SuggestionPlace {
   /// Stable key. Of several rows with the same key the first whose folder is there counts.
   std::string_view id;

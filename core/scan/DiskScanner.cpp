@@ -14,8 +14,6 @@ namespace {
 
 using namespace DiskScanner;
 
-constexpr std::size_t openFolderLimit = 8'192;
-
 // A folder on the path from the root to where the walk is.
 struct Frame {
   std::unique_ptr<OpenFolder> folder;
@@ -91,8 +89,8 @@ class Walk {
   }
 
   static void add(Bytes& bytes, std::int64_t& files, Bytes moreBytes, std::int64_t moreFiles) {
-    bytes = checkedAdd(bytes, moreBytes);
-    files = checkedAdd(files, moreFiles);
+    bytes = saturatingAdd(bytes, moreBytes);
+    files = saturatingAdd(files, moreFiles);
   }
 
   void poll(std::int64_t listed) {
@@ -187,11 +185,11 @@ bool readsAhead(const Arguments& arguments) {
 std::optional<Result> DiskScanner::scan(const Arguments& arguments) {
   std::optional<ThrottledIo> throttled;
   if (arguments.throttleIO) throttled.emplace();
-  raiseOpenFileLimit(openFolderLimit);
+  const std::size_t limit = raiseOpenFileLimit(ReadAheadListing::usualOpenFileLimit);
   if (arguments.listing != nullptr) return walk(arguments, *arguments.listing);
   const auto host = hostFolderListing();
   if (!readsAhead(arguments)) return walk(arguments, *host);
-  ReadAheadListing ahead{*host};
+  ReadAheadListing ahead{*host, ReadAheadListing::defaultThreads(), limit};
   return walk(arguments, ahead);
 }
 

@@ -14,7 +14,8 @@ namespace spacemint {
 /// Measures folder trees. The only code that walks the disk for sizes.
 ///
 /// It counts bytes allocated on disk, follows no symbolic link and stays on the root's volume. Scans share
-/// nothing and may run at once on different threads.
+/// nothing and may run at the same time on different threads. A count beyond 64 bits stays the largest
+/// number.
 namespace DiskScanner {
 
 struct Progress {
@@ -23,17 +24,17 @@ struct Progress {
   Bytes bytes = 0;
 };
 
-/// What a scan could not read, so that sizes are at least what it says. A folder that vanished meanwhile is
-/// not among it.
+/// What a scan could not read; the sizes are therefore lower bounds. A folder that vanished during the scan
+/// does not count.
 struct Unread {
   /// Folders that could not be opened or not be listed to their end.
   std::int64_t folders = 0;
   /// Entries whose facts could not be read.
   std::int64_t entries = 0;
-  /// Whether something else than a missing permission stood in the way for one of them, so that the next scan
-  /// may read it although nothing changed.
+  /// True when one of them failed for another reason than a missing permission: the next scan may be able to
+  /// read it although nothing changed.
   bool hasFailures = false;
-  /// Paths of the first of them, `pathLimit` at the most.
+  /// The first `pathLimit` of their paths.
   std::vector<std::string> paths;
 
   static constexpr std::size_t pathLimit = 100;
@@ -50,7 +51,8 @@ struct Result {
   bool operator==(const Result&) const = default;
 };
 
-/// From a folder's full path to its measurement in an earlier scan; absent means that it must be walked.
+/// The measurement that an earlier scan has of the folder at a full path; absent where the folder must be
+/// walked.
 using Reuse = std::function<std::optional<Node>(const std::string& path)>;
 
 struct Arguments {
@@ -61,14 +63,14 @@ struct Arguments {
   std::unordered_set<std::string> skip;
   /// Asked for every subfolder before it is opened.
   Reuse reuse;
-  /// Serves everybody else on the disk first, and lists with one thread only.
+  /// Lets all other programs use the disk first, and lists with one thread only.
   bool throttleIO = false;
-  /// Polled once per `entriesPerPoll` listed entries; true abandons the walk.
+  /// Called once per `entriesPerPoll` listed entries; true abandons the walk.
   std::function<bool()> shouldCancel;
-  /// Told at the same pace and once at the end.
+  /// Called at the same pace and once at the end.
   std::function<void(const Progress&)> progress;
-  /// Where entries come from; null for the host's own listing, read ahead where that is quicker. It must
-  /// outlive the call.
+  /// The source of the entries; null for the host's listing, read ahead where that is quicker. Must outlive
+  /// the call.
   FolderListing* listing = nullptr;
 };
 

@@ -1,5 +1,6 @@
 #include "core/scan/ReadAheadListing.h"
 
+#include "core/base/Log.h"
 #include "core/scan/NameList.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <list>
 #include <mutex>
 #include <optional>
+#include <ranges>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -19,8 +21,15 @@ namespace spacemint {
 namespace {
 
 // How far helpers may run ahead: folders listed but not yet visited, and the memory that their entries take.
-constexpr std::size_t foldersAhead = 512;
+constexpr std::size_t mostFoldersAhead = 512;
 constexpr std::size_t bytesAhead = 4'000'000;
+
+// The other handles are for the walk itself, whose path may be deep, and for the rest of the process.
+constexpr std::size_t shareOfHandles = 4;
+
+bool isOutOfHandles(int error) {
+  return error == EMFILE || error == ENFILE;
+}
 
 // A copy of one batch that does not depend on the buffer it was read into.
 class KeptEntries {
@@ -54,7 +63,7 @@ class KeptEntries {
 struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
   enum class State : std::uint8_t {
     inHelper,  // a helper opens and lists it
-    inWalk,    // the walk lists it, or what is left of it
+    inWalk,    // the walk lists it, or the rest of it
     listed,    // read to its end: helpers may go on to its subfolders
   };
 
@@ -62,7 +71,7 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
 
   const std::string name;
 
-  // Written by whoever lists the folder and read by others only after that.
+  // Written by the thread that lists the folder, and read by other threads only after that.
   std::unique_ptr<OpenFolder> folder;
   int openError = 0;
   int listingError = 0;
@@ -71,7 +80,7 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
   // Guarded by the crew's mutex.
   State state = State::inHelper;
   bool abandoned = false;
-  NameList pending;                           // subfolders that nobody has begun, in listing order
+  NameList pending;                           // subfolders that no thread has begun, in listing order
   std::deque<std::shared_ptr<Record>> ahead;  // subfolders that helpers have begun, in the order of the walk
   std::optional<std::list<Record*>::iterator> place;  // in the crew's line
 };
@@ -83,11 +92,13 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
 // listed folder in the line, so what is listed ahead is what the walk needs next.
 class ReadAheadListing::Crew {
  public:
-  Crew(unsigned threads, std::uint64_t device) : device_(device) {
+  Crew(unsigned threads, std::size_t foldersAhead, std::uint64_t device)
+      : device_(device),
+        foldersAhead_(foldersAhead) {
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { help(); });
     } catch (const std::system_error&) {
-      // The system has no more threads for us; the walk lists what no helper does.
+      // The system has no more threads for this process; the walk lists what no helper lists.
     }
   }
 
@@ -109,16 +120,19 @@ class ReadAheadListing::Crew {
     record->state = Record::State::inWalk;
     const std::lock_guard lock(mutex_);
     record->place = line_.insert(line_.end(), record.get());
+    visited_.push_back(record.get());
     return record;
   }
 
-  // The walk comes to a subfolder: the record that a helper has begun, or else a new one for the walk to
+  // The walk comes to a subfolder: the record that a helper has begun, or else a new record for the walk to
   // list. Null for a subfolder that is not the next one.
   std::shared_ptr<Record> take(Record& parent, const std::string& name) {
     std::unique_lock lock(mutex_);
     if (parent.ahead.empty()) {
       if (parent.pending.empty() || parent.pending.last() != name) return nullptr;
-      return begin(parent, Record::State::inWalk);
+      std::shared_ptr<Record> record = begin(parent, Record::State::inWalk);
+      visited_.push_back(record.get());
+      return record;
     }
     if (parent.ahead.front()->name != name) return nullptr;
     std::shared_ptr<Record> record = std::move(parent.ahead.front());
@@ -127,9 +141,26 @@ class ReadAheadListing::Crew {
     ready_.wait(lock, [&] { return record->state != Record::State::inHelper; });
     awaited_ = nullptr;
     noLongerAhead(*record);
+    visited_.push_back(record.get());
     // Not at every step: helpers work in long runs.
-    if (ahead_ <= foldersAhead / 2) wakeHelper();
+    if (ahead_ <= foldersAhead_ / 2) wakeHelper();
     return record;
+  }
+
+  // For the walk when the process has no handle left: closes everything that was opened ahead, and lists
+  // nothing ahead from now on. What was begun ahead is pending again.
+  void giveUp() {
+    log(LogLevel::info, "no file handle is left; the scan reads nothing ahead any more");
+    std::unique_lock lock(mutex_);
+    foldersAhead_ = 0;
+    ready_.wait(lock, [&] { return working_ == 0; });
+    for (Record* record : visited_ | std::views::reverse) {
+      for (const auto& child : record->ahead | std::views::reverse) record->pending.push(child->name);
+      forget(*record);
+      if (record->state == Record::State::inWalk || !record->pending.empty()) {
+        record->place = line_.insert(line_.end(), record);
+      }
+    }
   }
 
   // The walk has read some entries of a folder that it lists itself.
@@ -144,9 +175,10 @@ class ReadAheadListing::Crew {
     announce(record);
   }
 
-  // The walk is done with a folder and with all that was listed ahead below it.
+  // The walk is done with a folder and with everything that was listed ahead below it.
   void leave(Record& record) {
     const std::lock_guard lock(mutex_);
+    std::erase(visited_, &record);
     forget(record);
   }
 
@@ -156,7 +188,7 @@ class ReadAheadListing::Crew {
     std::unique_lock lock(mutex_);
     while (!stopping_) {
       const std::shared_ptr<Record> parent = hasRoom() ? firstWithPending() : nullptr;
-      if (!parent || ahead_ >= foldersAhead / 2) wakeWalk();
+      if (!parent || ahead_ >= foldersAhead_ / 2) wakeWalk();
       if (!parent) {
         ++idle_;
         work_.wait(lock);
@@ -166,16 +198,19 @@ class ReadAheadListing::Crew {
       const std::shared_ptr<Record> record = begin(*parent, Record::State::inHelper);
       parent->ahead.push_back(record);
       ++ahead_;
+      ++working_;
       wakeHelper();
       lock.unlock();
       NameList subfolders;
       const bool toItsEnd = openAndList(*parent, *record, buffer, subfolders);
       lock.lock();
+      --working_;
       deliver(*record, toItsEnd, std::move(subfolders));
+      if (foldersAhead_ == 0) ready_.notify_one();
     }
   }
 
-  bool hasRoom() const { return ahead_ < foldersAhead && bytes_ < bytesAhead; }
+  bool hasRoom() const { return ahead_ < foldersAhead_ && bytes_ < bytesAhead; }
 
   std::shared_ptr<Record> firstWithPending() const {
     const auto first = std::ranges::find(line_, Record::State::listed, &Record::state);
@@ -266,6 +301,7 @@ class ReadAheadListing::Crew {
     for (const KeptEntries& batch : record.batches) bytes_ -= batch.bytes();
   }
 
+  // The record leaves the line, and what was begun ahead below it is dropped.
   void forget(Record& record) {
     leaveLine(record);
     for (const auto& child : record.ahead) {
@@ -283,11 +319,14 @@ class ReadAheadListing::Crew {
   const std::uint64_t device_;
   std::mutex mutex_;
   std::condition_variable work_;   // there is work and room for it
-  std::condition_variable ready_;  // the record that the walk awaits is there
+  std::condition_variable ready_;  // what the walk waits for may be there
   std::list<Record*> line_;
+  std::vector<Record*> visited_;  // the walk's open folders, from the root down
   const Record* awaited_ = nullptr;
-  std::size_t ahead_ = 0;  // records begun by helpers that the walk has not come to
-  std::size_t bytes_ = 0;  // and their entries
+  std::size_t foldersAhead_;
+  std::size_t ahead_ = 0;    // records begun by helpers that the walk has not come to
+  std::size_t bytes_ = 0;    // the memory of their entries
+  std::size_t working_ = 0;  // helpers that open or list a folder now
   int idle_ = 0;
   bool stopping_ = false;
   std::vector<std::thread> threads_;  // last, because they use all of the above
@@ -327,9 +366,9 @@ class ReadAheadListing::Folder final : public OpenFolder {
     // Only a folder without subfolders is closed early.
     if (!record_->folder) return std::unexpected(ENOENT);
     auto record = crew_->take(*record_, name);
-    if (!record) return record_->folder->openSubfolder(name);
+    if (!record) return openWithoutHelpers(name);
     if (record->state == Record::State::inWalk && !record->folder) {
-      auto opened = record_->folder->openSubfolder(name);
+      auto opened = openWithoutHelpers(name);
       if (opened) {
         record->folder = std::move(*opened);
       } else {
@@ -338,14 +377,21 @@ class ReadAheadListing::Folder final : public OpenFolder {
     }
     if (record->openError != 0) {
       crew_->leave(*record);
-      // Handles that run out because of the helpers are no reason to leave a folder out.
-      if (record->openError == EMFILE) return record_->folder->openSubfolder(name);
+      // A helper had no handle left; the walk may have one.
+      if (isOutOfHandles(record->openError)) return openWithoutHelpers(name);
       return std::unexpected(record->openError);
     }
     return std::make_unique<Folder>(crew_, std::move(record), device_);
   }
 
  private:
+  std::expected<std::unique_ptr<OpenFolder>, int> openWithoutHelpers(const std::string& name) {
+    auto opened = record_->folder->openSubfolder(name);
+    if (opened || !isOutOfHandles(opened.error())) return opened;
+    crew_->giveUp();
+    return record_->folder->openSubfolder(name);
+  }
+
   std::shared_ptr<Crew> crew_;
   std::shared_ptr<Record> record_;
   std::uint64_t device_;
@@ -357,15 +403,17 @@ unsigned ReadAheadListing::defaultThreads() {
   return std::clamp(2 * std::thread::hardware_concurrency(), 4U, 16U);
 }
 
-ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads)
+ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads, std::size_t openFileLimit)
     : inner_(inner),
-      threads_(threads) {}
+      threads_(threads),
+      openFileLimit_(openFileLimit) {}
 
 std::expected<std::unique_ptr<OpenFolder>, Error> ReadAheadListing::open(const std::string& root) {
   auto opened = inner_.open(root);
   if (!opened) return std::unexpected(std::move(opened).error());
   const std::uint64_t device = (*opened)->device();
-  auto crew = std::make_shared<Crew>(threads_, device);
+  const std::size_t foldersAhead = std::min(mostFoldersAhead, openFileLimit_ / shareOfHandles);
+  auto crew = std::make_shared<Crew>(threads_, foldersAhead, device);
   auto record = crew->beginWith(std::move(*opened));
   return std::make_unique<Folder>(std::move(crew), std::move(record), device);
 }

@@ -7,25 +7,26 @@
 
 namespace spacemint {
 
-/// A scan takes over what did not change since an earlier one, unless that is older than this: what a journal
-/// cannot tell, such as a file that was changed through another of its names, is then put right.
+/// A scan takes over what did not change since an earlier scan, but walks everything when the last full scan
+/// is older than this. A full scan finds what a journal misses, such as a file that changed through another
+/// name.
 inline constexpr std::chrono::days fullScanInterval{3};
 
-/// How a scan is to be made. Decided before anything is measured.
+/// How a scan will be made; decided before anything is measured.
 struct ScanPlan {
   struct Arguments {
     std::string root;
     Bytes minNodeSize = 0;
     /// The start of the scan.
     Date now;
-    /// The newest scan there is.
+    /// The newest stored scan.
     std::optional<Snapshot> earlier;
     /// False to walk everything in any case.
     bool mayReuse = true;
     std::chrono::milliseconds timeout = std::chrono::seconds{60};
   };
 
-  /// For the snapshot: what the journal's id was, and when everything was walked last.
+  /// For the snapshot: the journal's event id at the start, and the start of the last full scan.
   std::optional<std::uint64_t> eventID;
   Date fullScanDate;
   /// Empty for a full scan.
@@ -33,8 +34,8 @@ struct ScanPlan {
   /// Why it is a full scan, in words to follow "because"; empty for one that reuses.
   std::string whyFull;
 
-  /// Asks the journal. Blocks for about `Arguments::timeout` at the most.
-  static ScanPlan make(const ChangeLog& log, Arguments arguments);
+  /// Asks the journal, logs the decision, and blocks for about `Arguments::timeout` at most. Any thread.
+  static ScanPlan make(const ChangeLog& changes, Arguments arguments);
 };
 
 }  // namespace spacemint

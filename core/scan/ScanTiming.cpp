@@ -13,7 +13,8 @@ constexpr Seconds tellingTime{5};
 
 bool ScanTiming::isStale(const Staleness& question) {
   if (question.snapshot == nullptr || question.snapshot->rootPath() != question.root) return true;
-  return Seconds{question.now - question.snapshot->date} > question.olderThan;
+  const Date scanned = question.snapshot->date;
+  return scanned > question.now || Seconds{timeBetween(scanned, question.now)} > question.olderThan;
 }
 
 Bytes ScanTiming::expectedBytes(const Snapshot* last, std::string_view root,

@@ -13,28 +13,30 @@ namespace spacemint {
 namespace ScanTiming {
 
 struct Staleness {
-  /// Null while there is no scan.
+  /// The last scan; null where there is none.
   const Snapshot* snapshot = nullptr;
-  /// What a scan would measure now.
+  /// The root that a scan would have now.
   std::string_view root;
   Date now;
   Seconds olderThan{0};
 };
 
-/// True without a scan, for one of another folder, and for one that is older.
+/// True without a scan, for a scan of another folder, for an older scan, and for one dated after `now`: its
+/// age is not known.
 bool isStale(const Staleness& question);
 
-/// How many bytes a scan of `root` will find: as many as the last one, else what is used on the volume; 0
-/// when that is not known.
+/// How many bytes a scan of `root` will find: as many as the last scan of `root`, else the used bytes of the
+/// volume; 0 when neither is known.
 Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume);
 
-/// What is expected may be wrong and be passed before the end.
+/// The expected number may be wrong and be passed before the end.
 inline constexpr double highestFraction = 0.99;
 
-/// From 0 to the highest; absent when nothing is expected.
+/// From 0 to `highestFraction`; absent when nothing is expected.
 std::optional<double> fraction(Bytes counted, Bytes expected);
 
-/// What is left of a scan that has run for `elapsed`; absent while that would be a guess.
+/// The time that a scan still takes after it has run for `elapsed`; absent while the estimate would be a
+/// guess.
 std::optional<Seconds> remaining(std::optional<double> fraction, Seconds elapsed);
 
 }  // namespace ScanTiming

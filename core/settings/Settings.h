@@ -2,6 +2,7 @@
 
 #include "core/base/Error.h"
 #include "core/host/DefaultsStore.h"
+#include "core/volume/SpaceLevel.h"
 
 #include <array>
 #include <cstdint>
@@ -32,13 +33,13 @@ enum class Setting : std::uint8_t {
 /// A value of a setting as a constant. Enumerations are stored as text, their raw value.
 using SettingConstant = std::variant<std::int64_t, bool, std::string_view>;
 
-/// A value that is offered to people, and how they read it.
+/// A value that the settings page offers, and its label.
 struct SettingChoice {
   SettingConstant value;
   std::string_view label;
 };
 
-/// One setting as data. What is stored may still be anything: the limits bind what people enter.
+/// One setting as data. The limits apply to what people enter; a stored value may still be anything.
 struct SettingDescription {
   Setting setting;
   /// The key in the defaults store; part of the stored format.
@@ -73,15 +74,15 @@ inline constexpr std::array<SettingChoice, 2> scopeChoices{
 /// In the order of `AppPresence`.
 inline constexpr std::array<SettingChoice, 2> presenceChoices{{{"menuBar", "Menu bar"}, {"dock", "Dock"}}};
 
-/// Every setting, in the order of `Setting`. The largest threshold is the last whose bytes, the largest
-/// interval the last whose microseconds, fit 64 bits.
+/// Every setting, in the order of `Setting`. The largest scan interval is the last whose microseconds fit 64
+/// bits.
 inline constexpr std::array<SettingDescription, 6> settings{{
     {.setting = Setting::warningThresholdGB,
      .key = "warningThresholdGB",
      .registeredDefault = 20,
      .choices = warningThresholdChoices,
      .minimum = 0,
-     .maximum = 9'223'372'036},
+     .maximum = largestWarningThresholdGB},
     {.setting = Setting::scope, .key = "scope", .registeredDefault = "home", .choices = scopeChoices},
     {.setting = Setting::scanIntervalHours,
      .key = "scanIntervalHours",
@@ -125,7 +126,7 @@ constexpr AppPresence appPresence(std::string_view raw) {
 /// The registered defaults of all settings.
 DefaultsValues registeredSettings();
 
-/// Why a text is no setting. The message is for the person who typed it and says what would do.
+/// Why a text is no value of a setting. The message is for the user and lists the possible values.
 enum class SettingError { unknownKey = 1, unfitValue };
 inline constexpr std::string_view settingErrorDomain = "settings";
 

@@ -15,8 +15,8 @@ namespace spacemint {
 /// A folder's `size` and `fileCount` cover everything below it, also what was too small to be kept in
 /// `children`. `children` are sorted by `size`, largest first, ties in their earlier order.
 struct Node {
-  /// No tree is deeper. It bounds what recursion over a tree (comparing, copying, freeing) needs of the
-  /// stack.
+  /// The largest depth of a tree. It bounds the stack that recursion over a tree (comparing, copying,
+  /// freeing) needs.
   static constexpr std::size_t maximumDepth = 10'000;
 
   /// The path component as the file system lists it; for the root of a tree the full path of the scan.
@@ -32,10 +32,10 @@ struct Node {
   /// True for a folder that directly contains a regular file named ".git".
   bool isWorktree = false;
 
-  /// Space taken by what is too small to be listed; never negative.
+  /// The size of everything too small to be kept in `children`; never negative.
   Bytes unlistedSize() const;
 
-  /// The child of that name: one of exactly these bytes, else the first that is canonically equal.
+  /// The child with this name: the child of exactly these bytes, else the first canonically equal name.
   const Node* child(std::string_view childName) const;
 
   bool operator==(const Node&) const = default;

@@ -18,7 +18,7 @@ std::string join(std::string_view base, std::string_view name);
 /// The path without the data volume in front; "/" for the data volume itself.
 std::string logical(std::string_view path);
 
-/// The logical path as people read it: "~" for `home`, "~/…" for what is in it.
+/// The logical path for display: "~" for `home`, "~/…" for paths below it.
 std::string display(std::string_view path, std::string_view home);
 
 /// The absolute path without single "." and without doubled or trailing "/".

@@ -52,14 +52,19 @@ struct Change {
   std::int64_t files = 0;
 };
 
+// A stored folder may count for less than what is in it, so a count could fall below 0.
+std::int64_t changed(std::int64_t count, std::int64_t change) {
+  return std::max<std::int64_t>(0, saturatingAdd(count, change));
+}
+
 // From the innermost folder up: sorting a folder's children leaves the pointers to its ancestors valid.
 void apply(Change change, const std::vector<Node*>& chain, Snapshot& snapshot) {
   for (Node* node : chain | std::views::reverse) {
-    node->size = checkedAdd(node->size, change.size);
-    node->fileCount = checkedAdd(node->fileCount, change.files);
+    node->size = changed(node->size, change.size);
+    node->fileCount = changed(node->fileCount, change.files);
     sortBySize(node->children);
   }
-  snapshot.fileCount = checkedAdd(snapshot.fileCount, change.files);
+  snapshot.fileCount = changed(snapshot.fileCount, change.files);
 }
 
 }  // namespace
@@ -124,15 +129,16 @@ std::vector<FileItem> Snapshot::largestFiles(std::size_t limit) const {
 bool Snapshot::canSeedIncrementalScan(const SeedRequirements& requirements) const {
   return canonicallyEqual(root.name, requirements.root) && minNodeSize == requirements.minNodeSize &&
          eventID.has_value() && root.fileCount >= 1 && format == currentFormat && fullScanDate.has_value() &&
-         requirements.now - *fullScanDate < requirements.fullScanInterval;
+         *fullScanDate <= requirements.now &&
+         timeBetween(*fullScanDate, requirements.now) < requirements.fullScanInterval;
 }
 
 bool Snapshot::replace(std::string_view path, Node node) {
   const auto place = placeOf(*this, path);
   if (!place || place->node == nullptr) return false;
   Node& old = *place->node;
-  const Change change{.size = checkedSubtract(node.size, old.size),
-                      .files = checkedSubtract(node.fileCount, old.fileCount)};
+  const Change change{.size = saturatingSubtract(node.size, old.size),
+                      .files = saturatingSubtract(node.fileCount, old.fileCount)};
   if (node.size < minNodeSize) {
     place->erase();
   } else {
@@ -158,12 +164,10 @@ bool Snapshot::upsert(std::string_view path, Node node) {
 bool Snapshot::remove(std::string_view path) {
   const auto place = placeOf(*this, path);
   if (!place || place->node == nullptr) return false;
-  const Change change{.size = checkedSubtract(0, place->node->size),
-                      .files = place->node->isDirectory ? checkedSubtract(0, place->node->fileCount) : -1};
+  const Change change{.size = saturatingSubtract(0, place->node->size),
+                      .files = place->node->isDirectory ? saturatingSubtract(0, place->node->fileCount) : -1};
   place->erase();
   apply(change, place->chain, *this);
-  for (Node* node : place->chain) node->fileCount = std::max<std::int64_t>(0, node->fileCount);
-  fileCount = std::max<std::int64_t>(0, fileCount);
   return true;
 }
 

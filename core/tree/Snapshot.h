@@ -44,7 +44,7 @@ struct Snapshot {
 
   const std::string& rootPath() const { return root.name; }
 
-  /// A path as people know it turned into one as the tree stores it.
+  /// The path in the form that the tree stores.
   std::string resolve(std::string_view path) const;
 
   /// The names that lead from the root to `path`; empty for the root, absent for a path outside the tree.

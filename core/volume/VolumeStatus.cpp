@@ -5,7 +5,7 @@
 namespace spacemint {
 
 Bytes VolumeStatus::used() const {
-  return std::max<Bytes>(0, checkedSubtract(total, free));
+  return std::max<Bytes>(0, saturatingSubtract(total, free));
 }
 
 double VolumeStatus::usedFraction() const {

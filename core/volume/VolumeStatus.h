@@ -19,7 +19,7 @@ struct VolumeStatus {
   /// From 0 to 1; 0 for a volume without a capacity.
   double usedFraction() const;
 
-  /// The volume of any existing path; absent when it cannot be read or tells no capacity.
+  /// The volume of any existing path; absent when it cannot be read or has no capacity.
   static std::optional<VolumeStatus> current(const std::string& path);
   static std::optional<VolumeStatus> from(const VolumeInfo& info);
 

@@ -6,10 +6,13 @@
 namespace spacemint {
 
 std::string FindingText::freeChange(Bytes before, Bytes after, const std::string& locale) {
-  const Bytes change = checkedSubtract(after, before);
+  const Bytes change = saturatingSubtract(after, before);
   const auto text = [&](Bytes bytes) { return ByteFormat::string(bytes, locale); };
-  return (change < 0 ? "Free space dropped by " + text(-change) : "Free space grew by " + text(change)) +
-         ", from " + text(before) + " to " + text(after);
+  const std::string said = change < 0 ? "Free space dropped by " + text(saturatingSubtract(0, change))
+                                      : "Free space grew by " + text(change);
+  const std::string from = text(before);
+  const std::string to = text(after);
+  return change != 0 && from == to ? said : said + ", from " + from + " to " + to;
 }
 
 std::string FindingText::nothingGrew(Bytes minimum, const std::string& locale) {

@@ -22,7 +22,8 @@ inline constexpr std::string_view noDockerData = "Docker keeps nothing.";
 inline constexpr std::string_view openOllama = "Open Ollama to see your models.";
 inline constexpr std::string_view noOllamaModels = "No models.";
 
-/// "Free space dropped by 2 GB, from 34 GB to 32 GB".
+/// "Free space dropped by 2 GB, from 34 GB to 32 GB"; only the first half where the change is too small to
+/// show in the two figures.
 std::string freeChange(Bytes before, Bytes after, const std::string& locale);
 
 /// "Nothing grew by more than 100 MB."

@@ -99,6 +99,59 @@ TEST_F(ScanLifecycleTest, scansInTheBackgroundWhenHalfAnIntervalHasPassed) {
   EXPECT_EQ(store.entries().front().date, morning + 10h) << "two hours after a scan there is no other";
 }
 
+TEST_F(ScanLifecycleTest, scansOnWhenTheClockJumps) {
+  haveStarted();
+  storeScan(morning - 1h, 20 * MB);
+  storeScan(morning + 300 * 24h, 40 * MB);
+  startModel();
+  EXPECT_EQ(model->history().snapshot()->root.size, 20 * MB) << "the newest scan up to now";
+  desktop.advance(6h);
+  EXPECT_EQ(model->history().snapshot()->date, morning + 6h);
+  // Back: the scan of just now is one of a time to come.
+  desktop.clock.setDate(morning - 72h);
+  desktop.advance(6h);
+  EXPECT_EQ(model->history().snapshot()->date, morning - 66h);
+  EXPECT_EQ(model->history().entries().front().date, morning - 66h);
+  // Forward, and the same again after a restart.
+  desktop.clock.setDate(morning + 48h);
+  desktop.advance(6h);
+  EXPECT_EQ(model->history().snapshot()->date, morning + 54h);
+  startModel();
+  EXPECT_EQ(model->history().snapshot()->date, morning + 54h);
+  EXPECT_EQ(model->history().baselineEntry()->date, morning + 6h);
+}
+
+TEST_F(ScanLifecycleTest, livesWithAnyNumbersOfStoredScans) {
+  constexpr Bytes most = std::numeric_limits<Bytes>::max();
+  for (const Bytes size : {std::numeric_limits<Bytes>::min(), most}) {
+    fs::remove_all(store.directory);
+    const auto save = [&](Date date, Bytes sizes) {
+      Node cache = support::folder(".cache", {support::folder("pip", {file("a", 1)})});
+      Node root = support::folder(home, {std::move(cache), file("b", 2), file("c", 3)});
+      const auto setAll = [&](auto self, Node& node) -> void {
+        node.size = sizes;
+        for (Node& child : node.children) self(self, child);
+      };
+      setAll(setAll, root);
+      ASSERT_TRUE(store.save({.date = date,
+                              .root = std::move(root),
+                              .fileCount = sizes,
+                              .volumeFree = sizes,
+                              .volumeTotal = sizes,
+                              .minNodeSize = sizes,
+                              .fullScanDate = date}));
+    };
+    save(morning - 26h, size);
+    save(morning - 2h, size == most ? -5 : most);
+    startModel();
+    ASSERT_TRUE(model->history().snapshot());
+    EXPECT_GE(model->history().snapshot()->root.size, 0);
+    model->scan();
+    desktop.settle();
+    EXPECT_EQ(model->history().snapshot()->date, desktop.clock.now());
+  }
+}
+
 TEST_F(ScanLifecycleTest, schedulesAgainOnlyForAnotherInterval) {
   startModel();
   model->preferencesChanged();
@@ -310,19 +363,6 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   desktop.settle();
   EXPECT_THAT(journal.questions, SizeIs(1)) << "after three days everything is walked";
   EXPECT_EQ(sizeInScan("kept"), 0);
-}
-
-TEST_F(ScanLifecycleTest, aClockThatJumpsDoesNotStopScans) {
-  haveStarted();
-  storeScan(morning);
-  startModel();
-  desktop.clock.setDate(desktop.clock.now() - 24h);
-  desktop.advance(6h);
-  EXPECT_EQ(desktop.scheduler.finished, 1);
-  desktop.clock.setDate(desktop.clock.now() + 48h);
-  desktop.advance(6h);
-  EXPECT_EQ(storedScans(), 2U);
-  EXPECT_FALSE(model->scans().isScanning());
 }
 
 }  // namespace

@@ -96,6 +96,7 @@ TEST(UpdateChoice, takesTheNewestThatFits) {
       {"nothing", {}, std::nullopt},
       {"the same", {good("1.9")}, std::nullopt},
       {"older", {good("1.8"), good("1.0.10")}, std::nullopt},
+      {"what came before the same", {good("1.9~rc1")}, std::nullopt},
       {"newer by number", {good("1.10")}, "1.10"},
       {"the newest of all", {good("1.10"), good("1.11"), good("1.9.1")}, "1.11"},
       {"the newest for the system", {tooNew, fitting}, "2.0"},

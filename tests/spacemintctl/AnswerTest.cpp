@@ -22,13 +22,16 @@ TEST(Printable, takesTheSenseOutOfWhatATerminalObeys) {
   EXPECT_EQ(printable("\xff"), "\ufffd");
 }
 
-TEST(LargestFolders, leaveOutAFolderThatIsLittleMoreThanASubfolder) {
+TEST(LargestFolders, nameEachPlaceOnce) {
   const Node root =
-      folder("/r", {folder("wrapper", {folder("inner", {file("f", 90)})}, {.unlisted = 10}),
-                    folder("mixed", {folder("half", {file("g", 80)})}, {.unlisted = 15}), file("big", 500)});
+      folder("/r", {folder("wrapper", {folder("inner", {file("f", 90)}), folder("other", {file("f", 20)})}),
+                    folder("mixed", {folder("half", {file("g", 80)}), folder("rest", {file("h", 75)})}),
+                    folder("deep", {folder("a", {folder("b", {file("f", 60)})}, {.unlisted = 39})}),
+                    folder("asFar", {folder("c", {file("f", 59)})}, {.unlisted = 41}), file("big", 500)});
   std::vector<std::string> paths;
   for (const FolderItem& item : largestFolders(root, 10)) paths.push_back(item.path);
-  EXPECT_EQ(paths, (std::vector<std::string>{"/r/mixed", "/r/wrapper/inner", "/r/mixed/half"}));
+  EXPECT_EQ(paths, (std::vector<std::string>{"/r/mixed", "/r/asFar", "/r/wrapper/inner", "/r/deep/a/b",
+                                             "/r/wrapper/other"}));
   EXPECT_EQ(largestFolders(root, 1).size(), 1U);
 }
 
@@ -41,10 +44,10 @@ TEST(Progress, saysHowMuchIsDoneWhereTheWholeIsKnown) {
   };
   const Case cases[]{
       {{1'234, 1'500'000}, std::nullopt, 9, "1,234 files, 1.5 MB"},
-      {{1, 25}, 100, 10, "1 files, 25 bytes, 25 %, 30 s left"},
-      {{1, 25}, 100, 100, "1 files, 25 bytes, 25 %, 5 min left"},
-      {{1, 25}, 100, 3'600, "1 files, 25 bytes, 25 %, 3 h 0 min left"},
-      {{1, 150}, 100, 10, "1 files, 150 bytes, 99 %"},
+      {{1, 25}, 100, 10, "1 file, 25 bytes, 25 %, 30 s left"},
+      {{1, 25}, 100, 100, "1 file, 25 bytes, 25 %, 5 min left"},
+      {{1, 25}, 100, 3'600, "1 file, 25 bytes, 25 %, 3 h 0 min left"},
+      {{1, 150}, 100, 10, "1 file, 150 bytes, 99 %"},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(progressText(c.progress, c.expected, std::chrono::duration<double>(c.elapsed), "en_US"),

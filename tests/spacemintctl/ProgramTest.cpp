@@ -115,6 +115,27 @@ TEST_F(SpacemintctlTest, statusSaysHowFullTheDiskIs) {
               testing::MatchesRegex(R"(\{"name":".*,"total":[0-9]+,.*\}.)"));
 }
 
+TEST_F(SpacemintctlTest, statusSaysHowTheNextScanWillBeMade) {
+  EXPECT_THAT(program.run({"status", "--verbose"}).out,
+              AllOf(HasSubstr("Last scan      none\n"), HasSubstr("because there is no earlier scan\n"),
+                    HasSubstr("because nothing records the changes of this folder\n"),
+                    HasSubstr("warns below 20 GB\n")));
+  ASSERT_EQ(program.run({"scan"}).exitCode, 0);
+  const Outcome outcome = program.run({"status", "--verbose", "--json"});
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_THAT(outcome.out,
+              HasSubstr(R"("nextScan":{"kind":"full","because":"nothing recorded changes at the last scan"},)"
+                        R"("recorder":{"answers":false,"because":"nothing records)"));
+}
+
+TEST_F(SpacemintctlTest, theLogSaysWhyWhereItIsAskedFor) {
+  setenv("SPACEMINT_LOG", "info", 1);
+  const Outcome outcome = program.run({"scan"});
+  unsetenv("SPACEMINT_LOG");
+  EXPECT_THAT(outcome.err, testing::MatchesRegex("20[0-9-]+T[0-9:]+Z spacemint: the scan of [^\n]* walks "
+                                                 "everything, because there is no earlier scan\n"));
+}
+
 TEST_F(SpacemintctlTest, aScanIsKeptAndReadBackEqual) {
   program.addFile("Movies/long.mov", 3'000'000);
   program.addFile("Code/core", 2'000'000);
@@ -183,6 +204,38 @@ TEST_F(SpacemintctlTest, scanningPrunesTheHistory) {
   ASSERT_EQ(kept.size(), 2U);
   EXPECT_GE(kept.front().date, now);
   EXPECT_EQ(kept.back().date, now - std::chrono::days{10});
+}
+
+TEST_F(SpacemintctlTest, theFormerProductsHistoryIsMovedBeforeTheFirstScanIsKept) {
+  const SnapshotStore former{program.home() / ".local/share/Loftmere/Snapshots"};
+  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+  ASSERT_TRUE(former.save({.date = now - std::chrono::days{1}}));
+  EXPECT_EQ(program.run({"scan"}).err, "");
+  EXPECT_EQ(program.scans().entries().size(), 2U);
+  EXPECT_FALSE(fs::exists(program.home() / ".local/share/Loftmere"));
+}
+
+TEST_F(SpacemintctlTest, scansOfOtherFoldersAreKeptApart) {
+  program.addFile("Code/core", 2'000'000);
+  program.addFile("Movies/long.mov", 3'000'000);
+  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+  for (const int days : {1, 2})
+    ASSERT_TRUE(program.scans().save(
+        {.date = now - std::chrono::days{days}, .root = {.name = program.home().path()}}));
+  for (const char* name : {"Code", "Code", "Movies"})
+    ASSERT_EQ(program.run({"scan", "--min-size", "1000", program.home() / name}).exitCode, 0);
+  EXPECT_EQ(program.scans().entries().size(), 2U) << "the history of the home folder is as it was";
+  EXPECT_THAT(program.run({"history"}).out,
+              AllOf(HasSubstr("  ~/Code\n"), HasSubstr("  ~/Movies\n"), HasSubstr("  ~\n")));
+  EXPECT_NE(program.run({"files", "--top", "1"}).out, "") << "a scan of another folder is the newest";
+
+  // What is old goes, and so does the folder that held it.
+  const fs::path others = program.home() / ".local/share/Spacemint/Other Snapshots";
+  fs::create_directory(others / "old");
+  std::ofstream(others / "old/1700000000.json") << "{}";
+  ASSERT_EQ(program.run({"scan"}).exitCode, 0);
+  EXPECT_FALSE(fs::exists(others / "old"));
+  EXPECT_EQ(std::distance(fs::directory_iterator{others}, fs::directory_iterator{}), 2);
 }
 
 TEST_F(SpacemintctlTest, aScanThatCannotBeKeptIsStillAnswered) {

@@ -54,7 +54,7 @@ TEST_F(WatchTest, aScanAfterARecordedOneTakesOverWhatHasNotChanged) {
   EXPECT_THAT(scan({"--no-save", "--json", "--full"}),
               HasSubstr(R"(,"scan":{"kind":"full","because":"that was asked for"}})"));
   EXPECT_THAT(program.run({"scan", "--no-save"}).out,
-              HasSubstr("A full scan, because the last scan kept other sizes apart.\n"));
+              HasSubstr("A full scan, because the last scan used another --min-size.\n"));
   scan();
   const Snapshot rescan = newest();
   EXPECT_EQ(rescan.fullScanDate, full.fullScanDate);

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 namespace spacemint {
 
@@ -18,10 +19,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::optional<Bytes> bytesOf(fsblkcnt_t blocks, unsigned long blockSize) {
+// A file system may report any number, so what does not fit 64 bits is the largest count.
+Bytes bytesOf(fsblkcnt_t blocks, unsigned long blockSize) {
   Bytes bytes = 0;
-  if (__builtin_mul_overflow(blocks, blockSize, &bytes)) return std::nullopt;
-  return bytes;
+  return __builtin_mul_overflow(blocks, blockSize, &bytes) ? std::numeric_limits<Bytes>::max() : bytes;
 }
 
 std::optional<Mount> mountOf(const std::string& path) {

@@ -54,10 +54,12 @@ TEST(DockerUsage, isReadLineByLine) {
 not JSON
 [1]
 {"Active":0,"Reclaimable":"0B","Size":"0B","TotalCount":"0","Type":"Containers"}
-{"Active":"+1","Reclaimable":"-","Size":"3 PB","TotalCount":"N/A","Type":"Local Volumes","More":1})~";
+{"Active":"+1","Reclaimable":"-","Size":"3 PB","TotalCount":"N/A","Type":"Local Volumes","More":1}
+{"Active":"0","Reclaimable":"-9000000 TB","Size":"-1B","TotalCount":"0","Type":"Build Cache"})~";
   const auto usage = parseDockerDF(output);
-  EXPECT_THAT(usage, ElementsAre(DockerUsage{"Images", 12, 3, 4'200'000'000, 1'100'000'000},
-                                 DockerUsage{"Local Volumes", 0, 1, 0, 0}));
+  EXPECT_THAT(usage,
+              ElementsAre(DockerUsage{"Images", 12, 3, 4'200'000'000, 1'100'000'000},
+                          DockerUsage{"Local Volumes", 0, 1, 0, 0}, DockerUsage{"Build Cache", 0, 0, 0, 0}));
   EXPECT_FALSE(usage[0].isVolumes());
   EXPECT_TRUE(usage[1].isVolumes());
   EXPECT_THAT(parseDockerDF(""), IsEmpty());
@@ -82,6 +84,7 @@ TEST(OllamaModels, areReadFromTheirColumns) {
                               "\n"
                               "qwen2.5:0.5b        a8b0c5157701    397 MB    About an hour ago\n"
                               "cloud:latest        569662207105    -         2 days ago\n"
+                              "odd:latest          a8b0c5157702    -4 GB     2 days ago\n"
                               "short line\n"
                               "mistral:7b          f974a74358d6    4.1 GB    5 months ago"),
               ElementsAre(OllamaModel{"mistral:7b", 4'100'000'000, "5 months ago"},

@@ -72,6 +72,12 @@ TEST_F(MigrationTest, copiesSettingsIntoAStoreThatWasNeverUsed) {
   }
 }
 
+TEST_F(MigrationTest, damagedSettingsAreNotReplacedByTheFormerProducts) {
+  EXPECT_EQ(migrate(R"({"hasStarted": true, "scope": "disk"})", "{\"scope\": "), Result{});
+  EXPECT_EQ(settingsNow(), "") << "the damaged file is set aside";
+  EXPECT_EQ(launch(), Result{}) << "nor at the next start";
+}
+
 TEST_F(MigrationTest, settingsThatCannotBeStoredAreReportedAndTriedAgain) {
   fs::create_directory(folder / "present.json");
   const Result result = migrate(R"({"hasStarted": true})", nullptr);

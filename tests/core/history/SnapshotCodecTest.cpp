@@ -94,10 +94,10 @@ class RandomSnapshot {
     Snapshot result{.date = date(),
                     .duration = Seconds{std::bit_cast<double>(random_())},
                     .root = node(0),
-                    .fileCount = any(),
-                    .volumeFree = any(),
-                    .volumeTotal = any(),
-                    .minNodeSize = any()};
+                    .fileCount = count(),
+                    .volumeFree = count(),
+                    .volumeTotal = count(),
+                    .minNodeSize = count()};
     if (!std::isfinite(result.duration.count())) result.duration = Seconds{0.1};
     if (flag()) result.eventID = flag() ? random_() : highest<std::uint64_t>;
     if (flag()) result.fullScanDate = date();
@@ -113,6 +113,7 @@ class RandomSnapshot {
                              lowest};
     return choices.at(static_cast<std::size_t>(below(choices.size())));
   }
+  std::int64_t count() { return any() & highest<std::int64_t>; }
   std::string name() {
     constexpr std::array<std::string_view, 12> parts{
         "a",         "/",       "\\",     "\"",     "\n\t\r\b\f", {"\0\x1f\x7f", 3},
@@ -123,9 +124,9 @@ class RandomSnapshot {
   }
   Node node(int depth) {
     Node result{.name = name(),
-                .size = any(),
+                .size = count(),
                 .isDirectory = flag(),
-                .fileCount = flag() ? any() & highest<std::int64_t> : 0,
+                .fileCount = flag() ? count() : 0,
                 .isWorktree = flag()};
     if (flag()) result.modified = dateFromUnixSeconds(any());
     for (auto i = depth < 5 ? below(5) : 0; i > 0; --i) result.children.push_back(node(depth + 1));
@@ -363,6 +364,19 @@ TEST(SnapshotCodec, refusesNumbersOutsideTheirRange) {
     const auto text = SnapshotCodec::encode(snapshot);
     EXPECT_TRUE(!text && text.error().code == static_cast<int>(Fault::outOfRange));
   }
+}
+
+TEST(SnapshotCodec, readsANegativeCountAsNone) {
+  Snapshot snapshot = theSnapshot();
+  snapshot.root = {.name = "n", .size = lowest, .isDirectory = true, .fileCount = 7};
+  snapshot.root.children.push_back({.name = "f", .size = -1});
+  snapshot.fileCount = snapshot.volumeFree = snapshot.volumeTotal = snapshot.minNodeSize = lowest;
+  const Snapshot read = SnapshotCodec::decode(encoded(snapshot)).value();
+  EXPECT_EQ(read.root.size, 0);
+  EXPECT_EQ(read.root.fileCount, 7);
+  EXPECT_EQ(read.root.children.at(0).size, 0);
+  for (const std::int64_t count : {read.fileCount, read.volumeFree, read.volumeTotal, read.minNodeSize})
+    EXPECT_EQ(count, 0);
 }
 
 TEST(SnapshotCodec, refusesWhatIsNotJson) {

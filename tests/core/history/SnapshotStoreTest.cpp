@@ -150,6 +150,7 @@ TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
   };
   const Date night = sys_days{2023y / 11 / 10} + 23h + 30min;
   const Date limit = sys_days{2023y / 10 / 22} + 10h;  // noon in Berlin, two weeks before noon of November 5
+  const Date later = limit + 14 * 24h + 1h;
   const Case cases[]{
       {"one day", "UTC", noon, {ago(0, 5min), ago(0, 6min), ago(0, 7min)}, {ago(0, 5min), ago(0, 6min)}},
       {"two old ones", "UTC", noon, {ago(0), ago(30)}, {ago(0), ago(30)}},
@@ -168,22 +169,10 @@ TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
        noon,
        {ago(0), ago(1), night, night - 1h},
        {ago(0), ago(1), night, night - 1h}},
-      {"summer time",
-       "Europe/Berlin",
-       limit + 14 * 24h + 1h,
-       {ago(0), ago(1), limit},
-       {ago(0), ago(1), limit}},
-      {"summer time, beyond",
-       "Europe/Berlin",
-       limit + 14 * 24h + 1h,
-       {ago(0), ago(1), limit - 1s},
-       {ago(0), ago(1)}},
-      {"no summer time", "UTC", limit + 14 * 24h + 1h, {ago(0), ago(1), limit}, {ago(0), ago(1)}},
-      {"no such zone",
-       "Nowhere/Land",
-       ago(2),
-       {ago(0), ago(1), ago(2), ago(2, 1min)},
-       {ago(0), ago(1), ago(2)}},
+      {"summer time", "Europe/Berlin", later, {later, later - 24h, limit}, {later, later - 24h, limit}},
+      {"summer time, beyond", "Europe/Berlin", later, {later, later - 24h, limit - 1s}, {later, later - 24h}},
+      {"no summer time", "UTC", later, {later, later - 24h, limit}, {later, later - 24h}},
+      {"no such zone", "Nowhere/Land", noon, {ago(0), ago(1), ago(2), ago(2, 1min)}, {ago(0), ago(1)}},
   };
   for (const Case& c : cases) {
     fs::remove_all(store.directory);
@@ -194,6 +183,24 @@ TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
     EXPECT_EQ(listed(), c.kept) << c.what;
     EXPECT_EQ(otherFiles(), 1U) << c.what;
   }
+}
+
+TEST_F(SnapshotStoreTest, aScanDatedAfterNowIsNotTheNewest) {
+  const Dates dates{someDay + 400 * 24h, someDay + 24h + 1min, someDay + 24h, someDay,
+                    someDay - 1h,        someDay - 2h};
+  makeAll(dates);
+  const auto listedAt = [&](Date now) {
+    Dates found;
+    for (const auto& entry : store.entries(now)) found.push_back(entry.date);
+    return found;
+  };
+  EXPECT_EQ(listedAt(Date::max()), dates);
+  EXPECT_THAT(listedAt(someDay), ElementsAre(someDay, someDay - 1h, someDay - 2h, someDay + 400 * 24h,
+                                             someDay + 24h + 1min, someDay + 24h));
+  EXPECT_EQ(listedAt(Date{}), dates) << "all of a time to come, so the newest is as good as can be";
+  store.prune({.now = someDay, .timeZone = "UTC"});
+  EXPECT_THAT(listed(), ElementsAre(someDay + 400 * 24h, someDay + 24h + 1min, someDay, someDay - 1h))
+      << "the two newest up to now, and one of each later day";
 }
 
 TEST_F(SnapshotStoreTest, prunesOnPastWhatCannotBeDeleted) {

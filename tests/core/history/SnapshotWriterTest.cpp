@@ -52,8 +52,8 @@ TEST_F(SnapshotWriterTest, neverPutsAnOlderRevisionOverANewerOne) {
       {scan, 6, false, {2, 6}},
       {scan + 1us, 1, true, {2, 1}},  // another scan of the same second takes the file over
       {scan, 7, true, {2, 7}},
-      {scan - 10s, -3, true, {2, 7, -3}},
-      {scan - 10s, -4, false, {2, 7, -3}},
+      {scan - 10s, 3, true, {2, 7, 3}},
+      {scan - 10s, -4, false, {2, 7, 3}},
   };
   for (const Call& call : calls) {
     EXPECT_EQ(save(call.date, call.revision), call.saves) << call.revision;

@@ -133,7 +133,7 @@ TEST_F(ScanPlanTest, reusesTheEarlierScanWhereTheJournalAnswers) {
 TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.name = "/Users"; }),
             "the last scan was of another folder");
-  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.minNodeSize = 9; }), "the last scan kept other sizes apart");
+  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.minNodeSize = 9; }), "the last scan used another --min-size");
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.eventID.reset(); }),
             "nothing recorded changes at the last scan");
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{150h} - 72h; }),
@@ -143,12 +143,12 @@ TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
   EXPECT_TRUE(plan(justYoungEnough).reuse);
   journal.order.clear();
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{151h}; }),
-            "the last full scan has a date to come");  // the clock was set back
+            "the last full scan is dated in the future");  // the clock was set back
   for (const auto unfit :
        {+[](Snapshot& scan) { scan.format = 2; }, +[](Snapshot& scan) { scan.format.reset(); },
         +[](Snapshot& scan) { scan.fullScanDate.reset(); },
         +[](Snapshot& scan) { scan.root.fileCount = 0; }}) {
-    EXPECT_EQ(whyFull(unfit), "the last scan is no basis for another");
+    EXPECT_EQ(whyFull(unfit), "the last scan is incomplete or from another version");
   }
   EXPECT_EQ(journal.order.find("changes"), std::string::npos);
 

@@ -358,6 +358,33 @@ TEST(RealFolders, leaveNoHandleOpenWhenTheScanIsCancelled) {
   EXPECT_EQ(openHandles(), before);
 }
 
+TEST(RealFolders, areAllCountedWithFewHandles) {
+  const TemporaryFolder folder;
+  for (int i = 0; i < 2'500; ++i) {
+    write((folder / std::to_string(i % 50)) + "/" + std::to_string(i) + "/below/" + std::to_string(i), 1);
+  }
+  const auto host = hostFolderListing();
+  const auto expected = DiskScanner::scan({.root = folder.path(), .listing = host.get()});
+  // The scan as programs make it, under limits that leave room for the walk.
+  for (const rlim_t limit : {256U, 40U}) {
+    EXPECT_TRUE(support::succeedsInChild([&] {
+      const rlimit few{limit, limit};
+      if (setrlimit(RLIMIT_NOFILE, &few) != 0) return false;
+      return DiskScanner::scan({.root = folder.path()}) == expected;
+    })) << limit;
+  }
+  // Handles run out, because the listing is told of more than there are.
+  for (const unsigned threads : {1U, 8U}) {
+    EXPECT_TRUE(support::succeedsInChild([&] {
+      const rlimit few{32, 32};
+      if (setrlimit(RLIMIT_NOFILE, &few) != 0) return false;
+      ReadAheadListing ahead{*host, threads};
+      return DiskScanner::scan({.root = folder.path(), .listing = &ahead}) == expected && openHandles() < 32;
+    })) << threads
+        << " threads";
+  }
+}
+
 TEST(RealFolders, areReadWithoutTouchingTheirAccessTimes) {
   const TemporaryFolder folder;
   const timespec old[2]{{1'000'000'000, 0}, {1'500'000'000, 0}};

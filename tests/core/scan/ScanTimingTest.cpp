@@ -44,7 +44,9 @@ TEST(ScanTiming, isStaleWhenOlderThanTheLimitOrOfAnotherFolder) {
   EXPECT_TRUE(isStale(&scan, "/", Seconds{0}));
   EXPECT_FALSE(isStale(&scan, "/home", Seconds{3'600}));
   EXPECT_TRUE(isStale(&scan, "/home", Seconds{3'600.001}));
-  EXPECT_FALSE(isStale(&scan, "/home", Seconds{-3'600}));
+  EXPECT_TRUE(isStale(&scan, "/home", Seconds{-1})) << "a scan of a time to come is of an unknown age";
+  const Snapshot ancient{.date = Date::min(), .root = folder("/home", {})};
+  EXPECT_TRUE(isStale(&ancient, "/home", Seconds{0}));
 }
 
 }  // namespace
