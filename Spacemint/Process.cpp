@@ -26,7 +26,7 @@ void takeOverFormerProduct(DefaultsStore& defaults) {
   if (result.error) complain(*result.error);
 }
 
-ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo& info) {
+ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const BundleInfo& info) {
   return {.defaults = defaults,
           .store = SnapshotStore::standard(),
           .journal = journal,

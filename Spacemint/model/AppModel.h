@@ -26,7 +26,7 @@ std::string_view titleOf(Tab tab);
 struct ModelHost {
   DefaultsStore& defaults;
   SnapshotStore store;
-  ScanJournal& journal;
+  EventJournal& journal;
   ToolRuns tools;
   std::string home;
   /// Where programs keep their data.

@@ -83,7 +83,7 @@ void WorkerThreads::runAlone(const char* threadName, Tasks::Function function) {
   ++shared_->running;
   std::thread([shared = shared_, name = std::string{threadName}, function = std::move(function)]() mutable {
     nameThread(name.c_str());
-    runWhenNobodyElseDoes();
+    runAtLowPriority();
     shared->run(std::move(function));
   }).detach();
 }

@@ -28,7 +28,7 @@ class WorkerThreads {
   enum class Order { later, sooner };
   void share(Order order, Tasks::Function function);
 
-  /// At the lowest priority.
+  /// On a thread of its own at low priority.
   void runAlone(const char* threadName, Tasks::Function function);
 
   /// Takes nothing new, drops what has not begun and waits for what runs; whether that ended in time.
