@@ -154,7 +154,7 @@ struct Bench {
     }
     say(cold ? "full scan, caches dropped" : "full scan", median(plain), "s");
     say("  one that sets up the watches", median(watching) / median(plain), "of it");
-    say("  set-up by a walk of the recorder's own", median(alone) / median(plain), "of it");
+    say("  set-up by a crawl of the recorder's own", median(alone) / median(plain), "of it");
   }
 
   void memory() {
