@@ -9,32 +9,32 @@
 
 namespace spacemint {
 
-/// When a scan is due, and how far one is. Pure.
+/// When a scan is due, and how far a scan has come. Pure functions.
 namespace ScanTiming {
 
 struct Staleness {
-  /// Null while there is no scan.
+  /// The newest scan; null when there is none.
   const Snapshot* snapshot = nullptr;
-  /// What a scan would measure now.
+  /// The folder that a scan would measure now.
   std::string_view root;
   Date now;
   Seconds olderThan{0};
 };
 
-/// True without a scan, for one of another folder, and for one that is older.
+/// True when there is no scan, when it is of another folder, and when it is older than `olderThan`.
 bool isStale(const Staleness& question);
 
-/// How many bytes a scan of `root` will find: as many as the last one, else what is used on the volume; 0
-/// when that is not known.
+/// The number of bytes that a scan of `root` will probably find: as many as the last scan, else the used
+/// bytes of the volume; 0 when neither is known.
 Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume);
 
-/// What is expected may be wrong and be passed before the end.
+/// The expected number may be wrong, so progress stops here until the scan ends.
 inline constexpr double highestFraction = 0.99;
 
-/// From 0 to the highest; absent when nothing is expected.
+/// From 0 to `highestFraction`; absent when `expected` is 0.
 std::optional<double> fraction(Bytes counted, Bytes expected);
 
-/// What is left of a scan that has run for `elapsed`; absent while that would be a guess.
+/// The remaining time of a scan that has run for `elapsed`; absent while it would be a guess.
 std::optional<Seconds> remaining(std::optional<double> fraction, Seconds elapsed);
 
 }  // namespace ScanTiming

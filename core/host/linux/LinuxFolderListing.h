@@ -10,8 +10,8 @@
 
 namespace spacemint {
 
-/// How an observer recognises a folder. The generation tells a folder from a removed one that had the same
-/// id.
+/// How an observer recognises a folder. The generation distinguishes a folder from a removed one that had the
+/// same id.
 struct FolderRef {
   std::uint32_t id = ~std::uint32_t{0};
   std::uint32_t generation = 0;
@@ -19,8 +19,8 @@ struct FolderRef {
   auto operator<=>(const FolderRef&) const = default;
 };
 
-/// Is told of every folder that a listing opens, before its entries are read. Called from every thread that
-/// opens folders.
+/// Is called for every folder that a listing opens, before its entries are read. The calls come from every
+/// thread that opens folders.
 class FolderObserver {
  public:
   FolderObserver() = default;
