@@ -24,8 +24,6 @@ auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
 ScanJob::Report ScanJob::run() const {
   const Date start = clock.now();
   const auto isCancelled = [this] { return flag->isSet(); };
-  // First of all: when nothing recorded this folder until now, recording starts with this scan.
-  const auto crawl = journal.beginCrawl(root);
   ScanPlan plan = ScanPlan::make(journal, {.root = root,
                                            .minNodeSize = minNodeSize,
                                            .now = start,
@@ -33,6 +31,8 @@ ScanJob::Report ScanJob::run() const {
                                            .timeout = journalTimeout,
                                            .shouldCancel = isCancelled});
   if (isCancelled()) return {};
+  // If nothing recorded this folder until now, recording starts with this scan.
+  const auto crawl = plan.reuse ? nullptr : journal.beginCrawl(root);
   if (crawl) plan.eventID = crawl->eventID();
   auto result = DiskScanner::scan({.root = root,
                                    .minNodeSize = minNodeSize,
