@@ -17,7 +17,7 @@ namespace {
 // The session's end may kill the process after a few seconds.
 constexpr std::chrono::milliseconds patience{1'500};
 
-ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo& info) {
+ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const BundleInfo& info) {
   return {.defaults = defaults,
           .store = SnapshotStore::standard(),
           .journal = journal,

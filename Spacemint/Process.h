@@ -3,7 +3,7 @@
 #include "Spacemint/desktop/BundleInfo.h"
 #include "Spacemint/desktop/linux/LinuxDesktop.h"
 #include "Spacemint/model/AppModel.h"
-#include "core/scan/ScanJournal.h"
+#include "core/scan/ProcessJournal.h"
 
 #include <memory>
 #include <string>
@@ -23,7 +23,7 @@ class Process {
   // and its desktop, or to the end of the process.
   BundleInfo info;
   DefaultsStore defaults;
-  OwnScanJournal journal;
+  ProcessJournal journal;
   LinuxDesktop desktop;
   std::unique_ptr<AppModel> model;
 };

@@ -116,19 +116,19 @@ struct Bench {
   int rounds = 5;
   std::string folder;
   std::unique_ptr<FolderListing> host = hostFolderListing();
-  std::unique_ptr<EventRecorder> recorder = {};
+  std::shared_ptr<EventRecorder> recorder = {};
 
-  EventRecorder::Options options(bool walksAtOnce) const {
+  EventRecorder::Options options(bool crawlsAtOnce) const {
     return {.root = root,
-            .meetingFolder = folder + "/meet",
+            .endpointFolder = folder + "/meet",
             .stateFolder = folder + "/state",
-            .walksAtOnce = walksAtOnce};
+            .crawlsAtOnce = crawlsAtOnce};
   }
 
   void scanThatWatches() {
-    const auto walk = recorder->beginWalk();
-    fullScan(root, walk->listing());
-    walk->finish();
+    const auto crawl = recorder->beginCrawl(root);
+    fullScan(root, *crawl);
+    crawl->finish();
   }
 
   // Full scans with and without watches, in turn. Without what the caches hold it takes root to say so.
@@ -143,24 +143,24 @@ struct Bench {
     if (!cold) fullScan(root, *host);  // fills the caches
     for (int round = 0; round < (cold ? coldRounds : rounds); ++round) {
       plain.push_back(prepared([&] { fullScan(root, *host); }));
-      recorder = startRecording(options(false)).value();
+      recorder = EventRecorder::start(options(false)).value();
       watching.push_back(prepared([&] { scanThatWatches(); }));
       recorder.reset();
       alone.push_back(prepared([&] {
-        recorder = startRecording(options(true)).value();
+        recorder = EventRecorder::start(options(true)).value();
         recorder->waitUntilRecording(std::chrono::minutes{5});
       }));
       recorder.reset();
     }
     say(cold ? "full scan, caches dropped" : "full scan", median(plain), "s");
     say("  one that sets up the watches", median(watching) / median(plain), "of it");
-    say("  set-up by a walk of the recorder's own", median(alone) / median(plain), "of it");
+    say("  set-up by a crawl of the recorder's own", median(alone) / median(plain), "of it");
   }
 
   void memory() {
     const double before = residentBytes();
     const double kernelBefore = kernelBytes();
-    recorder = startRecording(options(true)).value();
+    recorder = EventRecorder::start(options(true)).value();
     recorder->waitUntilRecording(std::chrono::minutes{5});
     const auto status = recorder->status();
     const auto folders = static_cast<double>(status.folders);
@@ -179,13 +179,14 @@ struct Bench {
   // What is smaller than the threshold is not in a scan, and so is walked where a folder beside it changed.
   // The time ends with the result; nobody waits for the earlier scan to be freed.
   void rescan(Bytes minNodeSize) {
-    const ChangeLog log{*recorder};
     const auto folders = someFolders(root);
     std::vector<double> full;
     std::vector<double> again;
     std::int64_t walked = 0;
     for (int round = 0; round < rounds; ++round) {
-      Snapshot last{.minNodeSize = minNodeSize, .eventID = log.currentEventID(root), .fullScanDate = Date{}};
+      Snapshot last{.minNodeSize = minNodeSize,
+                    .eventID = recorder->currentEventID({.root = root}),
+                    .fullScanDate = Date{}};
       full.push_back(secondsOf([&] { last.root = fullScan(root, *host, minNodeSize)->root; }));
       for (const std::string& changed : folders) {
         std::ofstream(changed + "/.bench-journal", std::ios::app) << round;
@@ -200,7 +201,7 @@ struct Bench {
       };
       again.push_back(secondsOf([&] {
         plan = ScanPlan::make(
-            log, {.root = root, .minNodeSize = minNodeSize, .now = Date{}, .earlier = std::move(last)});
+            *recorder, {.root = root, .minNodeSize = minNodeSize, .now = Date{}, .earlier = std::move(last)});
         result = DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .reuse = reuse});
       }));
     }
@@ -220,10 +221,7 @@ struct Bench {
       }
     });
     const bool survived =
-        recorder
-            ->changes(
-                {.since = recorder->currentEventID(root), .root = root, .timeout = std::chrono::minutes{1}})
-            .has_value();
+        recorder->changes({.root = root, .since = recorder->currentEventID({.root = root})}).has_value();
     const double cpu = recorderUsage().cpuSeconds - before.cpuSeconds;
     say("100,000 files created in one folder", wall, "s");
     say("  the recorder's processor time, of that", cpu / wall, survived ? "" : "(events were lost)");

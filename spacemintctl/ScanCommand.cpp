@@ -4,7 +4,7 @@
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
-#include "core/scan/FinishedScan.h"
+#include "core/scan/ScanPlan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
@@ -19,17 +19,16 @@ namespace {
 
 constexpr int historyDays = 14;
 
-// Decided by the newest scan of the same folder and by what was recorded since.
+// Depends on the newest scan of the same folder and on what was recorded since.
 ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start) {
   auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::ofRoot(root), "")};
-  const auto journal = hostEventJournal();
-  const ChangeLog log{*journal};
-  return ScanPlan::make(log,
+  return ScanPlan::make(*hostEventJournal(),
                         {.root = root,
                          .minNodeSize = options.minSize,
                          .now = start,
                          .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
-                         .mayReuse = !options.full});
+                         .mayReuse = !options.full,
+                         .shouldCancel = wasInterrupted});
 }
 
 // Why `root` cannot be scanned, if it cannot.
@@ -97,7 +96,7 @@ int runScan(const ScanOptions& options) {
   noteInterrupts();
   const Date start = currentTime();
   const ScanPlan plan = planFor(*root, options, start);
-  auto result = measure(*root, options, plan.reuse);
+  auto result = wasInterrupted() ? std::nullopt : measure(*root, options, plan.reuse);
   if (!result) {
     complain(wasInterrupted() ? "interrupted" : printable(*root) + ": could not be scanned");
     return wasInterrupted() ? interrupted : failed;

@@ -87,9 +87,9 @@ Fact nextScanFact(const ScanPlan& plan) {
 }
 
 Fact recorderFact(EventJournal& journal, const std::string& root) {
-  const std::uint64_t now = journal.currentEventID(root);
+  const std::uint64_t now = journal.currentEventID({.root = root, .timeout = journalTimeout});
   const auto answer =
-      journal.changes({.since = std::max<std::uint64_t>(now, 1), .root = root, .timeout = journalTimeout});
+      journal.changes({.root = root, .since = std::max<std::uint64_t>(now, 1), .timeout = journalTimeout});
   if (answer) return {"recorder", Json{{"answers", true}}, "Recorder", "answers"};
   const std::string reason{textOf(answer.error())};
   return {"recorder", Json{{"answers", false}, {"because", reason}}, "Recorder",
@@ -114,7 +114,7 @@ Facts verboseFacts(const VolumeStatus& volume, const std::string& mountPoint) {
   if (newest) last = std::move(*newest);
   const auto journal = hostEventJournal();
   Facts facts{levelFact(volume, settings.thresholdGB), lastScanFact(last, now)};
-  const ScanPlan plan = ScanPlan::make(ChangeLog{*journal}, {.root = root,
+  const ScanPlan plan = ScanPlan::make(*journal, {.root = root,
                                                              .minNodeSize = ScanOptions{}.minSize,
                                                              .now = now,
                                                              .earlier = std::move(last),

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::chrono::hours patience{24};
 
-// Held back in every thread that is started from here on, and waited for.
+// Blocks these signals in this thread and in all threads started later, for `sigwait`.
 sigset_t holdBackEndings() {
   sigset_t endings{};
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&endings, signal);
@@ -32,9 +32,9 @@ std::string counted(std::size_t folders) {
 
 void sayWhatIsWatched(EventRecorder& recorder, const std::string& root) {
   if (!recorder.waitUntilRecording(patience)) {
-    const auto absence = recorder.status().absence;
-    if (absence && absence != JournalAbsence::notRecording) {
-      complain(printable(root) + ": cannot be recorded: " + std::string{textOf(*absence)});
+    const auto error = recorder.status().error;
+    if (error && error != JournalError::notRecording) {
+      complain(printable(root) + ": cannot be recorded: " + std::string{textOf(*error)});
     }
     return;
   }
@@ -56,7 +56,7 @@ int runWatch(const std::string& path) {
     return failed;
   }
   const sigset_t endings = holdBackEndings();
-  auto recorder = startRecording({.root = *root});
+  auto recorder = EventRecorder::start({.root = *root});
   if (!recorder) {
     complain(recorder.error().isSystem(EBUSY) ? printable(*root) + ": is being recorded already"
                                               : printable(recorder.error().message));

@@ -24,7 +24,7 @@ class Tasks {
   using Function = std::move_only_function<void()>;
 
   enum class Priority : std::uint8_t {
-    /// Nobody waits for it: a thread of its own, at the system's lowest priority.
+    /// Nobody waits for it: a thread of its own at low priority.
     background,
     /// Somebody will look at it soon.
     utility,

@@ -25,7 +25,7 @@ std::string_view titleOf(Tab tab);
 struct ModelHost {
   DefaultsStore& defaults;
   SnapshotStore store;
-  ScanJournal& journal;
+  EventJournal& journal;
   ToolRuns tools;
   std::string home;
   /// The folders of the user's own files, beside those that every desktop has.

@@ -2,7 +2,7 @@
 
 #include "Spacemint/desktop/Desktop.h"
 #include "Spacemint/model/Preferences.h"
-#include "Spacemint/model/ScanWorker.h"
+#include "Spacemint/model/ScanJob.h"
 #include "Spacemint/model/VolumeWatch.h"
 
 #include <QObject>
@@ -24,7 +24,7 @@ class ScanLifecycle : public QObject {
     /// Root of a scan of the whole disk.
     std::string disk;
     std::string timeZone;
-    ScanJournal& journal;
+    EventJournal& journal;
   };
 
   struct Parts {

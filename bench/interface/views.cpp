@@ -35,12 +35,11 @@ constexpr QSize panelSize{460, 700};
 constexpr Bytes MB = 1'000'000;
 const Date today = dateFromUnixSeconds(1'772'438'400);
 
-class NoJournal final : public ScanJournal {
+class NoJournal final : public EventJournal {
  public:
-  std::unique_ptr<RecordingWalk> beginWalk(const std::string&) override { return nullptr; }
-  std::uint64_t currentEventID(const std::string&) override { return 0; }
-  std::expected<FolderChanges, JournalAbsence> changes(const Question&) override {
-    return std::unexpected(JournalAbsence::notRecording);
+  std::uint64_t currentEventID(const JournalQuery&) override { return 0; }
+  std::expected<FolderChanges, JournalError> changes(const JournalQuery&) override {
+    return std::unexpected(JournalError::notRecording);
   }
 };
 

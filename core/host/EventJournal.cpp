@@ -2,30 +2,36 @@
 
 namespace spacemint {
 
-std::string_view textOf(JournalAbsence reason) {
-  switch (reason) {
-    case JournalAbsence::notRecording:
+std::string_view textOf(JournalError error) {
+  switch (error) {
+    case JournalError::notRecording:
       return "nothing records the changes of this folder";
-    case JournalAbsence::settingUp:
+    case JournalError::settingUp:
       return "the recorder is still setting up";
-    case JournalAbsence::olderThanSession:
+    case JournalError::olderThanSession:
       return "the last scan is older than the recording";
-    case JournalAbsence::fromTheFuture:
-      return "the recorder knows nothing of the last scan";
-    case JournalAbsence::eventsLost:
+    case JournalError::fromTheFuture:
+      return "the last scan is not known to this recorder";
+    case JournalError::eventsLost:
       return "the recorder lost events";
-    case JournalAbsence::timedOut:
+    case JournalError::timedOut:
       return "the recorder did not answer in time";
-    case JournalAbsence::rootReplaced:
-      return "another folder has come into its place";
-    case JournalAbsence::unmounted:
+    case JournalError::rootReplaced:
+      return "the folder was replaced";
+    case JournalError::unmounted:
       return "its volume was unmounted";
-    case JournalAbsence::tooManyChanges:
+    case JournalError::tooManyChanges:
       return "too much has changed";
-    case JournalAbsence::failed:
+    case JournalError::unreportedChanges:
+      return "the file system can change without this computer noticing";
+    case JournalError::failed:
       return "the recorder failed";
   }
   return "";
+}
+
+std::unique_ptr<RecordingCrawl> EventJournal::beginCrawl(const std::string&) {
+  return nullptr;
 }
 
 }  // namespace spacemint

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "core/host/FolderListing.h"
+
 #include <chrono>
 #include <cstdint>
 #include <expected>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,57 +13,86 @@
 
 namespace spacemint {
 
-/// Why a journal cannot tell what changed. Each of them means that everything may have.
-enum class JournalAbsence : std::uint8_t {
+/// Why a journal cannot say what changed. The caller must then assume that everything changed.
+enum class JournalError : std::uint8_t {
+  /// No recorder runs for this folder.
   notRecording,
+  /// The recorder's first crawl is not complete.
   settingUp,
+  /// The event id is from before this recorder started, or from before its first crawl was complete.
   olderThanSession,
+  /// The recorder never gave out this event id.
   fromTheFuture,
+  /// The kernel's event queue or the recorder's own overflowed.
   eventsLost,
+  /// No answer within the timeout, or the query was cancelled.
   timedOut,
+  /// Another folder is now at the path of the recorded one.
   rootReplaced,
   unmounted,
+  /// More folders changed than an answer may name.
   tooManyChanges,
+  /// The file system can change without events: another computer or a lower file system writes to it.
+  unreportedChanges,
   failed,
 };
 
-/// The reason in words, to follow "because": "the recorder lost events", for instance.
-std::string_view textOf(JournalAbsence reason);
+/// The reason in words that fit after "because": "the recorder lost events", for instance.
+std::string_view textOf(JournalError error);
 
-/// Folders by their full paths, each under the root that was asked for.
+/// The folders that changed, as full paths at or below the root of the query.
 struct FolderChanges {
-  /// Their own entries changed; nothing is said of their subfolders.
-  std::vector<std::string> directories;
-  /// Anything below them may have changed.
-  std::vector<std::string> trees;
+  /// Entries of these folders themselves changed. This says nothing about their subfolders.
+  std::vector<std::string> directories = {};
+  /// Anything in these folders or below them may have changed.
+  std::vector<std::string> trees = {};
+
+  bool operator==(const FolderChanges&) const = default;
 };
 
-/// What happened below a folder, as far back as somebody has been recording it. Any thread.
+/// A question to a journal.
+struct JournalQuery {
+  /// The recorded folder, spelled exactly as the recorder was started with it.
+  std::string root = {};
+  /// The event id that the earlier scan carries.
+  std::uint64_t since = 0;
+  /// The longest wait for an answer, roughly.
+  std::chrono::milliseconds timeout{60'000};
+  /// Polled while the call waits, at least ten times a second; true ends the wait. May be empty.
+  std::function<bool()> shouldCancel = {};
+};
+
+/// A folder listing for one full scan, which registers every folder with the recorder before it is listed, so
+/// that the scan also sets up the recorder. If it is destroyed before `finish`, nothing is recorded.
+class RecordingCrawl : public FolderListing {
+ public:
+  /// The id that the scan must carry. The next answer then includes the changes made during the scan.
+  virtual std::uint64_t eventID() const = 0;
+  /// Call when the scan has visited every folder. From now on queries are answered.
+  virtual void finish() = 0;
+};
+
+/// Knows what changed below a folder since an earlier moment. All functions may be called from any thread.
 class EventJournal {
  public:
-  struct Question {
-    /// The id that `currentEventID` gave before the earlier scan began.
-    std::uint64_t since = 0;
-    /// The folder that is recorded, spelled as the recorder was told it.
-    std::string root;
-    /// How long the answer may take, roughly.
-    std::chrono::milliseconds timeout{0};
-  };
-
   EventJournal() = default;
   EventJournal(const EventJournal&) = delete;
   EventJournal& operator=(const EventJournal&) = delete;
   virtual ~EventJournal() = default;
 
-  /// The id of this moment, larger than every id given before; 0 while nothing is recorded for `root`.
-  virtual std::uint64_t currentEventID(const std::string& root) = 0;
+  /// An id for this moment, larger than every id given before; 0 when `query.root` is not recorded. Ignores
+  /// `query.since`. Blocks for 5 seconds at most.
+  virtual std::uint64_t currentEventID(const JournalQuery& query) = 0;
 
-  /// Every folder that changed after the id was given, complete up to the call. Blocks for about
-  /// `Question::timeout` at the most.
-  virtual std::expected<FolderChanges, JournalAbsence> changes(const Question& question) = 0;
+  /// Every folder that changed after `query.since`, including all changes made before this call.
+  virtual std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) = 0;
+
+  /// Starts to record `root`, for a full scan that then lists through the result. Null when `root` is
+  /// recorded already, and when this journal cannot record it.
+  virtual std::unique_ptr<RecordingCrawl> beginCrawl(const std::string& root);
 };
 
-/// The journal of this user's recorders, whichever process they run in. Absent answers where none runs.
+/// The journal of this user's recorders, in whichever process they run. It records nothing itself.
 std::unique_ptr<EventJournal> hostEventJournal();
 
 }  // namespace spacemint

@@ -2,74 +2,57 @@
 
 #include "core/base/Error.h"
 #include "core/host/EventJournal.h"
-#include "core/host/FolderListing.h"
 
 #include <optional>
 
 namespace spacemint {
 
-/// The first walk of a recorder, made by a scan that opens every subfolder. Given up when it is destroyed
-/// without `finish`. It must not outlive its recorder.
-class RecordingWalk {
- public:
-  RecordingWalk() = default;
-  RecordingWalk(const RecordingWalk&) = delete;
-  RecordingWalk& operator=(const RecordingWalk&) = delete;
-  virtual ~RecordingWalk() = default;
-
-  /// Where the scan takes its entries from: every folder is watched before it is listed.
-  virtual FolderListing& listing() = 0;
-  /// The id that the scan is to carry, so that what changed during it is in the next answer.
-  virtual std::uint64_t eventID() const = 0;
-  /// The scan has opened all that there was; from here on the recorder answers.
-  virtual void finish() = 0;
-};
-
-/// Records what changes below one folder for as long as it lives, and answers for it: to its own process
-/// directly, to other processes of the user through `hostEventJournal`.
+/// Records what changes below one folder for as long as it exists. It answers its own process directly and
+/// other processes of the same user through `hostEventJournal`. All functions may be called from any thread.
 class EventRecorder : public EventJournal {
  public:
   struct Options {
-    /// The folder as scans spell it.
-    std::string root;
-    /// Where other processes of the user find the recorder; empty for `UserFolders::runtime`. Without such a
-    /// folder recording fails, for then nothing keeps two recorders apart.
-    std::string meetingFolder = {};
-    /// Where the count of sessions is kept; empty for the user's state folder.
+    /// The folder to record, spelled as scans spell it: absolute, without "/" at the end.
+    std::string root = {};
+    /// The folder for the socket and the lock file. Empty means "spacemint" in `UserFolders::runtime`;
+    /// without a runtime folder recording fails, because the lock has to be there.
+    std::string endpointFolder = {};
+    /// The folder for the session counter. Empty means "spacemint" in `UserFolders::state`.
     std::string stateFolder = {};
-    /// At most so many folders are watched; 0 for most of what the system grants.
+    /// The largest number of folders to watch; 0 means most of what the kernel allows.
     std::size_t watchLimit = 0;
-    /// False where a scan makes the first walk (`beginWalk`).
-    bool walksAtOnce = true;
+    /// True starts with a crawl by the recorder itself. False waits for a scan that calls `beginCrawl`.
+    bool crawlsAtOnce = true;
   };
 
   struct Status {
-    /// Why no question can be answered now, if none can.
-    std::optional<JournalAbsence> absence;
+    /// Why queries cannot be answered now; absent while they can.
+    std::optional<JournalError> error = {};
+    /// Folders known below the root, the root included.
     std::size_t folders = 0;
+    /// Folders that are watched. The others are crawled by every scan.
     std::size_t watches = 0;
-    /// One mark on the file system does for all folders, so that they are known rather than watched.
+    /// One mark on the whole file system takes the place of a kernel watch on each folder.
     bool marksFileSystem = false;
-    /// Bytes of this process that the map of folders takes.
+    /// Bytes of this process that the map of folders and the watches take.
     std::size_t memory = 0;
-    /// What would let it watch all folders, where the system's limit does not; empty otherwise.
-    std::string limitAdvice;
+    /// The command that raises the kernel's limit of watches; empty unless that limit was reached.
+    std::string limitAdvice = {};
   };
 
-  /// Begins the recording anew with a walk that the caller makes.
-  virtual std::unique_ptr<RecordingWalk> beginWalk() = 0;
+  /// Starts a recorder with its own threads. Fails with EBUSY when another process of the user records the
+  /// same folder, with EMFILE when the kernel allows no more watchers, and when the root cannot be opened.
+  /// A crawl keeps its recorder alive.
+  static std::expected<std::shared_ptr<EventRecorder>, Error> start(Options options);
 
-  /// Waits until questions are answered; false when that takes longer than `timeout` or the recording failed.
+  /// Waits until queries are answered. False when that takes longer than `timeout`, and at once when
+  /// recording failed for good. Lost events are no such failure: the recorder then crawls again by itself.
   virtual bool waitUntilRecording(std::chrono::milliseconds timeout) = 0;
 
   virtual Status status() = 0;
 
-  /// Ends the recording; whoever waits for it returns. Destroying it does so too.
+  /// Ends the recording and every wait for it. The destructor does the same.
   virtual void stop() = 0;
 };
-
-/// Starts a recorder with threads of its own. Fails when another process of the user records the same folder
-/// (EBUSY), when the root cannot be opened, and when the system grants no more watchers.
-std::expected<std::unique_ptr<EventRecorder>, Error> startRecording(EventRecorder::Options options);
 
 }  // namespace spacemint

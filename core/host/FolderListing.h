@@ -16,7 +16,7 @@ namespace spacemint {
 
 enum class EntryType : std::uint8_t { file, folder, other };
 
-/// One entry of a folder, as its listing tells it.
+/// One entry of a folder.
 struct Entry {
   /// Valid until the next batch is read into the same buffer; followed by a NUL byte.
   std::string_view name;
@@ -33,11 +33,11 @@ struct Entry {
   static constexpr std::uint64_t otherVolume = ~std::uint64_t{0};
 };
 
-/// Room for one batch of entries. Each thread that lists has one and uses it again and again.
+/// Memory for one batch of entries. Each listing thread reuses its own buffer.
 struct ListingBuffer {
   static constexpr std::size_t size = 262'144;
 
-  /// Not filled with anything: pages that no listing reaches cost no memory.
+  /// Not initialised, so that unused pages take no memory.
   std::unique_ptr<std::byte[]> bytes = std::make_unique_for_overwrite<std::byte[]>(size);
   std::vector<Entry> entries;
 };

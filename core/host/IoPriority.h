@@ -2,7 +2,8 @@
 
 namespace spacemint {
 
-/// While it lives, the disk serves everybody else before the calling thread. Destroyed on the same thread.
+/// Puts the calling thread into the idle I/O class for as long as the object exists: the disk serves other
+/// programs first. Must be destroyed on the same thread. Where the system refuses, it has no effect.
 class ThrottledIo {
  public:
   ThrottledIo();

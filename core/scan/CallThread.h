@@ -9,11 +9,12 @@
 
 namespace spacemint {
 
-/// A thread that makes calls for others, who wait for them. Threads that a call starts have the priority of
-/// whoever made this object, and not that of the caller. Any thread; it is destroyed when nobody calls.
+/// Runs functions on one dedicated thread. Threads that a function starts inherit the priority of this
+/// thread, which is the priority of the thread that made the object, not that of the caller.
 class CallThread {
  public:
-  /// What the call throws comes out here.
+  /// Runs the function and blocks until it returns. Rethrows what it throws. Any thread; no call may be
+  /// running when the object is destroyed.
   void call(std::function<void()> function);
 
  private:

@@ -5,17 +5,18 @@
 
 namespace spacemint {
 
-/// A stack of file names in one piece of memory: a folder of a million subfolders costs their bytes.
+/// A stack of file names in one string, so that a million names cost little more than their bytes. One
+/// thread.
 class NameList {
  public:
   bool empty() const { return text_.empty(); }
 
   void push(std::string_view name) {
     text_ += name;
-    text_ += '\0';  // no file name has one
+    text_ += '\0';  // no file name contains it
   }
 
-  /// The name pushed last; the list must not be empty. Valid until the next change.
+  /// The newest name. The list must not be empty. Valid until the next change.
   std::string_view last() const {
     const std::string_view text{text_.data(), text_.size() - 1};
     const std::size_t before = text.rfind('\0');

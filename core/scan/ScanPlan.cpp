@@ -2,20 +2,94 @@
 
 #include "core/base/Log.h"
 #include "core/base/Unicode.h"
+#include "core/tree/Paths.h"
+
+#include <algorithm>
+#include <memory>
+#include <unordered_set>
 
 namespace spacemint {
 
 namespace {
 
-// Why nothing of `earlier` can be reused; empty where something can.
+using PathSet = std::unordered_set<std::string>;
+
+// The folder that holds `path`; absent above `rootLength` characters, and for "/".
+std::optional<std::string> parentOf(const std::string& path, std::size_t rootLength) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos || slash == 0 || slash < rootLength) return std::nullopt;
+  return path.substr(0, slash);
+}
+
+// The paths as the tree spells them: without "/" at the end, and on the data volume when the root is there.
+PathSet asInTree(const std::vector<std::string>& paths, const std::string& root) {
+  const bool onDataVolume = canonicalPrefixLength(root, Paths::dataVolume).has_value();
+  PathSet result;
+  for (const std::string& given : paths) {
+    std::string path = given;
+    if (onDataVolume && !canonicalPrefixLength(path, root) &&
+        !canonicalPrefixLength(path, Paths::dataVolume)) {
+      path.insert(0, Paths::dataVolume);
+    }
+    result.emplace(Paths::withoutTrailingSlash(path));
+  }
+  return result;
+}
+
+// The node at `path`, compared byte by byte: two folders can have names that only look alike. Bytes that are
+// not UTF-8 are stored as the replacement character, so a name with this character may be any of several.
+const Node* nodeSpelled(const Snapshot& snapshot, std::string_view path) {
+  constexpr std::string_view replacement = "\ufffd";
+  const std::string prefix = Paths::join(snapshot.rootPath(), "");
+  if (!path.starts_with(prefix) || path.contains(replacement)) return nullptr;
+  path.remove_prefix(prefix.size());
+  const Node* node = &snapshot.root;
+  while (node != nullptr && !path.empty()) {
+    const std::size_t end = std::min(path.find('/'), path.size());
+    const auto child = std::ranges::find(node->children, path.substr(0, end), &Node::name);
+    node = child != node->children.end() ? &*child : nullptr;
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return node;
+}
+
+struct Unchanged {
+  Snapshot previous;
+  PathSet trees;
+  // The changed folders and all folders above them.
+  PathSet toCrawl;
+  bool nothing = false;
+
+  Unchanged(Snapshot earlier, const FolderChanges& changes) : previous(std::move(earlier)) {
+    const std::string& root = previous.rootPath();
+    trees = asInTree(changes.trees, root);
+    nothing = trees.contains(std::string{Paths::withoutTrailingSlash(root)});
+    for (const PathSet& paths : {asInTree(changes.directories, root), trees}) {
+      for (const std::string& changed : paths) {
+        if (changed.size() < root.size()) continue;
+        std::optional<std::string> path = changed;
+        while (path && toCrawl.insert(*path).second) path = parentOf(*path, root.size());
+      }
+    }
+  }
+
+  bool isInChangedTree(const std::string& folder) const {
+    if (nothing || trees.empty()) return nothing;
+    std::optional<std::string> path = folder;
+    while (path && !trees.contains(*path)) path = parentOf(*path, previous.rootPath().size());
+    return path.has_value();
+  }
+};
+
+// Why the earlier scan cannot be reused; empty when it can.
 std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!arguments.mayReuse) return "that was asked for";
   if (!arguments.earlier) return "there is no earlier scan";
   const Snapshot& earlier = *arguments.earlier;
   if (!canonicallyEqual(earlier.rootPath(), arguments.root)) return "the last scan was of another folder";
   if (earlier.minNodeSize != arguments.minNodeSize) return "the last scan used another --min-size";
-  if (!earlier.eventID) return "nothing recorded changes at the last scan";
-  // How long ago that was is not known.
+  if (earlier.eventID.value_or(0) == 0) return "nothing recorded changes at the last scan";
+  // With a date in the future, the next full scan would come too late.
   if (earlier.fullScanDate > arguments.now) return "the last full scan is dated in the future";
   if (!earlier.canSeedIncrementalScan({.root = arguments.root,
                                        .minNodeSize = arguments.minNodeSize,
@@ -28,34 +102,64 @@ std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   return {};
 }
 
-ScanPlan planned(const ChangeLog& log, ScanPlan::Arguments arguments) {
+}  // namespace
+
+DiskScanner::Reuse reuseUnchanged(Snapshot previous, const FolderChanges& changes) {
+  const auto unchanged = std::make_shared<const Unchanged>(std::move(previous), changes);
+  return [unchanged](const std::string& path) -> std::optional<Node> {
+    if (unchanged->toCrawl.contains(path) || unchanged->isInChangedTree(path)) return std::nullopt;
+    const Node* node = nodeSpelled(unchanged->previous, path);
+    if (node == nullptr || !node->isDirectory || node->fileCount < 1) return std::nullopt;
+    return *node;
+  };
+}
+
+namespace {
+
+ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   ScanPlan plan{.fullScanDate = arguments.now};
-  // Before anything is asked or measured, so that what happens from here on is in the next answer.
-  const std::uint64_t id = log.currentEventID(arguments.root);
+  JournalQuery query{
+      .root = arguments.root, .timeout = arguments.timeout, .shouldCancel = arguments.shouldCancel};
+  // The id is taken first, so that everything that happens from now on is in the next answer.
+  const std::uint64_t id = journal.currentEventID(query);
   if (id != 0) plan.eventID = id;
   plan.whyFull = obstacle(arguments);
   if (!plan.whyFull.empty()) return plan;
 
-  auto changes = log.changes(
-      {.since = *arguments.earlier->eventID, .under = arguments.root, .timeout = arguments.timeout});
+  query.since = *arguments.earlier->eventID;
+  const auto changes = journal.changes(query);
   if (!changes) {
     plan.whyFull = textOf(changes.error());
     return plan;
   }
   plan.fullScanDate = *arguments.earlier->fullScanDate;
-  plan.reuse = ChangeLog::reuse(std::move(*arguments.earlier), std::move(*changes));
+  plan.reuse = reuseUnchanged(std::move(*arguments.earlier), *changes);
   return plan;
 }
 
 }  // namespace
 
-ScanPlan ScanPlan::make(const ChangeLog& changes, Arguments arguments) {
+ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
   const std::string root = arguments.root;
-  ScanPlan plan = planned(changes, std::move(arguments));
+  ScanPlan plan = planned(journal, std::move(arguments));
   log(LogLevel::info, plan.whyFull.empty()
                           ? "the scan of " + root + " takes over what has not changed"
                           : "the scan of " + root + " walks everything, because " + plan.whyFull);
   return plan;
+}
+
+Snapshot FinishedScan::snapshot() && {
+  // What could not be read now may be readable next time, although no change is reported.
+  const auto eventID = result.unread.hasFailures ? std::nullopt : plan.eventID;
+  return {.date = end,
+          .duration = end - start,
+          .root = std::move(result.root),
+          .fileCount = result.fileCount,
+          .volumeFree = volume ? volume->free : 0,
+          .volumeTotal = volume ? volume->total : 0,
+          .minNodeSize = minNodeSize,
+          .eventID = eventID,
+          .fullScanDate = plan.fullScanDate};
 }
 
 }  // namespace spacemint

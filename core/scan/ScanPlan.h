@@ -1,18 +1,24 @@
 #pragma once
 
-#include "core/scan/ChangeLog.h"
+#include "core/host/EventJournal.h"
+#include "core/scan/DiskScanner.h"
+#include "core/tree/Snapshot.h"
+#include "core/volume/VolumeStatus.h"
 
 #include <optional>
 #include <string>
 
 namespace spacemint {
 
-/// A scan takes over what did not change since an earlier scan, but walks everything when the last full scan
-/// is older than this. A full scan finds what a journal misses, such as a file that changed through another
-/// name.
+/// After this time a full scan is due. It corrects what a journal cannot report, such as a file that was
+/// changed through another of its names.
 inline constexpr std::chrono::days fullScanInterval{3};
 
-/// How a scan will be made; decided before anything is measured.
+/// The `reuse` function of a scan: a folder is answered with its node in `previous` when nothing changed in
+/// it or below it. The function holds copies of both arguments and may be called from any thread.
+DiskScanner::Reuse reuseUnchanged(Snapshot previous, const FolderChanges& changes);
+
+/// How a scan is made: full, or reusing what did not change. Decided before anything is measured.
 struct ScanPlan {
   struct Arguments {
     std::string root;
@@ -21,21 +27,38 @@ struct ScanPlan {
     Date now;
     /// The newest stored scan.
     std::optional<Snapshot> earlier;
-    /// False to walk everything in any case.
+    /// False makes a full scan in any case.
     bool mayReuse = true;
+    /// The longest wait for the journal.
     std::chrono::milliseconds timeout = std::chrono::seconds{60};
+    /// Polled while the journal is waited for; true ends the wait.
+    std::function<bool()> shouldCancel;
   };
 
-  /// For the snapshot: the journal's event id at the start, and the start of the last full scan.
+  /// The journal's id at the start of the scan, for the snapshot.
   std::optional<std::uint64_t> eventID;
+  /// When the last full scan started, for the snapshot.
   Date fullScanDate;
   /// Empty for a full scan.
   DiskScanner::Reuse reuse;
-  /// Why it is a full scan, in words to follow "because"; empty for one that reuses.
+  /// Why it is a full scan, in words that fit after "because"; empty when it reuses.
   std::string whyFull;
 
-  /// Asks the journal, logs the decision, and blocks for about `Arguments::timeout` at most. Any thread.
-  static ScanPlan make(const ChangeLog& changes, Arguments arguments);
+  /// Asks the journal and logs the decision. Blocks for about `Arguments::timeout` at most, or until it is cancelled. Any thread.
+  static ScanPlan make(EventJournal& journal, Arguments arguments);
+};
+
+/// A scan that was carried out, with everything that is stored about it.
+struct FinishedScan {
+  DiskScanner::Result result;
+  const ScanPlan& plan;
+  Bytes minNodeSize = 0;
+  Date start;
+  Date end;
+  std::optional<VolumeStatus> volume;
+
+  /// The scan as it is stored.
+  Snapshot snapshot() &&;
 };
 
 }  // namespace spacemint

@@ -9,7 +9,7 @@
 
 namespace spacemint {
 
-/// When a scan is due, and how far one is. Pure.
+/// When a scan is due, and how far a scan has come. Pure functions.
 namespace ScanTiming {
 
 struct Staleness {

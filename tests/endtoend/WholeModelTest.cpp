@@ -2,7 +2,7 @@
 
 #include "Spacemint/desktop/linux/LinuxClock.h"
 #include "Spacemint/desktop/linux/ThreadTasks.h"
-#include "core/scan/ScanJournal.h"
+#include "core/scan/ProcessJournal.h"
 #include "support/LoopWatch.h"
 #include "support/ModelFixture.h"
 #include "support/Waiting.h"
@@ -78,7 +78,7 @@ class WholeModel : public ModelFixture {
     waitUntil([&] { return std::chrono::floor<std::chrono::seconds>(clock.now()) > second; }, 2s);
   }
 
-  OwnScanJournal recording{{.root = {}, .meetingFolder = folder / "meet", .stateFolder = folder / "state"}};
+  ProcessJournal recording{{.root = {}, .endpointFolder = folder / "meet", .stateFolder = folder / "state"}};
   LinuxClock clock;
   ThreadTasks tasks;
   QTimer look;  // nothing tells what is on the disk by now

@@ -344,7 +344,7 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   startModel();
   model->scan();
   desktop.settle();
-  EXPECT_THAT(journal.questions, IsEmpty());
+  EXPECT_THAT(journal.queries, IsEmpty());
   EXPECT_EQ(model->history().snapshot()->eventID, 7U);
 
   // What the journal does not name is taken over from the last scan, whatever is there now.
@@ -353,15 +353,15 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   desktop.advance(1h);
   model->scan();
   desktop.settle();
-  ASSERT_THAT(journal.questions, SizeIs(1));
-  EXPECT_EQ(journal.questions[0].since, 7U);
+  ASSERT_THAT(journal.queries, SizeIs(1));
+  EXPECT_EQ(journal.queries[0].since, 7U);
   EXPECT_EQ(sizeInScan("kept"), 50 * MB);
   EXPECT_EQ(model->history().snapshot()->fullScanDate, morning);
 
   desktop.advance(73h);
   model->scan();
   desktop.settle();
-  EXPECT_THAT(journal.questions, SizeIs(1)) << "after three days everything is walked";
+  EXPECT_THAT(journal.queries, SizeIs(1)) << "after three days everything is walked";
   EXPECT_EQ(sizeInScan("kept"), 0);
 }
 

@@ -1,14 +1,16 @@
-// Recording and rescanning as a person runs them, in two processes.
+// Recording and rescanning as a user runs them, in two processes.
 
 #include "support/ChildProcess.h"
 #include "support/Files.h"
 #include "support/OwnLimits.h"
 #include "support/Program.h"
+#include "support/Recording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -35,7 +37,7 @@ class WatchTest : public testing::Test {
   }
   Snapshot newest() const { return program.scans().load(program.scans().entries().at(0)).value(); }
 
-  Program program{SPACEMINTCTL};
+  Program program{SPACEMINTCTL, support::recordableFolder()};
 };
 
 TEST_F(WatchTest, aScanAfterARecordedOneTakesOverWhatHasNotChanged) {
@@ -79,6 +81,18 @@ TEST_F(WatchTest, aRecorderThatWasKilledIsFollowedByOneThatKnowsNothingOfItsTime
   ASSERT_THAT(second.line(), HasSubstr("Recording"));
   EXPECT_THAT(scan({"--no-save"}),
               HasSubstr("A full scan, because the last scan is older than the recording.\n"));
+}
+
+TEST_F(WatchTest, ctrlCEndsAScanThatWaitsForARecorder) {
+  auto watch = program.begin({"watch"});
+  ASSERT_THAT(watch.line(), HasSubstr("Recording"));
+  scan();
+  watch.hang();
+  const auto start = std::chrono::steady_clock::now();
+  const auto outcome = program.runInterrupted({"scan"});
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{3});
+  EXPECT_EQ(outcome.err, "spacemintctl: interrupted\n");
+  EXPECT_EQ(outcome.out, "");
 }
 
 TEST_F(WatchTest, thereIsOneRecorderOfAFolder) {

@@ -15,19 +15,18 @@ inline constexpr Bytes MB = 1'024'000;
 inline constexpr Bytes GB = 1'000'000'000;
 inline constexpr Date morning{std::chrono::sys_days{std::chrono::year{2026} / 3 / 2} + 8h};
 
-/// Tells what a test tells it to tell.
-class FakeJournal final : public ScanJournal {
+/// Answers what a test sets.
+class FakeJournal final : public EventJournal {
  public:
-  std::unique_ptr<RecordingWalk> beginWalk(const std::string&) override { return nullptr; }
-  std::uint64_t currentEventID(const std::string&) override { return id; }
-  std::expected<FolderChanges, JournalAbsence> changes(const Question& question) override {
-    questions.push_back(question);
+  std::uint64_t currentEventID(const JournalQuery&) override { return id; }
+  std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override {
+    queries.push_back(query);
     return answer;
   }
 
   std::uint64_t id = 0;
-  std::expected<FolderChanges, JournalAbsence> answer = std::unexpected(JournalAbsence::notRecording);
-  std::vector<Question> questions;
+  std::expected<FolderChanges, JournalError> answer = std::unexpected(JournalError::notRecording);
+  std::vector<JournalQuery> queries;
 };
 
 /// The model in a home folder of its own, on a desktop whose time the test moves.

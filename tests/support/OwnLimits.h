@@ -8,8 +8,8 @@
 
 namespace spacemint::support {
 
-/// Sets a limit of the kernel (a file of /proc/sys/user) as root of a user namespace of one's own, whose
-/// limits bind nobody else. For a child process.
+/// Sets a limit of the kernel (a file of /proc/sys/user) for a new user namespace, so that other processes
+/// keep theirs. For a child process.
 inline bool setOwnLimit(const std::string& name, int value) {
   const std::string user = std::to_string(geteuid());
   if (unshare(CLONE_NEWUSER) != 0) return false;

@@ -7,7 +7,7 @@
 
 namespace spacemint::support {
 
-/// As root of a namespace of one's own, where mounting is allowed and nobody else sees it. For a child
+/// Enters a new mount namespace, where this process may mount and other processes do not see it. For a child
 /// process.
 inline bool enterOwnMounts() {
   const bool root = geteuid() == 0;

@@ -26,9 +26,10 @@ int exitCodeOf(pid_t child) {
 
 }  // namespace
 
-Program::Program(std::string executable)
+Program::Program(std::string executable, const std::filesystem::path& parent)
     : executable_(std::move(executable)),
-      handle_(open(executable_.c_str(), O_RDONLY | O_CLOEXEC)) {}
+      handle_(open(executable_.c_str(), O_RDONLY | O_CLOEXEC)),
+      home_(parent) {}
 
 Program::~Program() {
   close(handle_);
@@ -97,6 +98,11 @@ std::string Program::Running::line() const {
   std::string text;
   for (char next = 0; read(output_, &next, 1) == 1 && next != '\n';) text += next;
   return text;
+}
+
+void Program::Running::hang() const {
+  kill(child_, SIGSTOP);
+  waitpid(child_, nullptr, WUNTRACED);
 }
 
 int Program::Running::end(int signal) {

@@ -21,7 +21,9 @@ struct Outcome {
 /// Runs programs as a person would, with home and runtime folders of their own and English wording.
 class Program {
  public:
-  explicit Program(std::string executable);
+  /// The home folder is made in `parent`.
+  explicit Program(std::string executable,
+                   const std::filesystem::path& parent = std::filesystem::temp_directory_path());
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
@@ -53,6 +55,8 @@ class Program {
 
     /// Waits for the next line of its standard output; empty at its end.
     std::string line() const;
+    /// Stops the program as if it hung, and waits until it has stopped.
+    void hang() const;
     /// Sends a signal, waits and tells the exit code, 128 more than the signal that killed it.
     int end(int signal);
 

@@ -37,7 +37,7 @@ RandomDisk::RandomDisk(std::string root, std::string outside, std::uint64_t seed
 
 RandomDisk::~RandomDisk() {
   for (const int kept : kept_) close(kept);
-  // So that whoever made the root can remove it.
+  // So that the owner of the root can remove it.
   removeTree(root_);
   removeTree(outside_);
 }
@@ -52,7 +52,7 @@ std::string RandomDisk::folderName() {
   return names[below(names.size())];
 }
 
-// One that is there, the root among them; mostly one deep down, so that much stays as it is.
+// An existing folder, possibly the root; mostly a deep one, so that most of the tree stays unchanged.
 std::string RandomDisk::folder() {
   std::string path = root_;
   for (auto depth = below(4) == 0 ? below(3) : 2 + below(4); depth > 0; --depth) {
@@ -139,7 +139,7 @@ void RandomDisk::changeFile() {
   }
 }
 
-// Pages of a hole are filled, which no event tells of until the file is closed.
+// Fills a page of a hole. No event reports this until the file is closed.
 void RandomDisk::changeThroughMapping() {
   constexpr std::size_t size = 65'536;
   if (withHoles_.empty() || below(3) == 0) {
@@ -201,7 +201,7 @@ void RandomDisk::moveFile() {
   if (hasOneName(from)) rename(from.c_str(), file().c_str());
 }
 
-// Also away and back again, and over an empty one.
+// Moves a folder, also away and back again, and onto an empty folder.
 void RandomDisk::moveFolder() {
   const std::string from = subfolderThatIsThere();
   if (below(3) > 0) {
@@ -241,14 +241,14 @@ void RandomDisk::exchange() {
   renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE);
 }
 
-// Something new is in a folder, and the folder is elsewhere before anybody can look.
+// Adds a tree to a folder and moves the folder before the recorder can look.
 void RandomDisk::fillAndExchange() {
   const std::string one = subfolderThatIsThere();
   makeTree(one + "/" + folderName(), 1);
   renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, subfolderThatIsThere().c_str(), RENAME_EXCHANGE);
 }
 
-// By a link, by a file, by another folder of that name.
+// Replaces a folder by a link, a file or another folder of the same name.
 void RandomDisk::replaceFolder() {
   const std::string path = subfolderThatIsThere();
   if (below(2) == 0) {
@@ -290,7 +290,7 @@ void RandomDisk::changeFolders() {
 
 void RandomDisk::changeFacts() {
   static constexpr std::array<mode_t, 6> modes{0755, 0755, 0, 0311, 0444, 0700};
-  // The kernel takes setting one of them for a change of the file, and setting both for one of its facts.
+  // The kernel reports setting one of the times as MODIFY or ACCESS, and setting both as ATTRIB.
   const timespec times[2]{{0, below(2) == 0 ? UTIME_OMIT : 0}, {static_cast<time_t>(below(1'000'000)), 0}};
   switch (below(4)) {
     case 0:

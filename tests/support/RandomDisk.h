@@ -7,20 +7,20 @@
 
 namespace spacemint::support {
 
-/// Does to a folder what programs do to a disk, one random thing after the other: the same seed does the
-/// same.
+/// Changes a folder as programs change a disk, with one random operation after the other. The same seed gives
+/// the same operations.
 ///
-/// Names are few, so that things get in each other's way. Files with several names have them all in one
-/// folder, because a journal of folders tells nothing of a name that was not used.
+/// There are few names, so that operations interfere with each other. All names of a file are in one folder,
+/// because events name only the path that was used.
 class RandomDisk {
  public:
-  /// Things also move between `root` and `outside`, which must be on the same volume.
+  /// Entries also move between `root` and `outside`, which must be on the same volume.
   RandomDisk(std::string root, std::string outside, std::uint64_t seed);
   ~RandomDisk();
   RandomDisk(const RandomDisk&) = delete;
   RandomDisk& operator=(const RandomDisk&) = delete;
 
-  /// Also takes the rights to folders away and gives them back; for a user whom permissions bind.
+  /// Also removes and restores permissions of folders. For a user whom permissions bind.
   void changePermissions() { changesPermissions_ = true; }
 
   void step();
@@ -33,7 +33,7 @@ class RandomDisk {
   std::string fileName();
   std::string folderName();
   std::string folder();
-  // The path of a file, mostly of one that is there.
+  // The path of a file, which mostly exists.
   std::string file();
   std::string subfolder() { return folder() + "/" + folderName(); }
   std::string subfolderThatIsThere();

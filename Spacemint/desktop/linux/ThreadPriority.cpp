@@ -2,15 +2,19 @@
 
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
 
 #include <string>
 
 namespace spacemint {
 
-void runWhenNobodyElseDoes() {
+// SCHED_BATCH rather than SCHED_IDLE: an idle thread can stand still for minutes on a busy system.
+void runAtLowPriority() {
   constexpr int callingThread = 0;
+  constexpr int lowestPriority = 19;
   const sched_param none{};
-  sched_setscheduler(callingThread, SCHED_IDLE, &none);
+  sched_setscheduler(callingThread, SCHED_BATCH, &none);
+  setpriority(PRIO_PROCESS, callingThread, lowestPriority);  // of one thread only, on Linux
 }
 
 void nameThread(const char* name) {

@@ -2,10 +2,12 @@
 
 namespace spacemint {
 
-/// The calling thread gets a processor only when nobody else wants it. For the rest of its life.
-void runWhenNobodyElseDoes();
+/// Gives the calling thread, and the threads it starts from now on, a low priority for processor and disk,
+/// for the rest of their lives. On a busy system the thread still gets a small share of the processor, so
+/// that it never holds a lock for long.
+void runAtLowPriority();
 
-/// What the calling thread is called in the system's tools; cut after 15 bytes.
+/// Names the calling thread for the system's tools. Only the first 15 bytes are used.
 void nameThread(const char* name);
 
 }  // namespace spacemint

@@ -84,7 +84,7 @@ void WorkerThreads::runAlone(const char* threadName, bool isQuiet, Tasks::Functi
   std::thread([shared = shared_, name = std::string{threadName}, isQuiet,
                function = std::move(function)]() mutable {
     nameThread(name.c_str());
-    if (isQuiet) runWhenNobodyElseDoes();
+    if (isQuiet) runAtLowPriority();
     shared->run(std::move(function));
   }).detach();
 }

@@ -28,7 +28,7 @@ class WorkerThreads {
   enum class Order { later, sooner };
   void share(Order order, Tasks::Function function);
 
-  /// On a thread of its own; a quiet one has the lowest priority.
+  /// On a thread of its own; a quiet one has a low priority.
   void runAlone(const char* threadName, bool isQuiet, Tasks::Function function);
 
   /// Takes nothing new, drops what has not begun and waits for what runs; whether that ended in time.

@@ -1,10 +1,10 @@
 #include "core/host/linux/FolderEraser.h"
 
+#include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/RemovalReason.h"
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -54,22 +54,18 @@ FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& fac
 
 // Removes the files among the next entries and keeps the folders for later; false at the folder's end.
 std::expected<bool, RemovalFailure> FolderEraser::readBatch(Frame& folder) {
-  const long length = syscall(SYS_getdents64, folder.handle.get(), buffer_.get(), bufferSize);
-  // A folder that somebody else has removed lists nothing.
-  if (length < 0 && errno == ENOENT) return false;
-  if (length < 0) return failure("", errno);
   files_.clear();
-  for (long at = 0; at < length;) {
-    const auto* record = reinterpret_cast<const dirent64*>(buffer_.get() + at);
-    at += record->d_reclen;
-    const std::string_view name = record->d_name;
-    if (name == "." || name == "..") continue;
-    if (record->d_type == DT_DIR) {
-      folder.folders.emplace_back(name);
-    } else {
-      files_.push_back({record->d_ino, record->d_name});
-    }
-  }
+  const auto more =
+      readFolderEntries(folder.handle, {buffer_.get(), bufferSize}, [&](const FolderEntry& entry) {
+        if (entry.type == DT_DIR) {
+          folder.folders.emplace_back(entry.name);
+        } else {
+          files_.push_back({entry.inode, entry.name.data()});
+        }
+      });
+  // A folder that somebody else has removed lists nothing.
+  if (!more && more.error() == ENOENT) return false;
+  if (!more) return failure("", more.error());
   // In the order in which they lie on the disk.
   std::ranges::sort(files_, {}, &File::inode);
   for (const File& file : files_) {
@@ -77,7 +73,7 @@ std::expected<bool, RemovalFailure> FolderEraser::readBatch(Frame& folder) {
     const auto removed = removeFile(folder, file.name);
     if (!removed) return std::unexpected(removed.error());
   }
-  return length > 0;
+  return *more;
 }
 
 FolderEraser::Done FolderEraser::removeFile(Frame& folder, const char* name) {

@@ -10,8 +10,8 @@ namespace {
 
 constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
-// Listing a folder would set its access time, and so write to the disk for every folder of a scan. Only the
-// owner may ask for that to be left out.
+// Without O_NOATIME, listing a folder sets its access time, so a scan would write to the disk for every
+// folder. Only the owner of a folder may use this flag.
 FileHandle openWithoutTouching(int parent, const char* name, int flags) {
   FileHandle opened{openat(parent, name, flags | O_NOATIME)};
   return opened || errno != EPERM ? std::move(opened) : FileHandle{openat(parent, name, flags)};

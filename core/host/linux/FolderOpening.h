@@ -6,17 +6,17 @@
 
 namespace spacemint {
 
-/// Opens a folder for listing, where it may without setting its access time; `parent` may be AT_FDCWD. On
-/// failure the handle is empty and errno says why (`openat`).
+/// Opens a folder for listing, if possible so that its access time does not change. `parent` may be AT_FDCWD.
+/// On failure the handle is empty and errno is set (`openat`). Any thread.
 FileHandle openFolder(int parent, const char* name);
 /// The same for a name that must not be a symbolic link.
 FileHandle openFolderItself(int parent, const char* name);
 
-/// Lists the folder from its beginning. Some file systems list only what was there when it was opened, which
-/// was before it was watched.
+/// Starts the listing of an open folder again. Some file systems list what existed when the folder was
+/// opened, which was before it was watched.
 void rewindFolder(const FileHandle& folder);
 
-/// The way to an open handle through /proc, which leads to that very folder whatever its path is by now.
+/// A path under /proc that leads to the open folder itself, whatever its own path is now.
 std::string pathThroughHandle(const FileHandle& folder);
 
 }  // namespace spacemint

@@ -11,7 +11,7 @@
 
 namespace spacemint {
 
-/// The mount that something is on. Two mounts may show the same device, so both numbers count.
+/// Identifies a mount. Two mounts may show the same device, so both numbers count.
 struct Mounted {
   std::uint64_t device = 0;
   std::uint64_t mountId = 0;
@@ -19,7 +19,7 @@ struct Mounted {
   bool operator==(const Mounted&) const = default;
 };
 
-/// The facts of an open handle, whatever stands at its path by now.
+/// The facts of the file or folder that a handle is open on, whatever is at its path now.
 struct HandleFacts {
   Mounted mounted;
   std::uint64_t inode = 0;
@@ -32,14 +32,14 @@ struct HandleFacts {
   FileIdentity identity() const { return {mounted.device, inode}; }
 };
 
-/// Fails with an errno.
+/// Any thread. Fails with an errno.
 std::expected<HandleFacts, int> factsOf(const FileHandle& handle);
 
-/// The same of the entry `name` of an open folder; a link's own.
+/// The facts of the entry `name` of an open folder. A link is not followed.
 std::expected<HandleFacts, int> factsOf(const FileHandle& folder, const char* name);
 
-/// The absolute path of an open folder without links, as the table of mounts spells it; empty where it cannot
-/// be told.
+/// The absolute path of an open folder without links, as the table of mounts spells it; empty when the system
+/// does not say.
 std::string realPathOf(const FileHandle& folder);
 
 }  // namespace spacemint

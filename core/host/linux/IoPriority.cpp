@@ -7,7 +7,7 @@ namespace spacemint {
 
 namespace {
 
-// As in linux/ioprio.h, some versions of which are no C++.
+// The values of linux/ioprio.h, which does not always compile as C++.
 constexpr int ofOneThread = 1;
 constexpr int idleClass = 3;
 constexpr int classShift = 13;

@@ -1,5 +1,6 @@
 #include "core/host/linux/LinuxFolderListing.h"
 
+#include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/MountTable.h"
@@ -8,7 +9,6 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -20,7 +20,7 @@ namespace {
 constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_BLOCKS;
 constexpr int entryFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 constexpr Bytes blockSize = 512;
-// More than any file system can hold; only a broken one says so.
+// No real file system holds a larger file; a larger number is a sign of damage.
 constexpr std::uint64_t largestBlockCount = std::uint64_t{1} << 50U;
 
 EntryType typeOf(const struct statx& status) {
@@ -28,38 +28,39 @@ EntryType typeOf(const struct statx& status) {
   return S_ISDIR(status.stx_mode) ? EntryType::folder : EntryType::other;
 }
 
-// What all folders of one walk share.
+// What all folders below one root share.
 struct Root {
   Mounted mounted;
   MountTree mounts;
-  // Null where nobody follows the walk.
+  // May be null.
   FolderObserver* observer = nullptr;
 };
 
-// Whether a folder that could not be opened for this reason is still there, on this volume.
+// Whether an entry that could not be read for this reason still exists.
 bool isStillThere(int error) {
   return error != ENOENT && error != ENOTDIR && error != ELOOP;
 }
 
 class LinuxFolder final : public OpenFolder {
  public:
-  LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts,
-              FolderObserver::Seen seen)
+  LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts, FolderRef ref)
       : handle_(std::move(handle)),
         root_(std::move(root)),
         mounts_(mounts),
-        seen_(seen) {}
+        ref_(ref) {}
 
   std::uint64_t device() const override { return root_->mounted.device; }
 
   Batch nextBatch(ListingBuffer& buffer) override {
     buffer.entries.clear();
-    // A call may return only "." and "..", which is not yet the end.
+    const auto take = [&](const FolderEntry& entry) {
+      buffer.entries.push_back(entryOf(entry.name, entry.type));
+    };
+    // One call may return only "." and "..".
     while (buffer.entries.empty()) {
-      const long length = syscall(SYS_getdents64, handle_.get(), buffer.bytes.get(), ListingBuffer::size);
-      if (length < 0) return failure(errno);
-      if (length == 0) return {};
-      parse(buffer, static_cast<std::size_t>(length));
+      const auto more = readFolderEntries(handle_, {buffer.bytes.get(), ListingBuffer::size}, take);
+      if (!more) return failure(more.error());
+      if (!*more) return {};
     }
     return {.entries = buffer.entries};
   }
@@ -71,32 +72,22 @@ class LinuxFolder final : public OpenFolder {
     if (!opened) return obstacle(name, errno);
     const auto facts = factsOf(opened);
     if (!facts) return obstacle(name, facts.error());
-    // A volume that appeared since the table was read, or a subvolume, which has a device of its own.
+    // Mounted after the table was read, or a subvolume, which has its own device number.
     if (facts->mounted != root_->mounted) return std::unexpected(EXDEV);
-    FolderObserver::Seen seen;
-    if (root_->observer != nullptr) seen = root_->observer->opened(seen_, name, opened);
-    return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts, seen);
+    FolderRef ref;
+    if (root_->observer != nullptr) ref = root_->observer->opened(ref_, name, opened);
+    return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts, ref);
   }
 
  private:
   Batch failure(int error) const {
-    if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotList(seen_);
+    if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotList(ref_);
     return {.error = error};
   }
 
   std::unexpected<int> obstacle(const std::string& name, int error) const {
-    if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotOpen(seen_, name);
+    if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotOpen(ref_, name);
     return std::unexpected(error);
-  }
-
-  void parse(ListingBuffer& buffer, std::size_t length) {
-    for (std::size_t at = 0; at < length;) {
-      const auto* record = reinterpret_cast<const dirent64*>(buffer.bytes.get() + at);
-      at += record->d_reclen;
-      const std::string_view name = record->d_name;
-      if (name == "." || name == "..") continue;
-      buffer.entries.push_back(entryOf(name, record->d_type));
-    }
   }
 
   // `name` ends in a NUL byte.
@@ -114,7 +105,7 @@ class LinuxFolder final : public OpenFolder {
     struct statx status {};
     if (statx(handle_.get(), name.data(), entryFlags, entryMask, &status) != 0) {
       entry.error = errno;
-      if (root_->observer != nullptr && isStillThere(entry.error)) root_->observer->couldNotList(seen_);
+      if (root_->observer != nullptr && isStillThere(entry.error)) root_->observer->couldNotList(ref_);
       return entry;
     }
     entry.type = typeOf(status);
@@ -135,9 +126,9 @@ class LinuxFolder final : public OpenFolder {
 
   FileHandle handle_;
   std::shared_ptr<const Root> root_;
-  // The mounts below this folder; null where there are none, as nearly everywhere.
+  // The mounts below this folder; null when there are none.
   const MountTree* mounts_;
-  FolderObserver::Seen seen_;
+  FolderRef ref_;
 };
 
 class LinuxFolderListing final : public FolderListing {
@@ -153,9 +144,9 @@ class LinuxFolderListing final : public FolderListing {
     auto root = std::make_shared<Root>(Root{.mounted = facts->mounted, .observer = observer_});
     if (!realPath.empty()) root->mounts = mountsBelow(realPath, currentMounts());
     const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
-    FolderObserver::Seen seen;
-    if (observer_ != nullptr) seen = observer_->openedRoot(handle);
-    return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts, seen);
+    FolderRef ref;
+    if (observer_ != nullptr) ref = observer_->openedRoot(handle);
+    return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts, ref);
   }
 
  private:

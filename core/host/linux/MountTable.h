@@ -18,14 +18,14 @@ struct Mount {
   std::string source;
 };
 
-/// Reads the text of /proc/self/mountinfo. Lines that are not understood are left out.
+/// Parses the text of /proc/self/mountinfo. Lines with an unknown format are left out.
 std::vector<Mount> parseMountTable(std::string_view text);
 
-/// What is mounted now; empty when the system does not tell.
+/// The current mounts; empty when the table cannot be read. Any thread.
 std::vector<Mount> currentMounts();
 
-/// The mount points below one folder, as a tree of names. It is asked by name on the way down, so that a walk
-/// pays nothing where nothing is mounted.
+/// The mount points below one folder, as a tree of names. A scan looks up each name on its way down, so it
+/// costs nothing in folders without mounts.
 struct MountTree {
   bool isMountPoint = false;
   std::map<std::string, std::unique_ptr<MountTree>, std::less<>> below;

@@ -1,13 +1,12 @@
 #include "core/host/Removal.h"
 
+#include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/FolderEraser.h"
 #include "core/host/linux/ItemPlace.h"
 #include "core/host/linux/MountTable.h"
 #include "core/host/linux/RemovalReason.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
 #include <array>
@@ -90,19 +89,15 @@ Done removeEntry(const FileHandle& folder, const std::string& name, const std::s
 
 // The next names of a folder in listing order, without "." and ".."; none at its end.
 std::expected<std::vector<std::string>, int> nextNames(const FileHandle& folder) {
-  alignas(dirent64) std::array<char, 32'768> buffer;
+  alignas(8) std::array<std::byte, 32'768> buffer;
   std::vector<std::string> names;
   // A call may return only "." and "..", which is not yet the end.
   while (names.empty()) {
-    const long length = syscall(SYS_getdents64, folder.get(), buffer.data(), buffer.size());
-    if (length == 0 || (length < 0 && errno == ENOENT)) break;  // its end, or somebody else removed it
-    if (length < 0) return std::unexpected(errno);
-    for (long at = 0; at < length;) {
-      const auto* record = reinterpret_cast<const dirent64*>(buffer.data() + at);
-      at += record->d_reclen;
-      const std::string_view name = record->d_name;
-      if (name != "." && name != "..") names.emplace_back(name);
-    }
+    const auto more =
+        readFolderEntries(folder, buffer, [&](const FolderEntry& entry) { names.emplace_back(entry.name); });
+    if (!more && more.error() != ENOENT) return std::unexpected(more.error());
+    // The end, or somebody else removed the folder.
+    if (!more || !*more) break;
   }
   return names;
 }

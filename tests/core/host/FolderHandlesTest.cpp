@@ -1,7 +1,7 @@
 #include "core/host/linux/journal/FolderHandles.h"
 
 #include "core/host/linux/FolderOpening.h"
-#include "core/host/linux/journal/EventBacklog.h"
+#include "core/host/linux/journal/FileSystemTraits.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ TEST(FolderHandles, giveEachHandleANumberUntilItIsDropped) {
   EXPECT_EQ(handles.add(handle(2)), 8);
   EXPECT_EQ(handles.add(handle(1)), 7);
   EXPECT_EQ(handles.find(handle(2)), 8);
-  EXPECT_EQ(handles.find(handle(2, 1)), FolderHandles::none);  // the inode, used for another folder
+  EXPECT_EQ(handles.find(handle(2, 1)), FolderHandles::none);  // the inode, reused for another folder
   handles.drop(7);
   handles.drop(7);
   handles.drop(99);
@@ -45,23 +45,36 @@ TEST(FolderHandles, areTheFoldersOwnWhereverItIs) {
   EXPECT_NE(FolderHandle::of(openFolder(AT_FDCWD, (folder / "a").c_str())), before);
 }
 
-TEST(EventBacklog, givesOutWhatWasPutIn) {
-  EventBacklog backlog;
-  for (const std::string name : {"", "a", "abc", "abcd", "a name that is longer"}) {
-    auto piece = backlog.room();
-    EXPECT_TRUE(piece.empty());
-    EventBacklog::append(piece, {3, 5, name});
-    EventBacklog::append(piece, {4, 6, "next"});
-    backlog.add(std::move(piece));
-    const auto first = backlog.next();
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->watch, 3);
-    EXPECT_EQ(first->what, 5U);
-    EXPECT_EQ(first->name, name);
-    EXPECT_EQ(backlog.next()->name, "next");
-    EXPECT_EQ(backlog.added(), backlog.taken());
-    EXPECT_FALSE(backlog.next());
+TEST(FileSystemTraits, trustOnlyWhatNobodyElseChanges) {
+  struct Case {
+    const char* name;
+    std::uint32_t type;
+    bool isOnBlockDevice;
+    FileSystemTraits traits;
+  };
+  constexpr FileSystemTraits none;
+  constexpr FileSystemTraits local{.reportsAllChanges = true};
+  constexpr FileSystemTraits withHandles{.reportsAllChanges = true, .hasLastingHandles = true};
+  for (const Case& tested : {Case{"ext4", 0xEF53, true, withHandles},
+                             {"xfs", 0x58465342, true, withHandles},
+                             {"btrfs", 0x9123683E, false, withHandles},
+                             {"tmpfs", 0x01021994, false, withHandles},
+                             {"vfat", 0x4D44, true, local},
+                             {"zfs", 0x2FC12FC1, false, local},
+                             {"fuseblk", 0x65735546, true, local},
+                             {"fuse", 0x65735546, false, none},
+                             {"nfs", 0x6969, false, none},
+                             {"cifs", 0xFF534D42, false, none},
+                             {"smb2", 0xFE534D42, false, none},
+                             {"9p", 0x01021997, false, none},
+                             {"ceph", 0x00C36400, false, none},
+                             {"overlay", 0x794C7630, false, none},
+                             {"ecryptfs", 0xF15F, false, none},
+                             {"unknown", 0x12345678, true, none}}) {
+    EXPECT_EQ(traitsOf(tested.type, tested.isOnBlockDevice), tested.traits) << tested.name;
   }
+  EXPECT_EQ(traitsOf(FileHandle{}), none);
+  EXPECT_EQ(traitsOf(openFolder(AT_FDCWD, "/proc")), none);
 }
 
 }  // namespace

@@ -1,12 +1,13 @@
-// What a recorder says through its socket, and what it does about peers that do not keep to the rules.
+// What a recorder answers through its socket, and how it treats clients that break the rules.
 
 #include "core/host/linux/journal/JournalServer.h"
 
 #include "core/host/EventRecorder.h"
+#include "core/host/linux/journal/JournalEndpoint.h"
 #include "core/host/linux/journal/JournalMessage.h"
-#include "core/host/linux/journal/MeetingPlace.h"
 #include "core/host/linux/journal/SocketJournal.h"
 #include "support/ChildProcess.h"
+#include "support/Recording.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -26,9 +27,9 @@ using namespace std::chrono_literals;
 
 class FakeJournal final : public EventJournal {
  public:
-  std::uint64_t currentEventID(const std::string& root) override { return root == "/r" ? 42 : 0; }
-  std::expected<FolderChanges, JournalAbsence> changes(const Question& question) override {
-    if (question.since == 1) return std::unexpected(JournalAbsence::olderThanSession);
+  std::uint64_t currentEventID(const JournalQuery& query) override { return query.root == "/r" ? 42 : 0; }
+  std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override {
+    if (query.since == 1) return std::unexpected(JournalError::olderThanSession);
     return answer;
   }
   FolderChanges answer{.directories = {"/r/new\nline", "/r/\xff"}, .trees = {"/r"}};
@@ -39,12 +40,12 @@ class JournalServerTest : public testing::Test {
   void serve(std::chrono::milliseconds patience = 10s) {
     ASSERT_TRUE(lock);
     server = JournalServer::start({.journal = journal,
-                                   .listener = place.listen().value(),
+                                   .listener = endpoint.listen().value(),
                                    .readingTime = patience,
                                    .writingTime = patience})
                  .value();
   }
-  FileHandle connect() const { return place.connect().value(); }
+  FileHandle connect() const { return endpoint.connect().value(); }
 
   static void send(const FileHandle& peer, const std::string& bytes) {
     EXPECT_EQ(::send(peer.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL), std::ssize(bytes));
@@ -64,30 +65,28 @@ class JournalServerTest : public testing::Test {
 
   TemporaryFolder folder;
   FakeJournal journal;
-  MeetingPlace place = MeetingPlace::forRoot("/r", folder / "meet").value();
-  std::expected<FileLock, Error> lock = place.lock();
+  JournalEndpoint endpoint = JournalEndpoint::forRoot("/r", folder / "endpoint").value();
+  std::expected<FileLock, Error> lock = endpoint.lock();
   std::unique_ptr<JournalServer> server;
-  SocketJournal asker{folder / "meet"};
+  SocketJournal asker{folder / "endpoint"};
 };
 
 TEST_F(JournalServerTest, passesOnWhatTheJournalSays) {
-  EXPECT_EQ(asker.changes({.since = 9, .root = "/r", .timeout = 5s}).error(), JournalAbsence::notRecording);
+  EXPECT_EQ(asker.changes({.root = "/r", .since = 9, .timeout = 5s}).error(), JournalError::notRecording);
   serve();
-  EXPECT_EQ(asker.currentEventID("/r"), 42U);
-  EXPECT_EQ(asker.currentEventID("/other"), 0U);
-  const auto changes = asker.changes({.since = 9, .root = "/r", .timeout = 5s});
+  EXPECT_EQ(asker.currentEventID({.root = "/r"}), 42U);
+  EXPECT_EQ(asker.currentEventID({.root = "/other"}), 0U);
+  const auto changes = asker.changes({.root = "/r", .since = 9, .timeout = 5s});
   ASSERT_TRUE(changes);
-  EXPECT_EQ(changes->directories, journal.answer.directories);
-  EXPECT_EQ(changes->trees, journal.answer.trees);
-  EXPECT_EQ(asker.changes({.since = 1, .root = "/r", .timeout = 5s}).error(),
-            JournalAbsence::olderThanSession);
+  EXPECT_EQ(*changes, journal.answer);
+  EXPECT_EQ(asker.changes({.root = "/r", .since = 1, .timeout = 5s}).error(), JournalError::olderThanSession);
 }
 
 TEST_F(JournalServerTest, dropsPeersThatSendRubbishOrTooMuch) {
   serve();
   for (const std::string& rubbish :
        {std::string{"GET / HTTP/1.0\r\n\r\n"}, std::string(100, '\0'), std::string{"spacemint-journal 1"},
-        JournalMessage::encode(JournalMessage::IdRequest{"/r"}) + "more",
+        JournalMessage::encode({.query = {.root = "/r"}}) + "more",
         std::string{"spacemint-journal 2\0id\0/r\0end\0", 29}}) {
     const FileHandle peer = connect();
     send(peer, rubbish);
@@ -97,13 +96,13 @@ TEST_F(JournalServerTest, dropsPeersThatSendRubbishOrTooMuch) {
   const FileHandle talker = connect();
   send(talker, std::string(JournalMessage::requestLimit + 1, 'x'));  // and more to come
   EXPECT_EQ(received(talker), "");
-  EXPECT_EQ(asker.currentEventID("/r"), 42U);
+  EXPECT_EQ(asker.currentEventID({.root = "/r"}), 42U);
 }
 
 TEST_F(JournalServerTest, answersOthersWhileAPeerSaysNothing) {
   serve(100ms);
   const FileHandle silent = connect();
-  EXPECT_EQ(asker.currentEventID("/r"), 42U);
+  EXPECT_EQ(asker.currentEventID({.root = "/r"}), 42U);
   EXPECT_EQ(received(silent), "");
 }
 
@@ -112,16 +111,16 @@ TEST_F(JournalServerTest, answersOthersWhileAPeerDoesNotRead) {
   serve(2s);  // long enough for one who reads, also where everything is slow
   const FileHandle lazy = connect();
   const std::string request =
-      JournalMessage::encode(JournalMessage::ChangesRequest{.since = 9, .root = "/r", .timeout = 1s});
+      JournalMessage::encode({.kind = JournalMessage::Kind::changes, .query = {.root = "/r", .since = 9}});
   send(lazy, request);
   shutdown(lazy.get(), SHUT_WR);
-  EXPECT_EQ(asker.currentEventID("/r"), 42U);
+  EXPECT_EQ(asker.currentEventID({.root = "/r"}), 42U);
   pollfd ended{lazy.get(), POLLRDHUP, 0};
   EXPECT_EQ(poll(&ended, 1, 10'000), 1);
   const std::string cut = received(lazy);
   EXPECT_FALSE(cut.empty());
   EXPECT_FALSE(JournalMessage::decodeAnswer(cut));  // half an answer is none
-  const auto whole = asker.changes({.since = 9, .root = "/r", .timeout = 5s});
+  const auto whole = asker.changes({.root = "/r", .since = 9, .timeout = 5s});
   ASSERT_TRUE(whole);
   EXPECT_EQ(whole->directories.size(), 30'000U);
 }
@@ -130,18 +129,28 @@ TEST_F(JournalServerTest, isNotForOtherUsers) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
   serve();
   fs::permissions(folder.path(), fs::perms::all);
-  EXPECT_TRUE(
-      support::succeedsInChild([&] { return support::becomeNobody() && !place.connect() && !place.lock(); }));
-  fs::permissions(folder / "meet", fs::perms::all);
-  for (const auto& entry : fs::directory_iterator(folder / "meet")) fs::permissions(entry, fs::perms::all);
+  EXPECT_TRUE(support::succeedsInChild(
+      [&] { return support::becomeNobody() && !endpoint.connect() && !endpoint.lock(); }));
+  fs::permissions(folder / "endpoint", fs::perms::all);
+  for (const auto& entry : fs::directory_iterator(folder / "endpoint"))
+    fs::permissions(entry, fs::perms::all);
   // Neither lets the other in, also where the folder is open.
-  EXPECT_TRUE(support::succeedsInChild([&] { return support::becomeNobody() && !place.connect(); }));
-  EXPECT_FALSE(place.lock());
+  EXPECT_TRUE(support::succeedsInChild([&] { return support::becomeNobody() && !endpoint.connect(); }));
+  EXPECT_FALSE(endpoint.lock());
 }
 
-TEST_F(JournalServerTest, doesNotHangWhereTheRecorderNeitherAnswersNorEnds) {
-  const FileHandle deaf = place.listen().value();
-  EXPECT_EQ(asker.changes({.since = 9, .root = "/r", .timeout = 50ms}).error(), JournalAbsence::timedOut);
+// The recorder takes the connection and hangs.
+TEST_F(JournalServerTest, endsAWaitAtTheTimeoutAndWhenItIsCancelled) {
+  const FileHandle hanging = endpoint.listen().value();
+  EXPECT_EQ(asker.changes({.root = "/r", .since = 9, .timeout = 50ms}).error(), JournalError::timedOut);
+  int polls = 0;
+  const JournalQuery query{
+      .root = "/r", .since = 9, .timeout = 24h, .shouldCancel = [&] { return ++polls == 3; }};
+  EXPECT_EQ(asker.changes(query).error(), JournalError::timedOut);
+  EXPECT_EQ(polls, 3);
+  polls = 0;
+  EXPECT_EQ(asker.currentEventID(query), 0U);
+  EXPECT_EQ(polls, 3);
 }
 
 TEST(JournalMessage, isTakenWholeOrNotAtAll) {
@@ -157,52 +166,52 @@ TEST(JournalMessage, isTakenWholeOrNotAtAll) {
                                    "9999999999\0"
                                    "0\0end\0"s));
   EXPECT_EQ(JournalMessage::decodeAnswer("spacemint-journal 1\0absent\0later-reason\0end\0"s)->error(),
-            JournalAbsence::failed);
+            JournalError::failed);
   for (const std::uint64_t id : {std::uint64_t{0}, ~std::uint64_t{0}}) {
     EXPECT_EQ(JournalMessage::decodeId(JournalMessage::encodeId(id)), id);
   }
 }
 
-class SharedRecorderTest : public testing::Test {
+class RecorderEndpointTest : public testing::Test {
  protected:
   auto start() {
-    return startRecording(
-        {.root = root.path(), .meetingFolder = folder / "meet", .stateFolder = folder / "state"});
+    return EventRecorder::start(
+        {.root = root.path(), .endpointFolder = folder / "endpoint", .stateFolder = folder / "state"});
   }
 
   TemporaryFolder folder;
-  TemporaryFolder root;
-  SocketJournal asker{folder / "meet"};
+  TemporaryFolder root{support::recordableFolder()};
+  SocketJournal asker{folder / "endpoint"};
 };
 
-TEST_F(SharedRecorderTest, isTheOnlyOneOfItsRootAndOutlivedByNothing) {
+TEST_F(RecorderEndpointTest, isTheOnlyOneOfItsRootAndOutlivedByNothing) {
   auto first = start();
   ASSERT_TRUE(first) << first.error().message;
   EXPECT_TRUE(start().error().isSystem(EBUSY));
   ASSERT_TRUE((*first)->waitUntilRecording(1min));
-  const std::uint64_t id = asker.currentEventID(root.path());
+  const std::uint64_t id = asker.currentEventID({.root = root.path()});
   EXPECT_GT(id, 0U);
   first->reset();
-  EXPECT_EQ(asker.currentEventID(root.path()), 0U);
+  EXPECT_EQ(asker.currentEventID({.root = root.path()}), 0U);
   const auto second = start();
   ASSERT_TRUE(second);
   ASSERT_TRUE((*second)->waitUntilRecording(1min));
-  EXPECT_EQ(asker.changes({.since = id, .root = root.path(), .timeout = 5s}).error(),
-            JournalAbsence::olderThanSession);
-  EXPECT_GT(asker.currentEventID(root.path()), id);
+  EXPECT_EQ(asker.changes({.root = root.path(), .since = id, .timeout = 5s}).error(),
+            JournalError::olderThanSession);
+  EXPECT_GT(asker.currentEventID({.root = root.path()}), id);
 }
 
-TEST_F(SharedRecorderTest, answersTwoAskersAtOnce) {
+TEST_F(RecorderEndpointTest, answersTwoAskersAtOnce) {
   const auto recorder = start();
   ASSERT_TRUE(recorder && (*recorder)->waitUntilRecording(1min));
-  const std::uint64_t since = asker.currentEventID(root.path());
+  const std::uint64_t since = asker.currentEventID({.root = root.path()});
   std::ofstream(root / "new") << "x";
   std::array<std::set<std::uint64_t>, 2> ids;
   std::array<int, 2> right{};
   const auto ask = [&](std::size_t who) {
     for (int i = 0; i < 50; ++i) {
-      ids[who].insert(asker.currentEventID(root.path()));
-      const auto changes = asker.changes({.since = since, .root = root.path(), .timeout = 30s});
+      ids[who].insert(asker.currentEventID({.root = root.path()}));
+      const auto changes = asker.changes({.root = root.path(), .since = since, .timeout = 30s});
       if (changes && changes->directories == std::vector{root.path()}) ++right[who];
     }
   };

@@ -4,70 +4,59 @@
 #include "core/host/linux/journal/FanotifySource.h"
 #include "core/host/linux/journal/InotifySource.h"
 
-#include <cstdint>
+#include <cstddef>
+#include <deque>
 #include <memory>
 #include <optional>
 
 namespace spacemint {
 
-/// Watches on the folders below a root and what they reported, fetched from the kernel's short queue into
-/// memory so that it does not overflow while somebody is busy. One thread.
+/// The events of the folders below one root. They are moved from the kernel's short queue into memory, so
+/// that the kernel's queue does not overflow during a crawl. One thread at a time.
 class EventQueue {
  public:
-  /// Bytes of events in memory, beyond which they count as lost.
-  static constexpr std::size_t backlogLimit = std::size_t{64} << 20U;
+  /// With more events than this in memory, all of them are dropped and the queue has overflowed.
+  static constexpr std::size_t eventLimit = 1'000'000;
 
-  struct Options {
-    /// A mark on the file system takes the place of watches where the system grants it.
-    bool marksFileSystem = true;
-    /// Kinds of events (IN_… bits) that are not asked for.
-    std::uint32_t deafTo = 0;
-  };
+  /// Fails with EMFILE when the user has as many inotify instances as the kernel allows.
+  static std::expected<EventQueue, Error> open();
 
-  /// Fails with EMFILE when the user has as many watchers as the kernel grants.
-  static std::expected<EventQueue, Error> open(Options options);
-
-  /// Stays the same for as long as the queue is not replaced.
+  /// Becomes readable when events can be fetched.
   int descriptor() const { return ready_.get(); }
 
-  /// Watches the open root, before anything below it. Fails with an errno.
+  /// Watches the open root. Must be called before any other folder is watched. Fails with an errno.
   std::expected<int, int> begin(const FileHandle& root);
-  /// Adds watches from other threads, also while the queue is replaced; those then go nowhere.
-  std::shared_ptr<EventSource> watcher() const;
-  std::expected<int, int> watch(const FileHandle& folder) { return watcher()->watch(folder); }
-  void unwatch(int watch) { watcher()->unwatch(watch); }
-  std::size_t watchLimit() const { return watcher()->watchLimit(); }
+  /// Where folders are watched. Scan threads keep a copy, because this queue may be replaced meanwhile; their
+  /// watches are then without effect.
+  const std::shared_ptr<EventSource>& source() const { return source_; }
   bool marksFileSystem() const { return fanotify_ != nullptr; }
 
-  /// Moves what the kernel has queued by now into memory.
+  /// Moves the events that the kernel has queued by now into memory.
   void fetch();
-  /// The next event in memory.
-  std::optional<FolderEvent> next() { return backlog_.next(); }
-  /// Whether events in memory were given up, or a descriptor failed.
-  bool isBroken() const { return broken_; }
-  /// Bytes fetched, and bytes given out by `next`, since the beginning.
-  std::uint64_t fetched() const { return backlog_.added(); }
-  std::uint64_t taken() const { return backlog_.taken(); }
-  /// Bytes that the kernel told since the last call, also of folders that are not watched.
-  std::uint64_t takeHeard();
-
-  /// Bytes of this process that the watches take.
-  std::size_t memory() const { return watcher()->memory(); }
+  /// Removes and returns the oldest event in memory.
+  std::optional<FolderEvent> next();
+  /// The number of events in memory.
+  std::size_t size() const { return events_.size(); }
+  /// True when events in memory were dropped or the kernel failed. Stays true.
+  bool hasOverflowed() const { return overflowed_; }
+  /// How many events the kernel sent since the last call, including those of folders that are not watched.
+  std::size_t takeReceived();
 
  private:
-  EventQueue(Options options, FileHandle ready, std::shared_ptr<InotifySource> inotify);
-  bool listenTo(const EventSource& source);
+  EventQueue(FileHandle ready, std::shared_ptr<InotifySource> inotify);
+  bool poll(const EventSource& source);
   void fetchFrom(EventSource& source);
 
-  Options options_;
   FileHandle ready_;
-  // Watches all folders, or the root itself alone where there is the other one.
+  // Watches every folder; with a mark, only the root itself.
   std::shared_ptr<InotifySource> inotify_;
+  // Null when the system does not allow a mark.
   std::shared_ptr<FanotifySource> fanotify_;
+  std::shared_ptr<EventSource> source_;
   bool begun_ = false;
-  EventBacklog backlog_;
-  std::uint64_t heard_ = 0;
-  bool broken_ = false;
+  std::deque<FolderEvent> events_;
+  std::size_t received_ = 0;
+  bool overflowed_ = false;
 };
 
 }  // namespace spacemint

@@ -11,30 +11,31 @@
 
 namespace spacemint {
 
-/// One mark on the whole file system (`fanotify`), which only an administrator's process may set. Events name
-/// folders by handle. A watch is no more than the knowledge of a folder's handle: no limit, and nothing that
-/// the kernel keeps. What happens in folders that are not watched is passed over.
+/// One fanotify mark on the whole file system, which only a process with CAP_SYS_ADMIN and
+/// CAP_DAC_READ_SEARCH may set. Events name folders by file handle. To watch a folder means to remember its
+/// handle: the kernel keeps nothing for it and sets no limit. Events of folders that are not watched are
+/// dropped.
 class FanotifySource final : public EventSource {
  public:
-  /// Marks the file system that an open folder is on, and watches the folder with the number `first`. Null
-  /// where the system does not grant it or the file system's handles are not to be counted on.
-  static std::shared_ptr<FanotifySource> open(const FileHandle& root, int first, std::uint32_t deafTo = 0);
+  /// Marks the file system of an open folder, and watches the folder with the number `first`. Null when the
+  /// system does not allow it or the file system has no lasting handles.
+  static std::shared_ptr<FanotifySource> open(const FileHandle& root, int first);
 
   int descriptor() const override { return group_.get(); }
   std::expected<int, int> watch(const FileHandle& folder) override;
   void unwatch(int watch) override;
-  std::optional<std::size_t> fetch(EventBacklog& backlog) override;
+  std::optional<std::size_t> fetch(std::deque<FolderEvent>& events) override;
   std::size_t watchLimit() const override;
   std::size_t memory() const override;
 
  private:
   FanotifySource(FileHandle group, int first) : group_(std::move(group)), handles_(first) {}
-  bool take(std::string_view events, std::vector<char>& piece, std::size_t& count) const;
+  std::optional<std::size_t> parse(std::string_view bytes, std::deque<FolderEvent>& events) const;
 
   FileHandle group_;
   std::vector<char> buffer_;
   mutable std::mutex mutex_;
-  FolderHandles handles_;  // by the mutex
+  FolderHandles handles_;  // guarded by the mutex
 };
 
 }  // namespace spacemint

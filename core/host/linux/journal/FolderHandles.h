@@ -15,12 +15,13 @@ struct file_handle;
 
 namespace spacemint {
 
-/// By what a file system knows a folder, whatever its path is: inode and generation, in most cases.
+/// The file handle of a folder (`name_to_handle_at`): usually inode and generation. It does not depend on the
+/// folder's path.
 struct FolderHandle {
   int type = 0;
   std::array<char, 20> bytes{};
 
-  /// Absent where it is larger than those of the file systems that are counted on.
+  /// Absent when the handle is larger than those of the file systems that a mark is used on.
   static std::optional<FolderHandle> of(const file_handle& handle);
   /// Fails with an errno (`name_to_handle_at`).
   static std::expected<FolderHandle, int> of(const FileHandle& folder);
@@ -28,26 +29,27 @@ struct FolderHandle {
   bool operator==(const FolderHandle&) const = default;
 };
 
-/// Gives handles numbers, from the smallest free one on.
+/// Numbers the handles of the watched folders, from a first number on. One thread at a time.
 class FolderHandles {
  public:
   static constexpr int none = -1;
 
   explicit FolderHandles(int first) : first_(first) {}
 
-  /// The same handle always gives the same number, until that is dropped.
+  /// The number of a handle; the smallest free number for a new handle.
   int add(const FolderHandle& handle);
   void drop(int number);
-  /// `none` for a handle that is not known.
+  /// The number of a handle, or `none`.
   int find(const FolderHandle& handle) const;
 
+  /// Bytes held.
   std::size_t memory() const;
 
  private:
   auto hash() const;
 
   int first_;
-  std::deque<FolderHandle> handles_;  // grows without room for twice as much
+  std::deque<FolderHandle> handles_;  // a vector would reserve up to twice the memory
   std::vector<std::uint32_t> free_;
   IndexTable table_;
 };

@@ -6,7 +6,7 @@ namespace spacemint {
 
 namespace {
 
-// Names of folders that are gone are kept until they are this much and half of all.
+// Unused names are removed when they take more bytes than this and more than half of the string.
 constexpr std::size_t unusedNameLimit = 1 << 16U;
 
 std::size_t mixed(std::uint64_t bits) {
@@ -40,7 +40,7 @@ FolderMap::Id FolderMap::reset() {
   return root_;
 }
 
-FolderMap::Id FolderMap::find(Ref ref) const {
+FolderMap::Id FolderMap::find(FolderRef ref) const {
   if (ref.id >= records_.size()) return none;
   const Record& record = records_[ref.id];
   return (record.flags & alive) != 0 && record.generation == ref.generation ? ref.id : none;
@@ -152,7 +152,7 @@ std::size_t FolderMap::memory() const {
 }
 
 void FolderMap::setName(Record& record, std::string_view name) {
-  const std::string own{name};  // the name may lie in the very memory that is about to move
+  const std::string own{name};  // `name` may point into `names_`, which may move
   record.nameLength = 0;
   if (unusedNames_ > unusedNameLimit && unusedNames_ * 2 > names_.size()) compactNames();
   record.nameAt = static_cast<std::uint32_t>(names_.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/host/linux/LinuxFolderListing.h"
 #include "core/host/linux/journal/IndexTable.h"
 
 #include <cstdint>
@@ -11,30 +12,22 @@
 
 namespace spacemint {
 
-/// The folders below a root as a recorder knows them: 48 bytes each, their names in one piece of memory,
-/// found by parent and name or by watch. It knows nothing of the disk.
+/// The tree of folders below a root as a recorder knows it: 48 bytes for each folder, and all names in one
+/// string. Finds a folder by parent and name, or by watch. It does not access the disk. One thread at a time.
 class FolderMap {
  public:
   using Id = std::uint32_t;
   static constexpr Id none = IndexTable::none;
 
-  /// A folder that may be gone by the time one comes back to it.
-  struct Ref {
-    Id id = none;
-    std::uint32_t generation = 0;
-
-    auto operator<=>(const Ref&) const = default;
-  };
-
   enum Flag : std::uint16_t {
     alive = 1,
-    /// Taken out of its place and not yet found elsewhere.
+    /// Moved out of its parent, and not found at another place yet.
     detached = 2,
-    /// Nothing is known of what is below.
+    /// Not watched; what is below is not known.
     unwatched = 4,
-    /// May be another folder than the disk has there by now.
+    /// Not verified against the disk; counts as changed.
     stale = 8,
-    /// Its entries cannot all be read.
+    /// Its entries cannot be read, or only some of them.
     unreadable = 16,
   };
 
@@ -46,43 +39,45 @@ class FolderMap {
     std::uint32_t nameAt = 0;
     std::uint16_t nameLength = 0;
     std::uint16_t flags = 0;
-    /// The watch descriptor; 0 for none, which the kernel never gives out.
+    /// The watch number; 0 when there is none, because the kernel never uses 0.
     int watch = 0;
     std::uint32_t generation = 0;
-    /// Event ids of the last change among the folder's own entries, and of its tree as a whole.
+    /// Stamps (`EventClock`) of the last change of the folder's own entries, and of its tree as a whole.
     std::uint64_t ownChange = 0;
     std::uint64_t treeChange = 0;
   };
 
-  /// Forgets everything and begins with the root.
+  /// Forgets all folders and begins with a root.
   Id reset();
 
   Id root() const { return root_; }
   Record& operator[](Id id) { return records_[id]; }
   const Record& operator[](Id id) const { return records_[id]; }
   std::string_view nameOf(Id id) const { return nameOf(records_[id]); }
-  Ref refTo(Id id) const { return {id, records_[id].generation}; }
-  /// The folder meant, or `none` when it is gone.
-  Id find(Ref ref) const;
+  FolderRef refTo(Id id) const { return {id, records_[id].generation}; }
+  /// The folder, or `none` when it was removed.
+  Id find(FolderRef ref) const;
+  /// The folder with this name, or `none`.
   Id child(Id parent, std::string_view name) const;
+  /// The folder with this watch, or `none`.
   Id withWatch(int watch) const;
 
   Id add(Id parent, std::string_view name, std::uint16_t flags = 0);
   void setWatch(Id id, int watch);
   void dropWatch(Id id);
-  /// Takes a folder with all below it out of its place; `attach` gives it one again.
+  /// Removes a folder with everything below it from its parent. `attach` puts it into another one.
   void detach(Id id);
   void attach(Id id, Id parent, std::string_view name);
-  /// Forgets a folder with all below it, and tells the watches that were on them.
+  /// Forgets a folder with everything below it. Returns the watches that were on these folders.
   std::vector<int> remove(Id id);
 
   bool isDetached(Id id) const { return (records_[id].flags & detached) != 0; }
   /// Whether the folder is `above` or somewhere below it.
   bool isWithin(Id id, Id above) const;
-  /// The names from the root down, joined with "/"; absent for a folder without a place.
+  /// The names from the root down, joined with "/"; absent for a folder in a detached tree.
   std::optional<std::string> relativePath(Id id) const;
 
-  /// Calls `visit(id, record)` for every folder, in no order.
+  /// Calls `visit(id, record)` for every folder, in no particular order.
   template <class Visit>
   void forEach(Visit visit) {
     for (Id id = 0; id < records_.size(); ++id) {
@@ -92,7 +87,7 @@ class FolderMap {
 
   std::size_t size() const { return alive_; }
   std::size_t watches() const { return watches_; }
-  /// Bytes held, unused room included.
+  /// Bytes held, including unused space.
   std::size_t memory() const;
 
  private:
@@ -108,7 +103,7 @@ class FolderMap {
   void link(Id id, Id parent);
   void unlink(Id id);
 
-  std::deque<Record> records_;  // grows without moving what it has, and without room for twice as much
+  std::deque<Record> records_;  // a vector would reserve up to twice the memory
   std::vector<Id> free_;
   std::string names_;
   std::size_t unusedNames_ = 0;

@@ -6,8 +6,8 @@
 
 namespace spacemint {
 
-/// A hash table of numbers of records, four bytes an entry at some half full: the key lies in the record, and
-/// whoever asks brings along how to hash and how to recognise it. Open addressing with linear probing.
+/// An open-addressing hash index of 32-bit record numbers with linear probing. The keys stay in the records;
+/// the caller supplies hash and equality. One thread at a time.
 class IndexTable {
  public:
   static constexpr std::uint32_t none = ~std::uint32_t{0};
@@ -19,7 +19,7 @@ class IndexTable {
     used_ = 0;
   }
 
-  /// The record with this hash for which `matches(record)` holds.
+  /// The record with this hash for which `matches(record)` is true, or `none`.
   template <class Matches>
   std::uint32_t find(std::size_t hash, Matches matches) const {
     for (std::size_t at = hash & mask(); slots_[at] != none; at = next(at)) {
@@ -28,7 +28,7 @@ class IndexTable {
     return none;
   }
 
-  /// Adds a record that is not in the table; `hashOf(record)` gives the hash of any record.
+  /// Adds a record that is not in the table. `hashOf(record)` returns the hash of any record in the table.
   template <class HashOf>
   void insert(std::uint32_t record, HashOf hashOf) {
     if ((used_ + 1) * 10 > slots_.size() * 7) grow(hashOf);
@@ -36,7 +36,7 @@ class IndexTable {
     ++used_;
   }
 
-  /// Takes a record out that is in the table, its key being still what it was.
+  /// Removes a record. Its key must not have changed since it was inserted.
   template <class HashOf>
   void erase(std::uint32_t record, HashOf hashOf) {
     std::size_t hole = hashOf(record) & mask();
@@ -44,7 +44,8 @@ class IndexTable {
       if (slots_[hole] == none) return;
       hole = next(hole);
     }
-    // What follows moves up where that brings it nearer to its own place, so that no gap ends a search early.
+    // Later records move into the hole when their search passes it, so that the hole does not end a search
+    // early.
     for (std::size_t at = next(hole); slots_[at] != none; at = next(at)) {
       const std::size_t home = hashOf(slots_[at]) & mask();
       if (((at - home) & mask()) < ((at - hole) & mask())) continue;
@@ -55,6 +56,7 @@ class IndexTable {
     --used_;
   }
 
+  /// Bytes held.
   std::size_t memory() const { return slots_.capacity() * sizeof(std::uint32_t); }
 
  private:
@@ -76,7 +78,7 @@ class IndexTable {
     }
   }
 
-  std::vector<std::uint32_t> slots_;  // a power of two of them
+  std::vector<std::uint32_t> slots_;  // the size is a power of two
   std::size_t used_ = 0;
 };
 

@@ -7,20 +7,21 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <fstream>
+#include <span>
 #include <utility>
 
 namespace spacemint {
 
 namespace {
 
-// CLOSE_WRITE tells of writes through a mapping, MODIFY of those of a file that stays open, ATTRIB of a
-// folder that becomes readable. Without MASK_ADD, watching a folder again would stop its events for an
-// instant.
+// CLOSE_WRITE reports writes through a memory mapping, MODIFY writes to a file that stays open, ATTRIB a
+// folder that becomes readable. Without MASK_ADD, watching a folder again would lose events for an instant.
 constexpr std::uint32_t selfMask = IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_MASK_ADD;
 constexpr std::uint32_t watchMask =
     IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | selfMask;
-constexpr std::size_t pieceSize = std::size_t{1} << 16U;
+constexpr std::size_t bufferSize = std::size_t{1} << 16U;
 
 std::size_t kernelLimit(const char* name) {
   std::size_t limit = 0;
@@ -33,18 +34,31 @@ std::string adviceFor(const char* name) {
   return "sysctl fs.inotify." + std::string{name} + "=" + std::to_string(limit * 4);
 }
 
-// Where this process's handles are. The link /proc/self is read only once, because following it would add to
-// the cost of every watch.
-std::string ownHandles() {
+// The link /proc/self is read once, because following it would add to the cost of every watch.
+std::string pathOfOpenFiles() {
   std::array<char, 32> process{};
   const ssize_t length = readlink("/proc/self", process.data(), process.size());
   const std::string own = length > 0 ? std::string(process.data(), static_cast<std::size_t>(length)) : "self";
   return "/proc/" + own + "/fd/";
 }
 
+// Appends the events in the kernel's format; how many there were.
+std::size_t parseEvents(std::span<const char> bytes, std::deque<FolderEvent>& events) {
+  std::size_t count = 0;
+  while (bytes.size() >= sizeof(inotify_event)) {
+    inotify_event head{};
+    std::memcpy(&head, bytes.data(), sizeof head);
+    const char* name = bytes.data() + sizeof head;
+    events.push_back({.watch = head.wd, .mask = head.mask, .name = head.len > 0 ? name : ""});
+    bytes = bytes.subspan(sizeof head + head.len);
+    ++count;
+  }
+  return count;
+}
+
 }  // namespace
 
-std::expected<std::shared_ptr<InotifySource>, Error> InotifySource::open(std::uint32_t deafTo) {
+std::expected<std::shared_ptr<InotifySource>, Error> InotifySource::open() {
   FileHandle handle{inotify_init1(IN_CLOEXEC | IN_NONBLOCK)};
   if (!handle) {
     Error error = systemError("watching folders", errno);
@@ -53,46 +67,45 @@ std::expected<std::shared_ptr<InotifySource>, Error> InotifySource::open(std::ui
     }
     return std::unexpected(std::move(error));
   }
-  return std::shared_ptr<InotifySource>{new InotifySource(std::move(handle), watchMask & ~deafTo)};
+  return std::shared_ptr<InotifySource>{new InotifySource(std::move(handle))};
 }
 
-InotifySource::InotifySource(FileHandle handle, std::uint32_t mask)
-    : handle_(std::move(handle)),
-      mask_(mask),
-      handles_(ownHandles()) {}
+InotifySource::InotifySource(FileHandle handle) : handle_(std::move(handle)), openFiles_(pathOfOpenFiles()) {}
 
-std::expected<int, int> InotifySource::watch(const FileHandle& folder, std::uint32_t mask) const {
-  const std::string path = handles_ + std::to_string(folder.get());
-  const int watch = inotify_add_watch(handle_.get(), path.c_str(), mask);
-  if (watch < 0) return std::unexpected(errno);
-  return watch;
+std::expected<int, int> InotifySource::watch(const FileHandle& folder) {
+  return watch(folder, watchMask);
 }
 
 std::expected<int, int> InotifySource::watchItself(const FileHandle& folder) {
   return watch(folder, selfMask);
 }
 
+std::expected<int, int> InotifySource::watch(const FileHandle& folder, std::uint32_t mask) const {
+  const std::string path = openFiles_ + std::to_string(folder.get());
+  const int watch = inotify_add_watch(handle_.get(), path.c_str(), mask);
+  if (watch < 0) return std::unexpected(errno);
+  return watch;
+}
+
 void InotifySource::unwatch(int watch) {
   inotify_rm_watch(handle_.get(), watch);
 }
 
-std::optional<std::size_t> InotifySource::fetch(EventBacklog& backlog) {
+// Reads no more bytes than are queued at the call, so that a steady stream of events cannot keep it here.
+std::optional<std::size_t> InotifySource::fetch(std::deque<FolderEvent>& events) {
   int queued = 0;
   if (ioctl(handle_.get(), FIONREAD, &queued) != 0) return std::nullopt;
-  std::size_t told = 0;
-  while (std::cmp_less(told, queued)) {
-    std::vector<char> piece = backlog.room();
-    piece.resize(pieceSize);
-    const ssize_t length = read(handle_.get(), piece.data(), piece.size());
-    const int error = length < 0 ? errno : 0;
-    piece.resize(static_cast<std::size_t>(std::max(length, ssize_t{0})));
-    told += piece.size();
-    backlog.add(std::move(piece));
-    if (error == EINTR) continue;
-    if (error != 0 && error != EAGAIN) return std::nullopt;
-    if (length <= 0) break;
+  buffer_.resize(bufferSize);
+  std::size_t count = 0;
+  while (queued > 0) {
+    const ssize_t length = read(handle_.get(), buffer_.data(), buffer_.size());
+    if (length < 0 && errno == EINTR) continue;
+    if (length < 0 && errno == EAGAIN) break;
+    if (length <= 0) return std::nullopt;
+    count += parseEvents({buffer_.data(), static_cast<std::size_t>(length)}, events);
+    queued -= static_cast<int>(length);
   }
-  return told;
+  return count;
 }
 
 std::size_t InotifySource::watchLimit() const {

@@ -14,20 +14,21 @@ using namespace JournalMessage;
 constexpr std::string_view header = "spacemint-journal 1";
 constexpr std::string_view end = "end";
 
-constexpr std::array<std::pair<JournalAbsence, std::string_view>, 10> reasonWords{{
-    {JournalAbsence::notRecording, "not-recording"},
-    {JournalAbsence::settingUp, "setting-up"},
-    {JournalAbsence::olderThanSession, "older-than-session"},
-    {JournalAbsence::fromTheFuture, "from-the-future"},
-    {JournalAbsence::eventsLost, "events-lost"},
-    {JournalAbsence::timedOut, "timed-out"},
-    {JournalAbsence::rootReplaced, "root-replaced"},
-    {JournalAbsence::unmounted, "unmounted"},
-    {JournalAbsence::tooManyChanges, "too-many-changes"},
-    {JournalAbsence::failed, "failed"},
+constexpr std::array<std::pair<JournalError, std::string_view>, 11> errorWords{{
+    {JournalError::notRecording, "not-recording"},
+    {JournalError::settingUp, "setting-up"},
+    {JournalError::olderThanSession, "older-than-session"},
+    {JournalError::fromTheFuture, "from-the-future"},
+    {JournalError::eventsLost, "events-lost"},
+    {JournalError::timedOut, "timed-out"},
+    {JournalError::rootReplaced, "root-replaced"},
+    {JournalError::unmounted, "unmounted"},
+    {JournalError::tooManyChanges, "too-many-changes"},
+    {JournalError::unreportedChanges, "unreported-changes"},
+    {JournalError::failed, "failed"},
 }};
 
-// A message is a row of fields, each ended by a NUL byte, which no path has.
+// A message is a sequence of fields. Each ends with a NUL byte, which no path contains.
 class Fields {
  public:
   Fields() { add(header); }
@@ -73,7 +74,7 @@ class Reader {
     return fields;
   }
 
-  // Whether all was as expected, up to the very end.
+  // Whether every field had the expected form and nothing follows the last one.
   bool isWhole() const { return valid_ && rest_.empty(); }
 
  private:
@@ -81,40 +82,37 @@ class Reader {
   bool valid_ = true;
 };
 
-std::string_view wordOf(JournalAbsence reason) {
-  return std::ranges::find(reasonWords, reason, &decltype(reasonWords)::value_type::first)->second;
+std::string_view wordOf(JournalError error) {
+  return std::ranges::find(errorWords, error, &decltype(errorWords)::value_type::first)->second;
 }
 
 }  // namespace
 
 std::string JournalMessage::encode(const Request& request) {
   Fields fields;
-  if (const auto* id = std::get_if<IdRequest>(&request)) {
-    fields.add("id").add(std::string_view{id->root});
+  const JournalQuery& query = request.query;
+  if (request.kind == Kind::id) {
+    fields.add("id");
   } else {
-    const auto& changes = std::get<ChangesRequest>(request);
-    const auto milliseconds = std::max(changes.timeout.count(), std::chrono::milliseconds::rep{0});
-    fields.add("changes").add(changes.since).add(static_cast<std::uint64_t>(milliseconds));
-    fields.add(std::string_view{changes.root});
+    const auto milliseconds = std::max(query.timeout.count(), std::chrono::milliseconds::rep{0});
+    fields.add("changes").add(query.since).add(static_cast<std::uint64_t>(milliseconds));
   }
-  return fields.add(end).take();
+  return fields.add(std::string_view{query.root}).add(end).take();
 }
 
 std::optional<Request> JournalMessage::decodeRequest(std::string_view bytes) {
   Reader reader{bytes};
   const std::string_view kind = reader.text();
   Request request;
-  if (kind == "id") {
-    request = IdRequest{std::string{reader.text()}};
-  } else if (kind == "changes") {
-    ChangesRequest changes{.since = reader.number(), .root = {}};
-    // An hour is more than anybody waits.
-    changes.timeout = std::chrono::milliseconds{std::min<std::uint64_t>(reader.number(), 3'600'000)};
-    changes.root = reader.text();
-    request = std::move(changes);
-  } else {
+  if (kind == "changes") {
+    request.kind = Kind::changes;
+    request.query.since = reader.number();
+    // No client waits longer than an hour.
+    request.query.timeout = std::chrono::milliseconds{std::min<std::uint64_t>(reader.number(), 3'600'000)};
+  } else if (kind != "id") {
     return std::nullopt;
   }
+  request.query.root = reader.text();
   if (reader.text() != end || !reader.isWhole()) return std::nullopt;
   return request;
 }
@@ -145,10 +143,10 @@ std::optional<Answer> JournalMessage::decodeAnswer(std::string_view bytes) {
   const std::string_view kind = reader.text();
   Answer answer;
   if (kind == "absent") {
-    const auto reason =
-        std::ranges::find(reasonWords, reader.text(), &decltype(reasonWords)::value_type::second);
-    // A reason that a later version has.
-    answer = std::unexpected(reason != reasonWords.end() ? reason->first : JournalAbsence::failed);
+    const auto* error =
+        std::ranges::find(errorWords, reader.text(), &decltype(errorWords)::value_type::second);
+    // A later version may have errors that this one does not know.
+    answer = std::unexpected(error != errorWords.end() ? error->first : JournalError::failed);
   } else if (kind == "changes") {
     const std::uint64_t directories = reader.number();
     const std::uint64_t trees = reader.number();

@@ -7,33 +7,34 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 
 namespace spacemint {
 
-/// What askers and recorders say to each other; docs/formats/journal.md describes it. Pure functions.
+/// The wire format between journal clients and the recorder (docs/formats/journal.md). Pure functions.
 namespace JournalMessage {
 
-/// A longer request is not read to its end.
+/// The largest request in bytes. The server closes the connection of a client that sends more.
 inline constexpr std::size_t requestLimit = 8'192;
 
-/// Asks for the current event id.
-struct IdRequest {
-  std::string root;
+enum class Kind : std::uint8_t { id, changes };
+
+/// What a client asks. An id request carries only the root of the query.
+struct Request {
+  Kind kind = Kind::id;
+  JournalQuery query = {};
 };
-/// Asks for what changed.
-using ChangesRequest = EventJournal::Question;
-using Request = std::variant<IdRequest, ChangesRequest>;
 
 std::string encode(const Request& request);
+/// Absent when the bytes are not one whole request.
 std::optional<Request> decodeRequest(std::string_view bytes);
 
 std::string encodeId(std::uint64_t id);
+/// Absent when the bytes are not one whole answer.
 std::optional<std::uint64_t> decodeId(std::string_view bytes);
 
-using Answer = std::expected<FolderChanges, JournalAbsence>;
+using Answer = std::expected<FolderChanges, JournalError>;
 std::string encodeAnswer(const Answer& answer);
-/// Absent for bytes that are not a whole answer.
+/// Absent when the bytes are not one whole answer.
 std::optional<Answer> decodeAnswer(std::string_view bytes);
 
 }  // namespace JournalMessage

@@ -1,7 +1,7 @@
 #include "core/host/linux/journal/JournalServer.h"
 
+#include "core/host/linux/journal/JournalEndpoint.h"
 #include "core/host/linux/journal/JournalMessage.h"
-#include "core/host/linux/journal/MeetingPlace.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -43,7 +43,7 @@ void JournalServer::run() {
       const auto wanted = static_cast<short>(connection.answer.empty() ? POLLIN : POLLOUT);
       ready.push_back({connection.handle.get(), wanted, 0});
     }
-    poll(ready.data(), ready.size(), patience());
+    poll(ready.data(), ready.size(), untilDeadline());
     const auto now = Clock::now();
     std::size_t at = 1;
     std::erase_if(connections_, [&](Connection& connection) {
@@ -53,8 +53,8 @@ void JournalServer::run() {
   }
 }
 
-// Milliseconds until the first peer has taken too long.
-int JournalServer::patience() const {
+// Milliseconds until the first client has used up its time; -1 when there is no client.
+int JournalServer::untilDeadline() const {
   if (connections_.empty()) return -1;
   const auto first = std::ranges::min_element(connections_, {}, &Connection::deadline)->deadline;
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(first - Clock::now());
@@ -70,7 +70,7 @@ void JournalServer::accept() {
                           .answer = {}});
 }
 
-// False when the connection is done with.
+// False when the connection can be closed.
 bool JournalServer::serve(Connection& connection) {
   return connection.answer.empty() ? receive(connection) : send(connection);
 }
@@ -82,7 +82,7 @@ bool JournalServer::receive(Connection& connection) {
   connection.request.append(piece.data(), static_cast<std::size_t>(length));
   if (connection.request.size() > JournalMessage::requestLimit) return false;
   if (length > 0) return true;
-  // The asker has said all that it has to say.
+  // The client has shut down its sending side: the request is complete.
   connection.answer = answerTo(connection.request);
   connection.deadline = Clock::now() + parts_.writingTime;
   return !connection.answer.empty() && send(connection);
@@ -96,15 +96,14 @@ bool JournalServer::send(Connection& connection) const {
   return connection.sent < connection.answer.size();
 }
 
-// Empty for what is not a request.
+// Empty when the bytes are not a valid request.
 std::string JournalServer::answerTo(const std::string& request) {
   const auto decoded = JournalMessage::decodeRequest(request);
   if (!decoded) return {};
-  if (const auto* id = std::get_if<JournalMessage::IdRequest>(&*decoded)) {
-    return JournalMessage::encodeId(parts_.journal.currentEventID(id->root));
+  if (decoded->kind == JournalMessage::Kind::id) {
+    return JournalMessage::encodeId(parts_.journal.currentEventID(decoded->query));
   }
-  return JournalMessage::encodeAnswer(
-      parts_.journal.changes(std::get<JournalMessage::ChangesRequest>(*decoded)));
+  return JournalMessage::encodeAnswer(parts_.journal.changes(decoded->query));
 }
 
 }  // namespace spacemint

@@ -12,23 +12,25 @@
 
 namespace spacemint {
 
-/// Answers other processes of the user from a journal, with a thread of its own that sleeps while nobody
-/// asks. A peer that sends rubbish, too much or nothing, or does not read, is dropped after a while and keeps
-/// nobody else waiting; questions are answered one after the other.
+/// Answers other processes of the user from a journal. Its own thread sleeps while no client asks, and
+/// answers queries one after the other. It disconnects a client that sends no valid request, sends too much,
+/// or does not send or read in time; other clients do not wait for such a client.
 class JournalServer {
  public:
   struct Parts {
     EventJournal& journal;
     FileHandle listener;
-    /// How long a peer may take to send its request, and to read the answer.
+    /// How long a client may take to send its request, and to read the answer.
     std::chrono::milliseconds readingTime{2'000};
     std::chrono::milliseconds writingTime{10'000};
   };
 
-  /// More wait until one of these is done.
+  /// The largest number of clients served at the same time. More clients wait.
   static constexpr std::size_t connectionLimit = 32;
 
+  /// The journal must outlive the server. Fails with an errno when the system has no descriptor left.
   static std::expected<std::unique_ptr<JournalServer>, Error> start(Parts parts);
+  /// Disconnects all clients and waits for the thread.
   ~JournalServer();
   JournalServer(const JournalServer&) = delete;
   JournalServer& operator=(const JournalServer&) = delete;
@@ -39,7 +41,7 @@ class JournalServer {
     FileHandle handle;
     Clock::time_point deadline;
     std::string request;
-    // Empty until the request is whole.
+    // Empty until the whole request was received.
     std::string answer;
     std::size_t sent = 0;
   };
@@ -47,7 +49,7 @@ class JournalServer {
   JournalServer(Parts parts, FileHandle wake) : parts_(std::move(parts)), wake_(std::move(wake)) {}
 
   void run();
-  int patience() const;
+  int untilDeadline() const;
   void accept();
   bool serve(Connection& connection);
   bool receive(Connection& connection);

@@ -9,19 +9,21 @@
 
 namespace spacemint {
 
-/// What is mounted below a folder, and when that changes: no watch on a folder tells of it. One thread.
+/// The mount points below a folder, and when they change. Watches on folders do not report mounts. One
+/// thread.
 class MountPoints {
  public:
   MountPoints() = default;
   /// `root` is an absolute path without links.
   explicit MountPoints(std::string root);
 
-  /// Becomes ready (POLLPRI) when something is mounted or unmounted anywhere; -1 where that is not told.
+  /// Becomes ready (POLLPRI) when anything is mounted or unmounted; -1 when the system does not report it.
   int descriptor() const { return table_.get(); }
   /// True once after every change. Never blocks.
   bool haveChanged() const;
-  /// Reads the table again; the paths, relative to the root, at which something came or went.
+  /// Reads the table again. Returns the mount points that appeared or disappeared, relative to the root.
   std::vector<std::string> refresh();
+  /// Whether nothing is mounted below the root.
   bool empty() const { return paths_.empty(); }
   bool contains(std::string_view relativePath) const { return paths_.contains(relativePath); }
 

@@ -1,9 +1,12 @@
 #include "core/host/linux/journal/Recorder.h"
 
-#include "core/host/linux/journal/RecorderWalk.h"
+#include "core/host/UserFolders.h"
+#include "core/host/linux/LinuxFolderListing.h"
+#include "core/host/linux/journal/SessionCounter.h"
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/eventfd.h>
 
 #include <algorithm>
@@ -15,15 +18,13 @@ namespace spacemint {
 
 namespace {
 
-// More bytes of events than this in one burst are a storm.
-constexpr std::uint64_t stormBytes = 100'000;
+// With more events than this in one burst, the next burst is fetched sooner.
+constexpr std::size_t stormEvents = 3'000;
+// How often a waiting query looks whether it was cancelled.
+constexpr std::chrono::milliseconds cancelTime{50};
 
 void raise(const FileHandle& wake) {
   eventfd_write(wake.get(), 1);
-}
-
-EventQueue::Options queueOptions(const RecorderRules& rules) {
-  return {.marksFileSystem = rules.marksFileSystem, .deafTo = rules.deafTo};
 }
 
 void lower(const FileHandle& wake) {
@@ -33,109 +34,206 @@ void lower(const FileHandle& wake) {
 
 }  // namespace
 
-std::expected<std::unique_ptr<Recorder>, Error> Recorder::start(Parts parts) {
-  auto queue = EventQueue::open(queueOptions(parts.rules));
+// The crawl of a scan, which sets up the recorder. Does nothing once a newer crawl has begun.
+class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
+ public:
+  Crawl(std::shared_ptr<Recorder> recorder, std::uint64_t number, std::uint64_t eventID)
+      : recorder_(std::move(recorder)),
+        number_(number),
+        eventID_(eventID),
+        listing_(observedFolderListing(*this)) {}
+
+  ~Crawl() override {
+    if (finished_) return;
+    recorder_->perform([this] {
+      const std::lock_guard lock(recorder_->mapMutex_);
+      if (isCurrent()) recorder_->tree_.fail(JournalError::notRecording);
+    });
+  }
+
+  std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override {
+    return listing_->open(root);
+  }
+  std::uint64_t eventID() const override { return eventID_; }
+
+  void finish() override {
+    finished_ = true;
+    recorder_->perform([this] {
+      const std::lock_guard lock(recorder_->mapMutex_);
+      if (!isCurrent()) return;
+      recorder_->tree_.setScanning(false);
+      recorder_->completeSetUp();
+    });
+  }
+
+ private:
+  bool isCurrent() const { return recorder_->crawlNumber_ == number_; }
+
+  FolderRef openedRoot(const FileHandle& folder) override {
+    const std::lock_guard lock(recorder_->mapMutex_);
+    if (!isCurrent() || !recorder_->tree_.begin(folder)) return {};
+    recorder_->tree_.setScanning(true);
+    source_ = recorder_->queue_.source();
+    return recorder_->tree_.rootRef();
+  }
+
+  // The folder is watched before the lock is taken, because watching takes the longest.
+  FolderRef opened(FolderRef parent, std::string_view name, const FileHandle& folder) override {
+    if (!source_) return {};
+    const auto watched = source_->watch(folder);
+    rewindFolder(folder);
+    const std::lock_guard lock(recorder_->mapMutex_);
+    return isCurrent() ? recorder_->tree_.adopt(parent, name, watched) : FolderRef{};
+  }
+
+  void couldNotOpen(FolderRef parent, std::string_view name) override {
+    const std::lock_guard lock(recorder_->mapMutex_);
+    if (isCurrent()) recorder_->tree_.adoptClosed(parent, name);
+  }
+
+  void couldNotList(FolderRef folder) override {
+    const std::lock_guard lock(recorder_->mapMutex_);
+    if (isCurrent()) recorder_->tree_.adoptUnlisted(folder);
+  }
+
+  std::shared_ptr<Recorder> recorder_;
+  std::uint64_t number_;
+  std::uint64_t eventID_;
+  std::unique_ptr<FolderListing> listing_;
+  // Set when the root is opened, before any of its subfolders. Stays null when the root cannot be recorded.
+  std::shared_ptr<EventSource> source_;
+  bool finished_ = false;
+};
+
+std::expected<std::shared_ptr<EventRecorder>, Error> EventRecorder::start(Options options) {
+  return Recorder::start(std::move(options));
+}
+
+std::expected<std::shared_ptr<Recorder>, Error> Recorder::start(Options options) {
+  auto endpoint = JournalEndpoint::forRoot(options.root, options.endpointFolder);
+  if (!endpoint) return std::unexpected(std::move(endpoint).error());
+  auto lock = endpoint->lock();
+  if (!lock) return std::unexpected(std::move(lock).error());
+  if (!openFolder(AT_FDCWD, options.root.c_str())) return std::unexpected(systemError(options.root, errno));
+  const std::string stateFolder =
+      options.stateFolder.empty() ? UserFolders::state() + "/spacemint" : options.stateFolder;
+  const auto firstEventID = SessionCounter::begin(stateFolder, SessionCounter::drawRandomly);
+  if (!firstEventID) return std::unexpected(firstEventID.error());
+  auto queue = EventQueue::open();
   if (!queue) return std::unexpected(std::move(queue).error());
   FileHandle wake{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
-  if (!wake) return std::unexpected(systemError(parts.root, errno));
-  if (!openFolder(AT_FDCWD, parts.root.c_str())) return std::unexpected(systemError(parts.root, errno));
-  std::unique_ptr<Recorder> recorder{new Recorder(std::move(parts), std::move(*queue), std::move(wake))};
-  recorder->thread_ = std::thread([&running = *recorder] { running.run(); });
+  if (!wake) return std::unexpected(systemError(options.root, errno));
+  std::shared_ptr<Recorder> recorder{new Recorder(std::move(options), {.endpoint = std::move(*endpoint),
+                                                                       .lock = std::move(*lock),
+                                                                       .firstEventID = *firstEventID,
+                                                                       .queue = std::move(*queue),
+                                                                       .wake = std::move(wake)})};
+  if (auto serving = recorder->serve(); !serving) return std::unexpected(std::move(serving).error());
   return recorder;
 }
 
-Recorder::Recorder(Parts parts, EventQueue queue, FileHandle wake)
-    : parts_(std::move(parts)),
-      wake_(std::move(wake)),
-      queue_(std::move(queue)),
-      clock_(parts_.firstEventID),
-      tree_({.root = parts_.root,
+Recorder::Recorder(Options options, Parts parts)
+    : options_(std::move(options)),
+      endpoint_(std::move(parts.endpoint)),
+      lock_(std::move(parts.lock)),
+      wake_(std::move(parts.wake)),
+      firstEventID_(parts.firstEventID),
+      queue_(std::move(parts.queue)),
+      clock_(firstEventID_),
+      tree_({.root = options_.root,
              .queue = queue_,
              .clock = clock_,
-             .rules = parts_.rules,
-             .watchLimit = parts_.watchLimit,
+             .watchLimit = options_.watchLimit,
              .shouldStop = [this] { return stopping_.load(); }}) {
-  if (parts_.walksAtOnce) status_.absence = JournalAbsence::settingUp;
+  if (options_.crawlsAtOnce) status_.error = JournalError::settingUp;
+}
+
+// Starts both threads.
+std::expected<void, Error> Recorder::serve() {
+  auto listener = endpoint_.listen();
+  if (!listener) return std::unexpected(std::move(listener).error());
+  auto server = JournalServer::start({.journal = *this, .listener = std::move(*listener)});
+  if (!server) return std::unexpected(std::move(server).error());
+  server_ = std::move(*server);
+  thread_ = std::thread([this] {
+    pthread_setname_np(pthread_self(), threadName);
+    run();
+  });
+  return {};
 }
 
 Recorder::~Recorder() {
   stop();
 }
 
+// The recorder's thread ends first: it answers the queries that the server's thread waits for.
 void Recorder::stop() {
   stopping_ = true;
   raise(wake_);
   if (thread_.joinable()) thread_.join();
+  server_.reset();
+  endpoint_.remove();
 }
 
-std::uint64_t Recorder::currentEventID(const std::string& root) {
+std::uint64_t Recorder::currentEventID(const JournalQuery& query) {
   const std::lock_guard lock(gate_);
-  return root == parts_.root && !status_.absence ? clock_.give() : 0;
+  return query.root == options_.root && !status_.error ? clock_.give() : 0;
 }
 
-std::expected<FolderChanges, JournalAbsence> Recorder::changes(const Question& question) {
-  if (question.root != parts_.root) return std::unexpected(JournalAbsence::notRecording);
-  const auto deadline = Clock::now() + question.timeout;
-  if (const auto absence = status().absence; absence == JournalAbsence::settingUp) {
-    return std::unexpected(*absence);
-  }
-  // The answer outlives this call where it comes too late.
-  auto answer = std::make_shared<std::expected<FolderChanges, JournalAbsence>>();
-  const auto work = [this, answer, since = question.since] {
-    auto reason = JournalAbsence::failed;
-    if (!isCovered(since, reason)) {
-      *answer = std::unexpected(reason);
+std::expected<FolderChanges, JournalError> Recorder::changes(const JournalQuery& query) {
+  if (query.root != options_.root) return std::unexpected(JournalError::notRecording);
+  if (const auto error = status().error; error == JournalError::settingUp) return std::unexpected(*error);
+  // Shared, because after a timeout the work is done when this call has returned.
+  auto answer = std::make_shared<std::expected<FolderChanges, JournalError>>();
+  const auto work = [this, answer, since = query.since] {
+    if (const auto obstacle = obstacleTo(since)) {
+      *answer = std::unexpected(*obstacle);
       return;
     }
     {
       const std::lock_guard lock(mapMutex_);
       *answer = tree_.changes(since);
     }
-    takeLoss();
+    takeError();
   };
-  if (!perform(work, deadline)) {
-    return std::unexpected(stopping_ ? JournalAbsence::notRecording : JournalAbsence::timedOut);
+  if (!perform(work, query)) {
+    return std::unexpected(stopping_ ? JournalError::notRecording : JournalError::timedOut);
   }
   return std::move(*answer);
 }
 
-// Only this session's ids are known, and of them the one that its first walk began with and those given since
-// that was complete.
-bool Recorder::isCovered(std::uint64_t since, JournalAbsence& reason) const {
-  if (status_.absence) {
-    reason = *status_.absence;
-  } else if (since < parts_.firstEventID) {
-    reason = JournalAbsence::olderThanSession;
-  } else if (since >= clock_.stamp()) {
-    reason = JournalAbsence::fromTheFuture;
-  } else if (since < completeEventID_ && since != walkEventID_) {
-    reason = lastLoss_.value_or(JournalAbsence::olderThanSession);
-  } else {
-    return true;
+// A session answers for the ids that it gave out after its crawl was complete, and for the id of that crawl.
+std::optional<JournalError> Recorder::obstacleTo(std::uint64_t since) const {
+  if (status_.error) return status_.error;
+  if (since < firstEventID_) return JournalError::olderThanSession;
+  if (since >= clock_.stamp()) return JournalError::fromTheFuture;
+  if (since < completeEventID_ && since != crawlEventID_) {
+    return lastError_.value_or(JournalError::olderThanSession);
   }
-  return false;
+  return std::nullopt;
 }
 
-std::unique_ptr<RecordingWalk> Recorder::beginWalk() {
+std::unique_ptr<RecordingCrawl> Recorder::beginCrawl(const std::string& root) {
+  if (root != options_.root || !status().error) return nullptr;
   std::uint64_t number = 0;
   std::uint64_t eventID = 0;
-  perform(
-      [&] {
-        const std::lock_guard lock(mapMutex_);
-        beginAnew();
-        number = walkNumber_;
-        eventID = clock_.give();
-        const std::lock_guard gate(gate_);
-        walkEventID_ = eventID;
-      },
-      Clock::time_point::max());
-  return std::make_unique<Walk>(*this, number, eventID);
+  perform([&] {
+    const std::lock_guard lock(mapMutex_);
+    beginAnew();
+    number = crawlNumber_;
+    eventID = clock_.give();
+    const std::lock_guard gate(gate_);
+    crawlEventID_ = eventID;
+  });
+  return std::make_unique<Crawl>(shared_from_this(), number, eventID);
 }
 
 bool Recorder::waitUntilRecording(std::chrono::milliseconds timeout) {
   std::unique_lock lock(gate_);
-  const auto isDecided = [&] { return status_.absence != JournalAbsence::settingUp; };
-  return changed_.wait_until(lock, Clock::now() + timeout, isDecided) && !status_.absence;
+  const auto isDecided = [&] {
+    return status_.error != JournalError::settingUp && status_.error != JournalError::eventsLost;
+  };
+  return changed_.wait_until(lock, Clock::now() + timeout, isDecided) && !status_.error;
 }
 
 EventRecorder::Status Recorder::status() {
@@ -143,16 +241,32 @@ EventRecorder::Status Recorder::status() {
   return status_;
 }
 
-// False when it is not done by the deadline; it is then done later, and nobody waits for it.
-bool Recorder::perform(std::function<void()> work, Clock::time_point deadline) {
-  const auto job = std::make_shared<Job>(Job{.work = std::move(work)});
-  std::unique_lock lock(gate_);
-  if (ended_) return false;
+// With `gate_` locked. Null when the recorder has ended.
+std::shared_ptr<Recorder::Job> Recorder::submit(std::function<void()> work) {
+  if (ended_) return nullptr;
+  auto job = std::make_shared<Job>(Job{.work = std::move(work)});
   jobs_.push_back(job);
   raise(wake_);
+  return job;
+}
+
+// Blocks until the recorder's thread has done the work. Does nothing when the recorder has ended.
+void Recorder::perform(std::function<void()> work) {
+  std::unique_lock lock(gate_);
+  const auto job = submit(std::move(work));
+  if (job) changed_.wait(lock, [&] { return job->done; });
+}
+
+// The same with the timeout of a query. False when the work is not done yet; it is then done later.
+bool Recorder::perform(std::function<void()> work, const JournalQuery& query) {
+  const auto deadline = Clock::now() + query.timeout;
+  std::unique_lock lock(gate_);
+  const auto job = submit(std::move(work));
+  if (!job) return false;
   const auto isDone = [&] { return job->done; };
-  if (deadline != Clock::time_point::max()) return changed_.wait_until(lock, deadline, isDone);
-  changed_.wait(lock, isDone);
+  while (!changed_.wait_until(lock, std::min(deadline, Clock::now() + cancelTime), isDone)) {
+    if (Clock::now() >= deadline || (query.shouldCancel && query.shouldCancel())) return false;
+  }
   return true;
 }
 
@@ -162,7 +276,7 @@ std::vector<std::shared_ptr<Recorder::Job>> Recorder::takeJobs(bool areLast) {
   return std::exchange(jobs_, {});
 }
 
-void Recorder::tellDone(const std::vector<std::shared_ptr<Job>>& jobs) {
+void Recorder::finish(const std::vector<std::shared_ptr<Job>>& jobs) {
   if (jobs.empty()) return;
   const std::lock_guard lock(gate_);
   for (const auto& job : jobs) job->done = true;
@@ -170,88 +284,87 @@ void Recorder::tellDone(const std::vector<std::shared_ptr<Job>>& jobs) {
 }
 
 void Recorder::run() {
-  if (parts_.walksAtOnce) setUp();
+  if (options_.crawlsAtOnce) setUp();
   while (!stopping_) {
-    if (parts_.rules.beforeListening) parts_.rules.beforeListening();
-    listen();
-    // First the jobs, then the events: what a question is about has happened before it was asked.
+    poll();
+    // The jobs are taken before the events are fetched: what a query is about happened before the query.
     const auto jobs = takeJobs();
-    if (parts_.rules.drainsBeforeAnswering || jobs.empty()) drain();
-    takeLoss();
+    drain();
+    takeError();
     for (const auto& job : jobs) job->work();
-    takeLoss();
+    takeError();
     const bool beginsAnew = restartAt_ ? *restartAt_ <= Clock::now() : wasAskedInVain(jobs);
-    // Said first, so that whoever was answered in vain can wait for it.
-    if (beginsAnew) announce(JournalAbsence::settingUp);
-    tellDone(jobs);
+    // Published before the jobs are finished, so that a caller who got no answer can wait for the set-up.
+    if (beginsAnew) publish(JournalError::settingUp);
+    finish(jobs);
     if (beginsAnew) setUp();
     publishFigures();
-    gather();
+    collect();
   }
-  announce(JournalAbsence::notRecording);
+  publish(JournalError::notRecording);
   const auto jobs = takeJobs(true);
   for (const auto& job : jobs) job->work();
-  tellDone(jobs);
+  finish(jobs);
 }
 
-// Somebody walks everything now, and is to find the recorder ready the next time.
+// A caller got no answer and so makes a full scan now. The recorder shall be ready for its next scan.
 bool Recorder::wasAskedInVain(const std::vector<std::shared_ptr<Job>>& jobs) const {
-  return !jobs.empty() && parts_.walksAtOnce && status_.absence &&
-         status_.absence != JournalAbsence::settingUp;
+  return !jobs.empty() && options_.crawlsAtOnce && status_.error && status_.error != JournalError::settingUp;
 }
 
-void Recorder::listen() {
+// Sleeps until there are events or jobs, a mount changes, or something is due.
+void Recorder::poll() {
   std::array<pollfd, 3> ready{{{wake_.get(), POLLIN, 0}, {queue_.descriptor(), POLLIN, 0}, {-1, POLLPRI, 0}}};
-  int patience = 0;
+  int timeout = 0;
   {
     const std::lock_guard lock(mapMutex_);
-    if (queue_.taken() < queue_.fetched()) return;
+    if (queue_.size() > 0) return;
     ready[2].fd = tree_.mounts().descriptor();
-    patience = tree_.isWaiting() ? static_cast<int>(WatchedTree::awayTime.count()) : untilRestart();
+    timeout = tree_.hasMovedOut() ? static_cast<int>(WatchedTree::moveTime.count()) : untilRestart();
   }
-  poll(ready.data(), ready.size(), patience);
+  ::poll(ready.data(), ready.size(), timeout);
   if (ready[0].revents != 0) lower(wake_);
   if (ready[2].revents == 0) return;
   const std::lock_guard lock(mapMutex_);
   tree_.noticeMounts();
 }
 
-// In milliseconds; for ever where it is not due.
+// In milliseconds; -1 when no restart is due.
 int Recorder::untilRestart() const {
   if (!restartAt_) return -1;
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(*restartAt_ - Clock::now());
   return static_cast<int>(std::max(left.count(), std::chrono::milliseconds::rep{0}));
 }
 
-// Being woken for each event would cost more than handling it. A question ends the wait.
-void Recorder::gather() {
+// Lets events gather, because waking up for each event would cost more than handling it. A job ends the wait.
+void Recorder::collect() {
   if (burst_ == 0 || stopping_) return;
   pollfd ready{wake_.get(), POLLIN, 0};
-  poll(&ready, 1, static_cast<int>((burst_ > stormBytes ? stormTime : burstTime).count()));
+  ::poll(&ready, 1, static_cast<int>((burst_ > stormEvents ? stormTime : burstTime).count()));
 }
 
+// Handles the events queued at the call. Crawls on the way add others, which wait for the next call.
 void Recorder::drain() {
   const std::lock_guard lock(mapMutex_);
   queue_.fetch();
-  const std::uint64_t queued = queue_.fetched();
-  burst_ = queue_.takeHeard();
-  while (queue_.taken() < queued) {
+  burst_ = queue_.takeReceived();
+  for (std::size_t left = queue_.size(); left > 0; --left) {
     if (const auto event = queue_.next()) tree_.handle(*event);
   }
   tree_.settle(Clock::now());
-  if (queue_.isBroken()) tree_.lose(JournalAbsence::eventsLost);
+  if (queue_.hasOverflowed()) tree_.fail(JournalError::eventsLost);
 }
 
-// Walks all folders itself. Events that come meanwhile are fetched on the way and handled after it.
+// Crawls the whole root itself. Events that come meanwhile are fetched during the crawl and handled after it.
 void Recorder::setUp() {
   {
     const std::lock_guard lock(mapMutex_);
     beginAnew();
-    FileHandle root = openFolder(AT_FDCWD, parts_.root.c_str());
+    FileHandle root = openFolder(AT_FDCWD, options_.root.c_str());
     if (!root) {
-      tree_.lose(JournalAbsence::rootReplaced);
+      tree_.fail(JournalError::rootReplaced);
     } else if (tree_.begin(root)) {
-      tree_.walkFromRoot(std::move(root));
+      tree_.crawlFromRoot(std::move(root));
     }
   }
   drain();
@@ -259,71 +372,75 @@ void Recorder::setUp() {
     const std::lock_guard lock(mapMutex_);
     completeSetUp();
   }
-  takeLoss();
+  takeError();
 }
 
-// With the map locked, as are the next one and `publish`.
+// With `mapMutex_` locked.
 void Recorder::beginAnew() {
-  ++walkNumber_;
+  ++crawlNumber_;
   restartAt_.reset();
   dropWatches();
-  tree_.forget();
-  lossTaken_ = false;
-  publish(JournalAbsence::settingUp);
+  tree_.reset();
+  errorTaken_ = false;
+  publishLocked(JournalError::settingUp);
 }
 
+// With `mapMutex_` locked.
 void Recorder::completeSetUp() {
-  if (tree_.loss()) return;
+  if (tree_.error()) return;
   {
     const std::lock_guard lock(gate_);
     completeEventID_ = clock_.give();
   }
-  publish(std::nullopt);
+  publishLocked(std::nullopt);
 }
 
-// They go with the descriptor that they belong to, all at once.
+// Closing the old queue's descriptor removes all its watches at once.
 void Recorder::dropWatches() {
-  if (auto queue = EventQueue::open(queueOptions(parts_.rules))) queue_ = std::move(*queue);
+  if (auto queue = EventQueue::open()) queue_ = std::move(*queue);
 }
 
-void Recorder::takeLoss() {
+// Publishes a new error of the tree. After lost events, plans the next crawl.
+void Recorder::takeError() {
   const std::lock_guard lock(mapMutex_);
-  const auto loss = tree_.loss();
-  if (lossTaken_ || !loss || loss == JournalAbsence::settingUp) return;
-  lossTaken_ = true;
-  lastLoss_ = loss;
+  const auto error = tree_.error();
+  if (errorTaken_ || !error || error == JournalError::settingUp) return;
+  errorTaken_ = true;
+  lastError_ = error;
   dropWatches();
-  publish(loss);
-  if (loss != JournalAbsence::eventsLost) return;
+  publishLocked(error);
+  if (error != JournalError::eventsLost) return;
   const auto now = Clock::now();
   const bool isRare = !lastLossAt_ || now - *lastLossAt_ > longestRestartTime;
-  restartTime_ = isRare ? parts_.restartTime : std::min(restartTime_ * 2, longestRestartTime);
+  restartTime_ = isRare ? firstRestartTime : std::min(restartTime_ * 2, longestRestartTime);
   lastLossAt_ = now;
   restartAt_ = now + restartTime_;
 }
 
-void Recorder::publish(std::optional<JournalAbsence> absence) {
-  const std::lock_guard lock(gate_);
-  status_.absence = absence;
-  takeFigures();
-  changed_.notify_all();
+void Recorder::publish(std::optional<JournalError> error) {
+  const std::lock_guard lock(mapMutex_);
+  publishLocked(error);
 }
 
-void Recorder::announce(JournalAbsence absence) {
-  const std::lock_guard lock(mapMutex_);
-  publish(absence);
+// With `mapMutex_` locked.
+void Recorder::publishLocked(std::optional<JournalError> error) {
+  const std::lock_guard lock(gate_);
+  status_.error = error;
+  updateFigures();
+  changed_.notify_all();
 }
 
 void Recorder::publishFigures() {
   const std::lock_guard lock(mapMutex_);
   const std::lock_guard gate(gate_);
-  takeFigures();
+  updateFigures();
 }
 
-void Recorder::takeFigures() {
+// With both mutexes locked.
+void Recorder::updateFigures() {
   status_.folders = tree_.map().size();
   status_.watches = tree_.map().watches();
-  status_.memory = tree_.map().memory() + queue_.memory();
+  status_.memory = tree_.map().memory() + queue_.source()->memory();
   status_.marksFileSystem = queue_.marksFileSystem();
   status_.limitAdvice = tree_.hitWatchLimit() ? watchLimitAdvice() : "";
 }

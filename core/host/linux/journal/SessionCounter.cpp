@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view header = "spacemint journal session 1\n";
 constexpr std::uint64_t lastSession = (std::uint64_t{1} << SessionCounter::sessionBits) - 1;
-static_assert(SessionCounter::sessionBits + SessionCounter::drawnBits + EventClock::bits == 64);
+static_assert(SessionCounter::sessionBits + SessionCounter::randomBits + EventClock::bits == 64);
 
 std::optional<std::uint64_t> parse(std::string_view text) {
   if (!text.starts_with(header) || !text.ends_with('\n')) return std::nullopt;
@@ -56,8 +56,8 @@ std::expected<std::uint64_t, Error> SessionCounter::begin(const std::string& fol
   const std::uint64_t session = last + 1;
   auto written = writeFileAtomically(path, std::string{header} + std::to_string(session) + "\n");
   if (!written) return std::unexpected(std::move(written).error());
-  const std::uint64_t drawn = draw() & ((std::uint64_t{1} << drawnBits) - 1);
-  return ((session << drawnBits) | drawn) << EventClock::bits;
+  const std::uint64_t random = draw() & ((std::uint64_t{1} << randomBits) - 1);
+  return ((session << randomBits) | random) << EventClock::bits;
 }
 
 std::uint64_t SessionCounter::drawRandomly() {

@@ -9,22 +9,22 @@
 
 namespace spacemint {
 
-/// Counts the sessions of a user's recorders in the file "journal-session" of a folder, so that ids grow for
-/// ever. docs/formats/journal.md describes the file.
+/// Counts the sessions of a user's recorders in the file "journal-session" of a folder, so that event ids
+/// only grow (docs/formats/journal.md). Any thread and process; a file lock keeps them apart.
 namespace SessionCounter {
 
-/// Of an event id: the session from the highest bit on, then bits that are drawn, then `EventClock::bits`.
+/// The parts of an event id, from the highest bit: the session, random bits, then `EventClock::bits`.
 inline constexpr unsigned sessionBits = 20;
-inline constexpr unsigned drawnBits = 24;
+inline constexpr unsigned randomBits = 24;
 
-/// The first event id of a new session, which is on the disk as begun before this returns. The count starts
-/// at 1 where the file is missing, and where it is damaged, which is then set aside. A file from a backup
-/// makes sessions be counted twice: they differ in what `draw` gives, which must be random. Fails when the
-/// file cannot be written, and when no sessions are left.
+/// The first event id of a new session. The new session number is on disk before this returns. The count
+/// starts at 1 when the file is missing or damaged; a damaged file is renamed. With a file restored from a
+/// backup, a session number is used twice; the two sessions then differ in the random bits from `draw`. Fails
+/// when the file cannot be written, and with EOVERFLOW when no session numbers are left.
 std::expected<std::uint64_t, Error> begin(const std::string& folder,
                                           const std::function<std::uint64_t()>& draw);
 
-/// Random bits of the system.
+/// Random bits from the system.
 std::uint64_t drawRandomly();
 
 }  // namespace SessionCounter

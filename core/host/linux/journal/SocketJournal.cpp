@@ -1,7 +1,7 @@
 #include "core/host/linux/journal/SocketJournal.h"
 
+#include "core/host/linux/journal/JournalEndpoint.h"
 #include "core/host/linux/journal/JournalMessage.h"
-#include "core/host/linux/journal/MeetingPlace.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -16,26 +16,45 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A recorder that does not say what time it is by then has no time for us.
-constexpr std::chrono::seconds idTimeout{5};
-// Far above what a recorder answers.
+// A recorder that cannot give an id in this time is too busy or hangs.
+constexpr std::chrono::milliseconds idTimeout{5'000};
+// A larger answer is not read to its end. Real answers are much smaller.
 constexpr std::size_t answerLimit = std::size_t{1} << 30U;
+// How often a wait looks whether the query was cancelled. A signal to this thread ends the pause at once.
+constexpr std::chrono::milliseconds cancelTime{50};
 
-// False when the deadline passes first.
-bool waitFor(const FileHandle& connection, short what, Clock::time_point deadline) {
-  for (;;) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    if (left <= 0) return false;
-    pollfd ready{connection.get(), what, 0};
-    const int count = poll(&ready, 1, static_cast<int>(std::min<long>(left, 3'600'000)));
-    if (count > 0) return true;
-    if (count < 0 && errno != EINTR) return false;
+// A wait for one connection.
+class Wait {
+ public:
+  Wait(const FileHandle& connection, const JournalQuery& query, std::chrono::milliseconds timeout)
+      : connection_(connection),
+        query_(query),
+        deadline_(Clock::now() + timeout) {}
+
+  // Whether the deadline has passed or the query was cancelled.
+  bool isOver() const { return Clock::now() >= deadline_ || (query_.shouldCancel && query_.shouldCancel()); }
+
+  // Waits until the connection is ready for `events` (POLL…). False when the wait is over before that.
+  bool until(short events) const {
+    while (!isOver()) {
+      const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
+      pollfd ready{connection_.get(), events, 0};
+      const int count = poll(&ready, 1, static_cast<int>(std::min(left, cancelTime).count()));
+      if (count > 0) return true;
+      if (count < 0 && errno != EINTR) return false;
+    }
+    return false;
   }
-}
 
-bool sendAll(const FileHandle& connection, std::string_view bytes, Clock::time_point deadline) {
+ private:
+  const FileHandle& connection_;
+  const JournalQuery& query_;
+  Clock::time_point deadline_;
+};
+
+bool sendAll(const FileHandle& connection, std::string_view bytes, const Wait& wait) {
   while (!bytes.empty()) {
-    if (!waitFor(connection, POLLOUT, deadline)) return false;
+    if (!wait.until(POLLOUT)) return false;
     const ssize_t length = send(connection.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
     if (length < 0 && errno != EAGAIN && errno != EINTR) return false;
     if (length > 0) bytes.remove_prefix(static_cast<std::size_t>(length));
@@ -43,52 +62,53 @@ bool sendAll(const FileHandle& connection, std::string_view bytes, Clock::time_p
   return shutdown(connection.get(), SHUT_WR) == 0;
 }
 
-std::expected<std::string, JournalAbsence> receiveAll(const FileHandle& connection,
-                                                      Clock::time_point deadline) {
+std::expected<std::string, JournalError> receiveAll(const FileHandle& connection, const Wait& wait) {
   std::string bytes;
   std::array<char, 65'536> piece;
   while (bytes.size() < answerLimit) {
-    if (!waitFor(connection, POLLIN, deadline)) return std::unexpected(JournalAbsence::timedOut);
+    if (!wait.until(POLLIN)) return std::unexpected(JournalError::timedOut);
     const ssize_t length = recv(connection.get(), piece.data(), piece.size(), 0);
     if (length == 0) return bytes;
     if (length > 0) bytes.append(piece.data(), static_cast<std::size_t>(length));
     if (length < 0 && errno != EAGAIN && errno != EINTR) break;
   }
-  return std::unexpected(JournalAbsence::failed);
+  return std::unexpected(JournalError::failed);
 }
 
-std::expected<std::string, JournalAbsence> ask(const std::string& meetingFolder, const std::string& root,
-                                               const JournalMessage::Request& request,
-                                               std::chrono::milliseconds timeout) {
-  const auto deadline = Clock::now() + timeout;
-  const auto place = MeetingPlace::forRoot(root, meetingFolder);
-  if (!place) return std::unexpected(JournalAbsence::notRecording);
-  const auto connection = place->connect();
+// The bytes of the answer. They are empty when the recorder ends meanwhile.
+std::expected<std::string, JournalError> ask(const std::string& endpointFolder,
+                                             const JournalMessage::Request& request,
+                                             std::chrono::milliseconds timeout) {
+  const auto endpoint = JournalEndpoint::forRoot(request.query.root, endpointFolder);
+  if (!endpoint) return std::unexpected(JournalError::notRecording);
+  const auto connection = endpoint->connect();
   if (!connection) {
-    const bool isNobodyThere =
+    const bool isNoRecorder =
         connection.error().isSystem(ENOENT) || connection.error().isSystem(ECONNREFUSED);
-    return std::unexpected(isNobodyThere ? JournalAbsence::notRecording : JournalAbsence::failed);
+    return std::unexpected(isNoRecorder ? JournalError::notRecording : JournalError::failed);
   }
-  // A recorder that ends meanwhile closes the connection, which then says nothing.
-  if (!sendAll(*connection, JournalMessage::encode(request), deadline)) {
-    return std::unexpected(Clock::now() < deadline ? JournalAbsence::failed : JournalAbsence::timedOut);
+  const Wait wait{*connection, request.query, timeout};
+  if (!sendAll(*connection, JournalMessage::encode(request), wait)) {
+    return std::unexpected(wait.isOver() ? JournalError::timedOut : JournalError::failed);
   }
-  return receiveAll(*connection, deadline);
+  return receiveAll(*connection, wait);
 }
 
 }  // namespace
 
-std::uint64_t SocketJournal::currentEventID(const std::string& root) {
-  const auto answer = ask(meetingFolder_, root, JournalMessage::IdRequest{root}, idTimeout);
+std::uint64_t SocketJournal::currentEventID(const JournalQuery& query) {
+  const auto answer = ask(endpointFolder_, {.kind = JournalMessage::Kind::id, .query = query},
+                          std::min(query.timeout, idTimeout));
   if (!answer) return 0;
   return JournalMessage::decodeId(*answer).value_or(0);
 }
 
-std::expected<FolderChanges, JournalAbsence> SocketJournal::changes(const Question& question) {
-  const auto bytes = ask(meetingFolder_, question.root, question, question.timeout);
+std::expected<FolderChanges, JournalError> SocketJournal::changes(const JournalQuery& query) {
+  const auto bytes =
+      ask(endpointFolder_, {.kind = JournalMessage::Kind::changes, .query = query}, query.timeout);
   if (!bytes) return std::unexpected(bytes.error());
   auto answer = JournalMessage::decodeAnswer(*bytes);
-  if (!answer) return std::unexpected(JournalAbsence::failed);
+  if (!answer) return std::unexpected(JournalError::failed);
   return std::move(*answer);
 }
 

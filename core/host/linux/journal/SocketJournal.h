@@ -6,17 +6,18 @@
 
 namespace spacemint {
 
-/// Asks the recorder of a root, in whatever process of the user it runs, through its socket.
+/// Asks the recorder of a root through its socket, in whichever process of the user the recorder runs. Any
+/// thread.
 class SocketJournal final : public EventJournal {
  public:
-  /// `meetingFolder` as for `MeetingPlace::forRoot`.
-  explicit SocketJournal(std::string meetingFolder = {}) : meetingFolder_(std::move(meetingFolder)) {}
+  /// `endpointFolder` as for `JournalEndpoint::forRoot`.
+  explicit SocketJournal(std::string endpointFolder = {}) : endpointFolder_(std::move(endpointFolder)) {}
 
-  std::uint64_t currentEventID(const std::string& root) override;
-  std::expected<FolderChanges, JournalAbsence> changes(const Question& question) override;
+  std::uint64_t currentEventID(const JournalQuery& query) override;
+  std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override;
 
  private:
-  std::string meetingFolder_;
+  std::string endpointFolder_;
 };
 
 }  // namespace spacemint

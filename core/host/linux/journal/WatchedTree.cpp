@@ -1,25 +1,30 @@
 #include "core/host/linux/journal/WatchedTree.h"
 
+#include "core/host/linux/FolderEntries.h"
+#include "core/host/linux/journal/FileSystemTraits.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
-#include <sys/syscall.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
+#include <span>
 #include <utility>
 
 namespace spacemint {
 
 namespace {
 
-// Places that wait to be looked at while events pour in.
+// So many unsettled places may gather before they are looked at while events are still coming in.
 constexpr std::size_t placeLimit = 20'000;
+// Looking at one place can point at others. What is left after so many passes waits for the next `settle`.
 constexpr int passes = 3;
+constexpr std::size_t listingBufferSize = 32'768;
 
-constexpr std::uint32_t comingsAndGoings = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+// A name appeared in the folder or disappeared from it.
+constexpr std::uint32_t entryMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
 bool isGone(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
@@ -33,19 +38,14 @@ bool isFullyReadable(const FileHandle& folder) {
   return faccessat(folder.get(), ".", R_OK | X_OK, AT_EACCESS) == 0;
 }
 
-// The names in an open folder that may be folders'; false when it could not be listed to its end.
-bool listSubfolders(const FileHandle& folder, std::vector<std::string>& names) {
-  alignas(dirent64) std::array<char, 32'768> buffer;
+// The names in an open folder that may be folders; false when it could not be listed to its end.
+bool listSubfolders(const FileHandle& folder, std::span<std::byte> buffer, std::vector<std::string>& names) {
+  const auto take = [&](const FolderEntry& entry) {
+    if (entry.type == DT_DIR || entry.type == DT_UNKNOWN) names.emplace_back(entry.name);
+  };
   for (;;) {
-    const long length = syscall(SYS_getdents64, folder.get(), buffer.data(), buffer.size());
-    if (length <= 0) return length == 0;
-    for (long at = 0; at < length;) {
-      const auto* entry = reinterpret_cast<const dirent64*>(buffer.data() + at);
-      at += entry->d_reclen;
-      const std::string_view name = entry->d_name;
-      if (entry->d_type != DT_DIR && entry->d_type != DT_UNKNOWN) continue;
-      if (name != "." && name != "..") names.emplace_back(name);
-    }
+    const auto more = readFolderEntries(folder, buffer, take);
+    if (!more || !*more) return more.has_value();
   }
 }
 
@@ -65,58 +65,67 @@ std::optional<WatchedTree::Identity> WatchedTree::identityOf(const std::string& 
   return Identity{facts->inode, facts->mounted};
 }
 
-void WatchedTree::forget() {
+void WatchedTree::reset() {
   map_.reset();
   places_.clear();
   settleAt_ = placeLimit;
-  away_.clear();
-  anyStale_ = hitWatchLimit_ = expectsWatches_ = mountsMayHaveChanged_ = false;
-  loss_ = JournalAbsence::settingUp;
+  movedOut_.clear();
+  listingBuffer_.resize(listingBufferSize);
+  anyStale_ = hitWatchLimit_ = isScanning_ = mountsMayHaveChanged_ = false;
+  error_ = JournalError::settingUp;
 }
 
-std::expected<void, JournalAbsence> WatchedTree::begin(const FileHandle& root) {
-  loss_.reset();
+bool WatchedTree::begin(const FileHandle& root) {
+  error_.reset();
+  if (!traitsOf(root).reportsAllChanges) {
+    fail(JournalError::unreportedChanges);
+    return false;
+  }
   const auto identity = identityOf(pathThroughHandle(root));
   mounts_ = MountPoints{realPathOf(root)};
   const auto begun = parts_.queue.begin(root);
-  watchLimit_ = parts_.watchLimit != 0 ? parts_.watchLimit : parts_.queue.watchLimit();
+  watchLimit_ = parts_.watchLimit != 0 ? parts_.watchLimit : parts_.queue.source()->watchLimit();
   const auto watched = accept(begun);
   if (!identity || !watched) {
-    lose(JournalAbsence::failed);
-    return std::unexpected(*loss_);
+    fail(JournalError::failed);
+    return false;
   }
   identity_ = *identity;
   map_.setWatch(map_.root(), *watched);
   rewindFolder(root);
-  return {};
+  return true;
 }
 
-void WatchedTree::walkFromRoot(FileHandle root) {
-  walk(map_.root(), std::move(root));
+void WatchedTree::crawlFromRoot(FileHandle root) {
+  crawl(map_.root(), std::move(root));
 }
 
-void WatchedTree::lose(JournalAbsence reason) {
-  if (!loss_ || loss_ == JournalAbsence::settingUp) loss_ = reason;
+void WatchedTree::fail(JournalError error) {
+  if (!error_ || error_ == JournalError::settingUp) error_ = error;
 }
 
-// A watch that is new to us and one too many is taken back: what is watched already stays so at the limit.
+std::expected<int, int> WatchedTree::watch(const FileHandle& folder) {
+  return accept(parts_.queue.source()->watch(folder));
+}
+
+// At the limit, a new watch is removed again. Folders that are watched already stay watched.
 std::expected<int, int> WatchedTree::accept(std::expected<int, int> added) {
-  // During a scan the same folder may be tried twice: what was refused once must not be taken the next time.
-  const bool isFull = map_.watches() >= watchLimit_ || (expectsWatches_ && hitWatchLimit_);
+  // A scan may try the same folder twice. What was refused once must be refused the second time too.
+  const bool isFull = map_.watches() >= watchLimit_ || (isScanning_ && hitWatchLimit_);
   if (!added || !isFull || map_.withWatch(*added) != FolderMap::none) {
     if (!added && added.error() == ENOSPC) hitWatchLimit_ = true;
     return added;
   }
-  parts_.queue.unwatch(*added);
+  unwatch(*added);
   hitWatchLimit_ = true;
   return std::unexpected(ENOSPC);
 }
 
-// What a scan tells on its way may be past by now: another folder may have the name. Where that is so, the
-// places are looked at later.
-WatchedTree::Seen WatchedTree::adopt(Seen parentSeen, std::string_view name, std::expected<int, int> added) {
-  const Id parent = map_.find({parentSeen.id, parentSeen.generation});
-  if (loss_ || parent == FolderMap::none) return {};
+// What a scan reports may be out of date: another folder may have the name by now. In that case the places
+// are looked at later.
+FolderRef WatchedTree::adopt(FolderRef parentRef, std::string_view name, std::expected<int, int> added) {
+  const Id parent = map_.find(parentRef);
+  if (error_ || parent == FolderMap::none) return {};
   const auto watched = accept(added);
   if (!watched) {
     closeOff(parent, name);
@@ -127,7 +136,7 @@ WatchedTree::Seen WatchedTree::adopt(Seen parentSeen, std::string_view name, std
   if (id == FolderMap::none) {
     if (known != FolderMap::none) {
       touch(parent, name);
-      putAway(known);
+      moveOut(known);
     }
     id = map_.add(parent, name);
     map_.setWatch(id, *watched);
@@ -135,51 +144,47 @@ WatchedTree::Seen WatchedTree::adopt(Seen parentSeen, std::string_view name, std
     touchPlaceOf(id);
     touch(parent, name);
   }
-  return {id, map_[id].generation};
+  return map_.refTo(id);
 }
 
-void WatchedTree::adoptClosed(Seen parentSeen, std::string_view name) {
-  const Id parent = map_.find({parentSeen.id, parentSeen.generation});
-  if (!loss_ && parent != FolderMap::none) closeOff(parent, name);
+void WatchedTree::adoptClosed(FolderRef parentRef, std::string_view name) {
+  const Id parent = map_.find(parentRef);
+  if (!error_ && parent != FolderMap::none) closeOff(parent, name);
 }
 
-void WatchedTree::adoptUnlisted(Seen folder) {
-  const Id id = map_.find({folder.id, folder.generation});
-  if (!loss_ && id != FolderMap::none) map_[id].flags |= FolderMap::unreadable;
+void WatchedTree::adoptUnlisted(FolderRef folder) {
+  const Id id = map_.find(folder);
+  if (!error_ && id != FolderMap::none) map_[id].flags |= FolderMap::unreadable;
 }
 
 void WatchedTree::handle(const FolderEvent& event) {
-  if (loss_) return;
+  if (error_) return;
   if (places_.size() >= settleAt_) {
     settle(Clock::now());
     settleAt_ = places_.size() + placeLimit;
   }
-  if ((event.what & IN_Q_OVERFLOW) != 0) {
-    if (parts_.rules.noticesLoss) lose(JournalAbsence::eventsLost);
-    return;
-  }
+  if ((event.mask & IN_Q_OVERFLOW) != 0) return fail(JournalError::eventsLost);
   const Id id = map_.withWatch(event.watch);
   if (id == FolderMap::none) {
-    if ((event.what & IN_IGNORED) == 0 && !expectsWatches_) parts_.queue.unwatch(event.watch);
-  } else if ((event.what & IN_UNMOUNT) != 0) {
-    lose(JournalAbsence::unmounted);
-  } else if ((event.what & IN_IGNORED) != 0) {
+    if ((event.mask & IN_IGNORED) == 0 && !isScanning_) unwatch(event.watch);
+  } else if ((event.mask & IN_UNMOUNT) != 0) {
+    fail(JournalError::unmounted);
+  } else if ((event.mask & IN_IGNORED) != 0) {
     touchPlaceOf(id);
     map_.dropWatch(id);
-    if (id == map_.root()) lose(JournalAbsence::rootReplaced);
-  } else if ((event.what & (IN_DELETE_SELF | IN_MOVE_SELF)) != 0) {
-    if (id == map_.root()) lose(JournalAbsence::rootReplaced);
+    if (id == map_.root()) fail(JournalError::rootReplaced);
+  } else if ((event.mask & (IN_DELETE_SELF | IN_MOVE_SELF)) != 0) {
+    if (id == map_.root()) fail(JournalError::rootReplaced);
   } else {
     markOwn(id);
-    if ((event.what & IN_ISDIR) == 0) return;
+    if ((event.mask & IN_ISDIR) == 0) return;
     if (event.name.empty()) return touchPlaceOf(id);  // it may have become readable or unreadable
-    if ((event.what & comingsAndGoings) != 0) markReplaced(id, event.name);
+    if ((event.mask & entryMask) != 0) markReplaced(id, event.name);
     touch(id, event.name);
   }
 }
 
 void WatchedTree::touch(Id parent, std::string_view name) {
-  if (!parts_.rules.looksAtKnownPlaces && map_.child(parent, name) != FolderMap::none) return;
   places_.push_back({map_.refTo(parent), std::string{name}});
 }
 
@@ -192,10 +197,11 @@ void WatchedTree::markOwn(Id id) {
   map_[id].ownChange = parts_.clock.stamp();
 }
 
-// Also where the same folder will be found there again: a scan may have met another one meanwhile.
+// The folder counts as changed even if it is found at this place again: meanwhile a scan may have listed
+// another folder there.
 void WatchedTree::markReplaced(Id parent, std::string_view name) {
   const Id known = map_.child(parent, name);
-  if (known != FolderMap::none && parts_.rules.movedFolderIsTree) markTree(known);
+  if (known != FolderMap::none) markTree(known);
 }
 
 void WatchedTree::markTree(Id id) {
@@ -203,9 +209,9 @@ void WatchedTree::markTree(Id id) {
 }
 
 void WatchedTree::settle(Clock::time_point now) {
-  if (loss_) return;
+  if (error_) return;
   if (mounts_.haveChanged()) mountsMayHaveChanged_ = true;
-  if (mountsMayHaveChanged_ && parts_.rules.noticesMounts) {
+  if (mountsMayHaveChanged_) {
     for (const std::string& path : mounts_.refresh()) takeMountChange(path);
   }
   mountsMayHaveChanged_ = false;
@@ -215,19 +221,20 @@ void WatchedTree::settle(Clock::time_point now) {
     places_.erase(repeated.begin(), repeated.end());
     lookAt(std::exchange(places_, {}));
   }
-  flagUnanswered();
-  forgetAway(now);
+  flagUnsettled();
+  dropMovedOut(now);
 }
 
-// Places of one parent follow each other, so that it is opened and made sure of once.
+// The places are sorted by parent, so each parent is opened and verified once.
 void WatchedTree::lookAt(const std::vector<Place>& places) {
-  Ref at;
+  FolderRef at;
   FileHandle handle;
   for (const Place& place : places) {
-    if (parts_.shouldStop && parts_.shouldStop()) return lose(JournalAbsence::notRecording);
+    if (parts_.shouldStop && parts_.shouldStop()) return fail(JournalError::notRecording);
     const Id parent = map_.find(place.parent);
     if (parent == FolderMap::none || map_[parent].watch == 0) continue;
-    if (!map_.isWithin(parent, map_.root())) {  // away: looked at when it is back, or forgotten with it
+    if (!map_.isWithin(parent,
+                       map_.root())) {  // moved out: the place waits until the folder is back or dropped
       places_.push_back(place);
       continue;
     }
@@ -243,20 +250,18 @@ void WatchedTree::lookAt(const std::vector<Place>& places) {
       places_.push_back(place);
       touchPlaceOf(parent);
     }
-    if (looked.toWalk != FolderMap::none && parts_.rules.watchesNewTrees) {
-      walk(looked.toWalk, std::move(opened.handle));
-    }
+    if (looked.toCrawl != FolderMap::none) crawl(looked.toCrawl, std::move(opened.handle));
   }
 }
 
-// Where a question stays open, all below counts as changed until it is answered.
-void WatchedTree::flagUnanswered() {
-  const auto isOpen = [&](const Place& place) {
+// While a place is unsettled, everything below its parent counts as changed.
+void WatchedTree::flagUnsettled() {
+  const auto isInTree = [&](const Place& place) {
     const Id parent = map_.find(place.parent);
     return parent != FolderMap::none && map_.isWithin(parent, map_.root());
   };
-  if (anyStale_ &&
-      std::ranges::none_of(places_, isOpen)) {  // those of folders that are away or gone can wait
+  // Places in folders that moved out or are gone do not matter now.
+  if (anyStale_ && std::ranges::none_of(places_, isInTree)) {
     map_.forEach(
         [](Id, FolderMap::Record& record) { record.flags &= static_cast<std::uint16_t>(~FolderMap::stale); });
     anyStale_ = false;
@@ -269,19 +274,19 @@ void WatchedTree::flagUnanswered() {
   }
 }
 
-void WatchedTree::forgetAway(Clock::time_point now) {
-  std::erase_if(away_, [&](const Away& away) {
-    const Id id = map_.find(away.folder);
+void WatchedTree::dropMovedOut(Clock::time_point now) {
+  std::erase_if(movedOut_, [&](const MovedOut& moved) {
+    const Id id = map_.find(moved.folder);
     if (id == FolderMap::none || !map_.isDetached(id)) return true;
-    if (now - away.since < awayTime || expectsWatches_) return false;  // a scan may be about to tell of it
-    for (const int watch : map_.remove(id)) parts_.queue.unwatch(watch);
+    if (now - moved.since < moveTime || isScanning_) return false;  // a scan may be about to report it
+    for (const int watch : map_.remove(id)) unwatch(watch);
     return true;
   });
 }
 
 WatchedTree::Opened WatchedTree::openChild(Id parent, const FileHandle& handle,
                                            const std::string& name) const {
-  // What is mounted is not even looked at: it may hang.
+  // Mounted file systems are not touched, because they may hang.
   if (!mounts_.empty()) {
     const auto path = map_.relativePath(parent);
     if (path && mounts_.contains(joined(*path, name))) return {.error = EXDEV};
@@ -294,20 +299,19 @@ WatchedTree::Opened WatchedTree::openChild(Id parent, const FileHandle& handle,
   return {.handle = std::move(opened)};
 }
 
+// Opens the folder at the path that the map has for it. Empty when another folder is there.
 FileHandle WatchedTree::openVerified(Id id) {
   const auto path = map_.relativePath(id);
   if (!path) return {};
   FileHandle handle = openByPath(*path);
-  if (!handle || !parts_.rules.verifiesFolders) return handle;
-  const auto watched = parts_.queue.watch(handle);
+  if (!handle) return {};
+  const auto watched = parts_.queue.source()->watch(handle);
   if (watched && *watched == map_[id].watch) return handle;
-  if (watched && map_.withWatch(*watched) == FolderMap::none && !expectsWatches_) {
-    parts_.queue.unwatch(*watched);
-  }
+  if (watched && map_.withWatch(*watched) == FolderMap::none && !isScanning_) unwatch(*watched);
   return {};
 }
 
-// In steps where the path is longer than the kernel takes.
+// Opens a path that is longer than the kernel accepts in several steps.
 FileHandle WatchedTree::openByPath(const std::string& relativePath) const {
   FileHandle handle = openFolder(AT_FDCWD, parts_.root.c_str());
   std::string_view rest = relativePath;
@@ -329,11 +333,11 @@ WatchedTree::Looked WatchedTree::look(Id parent, std::string_view name, const Op
   const Id owner = map_.withWatch(*watched);
   if (owner == FolderMap::none) return lookAtNew(parent, name, opened.handle, *watched);
   if (owner == known) return checkAccess(owner, opened.handle);
-  if (map_.isWithin(parent, owner)) {  // the map is behind: a folder cannot be inside itself
+  if (map_.isWithin(parent, owner)) {  // the map is out of date: a folder cannot be inside itself
     touchPlaceOf(owner);
     return {.settled = false};
   }
-  if (known != FolderMap::none) putAway(known);
+  if (known != FolderMap::none) moveOut(known);
   moveTo(owner, parent, name);
   return checkAccess(owner, opened.handle);
 }
@@ -346,7 +350,7 @@ WatchedTree::Looked WatchedTree::lookAtClosed(Id parent, std::string_view name, 
   if (!isGone(error)) return {.settled = false};
   const Id known = map_.child(parent, name);
   if (known != FolderMap::none) {
-    putAway(known);
+    moveOut(known);
     markOwn(parent);
   }
   return {};
@@ -355,12 +359,12 @@ WatchedTree::Looked WatchedTree::lookAtClosed(Id parent, std::string_view name, 
 WatchedTree::Looked WatchedTree::lookAtNew(Id parent, std::string_view name, const FileHandle& folder,
                                            int watch) {
   const Id known = map_.child(parent, name);
-  if (known != FolderMap::none) putAway(known);
+  if (known != FolderMap::none) moveOut(known);
   const Id id = map_.add(parent, name);
   map_.setWatch(id, watch);
   if (!isFullyReadable(folder)) map_[id].flags |= FolderMap::unreadable;
-  if (parts_.rules.newFolderIsTree) markTree(id);
-  return {.toWalk = id};
+  markTree(id);
+  return {.toCrawl = id};
 }
 
 WatchedTree::Looked WatchedTree::checkAccess(Id id, const FileHandle& folder) {
@@ -369,23 +373,23 @@ WatchedTree::Looked WatchedTree::checkAccess(Id id, const FileHandle& folder) {
   if (isFullyReadable(folder) == wasReadable) return {};
   record.flags ^= FolderMap::unreadable;
   markTree(id);
-  return {.toWalk = id};
+  return {.toCrawl = id};
 }
 
-// Nothing is known of what is below.
+// Records a folder that is not watched. Everything below it counts as changed in every answer.
 void WatchedTree::closeOff(Id parent, std::string_view name) {
   Id id = map_.child(parent, name);
   if (id != FolderMap::none && (map_[id].flags & FolderMap::unwatched) == 0) {
-    putAway(id);
+    moveOut(id);
     id = FolderMap::none;
   }
   if (id == FolderMap::none) id = map_.add(parent, name, FolderMap::unwatched);
   markTree(id);
 }
 
-void WatchedTree::putAway(Id id) {
+void WatchedTree::moveOut(Id id) {
   map_.detach(id);
-  away_.push_back({map_.refTo(id), Clock::now()});
+  movedOut_.push_back({map_.refTo(id), Clock::now()});
 }
 
 void WatchedTree::moveTo(Id id, Id parent, std::string_view name) {
@@ -394,34 +398,22 @@ void WatchedTree::moveTo(Id id, Id parent, std::string_view name) {
     map_.detach(id);
   }
   map_.attach(id, parent, name);
-  if (parts_.rules.movedFolderIsTree) markTree(id);
+  markTree(id);
 }
 
-WatchedTree::Frame WatchedTree::frameOf(Id id, FileHandle handle) {
+// Lists a folder that is watched already. The order matters: what appears before the listing is in it, and
+// what appears after the watch causes an event.
+WatchedTree::Frame WatchedTree::listed(Id id, FileHandle handle) {
   Frame frame{.folder = id, .handle = std::move(handle)};
-  const RecorderRules& rules = parts_.rules;
-  const auto list = [&] {
-    if (!listSubfolders(frame.handle, frame.names)) map_[id].flags |= FolderMap::unreadable;
-  };
-  if (!rules.watchesBeforeListing) {
-    parts_.queue.unwatch(map_[id].watch);
-    list();
-  }
-  if (rules.betweenWatchAndList) rules.betweenWatchAndList(pathThroughHandle(frame.handle));
-  if (rules.watchesBeforeListing) {
-    list();
-  } else {
-    parts_.queue.fetch();  // a mark tells of all folders: what comes of an unwatched one is dropped here
-    if (const auto watched = parts_.queue.watch(frame.handle)) map_.setWatch(id, *watched);
-  }
+  if (!listSubfolders(frame.handle, listingBuffer_, frame.names)) map_[id].flags |= FolderMap::unreadable;
   return frame;
 }
 
-void WatchedTree::walk(Id top, FileHandle handle) {
+void WatchedTree::crawl(Id top, FileHandle handle) {
   std::vector<Frame> stack;
-  stack.push_back(frameOf(top, std::move(handle)));
+  stack.push_back(listed(top, std::move(handle)));
   while (!stack.empty()) {
-    if (parts_.shouldStop && parts_.shouldStop()) return lose(JournalAbsence::notRecording);
+    if (parts_.shouldStop && parts_.shouldStop()) return fail(JournalError::notRecording);
     parts_.queue.fetch();
     Frame& frame = stack.back();
     if (frame.names.empty()) {
@@ -433,13 +425,13 @@ void WatchedTree::walk(Id top, FileHandle handle) {
     Opened opened = openChild(frame.folder, frame.handle, name);
     const Looked looked = look(frame.folder, name, opened);
     if (!looked.settled) touch(frame.folder, name);
-    if (looked.toWalk != FolderMap::none) {
-      stack.push_back(frameOf(looked.toWalk, std::move(opened.handle)));
+    if (looked.toCrawl != FolderMap::none) {
+      stack.push_back(listed(looked.toCrawl, std::move(opened.handle)));
     }
   }
 }
 
-// Something else, or the folder itself again, is at the path now.
+// Something was mounted at this path or unmounted from it.
 void WatchedTree::takeMountChange(const std::string& relativePath) {
   Id at = map_.root();
   std::string_view rest = relativePath;
@@ -459,16 +451,12 @@ void WatchedTree::takeMountChange(const std::string& relativePath) {
   }
 }
 
-bool WatchedTree::isOpenEnded(const FolderMap::Record& record) const {
-  return (record.flags & (FolderMap::stale | FolderMap::unreadable)) != 0 ||
-         (parts_.rules.unwatchedIsTree && (record.flags & FolderMap::unwatched) != 0);
-}
-
-std::expected<FolderChanges, JournalAbsence> WatchedTree::changes(std::uint64_t since) {
-  if (parts_.rules.checksRoot && identityOf(parts_.root) != identity_) lose(JournalAbsence::rootReplaced);
-  if (loss_) return std::unexpected(*loss_);
+std::expected<FolderChanges, JournalError> WatchedTree::changes(std::uint64_t since) {
+  if (!error_ && identityOf(parts_.root) != identity_) fail(JournalError::rootReplaced);
+  if (error_) return std::unexpected(*error_);
+  constexpr unsigned unknown = FolderMap::stale | FolderMap::unreadable | FolderMap::unwatched;
   const auto isTree = [&](const FolderMap::Record& record) {
-    return record.treeChange > since || isOpenEnded(record);
+    return record.treeChange > since || (record.flags & unknown) != 0;
   };
   const auto isInTree = [&](Id id) {
     while (id != FolderMap::none && !isTree(map_[id])) id = map_[id].parent;
@@ -480,12 +468,12 @@ std::expected<FolderChanges, JournalAbsence> WatchedTree::changes(std::uint64_t 
     if ((!tree && record.ownChange <= since) || isInTree(record.parent)) return;
     if (found.directories.size() + found.trees.size() > answerLimit) return;
     const auto path = map_.relativePath(id);
-    if (!path) return;  // away: the folder that it left has changed
+    if (!path) return;  // moved out: the folder that it left is in the answer
     (tree ? found.trees : found.directories)
         .push_back(path->empty() ? parts_.root : joined(parts_.root, *path));
   });
   if (found.directories.size() + found.trees.size() > answerLimit) {
-    return std::unexpected(JournalAbsence::tooManyChanges);
+    return std::unexpected(JournalError::tooManyChanges);
   }
   return found;
 }

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "core/host/EventJournal.h"
-#include "core/host/linux/FolderObserver.h"
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
 #include "core/host/linux/journal/EventClock.h"
 #include "core/host/linux/journal/EventQueue.h"
 #include "core/host/linux/journal/FolderMap.h"
 #include "core/host/linux/journal/MountPoints.h"
-#include "core/host/linux/journal/RecorderRules.h"
 
 #include <chrono>
 #include <functional>
@@ -16,82 +14,82 @@
 
 namespace spacemint {
 
-/// Keeps the map of the watched folders right while the disk changes.
+/// Keeps the map of the watched folders correct while the disk changes, and knows what changed since when.
 ///
-/// Events tell of the past: by the time one is handled its folder may have another path, and its name may be
-/// another folder's. So an event is only a hint where to look. What is at a place is decided by opening it
-/// and watching it once more, because the same folder always gives the same watch. One thread at a time.
+/// An event is about the past: when it is handled, its folder may have another path, and its name may belong
+/// to another folder. So an event is only a hint where to look. To find out what is at a place, the tree
+/// opens it and watches it again, because the same folder always gets the same watch number. One thread at a
+/// time.
 class WatchedTree {
  public:
   using Clock = std::chrono::steady_clock;
   using Id = FolderMap::Id;
-  using Seen = FolderObserver::Seen;
 
   struct Parts {
     std::string root;
     EventQueue& queue;
     EventClock& clock;
-    RecorderRules rules = {};
-    /// 0 for as many as the queue is for.
+    /// The largest number of watches; 0 for what the event source recommends.
     std::size_t watchLimit = 0;
-    /// Polled during walks; true abandons them.
+    /// Polled during crawls; true abandons them.
     std::function<bool()> shouldStop;
   };
 
-  /// A folder that left its place and does not turn up elsewhere in this time is no longer watched.
-  static constexpr std::chrono::milliseconds awayTime{200};
-  /// An answer that would name more folders is not worth it.
+  /// How long a moved-out folder keeps its watch, waiting for the matching move-in.
+  static constexpr std::chrono::milliseconds moveTime{200};
+  /// The largest number of folders that an answer names.
   static constexpr std::size_t answerLimit = 100'000;
 
-  explicit WatchedTree(Parts parts) : parts_(std::move(parts)) { forget(); }
+  explicit WatchedTree(Parts parts) : parts_(std::move(parts)) { reset(); }
 
-  /// Forgets everything; until `begin` the loss is that it is being set up.
-  void forget();
-  /// Begins with an open root, unlisted. Fails with the reason that it cannot be watched.
-  std::expected<void, JournalAbsence> begin(const FileHandle& root);
-  /// Watches all that is below the root, opened by `begin`'s caller.
-  void walkFromRoot(FileHandle root);
-  /// A scan has opened a folder, watched it (or failed to, with an errno), and is about to list it. What
-  /// happened in between, it will list.
-  Seen adopt(Seen parent, std::string_view name, std::expected<int, int> watched);
-  /// Until the scan is done, watches may be met that it has not told of yet.
-  void expectWatches(bool expected) { expectsWatches_ = expected; }
-  /// A scan could not open a folder, or not list one to its end.
-  void adoptClosed(Seen parent, std::string_view name);
-  void adoptUnlisted(Seen folder);
-  Seen rootSeen() const { return {map_.root(), map_[map_.root()].generation}; }
+  /// Forgets all folders. Until `begin`, the error is `settingUp`.
+  void reset();
+  /// Begins with the open root, which is not listed yet. False, with the error set, when it cannot be
+  /// recorded.
+  bool begin(const FileHandle& root);
+  /// Watches everything below the root. `root` is the handle that was given to `begin`.
+  void crawlFromRoot(FileHandle root);
+
+  FolderRef rootRef() const { return map_.refTo(map_.root()); }
+  /// A scan opened this folder and watched it (or failed to, with an errno), and lists it next. Changes made
+  /// in between will be in the listing.
+  FolderRef adopt(FolderRef parent, std::string_view name, std::expected<int, int> watched);
+  /// A scan could not open this folder.
+  void adoptClosed(FolderRef parent, std::string_view name);
+  /// A scan could not list this folder to its end.
+  void adoptUnlisted(FolderRef folder);
+  /// True while a scan crawls: it may have watched folders that it has not reported yet.
+  void setScanning(bool isScanning) { isScanning_ = isScanning; }
 
   void handle(const FolderEvent& event);
-  /// The descriptor of `mounts` became ready, which it tells once.
+  /// Call when the descriptor of `mounts` became ready. It reports each change only once.
   void noticeMounts() { mountsMayHaveChanged_ = true; }
-  /// Looks at the places that events pointed at, when no event is left.
+  /// Looks at the places that events pointed at. Call when all events have been handled.
   void settle(Clock::time_point now);
-  /// Whether folders are away, so that `settle` is due again after `awayTime`.
-  bool isWaiting() const { return !away_.empty(); }
+  /// True while moved-out folders keep their watches, so that `settle` is due again after `moveTime`.
+  bool hasMovedOut() const { return !movedOut_.empty(); }
 
-  /// Why nothing is certain any more.
-  std::optional<JournalAbsence> loss() const { return loss_; }
-  void lose(JournalAbsence reason);
+  /// Why the map is not reliable, if it is not. The first error stays until `reset`.
+  std::optional<JournalError> error() const { return error_; }
+  void fail(JournalError error);
 
-  /// What changed after `since`.
-  std::expected<FolderChanges, JournalAbsence> changes(std::uint64_t since);
+  /// What changed after the event id `since`.
+  std::expected<FolderChanges, JournalError> changes(std::uint64_t since);
 
   const MountPoints& mounts() const { return mounts_; }
   const FolderMap& map() const { return map_; }
   bool hitWatchLimit() const { return hitWatchLimit_; }
 
  private:
-  using Ref = FolderMap::Ref;
-
-  // Something may have come or gone here.
+  // A name in a folder at which something may have appeared or disappeared.
   struct Place {
-    Ref parent;
+    FolderRef parent;
     std::string name;
 
     auto operator<=>(const Place&) const = default;
   };
-  struct Away {
-    Ref folder;
+  struct MovedOut {
+    FolderRef folder;
     Clock::time_point since;
   };
   struct Identity {
@@ -100,17 +98,16 @@ class WatchedTree {
 
     bool operator==(const Identity&) const = default;
   };
-  // What opening a name gave.
   struct Opened {
     FileHandle handle;
+    // An errno, when there is no handle.
     int error = 0;
   };
-  // What looking at a place came to.
   struct Looked {
-    // False when it cannot be told yet.
+    // False when the place must be looked at again.
     bool settled = true;
-    // A folder of which nothing below is known yet.
-    Id toWalk = FolderMap::none;
+    // A folder whose contents are not known yet.
+    Id toCrawl = FolderMap::none;
   };
   struct Frame {
     Id folder = FolderMap::none;
@@ -119,15 +116,15 @@ class WatchedTree {
   };
 
   static std::optional<Identity> identityOf(const std::string& path);
-  std::expected<int, int> watch(const FileHandle& folder) { return accept(parts_.queue.watch(folder)); }
+  std::expected<int, int> watch(const FileHandle& folder);
   std::expected<int, int> accept(std::expected<int, int> added);
+  void unwatch(int watch) { parts_.queue.source()->unwatch(watch); }
 
   void touch(Id parent, std::string_view name);
   void touchPlaceOf(Id id);
   void markOwn(Id id);
   void markTree(Id id);
   void markReplaced(Id parent, std::string_view name);
-  bool isOpenEnded(const FolderMap::Record& record) const;
 
   Opened openChild(Id parent, const FileHandle& handle, const std::string& name) const;
   FileHandle openVerified(Id id);
@@ -137,13 +134,13 @@ class WatchedTree {
   Looked lookAtNew(Id parent, std::string_view name, const FileHandle& folder, int watch);
   Looked checkAccess(Id id, const FileHandle& folder);
   void closeOff(Id parent, std::string_view name);
-  void putAway(Id id);
+  void moveOut(Id id);
   void moveTo(Id id, Id parent, std::string_view name);
-  void walk(Id top, FileHandle handle);
-  Frame frameOf(Id id, FileHandle handle);
-  void forgetAway(Clock::time_point now);
+  void crawl(Id top, FileHandle handle);
+  Frame listed(Id id, FileHandle handle);
+  void dropMovedOut(Clock::time_point now);
   void lookAt(const std::vector<Place>& places);
-  void flagUnanswered();
+  void flagUnsettled();
   void takeMountChange(const std::string& relativePath);
 
   Parts parts_;
@@ -152,14 +149,15 @@ class WatchedTree {
   Identity identity_;
   std::size_t watchLimit_ = 0;
   std::vector<Place> places_;
-  // With so many of them it is time to look, while events go on.
+  // When `places_` is this large, it is settled although events are left.
   std::size_t settleAt_ = 0;
-  std::vector<Away> away_;
+  std::vector<MovedOut> movedOut_;
+  std::vector<std::byte> listingBuffer_;
   bool mountsMayHaveChanged_ = false;
   bool anyStale_ = false;
   bool hitWatchLimit_ = false;
-  bool expectsWatches_ = false;
-  std::optional<JournalAbsence> loss_ = JournalAbsence::settingUp;
+  bool isScanning_ = false;
+  std::optional<JournalError> error_ = JournalError::settingUp;
 };
 
 }  // namespace spacemint

@@ -1,6 +1,5 @@
-#include "core/scan/ChangeLog.h"
-
 #include "core/scan/ScanPlan.h"
+
 #include "support/TreeBuilder.h"
 
 #include <gtest/gtest.h>
@@ -12,22 +11,22 @@ using namespace std::chrono_literals;
 using support::file;
 using support::folder;
 
-// Answers what it is told to, and remembers what it was asked.
+// Answers what a test sets, and remembers what it was asked.
 class FakeJournal final : public EventJournal {
  public:
-  std::uint64_t currentEventID(const std::string&) override {
+  std::uint64_t currentEventID(const JournalQuery&) override {
     order += "id ";
     return id;
   }
-  std::expected<FolderChanges, JournalAbsence> changes(const Question& question) override {
+  std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override {
     order += "changes ";
-    asked = question;
+    asked = query;
     return answer;
   }
 
   std::uint64_t id = 70;
-  std::expected<FolderChanges, JournalAbsence> answer;
-  Question asked;
+  std::expected<FolderChanges, JournalError> answer;
+  JournalQuery asked;
   std::string order;
 };
 
@@ -44,8 +43,8 @@ bool isReused(const DiskScanner::Reuse& reuse, const std::string& path) {
   return reuse(path).has_value();
 }
 
-TEST(ChangeLog, reusesWhatIsNeitherChangedNorOnTheWayToAChange) {
-  const auto reuse = ChangeLog::reuse(homeOfAnn(), {.directories = {"/Users/ann/Downloads"}});
+TEST(ReuseUnchanged, reusesWhatIsNeitherChangedNorOnTheWayToAChange) {
+  const auto reuse = reuseUnchanged(homeOfAnn(), {.directories = {"/Users/ann/Downloads"}});
   EXPECT_FALSE(isReused(reuse, "/Users/ann/Downloads"));
   EXPECT_EQ(reuse("/Users/ann/Downloads/old"), *homeOfAnn().nodeAt("/Users/ann/Downloads/old"));
   EXPECT_EQ(reuse("/Users/ann/Documents"), *homeOfAnn().nodeAt("/Users/ann/Documents"));
@@ -56,55 +55,46 @@ TEST(ChangeLog, reusesWhatIsNeitherChangedNorOnTheWayToAChange) {
   EXPECT_FALSE(isReused(reuse, "/Users/annex/Documents"));
 }
 
-TEST(ChangeLog, reusesNothingInAChangedTree) {
-  const auto reuse = ChangeLog::reuse(homeOfAnn(), {.trees = {"/Users/ann/Library"}});
+TEST(ReuseUnchanged, reusesNothingInAChangedTree) {
+  const auto reuse = reuseUnchanged(homeOfAnn(), {.trees = {"/Users/ann/Library"}});
   EXPECT_FALSE(isReused(reuse, "/Users/ann/Library"));
   EXPECT_FALSE(isReused(reuse, "/Users/ann/Library/Caches"));
   EXPECT_TRUE(isReused(reuse, "/Users/ann/Downloads"));
   for (const char* root : {"/Users/ann", "/Users"}) {
-    const auto none = ChangeLog::reuse(homeOfAnn(), {.trees = {root}});
+    const auto none = reuseUnchanged(homeOfAnn(), {.trees = {root}});
     EXPECT_EQ(isReused(none, "/Users/ann/Downloads"), std::string{root} == "/Users");
   }
   Snapshot disk{.root = folder("/", {folder("home", {file("a", 1)})})};
-  EXPECT_TRUE(isReused(ChangeLog::reuse(disk, {.directories = {"/"}}), "/home"));
-  EXPECT_FALSE(isReused(ChangeLog::reuse(disk, {.trees = {"/"}}), "/home"));
+  EXPECT_TRUE(isReused(reuseUnchanged(disk, {.directories = {"/"}}), "/home"));
+  EXPECT_FALSE(isReused(reuseUnchanged(disk, {.trees = {"/"}}), "/home"));
 }
 
-TEST(ChangeLog, takesNoFolderForAnotherThatOnlyLooksLikeIt) {
+TEST(ReuseUnchanged, takesNoFolderForAnotherThatOnlyLooksLikeIt) {
   const Snapshot snapshot{
       .root = folder("/r", {folder("caf\u00e9", {file("a", 1)}), folder("bad\ufffd", {file("b", 1)})})};
-  const auto reuse = ChangeLog::reuse(snapshot, {});
+  const auto reuse = reuseUnchanged(snapshot, {});
   EXPECT_TRUE(isReused(reuse, "/r/caf\u00e9"));
   EXPECT_FALSE(isReused(reuse, "/r/cafe\u0301"));
   EXPECT_FALSE(isReused(reuse, "/r/bad\xff"));
   EXPECT_FALSE(isReused(reuse, "/r/bad\ufffd"));  // may be what stands for other bytes
 }
 
-TEST(ChangeLog, bringsPathsIntoTheFormOfTheTree) {
-  FakeJournal journal;
-  const ChangeLog log{journal};
-  journal.answer = FolderChanges{.directories = {"/Users/ann/x/", "/"}, .trees = {"/System/Volumes/Data/y"}};
-  const auto onDisk = log.changes({.since = 5, .under = "/System/Volumes/Data", .timeout = 60s});
-  const ChangeLog::Changes wanted{
-      .directories = {"/System/Volumes/Data/Users/ann/x", "/System/Volumes/Data/"},
-      .trees = {"/System/Volumes/Data/y"}};
-  EXPECT_EQ(onDisk, wanted);
-  EXPECT_EQ(journal.asked.since, 5U);
-  EXPECT_EQ(journal.asked.timeout, 60s);
-  EXPECT_TRUE(log.changes({.since = 5, .under = "/"})->directories.contains("/"));
-
-  journal.answer = std::unexpected(JournalAbsence::eventsLost);
-  EXPECT_EQ(log.changes({.since = 5, .under = "/"}).error(), JournalAbsence::eventsLost);
-  journal.order.clear();
-  EXPECT_FALSE(log.changes({.since = 0, .under = "/"}));
-  EXPECT_EQ(journal.order, "");
+TEST(ReuseUnchanged, spellsPathsAsTheTreeDoes) {
+  const std::string data = "/System/Volumes/Data";
+  const Snapshot disk{.root = folder(data, {folder("x", {file("a", 1)}), folder("y", {file("b", 1)}),
+                                            folder("z", {file("c", 1)})})};
+  const auto reuse = reuseUnchanged(disk, {.directories = {"/x/"}, .trees = {data + "/y"}});
+  EXPECT_FALSE(isReused(reuse, data + "/x"));
+  EXPECT_FALSE(isReused(reuse, data + "/y"));
+  EXPECT_TRUE(isReused(reuse, data + "/z"));
+  EXPECT_FALSE(isReused(reuseUnchanged(disk, {.trees = {"/"}}), data + "/z"));
 }
 
 class ScanPlanTest : public testing::Test {
  protected:
   ScanPlan plan(Snapshot earlier = homeOfAnn()) {
     arguments.earlier = std::move(earlier);
-    return ScanPlan::make(ChangeLog{journal}, arguments);
+    return ScanPlan::make(journal, arguments);
   }
   std::string whyFull(void (*edit)(Snapshot&)) {
     Snapshot earlier = homeOfAnn();
@@ -125,7 +115,7 @@ TEST_F(ScanPlanTest, reusesTheEarlierScanWhereTheJournalAnswers) {
   EXPECT_EQ(made.fullScanDate, Date{100h});
   EXPECT_EQ(made.eventID, 70U);
   EXPECT_EQ(journal.asked.since, 50U);
-  EXPECT_EQ(journal.order, "id changes ");  // what happens between the two is told the next time again
+  EXPECT_EQ(journal.order, "id changes ");  // a change between the two calls is in the next answer
   ASSERT_TRUE(made.reuse);
   EXPECT_TRUE(isReused(made.reuse, "/Users/ann/Library"));
 }
@@ -134,8 +124,10 @@ TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.root.name = "/Users"; }),
             "the last scan was of another folder");
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.minNodeSize = 9; }), "the last scan used another --min-size");
-  EXPECT_EQ(whyFull([](Snapshot& scan) { scan.eventID.reset(); }),
-            "nothing recorded changes at the last scan");
+  for (const auto unrecorded :
+       {+[](Snapshot& scan) { scan.eventID.reset(); }, +[](Snapshot& scan) { scan.eventID = 0; }}) {
+    EXPECT_EQ(whyFull(unrecorded), "nothing recorded changes at the last scan");
+  }
   EXPECT_EQ(whyFull([](Snapshot& scan) { scan.fullScanDate = Date{150h} - 72h; }),
             "the last full scan is three days old");
   Snapshot justYoungEnough = homeOfAnn();
@@ -152,7 +144,7 @@ TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
   }
   EXPECT_EQ(journal.order.find("changes"), std::string::npos);
 
-  journal.answer = std::unexpected(JournalAbsence::unmounted);
+  journal.answer = std::unexpected(JournalError::unmounted);
   journal.id = 0;
   EXPECT_EQ(whyFull([](Snapshot&) {}), "its volume was unmounted");
   EXPECT_EQ(plan().eventID, std::nullopt);
@@ -160,7 +152,7 @@ TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
   EXPECT_EQ(whyFull([](Snapshot&) {}), "that was asked for");
   arguments.mayReuse = true;
   arguments.earlier.reset();
-  EXPECT_EQ(ScanPlan::make(ChangeLog{journal}, arguments).whyFull, "there is no earlier scan");
+  EXPECT_EQ(ScanPlan::make(journal, arguments).whyFull, "there is no earlier scan");
 }
 
 }  // namespace

@@ -1,14 +1,13 @@
-#include "Spacemint/model/ScanWorker.h"
+#include "Spacemint/model/ScanJob.h"
 
-#include "core/scan/ChangeLog.h"
-#include "core/scan/FinishedScan.h"
+#include "core/scan/ScanPlan.h"
 #include "core/tree/Paths.h"
 
 namespace spacemint {
 
 namespace {
 
-// Passes on the first call and then what comes after the interval.
+// Forwards the first call, and later calls at most once per interval.
 auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
   using SteadyClock = std::chrono::steady_clock;
   return [callback = std::move(callback),
@@ -24,25 +23,26 @@ auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
 
 ScanJob::Report ScanJob::run() const {
   const Date start = clock.now();
-  // Before the journal is asked: where nothing was recorded until now, this scan is what recording begins
-  // with.
-  const auto walk = journal.beginWalk(root);
-  const ChangeLog log{journal};
-  ScanPlan plan = ScanPlan::make(log, {.root = root,
-                                       .minNodeSize = minNodeSize,
-                                       .now = start,
-                                       .earlier = seed ? std::optional{*seed} : std::nullopt,
-                                       .timeout = journalTimeout});
-  if (walk) plan.eventID = walk->eventID();
+  const auto isCancelled = [this] { return flag->isSet(); };
+  ScanPlan plan = ScanPlan::make(journal, {.root = root,
+                                           .minNodeSize = minNodeSize,
+                                           .now = start,
+                                           .earlier = seed ? std::optional{*seed} : std::nullopt,
+                                           .timeout = journalTimeout,
+                                           .shouldCancel = isCancelled});
+  if (isCancelled()) return {};
+  // If nothing recorded this folder until now, recording starts with this scan.
+  const auto crawl = plan.reuse ? nullptr : journal.beginCrawl(root);
+  if (crawl) plan.eventID = crawl->eventID();
   auto result = DiskScanner::scan({.root = root,
                                    .minNodeSize = minNodeSize,
                                    .reuse = plan.reuse,
                                    .throttleIO = true,
-                                   .shouldCancel = [this] { return flag->isSet(); },
+                                   .shouldCancel = isCancelled,
                                    .progress = throttled(progress),
-                                   .listing = walk ? &walk->listing() : nullptr});
-  if (flag->isSet()) return {};
-  if (walk && result) walk->finish();
+                                   .listing = crawl.get()});
+  if (isCancelled()) return {};
+  if (crawl && result) crawl->finish();
   if (!result) return {.failure = "Couldn't scan " + Paths::display(root, home) + "."};
   return report(FinishedScan{.result = std::move(*result),
                              .plan = plan,

@@ -1,4 +1,4 @@
-#include "core/host/linux/journal/MeetingPlace.h"
+#include "core/host/linux/journal/JournalEndpoint.h"
 
 #include "core/host/AtomicFile.h"
 #include "core/host/UserFolders.h"
@@ -17,8 +17,8 @@ namespace spacemint {
 
 namespace {
 
-// A name of fixed length for a path of any. Two roots of one name would only find that they share it: the
-// request says which root is meant.
+// A short name for a root of any length: its FNV-1a hash. If two roots had the same hash, only one of them
+// could be recorded at a time; the request names the root, so no answer would be wrong.
 std::string shortName(const std::string& root) {
   std::uint64_t hash = 0xCBF29CE484222325U;
   for (const char c : root) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
@@ -34,29 +34,29 @@ FileHandle newSocket() {
   return FileHandle{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)};
 }
 
-// Through the open folder, because an address has room for a hundred bytes only.
+// The path leads through the open folder, because an address holds only about a hundred bytes.
 sockaddr_un addressIn(const FileHandle& folder, const std::string& name) {
   sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
   (pathThroughHandle(folder) + "/" + name).copy(address.sun_path, sizeof address.sun_path - 1);
   return address;
 }
 
-FileHandle openPlace(const std::string& folder) {
+FileHandle openEndpointFolder(const std::string& folder) {
   return FileHandle{open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
 }
 
 }  // namespace
 
-std::expected<MeetingPlace, Error> MeetingPlace::forRoot(const std::string& root, std::string folder) {
+std::expected<JournalEndpoint, Error> JournalEndpoint::forRoot(const std::string& root, std::string folder) {
   if (folder.empty()) {
     const std::string runtime = UserFolders::runtime();
     if (runtime.empty()) return std::unexpected(systemError("XDG_RUNTIME_DIR", ENOENT));
     folder = runtime + "/spacemint";
   }
-  return MeetingPlace{std::move(folder), shortName(root)};
+  return JournalEndpoint{std::move(folder), shortName(root)};
 }
 
-std::expected<FileLock, Error> MeetingPlace::lock() const {
+std::expected<FileLock, Error> JournalEndpoint::lock() const {
   if (auto made = createPrivateFolders(folder_); !made) return std::unexpected(std::move(made).error());
   struct stat status {};
   if (stat(folder_.c_str(), &status) != 0) return std::unexpected(systemError(folder_, errno));
@@ -68,9 +68,9 @@ std::expected<FileLock, Error> MeetingPlace::lock() const {
   return lock;
 }
 
-std::expected<FileHandle, Error> MeetingPlace::listen() const {
-  leave();
-  const FileHandle folder = openPlace(folder_);
+std::expected<FileHandle, Error> JournalEndpoint::listen() const {
+  remove();
+  const FileHandle folder = openEndpointFolder(folder_);
   FileHandle listener = newSocket();
   const sockaddr_un address = addressIn(folder, name_ + ".sock");
   const auto* generic = reinterpret_cast<const sockaddr*>(&address);
@@ -81,8 +81,8 @@ std::expected<FileHandle, Error> MeetingPlace::listen() const {
   return listener;
 }
 
-std::expected<FileHandle, Error> MeetingPlace::connect() const {
-  const FileHandle folder = openPlace(folder_);
+std::expected<FileHandle, Error> JournalEndpoint::connect() const {
+  const FileHandle folder = openEndpointFolder(folder_);
   FileHandle connection = newSocket();
   const sockaddr_un address = addressIn(folder, name_ + ".sock");
   const auto* generic = reinterpret_cast<const sockaddr*>(&address);
@@ -93,7 +93,7 @@ std::expected<FileHandle, Error> MeetingPlace::connect() const {
   return connection;
 }
 
-void MeetingPlace::leave() const {
+void JournalEndpoint::remove() const {
   unlink((folder_ + "/" + name_ + ".sock").c_str());
 }
 

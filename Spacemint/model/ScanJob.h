@@ -3,8 +3,8 @@
 #include "Spacemint/desktop/Clock.h"
 #include "Spacemint/desktop/StartupVolume.h"
 #include "Spacemint/model/ScanHistory.h"
+#include "core/host/EventJournal.h"
 #include "core/scan/DiskScanner.h"
-#include "core/scan/ScanJournal.h"
 
 #include <functional>
 #include <mutex>
@@ -14,7 +14,7 @@
 
 namespace spacemint {
 
-/// Says to one scan that its result is not wanted any more; also what tells scans apart. Any thread.
+/// Cancels one scan. Its address also identifies the scan. Any thread.
 class CancelFlag {
  public:
   void set() {
@@ -31,32 +31,33 @@ class CancelFlag {
   bool value_ = false;
 };
 
-/// One scan from its plan to its file in the history: what runs on the scan's thread.
+/// One scan from its plan to its file in the history. `run` runs on the scan's thread.
 struct ScanJob {
   std::string root;
   Bytes minNodeSize = 0;
-  /// May be reused, where the journal knows what changed since. Null for a full scan.
+  /// The earlier scan, which is reused when the journal knows what changed since. Null for a full scan.
   SharedSnapshot seed;
   std::shared_ptr<const CancelFlag> flag;
   SnapshotStore store;
   std::string home;
   std::string timeZone;
-  ScanJournal& journal;
+  EventJournal& journal;
   const Clock& clock;
   StartupVolume& volume;
-  /// Told on the scan's thread, at most twice a second.
+  /// Called on the scan's thread, at most twice a second.
   std::function<void(const DiskScanner::Progress&)> progress;
 
-  /// Stored scans that are kept, besides the two newest: the newest of each of so many days.
+  /// Besides the two newest scans, the newest scan of each of so many days is kept.
   static constexpr int historyDays = 14;
   static constexpr std::chrono::milliseconds progressInterval{500};
   static constexpr std::chrono::seconds journalTimeout{60};
 
-  /// How it ended: a snapshot, a failure, both where it could not be saved, or neither when cancelled.
+  /// The outcome: a snapshot, a failure, both when the snapshot could not be saved, or neither when
+  /// cancelled.
   struct Report {
     std::optional<Snapshot> snapshot = {};
     std::optional<std::string> failure = {};
-    /// The history after it, when there is a snapshot.
+    /// The history after the scan, when there is a snapshot.
     std::vector<SnapshotStore::Entry> entries = {};
   };
 

@@ -1,0 +1,44 @@
+#include "core/scan/ProcessJournal.h"
+
+namespace spacemint {
+
+ProcessJournal::ProcessJournal(EventRecorder::Options options)
+    : options_(std::move(options)),
+      others_(hostEventJournal()) {
+  options_.crawlsAtOnce = false;
+}
+
+std::unique_ptr<RecordingCrawl> ProcessJournal::beginCrawl(const std::string& root) {
+  std::shared_ptr<EventRecorder> recorder;
+  {
+    const std::lock_guard hold(mutex_);
+    if (root_ != root || !recorder_) {
+      recorder_.reset();
+      root_ = root;
+      options_.root = root;
+      starter_.call([this] {
+        auto started = EventRecorder::start(options_);
+        if (started) recorder_ = std::move(*started);
+      });
+    }
+    recorder = recorder_;
+  }
+  return recorder ? recorder->beginCrawl(root) : nullptr;
+}
+
+std::uint64_t ProcessJournal::currentEventID(const JournalQuery& query) {
+  const auto recorder = recorderOf(query.root);
+  return recorder ? recorder->currentEventID(query) : others_->currentEventID(query);
+}
+
+std::expected<FolderChanges, JournalError> ProcessJournal::changes(const JournalQuery& query) {
+  const auto recorder = recorderOf(query.root);
+  return recorder ? recorder->changes(query) : others_->changes(query);
+}
+
+std::shared_ptr<EventRecorder> ProcessJournal::recorderOf(const std::string& root) const {
+  const std::lock_guard hold(mutex_);
+  return root_ == root ? recorder_ : nullptr;
+}
+
+}  // namespace spacemint
