@@ -10,7 +10,7 @@ namespace spacemint {
 struct Notification {
   std::string title;
   std::string body;
-  /// It cannot wait: the desktop keeps it on the screen until it is seen.
+  /// Urgent: the desktop keeps the notification on the screen until the user has seen it.
   bool isCritical = false;
   bool hasSound = false;
 
@@ -23,18 +23,22 @@ class Notifier : public QObject {
  public:
   ~Notifier() override;
 
-  /// Shows a new one, also beside those that are there. Where that fails nothing is said.
-  virtual void post(const Notification& notification) = 0;
+  /// Shows a new notification; earlier ones stay. The future always finishes, on the main thread: with true
+  /// once the desktop's notification service has accepted the notification, with false when there is no
+  /// service or the service answered with an error.
+  virtual QFuture<bool> show(const Notification& notification) = 0;
 
-  /// Asks for the right to notify, where somebody has to be asked; whether there is one now.
+  /// Asks the user for the permission to notify, on desktops that require one. Answers as `isAllowed`.
   virtual QFuture<bool> requestAuthorization() = 0;
 
-  /// Whether notifications are shown at all.
+  /// True when the desktop shows notifications of this application.
   virtual QFuture<bool> isAllowed() = 0;
 
  Q_SIGNALS:
-  /// The user clicked one of ours.
+  /// The user clicked a notification of this application.
   void activated();
+  /// A notification service has started. A notification that was not accepted before may be shown again.
+  void serviceAppeared();
 };
 
 }  // namespace spacemint

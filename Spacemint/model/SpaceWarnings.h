@@ -9,12 +9,17 @@
 
 namespace spacemint {
 
-/// Warns once when space runs low, and knows whether anybody will see that. Main thread only.
+/// Warns the user when space runs low, and knows whether the desktop shows notifications. Main thread only.
+///
+/// A warning counts as given only when a notification service has accepted it. Until then it is tried again
+/// when a service appears, and every `retryAfter`.
 class SpaceWarnings : public QObject {
   Q_OBJECT
  public:
-  /// A scan that is older is made again after a warning, to say what takes the space.
+  /// A warning starts a scan when the last scan is older than this, so that the application can show what
+  /// takes the space.
   static constexpr std::chrono::hours staleAfter{1};
+  static constexpr std::chrono::minutes retryAfter{10};
 
   struct Parts {
     const VolumeWatch& volume;
@@ -29,13 +34,13 @@ class SpaceWarnings : public QObject {
     std::string locale;
   };
 
-  /// Without `mayNotify` nothing is ever shown and nobody is asked for the right to.
+  /// Without `mayNotify` no notification is shown and no permission is requested.
   SpaceWarnings(const Parts& parts, const Desktop& desktop, Words words, bool mayNotify);
 
   SpaceLevel level() const;
   bool notificationsAllowed() const { return notificationsAllowed_; }
 
-  /// Looks at the last reading.
+  /// Decides by the last reading of the volume whether to warn now. Call it after every reading.
   void evaluate();
   void sendTestNotification();
   void requestAuthorization();
@@ -45,14 +50,23 @@ class SpaceWarnings : public QObject {
   void notificationsAllowedChanged();
 
  private:
-  void post(const Notification& notification);
+  /// What became of the warning that is due.
+  enum class Attempt : std::uint8_t { none, running, refused };
+
+  void warn(const Warning& warning);
+  void finish(const Warning& warning, bool isAccepted);
+  void tryAgain();
 
   Parts parts_;
   Desktop desktop_;
   Words words_;
   bool mayNotify_;
   bool notificationsAllowed_ = true;
+  /// The last warning that a notification service accepted.
   std::optional<Warning> lastWarning_;
+  Attempt attempt_ = Attempt::none;
+  /// True from the first attempt to give a warning until it is given or no longer due.
+  bool isDue_ = false;
 };
 
 }  // namespace spacemint

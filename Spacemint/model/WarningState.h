@@ -7,7 +7,7 @@
 
 namespace spacemint {
 
-/// When the user was last warned, and how badly.
+/// When the user was last warned, and of which level.
 struct Warning {
   Date date;
   SpaceLevel level = SpaceLevel::ok;
@@ -18,13 +18,15 @@ struct Warning {
 /// Decides which readings of the free space are worth a warning. Pure.
 namespace WarningState {
 
-/// Free space must rise so far above the threshold before the next fall below it is news again.
+/// After a warning, free space must exceed the threshold by this much before the next fall below the
+/// threshold warns at once.
 inline constexpr Bytes rearmMargin = 2 * gigabyte;
-/// A warning that is no worse than the last is not repeated for so long.
+/// A warning of the same or a lower level is repeated after this time.
 inline constexpr std::chrono::hours minimumGap{12};
 
 struct Reading {
   Bytes free = 0;
+  /// Any number; used as `warningThreshold` does.
   std::int64_t thresholdGB = 0;
   Date now;
 };
@@ -37,10 +39,9 @@ struct Next {
   bool operator==(const Next&) const = default;
 };
 
+/// What follows from a reading of the volume. A last warning that is dated after `Reading::now` (the clock
+/// was set back) counts as given at an unknown time: it does not hold back the next one.
 Next after(const std::optional<Warning>& last, const Reading& reading);
-
-/// A threshold from a file that was edited by hand, as one whose bytes can be counted.
-std::int64_t usableThreshold(std::int64_t thresholdGB);
 
 }  // namespace WarningState
 

@@ -2,6 +2,7 @@
 
 #include "core/base/Error.h"
 #include "core/host/DefaultsStore.h"
+#include "core/volume/SpaceLevel.h"
 
 #include <array>
 #include <cstdint>
@@ -73,15 +74,15 @@ inline constexpr std::array<SettingChoice, 2> scopeChoices{
 /// In the order of `AppPresence`.
 inline constexpr std::array<SettingChoice, 2> presenceChoices{{{"menuBar", "Menu bar"}, {"dock", "Dock"}}};
 
-/// Every setting, in the order of `Setting`. The largest threshold is the last whose bytes, the largest
-/// interval the last whose microseconds, fit 64 bits.
+/// Every setting, in the order of `Setting`. The largest scan interval is the last whose microseconds fit 64
+/// bits.
 inline constexpr std::array<SettingDescription, 6> settings{{
     {.setting = Setting::warningThresholdGB,
      .key = "warningThresholdGB",
      .registeredDefault = 20,
      .choices = warningThresholdChoices,
      .minimum = 0,
-     .maximum = 9'223'372'036},
+     .maximum = largestWarningThresholdGB},
     {.setting = Setting::scope, .key = "scope", .registeredDefault = "home", .choices = scopeChoices},
     {.setting = Setting::scanIntervalHours,
      .key = "scanIntervalHours",

@@ -2,19 +2,30 @@
 
 #include "core/base/Bytes.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace spacemint {
 
-/// How much the free space should worry the user. A higher value is worse.
+/// How little free space is left. A higher value is worse.
 enum class SpaceLevel : std::uint8_t { ok, low, critical };
 
 /// The unit of the warning threshold.
 inline constexpr Bytes gigabyte = 1'000'000'000;
 
+/// The largest threshold whose bytes fit 64 bits.
+inline constexpr std::int64_t largestWarningThresholdGB = std::numeric_limits<Bytes>::max() / gigabyte;
+
+/// The warning threshold in bytes. A settings file may hold any number: below 0 counts as 0, above the
+/// largest threshold as the largest.
+constexpr Bytes warningThreshold(std::int64_t thresholdGB) {
+  return std::clamp(thresholdGB, std::int64_t{0}, largestWarningThresholdGB) * gigabyte;
+}
+
 /// Low below the threshold, critical below half of it.
-constexpr SpaceLevel spaceLevel(Bytes free, std::int64_t warningThresholdGB) {
-  const Bytes threshold = warningThresholdGB * gigabyte;
+constexpr SpaceLevel spaceLevel(Bytes free, std::int64_t thresholdGB) {
+  const Bytes threshold = warningThreshold(thresholdGB);
   if (free < threshold / 2) return SpaceLevel::critical;
   return free < threshold ? SpaceLevel::low : SpaceLevel::ok;
 }

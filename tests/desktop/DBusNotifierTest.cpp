@@ -46,8 +46,8 @@ class DBusNotifierTest : public testing::Test {
 
 TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
   startService();
-  notifier.post({.title = "Low", .body = "a < b & c"});
-  notifier.post({.title = "Critical", .body = "Körper", .isCritical = true, .hasSound = true});
+  notifier.show({.title = "Low", .body = "a < b & c"});
+  notifier.show({.title = "Critical", .body = "Körper", .isCritical = true, .hasSound = true});
   ASSERT_TRUE(arrived(2));
   const auto& normal = service->shown[0];
   EXPECT_EQ(normal.application, QStringLiteral("Spacemint"));
@@ -68,7 +68,7 @@ TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
 
 TEST_F(DBusNotifierTest, writesMarkupWhereTheServiceReadsIt) {
   startService({QStringLiteral("body-markup")});
-  notifier.post({.title = "a < b", .body = "a < b & c"});
+  notifier.show({.title = "a < b", .body = "a < b & c"});
   ASSERT_TRUE(arrived(1));
   EXPECT_EQ(service->shown[0].summary, QStringLiteral("a < b"));
   EXPECT_EQ(service->shown[0].body, QStringLiteral("a &lt; b &amp; c"));
@@ -76,7 +76,7 @@ TEST_F(DBusNotifierTest, writesMarkupWhereTheServiceReadsIt) {
 
 TEST_F(DBusNotifierTest, tellsOfClicksOnItsOwn) {
   startService();
-  notifier.post({.title = "Ours"});
+  notifier.show({.title = "Ours"});
   ASSERT_TRUE(arrived(1));
   const QString action = QStringLiteral("default");
   Q_EMIT service->ActionInvoked(2, action);
@@ -94,17 +94,17 @@ TEST_F(DBusNotifierTest, tellsOfClicksOnItsOwn) {
 
 TEST_F(DBusNotifierTest, isNotAllowedWithoutAServiceAndComesBackWithOne) {
   EXPECT_EQ(ask(), false);
-  notifier.post({.title = "Nobody sees this"});
+  notifier.show({.title = "Nobody sees this"});
   startService();
   EXPECT_EQ(ask(), true);
   EXPECT_TRUE(service->shown.empty());
-  notifier.post({.title = "Somebody sees this"});
+  notifier.show({.title = "Somebody sees this"});
   EXPECT_TRUE(arrived(1));
 }
 
 TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
   startService();
-  notifier.post({.title = "Before"});
+  notifier.show({.title = "Before"});
   ASSERT_TRUE(arrived(1));
   service.reset();
   startService({QStringLiteral("body-markup")});
@@ -112,7 +112,7 @@ TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
   Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
   ASSERT_TRUE(settled());
   EXPECT_EQ(activations, 0);
-  notifier.post({.title = "After", .body = "<"});
+  notifier.show({.title = "After", .body = "<"});
   ASSERT_TRUE(arrived(1));
   EXPECT_EQ(service->shown[0].body, QStringLiteral("&lt;"));
   Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
@@ -122,7 +122,7 @@ TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
 
 TEST(DBusNotifier, doesNothingWithoutABus) {
   DBusNotifier notifier{QDBusConnection{QStringLiteral("no such connection")}};
-  notifier.post({.title = "Nobody sees this"});
+  notifier.show({.title = "Nobody sees this"});
   const auto allowed = notifier.requestAuthorization();
   ASSERT_TRUE(waitUntil([&] { return allowed.isFinished(); }));
   EXPECT_FALSE(allowed.result());

@@ -29,7 +29,10 @@ TEST(WarningState, followsTheTable) {
                      {warned(low), 15 * GB, 719min, low, false},
                      {warned(low), 15 * GB, 720min, low, true},
                      {warned(critical), 15 * GB, 719min, critical, false},
-                     {warned(critical), 15 * GB, 720min, low, true}};
+                     {warned(critical), 15 * GB, 720min, low, true},
+                     // The clock was set back: when the last warning was given is not known.
+                     {warned(low), 15 * GB, -1min, low, true},
+                     {warned(low), 22 * GB, -1min, low, false}};
   for (const Case& c : cases) {
     const auto next =
         WarningState::after(c.last, {.free = c.free, .thresholdGB = 20, .now = morning + c.later});
@@ -47,6 +50,11 @@ TEST(WarningState, countsWithAnyThresholdOfASettingsFile) {
   EXPECT_FALSE(WarningState::after({}, {.free = 0, .thresholdGB = 0, .now = morning}).warns);
   EXPECT_FALSE(WarningState::after({}, {.free = 0, .thresholdGB = -largest, .now = morning}).warns);
   EXPECT_TRUE(WarningState::after({}, {.free = GB, .thresholdGB = largest, .now = morning}).warns);
+  // Times a gigabyte this number is a little more than 2^64.
+  EXPECT_EQ(spaceLevel(GB, 18'446'744'074), SpaceLevel::critical) << "what the terminal says";
+  EXPECT_EQ(WarningState::after({}, {.free = GB, .thresholdGB = 18'446'744'074, .now = morning}).last->level,
+            SpaceLevel::critical)
+      << "what the application says";
 }
 
 TEST(WarningText, saysWhatGrewWhenThatIsKnown) {
@@ -87,6 +95,38 @@ TEST_F(SpaceWarningsTest, warnsOnceAndLooksWhatTakesTheSpace) {
   desktop.volume.current->free = 5 * GB;
   desktop.advance(60s);
   EXPECT_THAT(desktop.notifier.posted, SizeIs(2));
+}
+
+TEST_F(SpaceWarningsTest, warnsAsSoonAsAServiceAcceptsTheWarning) {
+  Preferences{defaults}.setHasStarted(true);
+  storeScan(morning - 2h);
+  desktop.notifier.hasService = false;
+  desktop.volume.current->free = 15 * GB;
+  startModel();
+  desktop.advance(5min);
+  EXPECT_EQ(desktop.notifier.refused, 1) << "not at every reading";
+  EXPECT_THAT(store.entries(), SizeIs(2)) << "the scan was two hours old";
+  desktop.advance(3h);
+  EXPECT_GT(desktop.notifier.refused, 10);
+  EXPECT_THAT(store.entries(), SizeIs(2)) << "one scan for one warning";
+  desktop.notifier.hasService = true;
+  Q_EMIT desktop.notifier.serviceAppeared();
+  EXPECT_THAT(desktop.notifier.posted, SizeIs(1)) << "at once";
+  Q_EMIT desktop.notifier.serviceAppeared();
+  desktop.advance(1h);
+  EXPECT_THAT(desktop.notifier.posted, SizeIs(1)) << "once";
+}
+
+TEST_F(SpaceWarningsTest, aWarningThatIsNoLongerDueIsNotGiven) {
+  desktop.notifier.hasService = false;
+  desktop.volume.current->free = 15 * GB;
+  startModel();
+  desktop.volume.current->free = 100 * GB;
+  desktop.advance(60s);
+  desktop.notifier.hasService = true;
+  Q_EMIT desktop.notifier.serviceAppeared();
+  desktop.advance(1h);
+  EXPECT_THAT(desktop.notifier.posted, IsEmpty());
 }
 
 TEST_F(SpaceWarningsTest, aFailedReadingChangesNothing) {

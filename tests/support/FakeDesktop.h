@@ -59,9 +59,14 @@ class FakeTasks final : public Tasks {
 
 class FakeNotifier final : public Notifier {
  public:
-  void post(const Notification& notification) override {
+  QFuture<bool> show(const Notification& notification) override {
+    if (!hasService) {
+      ++refused;
+      return QtFuture::makeReadyFuture(false);
+    }
     posted.push_back(notification);
     if (onPost) onPost(notification);
+    return QtFuture::makeReadyFuture(true);
   }
   QFuture<bool> requestAuthorization() override {
     ++requests;
@@ -71,6 +76,9 @@ class FakeNotifier final : public Notifier {
 
   std::vector<Notification> posted;
   std::function<void(const Notification&)> onPost;
+  /// Without a service every notification is refused, and counted in `refused`.
+  bool hasService = true;
+  int refused = 0;
   int requests = 0;
   bool allowed = true;
 };

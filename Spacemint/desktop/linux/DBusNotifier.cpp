@@ -49,21 +49,34 @@ DBusNotifier::DBusNotifier(const QDBusConnection& bus)
                SLOT(notificationClosed(uint, uint)));
 }
 
-void DBusNotifier::post(const Notification& notification) {
-  if (readsMarkup_) return send(notification);
-  findOutAboutMarkup([this, notification] { send(notification); });
+QFuture<bool> DBusNotifier::show(const Notification& notification) {
+  auto promise = std::make_shared<QPromise<bool>>();
+  promise->start();
+  const Answer answer = [promise](bool isAccepted) {
+    promise->addResult(isAccepted);
+    promise->finish();
+  };
+  if (readsMarkup_) {
+    send(notification, answer);
+  } else {
+    findOutAboutMarkup([this, notification, answer](bool isKnown) {
+      if (!isKnown) return answer(false);
+      send(notification, answer);
+    });
+  }
+  return promise->future();
 }
 
 // Each notification asks for itself until the answer is known, so they go out in the order of the calls.
-void DBusNotifier::findOutAboutMarkup(std::function<void()> then) {
+void DBusNotifier::findOutAboutMarkup(std::function<void(bool isKnown)> then) {
   callAsync(bus_, method("GetCapabilities"), this, [this, then = std::move(then)](const QDBusMessage& reply) {
-    if (reply.type() != QDBusMessage::ReplyMessage) return;
+    if (reply.type() != QDBusMessage::ReplyMessage) return then(false);
     readsMarkup_ = reply.arguments().value(0).toStringList().contains(QStringLiteral("body-markup"));
-    then();
+    then(true);
   });
 }
 
-void DBusNotifier::send(const Notification& notification) {
+void DBusNotifier::send(const Notification& notification, const Answer& answer) {
   constexpr uint replacesNone = 0;
   const QString body = QString::fromStdString(notification.body);
   QDBusMessage call = method("Notify");
@@ -72,8 +85,10 @@ void DBusNotifier::send(const Notification& notification) {
        << (readsMarkup_.value_or(false) ? body.toHtmlEscaped() : body)
        << QStringList{defaultAction, QStringLiteral("Open Spacemint")} << hintsOf(notification)
        << whenTheServiceSees;
-  callAsync(bus_, call, this, [this](const QDBusMessage& reply) {
-    if (reply.type() == QDBusMessage::ReplyMessage) shown_.insert(reply.arguments().value(0).toUInt());
+  callAsync(bus_, call, this, [this, answer](const QDBusMessage& reply) {
+    const bool isAccepted = reply.type() == QDBusMessage::ReplyMessage;
+    if (isAccepted) shown_.insert(reply.arguments().value(0).toUInt());
+    answer(isAccepted);
   });
 }
 

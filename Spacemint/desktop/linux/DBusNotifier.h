@@ -18,7 +18,7 @@ class DBusNotifier final : public Notifier {
  public:
   explicit DBusNotifier(const QDBusConnection& bus);
 
-  void post(const Notification& notification) override;
+  QFuture<bool> show(const Notification& notification) override;
   /// Nobody has to be asked here.
   QFuture<bool> requestAuthorization() override { return isAllowed(); }
   /// Whether a service answers. What the user has silenced in its settings it does not tell.
@@ -29,8 +29,10 @@ class DBusNotifier final : public Notifier {
   void notificationClosed(uint id, uint reason);
 
  private:
-  void findOutAboutMarkup(std::function<void()> then);
-  void send(const Notification& notification);
+  using Answer = std::function<void(bool isAccepted)>;
+
+  void findOutAboutMarkup(std::function<void(bool isKnown)> then);
+  void send(const Notification& notification, const Answer& answer);
   void forget();
 
   QDBusConnection bus_;
