@@ -2,6 +2,7 @@
 
 #include "AppServices/Base64.h"
 #include "AppServices/WebClient.h"
+#include "core/base/DebianVersion.h"
 #include "core/base/NumericOrder.h"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ std::int64_t lengthOf(const std::string& text) {
 }
 
 bool isCandidate(const UpdateItem& item, const UpdateTarget& target) {
-  if (numericOrder(item.version, target.version) <= 0) return false;
+  if (debianVersionOrder(item.version, target.version) <= 0) return false;
   if (numericOrder(item.minimumSystemVersion, target.system.kernel) > 0) return false;
   const QUrl url{QString::fromStdString(item.url), QUrl::StrictMode};
   const auto architecture = architectureIn(fileNameOf(url), target.package, item.version);
@@ -88,7 +89,7 @@ std::expected<std::optional<Update>, UpdateProblem> newestUpdate(const std::vect
   const UpdateItem* newest = nullptr;
   for (const UpdateItem& item : items) {
     if (!isCandidate(item, target)) continue;
-    if (!newest || numericOrder(item.version, newest->version) > 0) newest = &item;
+    if (!newest || debianVersionOrder(item.version, newest->version) > 0) newest = &item;
   }
   if (!newest) return std::nullopt;
   return checked(*newest, target);

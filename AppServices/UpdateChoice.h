@@ -53,9 +53,9 @@ struct UpdateTarget {
 /// The longest file that is downloaded, in bytes.
 inline constexpr std::int64_t largestUpdate = 200'000'000;
 
-/// The newest item above the target's version that its system can take: absent where there is none, refused
-/// where that item is incomplete or not what it must be. An update's file is called
-/// PACKAGE_VERSION[-REVISION]_ARCHITECTURE.deb; items for other machines are left out.
+/// The newest item above the target's version, in the order of Debian's packages, that its system can take:
+/// absent where there is none, refused where that item is incomplete or not what it must be. An update's file
+/// is called PACKAGE_VERSION[-REVISION]_ARCHITECTURE.deb; items for other machines are left out.
 std::expected<std::optional<Update>, UpdateProblem> newestUpdate(const std::vector<UpdateItem>& items,
                                                                  const UpdateTarget& target);
 

@@ -12,16 +12,26 @@
 
 namespace spacemint {
 
-/// A value of a property list's top level. What is no scalar (an array, a dictionary, data) is a monostate.
+/// A value at a property list's top level. An array, a dictionary, data or a value that has no type here is a
+/// monostate.
 using PropertyValue = std::variant<std::monostate, bool, std::int64_t, double, std::string, Date>;
 using PropertyDictionary = std::map<std::string, PropertyValue>;
 
-/// Reads the values under `keys`, as far as they are there, from a property list, XML or binary, whose top
-/// level is a dictionary; absent for anything else. The document may come from anybody: one whose reading
-/// would take more than a time and a stack in proportion to its size is refused, and so is one of more than
-/// `maximumContainers` arrays and dictionaries.
+/// Reads the values that are stored under `keys` in a property list, binary or XML (UTF-8 or UTF-16), whose
+/// top level is a dictionary; of a key that is given twice, the first value. Absent for any other document,
+/// and for one that breaks a rule of its format where it was read. What arrays and dictionaries hold is
+/// passed over. The document may come from anybody: reading takes time and memory in proportion to its size
+/// and no recursion. Pure; any thread.
 std::optional<PropertyDictionary> parsePropertyList(std::string_view document,
                                                     std::span<const char* const> keys);
-inline constexpr std::size_t maximumContainers = 10'000;
+
+/// Dates in property lists count from 2001-01-01 00:00:00 UTC.
+inline constexpr std::chrono::seconds propertyListEpoch{978'307'200};
+
+/// The two formats; what `parsePropertyList` is made of. The XML text is UTF-8.
+std::optional<PropertyDictionary> parseBinaryPropertyList(std::string_view document,
+                                                          std::span<const char* const> keys);
+std::optional<PropertyDictionary> parseXmlPropertyList(std::string_view text,
+                                                       std::span<const char* const> keys);
 
 }  // namespace spacemint

@@ -96,6 +96,18 @@ std::string withInvalidUtf8Replaced(std::string_view text) {
   return result += text.substr(taken);
 }
 
+std::string utf8FromUtf16(std::string_view bytes, bool isBigEndian) {
+  icu::UnicodeString units(static_cast<std::int32_t>(bytes.size() / 2), 0, 0);
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+    const auto first = static_cast<unsigned char>(bytes[at]);
+    const auto second = static_cast<unsigned char>(bytes[at + 1]);
+    units.append(static_cast<char16_t>(isBigEndian ? first << 8 | second : second << 8 | first));
+  }
+  std::string text;
+  units.toUTF8String(text);
+  return text;
+}
+
 bool canonicallyEqual(std::string_view a, std::string_view b) {
   if (a == b) return true;
   return mayBeEquivalent(a, b) && decomposed(a) == decomposed(b);

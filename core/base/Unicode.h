@@ -15,6 +15,10 @@ bool isValidUtf8(std::string_view text);
 /// `text` with U+FFFD in the place of every sequence of bytes that is not UTF-8.
 std::string withInvalidUtf8Replaced(std::string_view text);
 
+/// UTF-16 text as UTF-8; U+FFFD in the place of what is not UTF-16. An odd last byte is left out; the text is
+/// at most 2^31 bytes long.
+std::string utf8FromUtf16(std::string_view bytes, bool isBigEndian);
+
 /// Equality under Unicode canonical equivalence: a precomposed and a decomposed accent are equal.
 bool canonicallyEqual(std::string_view a, std::string_view b);
 

@@ -1,4 +1,4 @@
-// A backup's description is written by whoever made the backup: whatever it is, it is read or refused.
+// A backup's description comes from another device: whatever it holds, it is read or refused.
 
 #include "core/base/PropertyList.h"
 

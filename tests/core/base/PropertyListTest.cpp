@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace spacemint {
 namespace {
 
@@ -41,6 +43,12 @@ std::string bytes(std::string_view hex) {
   return result;
 }
 
+std::string word(std::uint32_t number) {
+  std::string text;
+  for (unsigned shift = 32; shift > 0; shift -= 8) text += static_cast<char>(number >> (shift - 8));
+  return text;
+}
+
 TEST(PropertyList, isReadInBothFormats) {
   const PropertyDictionary expected{{"Apps", {}},
                                     {"Count", std::int64_t{-3}},
@@ -76,69 +84,106 @@ TEST(PropertyList, survivesEveryCutAndEveryChangedByte) {
   }
 }
 
-// The parser recurses into containers: what would exhaust the stack is not given to it.
-TEST(PropertyList, isRefusedWhenItNestsTooDeep) {
-  const auto nested = [](std::size_t depth) {
-    std::string text = "<plist><dict><key>k</key>";
-    for (std::size_t i = 0; i < depth; ++i) text += "<array>";
-    for (std::size_t i = 0; i < depth; ++i) text += "</array>";
-    return text + "</dict></plist>";
-  };
-  EXPECT_TRUE(parse(nested(maximumContainers - 1)));
-  EXPECT_FALSE(parse(nested(maximumContainers)));
-  EXPECT_FALSE(parse(nested(1'000'000)));
-
-  // Binary: a dictionary and arrays that each hold the next one. Offsets and references take four bytes.
-  const auto word = [](std::size_t number) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-      text += static_cast<char>(number >> static_cast<unsigned>(shift));
-    return text;
-  };
-  const auto binary = [&](std::size_t depth) {
-    std::string text = "bplist00";
-    std::string offsets;
-    const auto add = [&](const std::string& object) {
-      offsets += word(text.size());
-      text += object;
-    };
-    add("\xd1" + word(1) + word(2));
-    add("Qk");
-    for (std::size_t i = 0; i + 1 < depth; ++i) add("\xa1" + word(i + 3));
-    add("\xa0");
-    const std::size_t table = text.size();
-    const std::string zeros(4, '\0');
-    return text + offsets + std::string(6, '\0') + "\x04\x04" + zeros + word(depth + 2) + zeros + zeros +
-           zeros + word(table);
-  };
-  EXPECT_TRUE(parse(binary(100)));
-  EXPECT_TRUE(parse(binary(maximumContainers - 1)));
-  EXPECT_FALSE(parse(binary(maximumContainers)));
+TEST(PropertyList, isReadInUtf16) {
+  const PropertyDictionary expected = parse(xml).value();
+  for (const bool isBigEndian : {true, false}) {
+    for (const bool hasMark : {true, false}) {
+      std::string text;
+      const auto add = [&](char16_t unit) {
+        const char high = static_cast<char>(unit >> 8U);
+        const char low = static_cast<char>(unit & 0xffU);
+        text += isBigEndian ? high : low;
+        text += isBigEndian ? low : high;
+      };
+      if (hasMark) add(0xfeff);
+      std::string document{xml};
+      document.replace(document.find("\u00df"), 2, "&#xdf;");
+      for (const char c : document) add(static_cast<unsigned char>(c));
+      EXPECT_EQ(parse(text), expected) << isBigEndian << hasMark;
+    }
+  }
 }
 
-// An array that holds another one twice, which holds another one twice, and so on, takes 2^n of memory.
-TEST(PropertyList, isRefusedWhenItsPartsAreShared) {
-  const auto shared = [](std::size_t levels) {
-    std::string text = "bplist00";
-    std::string offsets;
-    const auto add = [&](const std::string& object) {
-      offsets += static_cast<char>(text.size());
-      text += object;
-    };
-    add(std::string{"\xd1\x01\x02", 3});
-    add("Qk");
-    for (std::size_t i = 1; i < levels; ++i) {
-      add(std::string{'\xa2'} + std::string(2, static_cast<char>(i + 2)));
-    }
-    add("\xa0");
-    const auto table = static_cast<char>(text.size());
-    const std::string zeros(7, '\0');
-    return text + offsets + std::string(6, '\0') + "\x01\x01" + zeros + static_cast<char>(levels + 2) +
-           zeros + '\0' + zeros + table;
+TEST(PropertyList, isReadAsXmlMayBeWritten) {
+  const auto listOf = [](std::string_view inside) {
+    return "<plist><dict><key>Count</key>" + std::string{inside} + "</dict></plist>";
   };
-  EXPECT_TRUE(parse(shared(1)));
-  EXPECT_FALSE(parse(shared(2)));
-  EXPECT_FALSE(parse(shared(50)));
+  struct Case {
+    const char* inside;
+    std::optional<PropertyValue> value;
+  };
+  const Case cases[]{
+      {"<string>a&lt;&gt;&amp;&quot;&apos;&#65;&#x1F33F;</string>", "a<>&\"'A\U0001f33f"},
+      {"<string>a<![CDATA[<b>&amp;]]>c<!-- no --></string>", "a<b>&amp;c"},
+      {"<string/>", ""},
+      {"<string a='>' >x</string >", "x"},
+      {"<!-- <integer>1</integer> --><?a b?><integer> 7 </integer>", std::int64_t{7}},
+      {"<integer>0x1f</integer>", std::int64_t{31}},
+      {"<integer>18446744073709551615</integer>", std::int64_t{-1}},
+      {"<real>-1e3</real>", -1'000.0},
+      {"<true></true>", true},
+      {"<data>AA==</data>", PropertyValue{}},
+      {"<array><dict><key>x</key><array/></dict></array>", PropertyValue{}},
+      {"<integer>1</integer><key>Count</key><integer>2</integer>", std::int64_t{1}},
+      {"<integer>1x</integer>", {}},
+      {"<date>2026-02-30T00:00:00Z</date>", {}},
+      {"<date>2026-03-01 00:00:00Z</date>", {}},
+      {"<string>&unknown;</string>", {}},
+      {"<string>&#xd800;</string>", {}},
+      {"<string>&#0;</string>", {}},
+      {"<string>a<b/></string>", {}},
+      {"<string>a</integer>", {}},
+      {"<array><dict></array></dict>", {}},
+      {"text<true/>", {}},
+      {"<true/><true/>", {}},
+      {"", {}},
+  };
+  for (const Case& c : cases) {
+    const auto read = parse(listOf(c.inside));
+    ASSERT_EQ(read.has_value(), c.value.has_value()) << c.inside;
+    if (read) {
+      EXPECT_EQ(read->at("Count"), *c.value) << c.inside;
+    }
+  }
+  const std::string bomb = "<!DOCTYPE plist [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]>";
+  EXPECT_FALSE(parse(bomb + listOf("<string>&b;</string>"))) << "its own entities are not known";
+  EXPECT_TRUE(parse(bomb + listOf("<string>b</string>")));
+  EXPECT_TRUE(parse("<plist><dict/></plist>")->empty());
+  EXPECT_FALSE(parse("<plist><dict/></plist><plist/>"));
+}
+
+// A dictionary with the keys a and b, and the objects behind it; offsets and references take four bytes.
+std::string binaryList(std::uint32_t valueOfA, std::uint32_t valueOfB, const std::vector<std::string>& more) {
+  std::string text = "bplist00";
+  std::string offsets;
+  const auto add = [&](const std::string& object) {
+    offsets += word(static_cast<std::uint32_t>(text.size()));
+    text += object;
+  };
+  add("\xd2" + word(1) + word(2) + word(valueOfA) + word(valueOfB));
+  add("UCount");
+  add("URatio");
+  for (const std::string& object : more) add(object);
+  const auto table = static_cast<std::uint32_t>(text.size());
+  const auto objects = static_cast<std::uint32_t>(3 + more.size());
+  return text + offsets + std::string(6, '\0') + "\x04\x04" + word(0) + word(objects) + word(0) + word(0) +
+         word(0) + word(table);
+}
+
+TEST(PropertyList, isReadWhateverItsPartsHold) {
+  EXPECT_EQ(parse(binaryList(3, 3, {std::string{"\xa0"}})),
+            (PropertyDictionary{{"Count", {}}, {"Ratio", {}}}))
+      << "an array that two keys share";
+  EXPECT_TRUE(parse(binaryList(0, 3, {"\xa1" + word(3)}))) << "parts that hold themselves";
+  EXPECT_EQ(parse(binaryList(3, 4, {std::string{"\x10\xff"}, "\x22" + std::string{"\x3f\x80\0\0", 4}})),
+            (PropertyDictionary{{"Count", std::int64_t{255}}, {"Ratio", 1.0}}));
+  EXPECT_FALSE(parse(binaryList(3, 5, {"\x08", "\x09"}))) << "there is no such object";
+  EXPECT_FALSE(parse(binaryList(3, 4, {"\x08", "\x5f\x13" + std::string(8, '\xff')})))
+      << "longer than any text";
+  std::string arrays;
+  for (int i = 0; i < 1'000'000; ++i) arrays += "<array>";
+  for (int i = 0; i < 1'000'000; ++i) arrays += "</array>";
+  EXPECT_TRUE(parse("<plist><dict><key>k</key>" + arrays + "</dict></plist>"));
 }
 
 }  // namespace
