@@ -14,7 +14,7 @@ namespace spacemint {
 
 namespace {
 
-// Whoever ends the process may kill it after a few seconds.
+// A session that ends kills its programs after a few seconds.
 constexpr std::chrono::milliseconds patience{1'500};
 
 void takeOverFormerProduct(DefaultsStore& defaults) {
@@ -26,7 +26,7 @@ void takeOverFormerProduct(DefaultsStore& defaults) {
   if (result.error) complain(*result.error);
 }
 
-ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo& info) {
+ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const AppInfo& info) {
   return {.defaults = defaults,
           .store = SnapshotStore::standard(),
           .journal = journal,
@@ -43,9 +43,7 @@ ModelHost hostOf(DefaultsStore& defaults, ScanJournal& journal, const BundleInfo
 
 }  // namespace
 
-Process::Process()
-    : info(BundleInfo::load(InstalledFiles::information())),
-      defaults(DefaultsStore::standard()) {
+Process::Process() : info(AppInfo::load(InstalledFiles::information())), defaults(DefaultsStore::standard()) {
   takeOverFormerProduct(defaults);
   model = std::make_unique<AppModel>(hostOf(defaults, journal, info), desktop.desktop());
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Spacemint/desktop/BundleInfo.h"
+#include "AppServices/AppInfo.h"
 #include "Spacemint/desktop/linux/LinuxDesktop.h"
 #include "Spacemint/model/AppModel.h"
 #include "core/scan/ScanJournal.h"
@@ -10,28 +10,29 @@
 
 namespace spacemint {
 
-/// All that the application's process has besides its windows, put together once. Main thread only.
+/// Everything in the application's process except its windows. Main thread only; one object in a process.
 class Process {
  public:
   Process();
 
-  /// Ends the model, waits a little for what still runs, and answers `code`; where that takes too long it
-  /// ends the process with it.
+  /// Destroys the model, waits up to 1.5 seconds for background work, and returns `code`. If the work takes
+  /// longer, it ends the process with `code`.
   int end(int code);
 
-  // What tasks use lives until they have ended: after the model and its desktop, or to the end of the
-  // process.
-  BundleInfo info;
+  // Background work uses these. So they are destroyed after the model and after the desktop, which waits for
+  // it.
+  AppInfo info;
   DefaultsStore defaults;
   OwnScanJournal journal;
   LinuxDesktop desktop;
   std::unique_ptr<AppModel> model;
 };
 
-/// Tells who started the program.
+/// Writes a line about a failure to standard error.
 void complain(const std::string& message);
 
-/// Until it is told to end; answers the exit code. `isLogin`: the desktop starts it, and nobody waits for it.
+/// Runs the application until it ends, and returns the exit code. `isLogin`: the desktop started it at login,
+/// so that it does not show an instance that runs already.
 int runWithWindows(int argc, char** argv, bool isLogin);
 
 }  // namespace spacemint

@@ -14,20 +14,20 @@
 
 namespace spacemint {
 
-/// Work that would hold up the main thread, and the way back to it.
+/// Runs work on other threads, and brings the results back to the main thread.
 ///
-/// Futures are only touched on the main thread: what other threads hand over goes through locks of our own,
-/// so that a thread sanitizer sees all of it.
+/// Futures are used on the main thread only. Results cross threads through mutexes of our own, not through
+/// Qt: the thread sanitizer cannot see inside the system's Qt.
 class Tasks {
  public:
   using Function = std::move_only_function<void()>;
 
   enum class Priority : std::uint8_t {
-    /// Nobody waits for it: a thread of its own, at the system's lowest priority.
+    /// Nobody waits for the result. Gets a thread of its own, at the system's lowest priority.
     background,
-    /// Somebody will look at it soon.
+    /// The user will look at the result soon.
     utility,
-    /// Somebody waits for it.
+    /// The user waits for the result.
     userInitiated
   };
 
@@ -37,7 +37,7 @@ class Tasks {
     Function work;
     /// Runs on the main thread after that.
     Function done;
-    /// What the thread is called, for tasks in the background.
+    /// The name of the thread, for `Priority::background`; at most 15 bytes are used.
     const char* threadName = nullptr;
   };
 
@@ -49,10 +49,10 @@ class Tasks {
   /// Main thread only.
   virtual void start(Task task) = 0;
 
-  /// Runs a function on the main thread, in the order of the calls. Any thread.
+  /// Runs functions on the main thread, in the order of the calls. Any thread.
   virtual void post(Function function) = 0;
 
-  /// Starts `work` and gives what it returns, which must not be void. Main thread only.
+  /// Runs `work`, which must not return void, and finishes the future with its result. Main thread only.
   template <class Work, class Result = std::invoke_result_t<Work&>>
   QFuture<Result> run(Priority priority, Work work, const char* threadName = nullptr) {
     auto promise = std::make_shared<QPromise<Result>>();

@@ -7,7 +7,7 @@
 
 namespace spacemint {
 
-/// The desktop's Trash, from which things can be taken back. Blocks; any thread.
+/// The desktop's Trash, from which the user can restore items. Blocks; any thread.
 class TrashCan {
  public:
   TrashCan() = default;
@@ -15,8 +15,8 @@ class TrashCan {
   TrashCan& operator=(const TrashCan&) = delete;
   virtual ~TrashCan() = default;
 
-  /// Moves one item there, a link as a link; the path at which it lies now. Where that fails the item is
-  /// where it was.
+  /// Moves one item to the Trash and returns its new path. A symbolic link is moved itself. If this fails, the item is
+  /// still at its place.
   virtual std::expected<std::string, Error> move(const std::string& path) = 0;
 };
 

@@ -1,6 +1,5 @@
 #include "AppServices/AppServices.h"
 
-#include "AppServices/Today.h"
 #include "services/ServicesFixture.h"
 
 #include <fstream>
@@ -19,7 +18,7 @@ class AppServicesTest : public ServicesTest {
                         .package = "spacemint",
                         .updatesFolder = folder / "updates",
                         .today = [this] { return day; },
-                        .openUrl = [](const std::string&) {}}};
+                        .openUrl = [](const std::string&, const auto&) {}}};
   }
   AppInfo everything() {
     return {.identifier = "app.spacemint.Spacemint",
@@ -72,6 +71,15 @@ TEST_F(AppServicesTest, updatesAreThereWhereAFeedIs) {
   EXPECT_EQ(without.updates(), nullptr);
   EXPECT_NE(without.notices(), nullptr);
   EXPECT_THAT(titles(without), ElementsAre("Share Anonymous Usage"));
+
+  for (auto field : {&AppInfo::slug, &AppInfo::usageHost}) {
+    AppInfo mute = info;
+    (mute.*field).reset();
+    AppServices unheard = make(mute);
+    unheard.start(true);
+    EXPECT_THAT(titles(unheard), IsEmpty()) << "nothing can be shared";
+    EXPECT_FALSE(unheard.notices()->isShowing()) << "and so nothing is asked";
+  }
 }
 
 TEST_F(AppServicesTest, theMenuShowsAndTurnsTheConsent) {

@@ -40,7 +40,7 @@ class NoticesTest : public ServicesTest {
                       .web = web,
                       .usage = *usage,
                       .today = today,
-                      .openUrl = [this](const std::string& url) { opened.push_back(url); }});
+                      .openUrl = [this](const std::string& url, const auto&) { opened.push_back(url); }});
   }
   bool shows(const char* title) {
     return support::waitUntil(
@@ -151,7 +151,7 @@ TEST_F(NoticesTest, theFeedIsAskedForAgainAndAgain) {
                                                     .web = web,
                                                     .usage = *usage,
                                                     .today = [this] { return day; },
-                                                    .openUrl = [](const std::string&) {},
+                                                    .openUrl = [](const std::string&, const auto&) {},
                                                     .interval = std::chrono::milliseconds{1}});
   notices->start();
   notices->start();

@@ -371,7 +371,7 @@ TEST_F(PanelViewTest, updatesAreLookedForOnceAtATimeAndTheAnswerIsShown) {
                     .package = "spacemint",
                     .folder = folder / "updates",
                     .today = [] { return "2026-03-02"; },
-                    .openUrl = [](const std::string&) {}});
+                    .openUrl = [](const std::string&, const auto&) {}});
   const auto view = show();
   model->setShowingSettings(true);
   view->settle();

@@ -2,10 +2,10 @@
 
 namespace spacemint {
 
-/// The calling thread gets a processor only when nobody else wants it. For the rest of its life.
+/// From now on the calling thread runs only when no other thread wants a processor.
 void runWhenNobodyElseDoes();
 
-/// What the calling thread is called in the system's tools; cut after 15 bytes.
+/// Names the calling thread for the system's tools. The name is cut after 15 bytes.
 void nameThread(const char* name);
 
 }  // namespace spacemint
