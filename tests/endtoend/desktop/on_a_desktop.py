@@ -16,6 +16,7 @@ class OnADesktop(unittest.TestCase):
 
     scale = 1
     has_status_area = True
+    has_notifications = True
     disk_size = None
 
     @classmethod
@@ -24,6 +25,7 @@ class OnADesktop(unittest.TestCase):
         cls.addClassCleanup(cls.session.end)
         if cls.has_status_area:
             cls.session.start_status_area()
+        if cls.has_status_area and cls.has_notifications:
             cls.session.start_notifications()
 
     def setUp(self):
@@ -33,10 +35,15 @@ class OnADesktop(unittest.TestCase):
 
     def start(self, settings, info=None, **environment):
         app = Application(self.session, PROGRAM, settings, info)
-        self.addCleanup(app.terminate)
+        self.addCleanup(self.end, app)
         self.apps.append(app)
         app.start(**environment)
         return app
+
+    def end(self, app):
+        """A warning of Qt, QML or D-Bus is a fault, whatever else the test says."""
+        app.terminate()
+        self.assertEqual(app.output(), "", "the program writes nothing")
 
     def _callTestMethod(self, method):
         """With a picture of what was on the screen when it failed, and the names there."""
