@@ -82,17 +82,6 @@ TEST_F(AppServicesTest, updatesAreThereWhereAFeedIs) {
   }
 }
 
-TEST_F(AppServicesTest, theMenuShowsAndTurnsTheConsent) {
-  AppServices services = make(everything());
-  const auto item = services.menuItems().back();
-  EXPECT_FALSE(item.isOn());
-  item.choose();
-  EXPECT_TRUE(item.isOn());
-  item.choose();
-  EXPECT_FALSE(item.isOn());
-  EXPECT_EQ(services.usage()->isAllowed(), false);
-}
-
 TEST_F(AppServicesTest, theDictionaryNamesEverything) {
   const std::string path = folder / "Info.plist";
   std::ofstream(path) << R"(<plist version="1.0"><dict>

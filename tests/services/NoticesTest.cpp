@@ -49,22 +49,6 @@ class NoticesTest : public ServicesTest {
   auto seen() const { return defaults.strings(Notices::seenKey).value_or(std::vector<std::string>{}); }
 };
 
-TEST_F(NoticesTest, theQuestionComesFirstAndAlone) {
-  make();
-  notices->start();
-  ASSERT_TRUE(notices->isShowing());
-  EXPECT_EQ(notices->title().toStdString(), "Share anonymous usage?");
-  EXPECT_EQ(
-      notices->body().toStdString(),
-      "Once a day, Spacemint would tell us it's in use, with its version and your macOS version. Nothing "
-      "about you or your files. You can change this in the Spacemint menu.");
-  EXPECT_EQ(notices->primary().toStdString(), "Share");
-  EXPECT_EQ(notices->secondary().toStdString(), "Don't share");
-  notices->refresh();
-  settle();
-  EXPECT_EQ(server.requests().size(), 1U);  // our own
-}
-
 TEST_F(NoticesTest, theQuestionIsAnsweredOnce) {
   struct Case {
     const char* what;
