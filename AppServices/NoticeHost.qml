@@ -24,6 +24,13 @@ Item {
         }
     }
 
+    // What the card covers gets no clicks.
+    MouseArea {
+        anchors.fill: card
+        enabled: host.showing
+        hoverEnabled: true
+        onWheel: wheel => wheel.accepted = true
+    }
     NoticeCard {
         id: card
 

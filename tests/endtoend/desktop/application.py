@@ -169,6 +169,11 @@ class Application:
         # The reader of windows counts as the program does, the pointer as the screen.
         return (box.x + box.width // 2) * self.session.scale, (box.y + box.height // 2) * self.session.scale
 
+    def covers(self, upper, lower):
+        """Whether one thing lies over a part of another."""
+        a, b = (item.queryComponent().getExtents(self.atspi.DESKTOP_COORDS) for item in (upper, lower))
+        return a.x < b.x + b.width and b.x < a.x + a.width and a.y < b.y + b.height and b.y < a.y + a.height
+
     def resting_centre(self, item):
         """Once it moves no more."""
         last = []

@@ -58,7 +58,9 @@ class Services(OnADesktop):
 
     def test_notice_covers_nothing(self):
         app = self.start({"warningThresholdGB": 1}, self.maker.dictionary())
-        app.find("Share anonymous usage?")
+        notice = app.find("Share anonymous usage?", "alert")
+        app.resting_centre(notice)
+        self.assertFalse(app.covers(notice, app.find("Start first scan")))
         self.picture("services-question-over-welcome")
         app.click("Start first scan")
         app.wait_scanned()
@@ -67,6 +69,7 @@ class Services(OnADesktop):
         app.find("Warn me below", "combo box")
         app.scroll_to_the_end()
         self.picture("services-question-over-settings")
+        self.assertFalse(app.covers(app.find("Share anonymous usage?", "alert"), app.find("Quit Spacemint")))
         app.click("Quit Spacemint")
         self.assertEqual(app.exit_code(), 0)
 
