@@ -15,8 +15,8 @@ class TrashCan {
   TrashCan& operator=(const TrashCan&) = delete;
   virtual ~TrashCan() = default;
 
-  /// Moves one item to the Trash and returns its new path. A symbolic link is moved itself. If this fails, the item is
-  /// still at its place.
+  /// Moves one item to the Trash and returns its new path. A symbolic link is moved itself. If this fails,
+  /// the item is still at its place.
   virtual std::expected<std::string, Error> move(const std::string& path) = 0;
 };
 

@@ -9,8 +9,8 @@
 
 namespace spacemint::support {
 
-/// From now on a test fails when Qt, QML or QtDBus writes a warning while the test runs. The exception is what
-/// the offscreen platform cannot do.
+/// From now on a test fails when Qt, QML or QtDBus writes a warning while the test runs. The exception is
+/// what the offscreen platform cannot do.
 inline void failOnQtWarnings() {
   qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
     const QByteArray line = qFormatLogMessage(type, context, text).toLocal8Bit();
