@@ -39,7 +39,7 @@ QList<QImage> drawn(const QColor& colour, const Shape& shape) {
     QPainter painter{&image};
     painter.setRenderHint(QPainter::Antialiasing);
     const QPainterPath path = shape(size);
-    const double haloWidth = std::max(1.0, size / 22.0);
+    const double haloWidth = std::max(0.7, size / 32.0);
     QPen halo{haloOf(colour), 2 * haloWidth};
     halo.setJoinStyle(Qt::RoundJoin);
     painter.strokePath(path, halo);

@@ -128,7 +128,7 @@ class Session:
         # The bus would start a notification service by itself. Here a test decides when one starts.
         services = self.folder / "run/dbus-1/services"
         services.mkdir(parents=True)
-        (services / "none.service").write_text("[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=/bin/false\n")
+        (services / "org.freedesktop.Notifications.service").write_text("[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=/bin/false\n")
         daemon = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = daemon.stdout.readline().decode().strip()
         self.window_manager = self.start(["openbox"])
