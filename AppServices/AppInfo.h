@@ -5,24 +5,27 @@
 
 namespace spacemint {
 
-/// What the services know of the product they are in, from its information dictionary.
+/// What the product says of itself in its information dictionary, a property list that is installed with it.
 struct AppInfo {
-  /// Absent where the program runs without a dictionary; then there are no services.
+  /// Absent if the program runs without a dictionary, as in a build that is not installed. Then there are no
+  /// services.
   std::optional<std::string> identifier = {};
   std::string name = {};
   std::string version = {};
   /// The product's name in the usage report and the message feed.
   std::optional<std::string> slug = {};
-  /// Where the message feed lies.
+  /// The URL of the folder with the message feed.
   std::optional<std::string> site = {};
-  /// Who takes usage reports: a host's name, or a URL whose path is not used. Without it none is sent.
+  /// The server that receives usage reports: a host name, or a URL whose path is ignored. Without it none is
+  /// sent.
   std::optional<std::string> usageHost = {};
   /// The address of the update feed. Without it there are no updates.
   std::optional<std::string> updateFeed = {};
-  /// The Ed25519 key that updates are signed for, in Base64. Without it none is accepted.
+  /// The public Ed25519 key of updates, in Base64. Without it no update is accepted.
   std::optional<std::string> updateKey = {};
 
-  /// Of the property list at `path`. Blocks.
+  /// Reads the property list at `path`. Fields that are missing or no text are absent or empty; so are all if
+  /// the file cannot be read. Blocks; any thread.
   static AppInfo load(const std::string& path);
 };
 

@@ -46,7 +46,7 @@ std::vector<AppServices::MenuItem> AppServices::menuItems() const {
     items.push_back({.title = QStringLiteral("Check for Updates…"),
                      .choose = [updates = updates_.get()] { updates->checkNow(); }});
   }
-  if (usage_) {
+  if (usage_ && usage_->isOffered()) {
     items.push_back({.title = QStringLiteral("Share Anonymous Usage"),
                      .choose = [usage = usage_.get()] { usage->toggle(); },
                      .isOn = [usage = usage_.get()] { return usage->isShared(); }});

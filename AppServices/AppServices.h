@@ -13,20 +13,21 @@
 
 namespace spacemint {
 
-/// What the services stand on. The store outlives them.
+/// What the services are made of. The store outlives them.
 struct AppServicesHost {
   AppInfo info;
   DefaultsStore& defaults;
   SystemFacts system = SystemFacts::current();
   /// The name of the product's package, without which no file counts as its update.
   std::string package;
-  /// A folder of the services' own for downloaded updates.
+  /// A folder that only the services use, for downloaded updates.
   std::string updatesFolder;
   /// The local calendar day, "yyyy-MM-dd".
   std::function<std::string()> today;
-  /// Opens a page or a file in the program of the desktop that is for it.
-  std::function<void(const std::string& url)> openUrl;
-  /// What one exchange with a server may take.
+  /// Opens a web page or a file in the desktop's program for it. Calls `failed`, which may be empty, if none
+  /// opens it.
+  std::function<void(const std::string& url, std::function<void()> failed)> openUrl;
+  /// Limits of time and size for one exchange with a server.
   WebClient::Limits limits = {};
 };
 
@@ -41,11 +42,11 @@ class AppServices : public QObject {
   Q_PROPERTY(spacemint::Notices* notices READ notices NOTIFY started)
   Q_PROPERTY(spacemint::Updates* updates READ updates NOTIFY started)
  public:
-  /// An entry that a menu may offer.
+  /// An entry for the application's menu.
   struct MenuItem {
     QString title;
     std::function<void()> choose;
-    /// Whether a mark stands before it; empty for an item that never has one.
+    /// Whether the menu shows a check mark; empty for an entry that is not a switch.
     std::function<bool()> isOn = {};
   };
 

@@ -13,7 +13,7 @@ namespace spacemint {
 
 namespace {
 
-// Reads fields of one object and remembers whether one was not as it has to be.
+// Reads the fields of one JSON object, and remembers whether one was missing or of the wrong type.
 class Fields {
  public:
   explicit Fields(const QJsonValue& value) : object_(value.toObject()), isGood_(value.isObject()) {}
@@ -66,8 +66,7 @@ std::optional<AppMessage::Link> parseLink(const QJsonValue& value) {
   Fields fields{value};
   AppMessage::Link link{.title = fields.text(QStringLiteral("title")),
                         .url = fields.text(QStringLiteral("url"))};
-  if (!fields.isGood() || !isWebAddress(link.url)) return {};
-  return link;
+  return fields.isGood() ? std::optional{std::move(link)} : std::nullopt;
 }
 
 std::optional<AppMessage> parseMessage(const QJsonValue& value) {
@@ -82,6 +81,8 @@ std::optional<AppMessage> parseMessage(const QJsonValue& value) {
   if (const auto link = fields.optional(QStringLiteral("link"))) {
     message.link = parseLink(*link);
     fields.require(message.link.has_value());
+    // Only web pages are opened. A message with another link, such as "mailto:", is shown without a button.
+    if (message.link && !isWebAddress(message.link->url)) message.link.reset();
   }
   return fields.isGood() ? std::optional{std::move(message)} : std::nullopt;
 }

@@ -8,9 +8,10 @@
 
 namespace spacemint {
 
-/// A short message of the maker.
+/// A short message of the maker. All texts are plain text.
 struct AppMessage {
-  /// A button; its URL is one of the web.
+  /// A button that opens a web page (http or https). A link to anything else is left out when the feed is
+  /// read.
   struct Link {
     std::string title;
     std::string url;
@@ -22,9 +23,9 @@ struct AppMessage {
   std::string title;
   std::string body;
   std::optional<Link> link = {};
-  /// The slugs of the products it is for; absent means all.
+  /// The slugs of the products that show the message; absent means all.
   std::optional<std::vector<std::string>> apps = {};
-  /// The lowest and the highest version that gets it.
+  /// The lowest and the highest version that shows it.
   std::optional<std::string> minVersion = {};
   std::optional<std::string> maxVersion = {};
   /// The last day on which it is shown, "yyyy-MM-dd".
@@ -33,12 +34,12 @@ struct AppMessage {
   bool operator==(const AppMessage&) const = default;
 };
 
-/// The messages that the maker has published.
+/// The messages that the maker has published. Pure functions; any thread.
 struct MessageFeed {
   /// Most important first.
   std::vector<AppMessage> messages;
 
-  /// Absent for a document that is not as described above; unknown keys are ignored.
+  /// Reads a JSON document. Absent if a field is missing or has the wrong type; unknown keys are ignored.
   static std::optional<MessageFeed> parse(std::string_view document);
 
   struct Reader {
@@ -46,7 +47,7 @@ struct MessageFeed {
     std::string version;
     /// "yyyy-MM-dd".
     std::string today;
-    /// Ids of the messages that were dismissed.
+    /// The ids of the messages that the user has closed.
     std::set<std::string> seen;
   };
   /// The first message for this reader; null for none.

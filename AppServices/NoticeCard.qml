@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// A short text with a title, a button to close it and up to two to answer it.
+/// A title, a short text, a button to close the card, and up to two buttons to answer.
 Card {
     id: card
 
     property string title
     property string body
-    /// The titles of the buttons; none without a title.
+    /// The titles of the buttons. A button without a title is not shown.
     property string primary
     property string secondary
     signal closed
@@ -59,7 +59,7 @@ Card {
 
         PrimaryButtonStyle {
             objectName: "primary"
-            // Two share the row.
+            // Two buttons share the row.
             Layout.maximumWidth: card.secondary.length > 0 ? card.width / 2 : card.width - 2 * card.padding
             visible: card.primary.length > 0
             text: card.primary

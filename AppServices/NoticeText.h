@@ -7,19 +7,19 @@
 
 namespace spacemint {
 
-/// The one-time question for consent to usage reports.
+/// The question for consent to usage reports. It is asked once.
 struct UsageQuestion {
   bool operator==(const UsageQuestion&) const = default;
 };
 
-/// What a card may be about.
+/// What a card shows.
 using Notice = std::variant<AppMessage, UsageQuestion>;
 
-/// What a card says.
+/// The texts of a card. All are plain text.
 struct NoticeText {
   std::string title = {};
   std::string body = {};
-  /// Its buttons; empty for none.
+  /// The titles of the buttons; empty for no button.
   std::string primary = {};
   std::string secondary = {};
 

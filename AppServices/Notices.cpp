@@ -73,7 +73,7 @@ void Notices::answerUsage(bool isAllowed) {
 void Notices::choosePrimary() {
   if (!current_) return;
   if (isAsking()) return answerUsage(true);
-  if (const auto& link = std::get<AppMessage>(*current_).link) host_.openUrl(link->url);
+  if (const auto& link = std::get<AppMessage>(*current_).link) host_.openUrl(link->url, {});
   dismiss();
 }
 
@@ -93,7 +93,7 @@ void Notices::finish() {
   showNextMessage();
 }
 
-// Also by the switch in the settings.
+// The user may also answer by the switch in the settings.
 void Notices::usageAnswered() {
   if (isAsking()) finish();
 }
@@ -104,7 +104,7 @@ void Notices::remember(const std::string& id) {
   auto seen = host_.defaults.strings(seenKey).value_or(std::vector<std::string>{});
   if (std::ranges::find(seen, id) != seen.end()) return;
   seen.push_back(id);
-  // Where that cannot be stored, it is remembered until the program ends.
+  // If the id cannot be stored, it is remembered until the program ends.
   std::ignore = host_.defaults.set(seenKey, DefaultsArray{seen.begin(), seen.end()});
 }
 

@@ -11,27 +11,27 @@
 
 namespace spacemint {
 
-/// At most one notice at a time: the question for consent, or a message of the maker. Main thread only.
+/// Shows at most one notice at a time: the question for consent, or a message of the maker. Main thread only.
 class Notices : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("one of the services")
   Q_PROPERTY(bool showing READ isShowing NOTIFY currentChanged)
-  // These stay as they are after the notice is gone, so that it can leave with its text.
+  // These keep their values after the notice is closed: the card still shows them while it fades out.
   Q_PROPERTY(QString title READ title NOTIFY currentChanged)
   Q_PROPERTY(QString body READ body NOTIFY currentChanged)
   Q_PROPERTY(QString primary READ primary NOTIFY currentChanged)
   Q_PROPERTY(QString secondary READ secondary NOTIFY currentChanged)
  public:
-  /// All but `info` and the functions outlives this.
+  /// The referenced objects outlive the notices.
   struct Host {
     AppInfo info;
     DefaultsStore& defaults;
     WebClient& web;
     Usage& usage;
     std::function<std::string()> today;
-    /// Opens a page in the user's browser.
-    std::function<void(const std::string& url)> openUrl;
+    /// Opens a page in the user's browser; calls `failed`, which may be empty, if no program does.
+    std::function<void(const std::string& url, std::function<void()> failed)> openUrl;
     std::chrono::milliseconds interval = std::chrono::hours{24};
   };
 
@@ -39,17 +39,17 @@ class Notices : public QObject {
 
   explicit Notices(Host host);
 
-  /// Looks for a notice at once and then every `interval`; only the first call counts.
+  /// Looks for a notice now and then every `interval`. Further calls do nothing.
   void start();
-  /// Sends the usage report that is due and looks for a notice unless one is showing.
+  /// Sends the usage report if it is due, and looks for a notice unless one is shown.
   void refresh();
-  /// Asks the feed. Any failure is silent; the next refresh tries again.
+  /// Asks the feed. Failures are ignored; the next refresh tries again.
   void showNextMessage();
 
-  /// Closes the notice for good: a message counts as seen, the question as answered with no.
+  /// Closes the notice. A message is not shown again; the question counts as answered with no.
   Q_INVOKABLE void dismiss();
   void answerUsage(bool isAllowed);
-  /// What the card's buttons do.
+  /// For the card's buttons.
   Q_INVOKABLE void choosePrimary();
   Q_INVOKABLE void chooseSecondary();
 
@@ -75,11 +75,12 @@ class Notices : public QObject {
   bool isStarted_ = false;
   std::optional<Notice> current_;
   NoticeText text_;
-  /// Also those whose ids could not be stored; they come again at the next start.
+  /// The ids of messages that were closed since the start. If an id cannot be stored, its message comes again
+  /// at the next start.
   std::set<std::string> seen_;
 };
 
-/// Where the feed of a product lies; not valid where `site` is no URL.
+/// The address of a product's feed; invalid if `site` is no URL.
 QUrl feedAddress(const std::string& site, const std::string& slug);
 
 }  // namespace spacemint

@@ -1,9 +1,12 @@
 #include "AppServices/SystemFacts.h"
 
+#include "core/base/CalendarDays.h"
+
 #include <QString>
 #include <QSysInfo>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace spacemint {
 
@@ -30,11 +33,20 @@ std::string majorAndMinor(std::string_view version) {
 
 SystemFacts SystemFacts::current() {
   const std::string kernel = majorAndMinor(QSysInfo::kernelVersion().toStdString());
-  // A distribution that is never released, only updated, has no version of its own.
+  // A rolling distribution has no version.
   const std::string version = majorAndMinor(QSysInfo::productVersion().toStdString());
   return {.version = version.empty() ? kernel : version,
           .kernel = kernel,
           .architecture = packageArchitecture(QSysInfo::buildCpuArchitecture().toStdString())};
+}
+
+std::string dayText(Date date, const std::string& timeZone) {
+  const auto utc = std::chrono::local_days{std::chrono::floor<std::chrono::days>(date).time_since_epoch()};
+  const std::chrono::year_month_day day{calendarDay(date, timeZone).value_or(utc)};
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02u", static_cast<int>(day.year()),
+                static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()));
+  return text;
 }
 
 }  // namespace spacemint

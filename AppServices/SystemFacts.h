@@ -1,24 +1,31 @@
 #pragma once
 
+#include "core/base/Date.h"
+
 #include <string>
 #include <string_view>
 
 namespace spacemint {
 
-/// What the services know of the system they run on.
+/// The system that the program runs on.
 struct SystemFacts {
-  /// Major and minor version of the distribution, such as "12.0".
+  /// Major and minor version of the distribution, such as "12.0"; of the kernel if the distribution has no
+  /// version.
   std::string version = {};
-  /// Major and minor version of the kernel, which all distributions have in common: what an update's lowest
-  /// system version is compared with.
+  /// Major and minor version of the kernel. An update's minimum system version is compared with it, because
+  /// all distributions have a kernel.
   std::string kernel = {};
-  /// As package files name it, such as "amd64".
+  /// The machine by its name in Debian packages, such as "amd64".
   std::string architecture = {};
 
+  /// Any thread.
   static SystemFacts current();
 };
 
 /// "12" becomes "12.0", "22.04.3" becomes "22.04"; empty for what does not begin with a number.
 std::string majorAndMinor(std::string_view version);
+
+/// The calendar day of `date` in a time zone as "yyyy-MM-dd"; in UTC if the zone is unknown. Any thread.
+std::string dayText(Date date, const std::string& timeZone);
 
 }  // namespace spacemint

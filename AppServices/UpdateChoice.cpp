@@ -1,9 +1,10 @@
 #include "AppServices/UpdateChoice.h"
 
-#include "AppServices/Base64.h"
 #include "AppServices/WebClient.h"
 #include "core/base/DebianVersion.h"
 #include "core/base/NumericOrder.h"
+
+#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <charconv>
@@ -12,9 +13,26 @@ namespace spacemint {
 
 namespace {
 
+constexpr std::size_t deepest = 32;
+// The elements from the root to the description of a release.
+constexpr std::array<QLatin1String, 4> way{QLatin1String{"rss"}, QLatin1String{"channel"},
+                                           QLatin1String{"item"}, QLatin1String{"enclosure"}};
+constexpr QLatin1String updates{"http://www.andymatuschak.org/xml-namespaces/sparkle"};
+
+UpdateItem readEnclosure(const QXmlStreamAttributes& attributes) {
+  const auto text = [](QStringView value) { return value.toString().toStdString(); };
+  const auto own = [&](const char* name) { return text(attributes.value(updates, QLatin1String{name})); };
+  return {.version = own("version"),
+          .shortVersion = own("shortVersionString"),
+          .minimumSystemVersion = own("minimumSystemVersion"),
+          .url = text(attributes.value(QStringLiteral("url"))),
+          .length = text(attributes.value(QStringLiteral("length"))),
+          .signature = own("edSignature")};
+}
+
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view smallLettersAndDigits = "abcdefghijklmnopqrstuvwxyz0123456789";
-// Of a package's version without its revision; one of these may be part of a file's name.
+// The characters of a package's upstream version. All of them are allowed in a file name.
 constexpr std::string_view versionCharacters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.+~";
 constexpr std::size_t longestVersion = 64;
@@ -28,12 +46,13 @@ bool isVersion(std::string_view text) {
          digits.find(text.front()) != std::string_view::npos;
 }
 
-// The last part of the URL as it is written, so that nothing in it is an escape for something else.
+// The last part of the URL, still percent-encoded, so that no escape such as "%2F" is decoded into a
+// separator.
 std::string fileNameOf(const QUrl& url) {
   return url.fileName(QUrl::FullyEncoded).toStdString();
 }
 
-// The machine in the name of a package file; absent for a name that is none of this package and version.
+// The architecture in the name of a package file; absent if the name is not of this package and version.
 std::optional<std::string> architectureIn(std::string_view name, const std::string& package,
                                           const std::string& version) {
   const std::string start = package + "_" + version;
@@ -83,6 +102,28 @@ std::expected<std::optional<Update>, UpdateProblem> checked(const UpdateItem& it
 }
 
 }  // namespace
+
+std::optional<std::vector<UpdateItem>> parseUpdateFeed(std::string_view document) {
+  if (document.size() > largestUpdateFeed) return {};
+  QXmlStreamReader xml{QByteArray::fromRawData(document.data(), static_cast<qsizetype>(document.size()))};
+  std::vector<UpdateItem> items;
+  std::size_t depth = 0;
+  std::size_t onWay = 0;  // how many of the open elements, from the root on, are those of the way
+  while (!xml.atEnd()) {
+    const auto token = xml.readNext();
+    if (token == QXmlStreamReader::DTD) return {};
+    if (token == QXmlStreamReader::StartElement) {
+      if (onWay == depth && depth < way.size() && xml.namespaceUri().isEmpty() && xml.name() == way[depth])
+        ++onWay;
+      if (++depth > deepest || onWay == 0) return {};
+      if (depth == way.size() && onWay == depth) items.push_back(readEnclosure(xml.attributes()));
+    } else if (token == QXmlStreamReader::EndElement) {
+      onWay = std::min(onWay, --depth);
+    }
+  }
+  if (xml.hasError()) return {};
+  return items;
+}
 
 std::expected<std::optional<Update>, UpdateProblem> newestUpdate(const std::vector<UpdateItem>& items,
                                                                  const UpdateTarget& target) {

@@ -53,7 +53,7 @@ void UpdateDownload::discard(const Update& update) const {
   QFile::remove(toPath(pathOf(update)));
 }
 
-// Only the owner of a folder can change its mode, so another's folder is refused here.
+// A folder of another user is refused here: only its owner can change its mode.
 bool UpdateDownload::prepareFolder(const std::string& fileName) const {
   const QString path = toPath(folder_);
   if (!createPrivateFolders(folder_) || QFileInfo(path).isSymLink()) return false;
@@ -67,7 +67,7 @@ bool UpdateDownload::prepareFolder(const std::string& fileName) const {
   return true;
 }
 
-// Looked at once, when the first bytes are here: what was redirected has no bytes of its own.
+// Checks the status when the first bytes arrive. Redirections have no bytes, so this is the final answer.
 bool UpdateDownload::acceptAnswer() {
   if (isAccepted_) return true;
   const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -91,7 +91,8 @@ void UpdateDownload::read() {
 void UpdateDownload::replyFinished() {
   const bool isBroken = reply_->error() != QNetworkReply::NoError;
   const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-  // A server that answers with an error has something against what is asked for; else the line broke.
+  // An error status means that the server refuses the request: start anew next time. Else the connection
+  // broke.
   if (isBroken && status >= 400) return giveUp(UpdateProblem::downloadFailed);
   if (isBroken) return finish(std::unexpected{UpdateProblem::downloadFailed});
   if (file_->size() != update_.length) return giveUp(UpdateProblem::fileRefused);

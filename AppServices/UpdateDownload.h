@@ -16,24 +16,24 @@ class QNetworkReply;
 
 namespace spacemint {
 
-/// Brings the file of an update into a private folder. What came before a break is kept, and the next attempt
-/// goes on from there. Nothing here is trusted yet. Main thread only.
+/// Downloads the file of an update into a private folder. If the connection breaks, the next attempt
+/// continues where it broke. The file is not verified here. Main thread only.
 class UpdateDownload : public QObject {
   Q_OBJECT
  public:
-  /// Tells whether the file is there, as long as the update says and not yet checked further.
+  /// Success: the file is complete, with the length that the update says. Its content is not verified.
   using Done = std::function<void(std::expected<void, UpdateProblem>)>;
 
-  /// `folder` holds nothing but downloads; it is made when it is needed (0700).
+  /// `folder` is for downloads only. It is made, with mode 0700, when it is needed.
   UpdateDownload(WebClient& web, std::string folder) : web_(web), folder_(std::move(folder)) {}
   ~UpdateDownload() override;
   Q_DISABLE_COPY_MOVE(UpdateDownload)
 
-  /// One at a time. Files of other updates are removed.
+  /// Only one download at a time. Removes the files of other updates.
   void start(const Update& update, Done done);
-  /// Where its file is, once it is there.
+  /// The path of the update's file.
   std::string pathOf(const Update& update) const { return folder_ + "/" + update.fileName; }
-  /// Forgets what came of this update, because it was not what it should be.
+  /// Removes the update's file.
   void discard(const Update& update) const;
 
  private:

@@ -8,11 +8,12 @@
 
 namespace spacemint {
 
-/// The Ed25519 key that a product's updates are signed for.
+/// The public Ed25519 key that verifies a product's updates.
 using UpdateKey = std::array<unsigned char, 32>;
 
-/// Whether the file at `path` is the update: its length, its signature, and only then what the package says
-/// of itself, so that an old or a foreign package is not taken under a new name. Blocks; any thread.
+/// Verifies the file at `path`: its length, its signature, and then the name, version and architecture in the
+/// package, so that a signed package of an older version or another product is refused. Blocks, up to 10
+/// seconds for dpkg-deb; any thread.
 std::expected<void, UpdateProblem> verifyPackage(const std::string& path, const Update& update,
                                                  const UpdateKey& key, const UpdateTarget& target);
 

@@ -1,10 +1,67 @@
 #include "AppServices/Updates.h"
 
-#include "AppServices/Base64.h"
-
+#include <QPointer>
 #include <QTimer>
 
 namespace spacemint {
+
+namespace {
+
+std::string problemText(const UpdateState& state) {
+  switch (state.problem) {
+    case UpdateProblem::noKey:
+      return "This copy cannot check whether an update is genuine.";
+    case UpdateProblem::feedUnreachable:
+      return "The list of updates could not be reached.";
+    case UpdateProblem::feedUnreadable:
+      return "The list of updates could not be read.";
+    case UpdateProblem::downloadFailed:
+      return "The update could not be downloaded. Try again later.";
+    case UpdateProblem::cannotStore:
+      return "The update could not be stored.";
+    case UpdateProblem::noInstaller:
+      return "No program opened the update. To install it, run in a terminal: sudo apt install '" +
+             state.package + "'";
+    case UpdateProblem::feedRefused:
+    case UpdateProblem::fileRefused:
+    case UpdateProblem::signatureRefused:
+    case UpdateProblem::packageRefused:
+      return "The update is not genuine and was not installed.";
+  }
+  return {};
+}
+
+std::string resultText(const UpdateState& state, const std::string& appName) {
+  switch (state.result) {
+    case UpdateState::Result::none:
+      return {};
+    case UpdateState::Result::upToDate:
+      return state.isAsked ? appName + " is up to date." : "";
+    case UpdateState::Result::found:
+      return "Version " + state.version + " is available.";
+    case UpdateState::Result::ready:
+      return "Version " + state.version + " is ready to install.";
+    case UpdateState::Result::failed:
+      return state.isAsked ? problemText(state) : "";
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string updateStatus(const UpdateState& state, const std::string& appName) {
+  switch (state.phase) {
+    case UpdateState::Phase::idle:
+      return resultText(state, appName);
+    case UpdateState::Phase::checking:
+      return state.isAsked ? "Checking for updates…" : "";
+    case UpdateState::Phase::downloading:
+      return "Downloading version " + state.version + "…";
+    case UpdateState::Phase::verifying:
+      return "Checking version " + state.version + "…";
+  }
+  return {};
+}
 
 Updates::Updates(Host host)
     : host_(std::move(host)),
@@ -19,7 +76,7 @@ Updates::~Updates() {
 void Updates::start() {
   if (isStarted_) return;
   isStarted_ = true;
-  checkIfDue();
+  if (!restore()) checkIfDue();
   auto* timer = new QTimer(this);
   timer->setTimerType(Qt::VeryCoarseTimer);
   connect(timer, &QTimer::timeout, this, &Updates::checkIfDue);
@@ -29,7 +86,7 @@ void Updates::start() {
 void Updates::checkNow() {
   state_.isAsked = true;
   if (canCheck()) return check();
-  Q_EMIT changed();  // what goes on is told from now on
+  Q_EMIT changed();  // from now on the status tells about the check that runs
 }
 
 void Updates::install() {
@@ -47,11 +104,43 @@ bool Updates::installAutomatically() const {
 }
 
 void Updates::setInstallAutomatically(bool isOn) {
-  // What cannot be stored stays as it was, and the switch shows that.
+  // If this cannot be stored, the switch goes back.
   host_.defaults.set(checkKey, true);
   host_.defaults.set(downloadKey, isOn);
   Q_EMIT changed();
   if (isOn) checkIfDue();
+}
+
+// Whether there is an update to verify; `verified` then goes on to the daily check.
+bool Updates::restore() {
+  const auto stored = host_.defaults.strings(readyKey);
+  constexpr std::size_t fields = 5;
+  if (!stored || stored->size() != fields || !key_) return false;
+  const auto& all = *stored;
+  const auto update = newestUpdate(
+      {{.version = all[0], .shortVersion = all[1], .url = all[2], .length = all[3], .signature = all[4]}},
+      target_);
+  // It is installed by now, or its file is gone.
+  if (!update || !*update || !QFile::exists(QFile::decodeName(download_.pathOf(**update).c_str()))) {
+    host_.defaults.remove(readyKey);
+    return false;
+  }
+  state_.version = (*update)->shownVersion;
+  verify(**update, [this] {
+    finish(UpdateState::Result::ready);
+    checkIfDue();
+  });
+  return true;
+}
+
+void Updates::store(const Update& update) {
+  const QByteArray signature{reinterpret_cast<const char*>(update.signature.data()),
+                             static_cast<qsizetype>(update.signature.size())};
+  // If this cannot be stored, the update is downloaded again after a restart.
+  host_.defaults.set(readyKey,
+                     DefaultsArray{update.version, update.shownVersion,
+                                   update.url.toString(QUrl::FullyEncoded).toStdString(),
+                                   std::to_string(update.length), signature.toBase64().toStdString()});
 }
 
 void Updates::checkIfDue() {
@@ -80,13 +169,15 @@ void Updates::feedArrived(const std::optional<WebReply>& reply) {
   if (!update) return failed(update.error());
   if (!*update) return finish(UpdateState::Result::upToDate);
   state_.version = (*update)->shownVersion;
-  if (!isDownloadWanted()) return finish(UpdateState::Result::found);
+  const bool isReady = ready_ && ready_->version == (*update)->version;
+  if (!isDownloadWanted()) return finish(isReady ? UpdateState::Result::ready : UpdateState::Result::found);
   download(**update);
 }
 
 void Updates::download(const Update& update) {
-  // The file of an earlier version is not kept beside the new one.
+  // The download removes the files of other versions.
   ready_.reset();
+  host_.defaults.remove(readyKey);
   state_.phase = UpdateState::Phase::downloading;
   Q_EMIT changed();
   download_.start(update, [this, update](const std::expected<void, UpdateProblem>& result) {
@@ -101,7 +192,7 @@ void Updates::verify(const Update& update, std::function<void()> next) {
   pool_.start(
       [this, update, path = download_.pathOf(update), key = *key_, target = target_, next = std::move(next)] {
         const auto result = verifyPackage(path, update, key, target);
-        // Into this object's queue, which goes with it: the destructor has waited for this line.
+        // This object still exists: its destructor waits for the pool.
         QMetaObject::invokeMethod(
             this, [this, update, result, next] { verified(update, result, next); }, Qt::QueuedConnection);
       });
@@ -111,17 +202,25 @@ void Updates::verified(const Update& update, std::expected<void, UpdateProblem> 
                        const std::function<void()>& next) {
   if (result) {
     ready_ = update;
+    store(update);
     return next();
   }
   ready_.reset();
+  host_.defaults.remove(readyKey);
   download_.discard(update);
   failed(result.error());
+  checkIfDue();
 }
 
 void Updates::open(const Update& update) {
-  const QUrl url = QUrl::fromLocalFile(QFile::decodeName(download_.pathOf(update).c_str()));
-  host_.openUrl(url.toEncoded().toStdString());
   finish(UpdateState::Result::ready);
+  const std::string path = download_.pathOf(update);
+  const QUrl url = QUrl::fromLocalFile(QFile::decodeName(path.c_str()));
+  host_.openUrl(url.toEncoded().toStdString(), [self = QPointer{this}, path] {
+    if (!self) return;
+    self->state_.package = path;
+    self->failed(UpdateProblem::noInstaller);
+  });
 }
 
 void Updates::failed(UpdateProblem problem) {

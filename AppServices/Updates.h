@@ -3,24 +3,46 @@
 #include "AppServices/AppInfo.h"
 #include "AppServices/UpdateDownload.h"
 #include "AppServices/UpdatePackage.h"
-#include "AppServices/UpdateText.h"
 #include "core/host/DefaultsStore.h"
 
 #include <QQmlEngine>
 #include <QThreadPool>
 
 #include <chrono>
+#include <cstdint>
+#include <string>
 
 namespace spacemint {
 
-/// Finds, downloads and checks a newer version of the product, and hands it to the system's installer when
-/// the user says so. Nothing that is unsigned, older or of another product is ever opened. Main thread only.
+/// The progress and the result of the search for an update.
+struct UpdateState {
+  enum class Phase : std::uint8_t { idle, checking, downloading, verifying };
+  enum class Result : std::uint8_t { none, upToDate, found, ready, failed };
+
+  Phase phase = Phase::idle;
+  /// Of the last search.
+  Result result = Result::none;
+  UpdateProblem problem = {};
+  /// The version that was found.
+  std::string version = {};
+  /// The path of the package that no program opened.
+  std::string package = {};
+  /// Whether the user asked for the search. A search that runs by itself only tells if it found an update.
+  bool isAsked = false;
+};
+
+/// The state in one sentence; empty if there is nothing to tell. Any thread.
+std::string updateStatus(const UpdateState& state, const std::string& appName);
+
+/// Finds, downloads and verifies a newer version of the product, and opens it in the system's installer when
+/// the user says so. A package that is unsigned, older or of another product is never opened. Main thread
+/// only.
 class Updates : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("one of the services")
   Q_PROPERTY(bool canCheck READ canCheck NOTIFY changed)
-  /// A checked update waits for `install`.
+  /// Whether a verified update waits for `install`.
   Q_PROPERTY(bool available READ isAvailable NOTIFY changed)
   Q_PROPERTY(QString status READ status NOTIFY changed)
   Q_PROPERTY(QString version READ version CONSTANT)
@@ -33,26 +55,30 @@ class Updates : public QObject {
     SystemFacts system;
     /// The name of the product's package.
     std::string package;
-    /// Where downloads are kept.
+    /// The folder for downloads.
     std::string folder;
     std::function<std::string()> today;
-    /// Opens a file in the program of the desktop that is for it: for a package, the installer.
-    std::function<void(const std::string& url)> openUrl;
+    /// Opens a file in the desktop's program for it: for a package, the installer. Calls `failed` if none
+    /// opens it.
+    std::function<void(const std::string& url, std::function<void()> failed)> openUrl;
     std::chrono::milliseconds interval = std::chrono::hours{24};
   };
 
   static constexpr const char* checkKey = "SUEnableAutomaticChecks";
   static constexpr const char* downloadKey = "SUAutomaticallyUpdate";
   static constexpr const char* checkedOnKey = "SULastCheckedOn";
+  /// What the feed said of the update that is ready: version, shown version, URL, length, signature.
+  static constexpr const char* readyKey = "SUReadyUpdate";
 
   explicit Updates(Host host);
   ~Updates() override;
 
-  /// Checks once a day from now on, where that is switched on; only the first call counts.
+  /// Restores an update that was ready when the program ended. From now on checks once a day, if that is
+  /// switched on. Further calls do nothing.
   void start();
-  /// Looks for an update and brings it here, for a person who waits for the answer.
+  /// Looks for an update and downloads it, because the user asked for it.
   Q_INVOKABLE void checkNow();
-  /// Checks the update once more and hands it to the installer.
+  /// Verifies the update again and opens it in the installer.
   Q_INVOKABLE void install();
 
   bool canCheck() const { return state_.phase == UpdateState::Phase::idle; }
@@ -60,15 +86,17 @@ class Updates : public QObject {
   const UpdateState& state() const { return state_; }
   QString status() const;
   QString version() const { return QString::fromStdString(host_.info.version); }
-  /// Whether an update that was found by itself is downloaded too.
+  /// Whether updates that the daily check finds are downloaded.
   bool installAutomatically() const;
-  /// Also switches the daily check on, which stays on when this is switched off.
+  /// Switching this on also switches the daily check on. Switching it off leaves the daily check on.
   void setInstallAutomatically(bool isOn);
 
  Q_SIGNALS:
   void changed();
 
  private:
+  bool restore();
+  void store(const Update& update);
   void checkIfDue();
   void check();
   void feedArrived(const std::optional<WebReply>& reply);
@@ -88,7 +116,7 @@ class Updates : public QObject {
   UpdateState state_;
   std::optional<Update> ready_;
   UpdateDownload download_;
-  /// Where files are checked. Destroyed first, and waits for a check that is under way.
+  /// Files are verified here. It is destroyed first, and waits for a verification that runs.
   QThreadPool pool_;
 };
 

@@ -41,7 +41,7 @@ Usage::Usage(Host host)
       reports_(std::make_unique<QObject>()) {}
 
 void Usage::setAllowed(bool isAllowed) {
-  // What cannot be stored stays as it was, and is asked for or offered again.
+  // If the answer cannot be stored, it stays as it was, and the question comes again.
   consent_.setAllowed(isAllowed);
   if (isAllowed) {
     sendIfDue();
@@ -52,7 +52,7 @@ void Usage::setAllowed(bool isAllowed) {
 }
 
 void Usage::sendIfDue() {
-  host_.defaults.refresh();  // another process may have withdrawn
+  host_.defaults.refresh();  // the user may have withdrawn in another process
   if (!isShared() || !host_.info.slug || !host_.info.usageHost) return;
   const std::string today = host_.today();
   if (host_.defaults.string(UsageConsent::sentOnKey) == today) return;
@@ -68,7 +68,7 @@ void Usage::sendIfDue() {
                      });
 }
 
-// Absent where none can be stored: one that is new in each report would count one installation as many.
+// Absent if the id cannot be stored: a new id in each report would count one installation several times.
 std::optional<std::string> Usage::installId() {
   if (auto stored = host_.defaults.string(UsageConsent::installKey)) return stored;
   std::string id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();

@@ -13,15 +13,15 @@
 
 namespace spacemint {
 
-/// Says at most once a calendar day that the product is in use, and only when its user has agreed. Main
-/// thread only; nothing is ever said of a failure.
+/// Reports at most once a calendar day that the product is in use, and only if the user has agreed. Failures
+/// are ignored; the next day tries again. Main thread only.
 class Usage : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("one of the services")
   /// False until the user has agreed.
   Q_PROPERTY(bool allowed READ isShared WRITE setAllowed NOTIFY allowedChanged)
-  /// Whether there is anything to agree to.
+  /// Whether reports could be sent at all, so that asking for consent makes sense.
   Q_PROPERTY(bool offered READ isOffered CONSTANT)
  public:
   struct Host {
@@ -38,13 +38,14 @@ class Usage : public QObject {
   /// Absent until the user has answered.
   std::optional<bool> isAllowed() const { return consent_.isAllowed(); }
   bool isShared() const { return isAllowed().value_or(false); }
-  bool isOffered() const { return host_.info.slug.has_value(); }
-  /// Agreeing reports at once; withdrawing forgets who this installation was and stops what is under way.
+  bool isOffered() const { return host_.info.slug && host_.info.usageHost; }
+  /// Agreeing sends a report at once. Withdrawing removes the id of this installation and aborts a report
+  /// that is being sent.
   void setAllowed(bool isAllowed);
-  /// Agrees or withdraws: the opposite of what is stored. A question without an answer counts as no.
+  /// Changes the stored answer to its opposite. No answer counts as no.
   Q_INVOKABLE void toggle() { setAllowed(!isShared()); }
 
-  /// Sends today's report if one is due.
+  /// Sends today's report if it was not sent yet.
   void sendIfDue();
 
  Q_SIGNALS:
@@ -55,14 +56,14 @@ class Usage : public QObject {
 
   Host host_;
   UsageConsent consent_;
-  /// Lives as long as a report that is under way may still be sent.
+  /// The context of the report that is being sent: destroying it aborts the report.
   std::unique_ptr<QObject> reports_;
 };
 
-/// What is sent: one JSON object.
+/// The body of a report: one JSON object.
 QByteArray usageReport(const AppInfo& info, const std::string& installId, const std::string& systemVersion);
 
-/// Where it is sent to; not valid for what is no host.
+/// The address for reports; invalid if `host` is no host.
 QUrl usageAddress(const std::string& host);
 
 }  // namespace spacemint

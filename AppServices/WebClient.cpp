@@ -1,5 +1,7 @@
 #include "AppServices/WebClient.h"
 
+#include "core/base/Log.h"
+
 #include <QHostAddress>
 #include <QNetworkReply>
 #include <QTimer>
@@ -58,7 +60,7 @@ QNetworkRequest WebClient::request(const QUrl& url) const {
   request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
   request.setAttribute(QNetworkRequest::AutoDeleteReplyOnFinishAttribute, true);
   request.setRawHeader("User-Agent", QByteArray::fromStdString(agent_));
-  // Else the user's language would be told, and a small answer could unfold to a large one.
+  // By default Qt would send the user's language, and accept compressed answers that unpack to a large size.
   request.setRawHeader("Accept-Language", "en");
   request.setRawHeader("Accept-Encoding", "identity");
   return request;
@@ -78,7 +80,11 @@ void WebClient::collect(QNetworkReply* reply, QObject* context, Callback callbac
                    [reply, read, body, callback = std::move(callback)] {
                      const bool isWhole = reply->error() == QNetworkReply::NoError && read();
                      const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-                     if (!isWhole || !status.isValid()) return callback({});
+                     if (!isWhole || !status.isValid()) {
+                       log(LogLevel::info, "no answer from " + reply->url().host().toStdString() + ": " +
+                                               reply->errorString().toStdString());
+                       return callback({});
+                     }
                      callback(WebReply{.status = status.toInt(), .body = *body});
                    });
   QObject::connect(context, &QObject::destroyed, reply, [reply, context] {

@@ -12,38 +12,39 @@
 
 namespace spacemint {
 
-/// What a server answered, whole.
+/// The complete answer of a server.
 struct WebReply {
   int status = 0;
   QByteArray body = {};
 };
 
-/// The services' way to the network. HTTPS only, but for servers on this machine; redirected only within the
-/// same scheme, host and port; without cookies, caches, stored passwords or compression. Main thread only.
+/// The only way to the network. HTTPS only, except to servers on this machine (loopback). Follows
+/// redirections only to the same scheme, host and port. No cookies, caches, stored passwords or compression.
+/// Main thread only.
 class WebClient {
  public:
-  /// Absent for anything but a whole answer of a server.
+  /// Absent if there was no complete answer within the limits.
   using Callback = std::function<void(std::optional<WebReply>)>;
 
   struct Limits {
-    /// For a whole exchange; for a stream, between two pieces of it.
+    /// For a whole exchange; for a stream, the longest pause between two pieces.
     std::chrono::milliseconds time = std::chrono::seconds{60};
     /// The longest answer, in bytes.
     qint64 size = 1'000'000;
   };
 
-  /// `agent` is what servers are told of the program that asks.
+  /// `agent`: the value of the header User-Agent.
   WebClient(std::string agent, Limits limits) : agent_(std::move(agent)), limits_(limits) {}
 
-  /// Whether this URL may be asked at all.
+  /// Whether requests to this URL are allowed.
   static bool mayAsk(const QUrl& url);
 
-  /// The answer comes later, or never when `context` is gone by then.
+  /// Calls `callback` later; never if `context` is destroyed before, which also aborts the request.
   void get(const QUrl& url, QObject* context, Callback callback);
   void postJson(const QUrl& url, const QByteArray& body, QObject* context, Callback callback);
 
-  /// The bytes of a file from `offset` on, in pieces of the caller's own reading. The reply deletes itself
-  /// when it has finished. Null for a URL that may not be asked.
+  /// Requests the bytes of a file from `offset` on. The caller reads them from the reply, which deletes
+  /// itself when it has finished. Null for a URL that is not allowed.
   QNetworkReply* stream(const QUrl& url, qint64 offset);
 
  private:

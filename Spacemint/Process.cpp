@@ -17,7 +17,7 @@ namespace {
 // The session's end may kill the process after a few seconds.
 constexpr std::chrono::milliseconds patience{1'500};
 
-ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const BundleInfo& info) {
+ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const AppInfo& info) {
   return {.defaults = defaults,
           .store = SnapshotStore::standard(),
           .journal = journal,
@@ -36,7 +36,7 @@ ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const BundleInf
 }  // namespace
 
 Process::Process()
-    : info(BundleInfo::load(InstalledFiles::information())),
+    : info(AppInfo::load(InstalledFiles::information())),
       defaults(DefaultsStore::standard()) {
   if (const auto migrated = Migration::ofThisUser(defaults); migrated.error) complain(*migrated.error);
   model = std::make_unique<AppModel>(hostOf(defaults, journal, info), desktop.desktop());

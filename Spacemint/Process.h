@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Spacemint/desktop/BundleInfo.h"
+#include "AppServices/AppInfo.h"
 #include "Spacemint/desktop/linux/LinuxDesktop.h"
 #include "Spacemint/model/AppModel.h"
 #include "core/scan/ProcessJournal.h"
@@ -21,7 +21,7 @@ class Process {
 
   // Running tasks use these members, so the members live until the tasks have ended: longer than the model
   // and its desktop, or to the end of the process.
-  BundleInfo info;
+  AppInfo info;
   DefaultsStore defaults;
   ProcessJournal journal;
   LinuxDesktop desktop;

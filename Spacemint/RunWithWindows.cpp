@@ -1,18 +1,23 @@
 #include "AppServices/AppServices.h"
-#include "AppServices/Today.h"
 #include "Spacemint/Process.h"
 #include "Spacemint/desktop/linux/InstalledFiles.h"
 #include "Spacemint/desktop/linux/RunningInstance.h"
 #include "Spacemint/desktop/linux/Termination.h"
-#include "Spacemint/shell/AppDelegate.h"
+#include "Spacemint/shell/Application.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QQmlExtensionPlugin>
 #include <QQuickWindow>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
 
 Q_IMPORT_QML_PLUGIN(Spacemint_UiKitPlugin)
 Q_IMPORT_QML_PLUGIN(Spacemint_ServicesPlugin)
@@ -23,15 +28,52 @@ namespace spacemint {
 
 namespace {
 
+// Warnings of Qt while the application object is made. They are written if that succeeds.
+QByteArrayList heldBack;
+
+// The platform plugins of Qt to try, in that order; empty for Qt's own choice. X11 comes first, also by
+// XWayland: under Wayland only the compositor places windows, and the panel has its place.
+std::string platforms() {
+  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return {};
+  const bool hasWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+  if (qEnvironmentVariableIsSet("DISPLAY")) return hasWayland ? "xcb;wayland" : "xcb";
+  return hasWayland ? "wayland" : "";
+}
+
+bool hasWaylandPlugin() {
+  return std::ranges::any_of(QCoreApplication::libraryPaths(), [](const QString& folder) {
+    return !QDir{folder + QStringLiteral("/platforms")}.entryList({QStringLiteral("libqwayland*")}).isEmpty();
+  });
+}
+
+std::string whyThereAreNoWindows() {
+  if (platforms() == "wayland" && !hasWaylandPlugin()) {
+    return "Qt's plugin for Wayland is missing: install the package qt6-wayland, or XWayland";
+  }
+  const char* variable = qEnvironmentVariableIsSet("DISPLAY") ? "DISPLAY" : "WAYLAND_DISPLAY";
+  return std::string{"cannot open the display of "} + variable + ", \"" + qgetenv(variable).toStdString() +
+         "\"; \"spacemint --background\" needs none";
+}
+
+// Without a display, Qt writes several lines and ends the program by abort(). This writes one line and exits.
+void exitInsteadOfAborting(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type == QtFatalMsg) {
+    complain(whyThereAreNoWindows());
+    std::_Exit(EXIT_FAILURE);
+  }
+  heldBack.push_back(qFormatLogMessage(type, context, text).toLocal8Bit());
+}
+
 AppServicesHost servicesOf(Process& process) {
-  return {
-      .info = AppInfo::load(InstalledFiles::information()),
-      .defaults = process.defaults,
-      .package = "spacemint",
-      .updatesFolder = UserFolders::cache() + "/spacemint/updates",
-      .today = [&clock = process.desktop.desktop().clock] { return dayText(clock.now(), userTimeZone()); },
-      .openUrl = [&opener =
-                      process.desktop.desktop().opener](const std::string& url) { opener.openUrl(url); }};
+  const Desktop desktop = process.desktop.desktop();
+  return {.info = process.info,
+          .defaults = process.defaults,
+          .package = "spacemint",
+          .updatesFolder = UserFolders::cache() + "/spacemint/updates",
+          .today = [&clock = desktop.clock] { return dayText(clock.now(), userTimeZone()); },
+          .openUrl = [&opener = desktop.opener](
+                         const std::string& url,
+                         std::function<void()> failed) { opener.openUrl(url, std::move(failed)); }};
 }
 
 bool hasDisplay() {
@@ -39,26 +81,28 @@ bool hasDisplay() {
          qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
-void choosePlatform() {
-  // Under Wayland nobody but the compositor places a window, and the panel has its place.
-  if (qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "xcb");
-  }
-  // Drawn by the processor it takes a third of the memory, and is there sooner.
-  if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND")) {
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-  }
-}
-
 }  // namespace
 
-int runWithWindows(int argc, char** argv, bool isLogin) {
+int runWithWindows(int /*argc*/, char** argv, bool isLogin) {
   if (!hasDisplay()) {
     complain("there is no display to show windows on; \"spacemint --background\" needs none");
     return EXIT_FAILURE;
   }
-  choosePlatform();
-  const QGuiApplication application{argc, argv};
+  // The software renderer takes a third of the memory, and shows the first frame sooner.
+  if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND")) {
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  }
+  // The platform is not set in the environment, which programs that we start would inherit.
+  std::string option = "-platform";
+  std::string value = platforms();
+  std::vector<char*> arguments{argv[0]};
+  if (!value.empty()) arguments.insert(arguments.end(), {option.data(), value.data()});
+  int count = static_cast<int>(arguments.size());
+  arguments.push_back(nullptr);
+  const auto usualHandler = qInstallMessageHandler(exitInsteadOfAborting);
+  const QGuiApplication qtApplication{count, arguments.data()};
+  qInstallMessageHandler(usualHandler);
+  for (const QByteArray& line : std::as_const(heldBack)) std::fprintf(stderr, "%s\n", line.constData());
   QGuiApplication::setDesktopFileName(QStringLiteral("app.spacemint.Spacemint"));
   QGuiApplication::setQuitOnLastWindowClosed(false);
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::windows};
@@ -69,19 +113,19 @@ int runWithWindows(int argc, char** argv, bool isLogin) {
   const Termination termination{[] { QCoreApplication::quit(); }};
   Process process;
   AppServices services{servicesOf(process)};
-  auto delegate =
-      std::make_unique<AppDelegate>(ShellHost{.model = *process.model,
-                                              .desktop = process.desktop.desktop(),
-                                              .services = services,
-                                              .defaults = process.defaults,
-                                              .home = UserFolders::home(),
-                                              .locale = userLocale(),
-                                              .hasBundleIdentifier = process.info.identifier.has_value(),
-                                              .quit = [] { QCoreApplication::quit(); }});
-  QObject::connect(&instance, &RunningInstance::activated, delegate.get(), &AppDelegate::showUI);
-  delegate->applicationDidFinishLaunching();
+  auto application = std::make_unique<Application>(
+      ApplicationHost{.model = *process.model,
+                      .desktop = process.desktop.desktop(),
+                      .services = services,
+                      .defaults = process.defaults,
+                      .home = UserFolders::home(),
+                      .locale = userLocale(),
+                      .hasBundleIdentifier = process.info.identifier.has_value(),
+                      .quit = [] { QCoreApplication::quit(); }});
+  QObject::connect(&instance, &RunningInstance::activated, application.get(), &Application::showUI);
+  application->start();
   const int code = QCoreApplication::exec();
-  delegate.reset();
+  application.reset();
   return process.end(code);
 }
 

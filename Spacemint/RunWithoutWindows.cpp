@@ -1,4 +1,4 @@
-// Where the program is built without its interface.
+// Replaces RunWithWindows.cpp in a build without the interface.
 
 #include "Spacemint/Process.h"
 

@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
   const QCommandLineOption login{
       QStringLiteral("login"), QStringLiteral("Start as at login: where it runs already, nothing is shown.")};
   parser.addOptions({background, login});
-  // Before there is an application: it is to be known which one.
+  // Parsed before the application object is made: the options decide which kind it is.
   QStringList arguments;
   for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
   parser.process(arguments);

@@ -6,7 +6,7 @@
 
 namespace spacemint {
 
-/// Whether the user agreed to the anonymous usage report, and what is stored for it. One thread at a time.
+/// The stored answer to the question about anonymous usage reports. One thread at a time.
 class UsageConsent {
  public:
   static constexpr const char* shareKey = "BrindlefoxShareUsage";
@@ -18,7 +18,8 @@ class UsageConsent {
 
   /// Absent until the user has answered.
   std::optional<bool> isAllowed() const { return defaults_.boolean(shareKey); }
-  /// Withdrawing also forgets who this installation was.
+  /// Stores the answer. A "no" also removes the id of this installation. Fails if the store cannot be
+  /// written.
   std::expected<void, Error> setAllowed(bool isAllowed);
 
  private:

@@ -7,24 +7,24 @@
 
 namespace spacemint {
 
-/// Repeating work that may wait for a good moment. Main thread only.
+/// Repeats work that may wait for a good moment. Main thread only.
 ///
-/// The time between two runs counts while the system sleeps; a run that was missed by it comes soon after.
+/// The interval runs on while the system sleeps; a run that was due meanwhile comes soon after waking.
 class ActivityScheduler {
  public:
   struct Activity {
     const char* identifier = "";
-    /// From one run to the next; nothing ever runs when it is zero or less.
+    /// From the end of one run to the next run, in seconds. Zero or less means never.
     Seconds interval{0};
-    /// How much later a run may be.
+    /// How much later a run may come, in seconds.
     Seconds tolerance{0};
   };
 
   using Completion = std::function<void()>;
-  /// Is handed what to call when the run is over. There is no next run before that.
+  /// Does one run, and calls `finished` when the run is over. The next run comes only after that.
   using Handler = std::function<void(Completion finished)>;
 
-  /// Runs for as long as it lives.
+  /// Destroy it to end the repetition.
   class Scheduled {
    public:
     Scheduled() = default;

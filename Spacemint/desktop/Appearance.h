@@ -4,22 +4,24 @@
 
 namespace spacemint {
 
-/// What the desktop wants things to look like. Main thread only.
+/// The desktop's settings for how applications look. Main thread only.
 class Appearance : public QObject {
   Q_OBJECT
  public:
   ~Appearance() override;
 
-  /// Begins to ask the desktop, and follows what it says. Until it answers the best guess serves.
+  /// Asks the desktop and follows its changes from now on. Until it answers, all values are guesses. Does not
+  /// block.
   virtual void follow() = 0;
 
-  /// Light text on a dark ground.
+  /// Whether the desktop is dark: light text on a dark ground.
   virtual bool isDark() const = 0;
-  /// The status area is dark, whatever the windows are.
+  /// Whether the status area is dark, also where windows are light. A guess: no desktop tells.
   virtual bool isStatusAreaDark() const = 0;
-  /// Nothing is to move that need not.
+  /// Whether animations are to be left out.
   virtual bool reducedMotion() const = 0;
-  /// What is behind a window shows where it is transparent. It is looked up anew, as it may change at any time.
+  /// Whether the screen shows what is behind transparent parts of a window. Asks at each call, because it can
+  /// change without a signal.
   virtual bool hasTransparency() const = 0;
 
  Q_SIGNALS:

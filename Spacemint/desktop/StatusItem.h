@@ -12,27 +12,27 @@
 
 namespace spacemint {
 
-/// How an item of the status area looks.
+/// The look of the status item.
 struct StatusLook {
   /// The text beside the icon; may be empty.
   std::string title;
   std::string toolTip;
-  /// The icon in several sizes, of which the desktop takes the one that fits.
+  /// The icon in several sizes. The desktop takes the size that fits.
   QList<QImage> icons;
-  /// The same with the title painted in, for desktops that show nothing beside an icon.
+  /// The same with the title drawn into the icon, for desktops that show no text beside an icon.
   QList<QImage> titledIcons;
 };
 
 struct StatusMenuEntry {
-  /// Empty for a line between entries.
+  /// Empty for a separator line.
   std::string title;
   std::function<void()> choose;
-  /// Whether a mark stands before it; empty for an entry that never has one.
+  /// Whether the entry has a check mark; empty for an entry that is not a switch.
   std::function<bool()> isOn = {};
 };
 
-/// The application's item in the desktop's status area. It can be installed where there is no such area: it
-/// appears when one does. Main thread only.
+/// The application's item in the desktop's status area. It can be installed before there is a status area,
+/// and appears as soon as there is one. Main thread only.
 class StatusItem : public QObject {
   Q_OBJECT
  public:
@@ -48,9 +48,9 @@ class StatusItem : public QObject {
   virtual void setLook(const StatusLook& look) = 0;
   virtual void setMenu(std::vector<StatusMenuEntry> menu) = 0;
 
-  /// Unknown until the item was installed and the desktop has answered.
+  /// Unknown until the item is installed and the desktop has answered.
   virtual Area area() const = 0;
-  /// Where it was clicked last, in the coordinates of windows; absent while that is not known.
+  /// The point of the last click on the item, in the coordinates of windows; absent if it is not known.
   virtual std::optional<QPoint> position() const = 0;
 
  Q_SIGNALS:

@@ -15,22 +15,22 @@
 
 namespace spacemint {
 
-/// Work that would hold up the main thread, and the way back to it.
+/// Runs work on other threads, and brings the results back to the main thread.
 ///
-/// Futures are only touched on the main thread: what other threads hand over goes through locks of our own,
-/// so that a thread sanitizer sees all of it.
+/// Futures are used on the main thread only. Results cross threads through mutexes of our own, not through
+/// Qt: the thread sanitizer cannot see inside the system's Qt.
 class Tasks {
  public:
   using Function = std::move_only_function<void()>;
 
   enum class Priority : std::uint8_t {
-    /// Nobody waits for it: a thread of its own at low priority.
+    /// Nobody waits for the result. Gets a thread of its own, at low priority.
     background,
-    /// Somebody will look at it soon.
+    /// The user will look at the result soon.
     utility,
-    /// Somebody waits for it.
+    /// The user waits for the result.
     userInitiated,
-    /// Somebody waits for it and it may take minutes: a thread of its own.
+    /// The user waits for the result and it may take minutes. Gets a thread of its own.
     alone
   };
 
@@ -40,7 +40,7 @@ class Tasks {
     Function work;
     /// Runs on the main thread after that.
     Function done;
-    /// The name of a thread of its own.
+    /// The name of the thread, for a task with one of its own; at most 15 bytes are used.
     const char* threadName = nullptr;
   };
 
@@ -52,7 +52,7 @@ class Tasks {
   /// Main thread only.
   virtual void start(Task task) = 0;
 
-  /// Runs a function on the main thread, in the order of the calls. Any thread.
+  /// Runs functions on the main thread, in the order of the calls. Any thread.
   virtual void post(Function function) = 0;
 
   /// Starts `work`, and calls `then` with its result on the main thread, unless `context` is gone by then.
@@ -69,7 +69,7 @@ class Tasks {
            .threadName = threadName});
   }
 
-  /// Starts `work` and gives what it returns, which must not be void. Main thread only.
+  /// Runs `work`, which must not return void, and finishes the future with its result. Main thread only.
   template <class Work, class Result = std::invoke_result_t<Work&>>
   QFuture<Result> run(Priority priority, Work work, const char* threadName = nullptr) {
     auto promise = std::make_shared<QPromise<Result>>();

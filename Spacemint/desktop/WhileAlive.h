@@ -9,11 +9,12 @@
 
 namespace spacemint {
 
-/// Ends a chain of continuations whose object is gone. Nobody catches it but the futures themselves.
+/// Ends a chain of continuations whose object was destroyed. Only the futures catch it.
 struct NoLongerAlive final : std::exception {};
 
-/// A function for `QFuture::then` that is called for as long as `context` is there; after that the rest of
-/// the chain is dropped. Where a context is given to `then` itself, Qt 6.4 stops the process in that case.
+/// A function for `QFuture::then` that is called only if `context` still exists; otherwise the rest of the
+/// chain is dropped. Do not give the context to `then` itself: Qt 6.4 aborts the process if that context is
+/// destroyed.
 template <class Function>
 class WhileAlive {
  public:

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Spacemint/desktop/Clock.h"
-#include "Spacemint/desktop/StartupVolume.h"
+#include "Spacemint/desktop/Desktop.h"
 #include "Spacemint/model/ScanHistory.h"
 #include "core/host/EventJournal.h"
 #include "core/scan/DiskScanner.h"

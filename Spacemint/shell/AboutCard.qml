@@ -1,14 +1,18 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
 
-/// Says what the product is.
+/// Says what the product is, and which keys it understands.
 FocusScope {
     id: root
 
     property string name: ""
     property string version: ""
-    /// Of the corners of what it covers.
+    /// Keys and their meanings in turn.
+    property list<string> keyHelp
+    /// The corner radius of what the card covers.
     property real radius: 0
 
     signal closed
@@ -32,7 +36,7 @@ FocusScope {
     }
     PopupSurface {
         anchors.centerIn: parent
-        width: Math.min(parent.width - 48, Theme.scaled(300))
+        width: Math.min(parent.width - 48, Theme.scaled(380))
         height: Math.min(parent.height - 48, column.implicitHeight + 44)
         radius: 14
 
@@ -76,6 +80,44 @@ FocusScope {
                 text: "Watches free space and says what takes it. Free software under the MIT licence."
                 size: 12
                 color: Theme.secondary
+            }
+            RowDivider {
+                Layout.fillWidth: true
+                Layout.topMargin: 10
+                Layout.bottomMargin: 6
+            }
+            // Scrolls where letters are large.
+            ScrollColumn {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredHeight: keys.implicitHeight
+                padding: 0
+
+                GridLayout {
+                    id: keys
+
+                    Layout.fillWidth: true
+                    columns: 2
+                    columnSpacing: 14
+                    rowSpacing: 5
+
+                    Repeater {
+                        model: root.keyHelp
+
+                        Label {
+                            required property int index
+                            required property string modelData
+
+                            Layout.fillWidth: index % 2 === 1
+                            Layout.alignment: Qt.AlignTop
+                            text: modelData
+                            size: 11.5
+                            weight: index % 2 === 0 ? Font.DemiBold : Font.Normal
+                            color: index % 2 === 0 ? Theme.ink : Theme.secondary
+                            wrapMode: Text.Wrap
+                        }
+                    }
+                }
             }
             SecondaryButtonStyle {
                 Layout.alignment: Qt.AlignHCenter

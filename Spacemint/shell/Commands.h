@@ -3,6 +3,7 @@
 #include "Spacemint/desktop/StatusItem.h"
 
 #include <QKeyCombination>
+#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -13,23 +14,28 @@ class QKeyEvent;
 
 namespace spacemint {
 
-/// Something that the user can tell the application from everywhere: by the status item's menu, by a key in
-/// its windows, or by both.
+/// A command to the application as a whole. The user gives it by the status item's menu, by a key in the
+/// application's windows, or by both.
 struct Command {
-  /// Empty for a command that no menu offers.
   std::string title;
   std::optional<QKeyCombination> key;
   std::function<void()> run;
-  /// Whether a menu marks it; empty for a command that is no switch.
+  /// Whether the menu shows a check mark; empty for a command that is not a switch.
   std::function<bool()> isOn = {};
+  bool isInMenu = true;
 };
 
-/// The commands in groups, between which a menu has a line.
+/// The commands in groups. The menu draws a line between groups.
 using Commands = std::vector<std::vector<Command>>;
+
+// Main thread only.
 
 std::vector<StatusMenuEntry> menuOf(const Commands& commands);
 
-/// Runs the command of that key; whether there is one.
+/// Runs the command of that key. Returns whether there is one.
 bool runKey(const Commands& commands, const QKeyEvent& event);
+
+/// The keys for the help: "Ctrl+Q", "Quit Spacemint", and so on, key and meaning in turn.
+QStringList keyHelp(const Commands& commands);
 
 }  // namespace spacemint

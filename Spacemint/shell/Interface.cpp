@@ -4,10 +4,34 @@
 #include "ui_kit/UiKit.h"
 
 #include <QGuiApplication>
+#include <QNetworkAccessManager>
+#include <QNetworkRequest>
 
 namespace spacemint {
 
+namespace {
+
+class RefusingManager final : public QNetworkAccessManager {
+ public:
+  using QNetworkAccessManager::QNetworkAccessManager;
+
+ protected:
+  // A scheme that nobody knows: the reply fails without any traffic.
+  QNetworkReply* createRequest(Operation operation, const QNetworkRequest& /*request*/,
+                               QIODevice* data) override {
+    return QNetworkAccessManager::createRequest(operation, QNetworkRequest{QUrl{QStringLiteral("refused:")}},
+                                                data);
+  }
+};
+
+}  // namespace
+
+QNetworkAccessManager* NoNetworkForQml::create(QObject* parent) {
+  return new RefusingManager{parent};
+}
+
 Interface::Interface(InterfaceHost host) : host_(std::move(host)), ui_(host_.ui) {
+  engine_.setNetworkAccessManagerFactory(&noNetwork_);
   UiKit::install(engine_);
   followAppearance();
   connect(&host_.ui.desktop.appearance, &Appearance::changed, this, &Interface::followAppearance);
@@ -36,10 +60,11 @@ QVariantMap Interface::rootProperties() {
   return {{QStringLiteral("ui"), QVariant::fromValue(&ui_)},
           {QStringLiteral("services"), QVariant::fromValue(&host_.services)},
           {QStringLiteral("productName"), QString::fromStdString(host_.services.name())},
-          {QStringLiteral("productVersion"), QString::fromStdString(host_.services.version())}};
+          {QStringLiteral("productVersion"), QString::fromStdString(host_.services.version())},
+          {QStringLiteral("keyHelp"), host_.keyHelp}};
 }
 
-// The desktop's font is told to the application only.
+// Qt reports a change of the desktop's font to the application object only.
 bool Interface::eventFilter(QObject* /*object*/, QEvent* event) {
   if (event->type() == QEvent::ApplicationFontChange) followAppearance();
   return false;

@@ -1,25 +1,35 @@
 #pragma once
 
 #include "AppServices/AppServices.h"
-#include "Spacemint/shell/DropdownPanel.h"
-#include "Spacemint/shell/MainWindow.h"
+#include "Spacemint/shell/Windows.h"
 #include "Spacemint/views/Ui.h"
 
 #include <QQmlEngine>
+#include <QQmlNetworkAccessManagerFactory>
+#include <QStringList>
 
 #include <memory>
 
 namespace spacemint {
 
-/// What an interface stands on. All of it outlives it.
+/// What an interface is made of. The referenced objects outlive it.
 struct InterfaceHost {
   UiHost ui;
   AppServices& services;
   DefaultsStore& defaults;
+  /// Keys and their meanings in turn, for the help.
+  QStringList keyHelp;
 };
 
-/// All that is there only for the eye: the engine, the views' objects and the two windows, each made when it
-/// is first asked for. Destroying it gives the memory back. Main thread only.
+/// Refuses every request. QML may not use the network: text from a server could otherwise load a picture from
+/// anywhere. `WebClient` is the only way to the network. Any thread.
+class NoNetworkForQml final : public QQmlNetworkAccessManagerFactory {
+ public:
+  QNetworkAccessManager* create(QObject* parent) override;
+};
+
+/// Everything that exists only to be seen: the QML engine, the objects of the views and the two windows. Each
+/// window is created when it is first used. Destroy the interface to give the memory back. Main thread only.
 class Interface : public QObject {
   Q_OBJECT
  public:
@@ -45,6 +55,7 @@ class Interface : public QObject {
   void followAppearance();
 
   InterfaceHost host_;
+  NoNetworkForQml noNetwork_;
   QQmlEngine engine_;
   Ui ui_;
   std::unique_ptr<DropdownPanel> panel_;

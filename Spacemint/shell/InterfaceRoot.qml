@@ -4,7 +4,7 @@ import Spacemint.Shell
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// What the panel and the window show: the views, over them a notice, and over all the card about the product.
+/// The content of the panel and of the window: the views, a notice over them, and the card about the product over all.
 FocusScope {
     id: root
 
@@ -12,6 +12,8 @@ FocusScope {
     required property AppServices services
     property string productName: ""
     property string productVersion: ""
+    /// Keys and their meanings in turn.
+    property list<string> keyHelp
     property bool windowed: false
     property bool rounded: true
     property bool showingAbout: false
@@ -22,6 +24,7 @@ FocusScope {
         id: view
 
         anchors.fill: parent
+        covered: notice.covered
         enabled: !root.showingAbout
         focus: true
         ui: root.ui
@@ -29,6 +32,8 @@ FocusScope {
         rounded: root.rounded
     }
     NoticeHost {
+        id: notice
+
         anchors.fill: parent
         enabled: !root.showingAbout
         notices: root.services.notices
@@ -39,6 +44,7 @@ FocusScope {
         radius: view.radius
         name: root.productName
         version: root.productVersion
+        keyHelp: root.keyHelp
         onVisibleChanged: (visible ? this : view).forceActiveFocus()
         onClosed: root.showingAbout = false
     }

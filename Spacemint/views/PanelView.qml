@@ -12,6 +12,8 @@ Rectangle {
     property bool windowed: false
     /// Whether the panel has round corners; only a desktop with transparency can show them.
     property bool rounded: true
+    /// Height at the bottom that something else covers.
+    property real covered: 0
 
     implicitWidth: 460
     implicitHeight: 700
@@ -22,6 +24,7 @@ Rectangle {
         id: pages
 
         anchors.fill: parent
+        anchors.bottomMargin: root.covered
         clip: true
         focus: true
         enabled: !question.hasKeyboard
@@ -71,6 +74,7 @@ Rectangle {
         property int reason
 
         anchors.fill: parent
+        anchors.bottomMargin: root.covered
         view: "ConfirmationCard.qml"
         wanted: root.ui.confirmation.asked
         properties: ({

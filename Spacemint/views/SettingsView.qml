@@ -176,6 +176,10 @@ Rectangle {
                     color: Theme.secondary
                 }
                 SecondaryButtonStyle {
+                    text: "About"
+                    onClicked: root.ui.about()
+                }
+                SecondaryButtonStyle {
                     text: "Quit Spacemint"
                     onClicked: root.ui.quit()
                 }

@@ -45,6 +45,7 @@ class Ui : public QObject {
   Developer* developer() { return &developer_; }
 
   Q_INVOKABLE void quit() const { host_.quit(); }
+  Q_INVOKABLE void about() const { host_.about(); }
 
  private:
   UiHost host_;

@@ -3,7 +3,6 @@
 #include "AppServices/Updates.h"
 #include "AppServices/Usage.h"
 #include "Spacemint/desktop/Desktop.h"
-#include "Spacemint/desktop/LoginItem.h"
 #include "Spacemint/model/AppModel.h"
 
 #include <functional>
@@ -26,6 +25,8 @@ struct UiHost {
   std::string locale;
   /// Ends the application.
   std::function<void()> quit;
+  /// Shows what the product is, its version and its keys.
+  std::function<void()> about;
   // Null in a product that has no such service.
   LoginItem* loginItem = nullptr;
   Usage* usage = nullptr;

@@ -5,8 +5,8 @@
 
 namespace spacemint {
 
-/// The bytes of a path as the path of a URI: all but letters, digits, "-", ".", "_", "~" and "/" become "%"
-/// and two hexadecimal digits.
+/// A path as the path of a URI. All bytes except letters, digits, "-", ".", "_", "~" and "/" become "%" and
+/// two hexadecimal digits. Any thread.
 std::string percentEncoded(std::string_view path);
 
 }  // namespace spacemint

@@ -1,6 +1,5 @@
 #include "Spacemint/desktop/linux/CoarseScheduler.h"
 
-#include "Spacemint/desktop/linux/BatteryLevel.h"
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 

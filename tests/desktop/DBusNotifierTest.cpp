@@ -19,6 +19,7 @@ class DBusNotifierTest : public testing::Test {
  protected:
   DBusNotifierTest() {
     QObject::connect(&notifier, &Notifier::activated, &notifier, [this] { ++activations; });
+    QObject::connect(&notifier, &Notifier::serviceAppeared, &notifier, [this] { ++appearances; });
   }
 
   void startService(const QStringList& capabilities = {}) { service.emplace(serviceBus, capabilities); }
@@ -30,9 +31,13 @@ class DBusNotifierTest : public testing::Test {
   // Answers come in the order of the questions, so this one comes after all that was under way.
   bool settled() { return ask() != std::nullopt; }
 
-  std::optional<bool> ask() {
+  std::optional<bool> ask() { return answered(notifier.isAllowed()); }
+  // Whether the service accepted the notification.
+  std::optional<bool> show(const Notification& notification) { return answered(notifier.show(notification)); }
+
+  std::optional<bool> answered(QFuture<bool> future) {
     std::optional<bool> answer;
-    notifier.isAllowed().then(&notifier, [&](bool isAllowed) { answer = isAllowed; });
+    future.then(&notifier, [&](bool is) { answer = is; });
     waitUntil([&] { return answer.has_value(); });
     return answer;
   }
@@ -42,6 +47,7 @@ class DBusNotifierTest : public testing::Test {
   DBusNotifier notifier{bus.connection()};
   std::optional<FakeNotifications> service;
   int activations = 0;
+  int appearances = 0;
 };
 
 TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
@@ -94,12 +100,17 @@ TEST_F(DBusNotifierTest, tellsOfClicksOnItsOwn) {
 
 TEST_F(DBusNotifierTest, isNotAllowedWithoutAServiceAndComesBackWithOne) {
   EXPECT_EQ(ask(), false);
-  notifier.show({.title = "Nobody sees this"});
+  EXPECT_EQ(show({.title = "Nobody sees this"}), false);
+  EXPECT_EQ(appearances, 0);
   startService();
+  EXPECT_TRUE(waitUntil([&] { return appearances == 1; }));
   EXPECT_EQ(ask(), true);
   EXPECT_TRUE(service->shown.empty());
-  notifier.show({.title = "Somebody sees this"});
+  EXPECT_EQ(show({.title = "Somebody sees this"}), true);
   EXPECT_TRUE(arrived(1));
+  service.reset();
+  EXPECT_EQ(show({.title = "Nobody sees this"}), false);
+  EXPECT_EQ(appearances, 1);
 }
 
 TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {

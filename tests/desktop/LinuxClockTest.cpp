@@ -1,6 +1,5 @@
 #include "Spacemint/desktop/linux/LinuxClock.h"
 
-#include "Spacemint/desktop/linux/TimerPlan.h"
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -21,24 +20,6 @@ TEST(TimerPlan, takesTheCoarsestTimerThatIsNeverEarlyNorTooLate) {
   EXPECT_EQ(TimerPlan::of({seconds{10}, milliseconds{0}}), (TimerPlan{seconds{10}, Qt::PreciseTimer}));
   EXPECT_EQ(TimerPlan::of({milliseconds{0}, milliseconds{0}}),
             (TimerPlan{milliseconds{1}, Qt::PreciseTimer}));
-}
-
-TEST(LinuxClock, tellsTheTimeOfDay) {
-  const auto before = std::chrono::system_clock::now() - milliseconds{1};
-  const Date now = LinuxClock{}.now();
-  EXPECT_GE(now, before);
-  EXPECT_LE(now, std::chrono::system_clock::now());
-}
-
-TEST(LinuxClock, callsBackOnceAfterTheDelay) {
-  LinuxClock clock;
-  QObject context;
-  int calls = 0;
-  int later = 0;
-  clock.after(milliseconds{1}, &context, [&] { ++calls; });
-  clock.after(milliseconds{20}, &context, [&] { ++later; });
-  EXPECT_TRUE(waitUntil([&] { return later == 1; }));
-  EXPECT_EQ(calls, 1);
 }
 
 TEST(LinuxClock, repeatsAndForgetsWhatIsGone) {

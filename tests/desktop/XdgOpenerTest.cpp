@@ -1,11 +1,14 @@
 #include "Spacemint/desktop/linux/XdgOpener.h"
 
-#include "Spacemint/desktop/linux/SettingsPrograms.h"
 #include "support/FakeOpeners.h"
 #include "support/PrivateBus.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
 
 namespace spacemint {
 namespace {
@@ -25,10 +28,16 @@ class XdgOpenerTest : public testing::Test {
   std::vector<std::string> opened;
   std::vector<SettingsProgram> started;
   bool canStart = true;
+  bool hasProgram = true;
+  int failures = 0;
   XdgOpener opener{bus.connection(),
                    {.help = "/usr/share/doc/help me.html",
                     .surroundings = {.desktop = "ubuntu:GNOME"},
-                    .openByProgram = [this](const std::string& url) { opened.push_back(url); },
+                    .openByProgram =
+                        [this](const std::string& url, const std::function<void()>& failed) {
+                          opened.push_back(url);
+                          if (!hasProgram && failed) failed();
+                        },
                     .start =
                         [this](const SettingsProgram& program) {
                           started.push_back(program);
@@ -52,16 +61,17 @@ TEST_F(XdgOpenerTest, opensTheFolderWithoutSuchAFileManager) {
 
 TEST_F(XdgOpenerTest, opensWebPagesByThePortalAndFilesByProgram) {
   FakePortal portal(services);
-  opener.openUrl("https://example.org/?a=b");
-  opener.openUrl("file:///tmp/a");
+  opener.openUrl("https://example.org/?a=b", {});
+  opener.openUrl("file:///tmp/a", {});
   ASSERT_TRUE(waitUntil([&] { return !portal.opened.empty(); }));
   EXPECT_EQ(portal.opened, QStringList{QStringLiteral("https://example.org/?a=b")});
   EXPECT_THAT(opened, ElementsAre("file:///tmp/a"));
 }
 
 TEST_F(XdgOpenerTest, opensWebPagesByProgramWithoutAPortal) {
-  opener.openUrl("https://example.org/");
-  ASSERT_TRUE(waitUntil([&] { return !opened.empty(); }));
+  hasProgram = false;
+  opener.openUrl("https://example.org/", [this] { ++failures; });
+  ASSERT_TRUE(waitUntil([&] { return failures == 1; }));
   EXPECT_THAT(opened, ElementsAre("https://example.org/"));
 }
 
@@ -74,6 +84,26 @@ TEST_F(XdgOpenerTest, opensTheDesktopsSettingsElseTheHelp) {
   opener.openSettings(Page::automation);
   EXPECT_THAT(opened,
               ElementsAre("file:///usr/share/doc/help%20me.html", "file:///usr/share/doc/help%20me.html"));
+}
+
+TEST(XdgOpen, tellsWhereNoProgramOpens) {
+  const support::TemporaryFolder folder;
+  const QByteArray path = qgetenv("PATH");
+  qputenv("PATH", QByteArray::fromStdString(folder.path()));
+  int failures = 0;
+  const auto open = [&] { XdgOpener::Places::current().openByProgram("file:///a", [&] { ++failures; }); };
+  open();
+  EXPECT_TRUE(waitUntil([&] { return failures == 1; })) << "there is no xdg-open";
+  const std::string program = folder / "xdg-open";
+  std::ofstream{program} << "#!/bin/sh\n[ \"$1\" = file:///a ] && exit 3\n";
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  open();
+  EXPECT_TRUE(waitUntil([&] { return failures == 2; })) << "xdg-open found no program";
+  std::ofstream{program} << "#!/bin/sh\n: > \"$0.done\"\n";
+  open();
+  EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(program + ".done"); }));
+  qputenv("PATH", path);
+  EXPECT_EQ(failures, 2);
 }
 
 TEST(SettingsPrograms, areThoseOfTheDesktop) {

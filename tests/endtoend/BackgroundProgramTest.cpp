@@ -29,12 +29,12 @@ class BackgroundProgram : public testing::Test {
     fs::create_directories(home / ".config/spacemint");
     fs::create_directories(home / "run");
     fs::permissions(home / "run", fs::perms::owner_all);
-    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     look.start(20);
   }
   ~BackgroundProgram() override {
     program.kill();
     program.waitForFinished();
+    EXPECT_EQ(program.readAllStandardError().toStdString(), "") << "a warning of Qt or QtDBus is a fault";
   }
 
   void setUp(const std::string& settings) const {

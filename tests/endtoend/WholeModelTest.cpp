@@ -41,7 +41,8 @@ class WholeModel : public ModelFixture {
                   .hasBundleIdentifier = true,
                   .hasFullDiskAccess = [] { return true; }},
         Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener, desktop.scheduler,
-                desktop.volume, desktop.statusItem, desktop.badge, desktop.appearance, desktop.loginItem});
+                desktop.volume, desktop.statusItem, desktop.badge, desktop.appearance, desktop.loginItem,
+                desktop.outsideClicks});
   }
   ~WholeModel() override {
     model.reset();

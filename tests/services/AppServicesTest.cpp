@@ -1,6 +1,5 @@
 #include "AppServices/AppServices.h"
 
-#include "AppServices/Today.h"
 #include "services/ServicesFixture.h"
 
 #include <fstream>
@@ -19,7 +18,7 @@ class AppServicesTest : public ServicesTest {
                         .package = "spacemint",
                         .updatesFolder = folder / "updates",
                         .today = [this] { return day; },
-                        .openUrl = [](const std::string&) {}}};
+                        .openUrl = [](const std::string&, const auto&) {}}};
   }
   AppInfo everything() {
     return {.identifier = "app.spacemint.Spacemint",
@@ -72,17 +71,15 @@ TEST_F(AppServicesTest, updatesAreThereWhereAFeedIs) {
   EXPECT_EQ(without.updates(), nullptr);
   EXPECT_NE(without.notices(), nullptr);
   EXPECT_THAT(titles(without), ElementsAre("Share Anonymous Usage"));
-}
 
-TEST_F(AppServicesTest, theMenuShowsAndTurnsTheConsent) {
-  AppServices services = make(everything());
-  const auto item = services.menuItems().back();
-  EXPECT_FALSE(item.isOn());
-  item.choose();
-  EXPECT_TRUE(item.isOn());
-  item.choose();
-  EXPECT_FALSE(item.isOn());
-  EXPECT_EQ(services.usage()->isAllowed(), false);
+  for (auto field : {&AppInfo::slug, &AppInfo::usageHost}) {
+    AppInfo mute = info;
+    (mute.*field).reset();
+    AppServices unheard = make(mute);
+    unheard.start(true);
+    EXPECT_THAT(titles(unheard), IsEmpty()) << "nothing can be shared";
+    EXPECT_FALSE(unheard.notices()->isShowing()) << "and so nothing is asked";
+  }
 }
 
 TEST_F(AppServicesTest, theDictionaryNamesEverything) {

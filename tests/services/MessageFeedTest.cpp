@@ -31,30 +31,39 @@ TEST(MessageFeed, isReadAsItIsWritten) {
 }
 
 TEST(MessageFeed, thatIsNotAsDescribedIsNone) {
-  for (
-      const char* document : {
-          "",
-          "null",
-          "[]",
-          "{}",
-          R"({"messages": {}})",
-          R"({"messages": ["a"]})",
-          R"({"messages": [{"id": "a", "title": "T"}]})",
-          R"({"messages": [{"id": 1, "title": "T", "body": "B"}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "apps": "spacemint"}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "apps": [1]}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "until": 20260301}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": {"title": "M"}}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": "https://a.example"}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": {"title": "M", "url": "file:///etc"}}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": {"title": "M", "url": "a.html"}}]})",
-          R"({"messages": [{"id": "a", "title": "T", "body": "B"}])",
-          "<html><body>Sign in to this network</body></html>",
-      }) {
+  for (const char* document : {
+           "",
+           "null",
+           "[]",
+           "{}",
+           R"({"messages": {}})",
+           R"({"messages": ["a"]})",
+           R"({"messages": [{"id": "a", "title": "T"}]})",
+           R"({"messages": [{"id": 1, "title": "T", "body": "B"}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B", "apps": "spacemint"}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B", "apps": [1]}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B", "until": 20260301}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": {"title": "M"}}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": "https://a.example"}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B", "link": {"title": "M", "url": 1}}]})",
+           R"({"messages": [{"id": "a", "title": "T", "body": "B"}])",
+           "<html><body>Sign in to this network</body></html>",
+       }) {
     EXPECT_FALSE(MessageFeed::parse(document)) << document;
   }
   EXPECT_FALSE(MessageFeed::parse(std::string(200'000, '[')));
   EXPECT_FALSE(MessageFeed::parse(R"({"messages": )" + std::string(200'000, '[')));
+}
+
+TEST(MessageFeed, linksToOtherThanWebPagesAreLeftOut) {
+  for (const std::string url :
+       {"mailto:ann@spacemint.example", "file:///etc", "a.html", "javascript:1", ""}) {
+    const auto feed = MessageFeed::parse(
+        R"({"messages": [{"id": "a", "title": "Title", "body": "Body", "link": {"title": "M", "url": ")" +
+        url + R"("}}, {"id": "b", "title": "Title", "body": "Body"}]})");
+    ASSERT_TRUE(feed) << url;
+    EXPECT_THAT(feed->messages, testing::ElementsAre(message("a"), message("b"))) << url;
+  }
 }
 
 TEST(MessageFeed, nextIsTheFirstThatFits) {

@@ -100,7 +100,11 @@ class UpdatesTest : public ServicesTest {
                       .package = "spacemint",
                       .folder = downloads,
                       .today = [this] { return day; },
-                      .openUrl = [this](const std::string& url) { opened.push_back(url); },
+                      .openUrl =
+                          [this](const std::string& url, const std::function<void()>& failed) {
+                            opened.push_back(url);
+                            if (!hasInstaller) failed();
+                          },
                       .interval = interval});
   }
   static bool ends(const Updates& updates) {
@@ -132,6 +136,7 @@ class UpdatesTest : public ServicesTest {
   std::string version = "1.9";
   std::string downloads = folder / "cache/updates";
   std::vector<std::string> opened;
+  bool hasInstaller = true;
   std::chrono::milliseconds interval = 24h;
   WebClient impatient{"Spacemint", {.time = 300ms}};
   WebClient* client = &web;
@@ -339,6 +344,49 @@ TEST_F(UpdatesTest, checksByItselfOnlyWhenSwitchedOn) {
   EXPECT_EQ(updates->status().toStdString(), "Version 2.0 is available.");
   EXPECT_FALSE(updates->isAvailable());
   EXPECT_FALSE(std::filesystem::exists(downloads));
+}
+
+TEST_F(UpdatesTest, aReadyUpdateIsStillReadyAfterARestart) {
+  {
+    const auto updates = make();
+    updates->checkNow();
+    ASSERT_TRUE(ends(*updates));
+    ASSERT_TRUE(updates->isAvailable());
+  }
+  {
+    const auto again = make();
+    again->start();
+    ASSERT_TRUE(support::waitUntil([&] { return again->isAvailable(); }));
+    EXPECT_EQ(again->status().toStdString(), "Version 2.0 is ready to install.");
+    EXPECT_EQ(server.count(feedPath), 1) << "nothing is asked again";
+    again->install();
+    ASSERT_TRUE(ends(*again));
+    EXPECT_THAT(opened, ElementsAre("file://" + downloads + "/" + name));
+  }
+  // The stored words are no more trusted than the feed's, and the file is verified again.
+  std::ofstream{downloads + "/" + name, std::ios::app} << "x";
+  const auto tampered = make();
+  tampered->start();
+  ASSERT_TRUE(ends(*tampered));
+  EXPECT_FALSE(tampered->isAvailable());
+  EXPECT_EQ(defaults.strings(Updates::readyKey), std::nullopt);
+  version = "2.0";
+  defaults.set(Updates::readyKey, DefaultsArray{"2.0", "2.0", "https://a.example/x.deb", "1", ""});
+  make()->start();
+  EXPECT_EQ(defaults.strings(Updates::readyKey), std::nullopt) << "it is installed by now";
+}
+
+TEST_F(UpdatesTest, saysHowToInstallWhereNoProgramOpensPackages) {
+  hasInstaller = false;
+  const auto updates = make();
+  updates->checkNow();
+  ASSERT_TRUE(ends(*updates));
+  updates->install();
+  ASSERT_TRUE(ends(*updates));
+  EXPECT_EQ(updates->status().toStdString(),
+            "No program opened the update. To install it, run in a terminal: sudo apt install '" + downloads +
+                "/" + name + "'");
+  EXPECT_TRUE(updates->isAvailable()) << "it can be tried again";
 }
 
 TEST_F(UpdatesTest, failuresThatNobodyAskedForAreSilent) {

@@ -1,12 +1,11 @@
 // What the shell decides and draws without a window.
 
 #include "Spacemint/shell/Commands.h"
-#include "Spacemint/shell/PanelPlacement.h"
-#include "Spacemint/shell/StatusIcon.h"
-#include "Spacemint/shell/StatusText.h"
-#include "Spacemint/shell/WindowPlace.h"
+#include "Spacemint/shell/ItemLook.h"
+#include "Spacemint/shell/Placement.h"
 
 #include <QKeyEvent>
+#include <QPainter>
 #include <gmock/gmock.h>
 
 namespace spacemint {
@@ -110,15 +109,49 @@ TEST(StatusIcon, isTheLogoOrTheFigureInEverySize) {
   }
 }
 
+// How far the lightest and the darkest pixel of a half of the picture are from the ground, the larger of
+// both.
+int contrast(const QImage& icon, const QRect& part, const QColor& ground) {
+  QImage picture{icon.size(), QImage::Format_RGB32};
+  picture.fill(ground);
+  QPainter{&picture}.drawImage(0, 0, icon);
+  int most = 0;
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    for (int x = part.left(); x <= part.right(); ++x) {
+      most = std::max(most, std::abs(qGray(picture.pixel(x, y)) - qGray(ground.rgb())));
+    }
+  }
+  return most;
+}
+
+// The colour of the status area is only a guess.
+TEST(StatusIcon, canBeReadOnAnyGround) {
+  for (const QColor& colour : {QColor{0x1B1A19}, QColor{0xF3F1EC}, QColor{0xE8641C}, QColor{0xF07070}}) {
+    for (const QColor& ground : {QColor{Qt::black}, QColor{Qt::white}}) {
+      for (const auto& icon :
+           StatusIcon::logo(colour) + StatusIcon::figure(QStringLiteral(" 17.3 GB"), colour)) {
+        const int size = icon.width();
+        for (const QRect& half : {QRect{0, 0, size, size / 2}, QRect{0, size / 2, size, size / 2}}) {
+          EXPECT_GT(contrast(icon, half, ground), 60)
+              << colour.name().toStdString() << " on " << ground.name().toStdString() << ", " << size;
+        }
+      }
+    }
+  }
+}
+
 TEST(Commands, areRunByTheirKeysAndGroupedInAMenu) {
   std::string ran;
   const auto command = [&ran](std::string title, std::optional<QKeyCombination> key) {
-    return Command{title, key, [&ran, title] { ran += title + ";"; }};
+    return Command{.title = title,
+                   .key = key,
+                   .run = [&ran, title] { ran += title + ";"; },
+                   .isInMenu = title != "Close"};
   };
   const Commands commands{{command("Open", {})},
                           {},
                           {command("Settings…", Qt::CTRL | Qt::Key_Comma)},
-                          {command("", Qt::CTRL | Qt::Key_W)}};
+                          {command("Close", Qt::CTRL | Qt::Key_W)}};
   std::vector<std::string> titles;
   for (const auto& entry : menuOf(commands)) titles.push_back(entry.title);
   EXPECT_THAT(titles, testing::ElementsAre("Open", "", "Settings…"));

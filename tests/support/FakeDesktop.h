@@ -18,6 +18,9 @@ namespace spacemint::support {
 class FakeClock final : public Clock {
  public:
   Date now() const override { return Date{passed_} + offset_; }
+  std::chrono::steady_clock::time_point steadyNow() const override {
+    return std::chrono::steady_clock::time_point{passed_};
+  }
   void after(std::chrono::milliseconds delay, QObject* context, Callback callback) override;
   void every(const Repeating& timing, QObject* context, Callback callback) override;
 
@@ -93,7 +96,7 @@ class FakeTrash final : public TrashCan {
 
 class FakeOpener final : public Opener {
  public:
-  void openUrl(const std::string& url) override { urls.push_back(url); }
+  void openUrl(const std::string& url, std::function<void()> /*failed*/) override { urls.push_back(url); }
   void openSettings(SettingsPage page) override { pages.push_back(page); }
   void reveal(const std::string& path) override { revealed.push_back(path); }
 
@@ -196,6 +199,27 @@ class FakeLoginItem final : public LoginItem {
   }
 };
 
+/// Clicks that a test makes.
+class FakeOutsideClicks final : public OutsideClicks {
+ public:
+  std::unique_ptr<Watch> watch(const QWindow& /*window*/, std::function<void()> clicked) override {
+    auto watch = std::make_unique<OneWatch>();
+    watch->clicked = std::move(clicked);
+    last_ = watch.get();
+    return watch;
+  }
+  /// Does nothing where nobody watches.
+  void click() const {
+    if (last_) std::function{last_->clicked}();
+  }
+
+ private:
+  struct OneWatch final : QObject, Watch {
+    std::function<void()> clicked;
+  };
+  QPointer<OneWatch> last_;
+};
+
 /// A desktop whose time a test moves by hand, on one thread.
 class FakeDesktop {
  public:
@@ -210,10 +234,11 @@ class FakeDesktop {
   FakeBadge badge;
   FakeAppearance appearance;
   FakeLoginItem loginItem;
+  FakeOutsideClicks outsideClicks;
 
   Desktop desktop() {
-    return {clock,  tasks,      notifier, trash,      opener,   scheduler,
-            volume, statusItem, badge,    appearance, loginItem};
+    return {clock,  tasks,      notifier, trash,      opener,    scheduler,
+            volume, statusItem, badge,    appearance, loginItem, outsideClicks};
   }
 
   /// Runs everything that can run without time passing.

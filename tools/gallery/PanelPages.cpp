@@ -59,7 +59,7 @@ class Scene final : public support::ModelFixture {
                                                        "spacemint",
                                                        folder / "updates",
                                                        [] { return "2026-03-02"; },
-                                                       [](const std::string&) {}});
+                                                       [](const std::string&, const auto&) {}});
   }
   void scanned() {
     addFile("Movies/holiday.mov", 400 * MB);

@@ -12,8 +12,8 @@ namespace spacemint {
 
 namespace {
 
-// An argument of an Exec line: quoted, for the desktop to take it apart again, and then as the value of a
-// key.
+// An argument of an Exec line. It is escaped twice: first as an argument of a command line, then as the value
+// of a key of the file.
 std::string execArgument(std::string_view argument) {
   std::string quoted;
   for (const char c : argument) {

@@ -1,29 +1,30 @@
 #pragma once
 
-#include "Spacemint/desktop/LoginItem.h"
+#include "Spacemint/desktop/Desktop.h"
 
 #include <string>
 
 namespace spacemint {
 
-/// The start at login by an entry in the folder that the desktop starts programs from.
+/// The start at login by a desktop entry in the user's autostart folder (freedesktop.org's Autostart
+/// specification). Main thread only; blocks for the file.
 class AutostartEntry final : public LoginItem {
  public:
   struct Places {
-    /// The entry's file.
+    /// The path of the autostart entry.
     std::string entry;
-    /// What the entry starts.
+    /// The path of the program that the entry starts.
     std::string program;
-    /// The application's desktop entry, which is there where the program is installed.
+    /// The path of the application's desktop entry, which exists only if the program is installed.
     std::string desktopEntry;
 
-    /// Those of this process.
+    /// The values for this process.
     static Places current();
   };
 
   explicit AutostartEntry(Places places) : places_(std::move(places)) {}
 
-  /// The user may have switched the entry off in the desktop's own settings.
+  /// False also where the user has switched the entry off in the desktop's settings.
   bool isEnabled() const override;
   std::expected<void, Error> enable() override;
   std::expected<void, Error> disable() override;

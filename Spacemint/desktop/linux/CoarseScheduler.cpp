@@ -1,6 +1,5 @@
 #include "Spacemint/desktop/linux/CoarseScheduler.h"
 
-#include "Spacemint/desktop/linux/BatteryLevel.h"
 #include "core/host/FileHandle.h"
 
 #include <QPointer>
@@ -10,19 +9,43 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <utility>
 
 namespace spacemint {
 
 namespace {
 
-// One timer of the kernel's that goes on while the system sleeps. Read and write through its descriptor only.
+namespace fs = std::filesystem;
+
+constexpr int lowPercentage = 20;
+
+std::string fact(const fs::path& supply, const char* name) {
+  std::ifstream file(supply / name);
+  std::string value;
+  std::getline(file, value);
+  return value;
+}
+
+// Mice and keyboards have batteries, too: their scope is "Device".
+bool isOfTheSystem(const fs::path& supply) {
+  return fact(supply, "type") == "Battery" && fact(supply, "scope") != "Device";
+}
+
+bool isLow(const fs::path& battery) {
+  std::ifstream file(battery / "capacity");
+  int percentage = 0;
+  return file >> percentage && percentage < lowPercentage;
+}
+
+// A timer of the kernel that runs on while the system sleeps.
 class SleepingTimer {
  public:
   int descriptor() const { return handle_.get(); }
 
   void start(Seconds delay) {
-    // A zero would stop the timer, and a year is as good as for ever.
+    // Zero would stop the timer. Longer than a year could overflow the nanoseconds.
     constexpr Seconds shortest{1e-6};
     constexpr Seconds longest = std::chrono::years{1};
     const auto wait = std::chrono::ceil<std::chrono::nanoseconds>(std::clamp(delay, shortest, longest));
@@ -32,7 +55,7 @@ class SleepingTimer {
     timerfd_settime(handle_.get(), 0, &once, nullptr);
   }
 
-  // False where it has not run out after all.
+  // False if the timer has not expired.
   bool takeEnd() {
     std::uint64_t times = 0;
     return read(handle_.get(), &times, sizeof times) == static_cast<ssize_t>(sizeof times);
@@ -57,8 +80,8 @@ class Repetition final : public ActivityScheduler::Scheduled {
   void timerEnded() {
     if (!timer_.takeEnd()) return;
     if (isBatteryLow(power_.folder)) return timer_.start(power_.lookAgain);
-    // A copy, because the handler may put an end to this object. Only the first call for this run counts, and
-    // it may come when this object is gone.
+    // A copy, because the handler may destroy this object. `finished` may be called after that, and more than
+    // once: only the first call for this run counts.
     const auto handler = handler_;
     const int run = ++run_;
     handler([this, run, alive = QPointer{&notifier_}] {
@@ -77,6 +100,18 @@ class Repetition final : public ActivityScheduler::Scheduled {
 };
 
 }  // namespace
+
+bool isBatteryLow(const std::string& folder) {
+  bool isDischarging = false;
+  std::error_code failed;
+  for (fs::directory_iterator supply(folder, failed), end; !failed && supply != end;
+       supply.increment(failed)) {
+    if (!isOfTheSystem(supply->path())) continue;
+    if (!isLow(supply->path())) return false;
+    if (fact(supply->path(), "status") == "Discharging") isDischarging = true;
+  }
+  return isDischarging;
+}
 
 std::unique_ptr<ActivityScheduler::Scheduled> CoarseScheduler::schedule(const Activity& activity,
                                                                         Handler handler) {

@@ -10,7 +10,7 @@ namespace spacemint {
 void callAsync(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
                std::function<void(const QDBusMessage& reply)> answered) {
   const QDBusPendingCall pending = bus.asyncCall(call);
-  // Without a connection the error is there already, and a watcher would never tell of it.
+  // Without a connection the call has failed already, and a watcher would never signal that.
   if (pending.isFinished()) return answered(pending.reply());
   auto* watcher = new QDBusPendingCallWatcher(pending, context);
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,

@@ -7,8 +7,8 @@
 
 namespace spacemint {
 
-/// Calls a method without waiting for it. `answered` gets the reply or the error, on the main thread, unless
-/// `context` is gone by then; at once where there is no bus.
+/// Calls a D-Bus method without blocking. Later calls `answered` with the reply or the error, unless
+/// `context` was destroyed meanwhile; without a bus it calls `answered` at once. Main thread only.
 void callAsync(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
                std::function<void(const QDBusMessage& reply)> answered);
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int root = 0;
 
-// An underscore would mark the letter that chooses the entry.
+// A single underscore would make the next letter the access key of the entry.
 QString label(const std::string& title) {
   return QString::fromStdString(title).replace(QLatin1Char('_'), QStringLiteral("__"));
 }
@@ -69,7 +69,8 @@ QDBusVariant DBusMenu::GetProperty(int id, const QString& name) const {
 void DBusMenu::Event(int id, const QString& event, const QDBusVariant& /*data*/, uint /*time*/) {
   if (event != QStringLiteral("clicked") || id == root || !has(id)) return;
   const auto choose = entries_.at(static_cast<std::size_t>(id) - 1).choose;
-  // The host waits for an answer, and quitting must not keep it from that.
+  // Later: the host waits for the answer to this call, and gets none if the entry quits the application at
+  // once.
   if (choose) QMetaObject::invokeMethod(parent(), choose, Qt::QueuedConnection);
 }
 
@@ -85,7 +86,7 @@ QList<int> DBusMenu::EventGroup(const MenuEvents& events) {
   return unknown;
 }
 
-// Whether the entry has changed since its layout was asked for. A mark may have, and nothing tells of that.
+// Whether the host must read the layout again. A check mark may have changed: no signal tells that.
 bool DBusMenu::AboutToShow(int /*id*/) {
   return std::ranges::any_of(entries_, [](const StatusMenuEntry& entry) { return bool{entry.isOn}; });
 }

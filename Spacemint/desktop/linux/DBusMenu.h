@@ -7,8 +7,8 @@
 
 namespace spacemint {
 
-/// A menu without submenus as the interface com.canonical.dbusmenu, which the host of a status item draws.
-/// Entries have their place in the list, counted from 1, as their id; 0 is the menu itself.
+/// A menu without submenus by the D-Bus interface com.canonical.dbusmenu. The host of the status item draws
+/// it. The id of an entry is its position, counted from 1; 0 is the menu itself. Main thread only.
 class DBusMenu final : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -17,7 +17,7 @@ class DBusMenu final : public QDBusAbstractAdaptor {
   Q_PROPERTY(QString Status READ status CONSTANT)
   Q_PROPERTY(QStringList IconThemePath READ iconThemePath CONSTANT)
  public:
-  /// Serves `object`, whoever registers that with a bus.
+  /// Adds the interface to `object`. The caller registers the object with a bus.
   explicit DBusMenu(QObject* object);
 
   void setEntries(std::vector<StatusMenuEntry> entries);
@@ -34,7 +34,7 @@ class DBusMenu final : public QDBusAbstractAdaptor {
                                                    const QStringList& propertyNames) const;
   QDBusVariant GetProperty(int id, const QString& name) const;
   void Event(int id, const QString& event, const QDBusVariant& data, uint time);
-  /// Answers the ids that are none.
+  /// Several events at once. Returns the ids of entries that do not exist.
   QList<int> EventGroup(const spacemint::MenuEvents& events);
   bool AboutToShow(int id);
   QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);

@@ -1,6 +1,7 @@
 #include "Spacemint/desktop/linux/DBusNotifier.h"
 
 #include "Spacemint/desktop/linux/DBusCall.h"
+#include "core/base/Log.h"
 
 #include <QDBusMessage>
 #include <QPromise>
@@ -17,7 +18,8 @@ const QString service = QStringLiteral("org.freedesktop.Notifications");
 const QString path = QStringLiteral("/org/freedesktop/Notifications");
 const QString defaultAction = QStringLiteral("default");
 const QString applicationId = QStringLiteral("app.spacemint.Spacemint");
-constexpr int whenTheServiceSees = -1;
+// The service decides how long a notification stays.
+constexpr int defaultTimeout = -1;
 
 QDBusMessage method(const char* name) {
   return QDBusMessage::createMethodCall(service, path, service, QLatin1String(name));
@@ -42,7 +44,8 @@ QVariantMap hintsOf(const Notification& notification) {
 DBusNotifier::DBusNotifier(const QDBusConnection& bus)
     : bus_(bus),
       watcher_(service, bus, QDBusServiceWatcher::WatchForOwnerChange) {
-  connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this, &DBusNotifier::forget);
+  connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+          [this](const QString&, const QString&, const QString& owner) { serviceChanged(!owner.isEmpty()); });
   bus_.connect(service, path, service, QStringLiteral("ActionInvoked"), this,
                SLOT(actionInvoked(uint, QString)));
   bus_.connect(service, path, service, QStringLiteral("NotificationClosed"), this,
@@ -53,6 +56,7 @@ QFuture<bool> DBusNotifier::show(const Notification& notification) {
   auto promise = std::make_shared<QPromise<bool>>();
   promise->start();
   const Answer answer = [promise](bool isAccepted) {
+    if (!isAccepted) log(LogLevel::info, "no notification service accepted a notification");
     promise->addResult(isAccepted);
     promise->finish();
   };
@@ -67,7 +71,7 @@ QFuture<bool> DBusNotifier::show(const Notification& notification) {
   return promise->future();
 }
 
-// Each notification asks for itself until the answer is known, so they go out in the order of the calls.
+// Until the answer is known each notification asks by itself. So they are sent in the order of the calls.
 void DBusNotifier::findOutAboutMarkup(std::function<void(bool isKnown)> then) {
   callAsync(bus_, method("GetCapabilities"), this, [this, then = std::move(then)](const QDBusMessage& reply) {
     if (reply.type() != QDBusMessage::ReplyMessage) return then(false);
@@ -84,7 +88,7 @@ void DBusNotifier::send(const Notification& notification, const Answer& answer) 
        << QString::fromStdString(notification.title)
        << (readsMarkup_.value_or(false) ? body.toHtmlEscaped() : body)
        << QStringList{defaultAction, QStringLiteral("Open Spacemint")} << hintsOf(notification)
-       << whenTheServiceSees;
+       << defaultTimeout;
   callAsync(bus_, call, this, [this, answer](const QDBusMessage& reply) {
     const bool isAccepted = reply.type() == QDBusMessage::ReplyMessage;
     if (isAccepted) shown_.insert(reply.arguments().value(0).toUInt());
@@ -110,10 +114,12 @@ void DBusNotifier::notificationClosed(uint id, uint /*reason*/) {
   shown_.remove(id);
 }
 
-// Another service counts from the beginning again, and may read texts differently.
-void DBusNotifier::forget() {
+// The next service numbers its notifications from the beginning, and may read texts differently.
+void DBusNotifier::serviceChanged(bool isThere) {
   shown_.clear();
   readsMarkup_.reset();
+  log(LogLevel::info, isThere ? "a notification service appeared" : "the notification service is gone");
+  if (isThere) Q_EMIT serviceAppeared();
 }
 
 }  // namespace spacemint

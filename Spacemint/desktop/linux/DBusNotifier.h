@@ -11,17 +11,17 @@
 
 namespace spacemint {
 
-/// Notifications by the service org.freedesktop.Notifications, which the bus starts where it can. Never waits
-/// for the service. Where there is none, nothing is shown.
+/// Notifications by the D-Bus service org.freedesktop.Notifications, which the bus starts if it can. Main
+/// thread only; never blocks.
 class DBusNotifier final : public Notifier {
   Q_OBJECT
  public:
   explicit DBusNotifier(const QDBusConnection& bus);
 
   QFuture<bool> show(const Notification& notification) override;
-  /// Nobody has to be asked here.
+  /// The same as `isAllowed`: this service needs no permission.
   QFuture<bool> requestAuthorization() override { return isAllowed(); }
-  /// Whether a service answers. What the user has silenced in its settings it does not tell.
+  /// Whether a service answers. The service does not tell whether the user has silenced this application.
   QFuture<bool> isAllowed() override;
 
  private Q_SLOTS:
@@ -33,13 +33,13 @@ class DBusNotifier final : public Notifier {
 
   void findOutAboutMarkup(std::function<void(bool isKnown)> then);
   void send(const Notification& notification, const Answer& answer);
-  void forget();
+  void serviceChanged(bool isThere);
 
   QDBusConnection bus_;
   QDBusServiceWatcher watcher_;
-  /// Those of ours that may still be clicked.
+  /// The ids of our notifications that are still shown.
   QSet<uint> shown_;
-  /// Whether the service reads the text as markup; absent until it has been asked.
+  /// Whether the service reads the body as markup; absent until the service has answered.
   std::optional<bool> readsMarkup_;
 };
 

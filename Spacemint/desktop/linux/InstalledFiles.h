@@ -4,20 +4,22 @@
 
 namespace spacemint {
 
-/// Files that are installed with the program, found from where the running program is: PREFIX/share beside
-/// PREFIX/bin. A build tree has the same shape, so a program that is not installed finds those of its build.
+/// The paths of files that are installed with the program: PREFIX/share beside PREFIX/bin, where the running
+/// program is. A build tree has the same folders, so that a program that is not installed finds the files of
+/// its build. Any thread.
 namespace InstalledFiles {
 
-/// The property list with the product's name and version. SPACEMINT_INFO in the environment names another.
+/// The property list with the product's name and version. The environment variable SPACEMINT_INFO overrides
+/// it.
 std::string information();
 
 /// The running program itself.
 std::string program();
 
-/// The application's entry for menus, which only an installation has.
+/// The application's desktop entry. It exists only in an installation.
 std::string desktopEntry();
 
-/// The page that tells how to give and take rights by hand.
+/// The page that explains how to give and take rights by hand.
 std::string permissionsHelp();
 
 }  // namespace InstalledFiles

@@ -1,6 +1,38 @@
 #include "Spacemint/desktop/linux/LinuxDesktop.h"
 
+#include "core/host/UserFolders.h"
+
+#include <QDBusMessage>
+
 namespace spacemint {
+
+std::optional<VolumeStatus> HostVolume::status() {
+  return VolumeStatus::current(startupVolume());
+}
+
+// Asks about the home folder, not about its mount point: to find the mount point, the volume would have to
+// answer.
+bool HostVolume::mayHang() {
+  return spacemint::mayHang(UserFolders::home());
+}
+
+void LauncherBadge::show(Bytes free) {
+  constexpr Bytes gigabyte = 1'000'000'000;
+  send(free / gigabyte, true);
+}
+
+void LauncherBadge::clear() {
+  send(0, false);
+}
+
+void LauncherBadge::send(qlonglong count, bool isVisible) {
+  QDBusMessage update = QDBusMessage::createSignal(QStringLiteral("/app/spacemint/Spacemint"),
+                                                   QStringLiteral("com.canonical.Unity.LauncherEntry"),
+                                                   QStringLiteral("Update"));
+  bus_.send(
+      update << QStringLiteral("application://app.spacemint.Spacemint.desktop")
+             << QVariantMap{{QStringLiteral("count"), count}, {QStringLiteral("count-visible"), isVisible}});
+}
 
 LinuxDesktop::LinuxDesktop()
     : notifier_(QDBusConnection::sessionBus()),
@@ -21,7 +53,8 @@ Desktop LinuxDesktop::desktop() {
           .statusItem = statusItem_,
           .badge = badge_,
           .appearance = appearance_,
-          .loginItem = loginItem_};
+          .loginItem = loginItem_,
+          .outsideClicks = outsideClicks_};
 }
 
 }  // namespace spacemint

@@ -4,18 +4,42 @@
 #include "Spacemint/desktop/linux/AutostartEntry.h"
 #include "Spacemint/desktop/linux/CoarseScheduler.h"
 #include "Spacemint/desktop/linux/DBusNotifier.h"
-#include "Spacemint/desktop/linux/HostVolume.h"
-#include "Spacemint/desktop/linux/LauncherBadge.h"
 #include "Spacemint/desktop/linux/LinuxClock.h"
 #include "Spacemint/desktop/linux/PortalAppearance.h"
 #include "Spacemint/desktop/linux/StatusNotifierItem.h"
 #include "Spacemint/desktop/linux/ThreadTasks.h"
+#include "Spacemint/desktop/linux/X11.h"
 #include "Spacemint/desktop/linux/XdgOpener.h"
+
+#include <QDBusConnection>
+#include <QVariantMap>
 
 namespace spacemint {
 
-/// The desktop of the session that this process runs in. Made on the main thread once the graphical
-/// application is there, and destroyed before it.
+/// The volume of this machine with the home folder.
+class HostVolume final : public StartupVolume {
+ public:
+  std::optional<VolumeStatus> status() override;
+  bool mayHang() override;
+};
+
+/// The badge by the D-Bus signal com.canonical.Unity.LauncherEntry, which several docks and task bars read.
+/// The signal carries a whole number: free gigabytes (1,000,000,000 bytes), rounded down.
+class LauncherBadge final : public Badge {
+ public:
+  explicit LauncherBadge(const QDBusConnection& bus) : bus_(bus) {}
+
+  void show(Bytes free) override;
+  void clear() override;
+
+ private:
+  void send(qlonglong count, bool isVisible);
+
+  QDBusConnection bus_;
+};
+
+/// The desktop of the session that this process runs in. Create it on the main thread after the application
+/// object, and destroy it before.
 class LinuxDesktop {
  public:
   LinuxDesktop();
@@ -38,6 +62,7 @@ class LinuxDesktop {
   LauncherBadge badge_;
   PortalAppearance appearance_;
   AutostartEntry loginItem_;
+  X11OutsideClicks outsideClicks_;
 };
 
 }  // namespace spacemint

@@ -31,7 +31,7 @@ void MainThreadQueue::runNext() {
 }
 
 void MainThreadQueue::close() {
-  std::deque<Tasks::Function> dropped;  // destroyed after the lock, for it may post
+  std::deque<Tasks::Function> dropped;  // destroyed after the unlock: a destructor may post
   const std::scoped_lock lock(mutex_);
   isClosed_ = true;
   dropped.swap(waiting_);

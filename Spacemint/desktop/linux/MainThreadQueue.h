@@ -8,24 +8,24 @@
 
 namespace spacemint {
 
-/// Functions on their way to the main thread. Any thread.
+/// A queue of functions that the main thread runs. Any thread, except `runNext` and `close`.
 ///
-/// A thread sanitizer sees everything of it: a mutex and a counter of the kernel's, nothing inside Qt.
+/// It consists of a mutex and an eventfd, nothing of Qt, so that the thread sanitizer can see all of it.
 class MainThreadQueue {
  public:
   MainThreadQueue();
 
-  /// Ready to read while functions are waiting; -1 where the system had no descriptor left.
+  /// A file descriptor that is readable while functions wait; -1 if the system had no descriptor left.
   int descriptor() const { return counter_.get(); }
 
-  /// Once it is closed, a function is destroyed at once, on the thread that posts it.
+  /// After `close` the function is destroyed at once, on the calling thread.
   void post(Tasks::Function function);
 
-  /// Runs the function that has waited longest. One at a time, so that a function which waits in an event
-  /// loop of its own does not hold up those behind it.
+  /// Runs the oldest function. Only one at a time: a function may run an event loop of its own, which must be
+  /// able to run the next functions. Main thread only.
   void runNext();
 
-  /// Nothing runs any more. What is waiting is destroyed on the calling thread.
+  /// Destroys all waiting functions, on the calling thread. Nothing runs afterwards.
   void close();
 
  private:

@@ -1,6 +1,7 @@
 #include "Spacemint/desktop/linux/PortalAppearance.h"
 
 #include "Spacemint/desktop/linux/DBusCall.h"
+#include "core/base/Log.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -19,16 +20,16 @@ const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString colourScheme = QStringLiteral("color-scheme");
-// Where portals are too old to tell of motion, GNOME's own setting does.
+// Old portals do not know "reduced-motion", but pass on this setting of GNOME.
 const QString reduced = QStringLiteral("reduced-motion");
 const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 const QString animations = QStringLiteral("enable-animations");
 
-// Their panels are dark also with light windows, as they come.
+// The panels of these desktops are dark by default, also with light windows.
 constexpr std::array<QLatin1String, 3> darkStatusAreas{QLatin1String{"GNOME"}, QLatin1String{"Unity"},
                                                        QLatin1String{"XFCE"}};
 
-// The value comes in a variant, and some portals put that in another.
+// Some portals wrap the value in a second variant.
 QVariant unwrapped(QVariant value) {
   while (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
     value = value.value<QDBusVariant>().variant();
@@ -58,7 +59,7 @@ PortalAppearance::PortalAppearance(const QDBusConnection& bus, const QString& de
       })) {}
 
 void PortalAppearance::follow() {
-  qRegisterMetaType<QDBusVariant>("QDBusVariant");  // else the connection is refused
+  qRegisterMetaType<QDBusVariant>("QDBusVariant");  // without it, connect fails
   bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                SLOT(settingChanged(QString, QString, QDBusVariant)));
   ask(appearance, colourScheme);
@@ -73,7 +74,9 @@ bool PortalAppearance::isDark() const {
 void PortalAppearance::ask(const QString& group, const QString& key) {
   QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
   callAsync(bus_, call << group << key, this, [this, group, key](const QDBusMessage& reply) {
-    if (reply.type() == QDBusMessage::ReplyMessage) take(group, key, reply.arguments().value(0));
+    if (reply.type() == QDBusMessage::ReplyMessage) return take(group, key, reply.arguments().value(0));
+    log(LogLevel::debug, "the settings portal does not tell " + (group + u' ' + key).toStdString() + ": " +
+                             reply.errorMessage().toStdString());
   });
 }
 

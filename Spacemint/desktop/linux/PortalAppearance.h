@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Spacemint/desktop/Appearance.h"
-#include "Spacemint/desktop/linux/Compositing.h"
+#include "Spacemint/desktop/linux/X11.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -10,11 +10,12 @@
 
 namespace spacemint {
 
-/// The appearance as the settings portal tells it; where it does not, as the palette of the application is.
+/// The appearance from the settings portal (org.freedesktop.portal.Settings). Without an answer it follows
+/// the palette of the application. Main thread only; never blocks for the portal.
 class PortalAppearance final : public Appearance {
   Q_OBJECT
  public:
-  /// `desktop` is the name of the desktop as XDG_CURRENT_DESKTOP has it: some always have a dark status area.
+  /// `desktop`: the value of XDG_CURRENT_DESKTOP. Some desktops have a dark status area by default.
   PortalAppearance(const QDBusConnection& bus, const QString& desktop);
 
   void follow() override;
@@ -32,7 +33,7 @@ class PortalAppearance final : public Appearance {
 
   QDBusConnection bus_;
   bool hasDarkStatusArea_;
-  /// Absent while the portal has no preference.
+  /// Absent until the portal has answered, and if it has no preference.
   std::optional<bool> isDark_;
   bool reducedMotion_ = false;
 };

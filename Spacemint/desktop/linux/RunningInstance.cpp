@@ -1,5 +1,7 @@
 #include "Spacemint/desktop/linux/RunningInstance.h"
 
+#include "core/base/Log.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
@@ -23,7 +25,10 @@ RunningInstance::~RunningInstance() {
 }
 
 bool RunningInstance::become() {
-  if (!bus_.isConnected()) return true;
+  if (!bus_.isConnected()) {
+    log(LogLevel::info, "there is no session bus");
+    return true;
+  }
   bus_.registerObject(path, this, QDBusConnection::ExportScriptableSlots);
   QDBusConnectionInterface* interface = bus_.interface();
   connect(interface, &QDBusConnectionInterface::serviceUnregistered, this, [this](const QString& lost) {

@@ -5,11 +5,10 @@
 
 namespace spacemint {
 
-/// The one running application of a session, known on the bus by the application's identifier. Main thread
-/// only.
+/// Ensures that only one instance of the application runs in a session. The instance owns the application's
+/// identifier as a name on the session bus. Main thread only.
 ///
-/// The application with windows and the one without are the same one: whoever starts the first while the
-/// second runs gets the first instead of it.
+/// An instance with windows replaces a background instance.
 class RunningInstance : public QObject {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -19,24 +18,24 @@ class RunningInstance : public QObject {
   RunningInstance(const QDBusConnection& bus, Kind kind);
   ~RunningInstance() override;
 
-  /// Whether this process is the one now; else another one is. Blocks for as long as the bus takes. Without a
-  /// bus nobody can be found, and so this is the one.
+  /// Whether this process is the instance from now on; false if another process stays the instance. True
+  /// without a bus, because other processes cannot be found then. Blocks until the bus answers.
   bool become();
 
-  /// Has the other one show its interface.
+  /// Makes the other instance show its interface. Blocks until it answers.
   void showOther() const;
 
  public Q_SLOTS:
-  // The desktop's interface of applications; its callers are others that were started, and launchers.
+  // The D-Bus interface org.freedesktop.Application. Launchers and other processes of this program call it.
   Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
   Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);
   Q_SCRIPTABLE void ActivateAction(const QString& name, const QVariantList& parameter,
                                    const QVariantMap& platformData);
 
  Q_SIGNALS:
-  /// Somebody wants to see the interface.
+  /// Another process asks to show the interface.
   void activated();
-  /// Another process is the one from now on, and this one has to go.
+  /// Another process is the instance now. This one must end.
   void replaced();
 
  private:

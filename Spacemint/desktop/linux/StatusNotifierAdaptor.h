@@ -11,7 +11,8 @@
 
 namespace spacemint {
 
-/// The interface org.kde.StatusNotifierItem. What we have none of is exported empty: hosts ask for it.
+/// The D-Bus interface org.kde.StatusNotifierItem. Properties that we do not use are exported empty, because
+/// hosts read them. Main thread only.
 class StatusNotifierAdaptor final : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -37,7 +38,7 @@ class StatusNotifierAdaptor final : public QDBusAbstractAdaptor {
   Q_PROPERTY(QString XAyatanaLabelGuide READ none)
   Q_PROPERTY(uint XAyatanaOrderingIndex READ noOrder)
  public:
-  /// What changes in the life of the item.
+  /// The properties that change.
   struct Content {
     QString title;
     StatusToolTip toolTip;
@@ -47,7 +48,7 @@ class StatusNotifierAdaptor final : public QDBusAbstractAdaptor {
   };
   using Clicked = std::function<void(QPoint pixel)>;
 
-  /// Serves `object`, whoever registers that with a bus.
+  /// Adds the interface to `object`. The caller registers the object with a bus.
   StatusNotifierAdaptor(QObject* object, QDBusObjectPath menu, Clicked clicked)
       : QDBusAbstractAdaptor(object),
         menu_(std::move(menu)),
@@ -80,7 +81,7 @@ class StatusNotifierAdaptor final : public QDBusAbstractAdaptor {
  public Q_SLOTS:
   void Activate(int x, int y) { clicked_({x, y}); }
   void SecondaryActivate(int x, int y) { clicked_({x, y}); }
-  // The host draws the menu.
+  // The host draws the menu itself.
   void ContextMenu(int /*x*/, int /*y*/) {}
   void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 

@@ -1,7 +1,7 @@
 #include "Spacemint/desktop/linux/StatusNotifierItem.h"
 
 #include "Spacemint/desktop/linux/DBusCall.h"
-#include "Spacemint/desktop/linux/ScreenPoint.h"
+#include "core/base/Log.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -19,7 +19,8 @@ const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString menuPath = QStringLiteral("/StatusNotifierItem/Menu");
-// It owns the watcher's name too where it is the host. It shows the title, and takes icons from files only.
+// The Ayatana host owns this name beside the name of the watcher. It shows the title beside the icon, and
+// reads icons from files only.
 const QString ayatanaName = QStringLiteral("org.ayatana.indicator.application");
 
 QDBusMessage nameHasOwner(const QString& name) {
@@ -53,12 +54,18 @@ StatusPixmaps pixmapsOf(const QList<QImage>& images) {
   return pixmaps;
 }
 
-std::vector<ScreenScale> screens() {
-  std::vector<ScreenScale> all;
+// The place of a pixel of the desktop in the coordinates of windows; absent where the pixel is on no screen.
+// Both count a screen from the same top left corner. Hosts that do not know the place tell 0, 0.
+std::optional<QPoint> pointOfPixel(QPoint pixel) {
+  if (pixel.isNull()) return std::nullopt;
   for (const QScreen* screen : QGuiApplication::screens()) {
-    all.push_back({.geometry = screen->geometry(), .scale = screen->devicePixelRatio()});
+    const QRect place = screen->geometry();
+    const qreal scale = screen->devicePixelRatio();
+    if (QRect{place.topLeft(), place.size() * scale}.contains(pixel)) {
+      return place.topLeft() + (pixel - place.topLeft()) / scale;
+    }
   }
-  return all;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -91,7 +98,7 @@ void StatusNotifierItem::install() {
   meetWatcher();
 }
 
-// The item goes when its name does.
+// Hosts remove the item when its name leaves the bus.
 void StatusNotifierItem::remove() {
   if (!std::exchange(isInstalled_, false)) return;
   bus_.unregisterService(service_);
@@ -126,11 +133,14 @@ void StatusNotifierItem::askForHost() {
 }
 
 void StatusNotifierItem::setArea(Area area) {
-  if (std::exchange(area_, area) != area) Q_EMIT areaChanged();
+  if (std::exchange(area_, area) == area) return;
+  log(LogLevel::info,
+      area == Area::present ? "the desktop has a status area" : "the desktop has no status area");
+  Q_EMIT areaChanged();
 }
 
 void StatusNotifierItem::clicked(QPoint pixel) {
-  if (const auto point = pointOfPixel(pixel, screens())) position_ = point;
+  if (const auto point = pointOfPixel(pixel)) position_ = point;
   Q_EMIT activated();
 }
 
@@ -150,7 +160,7 @@ void StatusNotifierItem::publish() {
                      .label = QString::fromStdString(look_.title)});
 }
 
-// A name that was used already would show what was read for it then.
+// Each icon gets a new file name: hosts cache icons by name.
 QString StatusNotifierItem::writeIcon() {
   if (look_.icons.isEmpty()) return {};
   if (!files_) files_ = std::make_unique<QTemporaryDir>();

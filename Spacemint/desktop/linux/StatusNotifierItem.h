@@ -10,12 +10,12 @@
 
 namespace spacemint {
 
-/// The item over org.kde.StatusNotifierItem, for every host that registers with the watcher of that protocol.
-/// Never waits for either.
+/// The status item by the D-Bus interface org.kde.StatusNotifierItem. Every host that registers with the
+/// watcher of that protocol shows it. Main thread only; never waits for the bus.
 class StatusNotifierItem final : public StatusItem {
   Q_OBJECT
  public:
-  /// `desktop` is the name of the desktop as XDG_CURRENT_DESKTOP has it: some show the title beside the icon.
+  /// `desktop`: the value of XDG_CURRENT_DESKTOP. It decides whether the title is shown beside the icon.
   StatusNotifierItem(const QDBusConnection& bus, const QString& desktop);
   ~StatusNotifierItem() override;
 
@@ -46,9 +46,10 @@ class StatusNotifierItem final : public StatusItem {
   StatusNotifierAdaptor* item_;
   DBusMenu* menu_;
   StatusLook look_;
-  /// The host puts the title beside the icon.
+  /// The host shows the title beside the icon.
   bool showsTitle_;
-  /// The host takes icons from files only. They lie in this folder, made when first needed.
+  /// The host reads icons from files only. They are in `files_`, a folder that is made when it is first
+  /// needed.
   bool wantsFiles_ = false;
   std::unique_ptr<QTemporaryDir> files_;
   int lastFile_ = 0;

@@ -22,6 +22,15 @@ const QDBusArgument& read(const QDBusArgument& in, Fields&... fields) {
   return in;
 }
 
+// `name` is how the slots and signals of our adaptors write the type. QtDBus looks their arguments up by that
+// name, finds an alias such as MenuEvents only if it was registered, and leaves out every slot and signal
+// with an argument that it does not find.
+template <class Type>
+void registerType(const char* name) {
+  qRegisterMetaType<Type>(name);
+  qDBusRegisterMetaType<Type>();
+}
+
 }  // namespace
 
 QDBusArgument& operator<<(QDBusArgument& out, const StatusPixmap& pixmap) {
@@ -67,17 +76,17 @@ const QDBusArgument& operator>>(const QDBusArgument& in, MenuEvent& event) {
 }
 
 void registerStatusNotifierTypes() {
-  qDBusRegisterMetaType<StatusPixmap>();
-  qDBusRegisterMetaType<StatusPixmaps>();
-  qDBusRegisterMetaType<StatusToolTip>();
+  registerType<StatusPixmap>("spacemint::StatusPixmap");
+  registerType<StatusPixmaps>("spacemint::StatusPixmaps");
+  registerType<StatusToolTip>("spacemint::StatusToolTip");
   qDBusRegisterMetaType<QList<QDBusVariant>>();
-  qDBusRegisterMetaType<MenuNode>();
-  qDBusRegisterMetaType<MenuProperties>();
-  qDBusRegisterMetaType<MenuPropertiesList>();
-  qDBusRegisterMetaType<MenuRemovedProperties>();
-  qDBusRegisterMetaType<MenuRemovedPropertiesList>();
-  qDBusRegisterMetaType<MenuEvent>();
-  qDBusRegisterMetaType<MenuEvents>();
+  registerType<MenuNode>("spacemint::MenuNode");
+  registerType<MenuProperties>("spacemint::MenuProperties");
+  registerType<MenuPropertiesList>("spacemint::MenuPropertiesList");
+  registerType<MenuRemovedProperties>("spacemint::MenuRemovedProperties");
+  registerType<MenuRemovedPropertiesList>("spacemint::MenuRemovedPropertiesList");
+  registerType<MenuEvent>("spacemint::MenuEvent");
+  registerType<MenuEvents>("spacemint::MenuEvents");
 }
 
 }  // namespace spacemint

@@ -7,12 +7,12 @@
 #include <QString>
 #include <QVariantMap>
 
-/// What goes over the bus between a status item and its host, as the StatusNotifierItem and dbusmenu
-/// interfaces have it.
+/// The D-Bus types of the interfaces org.kde.StatusNotifierItem and com.canonical.dbusmenu. The comment at
+/// each type is its D-Bus signature.
 
 namespace spacemint {
 
-/// (iiay): the rows of an image from the top, a pixel as the bytes alpha, red, green, blue.
+/// (iiay): an image, row by row from the top; a pixel is the bytes alpha, red, green, blue.
 struct StatusPixmap {
   int width = 0;
   int height = 0;
@@ -28,7 +28,7 @@ struct StatusToolTip {
   QString text;
 };
 
-/// (ia{sv}av): an entry with the entries below it, each of them again one of these.
+/// (ia{sv}av): a menu entry and its children; each child is a variant that holds another MenuNode.
 struct MenuNode {
   int id = 0;
   QVariantMap properties;
@@ -71,7 +71,7 @@ const QDBusArgument& operator>>(const QDBusArgument& in, MenuRemovedProperties& 
 QDBusArgument& operator<<(QDBusArgument& out, const MenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& in, MenuEvent& event);
 
-/// Makes QtDBus know them; before any of them is sent or read.
+/// Makes the types known to QtDBus. Call it before an object that uses them is registered with a bus.
 void registerStatusNotifierTypes();
 
 }  // namespace spacemint

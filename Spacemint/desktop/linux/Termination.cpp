@@ -14,7 +14,7 @@ namespace {
 
 constexpr int signals[] = {SIGTERM, SIGINT, SIGHUP};
 
-// A signal handler gets no argument of ours.
+// Global, because a signal handler has no argument for it.
 std::atomic<int> counter = -1;
 
 void handle(int number, void (*handler)(int)) {
@@ -31,7 +31,7 @@ void handleAll(void (*handler)(int)) {
   for (const int number : signals) handle(number, handler);
 }
 
-// Only what is allowed in a signal handler.
+// Uses only functions that are safe in a signal handler.
 void signalled(int /*number*/) {
   const int error = errno;
   handleAll(SIG_DFL);

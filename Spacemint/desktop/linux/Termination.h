@@ -6,15 +6,15 @@
 
 namespace spacemint {
 
-/// The system's wish that this process ends (the signals SIGTERM, SIGINT and SIGHUP) as a call on the main
-/// thread. It comes once: the second such signal ends the process at once. A signal that was ignored when the
-/// process began, as under nohup, stays ignored. At most one object at a time.
+/// Turns the signals SIGTERM, SIGINT and SIGHUP into one call of `requested` on the main thread. A second
+/// signal ends the process at once. A signal that was ignored when the process started, as under nohup, stays
+/// ignored. Main thread only; at most one object at a time.
 class Termination {
  public:
   explicit Termination(std::function<void()> requested);
   Termination(const Termination&) = delete;
   Termination& operator=(const Termination&) = delete;
-  /// The signals have their usual effect again.
+  /// Restores the default effect of the signals.
   ~Termination();
 
  private:

@@ -15,7 +15,8 @@ ThreadTasks::~ThreadTasks() {
   queue_->close();
 }
 
-// Threads get the number of what comes after, never the function: it holds what belongs to the main thread.
+// Other threads get only the number of the `done` function: the function itself holds objects of the main
+// thread.
 void ThreadTasks::start(Task task) {
   const std::uint64_t number = ++lastNumber_;
   done_.emplace(number, std::move(task.done));

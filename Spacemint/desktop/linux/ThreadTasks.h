@@ -12,11 +12,11 @@
 
 namespace spacemint {
 
-/// Tasks on threads of our own. Made and destroyed on the main thread, which needs an event loop.
+/// Runs tasks on `WorkerThreads`. Create and destroy it on the main thread, which needs an event loop.
 ///
-/// Where work is still running when it is destroyed, that work runs on by itself and nothing is done after
-/// it; what the work uses has to live on, so a process that leaves work behind ends by `_exit`. A `done` that
-/// is never called is destroyed on the main thread.
+/// Work that still runs at the destruction is not interrupted, and its `done` is not called. The work may
+/// still use its data, so a process that leaves work behind must end by `_exit`. A `done` that is not called
+/// is destroyed on the main thread.
 class ThreadTasks final : public Tasks {
  public:
   ThreadTasks() : ThreadTasks(WorkerThreads::Limits{}) {}
@@ -26,8 +26,8 @@ class ThreadTasks final : public Tasks {
   void start(Task task) override;
   void post(Function function) override { queue_->post(std::move(function)); }
 
-  /// For the end of the process: takes no more tasks, drops those that have not begun and waits for those
-  /// that run, without running an event loop; whether all ended. Main thread only.
+  /// For the end of the process: refuses new tasks, drops tasks that have not begun, and waits for running
+  /// tasks without an event loop. Returns whether all have ended. Main thread only.
   bool finish(std::chrono::milliseconds timeout) { return threads_.finish(timeout); }
 
  private:

@@ -12,7 +12,7 @@
 
 namespace spacemint {
 
-// What the threads know; it lives until the last of them is gone.
+// The state of the threads. It is shared, because running threads may outlive the WorkerThreads object.
 struct WorkerThreads::Shared {
   explicit Shared(Limits set) : limits(set) {}
 
@@ -29,7 +29,7 @@ struct WorkerThreads::Shared {
 
   std::size_t waiting() const { return sooner.size() + later.size(); }
 
-  // Absent when there was nothing for too long, or will be nothing more.
+  // The next function; absent when the thread must end: nothing came for too long, or it was closed.
   std::optional<Tasks::Function> take() {
     std::unique_lock lock(mutex);
     ++idle;
@@ -46,7 +46,7 @@ struct WorkerThreads::Shared {
     return function;
   }
 
-  // The function is gone by the time that it counts as ended.
+  // Destroys the function before it counts as ended.
   void run(Tasks::Function function) {
     std::exchange(function, {})();
     const std::scoped_lock lock(mutex);
@@ -90,7 +90,7 @@ void WorkerThreads::runAlone(const char* threadName, bool isQuiet, Tasks::Functi
 }
 
 bool WorkerThreads::finish(std::chrono::milliseconds timeout) {
-  std::deque<Tasks::Function> dropped[2];  // destroyed after the lock, for it may come back here
+  std::deque<Tasks::Function> dropped[2];  // destroyed after the unlock: a destructor may call this object
   std::unique_lock lock(shared_->mutex);
   shared_->isClosed = true;
   dropped[0].swap(shared_->sooner);

@@ -7,22 +7,22 @@
 
 namespace spacemint {
 
-/// Threads that run functions: a few that share a queue, started when there is something to do and gone when
-/// there has been nothing for a while, and one each for what is to have its own. Any thread.
+/// Runs functions on a few shared threads, or on a thread of their own. Shared threads are started when they
+/// are needed and end when there was nothing to do for a while. Any thread.
 ///
-/// A process that gets no thread from the system ends, as one does that gets no memory.
+/// The process ends if the system cannot start a thread, as it does if there is no memory.
 class WorkerThreads {
  public:
   struct Limits {
     int shared = 4;
-    /// How long a shared thread waits for more before it ends.
+    /// How long a shared thread waits for the next function before it ends.
     std::chrono::milliseconds idle{5'000};
   };
 
   explicit WorkerThreads(Limits limits);
   WorkerThreads(const WorkerThreads&) = delete;
   WorkerThreads& operator=(const WorkerThreads&) = delete;
-  /// Drops what has not begun. What runs is left to run to its end on threads that are nobody's.
+  /// Drops functions that have not begun. Running functions are not interrupted.
   ~WorkerThreads();
 
   enum class Order { later, sooner };
@@ -31,7 +31,8 @@ class WorkerThreads {
   /// On a thread of its own; a quiet one has a low priority.
   void runAlone(const char* threadName, bool isQuiet, Tasks::Function function);
 
-  /// Takes nothing new, drops what has not begun and waits for what runs; whether that ended in time.
+  /// Refuses new functions, drops functions that have not begun, and waits for running functions. Returns
+  /// whether they ended within `timeout`.
   bool finish(std::chrono::milliseconds timeout);
 
  private:

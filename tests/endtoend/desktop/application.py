@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import signal
 import subprocess
 import tempfile
@@ -22,6 +23,8 @@ class Application:
         self.program = program
         self.info = info
         self.process = None
+        self.log = session.log_of(program)
+        self.log_start = self.log.stat().st_size if self.log.exists() else 0
         self.settings_file = session.home / ".config/spacemint/app.spacemint.Spacemint.json"
         if settings is not None:
             self.settings_file.parent.mkdir(parents=True, exist_ok=True)
@@ -38,6 +41,10 @@ class Application:
 
     def start(self, *arguments, **environment):
         self.process = self.session.start([self.program, *arguments], environment=self.environment(**environment))
+
+    def output(self):
+        """What the program wrote to standard output and standard error, over all its starts."""
+        return self.log.read_bytes()[self.log_start:].decode(errors="replace")
 
     def launch_again(self):
         """As from the menu, while it runs."""
@@ -162,6 +169,11 @@ class Application:
         # The reader of windows counts as the program does, the pointer as the screen.
         return (box.x + box.width // 2) * self.session.scale, (box.y + box.height // 2) * self.session.scale
 
+    def covers(self, upper, lower):
+        """Whether one thing lies over a part of another."""
+        a, b = (item.queryComponent().getExtents(self.atspi.DESKTOP_COORDS) for item in (upper, lower))
+        return a.x < b.x + b.width and b.x < a.x + a.width and a.y < b.y + b.height and b.y < a.y + a.height
+
     def resting_centre(self, item):
         """Once it moves no more."""
         last = []
@@ -179,8 +191,7 @@ class Application:
 
     def scroll_to(self, name, role=None):
         """With the wheel, over the middle of the window, until it is seen."""
-        x, y, width, height = self.place()
-        self.xdotool("mousemove", "--sync", x + width // 2, y + height // 2)
+        self.point_at_middle()
 
         def look():
             found = self.all(name, role)
@@ -189,6 +200,24 @@ class Application:
             return found
 
         return wait_until(look, f"{name!r} when scrolling")[0]
+
+    def point_at_middle(self):
+        x, y, width, height = self.place()
+        self.xdotool("mousemove", "--sync", x + width // 2, y + height // 2)
+
+    def scroll_to_the_end(self):
+        self.point_at_middle()
+        self.xdotool("click", "--repeat", 30, "--delay", 20, 5)
+
+    def scroll_to_text(self, part):
+        self.point_at_middle()
+
+        def look():
+            if not self.sees_text(part):
+                self.xdotool("click", 5)
+            return self.sees_text(part)
+
+        wait_until(look, f"a text with {part!r} when scrolling")
 
     def click(self, name, role=None, button=1):
         self.click_item(self.find(name, role), button)
@@ -225,6 +254,45 @@ class Application:
 
     def wait_no_item(self):
         wait_until(lambda: not self.has_item(), "that the status item goes")
+
+    # Its menu, which the status area draws. The area says nothing to readers of windows, so the rows are looked for:
+    # below the area, bright letters on the menu's dark ground.
+
+    def menu_titles(self):
+        """Of the entries, from top to bottom."""
+        answer = self.session.output(
+            ["dbus-send", "--session", "--print-reply", f"--dest=org.kde.StatusNotifierItem-{self.process.pid}-1",
+             "/StatusNotifierItem/Menu", "com.canonical.dbusmenu.GetLayout", "int32:0", "int32:-1", "array:string:"])
+        return re.findall(r'string "label"\s+variant\s+string "(.*?)"', answer.decode())
+
+    def menu_rows(self):
+        """The middles of the rows of letters; none while the menu is closed."""
+        x, y, width, height = 1280 - 190, 32, 180, 240
+        pixels = self.session.pixels(x, y, width, height)
+        bright = [max(pixels[line * width * 3:(line + 1) * width * 3], default=0) > 170 for line in range(height)]
+        rows, start = [], None
+        for line, is_bright in enumerate([*bright, False]):
+            if is_bright and start is None:
+                start = line
+            elif not is_bright and start is not None:
+                rows.append((x + width // 3, y + (start + line) // 2))
+                start = None
+        return rows
+
+    def open_menu(self):
+        self.click_at(*self.item_centre(), button=3)
+        count = len(self.menu_titles())
+        return wait_until(lambda: len(rows := self.menu_rows()) == count and rows, "the menu of the status item")
+
+    def wait_menu_closed(self):
+        wait_until(lambda: not self.menu_rows(), "the end of the menu")
+
+    def choose_by_mouse(self, title):
+        self.click_at(*self.open_menu()[self.menu_titles().index(title)])
+
+    def choose_by_keyboard(self, title):
+        self.open_menu()
+        self.press(*["Down"] * (self.menu_titles().index(title) + 1), "Return")
 
     def click_item_of_status_area(self):
         # A click within a quarter of a second after the panel went is the one that closed it.

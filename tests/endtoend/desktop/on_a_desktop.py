@@ -1,6 +1,7 @@
 """What tests of the program on a desktop share."""
 
 import pathlib
+import re
 import sys
 import unittest
 
@@ -9,6 +10,7 @@ from session import Session
 
 PROGRAM = sys.argv.pop(1)
 PICTURES = pathlib.Path(pictures_folder())
+LOG_LINE = re.compile(r"\d{4}-\d\d-\d\dT[\d:]+Z spacemint: ")
 
 
 class OnADesktop(unittest.TestCase):
@@ -16,6 +18,7 @@ class OnADesktop(unittest.TestCase):
 
     scale = 1
     has_status_area = True
+    has_notifications = True
     disk_size = None
 
     @classmethod
@@ -24,6 +27,7 @@ class OnADesktop(unittest.TestCase):
         cls.addClassCleanup(cls.session.end)
         if cls.has_status_area:
             cls.session.start_status_area()
+        if cls.has_status_area and cls.has_notifications:
             cls.session.start_notifications()
 
     def setUp(self):
@@ -33,10 +37,16 @@ class OnADesktop(unittest.TestCase):
 
     def start(self, settings, info=None, **environment):
         app = Application(self.session, PROGRAM, settings, info)
-        self.addCleanup(app.terminate)
+        self.addCleanup(self.end, app)
         self.apps.append(app)
         app.start(**environment)
         return app
+
+    def end(self, app):
+        """A warning of Qt, QML or D-Bus is a fault, whatever else the test says."""
+        app.terminate()
+        lines = [line for line in app.output().splitlines() if not LOG_LINE.match(line)]
+        self.assertEqual(lines, [], "the program writes nothing but its log")
 
     def _callTestMethod(self, method):
         """With a picture of what was on the screen when it failed, and the names there."""

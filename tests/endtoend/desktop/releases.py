@@ -9,9 +9,6 @@ import plistlib
 import subprocess
 import threading
 
-MESSAGES = {"messages": [{"id": "hello", "title": "Spacemint 2 is here", "body": "It draws the history of each folder.",
-                          "link": {"title": "Read more", "url": "https://spacemint.example/2"}}]}
-
 
 class Maker:
     def __init__(self, folder):
@@ -47,7 +44,11 @@ class Maker:
         self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
         self.address = f"http://127.0.0.1:{self.server.server_port}"
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
-        self.answers = {"/feed/spacemint.json": ("application/json", json.dumps(MESSAGES).encode())}
+        # What looks like markup is text, and loads nothing.
+        self.link = f'Read <img src="{self.address}/picture.png">more'
+        messages = [{"id": "hello", "title": "Spacemint 2 is here", "body": "It draws the history of each folder.",
+                     "link": {"title": self.link, "url": "https://spacemint.example/2"}}]
+        self.answers = {"/feed/spacemint.json": ("application/json", json.dumps({"messages": messages}).encode())}
 
     def end(self):
         self.server.shutdown()

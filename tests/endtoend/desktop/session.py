@@ -125,10 +125,19 @@ class Session:
         self.environment["DISPLAY"] = ":" + number
 
     def _start_bus(self):
+        # The bus would start a notification service by itself. Here a test decides when one starts.
+        services = self.folder / "run/dbus-1/services"
+        services.mkdir(parents=True)
+        (services / "org.freedesktop.Notifications.service").write_text("[D-BUS Service]\nName=org.freedesktop.Notifications\nExec=/bin/false\n")
         daemon = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = daemon.stdout.readline().decode().strip()
-        self.start(["openbox"])
+        self.window_manager = self.start(["openbox"])
         wait_until(self.has_window_manager, "the window manager")
+
+    def kill_window_manager(self):
+        """From now on nobody moves the focus, but programs still believe that somebody does."""
+        os.killpg(self.window_manager.pid, signal.SIGKILL)
+        self.window_manager.wait()
 
     def has_window_manager(self):
         return b"window id" in self.output(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"])
@@ -140,8 +149,12 @@ class Session:
                 shutil.rmtree(item) if item.is_dir() and not item.is_symlink() else item.unlink()
         shutil.rmtree(self.home / ".config/spacemint", ignore_errors=True)
 
+    def log_of(self, program):
+        """The file with what a program writes to standard output and standard error."""
+        return self.folder / (pathlib.Path(program).name + ".log")
+
     def start(self, command, environment=None, **options):
-        log = open(self.folder / (pathlib.Path(command[0]).name + ".log"), "ab")
+        log = open(self.log_of(command[0]), "ab")
         options.setdefault("stdout", log)
         process = subprocess.Popen(command, env=environment or self.environment, stderr=log,
                                    stdin=subprocess.DEVNULL, start_new_session=True, **options)
@@ -173,6 +186,9 @@ class Session:
         configuration.write_text(DUNST)
         self.start(["dunst", "-config", str(configuration)])
         wait_until(lambda: self.has_name("org.freedesktop.Notifications"), "the notification service")
+
+    def wait_notification(self):
+        wait_until(lambda: self.output(["xdotool", "search", "--onlyvisible", "--class", "Dunst"]), "the notification")
 
     def has_name(self, name):
         answer = self.output(["dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",

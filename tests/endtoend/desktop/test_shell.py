@@ -1,8 +1,12 @@
 """The status item, the panel and the window on a real desktop, driven by mouse and keyboard."""
 
+import glob
+import os
+import subprocess
 import unittest
 
-from on_a_desktop import OnADesktop
+from on_a_desktop import PROGRAM, OnADesktop
+from releases import Maker
 from session import wait_until
 
 STARTED = {"hasStarted": True, "warningThresholdGB": 1}
@@ -71,8 +75,7 @@ class Panel(OnADesktop):
         app.press("Escape")
         app.wait_hidden()
         # The bubble of the warning.
-        wait_until(lambda: b"dunst" in self.session.output(["xdotool", "search", "--onlyvisible", "--class", "Dunst",
-                                                            "getwindowname"]).lower(), "the notification")
+        self.session.wait_notification()
         self.picture("notification")
         app.click_at(1280 - 180, 90)
         app.wait_shown()
@@ -115,12 +118,103 @@ class Panel(OnADesktop):
         self.assertEqual(app.exit_code(), 0)
 
 
+class Menu(OnADesktop):
+    """Every entry of the item's menu, in the status area that draws it."""
+
+    def each_entry(self, choose):
+        maker = Maker(self.session.folder / self.id())
+        self.addCleanup(maker.end)
+        maker.offer("2.0")
+        app = self.start(STARTED, maker.dictionary())
+        app.wait_item()
+        is_done = {
+            "Open Spacemint": lambda: app.sees_text("free"),
+            "About Spacemint": lambda: app.sees("About Spacemint", "dialog"),
+            "Settings…": lambda: app.sees("Settings", "heading"),
+            "Check for Updates…": lambda: maker.asked["/updates.xml"] > 0,
+            "Share Anonymous Usage": lambda: app.settings().get("BrindlefoxShareUsage") is True,
+            "Quit Spacemint": lambda: app.process.poll() == 0,
+        }
+        self.assertEqual(app.menu_titles(), list(is_done))
+        app.open_menu()
+        self.picture("menu")
+        app.press("Escape")
+        app.wait_menu_closed()
+        for title, condition in is_done.items():
+            self.assertFalse(condition(), title)
+            choose(app, title)
+            wait_until(condition, title)
+            while app.process.poll() is None and app.is_shown():
+                app.press("Escape")
+            app.wait_menu_closed()
+
+    def test_by_mouse(self):
+        self.each_entry(lambda app, title: app.choose_by_mouse(title))
+
+    def test_by_keyboard(self):
+        self.each_entry(lambda app, title: app.choose_by_keyboard(title))
+
+
+class WithoutFocus(OnADesktop):
+    def test_a_click_beside_the_panel_closes_it(self):
+        app = self.start(STARTED)
+        app.wait_item()
+        self.session.kill_window_manager()
+        for _ in range(2):
+            app.click_item_of_status_area()
+            app.wait_shown()
+            app.wait_text("free")
+            focused = self.session.output(["xdotool", "getwindowfocus"]).split()
+            self.assertNotEqual(focused, app.windows(), "the panel has no focus to lose")
+            x, y, width, _ = app.place()
+            app.click_at(x + width // 2, y + 20)
+            self.assertTrue(app.is_shown(), "a click on the panel is none beside it")
+            app.click_at(200, 500)
+            app.wait_hidden()
+        app.click_item_of_status_area()
+        app.wait_shown()
+        app.click_item_of_status_area()
+        app.wait_hidden()
+        self.assertTrue(app.stays_hidden(), "the click that closes it does not open it again")
+
+
+class LateNotifications(OnADesktop):
+    has_notifications = False
+
+    def test_a_warning_waits_for_the_notification_service(self):
+        app = self.start({"hasStarted": True, "warningThresholdGB": 1_000_000}, SPACEMINT_LOG="info")
+        wait_until(lambda: "no notification service accepted" in app.output(), "the first attempt")
+        self.session.start_notifications()
+        self.session.wait_notification()
+
+
+class WithoutDisplay(unittest.TestCase):
+    def test_one_plain_line_says_what_is_missing(self):
+        has_plugin = glob.glob("/usr/lib/*/qt6/plugins/platforms/libqwayland*")
+        cannot_open = "cannot open the display"
+        for variables, what in (({}, "there is no display"),
+                                ({"DISPLAY": ":4711"}, cannot_open),
+                                ({"WAYLAND_DISPLAY": "nowhere"}, cannot_open if has_plugin else "qt6-wayland"),
+                                ({"DISPLAY": ":4711", "WAYLAND_DISPLAY": "nowhere"}, cannot_open)):
+            environment = {"PATH": os.environ["PATH"], "HOME": "/nonexistent", "XDG_RUNTIME_DIR": "/nonexistent"}
+            ended = subprocess.run([PROGRAM], env={**environment, **variables}, capture_output=True, text=True, timeout=60,
+                                   check=False)
+            self.assertEqual(ended.returncode, 1, variables)
+            self.assertEqual(len(ended.stderr.splitlines()), 1, ended.stderr)
+            self.assertIn("spacemint: ", ended.stderr)
+            self.assertIn(what, ended.stderr)
+
+
 class Elsewhere(OnADesktop):
     has_status_area = False
 
     def test_window_stands_in_where_there_is_no_status_area(self):
-        app = self.start(STARTED)
-        app.wait_shown()
+        app = self.start({"warningThresholdGB": 1})
+        app.find("Start first scan")
+        # Closed and opened again before there is a page that shows messages.
+        app.press("ctrl+w")
+        app.wait_hidden()
+        self.assertEqual(app.launch_again(), 0)
         app.click("Start first scan")
         app.wait_text("no status area")
         self.picture("no-status-area")
@@ -131,6 +225,23 @@ class Elsewhere(OnADesktop):
         app.wait_shown()
         app.wait_scanned()
         self.assertFalse(app.sees_text("no status area"))
+
+    def test_the_window_offers_what_the_menu_has(self):
+        for settings in (STARTED, {**STARTED, "presence": "dock"}):
+            app = self.start(settings)
+            app.wait_shown()
+            app.press("F1")
+            app.find("About Spacemint", "dialog")
+            app.find("Ctrl+Q")
+            self.picture("about")
+            app.press("Escape")
+            wait_until(lambda: not app.sees("About Spacemint", "dialog"), "that the card goes")
+            app.click("Settings", "push button")
+            app.click_item(app.scroll_to("About", "push button"))
+            app.find("About Spacemint", "dialog")
+            app.click("Close", "push button")
+            app.click_item(app.scroll_to("Quit Spacemint"))
+            self.assertEqual(app.exit_code(), 0)
 
 
 class DarkTwice(OnADesktop):

@@ -2,7 +2,7 @@
 
 #include "Spacemint/shell/Commands.h"
 #include "Spacemint/shell/Interface.h"
-#include "Spacemint/shell/StatusText.h"
+#include "Spacemint/shell/ItemLook.h"
 
 #include <functional>
 #include <memory>
@@ -11,44 +11,46 @@
 
 namespace spacemint {
 
-/// What the shell stands on. What is given by reference outlives it.
-struct ShellHost {
+/// What the application is made of. The referenced objects outlive it.
+struct ApplicationHost {
   AppModel& model;
   Desktop desktop;
   AppServices& services;
   DefaultsStore& defaults;
   std::string home;
+  /// A locale name of ICU.
   std::string locale;
-  /// Whether this is the product, and no program that tries it out.
+  /// True in an installed build. Without it there are no services, and clicks on notifications are ignored.
   bool hasBundleIdentifier = false;
   /// Ends the application.
   std::function<void()> quit;
 };
 
-/// The application's shell: the item in the status area, the panel that it opens, the window that stands in
-/// for both, and when each of them is there. It owns no data of its own. Main thread only.
-class AppDelegate : public QObject {
+/// The application around its model: the status item, the panel that the item opens, the window that replaces both,
+/// and the rules for when each is shown. It has no data of its own. Main thread only.
+class Application : public QObject {
   Q_OBJECT
  public:
-  /// The interface gives its memory back when it was hidden for so long.
+  /// The interface is destroyed, to give its memory back, when it was hidden for this long.
   static constexpr std::chrono::seconds releaseAfter{30};
 
-  explicit AppDelegate(ShellHost host);
-  ~AppDelegate() override;
+  explicit Application(ApplicationHost host);
+  ~Application() override;
 
-  void applicationDidFinishLaunching();
+  /// Call it once.
+  void start();
 
-  /// Brings the interface forward: the window where it stands in for the panel, else the panel.
+  /// Shows the interface: the window where it replaces the panel, else the panel.
   void showUI();
   void showPanel();
   void hidePanel();
   void togglePanel();
   void openSettings();
   void showAbout();
-  /// Closes the uppermost thing that can be closed; when there is none, does `closing`.
+  /// Closes the topmost of question and settings. Calls `closing` if neither is open.
   void handleEscape(const std::function<void()>& closing = {});
 
-  /// Null while nothing was shown, or has been hidden for long.
+  /// Null until something is shown, and after it was hidden for `releaseAfter`.
   Interface* interface() { return interface_.get(); }
 
  private:
@@ -58,9 +60,10 @@ class AppDelegate : public QObject {
   void showInMenuBar(bool isSwitch);
   void showInDock(bool isSwitch);
   void observePreferences();
+  void observePage();
   void followStatusArea();
-  void tellOfNoStatusArea();
-  Commands makeMainMenu();
+  void explainWindow();
+  Commands makeCommands();
   std::vector<Command> serviceCommands();
   void installStatusItem();
   void updateStatusItem();
@@ -71,19 +74,22 @@ class AppDelegate : public QObject {
   void setUp(MainWindow& window);
   InterfaceWindow* shownWindow();
   void showWindow();
+  void bringForward();
   void hideShown();
   void releaseLater();
 
-  ShellHost host_;
+  ApplicationHost host_;
   Commands commands_;
   std::unique_ptr<Interface> interface_;
-  Date panelClosedAt_{};
-  /// The one applied last; absent before the launch.
+  /// Exists while the panel is shown.
+  std::unique_ptr<OutsideClicks::Watch> outsideClicks_;
+  std::optional<std::chrono::steady_clock::time_point> panelClosedAt_;
+  /// The presence applied last; absent before the start.
   std::optional<AppPresence> presence_;
   Preferences::Subscription subscription_;
-  /// What the status item shows, and whether on a dark ground; drawing it again would take its time.
+  /// What the status item shows, and whether for a dark ground. It is drawn only if one of these changes.
   std::optional<std::pair<StatusFacts, bool>> drawn_;
-  /// How often the interface was hidden: a release that was planned before the last time is off.
+  /// How often the interface was hidden. A release that was planned at an earlier hiding is cancelled.
   int hidings_ = 0;
 };
 

@@ -1,7 +1,6 @@
-#include "Spacemint/shell/AppDelegate.h"
+#include "Spacemint/shell/Application.h"
 
-#include "Spacemint/shell/PanelPlacement.h"
-#include "Spacemint/shell/StatusIcon.h"
+#include "Spacemint/shell/Placement.h"
 #include "core/host/FreedMemory.h"
 #include "ui_kit/Colours.h"
 
@@ -16,14 +15,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The click that takes the focus from the panel, and so hides it, must not open it again.
+// A click on the status item takes the focus from the panel, which hides it, and then arrives as a click on the item.
+// Such a click must not open the panel again.
 constexpr auto sameClick = 250ms;
 constexpr auto launchDelay = 500ms;
 constexpr auto switchDelay = 300ms;
-// A login starts the status area and its items in no particular order.
+// At login the status area may start after this application.
 constexpr auto statusAreaDelay = 3s;
 
-constexpr std::string_view toldOfNoStatusAreaKey = "toldOfNoStatusArea";
+// Set once the user has seen why there is a window.
+constexpr std::string_view explainedWindowKey = "toldOfNoStatusArea";
 
 QColor colourOf(SpaceLevel level, bool isDark) {
   const auto resolved = [isDark](const Colour& colour) {
@@ -48,18 +49,19 @@ PanelScreen screenOf(const std::optional<QPoint>& item) {
 
 }  // namespace
 
-AppDelegate::AppDelegate(ShellHost host) : host_(std::move(host)) {}
+Application::Application(ApplicationHost host) : host_(std::move(host)) {}
 
-// What the windows tell while they go finds all else in place.
-AppDelegate::~AppDelegate() {
+// Destroys the windows first: their signals use the other members.
+Application::~Application() {
+  outsideClicks_.reset();
   const auto going = std::move(interface_);
 }
 
-void AppDelegate::applicationDidFinishLaunching() {
-  connect(&host_.desktop.statusItem, &StatusItem::activated, this, &AppDelegate::togglePanel);
-  connect(&host_.desktop.statusItem, &StatusItem::areaChanged, this, &AppDelegate::followStatusArea);
-  connect(&host_.desktop.appearance, &Appearance::changed, this, &AppDelegate::updateStatusItem);
-  connect(&host_.model, &AppModel::statusChanged, this, &AppDelegate::updateStatusItem);
+void Application::start() {
+  connect(&host_.desktop.statusItem, &StatusItem::activated, this, &Application::togglePanel);
+  connect(&host_.desktop.statusItem, &StatusItem::areaChanged, this, &Application::followStatusArea);
+  connect(&host_.desktop.appearance, &Appearance::changed, this, &Application::updateStatusItem);
+  connect(&host_.model, &AppModel::statusChanged, this, &Application::updateStatusItem);
   if (host_.hasBundleIdentifier) {
     connect(&host_.desktop.notifier, &Notifier::activated, this, [this] {
       host_.model.setTab(Tab::overview);
@@ -68,9 +70,10 @@ void AppDelegate::applicationDidFinishLaunching() {
   }
   host_.desktop.appearance.follow();
   observePreferences();
+  observePage();
   host_.model.start();
   if (host_.hasBundleIdentifier) host_.services.start(true);
-  commands_ = makeMainMenu();
+  commands_ = makeCommands();
   applyPresence();
   updateStatusItem();
   const auto& prefs = host_.model.prefs();
@@ -81,15 +84,15 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 // Presence
 
-bool AppDelegate::hasNoStatusArea() const {
+bool Application::hasNoStatusArea() const {
   return host_.desktop.statusItem.area() == StatusItem::Area::absent;
 }
 
-bool AppDelegate::isWindowed() const {
+bool Application::isWindowed() const {
   return presence_ == AppPresence::dock || hasNoStatusArea();
 }
 
-void AppDelegate::applyPresence() {
+void Application::applyPresence() {
   const AppPresence wanted = host_.model.prefs().presence();
   if (presence_ == wanted) return;
   const bool isSwitch = std::exchange(presence_, wanted).has_value();
@@ -100,23 +103,23 @@ void AppDelegate::applyPresence() {
   }
 }
 
-void AppDelegate::showInMenuBar(bool isSwitch) {
+void Application::showInMenuBar(bool isSwitch) {
   if (interface_ && interface_->isWindowShown()) interface_->window().hide();
   host_.desktop.badge.clear();
   installStatusItem();
-  // The user sees where the interface went.
+  // The panel shows the user where the interface is now.
   if (isSwitch) host_.desktop.clock.after(switchDelay, this, [this] { showUI(); });
 }
 
-void AppDelegate::showInDock(bool isSwitch) {
+void Application::showInDock(bool isSwitch) {
   hidePanel();
   host_.desktop.statusItem.remove();
   if (isSwitch) showWindow();
 }
 
-void AppDelegate::observePreferences() {
+void Application::observePreferences() {
   subscription_ = host_.model.prefs().observe(Preferences::followedAtOnce, [this](Setting) {
-    // Later, for the control that changed it is in the window that this may hide.
+    // Later: the control that changed the setting is in the window that this may hide.
     QMetaObject::invokeMethod(
         this,
         [this] {
@@ -128,9 +131,9 @@ void AppDelegate::observePreferences() {
   });
 }
 
-void AppDelegate::followStatusArea() {
+void Application::followStatusArea() {
   if (!hasNoStatusArea()) {
-    // The item says it all now.
+    // The item shows the level now.
     if (presence_ == AppPresence::menuBar) host_.desktop.badge.clear();
     return;
   }
@@ -139,28 +142,39 @@ void AppDelegate::followStatusArea() {
   });
 }
 
-void AppDelegate::tellOfNoStatusArea() {
+// The explanation needs a page that shows messages: neither the welcome nor the settings do.
+void Application::observePage() {
+  const auto explain = [this] { explainWindow(); };
+  connect(&host_.model.history(), &ScanHistory::snapshotChanged, this, explain);
+  connect(&host_.model.scans(), &ScanLifecycle::progressChanged, this, explain);
+  connect(&host_.model, &AppModel::showingSettingsChanged, this, explain);
+}
+
+// Tells the user once why there is a window. It counts as told only when the user can see it.
+void Application::explainWindow() {
   if (presence_ != AppPresence::menuBar || !hasNoStatusArea()) return;
-  if (host_.defaults.boolean(toldOfNoStatusAreaKey) == true) return;
+  if (!interface_ || !interface_->isWindowShown() || host_.model.showingSettings()) return;
+  if (!host_.model.history().snapshot() && !host_.model.scans().isScanning()) return;
+  if (host_.model.messages().message() || host_.defaults.boolean(explainedWindowKey) == true) return;
   host_.model.showMessage("This desktop has no status area, so Spacemint lives in this window.");
-  static_cast<void>(host_.defaults.set(toldOfNoStatusAreaKey, true));
+  static_cast<void>(host_.defaults.set(explainedWindowKey, true));
 }
 
 // The status item
 
-void AppDelegate::installStatusItem() {
+void Application::installStatusItem() {
   host_.desktop.statusItem.setMenu(menuOf(commands_));
   host_.desktop.statusItem.install();
 }
 
-StatusFacts AppDelegate::statusFacts() const {
+StatusFacts Application::statusFacts() const {
   return {.level = host_.model.level(),
           .volume = host_.model.volume().status(),
           .showsFreeSpace = host_.model.prefs().showFreeSpaceInMenuBar(),
           .locale = host_.locale};
 }
 
-void AppDelegate::updateStatusItem() {
+void Application::updateStatusItem() {
   const StatusFacts facts = statusFacts();
   if (isWindowed()) {
     const auto marked = badgeOf(facts);
@@ -180,10 +194,10 @@ void AppDelegate::updateStatusItem() {
            text.title.empty() ? logo : StatusIcon::figure(QString::fromStdString(text.title), colour)});
 }
 
-std::vector<Command> AppDelegate::serviceCommands() {
+std::vector<Command> Application::serviceCommands() {
   std::vector<Command> commands;
   for (const auto& item : host_.services.menuItems()) {
-    // What is no switch has its answer on the page of the settings.
+    // Commands other than switches show their result on the settings page.
     const auto chosenAndShown = [this, choose = item.choose] {
       choose();
       openSettings();
@@ -196,28 +210,25 @@ std::vector<Command> AppDelegate::serviceCommands() {
   return commands;
 }
 
-Commands AppDelegate::makeMainMenu() {
+Commands Application::makeCommands() {
+  const auto minimize = [this] {
+    if (interface_ && interface_->isWindowShown()) interface_->window().showMinimized();
+  };
   return {
       {{.title = "Open Spacemint", .key = {}, .run = [this] { showUI(); }}},
-      {{.title = "About Spacemint", .key = {}, .run = [this] { showAbout(); }},
+      {{.title = "About Spacemint", .key = QKeyCombination{Qt::Key_F1}, .run = [this] { showAbout(); }},
        {.title = "Settings…", .key = Qt::CTRL | Qt::Key_Comma, .run = [this] { openSettings(); }}},
       serviceCommands(),
       {{.title = "Quit Spacemint", .key = Qt::CTRL | Qt::Key_Q, .run = host_.quit}},
-      {{.title = {}, .key = Qt::CTRL | Qt::Key_H, .run = [this] { hideShown(); }},
-       {.title = {}, .key = Qt::CTRL | Qt::Key_W, .run = [this] { hideShown(); }},
-       {.title = {},
-        .key = Qt::CTRL | Qt::Key_M,
-        .run =
-            [this] {
-              if (interface_ && interface_->isWindowShown()) interface_->window().showMinimized();
-            }}},
+      {{.title = "Hide", .key = Qt::CTRL | Qt::Key_H, .run = [this] { hideShown(); }, .isInMenu = false},
+       {.title = "Close", .key = Qt::CTRL | Qt::Key_W, .run = [this] { hideShown(); }, .isInMenu = false},
+       {.title = "Minimize", .key = Qt::CTRL | Qt::Key_M, .run = minimize, .isInMenu = false}},
   };
 }
 
 // The panel and the window
 
-void AppDelegate::showUI() {
-  tellOfNoStatusArea();
+void Application::showUI() {
   if (isWindowed()) {
     showWindow();
   } else {
@@ -225,48 +236,58 @@ void AppDelegate::showUI() {
   }
 }
 
-void AppDelegate::showPanel() {
+void Application::showPanel() {
   host_.model.panelWillShow();
   const auto item = host_.desktop.statusItem.position();
   const Appearance& appearance = host_.desktop.appearance;
-  neededInterface().panel().open(
-      panelPlacement(item, screenOf(item)),
-      {.fades = !appearance.reducedMotion(), .isRounded = appearance.hasTransparency()});
+  DropdownPanel& panel = neededInterface().panel();
+  panel.open(panelPlacement(item, screenOf(item)),
+             {.fades = !appearance.reducedMotion(), .isRounded = appearance.hasTransparency()});
+  // Some window managers never give the panel the focus, or do not take it away at a click on the empty desktop.
+  outsideClicks_ = host_.desktop.outsideClicks.watch(panel, [this] { hidePanel(); });
 }
 
-void AppDelegate::hidePanel() {
+void Application::hidePanel() {
   if (!interface_ || !interface_->isPanelShown()) return;
-  panelClosedAt_ = host_.desktop.clock.now();
+  panelClosedAt_ = host_.desktop.clock.steadyNow();
+  outsideClicks_.reset();
   interface_->panel().hide();
   host_.model.clearMessage();
   host_.model.cleanups().dismiss();
   host_.model.setShowingSettings(false);
 }
 
-void AppDelegate::togglePanel() {
+void Application::togglePanel() {
   if (interface_ && interface_->isPanelShown()) {
     hidePanel();
-  } else if (host_.desktop.clock.now() - panelClosedAt_ > sameClick) {
+  } else if (!panelClosedAt_ || host_.desktop.clock.steadyNow() - *panelClosedAt_ > sameClick) {
     showPanel();
   }
 }
 
-void AppDelegate::showWindow() {
+void Application::showWindow() {
   host_.model.panelWillShow();
   neededInterface().window().open();
+  explainWindow();
 }
 
-void AppDelegate::openSettings() {
+void Application::openSettings() {
   host_.model.setShowingSettings(true);
-  showUI();
+  bringForward();
 }
 
-void AppDelegate::showAbout() {
-  showUI();
+void Application::showAbout() {
+  bringForward();
   if (auto* window = shownWindow()) window->showAbout();
 }
 
-void AppDelegate::handleEscape(const std::function<void()>& closing) {
+// A panel that is shown already would fade in again.
+void Application::bringForward() {
+  if (interface_ && interface_->isPanelShown()) return interface_->panel().requestActivate();
+  showUI();
+}
+
+void Application::handleEscape(const std::function<void()>& closing) {
   if (host_.model.cleanups().confirmation()) {
     host_.model.cleanups().dismiss();
   } else if (host_.model.showingSettings()) {
@@ -276,42 +297,46 @@ void AppDelegate::handleEscape(const std::function<void()>& closing) {
   }
 }
 
-InterfaceWindow* AppDelegate::shownWindow() {
+InterfaceWindow* Application::shownWindow() {
   if (!interface_) return nullptr;
   if (interface_->isPanelShown()) return &interface_->panel();
   return interface_->isWindowShown() ? &interface_->window() : nullptr;
 }
 
-void AppDelegate::hideShown() {
+void Application::hideShown() {
   hidePanel();
   if (interface_ && interface_->isWindowShown()) interface_->window().close();
 }
 
-Interface& AppDelegate::neededInterface() {
+Interface& Application::neededInterface() {
   if (interface_) return *interface_;
-  interface_ = std::make_unique<Interface>(InterfaceHost{.ui = {.model = host_.model,
-                                                                .desktop = host_.desktop,
-                                                                .home = host_.home,
-                                                                .locale = host_.locale,
-                                                                .quit = host_.quit,
-                                                                .loginItem = &host_.desktop.loginItem,
-                                                                .usage = host_.services.usage(),
-                                                                .updates = host_.services.updates()},
-                                                         .services = host_.services,
-                                                         .defaults = host_.defaults});
-  connect(interface_.get(), &Interface::panelMade, this, qOverload<DropdownPanel&>(&AppDelegate::setUp));
-  connect(interface_.get(), &Interface::windowMade, this, qOverload<MainWindow&>(&AppDelegate::setUp));
+  Usage* usage = host_.services.usage();
+  interface_ = std::make_unique<Interface>(
+      InterfaceHost{.ui = {.model = host_.model,
+                           .desktop = host_.desktop,
+                           .home = host_.home,
+                           .locale = host_.locale,
+                           .quit = host_.quit,
+                           .about = [this] { showAbout(); },
+                           .loginItem = &host_.desktop.loginItem,
+                           .usage = usage != nullptr && usage->isOffered() ? usage : nullptr,
+                           .updates = host_.services.updates()},
+                    .services = host_.services,
+                    .defaults = host_.defaults,
+                    .keyHelp = keyHelp(commands_)});
+  connect(interface_.get(), &Interface::panelMade, this, qOverload<DropdownPanel&>(&Application::setUp));
+  connect(interface_.get(), &Interface::windowMade, this, qOverload<MainWindow&>(&Application::setUp));
   return *interface_;
 }
 
-void AppDelegate::setUp(DropdownPanel& panel) {
+void Application::setUp(DropdownPanel& panel) {
   panel.onCancel = [this] { handleEscape([this] { hidePanel(); }); };
   panel.onKey = [this](const QKeyEvent& key) { return runKey(commands_, key); };
-  connect(&panel, &DropdownPanel::left, this, &AppDelegate::hidePanel);
-  connect(&panel, &QWindow::visibleChanged, this, &AppDelegate::releaseLater);
+  connect(&panel, &DropdownPanel::left, this, &Application::hidePanel);
+  connect(&panel, &QWindow::visibleChanged, this, &Application::releaseLater);
 }
 
-void AppDelegate::setUp(MainWindow& window) {
+void Application::setUp(MainWindow& window) {
   window.onCancel = [this] { handleEscape(); };
   window.onKey = [this](const QKeyEvent& key) { return runKey(commands_, key); };
   connect(&window, &MainWindow::activated, &host_.model, &AppModel::panelWillShow);
@@ -319,10 +344,10 @@ void AppDelegate::setUp(MainWindow& window) {
     host_.model.clearMessage();
     host_.model.cleanups().dismiss();
   });
-  connect(&window, &QWindow::visibleChanged, this, &AppDelegate::releaseLater);
+  connect(&window, &QWindow::visibleChanged, this, &Application::releaseLater);
 }
 
-void AppDelegate::releaseLater() {
+void Application::releaseLater() {
   const int hiding = ++hidings_;
   if (!interface_ || interface_->isShown()) return;
   host_.desktop.clock.after(releaseAfter, this, [this, hiding] {

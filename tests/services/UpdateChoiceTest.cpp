@@ -1,7 +1,5 @@
 // What an update feed may say, and which release is taken from it.
 
-#include "AppServices/UpdateFeed.h"
-
 #include "AppServices/UpdateChoice.h"
 
 #include <gmock/gmock.h>

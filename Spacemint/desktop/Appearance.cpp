@@ -1,7 +1,0 @@
-#include "Spacemint/desktop/Appearance.h"
-
-namespace spacemint {
-
-Appearance::~Appearance() = default;
-
-}  // namespace spacemint

@@ -1,7 +1,0 @@
-#include "Spacemint/desktop/Notifier.h"
-
-namespace spacemint {
-
-Notifier::~Notifier() = default;
-
-}  // namespace spacemint

@@ -1,7 +1,0 @@
-#include "Spacemint/desktop/StatusItem.h"
-
-namespace spacemint {
-
-StatusItem::~StatusItem() = default;
-
-}  // namespace spacemint
