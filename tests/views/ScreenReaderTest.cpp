@@ -99,6 +99,7 @@ radio button: Menu bar, checked
 radio button: Dock, not checked
 check box: Show free space in the menu bar, checked
 check box: Open at login, not checked
+button: About
 button: Quit Spacemint
 == question
 button: Back
@@ -114,6 +115,7 @@ radio button: Menu bar, checked
 radio button: Dock, not checked
 check box: Show free space in the menu bar, checked
 check box: Open at login, not checked
+button: About
 button: Quit Spacemint
 dialog: Delete permanently?
 button: Cancel
