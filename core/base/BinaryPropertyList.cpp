@@ -132,7 +132,8 @@ class Reader {
     };
     switch (object.type) {
       case simpleType:
-        return object.length == 8 || object.length == 9 ? PropertyValue{object.length == 9} : PropertyValue{};
+        if (object.length == 8 || object.length == 9) return object.length == 9;
+        return std::monostate{};
       case integerType:
         return asValue(integer(object));
       case realType:
