@@ -142,13 +142,14 @@ class Reader {
         const auto seconds = real(object);
         if (!seconds) return std::nullopt;
         const auto date = dateAfter(propertyListEpoch, *seconds);
-        return date ? PropertyValue{*date} : PropertyValue{};
+        if (!date) return std::monostate{};
+        return *date;
       }
       case asciiType:
       case utf16Type:
         return asValue(string(object));
       default:
-        return PropertyValue{};
+        return std::monostate{};
     }
   }
 
