@@ -37,7 +37,7 @@ enum class JournalError : std::uint8_t {
   failed,
 };
 
-/// The reason in words that fit after "because": "the recorder lost events", for instance.
+/// The reason as a clause that fits after "because", such as "the recorder lost events".
 std::string_view textOf(JournalError error);
 
 /// The folders that changed, as full paths at or below the root of the query.
@@ -58,7 +58,7 @@ struct JournalQuery {
   std::uint64_t since = 0;
   /// The longest wait for an answer, roughly.
   std::chrono::milliseconds timeout{60'000};
-  /// Polled while the call waits, at least ten times a second; true ends the wait. May be empty.
+  /// Called at least ten times a second while the call waits; true ends the wait. May be empty.
   std::function<bool()> shouldCancel = {};
 };
 
@@ -72,7 +72,8 @@ class RecordingCrawl : public FolderListing {
   virtual void finish() = 0;
 };
 
-/// Knows what changed below a folder since an earlier moment. All functions may be called from any thread.
+/// Reports which folders below a root changed since an earlier time. All functions may be called from any
+/// thread.
 class EventJournal {
  public:
   EventJournal() = default;
@@ -92,7 +93,7 @@ class EventJournal {
   virtual std::unique_ptr<RecordingCrawl> beginCrawl(const std::string& root);
 };
 
-/// The journal of this user's recorders, in whichever process they run. It records nothing itself.
+/// A journal that queries the recorders of this user in all processes. It records nothing itself.
 std::unique_ptr<EventJournal> hostEventJournal();
 
 }  // namespace spacemint

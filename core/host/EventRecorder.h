@@ -7,8 +7,9 @@
 
 namespace spacemint {
 
-/// Records what changes below one folder for as long as it exists. It answers its own process directly and
-/// other processes of the same user through `hostEventJournal`. All functions may be called from any thread.
+/// Records the changes below a folder until it is destroyed. Its own process queries the recorder directly;
+/// other processes of the same user query it through `hostEventJournal`. All functions may be called from any
+/// thread.
 class EventRecorder : public EventJournal {
  public:
   struct Options {
@@ -34,7 +35,7 @@ class EventRecorder : public EventJournal {
     std::size_t watches = 0;
     /// One mark on the whole file system takes the place of a kernel watch on each folder.
     bool marksFileSystem = false;
-    /// Bytes of this process that the map of folders and the watches take.
+    /// Bytes of this process's memory for the map of folders and the watches.
     std::size_t memory = 0;
     /// The command that raises the kernel's limit of watches; empty unless that limit was reached.
     std::string limitAdvice = {};
@@ -45,13 +46,13 @@ class EventRecorder : public EventJournal {
   /// A crawl keeps its recorder alive.
   static std::expected<std::shared_ptr<EventRecorder>, Error> start(Options options);
 
-  /// Waits until queries are answered. False when that takes longer than `timeout`, and at once when
-  /// recording failed for good. Lost events are no such failure: the recorder then crawls again by itself.
+  /// Waits until the recorder answers queries. False after `timeout`, or at once if recording failed
+  /// permanently. Lost events are not a permanent failure: the recorder then crawls again.
   virtual bool waitUntilRecording(std::chrono::milliseconds timeout) = 0;
 
   virtual Status status() = 0;
 
-  /// Ends the recording and every wait for it. The destructor does the same.
+  /// Ends the recording and all waits for it. The destructor does the same.
   virtual void stop() = 0;
 };
 

@@ -6,10 +6,10 @@
 
 namespace spacemint {
 
-/// Opens a folder for listing, if possible so that its access time does not change. `parent` may be AT_FDCWD.
-/// On failure the handle is empty and errno is set (`openat`). Any thread.
+/// Opens a folder for listing, if possible without changing its access time. Follows symbolic links. `parent`
+/// may be AT_FDCWD. On failure the handle is empty and errno is set (`openat`). Any thread.
 FileHandle openFolder(int parent, const char* name);
-/// The same for a name that must not be a symbolic link.
+/// Like `openFolder`, but fails if `name` is a symbolic link.
 FileHandle openFolderItself(int parent, const char* name);
 
 /// Starts the listing of an open folder again. Some file systems list what existed when the folder was

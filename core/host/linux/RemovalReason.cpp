@@ -56,7 +56,7 @@ std::string userName(uid_t user) {
   return found != nullptr ? found->pw_name : "user " + std::to_string(user);
 }
 
-// "belongs to root" for another user's item, else the mode that stands in the way.
+// "belongs to root" for another user's item; for the user's own item, that its mode forbids access.
 std::string belongingTo(const Status& item) {
   return item.isMine() ? "is closed by its mode " + item.mode()
                        : "belongs to " + userName(item.facts.stx_uid);
@@ -67,7 +67,7 @@ bool isClosed(const FileHandle& folder, const std::string& name, int rights) {
   return faccessat(folder.get(), name.c_str(), rights, flags) != 0;
 }
 
-// Why the system refused to remove an item; empty where its facts do not tell.
+// Why the system refused to remove an item; empty if owner, mode and attributes do not explain it.
 std::string refusalReason(const FileHandle& folder, const std::string& name) {
   const Status item = statusOf(folder, name);
   const Status parent = statusOf(folder, "");
