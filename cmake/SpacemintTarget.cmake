@@ -1,7 +1,7 @@
 # spacemint_library(NAME MAY_USE a b … LINKS x y … QT Core … SOURCES … HEADERS …)
 #
 # Adds a library. This file defines the layers (SPACEMINT_LAYERS): a target links only the layers in MAY_USE,
-# and configuring fails if a layer uses one that it may not use. LINKS are external libraries that only the
+# and configuring fails if a layer uses a layer above it. LINKS are external libraries that only the
 # sources use; QT are Qt modules, which the headers may use too.
 
 set(SPACEMINT_LAYERS

@@ -89,7 +89,7 @@ std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!canonicallyEqual(earlier.rootPath(), arguments.root)) return "the last scan was of another folder";
   if (earlier.minNodeSize != arguments.minNodeSize) return "the last scan used another --min-size";
   if (earlier.eventID.value_or(0) == 0) return "nothing recorded changes at the last scan";
-  // With a date in the future, the next full scan would come too late.
+  // With a date in the future the next full scan would be too late.
   if (earlier.fullScanDate > arguments.now) return "the last full scan is dated in the future";
   if (!earlier.canSeedIncrementalScan({.root = arguments.root,
                                        .minNodeSize = arguments.minNodeSize,
@@ -120,7 +120,7 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   ScanPlan plan{.fullScanDate = arguments.now};
   JournalQuery query{
       .root = arguments.root, .timeout = arguments.timeout, .shouldCancel = arguments.shouldCancel};
-  // The id is taken first, so that everything that happens from now on is in the next answer.
+  // Take the id first, so that the journal's next answer includes all changes from now on.
   const std::uint64_t id = journal.currentEventID(query);
   if (id != 0) plan.eventID = id;
   plan.whyFull = obstacle(arguments);
@@ -149,7 +149,7 @@ ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
 }
 
 Snapshot FinishedScan::snapshot() && {
-  // What could not be read now may be readable next time, although no change is reported.
+  // The next scan may be able to read these items although the journal reports no change.
   const auto eventID = result.unread.hasFailures ? std::nullopt : plan.eventID;
   return {.date = end,
           .duration = end - start,
