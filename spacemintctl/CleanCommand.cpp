@@ -157,7 +157,7 @@ bool confirmed(const Proposal& proposal, const CleanOptions& options, const Word
   if (options.yes) return options.json || print(text);
   if (!canAsk()) {
     if (!options.json) print(text);
-    complain("nothing was removed: not confirmed, for there is no terminal; use --yes");
+    complain("nothing was removed: not confirmed, because there is no terminal; use --yes");
     return false;
   }
   std::fputs(text.c_str(), stderr);

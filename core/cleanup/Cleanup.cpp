@@ -74,7 +74,7 @@ std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const Clea
     return changed(step, context.guard, "is no longer what it was");
   }
   if (step.kind == Kind::removeWorktree && worktreeContents(step.path, context) != step.worktree) {
-    return changed(step, context.guard, "has other changes than those that were shown");
+    return changed(step, context.guard, "has changes that were not shown");
   }
   return std::nullopt;
 }

@@ -141,7 +141,7 @@ void SnapshotStore::prune(const Retention& retention) const {
       const bool isFirstOfDay = !day || keptDays.insert(*day).second;
       if (isNewest || isFirstOfDay) continue;
     }
-    log(LogLevel::debug, "a stored scan is no longer kept: " + entry.path);
+    log(LogLevel::debug, "deleting an old stored scan: " + entry.path);
     removeFile(entry.path);
   }
 }

@@ -153,7 +153,7 @@ class ReadAheadListing::Crew {
   // The walk calls this when the process has no file handle left. Closes all folders that helpers opened,
   // makes those folders pending again, and stops reading ahead.
   void giveUp() {
-    log(LogLevel::info, "no file handle is left; the scan reads nothing ahead any more");
+    log(LogLevel::info, "no file handle is left; the scan stops reading ahead");
     std::unique_lock lock(mutex_);
     foldersAhead_ = 0;
     ready_.wait(lock, [&] { return working_ == 0; });

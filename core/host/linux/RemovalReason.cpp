@@ -23,7 +23,7 @@ constexpr std::pair<int, const char*> reasons[]{
     {ELOOP, "is a symbolic link"},
     {EINVAL, "isn't a plain absolute path"},
     {ENOENT, "does not exist"},
-    {ENOTEMPTY, "is filled again while it is being removed"},
+    {ENOTEMPTY, "gets new files while it is being removed"},
     {EROFS, "lies on a read-only file system"},
 };
 
@@ -56,9 +56,9 @@ std::string userName(uid_t user) {
   return found != nullptr ? found->pw_name : "user " + std::to_string(user);
 }
 
-// "belongs to root" for another user's item; for the user's own item, that its mode forbids access.
+// "belongs to root" for another user's item; the mode for the user's own item.
 std::string belongingTo(const Status& item) {
-  return item.isMine() ? "is closed by its mode " + item.mode()
+  return item.isMine() ? "has insufficient permissions (mode " + item.mode() + ")"
                        : "belongs to " + userName(item.facts.stx_uid);
 }
 
