@@ -6,7 +6,7 @@
 
 namespace spacemint {
 
-/// Why an operation failed. Code decides on `domain` and `code`; `message` is for people.
+/// Why an operation failed. Code decides on `domain` and `code`; `message` is for the user and the log.
 struct Error {
   /// The domain of failed system calls; `code` is the errno.
   static constexpr std::string_view system = "system";

@@ -14,14 +14,14 @@ namespace {
 
 using PathSet = std::unordered_set<std::string>;
 
-// The folder that holds `path`; absent above `rootLength` characters, and for "/".
+// The parent folder of `path`; absent for the root, whose path has `rootLength` characters, and for "/".
 std::optional<std::string> parentOf(const std::string& path, std::size_t rootLength) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos || slash == 0 || slash < rootLength) return std::nullopt;
   return path.substr(0, slash);
 }
 
-// The paths as the tree spells them: without "/" at the end, and on the data volume when the root is there.
+// The paths as the tree spells them: without a trailing "/", and on the data volume if the root is on it.
 PathSet asInTree(const std::vector<std::string>& paths, const std::string& root) {
   const bool onDataVolume = canonicalPrefixLength(root, Paths::dataVolume).has_value();
   PathSet result;
@@ -81,7 +81,7 @@ struct Unchanged {
   }
 };
 
-// Why the earlier scan cannot be reused; empty when it can.
+// Why the earlier scan cannot be reused; empty if it can.
 std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!arguments.mayReuse) return "that was asked for";
   if (!arguments.earlier) return "there is no earlier scan";

@@ -10,8 +10,8 @@
 
 namespace spacemint {
 
-/// After this time a full scan is due. It corrects what a journal cannot report, such as a file that was
-/// changed through another of its names.
+/// The time between full scans. A full scan finds changes that a journal cannot report, such as a change of a
+/// file through another hard link.
 inline constexpr std::chrono::days fullScanInterval{3};
 
 /// The `reuse` function of a scan: returns a folder's node in `previous` if nothing changed in or below the
@@ -27,7 +27,7 @@ struct ScanPlan {
     Date now;
     /// The newest stored scan.
     std::optional<Snapshot> earlier;
-    /// False makes a full scan in any case.
+    /// False forces a full scan.
     bool mayReuse = true;
     /// The longest wait for the journal.
     std::chrono::milliseconds timeout = std::chrono::seconds{60};

@@ -19,7 +19,7 @@ std::string join(std::string_view base, std::string_view name);
 /// The path without a leading `dataVolume`; "/" for the data volume itself.
 std::string logical(std::string_view path);
 
-/// The logical path for display: "~" for `home`, "~/…" for paths below it.
+/// The logical path for display: "~" for `home`, "~/…" for paths below `home`.
 std::string display(std::string_view path, std::string_view home);
 
 /// The absolute path without "." components and without doubled or trailing "/".
