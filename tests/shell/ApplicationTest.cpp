@@ -39,6 +39,12 @@ class ApplicationTest : public support::ModelFixture {
     settle();
     return *application;
   }
+  // As at every launch but the first.
+  void launchAgain() {
+    store("hasStarted", true);
+    launch();
+    advance(1s);
+  }
   // The shell hears of settings by the event loop.
   void settle() {
     QCoreApplication::processEvents();
@@ -62,9 +68,7 @@ class ApplicationTest : public support::ModelFixture {
 };
 
 TEST_F(ApplicationTest, oneClickOpensTheNextClosesAndDoesNotOpenAgain) {
-  store("hasStarted", true);
-  launch();
-  advance(1s);
+  launchAgain();
   click();
   ASSERT_TRUE(isPanelShown());
   click();
@@ -80,10 +84,8 @@ TEST_F(ApplicationTest, oneClickOpensTheNextClosesAndDoesNotOpenAgain) {
 
 // The 250 milliseconds are of a clock that nobody sets.
 TEST_F(ApplicationTest, aClockThatIsSetDoesNotMatterForClicks) {
-  store("hasStarted", true);
   for (const auto jump : {-8760h, 8760h}) {
-    launch();
-    advance(1s);
+    launchAgain();
     click();
     click();
     ASSERT_FALSE(isPanelShown());
@@ -99,9 +101,7 @@ TEST_F(ApplicationTest, aClockThatIsSetDoesNotMatterForClicks) {
 }
 
 TEST_F(ApplicationTest, aClickBesideThePanelClosesItAlsoWithoutTheFocus) {
-  store("hasStarted", true);
-  launch();
-  advance(1s);
+  launchAgain();
   click();
   ASSERT_TRUE(isPanelShown());
   desktop.outsideClicks.click();
@@ -117,9 +117,7 @@ TEST_F(ApplicationTest, aClickBesideThePanelClosesItAlsoWithoutTheFocus) {
 }
 
 TEST_F(ApplicationTest, hidingThePanelClearsWhatWasOnIt) {
-  store("hasStarted", true);
-  launch();
-  advance(1s);
+  launchAgain();
   click();
   model->showMessage("Done.");
   model->confirmEmptyTrash();
@@ -177,10 +175,8 @@ TEST_F(ApplicationTest, explainsTheWindowWhereTheUserSeesIt) {
 
 TEST_F(ApplicationTest, canEndWhileItIsSeen) {
   for (const char* presence : {"menuBar", "dock"}) {
-    store("hasStarted", true);
     store("presence", presence);
-    launch();
-    advance(1s);
+    launchAgain();
     application->showUI();
     ASSERT_TRUE(isPanelShown() || isWindowShown());
     const QPoint place{120, 90};
@@ -202,9 +198,7 @@ TEST_F(ApplicationTest, statusAreaThatStartsAgainChangesNothing) {
 }
 
 TEST_F(ApplicationTest, hiddenInterfaceIsReleasedAfterAWhile) {
-  store("hasStarted", true);
-  launch();
-  advance(1s);
+  launchAgain();
   click();
   click();
   advance(20s);

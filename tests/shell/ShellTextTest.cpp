@@ -8,6 +8,10 @@
 #include <QPainter>
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+
 namespace spacemint {
 namespace {
 
@@ -83,13 +87,17 @@ TEST(WindowPlace, isTakenBackWhereItWouldBeSeen) {
   for (const auto& c : cases) EXPECT_EQ(windowPlace(c.text, size, screens), c.place) << c.text;
 }
 
-bool hasInk(const QImage& image, const QRect& area, const QColor& colour) {
-  for (int y = area.top(); y <= area.bottom(); ++y) {
-    for (int x = area.left(); x <= area.right(); ++x) {
-      if (image.pixelColor(x, y) == colour) return true;
-    }
+// The largest value of a measure of the pixels in a part of a picture.
+int most(const QImage& image, const QRect& part, const std::function<int(QRgb)>& measure) {
+  int largest = 0;
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    for (int x = part.left(); x <= part.right(); ++x) largest = std::max(largest, measure(image.pixel(x, y)));
   }
-  return false;
+  return largest;
+}
+
+bool hasInk(const QImage& image, const QRect& area, const QColor& colour) {
+  return most(image, area, [&](QRgb pixel) { return pixel == colour.rgb() ? 1 : 0; }) > 0;
 }
 
 TEST(StatusIcon, isTheLogoOrTheFigureInEverySize) {
@@ -115,13 +123,7 @@ int contrast(const QImage& icon, const QRect& part, const QColor& ground) {
   QImage picture{icon.size(), QImage::Format_RGB32};
   picture.fill(ground);
   QPainter{&picture}.drawImage(0, 0, icon);
-  int most = 0;
-  for (int y = part.top(); y <= part.bottom(); ++y) {
-    for (int x = part.left(); x <= part.right(); ++x) {
-      most = std::max(most, std::abs(qGray(picture.pixel(x, y)) - qGray(ground.rgb())));
-    }
-  }
-  return most;
+  return most(picture, part, [&](QRgb pixel) { return std::abs(qGray(pixel) - qGray(ground.rgb())); });
 }
 
 // The colour of the status area is only a guess.

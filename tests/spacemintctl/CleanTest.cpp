@@ -61,6 +61,9 @@ class CleanTest : public testing::Test {
   }
 
   Program program{SPACEMINTCTL};
+  // What must stay, because it is not in the home folder.
+  TemporaryFolder outside;
+  const std::string treasure = support::writeText(outside / "treasure");
 };
 
 TEST_F(CleanTest, doesNothingWithoutAYes) {
@@ -114,8 +117,6 @@ TEST_F(CleanTest, changesTheStoredScanToWhatIsThereNow) {
 }
 
 TEST_F(CleanTest, refusesWhatTheGuardRefuses) {
-  const TemporaryFolder outside;
-  const std::string treasure = support::writeText(outside / "treasure");
   fs::create_directories(at("Documents"));
   fs::create_directories(at("Bilder"));
   support::writeText(at(".config/user-dirs.dirs"), "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n");
@@ -143,8 +144,6 @@ TEST_F(CleanTest, refusesWhatTheGuardRefuses) {
 TEST_F(CleanTest, judgesAgainAfterTheAnswer) {
   if (!support::canMount() || !Program::canHaveTerminal())
     GTEST_SKIP() << "no mounts or no terminal to be had here";
-  const TemporaryFolder outside;
-  const std::string treasure = support::writeText(outside / "treasure");
   makeRepository({"fix"});
   fs::create_directory(at("fix/place"));
   EXPECT_TRUE(support::succeedsInChild([&] {
@@ -241,8 +240,6 @@ TEST_F(CleanTest, saysWhyACacheCannotBeCleaned) {
 }
 
 TEST_F(CleanTest, emptiesNoCacheThatBecameALink) {
-  const TemporaryFolder outside;
-  const std::string treasure = support::writeText(outside / "treasure");
   write(".gradle/caches/jar", 60'000'000);
   scan();
   fs::remove_all(at(".gradle/caches"));

@@ -2,11 +2,11 @@
 
 #include "support/Program.h"
 
+#include "AppServices/consent/UsageConsent.h"
 #include "core/history/SnapshotCodec.h"
 #include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
@@ -29,6 +29,7 @@ class SpacemintctlTest : public testing::Test {
   }
 
   Program program{SPACEMINTCTL};
+  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
 };
 
 TEST_F(SpacemintctlTest, scanSaysWhatIsBigInTheHomeFolder) {
@@ -43,20 +44,6 @@ TEST_F(SpacemintctlTest, scanSaysWhatIsBigInTheHomeFolder) {
                     HasSubstr("~/Code/app\n"), Not(HasSubstr("~/Code\n")), HasSubstr("~/Movies/long.mov\n"),
                     HasSubstr("~/notes\ufffd.txt\n"), Not(HasSubstr("\x1b"))));
   EXPECT_THAT(program.run({"scan"}).out, HasSubstr("Nothing here is as large as 20 MB.\n"));
-}
-
-TEST_F(SpacemintctlTest, scanPrintsTheStoredDocumentAsJson) {
-  program.addFile("Movies/long.mov", 3'000'000);
-  const Outcome outcome =
-      program.run({"scan", "--json", "--min-size", "1000000", "--no-save", program.home().path() + "/"});
-  EXPECT_EQ(outcome.exitCode, 0);
-  const auto snapshot = SnapshotCodec::decode(outcome.out);
-  ASSERT_TRUE(snapshot) << snapshot.error().message;
-  EXPECT_EQ(snapshot->rootPath(), program.home().path());
-  EXPECT_EQ(snapshot->minNodeSize, 1'000'000);
-  EXPECT_EQ(snapshot->nodeAt(program.home() / "Movies")->fileCount, 1);
-  EXPECT_GT(snapshot->volumeTotal, 0);
-  EXPECT_TRUE(snapshot->fullScanDate && *snapshot->fullScanDate <= snapshot->date);
 }
 
 TEST_F(SpacemintctlTest, scanSaysInOneLineWhyARootCannotBeScanned) {
@@ -196,7 +183,6 @@ TEST_F(SpacemintctlTest, storedScansAreBrowsedByDate) {
 }
 
 TEST_F(SpacemintctlTest, scanningPrunesTheHistory) {
-  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
   for (const int days : {10, 20, 30})
     ASSERT_TRUE(program.scans().save({.date = now - std::chrono::days{days}}));
   EXPECT_EQ(program.run({"scan"}).exitCode, 0);
@@ -208,7 +194,6 @@ TEST_F(SpacemintctlTest, scanningPrunesTheHistory) {
 
 TEST_F(SpacemintctlTest, theFormerProductsHistoryIsMovedBeforeTheFirstScanIsKept) {
   const SnapshotStore former{program.home() / ".local/share/Loftmere/Snapshots"};
-  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
   ASSERT_TRUE(former.save({.date = now - std::chrono::days{1}}));
   EXPECT_EQ(program.run({"scan"}).err, "");
   EXPECT_EQ(program.scans().entries().size(), 2U);
@@ -218,7 +203,6 @@ TEST_F(SpacemintctlTest, theFormerProductsHistoryIsMovedBeforeTheFirstScanIsKept
 TEST_F(SpacemintctlTest, scansOfOtherFoldersAreKeptApart) {
   program.addFile("Code/core", 2'000'000);
   program.addFile("Movies/long.mov", 3'000'000);
-  const Date now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
   for (const int days : {1, 2})
     ASSERT_TRUE(program.scans().save(
         {.date = now - std::chrono::days{days}, .root = {.name = program.home().path()}}));
@@ -281,6 +265,38 @@ TEST_F(SpacemintctlTest, wrongUsageIsTwo) {
     EXPECT_NE(outcome.err, "");
   }
   EXPECT_EQ(program.run({"--help"}).exitCode, 0);
+}
+
+TEST(UsageCommand, showsAndChangesTheConsent) {
+  const Program program{SPACEMINTCTL};
+  const auto store = [&] {
+    return DefaultsStore{program.home() / ".config/spacemint/app.spacemint.Spacemint.json"};
+  };
+  EXPECT_EQ(program.run({"usage"}).out, "Not answered yet; nothing is sent.\n");
+  EXPECT_EQ(program.run({"usage", "--json"}).out, "{\"allowed\":null,\"sentOn\":null}\n");
+
+  EXPECT_EQ(program.run({"usage", "on"}).exitCode, 0);
+  EXPECT_EQ(store().boolean(UsageConsent::shareKey), true);
+  EXPECT_THAT(program.run({"usage", "status"}).out, HasSubstr("Last sent: never.\n"));
+  store().set(UsageConsent::installKey, "ID");
+  store().set(UsageConsent::sentOnKey, "2026-03-01");
+  EXPECT_THAT(program.run({"usage"}).out, HasSubstr("Last sent: 2026-03-01.\n"));
+  EXPECT_EQ(program.run({"usage", "status", "--json"}).out, "{\"allowed\":true,\"sentOn\":\"2026-03-01\"}\n");
+
+  EXPECT_EQ(program.run({"usage", "off"}).exitCode, 0);
+  EXPECT_EQ(store().boolean(UsageConsent::shareKey), false);
+  EXPECT_FALSE(store().has(UsageConsent::installKey));
+  EXPECT_FALSE(store().has(UsageConsent::sentOnKey));
+  EXPECT_EQ(program.run({"usage"}).out, "Off: nothing is sent.\n");
+  EXPECT_EQ(program.run({"usage", "perhaps"}).exitCode, 2);
+}
+
+TEST(UsageCommand, saysWhyItCannotChangeTheConsent) {
+  const Program program{SPACEMINTCTL};
+  std::filesystem::create_directories(program.home() / ".config/spacemint/app.spacemint.Spacemint.json");
+  const auto outcome = program.run({"usage", "off"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("app.spacemint.Spacemint.json"));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/Files.h"
-#include "support/OwnLimits.h"
+#include "support/OwnMounts.h"
 #include "support/Program.h"
 #include "support/Recording.h"
 

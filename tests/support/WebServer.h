@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TestCertificate.h"
+#include "support/Files.h"
 
 #include <QByteArray>
 #include <QHostAddress>
@@ -60,12 +60,13 @@ class WebServer {
   static WebServer secure(Handler handler) {
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     configuration.setLocalCertificate(certificate());
-    configuration.setPrivateKey(QSslKey{QByteArray{testKey}, QSsl::Ec});
+    configuration.setPrivateKey(QSslKey{bytesOf("key"), QSsl::Ec});
     auto server = std::make_unique<QSslServer>();
     server->setSslConfiguration(configuration);
     return {std::move(handler), "https", std::move(server)};
   }
-  static QSslCertificate certificate() { return QSslCertificate{QByteArray{testCertificate}}; }
+  /// For 127.0.0.1. Nobody trusts it, and its key is no secret: for tests only.
+  static QSslCertificate certificate() { return QSslCertificate{bytesOf("pem")}; }
 
   std::string address() const { return scheme_ + "://127.0.0.1:" + std::to_string(server_->serverPort()); }
   const std::vector<WebRequest>& requests() const { return requests_; }
@@ -83,6 +84,10 @@ class WebServer {
     server_->listen(QHostAddress::LocalHost);
     QObject::connect(server_.get(), &QTcpServer::pendingConnectionAvailable, server_.get(),
                      [this] { accept(); });
+  }
+
+  static QByteArray bytesOf(const char* kind) {
+    return QByteArray::fromStdString(readText(std::string{SPACEMINT_TEST_CERTIFICATE "."} + kind));
   }
 
   void accept() {

@@ -1,15 +1,18 @@
 #include "ui_kit/Theme.h"
 
 #include "ui_kit/LogoGeometry.h"
+#include "ui_kit/SymbolProvider.h"
+#include "ui_kit/Symbols.h"
 #include "ui_kit/UiKit.h"
 
+#include <QColor>
 #include <QFontDatabase>
-#include <QMetaProperty>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
 #include <string>
 
 namespace spacemint {
@@ -27,14 +30,6 @@ TEST(Theme, HasEachColourInBothAppearances) {
       EXPECT_EQ(value.value<QColor>().rgba(), 0xFF000000 | (isDark ? colour.dark : colour.light));
     }
   }
-}
-
-TEST(Theme, NamesNoColourThatTheTableHasNot) {
-  const QMetaObject& meta = Theme::staticMetaObject;
-  std::size_t count = 0;
-  for (int i = 0; i < meta.propertyCount(); ++i)
-    count += meta.property(i).metaType() == QMetaType::fromType<QColor>();
-  EXPECT_EQ(count, colours.size());
 }
 
 TEST(Theme, KeepsTheTextReadable) {
@@ -86,6 +81,42 @@ TEST(UiKit, BringsItsSerif) {
   const QString serif = QStringLiteral("Source Serif 4");
   EXPECT_TRUE(QFontDatabase::hasFamily(serif));
   EXPECT_EQ(UiKit::theme(engine).serifFamily(), serif);
+}
+
+QString qString(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// The number of pixels that are not fully transparent.
+int covered(const QImage& image) {
+  int count = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) count += image.pixelColor(x, y).alpha() > 0;
+  }
+  return count;
+}
+
+TEST(Symbols, EachDrawsSomethingOfItsOwn) {
+  std::set<QByteArray> pictures;
+  for (const SymbolDrawing& symbol : symbolDrawings) {
+    SCOPED_TRACE(symbol.name);
+    const QImage image = SymbolProvider::draw(qString(symbol.name), QColor(0, 0, 0), QSize(32, 32));
+    ASSERT_EQ(image.size(), QSize(32, 32));
+    EXPECT_GT(covered(image), 32);
+    EXPECT_LT(covered(image), 32 * 32);
+    pictures.insert(QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()));
+  }
+  EXPECT_EQ(pictures.size(), symbolDrawings.size());
+}
+
+TEST(Symbols, OfNoSuchNameAreNoPicture) {
+  SymbolProvider provider;
+  QSize size;
+  EXPECT_TRUE(SymbolProvider::draw(QStringLiteral("../fonts/x"), QColor(0, 0, 0), QSize(16, 16)).isNull());
+  EXPECT_TRUE(provider.requestPixmap(QStringLiteral("nothing/000000"), &size, QSize(16, 16)).isNull());
+  EXPECT_EQ(provider.requestPixmap(QStringLiteral("trash/000000"), &size, QSize(40, 40)).size(),
+            QSize(40, 40));
+  EXPECT_EQ(size, QSize(40, 40));
 }
 
 }  // namespace

@@ -25,7 +25,6 @@ class FoldersTabTest : public ShownTabs {
                support::folder(".Trash", {file("gone.zip", 300 * MB)}), file("disk.img", 200 * MB)});
     return show(Tab::folders);
   }
-  QAccessibleInterface* accessible(QQuickItem* item) { return QAccessible::queryAccessibleInterface(item); }
   QString focusedRow() {
     for (const QQuickItem* item = view->window().activeFocusItem(); item != nullptr;
          item = item->parentItem()) {
@@ -48,6 +47,7 @@ TEST_F(FoldersTabTest, goesIntoAFolderAndBackByMouse) {
   showFolders();
   EXPECT_THAT(rows(), ElementsAre("Films", "Papers", ".Trash", "disk.img"));
   EXPECT_FALSE(view->find(QStringLiteral("Home folder")).isEmpty());
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(list())->role(), QAccessible::List);
   click(row("Papers"));
   EXPECT_THAT(rows(), ElementsAre("thesis.pdf", "Other small items"));
   click("Home folder");
@@ -158,18 +158,6 @@ TEST_F(FoldersTabTest, theButtonsOfARowAreReachedByTheKeyboard) {
   EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Films · 3 GB"));
 }
 
-TEST_F(FoldersTabTest, rowsSayWhatTheyAre) {
-  showFolders();
-  const auto* movies = accessible(row("Films"));
-  EXPECT_EQ(movies->role(), QAccessible::ListItem);
-  EXPECT_EQ(movies->text(QAccessible::Name), QStringLiteral("Films, 3 GB"));
-  const auto* all = accessible(list());
-  EXPECT_EQ(all->role(), QAccessible::List);
-  EXPECT_EQ(all->text(QAccessible::Name), QStringLiteral("Home folder"));
-  view->hover(row("Films"));
-  EXPECT_EQ(accessible(button("Move to Trash…"))->role(), QAccessible::Button);
-}
-
 TEST_F(FoldersTabTest, namesAreShownAsTheyAreAndShortenedInTheMiddle) {
   const std::string name = "the film of a holiday " + std::string(120, 'o') + " that nobody watches.mov";
   storeHome(morning - 1h, {file(name, 4 * GB), file("عطلة الصيف.mov", 3 * GB), file("<b>bold", 2 * GB),
@@ -212,6 +200,30 @@ TEST_F(FoldersTabTest, rowsThatAreGoneAreNotFound) {
   model->setFolderPath(inHome("Small"));
   settle();
   EXPECT_THAT(rows(), ElementsAre("one"));
+}
+
+using FilesTabTest = ShownTabs;
+
+TEST_F(FilesTabTest, listsTheLargestFirstEachWithItsFolder) {
+  storeHome(morning - 1h, {nested("Movies/Old", {file("first.mov", 2 * GB)}), file("disk.img", 3 * GB)});
+  show(Tab::files);
+  EXPECT_THAT(rows(), ElementsAre("disk.img", "first.mov"));
+  EXPECT_EQ(row("disk.img")->property("subtitle").toString(), QStringLiteral("~"));
+  EXPECT_EQ(row("first.mov")->property("subtitle").toString(), QStringLiteral("~/Movies/Old"));
+  click(row("disk.img"));
+  EXPECT_EQ(model->tab(), Tab::files) << "a file opens nothing";
+  click(row("first.mov"), Qt::RightButton);
+  click("Show in Folders");
+  EXPECT_EQ(model->tab(), Tab::folders);
+  EXPECT_EQ(model->folderPath(), inHome("Movies/Old"));
+  EXPECT_THAT(rows(), ElementsAre("first.mov"));
+}
+
+TEST_F(FilesTabTest, withoutLargeFilesSaysSo) {
+  storeHome(morning - 1h, {support::folder("Mail", {}, {.unlisted = 90 * MB})});
+  show(Tab::files);
+  EXPECT_TRUE(shows("No files over 20 MB."));
+  EXPECT_THAT(rows(), IsEmpty());
 }
 
 }  // namespace

@@ -1,6 +1,11 @@
 // How the pages look: nothing is cut off, marked twice, pushed aside or in two languages.
 
+#include "support/Files.h"
 #include "views/ShownTabs.h"
+
+#include <QAccessible>
+
+#include <map>
 
 namespace spacemint {
 namespace {
@@ -252,6 +257,79 @@ TEST_F(LooksTest, aGermanDesktopGetsEnglishSentencesAndGermanNumbers) {
   settle();
   EXPECT_EQ(subtitle("old"), "used 2 months ago");
   EXPECT_EQ(row("old")->property("sizeText").toString(), QStringLiteral("2,6 GB"));
+}
+
+const std::map<QAccessible::Role, std::string> controlRoles{
+    {QAccessible::Button, "button"},        {QAccessible::CheckBox, "check box"},
+    {QAccessible::ComboBox, "combo box"},   {QAccessible::RadioButton, "radio button"},
+    {QAccessible::PageTab, "tab"},          {QAccessible::ListItem, "list item"},
+    {QAccessible::ProgressBar, "progress"}, {QAccessible::Heading, "heading"},
+    {QAccessible::AlertMessage, "alert"},   {QAccessible::Dialog, "dialog"}};
+
+class ScreenReaderTest : public ShownTabs {
+ protected:
+  // A line for each visible control: its role, its name, its value or description in brackets, and its state.
+  void collect(QAccessibleInterface* from, std::vector<std::string>& lines) {
+    if (from->state().invisible) return;
+    const auto role = controlRoles.find(from->role());
+    if (role != controlRoles.end()) lines.push_back(role->second + ": " + describe(*from));
+    for (int i = 0; i < from->childCount(); ++i) collect(from->child(i), lines);
+  }
+
+  static std::string describe(QAccessibleInterface& control) {
+    const auto text = [&](QAccessible::Text kind) {
+      return control.text(kind).replace(QChar::Nbsp, u' ').toStdString();
+    };
+    const QAccessible::State state = control.state();
+    std::string line = text(QAccessible::Name);
+    EXPECT_NE(line, "");
+    if (const std::string more = text(QAccessible::Description); !more.empty()) line += " (" + more + ")";
+    if (state.checkable) line += state.checked ? ", checked" : ", not checked";
+    if (state.selected) line += ", selected";
+    return line;
+  }
+
+  std::string all() {
+    std::vector<std::string> lines;
+    collect(QAccessible::queryAccessibleInterface(&view->window()), lines);
+    std::string text;
+    for (const std::string& line : lines) text += line + "\n";
+    return text;
+  }
+};
+
+TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
+  std::string table;
+  const auto add = [&](const char* page) {
+    settle();
+    table += "== " + std::string{page} + "\n" + all();
+  };
+  hasAccess = false;
+  show();
+  add("welcome");
+  view.reset();
+
+  hasAccess = true;
+  addFile(".Trash/film", 1'200 * MB);
+  addProgram("docker", prints(dockerUsage()));
+  addWorktree("new", morning - std::chrono::days{2});
+  storeGrowth(1);
+  storeHome(morning - 30min, {support::folder(".Trash", {file("film", 1'200 * MB)}),
+                              support::folder("Downloads", {file("film.iso", 900 * MB)}),
+                              worktreeTree("new", 500 * MB), nested(".cache/pip", {file("wheel", 2 * GB)})});
+  show(Tab::overview, {460, 1000});
+  add("overview");
+  model->setTab(Tab::folders);
+  add("folders");
+  model->setTab(Tab::files);
+  add("files");
+  model->setTab(Tab::developer);
+  add("developer");
+  model->setShowingSettings(true);
+  add("settings");
+  model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
+  add("question");
+  EXPECT_EQ(table, support::readText(SPACEMINT_SCREEN_READER_TABLE));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "Spacemint/views/FolderText.h"
+#include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ScanControl.h"
 #include "Spacemint/views/SettingsForm.h"
 #include "Spacemint/views/ShownText.h"
@@ -19,17 +20,12 @@ TEST(PageText, titleTellsTheFractionCutOff) {
 }
 
 TEST(PageText, detailTellsFilesAndWhatIsLeft) {
-  struct Case {
-    std::optional<Seconds> remaining;
-    const char* text;
-  };
-  for (const Case& c : {Case{{}, "12,345 files"},
-                        {59s, "12,345 files · under a minute left"},
-                        {60s, "12,345 files · about 1 min left"},
-                        {90s, "12,345 files · about 2 min left"},
-                        {3'600s, "12,345 files · about 60 min left"}}) {
-    EXPECT_EQ(ScanText::detail(12'345, c.remaining, "en_US"), c.text);
-  }
+  const std::pair<std::optional<Seconds>, const char*> cases[]{{std::nullopt, "12,345 files"},
+                                                               {59s, "12,345 files · under a minute left"},
+                                                               {60s, "12,345 files · about 1 min left"},
+                                                               {90s, "12,345 files · about 2 min left"},
+                                                               {3'600s, "12,345 files · about 60 min left"}};
+  for (const auto& [remaining, text] : cases) EXPECT_EQ(ScanText::detail(12'345, remaining, "en_US"), text);
 }
 
 TEST(PageText, scannedTellsWhenAndWhat) {
@@ -99,6 +95,33 @@ TEST(PageText, whatIsStoredIsOfferedInItsPlace) {
   EXPECT_EQ(SettingsText::intervals(1).front().label, "Every hour");
   EXPECT_EQ(SettingsText::intervals(0).front().label, "Never");
   EXPECT_EQ(SettingsText::intervals(48).back().label, "Every 48 hours");
+}
+
+using SymbolOfName = std::pair<const char*, const char*>;
+
+TEST(Icons, folderIsKnownByItsExtension) {
+  const SymbolOfName cases[]{
+      {"Editor.app", "app.dashed"}, {"Editor.APP", "app.dashed"}, {".Trash", "trash"}, {".trash", "folder"},
+      {".app", "folder"},           {"movie.mp4", "folder"},      {"", "folder"}};
+  for (const auto& [name, symbol] : cases) EXPECT_EQ(Icons::symbol(name, true), symbol) << name;
+}
+
+TEST(Icons, fileIsKnownByItsTypeInTheOrderOfTheTable) {
+  const SymbolOfName cases[]{{"System.IMG.gz", "externaldrive"},
+                             {"docker.raw", "externaldrive"},
+                             {"photo.raw", "photo"},
+                             {".mp4", "doc"},
+                             {"data.nosuchtype", "doc"},
+                             {"holiday.MOV", "film"},
+                             {"song.mp3", "waveform"},
+                             {"debian.iso", "externaldrive"},
+                             {"machine.qcow2", "externaldrive"},
+                             {"old.tar.gz", "doc.zipper"},
+                             {"Editor.AppImage", "app.dashed"},
+                             {"Editor.app", "doc"},
+                             {"bad \xFF name.mp4", "film"},
+                             {"", "doc"}};
+  for (const auto& [name, symbol] : cases) EXPECT_EQ(Icons::symbol(name, false), symbol) << name;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 namespace spacemint {
 namespace {
@@ -57,52 +58,23 @@ TEST(DeletionGuard, decidesByTheTextOfThePath) {
   for (const auto& [path, reason] : cases) EXPECT_EQ(check(path), reason) << path.substr(0, 100);
 }
 
-// Written down once more here, so that none is lost unnoticed.
-const char* const mustStay[]{"/",        "/System",  "/Library",
-                             "/Users",   "/private", "/Applications",
-                             "/Volumes", "/usr",     "/System/Volumes/Data",
-                             "/bin",     "/sbin",    "/etc",
-                             "/var",     "/tmp",     "/opt",
-                             "/home",    "/root",    "/boot",
-                             "/dev",     "/proc",    "/sys",
-                             "/run",     "/srv",     "/mnt",
-                             "/media",   "/lib",     "/lib64"};
-const char* const mustStayInHome[]{"",
-                                   "/Library",
-                                   "/Desktop",
-                                   "/Documents",
-                                   "/Downloads",
-                                   "/Movies",
-                                   "/Music",
-                                   "/Pictures",
-                                   "/Library/Application Support",
-                                   "/Library/Caches",
-                                   "/Library/Containers",
-                                   "/.Trash",
-                                   "/.config",
-                                   "/.local",
-                                   "/.local/share",
-                                   "/.local/share/Trash",
-                                   "/.cache",
-                                   "/.ssh",
-                                   "/.gnupg",
-                                   "/Videos",
-                                   "/Public",
-                                   "/Templates"};
-
+// The file lists them once more, so that none is lost unnoticed.
 TEST(DeletionGuard, protectsTheFoldersOfTheSystemAndOfTheUserWhereverTheHomeFolderIs) {
-  for (const char* folder : mustStay) {
-    EXPECT_EQ(DeletionGuard{"/data/ann"}.check({folder, true, true}), isProtected) << folder;
-  }
-  const char* spellings[]{"/home/ann", "/home/ann/", "/System/Volumes/Data/home/ann"};
-  for (const char* home : spellings) {
-    for (const std::string folder : mustStayInHome) {
-      const std::string path = "/home/ann" + folder;
-      EXPECT_EQ(DeletionGuard{home}.check({path, true, true}), isProtected) << home << " " << path;
+  std::ifstream folders{SPACEMINT_PROTECTED_FOLDERS};
+  int count = 0;
+  for (std::string folder; std::getline(folders, folder); ++count) {
+    if (!folder.starts_with('~')) {
+      EXPECT_EQ(DeletionGuard{"/data/ann"}.check({folder, true, true}), isProtected) << folder;
+      continue;
     }
-    EXPECT_EQ(check("/home/ann/x", home), allowed) << home;
-    EXPECT_EQ(check("/home/ben/x", home), outside) << home;
+    const std::string path = folder.replace(0, 1, "/home/ann");
+    for (const char* home : {"/home/ann", "/home/ann/", "/System/Volumes/Data/home/ann"}) {
+      EXPECT_EQ(DeletionGuard{home}.check({path, true, true}), isProtected) << home << " " << path;
+      EXPECT_EQ(check("/home/ann/x", home), allowed) << home;
+      EXPECT_EQ(check("/home/ben/x", home), outside) << home;
+    }
   }
+  EXPECT_EQ(count, 49);
 }
 
 TEST(DeletionGuard, protectsTheFoldersThatTheHomeFolderLiesIn) {

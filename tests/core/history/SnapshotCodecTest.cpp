@@ -1,7 +1,7 @@
 #include "core/history/SnapshotCodec.h"
 
+#include "core/host/AtomicFile.h"
 #include "support/ChildProcess.h"
-#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -9,8 +9,11 @@
 #include <array>
 #include <bit>
 #include <cmath>
-#include <fstream>
+#include <filesystem>
 #include <random>
+#include <tuple>
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
 
 namespace spacemint {
 namespace {
@@ -172,28 +175,8 @@ TEST(SnapshotCodec, writesJustThis) {
       R"({"name":"empty","size":10,"isDirectory":true,"fileCount":1,"isWorktree":true}]}})");
 }
 
-TEST(SnapshotCodec, isReadByOthers) {
-  if (access("/usr/bin/python3", X_OK) != 0) GTEST_SKIP() << "no other reader here";
-  const support::TemporaryFolder folder;
-  Snapshot snapshot = theSnapshot();
-  snapshot.root.name = "/\"\\\x01\u00e9\U0001f33f";
-  snapshot.eventID = highest<std::uint64_t>;
-  snapshot.date += 123'456us;
-  std::ofstream{folder / "s.json"} << encoded(snapshot);
-  EXPECT_TRUE(support::succeedsInChild([&] {
-    constexpr const char* check =
-        "import json, sys; d = json.load(open(sys.argv[1], encoding='utf-8')); "
-        R"(sys.exit((d['root']['name'], d['eventID'], d['date']) != ('/"\\\x01\xe9\U0001f33f', 2**64 - 1, 0.123456)))";
-    return execl("/usr/bin/python3", "python3", "-c", check, (folder / "s.json").c_str(), nullptr) == 0;
-  }));
-}
-
 TEST(SnapshotCodec, writesModifiedInWholeSecondsHalvesAwayFromZero) {
-  struct Case {
-    Date modified;
-    Date read;
-  };
-  const Case cases[]{
+  const std::pair<Date, Date> cases[]{
       {day + 600ms, day + 1s},
       {day + 400ms, day},
       {day + 500ms, day + 1s},
@@ -204,29 +187,25 @@ TEST(SnapshotCodec, writesModifiedInWholeSecondsHalvesAwayFromZero) {
       {Date::max(), Date{9'223'372'036'854s}},
       {Date::min(), Date{-9'223'372'036'854s}},
   };
-  for (const Case& c : cases) {
+  for (const auto& [modified, read] : cases) {
     Snapshot snapshot = theSnapshot();
-    snapshot.root.modified = c.modified;
-    EXPECT_EQ(SnapshotCodec::decode(encoded(snapshot)).value().root.modified, c.read)
-        << c.modified.time_since_epoch();
+    snapshot.root.modified = modified;
+    EXPECT_EQ(SnapshotCodec::decode(encoded(snapshot)).value().root.modified, read)
+        << modified.time_since_epoch();
   }
 }
 
 TEST(SnapshotCodec, replacesWhatIsNotUtf8InNames) {
-  struct Case {
-    std::string name;
-    const char* read;
-  };
-  const Case cases[]{{"a\xff"
-                      "b",
-                      "a\uFFFDb"},
-                     {"\xc3", "\uFFFD"},
-                     {"caf\xe9/", "caf\uFFFD/"},
-                     {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"}};
-  for (const Case& c : cases) {
+  const std::pair<std::string, const char*> cases[]{{"a\xff"
+                                                     "b",
+                                                     "a\uFFFDb"},
+                                                    {"\xc3", "\uFFFD"},
+                                                    {"caf\xe9/", "caf\uFFFD/"},
+                                                    {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"}};
+  for (const auto& [name, read] : cases) {
     Snapshot snapshot = theSnapshot();
-    snapshot.root.name = c.name;
-    EXPECT_EQ(SnapshotCodec::decode(encoded(snapshot)).value().root.name, c.read);
+    snapshot.root.name = name;
+    EXPECT_EQ(SnapshotCodec::decode(encoded(snapshot)).value().root.name, read);
   }
 }
 
@@ -237,11 +216,7 @@ TEST(SnapshotCodec, readsWhatOthersMayWrite) {
   far.root.modified = Date{9'223'372'036'854s};
   const std::string deep = "{\"x\":[" + std::string(9'000, '[') + std::string(9'000, ']') + ",1e5]}";
   const std::string bulky = "\"" + std::string(3'000'000, 'x') + "\"";
-  struct Case {
-    std::string document;
-    Snapshot snapshot;
-  };
-  const Case cases[]{
+  const std::pair<std::string, Snapshot> cases[]{
       {someSnapshot.text(), theSnapshot()},
       {"\xef\xbb\xbf \t\r\n" + someSnapshot.text() + " \n", theSnapshot()},
       {someSnapshot.with("root", R"({"size" : 1 , "name" : "\u006e"})").text(), theSnapshot()},
@@ -260,8 +235,8 @@ TEST(SnapshotCodec, readsWhatOthersMayWrite) {
       {someSnapshot.with("children", "1").with("root", someNode.with("date", "true").text()).text(),
        theSnapshot()},
   };
-  for (const Case& c : cases)
-    EXPECT_EQ(SnapshotCodec::decode(c.document), c.snapshot) << c.document.substr(0, 300);
+  for (const auto& [document, snapshot] : cases)
+    EXPECT_EQ(SnapshotCodec::decode(document), snapshot) << document.substr(0, 300);
 }
 
 struct Key {
@@ -455,12 +430,7 @@ TEST(SnapshotCodec, readsAndWritesTreesAsDeepAsTheyMayBe) {
 }
 
 TEST(SnapshotCodec, givesUpEarlyOnADocumentThatOnlyOpens) {
-  struct Case {
-    const char* before;
-    const char* unit;
-    Fault fault;
-  };
-  const Case cases[]{
+  const std::tuple<const char*, const char*, Fault> cases[]{
       {"", "[", Fault::wrongType},
       {"", R"({"root":)", Fault::tooDeep},
       {"", R"({"x":)", Fault::tooDeep},
@@ -480,9 +450,9 @@ TEST(SnapshotCodec, givesUpEarlyOnADocumentThatOnlyOpens) {
 #endif
   std::string document;
   document.reserve(size + 200'000);
-  for (const Case& c : cases) {
-    const std::string many = repeated(c.unit, 10'000);
-    document = c.before;
+  for (const auto& [opening, unit, wantedFault] : cases) {
+    const std::string many = repeated(unit, 10'000);
+    document = opening;
     while (document.size() < size) document += many;
     EXPECT_TRUE(support::succeedsInChild([&] {
       rusage before{};
@@ -491,12 +461,26 @@ TEST(SnapshotCodec, givesUpEarlyOnADocumentThatOnlyOpens) {
       const auto [fault, message] = faultOf(document);
       getrusage(RUSAGE_SELF, &after);
       // A second of the processor and half the document are far more than it takes.
-      return fault == c.fault && message.size() < 1'000 &&
+      return fault == wantedFault && message.size() < 1'000 &&
              after.ru_utime.tv_sec - before.ru_utime.tv_sec <= 1 &&
              after.ru_maxrss - before.ru_maxrss < kilobytes;
-    })) << c.before
-        << c.unit;
+    })) << opening
+        << unit;
   }
+}
+
+// Each document that fuzzing ever found is tried in every build.
+TEST(SnapshotCorpus, readsTheGoodAndRefusesTheBad) {
+  int documents = 0;
+  for (const auto& file : std::filesystem::directory_iterator{SPACEMINT_FUZZ_CORPUS "/snapshot"}) {
+    const std::string name = file.path().filename();
+    const auto bytes = readFile(file.path(), 1'000'000);
+    ASSERT_TRUE(bytes) << name;
+    EXPECT_EQ(SnapshotCodec::decode(*bytes).has_value(), !name.starts_with("bad-")) << name;
+    LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(bytes->data()), bytes->size());
+    ++documents;
+  }
+  EXPECT_GE(documents, 10);
 }
 
 }  // namespace

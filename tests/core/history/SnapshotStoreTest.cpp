@@ -1,6 +1,8 @@
 #include "core/history/SnapshotStore.h"
 
+#include "core/history/Baseline.h"
 #include "core/history/SnapshotCodec.h"
+#include "core/history/SnapshotWriter.h"
 #include "support/ChildProcess.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
@@ -15,7 +17,10 @@
 #include <array>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <random>
+#include <thread>
+#include <tuple>
 
 namespace spacemint {
 namespace {
@@ -68,27 +73,12 @@ class SnapshotStoreTest : public testing::Test {
 
 TEST_F(SnapshotStoreTest, listsTheFilesThatAreNamedAfterATimeNewestFirst) {
   EXPECT_THAT(store.entries(), IsEmpty());
-  for (const char* name : {"1700000000.json",
-                           "1700000000.5.json",
-                           "-5.json",
-                           "1e3.json",
-                           "9.json",
-                           "10.json",
-                           ".5.json",  // listed
-                           "notes.txt",
-                           "abc.json",
-                           "1700000000.json.bak",
-                           "1700000000",
-                           "1700000001.JSON",
-                           "1700000002.json~",
-                           ".json",
-                           " 3.json",
-                           "4 .json",
-                           "5x.json",
-                           "nan.json",
-                           "inf.json",
-                           "1e300.json",
-                           ".1-6.spacemint-tmp"}) {
+  for (const char* name :
+       {"1700000000.json",   "1700000000.5.json", "-5.json",          "1e3.json", "9.json",
+        "10.json",           ".5.json",           "notes.txt",        "abc.json", "1700000000.json.bak",
+        "1700000000",        "1700000001.JSON",   "1700000002.json~", ".json",    " 3.json",
+        "4 .json",           "5x.json",           "nan.json",         "inf.json", "1e300.json",
+        ".1-6.spacemint-tmp"}) {
     make(name);
   }
   fs::create_directory(folder / "new/history/2000000000.json");
@@ -98,21 +88,16 @@ TEST_F(SnapshotStoreTest, listsTheFilesThatAreNamedAfterATimeNewestFirst) {
 }
 
 TEST_F(SnapshotStoreTest, savesUnderTheWholeSecond) {
-  struct Case {
-    Date date;
-    Date second;
-    const char* name;
-  };
-  const Case cases[]{
+  const std::tuple<Date, Date, const char*> cases[]{
       {someDay + 999'999us, someDay, "1700000000.json"},
       {someDay, someDay, "1700000000.json"},
       {Date{-1'999ms}, Date{-1s}, "-1.json"},
       {Date{-999ms}, Date{0s}, "0.json"},
   };
-  for (const Case& c : cases) {
-    const Snapshot scan = scanOf(c.date, 1);
+  for (const auto& [date, second, name] : cases) {
+    const Snapshot scan = scanOf(date, 1);
     const auto saved = store.save(scan);
-    EXPECT_EQ(saved, (SnapshotStore::Entry{c.second, (folder / "new/history/") + c.name}));
+    EXPECT_EQ(saved, (SnapshotStore::Entry{second, (folder / "new/history/") + name}));
     EXPECT_EQ(std::ranges::count(store.entries(), *saved), 1);
     EXPECT_EQ(store.load(*saved), scan);
   }
@@ -139,10 +124,10 @@ TEST_F(SnapshotStoreTest, passesErrorsOn) {
 TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
   struct Case {
     const char* what;
-    const char* zone;
     Date now;
     Dates files;
     Dates kept;
+    const char* zone = "UTC";
   };
   const Date noon = sys_days{2023y / 11 / 20} + 12h;
   const auto ago = [&](int days, std::chrono::minutes more = 0min) {
@@ -152,27 +137,26 @@ TEST_F(SnapshotStoreTest, prunesToTheTwoNewestAndOneOfEachDay) {
   const Date limit = sys_days{2023y / 10 / 22} + 10h;  // noon in Berlin, two weeks before noon of November 5
   const Date later = limit + 14 * 24h + 1h;
   const Case cases[]{
-      {"one day", "UTC", noon, {ago(0, 5min), ago(0, 6min), ago(0, 7min)}, {ago(0, 5min), ago(0, 6min)}},
-      {"two old ones", "UTC", noon, {ago(0), ago(30)}, {ago(0), ago(30)}},
-      {"an old one, now third", "UTC", noon, {ago(0), ago(1), ago(30)}, {ago(0), ago(1)}},
-      {"the limit", "UTC", noon, {ago(0), ago(1), ago(14)}, {ago(0), ago(1), ago(14)}},
-      {"beyond the limit", "UTC", noon, {ago(0), ago(1), ago(14) - 1s}, {ago(0), ago(1)}},
+      {"one day", noon, {ago(0, 5min), ago(0, 6min), ago(0, 7min)}, {ago(0, 5min), ago(0, 6min)}},
+      {"two old ones", noon, {ago(0), ago(30)}, {ago(0), ago(30)}},
+      {"an old one, now third", noon, {ago(0), ago(1), ago(30)}, {ago(0), ago(1)}},
+      {"the limit", noon, {ago(0), ago(1), ago(14)}, {ago(0), ago(1), ago(14)}},
+      {"beyond the limit", noon, {ago(0), ago(1), ago(14) - 1s}, {ago(0), ago(1)}},
       {"newest of a day",
-       "UTC",
        noon,
        {ago(0), ago(1), ago(3, 1min), ago(3, 2min), ago(4)},
        {ago(0), ago(1), ago(3, 1min), ago(4)}},
-      {"the second's day counts", "UTC", noon, {ago(0), ago(3), ago(3, 1min)}, {ago(0), ago(3)}},
-      {"one night", "UTC", noon, {ago(0), ago(1), night, night - 1h}, {ago(0), ago(1), night}},
+      {"the second's day counts", noon, {ago(0), ago(3), ago(3, 1min)}, {ago(0), ago(3)}},
+      {"one night", noon, {ago(0), ago(1), night, night - 1h}, {ago(0), ago(1), night}},
       {"two days in Berlin",
-       "Europe/Berlin",
        noon,
        {ago(0), ago(1), night, night - 1h},
-       {ago(0), ago(1), night, night - 1h}},
-      {"summer time", "Europe/Berlin", later, {later, later - 24h, limit}, {later, later - 24h, limit}},
-      {"summer time, beyond", "Europe/Berlin", later, {later, later - 24h, limit - 1s}, {later, later - 24h}},
-      {"no summer time", "UTC", later, {later, later - 24h, limit}, {later, later - 24h}},
-      {"no such zone", "Nowhere/Land", noon, {ago(0), ago(1), ago(2), ago(2, 1min)}, {ago(0), ago(1)}},
+       {ago(0), ago(1), night, night - 1h},
+       "Europe/Berlin"},
+      {"summer time", later, {later, later - 24h, limit}, {later, later - 24h, limit}, "Europe/Berlin"},
+      {"summer time, beyond", later, {later, later - 24h, limit - 1s}, {later, later - 24h}, "Europe/Berlin"},
+      {"no summer time", later, {later, later - 24h, limit}, {later, later - 24h}},
+      {"no such zone", noon, {ago(0), ago(1), ago(2), ago(2, 1min)}, {ago(0), ago(1)}, "Nowhere/Land"},
   };
   for (const Case& c : cases) {
     fs::remove_all(store.directory);
@@ -287,6 +271,99 @@ TEST_F(SnapshotStoreTest, twoProcessesMaySaveTheSameScanWhileAThirdReads) {
   }
   EXPECT_THAT(newest(), testing::AnyOf(1'025, 975));
   EXPECT_EQ(otherFiles(), 0U);
+}
+
+TEST(Baseline, isTheScanNearestToADayBeforeTheNewest) {
+  const auto history = [](std::initializer_list<int> hours) {
+    std::vector<SnapshotStore::Entry> entries;
+    for (const int hour : hours) {
+      entries.push_back(
+          {dateFromUnixSeconds(1'700'000'000) - std::chrono::hours{hour}, std::to_string(hour)});
+    }
+    return entries;
+  };
+  EXPECT_EQ(defaultBaseline({}), std::nullopt);
+  EXPECT_EQ(defaultBaseline(history({0})), std::nullopt);
+  EXPECT_EQ(defaultBaseline(history({0, 3}))->path, "3");
+  EXPECT_EQ(defaultBaseline(history({0, 3, 20, 30, 72}))->path, "20");
+  EXPECT_EQ(defaultBaseline(history({0, 23, 25}))->path, "23");  // as near; the newer one
+  EXPECT_EQ(baselineCandidates(history({0, 3, 20, 30, 72})).back().path, "72");
+  EXPECT_EQ(defaultBaseline(history({0, 3, -5, -24})), history({3}).front()) << "not one of a time to come";
+  // As far apart as dates can be.
+  const std::vector<SnapshotStore::Entry> extremes{{Date::max(), "max"}, {Date{}, "0"}, {Date::min(), "min"}};
+  EXPECT_EQ(defaultBaseline(extremes)->path, "0");
+}
+
+class SnapshotWriterTest : public testing::Test {
+ protected:
+  // The revision is also what the snapshot holds, so that the file tells which one was written.
+  static Snapshot snapshot(Date date, std::int64_t revision) {
+    return {.date = date, .root = {.name = "/"}, .volumeFree = revision};
+  }
+  std::optional<bool> save(Date date, std::int64_t revision) {
+    const auto saved = writer.save(snapshot(date, revision), revision);
+    return saved ? std::optional{*saved} : std::nullopt;
+  }
+  std::vector<std::int64_t> written() const {
+    std::vector<std::int64_t> revisions;
+    for (const auto& entry : store.entries()) revisions.push_back(store.load(entry).value().volumeFree);
+    return revisions;
+  }
+
+  using Revisions = std::vector<std::int64_t>;
+  support::TemporaryFolder folder;
+  const SnapshotStore store{folder / "history"};
+  SnapshotWriter writer{store};
+  const Date scan{1'700'000'000s};
+};
+
+TEST_F(SnapshotWriterTest, neverPutsAnOlderRevisionOverANewerOne) {
+  struct Call {
+    Date date;
+    std::int64_t revision;
+    bool saves;
+    Revisions written;
+  };
+  const Call calls[]{
+      {scan, 5, true, {5}},
+      {scan, 4, false, {5}},
+      {scan, 5, false, {5}},
+      {scan, 6, true, {6}},
+      {scan + 10s, 2, true, {2, 6}},  // another scan, with revisions of its own
+      {scan, 6, false, {2, 6}},
+      {scan + 1us, 1, true, {2, 1}},  // another scan of the same second takes the file over
+      {scan, 7, true, {2, 7}},
+      {scan - 10s, 3, true, {2, 7, 3}},
+      {scan - 10s, -4, false, {2, 7, 3}},
+  };
+  for (const Call& call : calls) {
+    EXPECT_EQ(save(call.date, call.revision), call.saves) << call.revision;
+    EXPECT_EQ(written(), call.written) << call.revision;
+  }
+}
+
+TEST_F(SnapshotWriterTest, aRevisionThatCouldNotBeSavedCanBeTriedAgain) {
+  std::ofstream{folder / "history"} << "in the way";
+  EXPECT_EQ(save(scan, 5), std::nullopt);
+  std::filesystem::remove(folder / "history");
+  EXPECT_EQ(save(scan, 4), true);
+  Snapshot endless = snapshot(scan, 6);
+  endless.duration = Seconds{std::numeric_limits<double>::infinity()};
+  EXPECT_FALSE(writer.save(endless, 6));
+  EXPECT_EQ(save(scan, 4), false);
+  EXPECT_EQ(written(), Revisions{4});
+  EXPECT_EQ(save(scan, 6), true);
+}
+
+TEST_F(SnapshotWriterTest, keepsTheNewestRevisionWhateverThreadsBringThem) {
+  constexpr std::size_t scans = 20;
+  for (std::size_t i = 0; i < scans; ++i) {
+    std::vector<std::jthread> running;
+    for (std::int64_t revision = 1; revision <= 6; ++revision) {
+      running.emplace_back([this, i, revision] { save(scan + i * 1s, revision); });
+    }
+  }
+  EXPECT_EQ(written(), Revisions(scans, 6));
 }
 
 }  // namespace

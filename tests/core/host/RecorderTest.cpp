@@ -5,7 +5,6 @@
 #include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 #include "support/ChildProcess.h"
-#include "support/OwnLimits.h"
 #include "support/OwnMounts.h"
 #include "support/Recording.h"
 #include "support/TemporaryFolder.h"
@@ -242,16 +241,6 @@ TEST_P(RecorderTest, noticesThatAnotherFolderIsInThePlaceOfItsRoot) {
   EXPECT_EQ(reason(ask()), JournalError::rootReplaced);
 }
 
-TEST_P(RecorderTest, isLostWhenItsVolumeIsUnmounted) {
-  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
-  EXPECT_TRUE(support::succeedsInChild([&] {
-    if (!support::enterOwnMounts() || mount("none", root.c_str(), "tmpfs", 0, "size=1m") != 0) return false;
-    start();
-    // The recorder keeps nothing open that would prevent this.
-    return ask() && umount(root.c_str()) == 0 && reason(ask()) == JournalError::unmounted;
-  }));
-}
-
 TEST_P(RecorderTest, countsWhatIsMountedBelowTheRootAsChanged) {
   if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
   fs::create_directories(root + "/m/below");
@@ -346,14 +335,18 @@ TEST_P(RecorderTest, hearsOfItsFoldersAloneAlsoThroughAnotherMount) {
 }
 
 // The mark ends with the volume, and another volume at the same place has no mark.
-TEST_P(RecorderTest, isLostWhenAnotherVolumeTookThePlaceOfItsOwn) {
+TEST_P(RecorderTest, isLostWhenItsVolumeIsUnmountedAlsoWhereAnotherTookItsPlace) {
   if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
-  EXPECT_TRUE(support::succeedsInChild([&] {
-    const auto mountRoot = [&] { return mount("none", root.c_str(), "tmpfs", 0, "size=1m") == 0; };
-    if (!support::enterOwnMounts() || !mountRoot()) return false;
-    start();
-    return ask() && umount(root.c_str()) == 0 && mountRoot() && reason(ask()) == JournalError::unmounted;
-  }));
+  for (const bool isReplaced : {false, true}) {
+    EXPECT_TRUE(support::succeedsInChild([&] {
+      const auto mountRoot = [&] { return mount("none", root.c_str(), "tmpfs", 0, "size=1m") == 0; };
+      if (!support::enterOwnMounts() || !mountRoot()) return false;
+      start();
+      // The recorder keeps nothing open that would prevent this.
+      return ask() && umount(root.c_str()) == 0 && (!isReplaced || mountRoot()) &&
+             reason(ask()) == JournalError::unmounted;
+    })) << isReplaced;
+  }
 }
 
 class RecordingCrawlTest : public RecorderTest {

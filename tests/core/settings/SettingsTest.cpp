@@ -1,17 +1,20 @@
 #include "core/settings/Settings.h"
 
+#include "core/history/Migration.h"
+#include "support/Files.h"
+#include "support/TemporaryFolder.h"
+
 #include <gmock/gmock.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <tuple>
 
 namespace spacemint {
 namespace {
 
 TEST(Settings, acceptWhatPeopleMayType) {
-  struct Case {
-    const char* key;
-    const char* text;
-    DefaultsValue value;
-  };
-  const Case cases[]{
+  const std::tuple<const char*, const char*, DefaultsValue> cases[]{
       {"warningThresholdGB", "20", 20},
       {"warningThresholdGB", "0", 0},
       {"warningThresholdGB", "42", 42},
@@ -29,20 +32,15 @@ TEST(Settings, acceptWhatPeopleMayType) {
       {"hasStarted", "no", false},
       {"hasStarted", "on", true},
   };
-  for (const Case& c : cases) {
-    const auto value = parseSetting(c.key, c.text);
-    ASSERT_TRUE(value) << c.key << ' ' << c.text;
-    EXPECT_EQ(*value, c.value) << c.key << ' ' << c.text;
+  for (const auto& [key, text, wantedValue] : cases) {
+    const auto value = parseSetting(key, text);
+    ASSERT_TRUE(value) << key << ' ' << text;
+    EXPECT_EQ(*value, wantedValue) << key << ' ' << text;
   }
 }
 
 TEST(Settings, refuseTheRestAndSayWhatWouldDo) {
-  struct Case {
-    const char* key;
-    std::vector<const char*> texts;
-    const char* wouldDo;
-  };
-  const Case cases[]{
+  const std::tuple<const char*, std::vector<const char*>, const char*> cases[]{
       {"warningThresholdGB",
        {"", "-1", "20 GB", " 20", "2.5", "+5", "0x10", "9223372037", "99999999999999999999"},
        "a whole number from 0 to 9223372036 (offered: 5, 10, 15, 20, 30, 50, 75, 100, 150, 200)."},
@@ -53,25 +51,15 @@ TEST(Settings, refuseTheRestAndSayWhatWouldDo) {
       {"presence", {"both", "menubar"}, "menuBar, dock."},
       {"hasStarted", {"1", "", "TRUE"}, "true, false, yes, no, on, off."},
   };
-  for (const Case& c : cases) {
-    for (const char* text : c.texts) {
-      const auto value = parseSetting(c.key, text);
-      ASSERT_FALSE(value) << c.key << ' ' << text;
+  for (const auto& [key, texts, wouldDo] : cases) {
+    for (const char* text : texts) {
+      const auto value = parseSetting(key, text);
+      ASSERT_FALSE(value) << key << ' ' << text;
       EXPECT_EQ(value.error().code, std::to_underlying(SettingError::unfitValue));
       EXPECT_EQ(value.error().message,
-                std::string{"\""} + text + "\" is no value of " + c.key + ". It can be: " + c.wouldDo);
+                std::string{"\""} + text + "\" is no value of " + key + ". It can be: " + wouldDo);
     }
   }
-}
-
-TEST(Settings, anUnknownKeyIsAnsweredWithTheKnownOnes) {
-  const auto value = parseSetting("treshold", "20");
-  ASSERT_FALSE(value);
-  EXPECT_EQ(value.error().code, std::to_underlying(SettingError::unknownKey));
-  EXPECT_EQ(
-      value.error().message,
-      "There is no setting \"treshold\". The settings are: warningThresholdGB, scope, scanIntervalHours, "
-      "showFreeSpaceInMenuBar, presence, hasStarted.");
 }
 
 TEST(Settings, everyOfferedChoiceCanBeTyped) {
@@ -86,6 +74,106 @@ TEST(Settings, everyOfferedChoiceCanBeTyped) {
       }
     }
   }
+}
+
+namespace fs = std::filesystem;
+using Migration::Result;
+
+class MigrationTest : public testing::Test {
+ protected:
+  // The settings files are written as text, null for none.
+  Result migrate(const char* former, const char* present) {
+    if (former != nullptr) support::writeText(folder / "former.json", former);
+    if (present != nullptr) support::writeText(folder / "present.json", present);
+    return launch();
+  }
+  Result launch() {
+    DefaultsStore defaults{folder / "present.json"};
+    std::optional<DefaultsStore> old;
+    if (fs::exists(folder / "former.json"))
+      old.emplace(folder / "former.json", DefaultsStore::Access::readOnly);
+    return Migration::fromLoftmere({.defaults = defaults,
+                                    .oldDefaults = old ? &*old : nullptr,
+                                    .supportDirectory = folder / "data",
+                                    .fileManager = files});
+  }
+  std::string settingsNow() const {
+    std::string text = support::readText(folder / "present.json");
+    std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+    return text;
+  }
+
+  support::TemporaryFolder folder;
+  FileManager files = FileManager::host();
+};
+
+TEST_F(MigrationTest, copiesSettingsIntoAStoreThatWasNeverUsed) {
+  const std::tuple<const char*, const char*, bool, const char*> cases[]{
+      {nullptr, nullptr, false, ""},
+      {R"({"scope": "disk"})", nullptr, false, ""},
+      {R"({"hasStarted": true})", nullptr, true, R"({"hasStarted":true})"},
+      {R"({"hasStarted": false, "scope": "disk"})", R"({"scope": "home", "other": 1})", true,
+       R"({"hasStarted":false,"other":1,"scope":"disk"})"},
+      {R"({"hasStarted": true, "scope": "disk"})", R"({"hasStarted": false})", false,
+       R"({"hasStarted":false})"},
+      {R"({"hasStarted": true, "scope": "disk"})", R"({"hasStarted": "?"})", false, R"({"hasStarted":"?"})"},
+      {R"({"hasStarted": 1, "warningThresholdGB": 7.5, "presence": {"both": []}, "foreign": 1})", nullptr,
+       true, R"({"hasStarted":1,"presence":{"both":[]},"warningThresholdGB":7.5})"},
+      {"{\"hasStarted\": true", nullptr, false, ""},
+  };
+  for (const auto& [former, present, copied, after] : cases) {
+    fs::remove(folder / "former.json");
+    fs::remove(folder / "present.json");
+    EXPECT_EQ(migrate(former, present), (Result{.copiedSettings = copied}));
+    EXPECT_EQ(settingsNow(), after);
+    EXPECT_FALSE(launch().copiedSettings) << "a second launch copies nothing";
+    EXPECT_EQ(settingsNow(), after);
+  }
+}
+
+TEST_F(MigrationTest, damagedSettingsAreNotReplacedByTheFormerProducts) {
+  EXPECT_EQ(migrate(R"({"hasStarted": true, "scope": "disk"})", "{\"scope\": "), Result{});
+  EXPECT_EQ(settingsNow(), "") << "the damaged file is set aside";
+  EXPECT_EQ(launch(), Result{}) << "nor at the next start";
+}
+
+TEST_F(MigrationTest, settingsThatCannotBeStoredAreReportedAndTriedAgain) {
+  fs::create_directory(folder / "present.json");
+  const Result result = migrate(R"({"hasStarted": true})", nullptr);
+  EXPECT_FALSE(result.copiedSettings);
+  EXPECT_THAT(result.error.value_or(""), testing::StartsWith("Couldn't copy settings: "));
+  fs::remove(folder / "present.json");
+  EXPECT_EQ(launch(), (Result{.copiedSettings = true}));
+}
+
+TEST_F(MigrationTest, leavesBothHistoriesWhereTheNewOneExists) {
+  fs::create_directories(folder / "data/Loftmere/Snapshots");
+  fs::create_directories(folder / "data/Spacemint");
+  EXPECT_EQ(launch(), Result{});
+  EXPECT_TRUE(fs::exists(folder / "data/Loftmere/Snapshots"));
+  EXPECT_TRUE(fs::is_empty(folder / "data/Spacemint"));
+}
+
+TEST_F(MigrationTest, reportsAMoveThatFailsAndTriesAgainAtTheNextLaunch) {
+  fs::create_directories(folder / "data/Loftmere/Snapshots");
+  const auto hostsMove = std::exchange(files.move, [](const std::string& from, const std::string&) {
+    return std::expected<void, Error>{std::unexpected(systemError(from, EROFS))};
+  });
+  const std::string reason = (folder / "data/Loftmere") + ": Read-only file system";
+  EXPECT_EQ(launch(), (Result{.error = "Couldn't move scan history: " + reason}));
+  EXPECT_TRUE(fs::exists(folder / "data/Loftmere/Snapshots"));
+  files.move = hostsMove;
+  EXPECT_EQ(launch(), (Result{.movedHistory = true}));
+}
+
+TEST_F(MigrationTest, neverReplacesAFolderThatAppearsInBetween) {
+  fs::create_directories(folder / "data/Loftmere/Snapshots");
+  fs::create_directories(folder / "data/Spacemint");
+  files.exists = [this](const std::string& path) { return path == folder / "data/Loftmere"; };
+  const Result result = launch();
+  EXPECT_FALSE(result.movedHistory);
+  EXPECT_THAT(result.error.value_or(""), testing::HasSubstr("File exists"));
+  EXPECT_TRUE(fs::is_empty(folder / "data/Spacemint"));
 }
 
 }  // namespace

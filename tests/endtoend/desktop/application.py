@@ -189,17 +189,13 @@ class Application:
         self.xdotool("mousemove", "--sync", *self.resting_centre(item))
         self.xdotool("mousemove_relative", "--sync", 1, 0)
 
-    def scroll_to(self, name, role=None):
-        """With the wheel, over the middle of the window, until it is seen."""
+    def scroll_until(self, look, what):
+        """With the wheel, over the middle of the window."""
         self.point_at_middle()
+        return wait_until(lambda: look() or self.xdotool("click", 5), f"{what} when scrolling")
 
-        def look():
-            found = self.all(name, role)
-            if not found:
-                self.xdotool("click", 5)
-            return found
-
-        return wait_until(look, f"{name!r} when scrolling")[0]
+    def scroll_to(self, name, role=None):
+        return self.scroll_until(lambda: self.all(name, role), repr(name))[0]
 
     def point_at_middle(self):
         x, y, width, height = self.place()
@@ -210,14 +206,7 @@ class Application:
         self.xdotool("click", "--repeat", 30, "--delay", 20, 5)
 
     def scroll_to_text(self, part):
-        self.point_at_middle()
-
-        def look():
-            if not self.sees_text(part):
-                self.xdotool("click", 5)
-            return self.sees_text(part)
-
-        wait_until(look, f"a text with {part!r} when scrolling")
+        self.scroll_until(lambda: self.sees_text(part), f"a text with {part!r}")
 
     def click(self, name, role=None, button=1):
         self.click_item(self.find(name, role), button)
@@ -298,6 +287,11 @@ class Application:
         # A click within a quarter of a second after the panel went is the one that closed it.
         time.sleep(0.3)
         self.click_at(*self.item_centre())
+
+    def open_panel(self):
+        self.wait_item()
+        self.click_item_of_status_area()
+        self.wait_shown()
 
 
 def pictures_folder():

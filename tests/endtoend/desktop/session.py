@@ -9,49 +9,7 @@ import tempfile
 import time
 import unittest
 
-PANEL = """<?xml version="1.0" encoding="UTF-8"?>
-<channel name="xfce4-panel" version="1.0">
-  <property name="configver" type="int" value="2"/>
-  <property name="panels" type="array">
-    <value type="int" value="1"/>
-    <property name="dark-mode" type="bool" value="true"/>
-    <property name="panel-1" type="empty">
-      <property name="position" type="string" value="p=6;x=0;y=0"/>
-      <property name="length" type="uint" value="100"/>
-      <property name="position-locked" type="bool" value="true"/>
-      <property name="size" type="uint" value="{size}"/>
-      <property name="icon-size" type="uint" value="{icon}"/>
-      <property name="plugin-ids" type="array">
-        <value type="int" value="1"/>
-        <value type="int" value="2"/>
-      </property>
-    </property>
-  </property>
-  <property name="plugins" type="empty">
-    <property name="plugin-1" type="string" value="separator">
-      <property name="expand" type="bool" value="true"/>
-      <property name="style" type="uint" value="0"/>
-    </property>
-    <property name="plugin-2" type="string" value="systray">
-      <property name="square-icons" type="bool" value="true"/>
-      <property name="icon-size" type="int" value="{icon}"/>
-    </property>
-  </property>
-</channel>
-"""
-
-DUNST = """[global]
-    origin = top-right
-    offset = 20x60
-    width = 320
-    mouse_left_click = do_action, close_current
-[urgency_low]
-    timeout = 0
-[urgency_normal]
-    timeout = 0
-[urgency_critical]
-    timeout = 0
-"""
+HERE = pathlib.Path(__file__).parent
 
 
 class TimedOut(AssertionError):
@@ -170,7 +128,8 @@ class Session:
         folder = self.home / ".config/xfce4/xfconf/xfce-perchannel-xml"
         if not folder.exists():
             folder.mkdir(parents=True)
-            (folder / "xfce4-panel.xml").write_text(PANEL.format(size=30 * self.scale, icon=22 * self.scale))
+            panel = (HERE / "xfce4-panel.xml").read_text()
+            (folder / "xfce4-panel.xml").write_text(panel.format(size=30 * self.scale, icon=22 * self.scale))
         self.panel = self.start(["xfce4-panel", "--disable-wm-check"])
         wait_until(lambda: self.has_name("org.kde.StatusNotifierWatcher"), "the status area")
 
@@ -182,9 +141,7 @@ class Session:
         wait_until(lambda: not self.has_name("org.kde.StatusNotifierWatcher"), "the end of the status area")
 
     def start_notifications(self):
-        configuration = self.folder / "dunstrc"
-        configuration.write_text(DUNST)
-        self.start(["dunst", "-config", str(configuration)])
+        self.start(["dunst", "-config", str(HERE / "dunstrc")])
         wait_until(lambda: self.has_name("org.freedesktop.Notifications"), "the notification service")
 
     def wait_notification(self):

@@ -65,8 +65,7 @@ class FirstDay(OnADesktop):
             os.utime(self.home / "shop/.git/worktrees/shop-old" / name, (long_ago, long_ago))
 
     def test_scan_clean_and_quit(self):
-        app = self.app = self.start({"warningThresholdGB": 1},
-                                    LC_ALL="en_US.UTF-8")
+        app = self.app = self.start({"warningThresholdGB": 1}, LC_ALL="en_US.UTF-8")
         app.click("Start first scan")
         app.wait_scanned()
         app.find("What changed")
@@ -103,17 +102,18 @@ class FirstDay(OnADesktop):
         app.point_at(row)
         self.picture("files")
         app.click("Move to Trash…", "push button")
-        self.confirm_trash()
+        self.answer("Move to Trash", self.home / "Downloads/old.zip")
         wait_until(lambda: (self.trash / "files/old.zip").exists(), "the file in the Trash")
         self.assertIn("Path=", (self.trash / "info/old.zip.trashinfo").read_text())
-        self.assertFalse((self.home / "Downloads/old.zip").exists())
 
-    def confirm_trash(self):
+    def answer(self, button, path):
+        """Confirms the question about `path` with the button of that name, and waits until the path is gone."""
         app = self.app
-        wait_until(lambda: app.sees("Cancel", "push button"), "the question")
-        self.assertTrue((self.home / "Downloads/old.zip").exists(), "nothing goes before the answer")
-        self.picture("confirmation")
-        app.click_item(app.all("Move to Trash", "push button")[-1])
+        app.find("Cancel", "push button")
+        self.assertTrue(path.exists(), "nothing goes before the answer")
+        self.picture("confirmation-" + button.lower().replace(" ", "-"))
+        app.click_item(app.all(button, "push button")[-1])
+        wait_until(lambda: not path.exists(), f"that {path} goes")
 
     def empties_the_trash(self):
         app = self.app
@@ -121,13 +121,9 @@ class FirstDay(OnADesktop):
         # What is in the Trash is looked at whenever the panel opens.
         app.press("Escape")
         app.wait_hidden()
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.click("Empty Trash", "push button")
-        wait_until(lambda: app.sees("Cancel", "push button"), "the question")
-        self.assertTrue((self.trash / "files/old.zip").exists())
-        app.click_item(app.all("Empty Trash", "push button")[-1])
-        wait_until(lambda: not (self.trash / "files/old.zip").exists(), "the empty Trash")
+        self.answer("Empty Trash", self.trash / "files/old.zip")
         wait_until(lambda: not list((self.trash / "info").iterdir()), "that nothing is remembered of it")
 
     def cleans_the_cache(self):
@@ -135,10 +131,7 @@ class FirstDay(OnADesktop):
         app.click("Developer")
         app.find_starting("pip cache")
         app.click("Clean up", "push button")
-        wait_until(lambda: app.sees("Cancel", "push button"), "the question")
-        self.assertTrue((self.home / ".cache/pip/http/wheel").exists())
-        app.click_item(app.all("Clean up", "push button")[-1])
-        wait_until(lambda: not (self.home / ".cache/pip/http/wheel").exists(), "the end of the clean-up")
+        self.answer("Clean up", self.home / ".cache/pip/http/wheel")
         app.wait_text("Cleaned pip cache")
 
     def removes_the_worktree(self):
@@ -146,8 +139,7 @@ class FirstDay(OnADesktop):
         app.scroll_to("Remove", "push button")
         app.click("Remove", "push button")
         app.find("Remove this worktree?")
-        app.click_item(app.all("Remove worktree", "push button")[-1])
-        wait_until(lambda: not (self.home / "shop-old").exists(), "the end of the worktree")
+        self.answer("Remove worktree", self.home / "shop-old")
         self.assertNotIn("shop-old", self.git("worktree", "list"))
         self.assertIn("old", self.git("branch", "--list", "old"), "its branch stays")
 
@@ -159,8 +151,7 @@ class FirstDay(OnADesktop):
         app.find("200 GB free")
         self.picture("settings-picker")
         app.press("End", "Return")
-        wait_until(lambda: self.session.output(["xdotool", "search", "--onlyvisible", "--class", "Dunst"]),
-                   "the notification")
+        self.session.wait_notification()
         wait_until(lambda: app.item_pixels() != calm, "another colour of the item")
         self.assertEqual(app.settings()["warningThresholdGB"], 200)
         self.picture("warned")

@@ -19,8 +19,7 @@ class Services(OnADesktop):
     def test_question_then_message_then_update(self):
         self.maker.offer("2.0")
         app = self.start(STARTED, self.maker.dictionary())
-        app.wait_item()
-        app.click_item_of_status_area()
+        app.open_panel()
         app.find("Share anonymous usage?")
         self.picture("services-question")
         self.assertEqual(self.maker.asked[REPORTS], 0, "nothing is sent before a yes")
@@ -45,9 +44,7 @@ class Services(OnADesktop):
         # Both answers are kept: nothing is asked or told twice.
         app.terminate()
         app.start()
-        app.wait_item()
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.click("Settings", "push button")
         app.scroll_to("Version 2.0 is ready to install.")
         app.find("Install", "push button")
@@ -75,8 +72,7 @@ class Services(OnADesktop):
 
     def test_no_is_a_no(self):
         app = self.start(STARTED, self.maker.dictionary())
-        app.wait_item()
-        app.click_item_of_status_area()
+        app.open_panel()
         app.click("Don't share")
         app.find("Spacemint 2 is here")
         app.terminate()
@@ -84,8 +80,7 @@ class Services(OnADesktop):
 
     def test_without_a_dictionary_there_is_none_of_it(self):
         app = self.start(STARTED, self.session.folder / "nowhere.plist")
-        app.wait_item()
-        app.click_item_of_status_area()
+        app.open_panel()
         app.click("Settings", "push button")
         app.find("Open at login")
         for name in ("Updates", "Share anonymous usage", "Share anonymous usage?"):

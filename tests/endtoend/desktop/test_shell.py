@@ -18,8 +18,7 @@ class Panel(OnADesktop):
         app = self.start(NOBODY_IS_WARNED)
         app.wait_item()
         self.assertTrue(app.stays_hidden(), "a start with a status area opens nothing")
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.wait_text("free")
         x, y, width, height = app.place()
         self.assertEqual((width, height), (460, 700))
@@ -32,12 +31,10 @@ class Panel(OnADesktop):
         app.click_item_of_status_area()
         app.wait_hidden()
         self.assertTrue(app.stays_hidden())
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.press("Escape")
         app.wait_hidden()
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.wait_text("free")  # as nobody clicks elsewhere before anything is to be seen
         # Anywhere else.
         app.click_at(200, 500)
@@ -45,8 +42,7 @@ class Panel(OnADesktop):
 
     def test_escape_closes_one_thing_at_a_time(self):
         app = self.start(STARTED)
-        app.wait_item()
-        app.click_item_of_status_area()
+        app.open_panel()
         app.click("Settings", "push button")
         app.wait_text("Warn me")
         app.press("Escape")
@@ -68,8 +64,7 @@ class Panel(OnADesktop):
 
     def test_notification_opens_the_overview(self):
         app = self.start({"hasStarted": True, "warningThresholdGB": 1_000_000})
-        app.wait_item()
-        app.click_item_of_status_area()
+        app.open_panel()
         app.wait_scanned()
         app.click("Large files")
         app.press("Escape")
@@ -86,8 +81,7 @@ class Panel(OnADesktop):
 
     def test_presence_is_switched(self):
         app = self.start(STARTED)
-        app.wait_item()
-        app.click_item_of_status_area()
+        app.open_panel()
         app.click("Settings", "push button")
         app.click("Dock")
         app.wait_no_item()
@@ -110,9 +104,7 @@ class Panel(OnADesktop):
 
     def test_about_and_quit(self):
         app = self.start(STARTED)
-        app.wait_item()
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.wait_text("free")
         app.press("ctrl+q")
         self.assertEqual(app.exit_code(), 0)
@@ -161,8 +153,7 @@ class WithoutFocus(OnADesktop):
         app.wait_item()
         self.session.kill_window_manager()
         for _ in range(2):
-            app.click_item_of_status_area()
-            app.wait_shown()
+            app.open_panel()
             app.wait_text("free")
             focused = self.session.output(["xdotool", "getwindowfocus"]).split()
             self.assertNotEqual(focused, app.windows(), "the panel has no focus to lose")
@@ -171,8 +162,7 @@ class WithoutFocus(OnADesktop):
             self.assertTrue(app.is_shown(), "a click on the panel is none beside it")
             app.click_at(200, 500)
             app.wait_hidden()
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.click_item_of_status_area()
         app.wait_hidden()
         self.assertTrue(app.stays_hidden(), "the click that closes it does not open it again")
@@ -252,9 +242,7 @@ class DarkTwice(OnADesktop):
         portal = Portal(self.session.environment["DBUS_SESSION_BUS_ADDRESS"], LIGHT)
         self.addCleanup(portal.end)
         app = self.start(NOBODY_IS_WARNED, QT_SCALE_FACTOR="2")
-        app.wait_item()
-        app.click_item_of_status_area()
-        app.wait_shown()
+        app.open_panel()
         app.wait_text("free")
         brightness = lambda: sum(self.session.pixels(2560 - 200, 1300, 20, 20)) / 1200
         wait_until(lambda: brightness() > 200, "a light panel")

@@ -1,0 +1,349 @@
+// Who is the one running application, on a real bus.
+
+#include "Spacemint/desktop/linux/DBusCall.h"
+#include "Spacemint/desktop/linux/DBusNotifier.h"
+#include "Spacemint/desktop/linux/RunningInstance.h"
+#include "Spacemint/desktop/linux/StatusNotifierItem.h"
+#include "Spacemint/desktop/linux/XdgOpener.h"
+#include "support/BusServices.h"
+#include "support/TemporaryFolder.h"
+#include "support/Waiting.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+namespace spacemint {
+namespace {
+
+using Kind = RunningInstance::Kind;
+using support::waitUntil;
+
+TEST(RunningInstance, isTheFirstWithWindowsAndElseTheFirst) {
+  support::PrivateBus bus;
+  RunningInstance background{bus.connection(), Kind::background};
+  bool isReplaced = false;
+  QObject::connect(&background, &RunningInstance::replaced, &background, [&] { isReplaced = true; });
+  ASSERT_TRUE(background.become());
+  EXPECT_FALSE((RunningInstance{bus.connection(), Kind::background}.become()));
+  EXPECT_FALSE(isReplaced);
+
+  RunningInstance windows{bus.connection(), Kind::windows};
+  ASSERT_TRUE(windows.become());
+  EXPECT_TRUE(waitUntil([&] { return isReplaced; }));
+
+  RunningInstance late{bus.connection(), Kind::windows};
+  EXPECT_FALSE(late.become());
+  EXPECT_FALSE((RunningInstance{bus.connection(), Kind::background}.become()));
+}
+
+TEST(RunningInstance, showsItselfWhenItIsAsked) {
+  support::PrivateBus bus;
+  RunningInstance running{bus.connection(), Kind::windows};
+  bool isShown = false;
+  QObject::connect(&running, &RunningInstance::activated, &running, [&] { isShown = true; });
+  ASSERT_TRUE(running.become());
+  QDBusMessage call = QDBusMessage::createMethodCall(
+      QStringLiteral("app.spacemint.Spacemint"), QStringLiteral("/app/spacemint/Spacemint"),
+      QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
+  call.setArguments({QVariantMap{}});
+  bus.connection().asyncCall(call);
+  EXPECT_TRUE(waitUntil([&] { return isShown; }));
+}
+
+using support::PrivateBus;
+
+class StatusNotifierItemTest : public testing::Test {
+ protected:
+  StatusNotifierItemTest() {
+    for (const char* title : {"Open", "", "Settings…", "Quit"}) {
+      StatusMenuEntry entry{.title = title, .choose = {}};
+      if (!entry.title.empty()) entry.choose = [this, title] { chosen.emplace_back(title); };
+      entries.push_back(entry);
+    }
+    item.setMenu(entries);
+    item.install();
+  }
+
+  QDBusMessage ask(const char* method, const QVariantList& arguments,
+                   const char* interface = "com.canonical.dbusmenu") {
+    QDBusMessage call = QDBusMessage::createMethodCall(service, QStringLiteral("/StatusNotifierItem/Menu"),
+                                                       QLatin1String(interface), QLatin1String(method));
+    call.setArguments(arguments);
+    std::optional<QDBusMessage> reply;
+    callAsync(host, call, &context, [&](const QDBusMessage& arrived) { reply = arrived; });
+    EXPECT_TRUE(waitUntil([&] { return reply.has_value(); })) << method;
+    return reply.value_or(QDBusMessage{});
+  }
+
+  QObject context;
+  PrivateBus bus;
+  QDBusConnection host = bus.connection();
+  StatusNotifierItem item{bus.connection(), QStringLiteral("XFCE")};
+  QString service = QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+  std::vector<StatusMenuEntry> entries;
+  std::vector<std::string> chosen;
+};
+
+// Some status areas tell of one entry, others of several at once.
+TEST_F(StatusNotifierItemTest, eachEntryIsChosenOneByOneAndInGroups) {
+  const QDBusVariant noData{QVariant{0}};
+  const QString clicked = QStringLiteral("clicked");
+  for (int id = 1; id <= 4; ++id) {
+    const auto reply = ask("Event", {id, clicked, QVariant::fromValue(noData), 0U});
+    EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+  }
+  EXPECT_THAT(chosen, testing::ElementsAre("Open", "Settings…", "Quit"));
+  chosen.clear();
+  const MenuEvents events{{1, clicked, noData, 0},
+                          {9, clicked, noData, 0},
+                          {4, clicked, noData, 0},
+                          {3, QStringLiteral("hovered"), noData, 0}};
+  const auto reply = ask("EventGroup", {QVariant::fromValue(events)});
+  ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+  EXPECT_EQ(qdbus_cast<QList<int>>(reply.arguments().value(0)), QList<int>{9}) << "unknown ids are answered";
+  EXPECT_TRUE(waitUntil([&] { return chosen.size() == 2; }));
+  EXPECT_THAT(chosen, testing::ElementsAre("Open", "Quit"));
+}
+
+// A slot or signal whose types QtDBus does not know is left out with a warning, which fails this test by
+// itself.
+TEST_F(StatusNotifierItemTest, everyMethodAndSignalIsOnTheBus) {
+  const QString description =
+      ask("Introspect", {}, "org.freedesktop.DBus.Introspectable").arguments().value(0).toString();
+  for (const char* name :
+       {"GetLayout", "GetGroupProperties", "GetProperty", "Event", "EventGroup", "AboutToShow",
+        "AboutToShowGroup", "ItemsPropertiesUpdated", "LayoutUpdated", "ItemActivationRequested"}) {
+    EXPECT_TRUE(description.contains(QStringLiteral("name=\"%1\"").arg(QLatin1String(name)))) << name;
+  }
+}
+
+using support::FakeNotifications;
+
+class DBusNotifierTest : public testing::Test {
+ protected:
+  DBusNotifierTest() {
+    QObject::connect(&notifier, &Notifier::activated, &notifier, [this] { ++activations; });
+    QObject::connect(&notifier, &Notifier::serviceAppeared, &notifier, [this] { ++appearances; });
+  }
+
+  void startService(const QStringList& capabilities = {}) { service.emplace(serviceBus, capabilities); }
+
+  bool arrived(std::size_t count) {
+    return waitUntil([&] { return service->shown.size() == count; }) && settled();
+  }
+
+  // Answers come in the order of the questions, so this one comes after all that was under way.
+  bool settled() { return ask() != std::nullopt; }
+
+  std::optional<bool> ask() { return answered(notifier.isAllowed()); }
+  // Whether the service accepted the notification.
+  std::optional<bool> show(const Notification& notification) { return answered(notifier.show(notification)); }
+
+  std::optional<bool> answered(QFuture<bool> future) {
+    std::optional<bool> answer;
+    future.then(&notifier, [&](bool is) { answer = is; });
+    waitUntil([&] { return answer.has_value(); });
+    return answer;
+  }
+
+  PrivateBus bus;
+  QDBusConnection serviceBus = bus.connection();
+  DBusNotifier notifier{bus.connection()};
+  std::optional<FakeNotifications> service;
+  int activations = 0;
+  int appearances = 0;
+};
+
+TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
+  startService();
+  notifier.show({.title = "Low", .body = "a < b & c"});
+  notifier.show({.title = "Critical", .body = "Körper", .isCritical = true, .hasSound = true});
+  ASSERT_TRUE(arrived(2));
+  const auto& normal = service->shown[0];
+  EXPECT_EQ(normal.application, QStringLiteral("Spacemint"));
+  EXPECT_EQ(normal.icon, QStringLiteral("app.spacemint.Spacemint"));
+  EXPECT_EQ(normal.summary, QStringLiteral("Low"));
+  EXPECT_EQ(normal.body, QStringLiteral("a < b & c"));
+  EXPECT_EQ(normal.actions, (QStringList{QStringLiteral("default"), QStringLiteral("Open Spacemint")}));
+  EXPECT_EQ(normal.timeout, -1);
+  EXPECT_EQ(normal.hints.value(QStringLiteral("urgency")), QVariant::fromValue(uchar{1}));
+  EXPECT_EQ(normal.hints.value(QStringLiteral("desktop-entry")).toString(),
+            QStringLiteral("app.spacemint.Spacemint"));
+  EXPECT_FALSE(normal.hints.contains(QStringLiteral("sound-name")));
+  const auto& critical = service->shown[1];
+  EXPECT_EQ(critical.body, QStringLiteral("Körper"));
+  EXPECT_EQ(critical.hints.value(QStringLiteral("urgency")), QVariant::fromValue(uchar{2}));
+  EXPECT_TRUE(critical.hints.contains(QStringLiteral("sound-name")));
+}
+
+TEST_F(DBusNotifierTest, writesMarkupWhereTheServiceReadsIt) {
+  startService({QStringLiteral("body-markup")});
+  notifier.show({.title = "a < b", .body = "a < b & c"});
+  ASSERT_TRUE(arrived(1));
+  EXPECT_EQ(service->shown[0].summary, QStringLiteral("a < b"));
+  EXPECT_EQ(service->shown[0].body, QStringLiteral("a &lt; b &amp; c"));
+}
+
+TEST_F(DBusNotifierTest, tellsOfClicksOnItsOwn) {
+  startService();
+  notifier.show({.title = "Ours"});
+  ASSERT_TRUE(arrived(1));
+  const QString action = QStringLiteral("default");
+  Q_EMIT service->ActionInvoked(2, action);
+  Q_EMIT service->ActionInvoked(1, QStringLiteral("other"));
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 0);
+  Q_EMIT service->ActionInvoked(1, action);
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 1);
+  Q_EMIT service->NotificationClosed(1, 2);
+  Q_EMIT service->ActionInvoked(1, action);
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 1);
+}
+
+TEST_F(DBusNotifierTest, isNotAllowedWithoutAServiceAndComesBackWithOne) {
+  EXPECT_EQ(ask(), false);
+  EXPECT_EQ(show({.title = "Nobody sees this"}), false);
+  EXPECT_EQ(appearances, 0);
+  startService();
+  EXPECT_TRUE(waitUntil([&] { return appearances == 1; }));
+  EXPECT_EQ(ask(), true);
+  EXPECT_TRUE(service->shown.empty());
+  EXPECT_EQ(show({.title = "Somebody sees this"}), true);
+  EXPECT_TRUE(arrived(1));
+  service.reset();
+  EXPECT_EQ(show({.title = "Nobody sees this"}), false);
+  EXPECT_EQ(appearances, 1);
+}
+
+TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
+  startService();
+  notifier.show({.title = "Before"});
+  ASSERT_TRUE(arrived(1));
+  service.reset();
+  startService({QStringLiteral("body-markup")});
+  ASSERT_TRUE(settled());
+  Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 0);
+  notifier.show({.title = "After", .body = "<"});
+  ASSERT_TRUE(arrived(1));
+  EXPECT_EQ(service->shown[0].body, QStringLiteral("&lt;"));
+  Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
+  ASSERT_TRUE(settled());
+  EXPECT_EQ(activations, 1);
+}
+
+using support::FakeFileManager;
+using support::FakePortal;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Page = Opener::SettingsPage;
+
+class XdgOpenerTest : public testing::Test {
+ protected:
+  PrivateBus bus;
+  QDBusConnection services = bus.connection();
+  std::vector<std::string> opened;
+  std::vector<SettingsProgram> started;
+  bool canStart = true;
+  bool hasProgram = true;
+  int failures = 0;
+  XdgOpener opener{bus.connection(),
+                   {.help = "/usr/share/doc/help me.html",
+                    .surroundings = {.desktop = "ubuntu:GNOME"},
+                    .openByProgram =
+                        [this](const std::string& url, const std::function<void()>& failed) {
+                          opened.push_back(url);
+                          if (!hasProgram && failed) failed();
+                        },
+                    .start =
+                        [this](const SettingsProgram& program) {
+                          started.push_back(program);
+                          return canStart;
+                        }}};
+};
+
+TEST_F(XdgOpenerTest, asksTheFileManagerToShowAFileOfAnyName) {
+  FakeFileManager manager(services);
+  opener.reveal("/home/ann/a b\xff#%");
+  ASSERT_TRUE(waitUntil([&] { return !manager.opened.empty(); }));
+  EXPECT_EQ(manager.opened, QStringList{QStringLiteral("file:///home/ann/a%20b%FF%23%25")});
+  EXPECT_THAT(opened, IsEmpty());
+}
+
+TEST_F(XdgOpenerTest, opensTheFolderWithoutSuchAFileManager) {
+  opener.reveal("/home/ann/a b/c");
+  ASSERT_TRUE(waitUntil([&] { return !opened.empty(); }));
+  EXPECT_THAT(opened, ElementsAre("file:///home/ann/a%20b"));
+}
+
+TEST_F(XdgOpenerTest, opensWebPagesByThePortalAndFilesByProgram) {
+  FakePortal portal(services);
+  opener.openUrl("https://example.org/?a=b", {});
+  opener.openUrl("file:///tmp/a", {});
+  ASSERT_TRUE(waitUntil([&] { return !portal.opened.empty(); }));
+  EXPECT_EQ(portal.opened, QStringList{QStringLiteral("https://example.org/?a=b")});
+  EXPECT_THAT(opened, ElementsAre("file:///tmp/a"));
+}
+
+TEST_F(XdgOpenerTest, opensWebPagesByProgramWithoutAPortal) {
+  hasProgram = false;
+  opener.openUrl("https://example.org/", [this] { ++failures; });
+  ASSERT_TRUE(waitUntil([&] { return failures == 1; }));
+  EXPECT_THAT(opened, ElementsAre("https://example.org/"));
+}
+
+TEST_F(XdgOpenerTest, opensTheDesktopsSettingsElseTheHelp) {
+  opener.openSettings(Page::notifications);
+  EXPECT_THAT(started, ElementsAre(SettingsProgram{"gnome-control-center", {"notifications"}}));
+  EXPECT_THAT(opened, IsEmpty());
+  canStart = false;
+  opener.openSettings(Page::notifications);
+  opener.openSettings(Page::automation);
+  EXPECT_THAT(opened,
+              ElementsAre("file:///usr/share/doc/help%20me.html", "file:///usr/share/doc/help%20me.html"));
+}
+
+TEST(XdgOpen, tellsWhereNoProgramOpens) {
+  const support::TemporaryFolder folder;
+  const QByteArray path = qgetenv("PATH");
+  qputenv("PATH", QByteArray::fromStdString(folder.path()));
+  int failures = 0;
+  const auto open = [&] { XdgOpener::Places::current().openByProgram("file:///a", [&] { ++failures; }); };
+  open();
+  EXPECT_TRUE(waitUntil([&] { return failures == 1; })) << "there is no xdg-open";
+  const std::string program = folder / "xdg-open";
+  std::ofstream{program} << "#!/bin/sh\n[ \"$1\" = file:///a ] && exit 3\n";
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  open();
+  EXPECT_TRUE(waitUntil([&] { return failures == 2; })) << "xdg-open found no program";
+  std::ofstream{program} << "#!/bin/sh\n: > \"$0.done\"\n";
+  open();
+  EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(program + ".done"); }));
+  qputenv("PATH", path);
+  EXPECT_EQ(failures, 2);
+}
+
+TEST(SettingsPrograms, areThoseOfTheDesktop) {
+  EXPECT_THAT(settingsPrograms(Page::notifications, {.desktop = "KDE"}),
+              ElementsAre(SettingsProgram{"systemsettings", {"kcm_notifications"}},
+                          SettingsProgram{"systemsettings5", {"kcm_notifications"}}));
+  EXPECT_THAT(settingsPrograms(Page::notifications, {.desktop = "XFCE"}),
+              ElementsAre(SettingsProgram{"xfce4-notifyd-config", {}}));
+  EXPECT_THAT(settingsPrograms(Page::notifications, {.desktop = "KDENLIVE"}), IsEmpty());
+  EXPECT_THAT(settingsPrograms(Page::fullDiskAccess, {.desktop = "GNOME"}), IsEmpty());
+  EXPECT_THAT(
+      settingsPrograms(Page::fullDiskAccess, {.desktop = "GNOME", .isSandboxed = true}),
+      ElementsAre(SettingsProgram{
+          "flatpak-spawn", {"--host", "gnome-control-center", "applications", "app.spacemint.Spacemint"}}));
+}
+
+}  // namespace
+}  // namespace spacemint
