@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <future>
 #include <latch>
+#include <memory>
 #include <thread>
 
 namespace spacemint {
@@ -122,13 +123,18 @@ TEST(ThreadTasks, runsPostedFunctionsInOrderEvenFromInsideOne) {
   EXPECT_THAT(order, testing::ElementsAre(1, 2, 3, 4));
 }
 
-TEST(ThreadTasks, givesTheResultAsAFuture) {
-  ThreadTasks tasks;
+TEST(ThreadTasks, givesTheResultToAContextThatStillExists) {
+  ThreadTasks tasks({.shared = 1});
+  const auto work = [] { return std::string{"result"}; };
   QObject context;
+  auto gone = std::make_unique<QObject>();
   std::string text;
-  tasks.run(Priority::utility, [] { return std::string{"result"}; })
-      .then(&context, [&](const std::string& result) { text = result; });
+  bool isCalled = false;
+  tasks.run(Priority::utility, gone.get(), work, [&](const std::string&) { isCalled = true; });
+  tasks.run(Priority::utility, &context, work, [&](const std::string& result) { text = result; });
+  gone.reset();
   EXPECT_TRUE(waitUntil([&] { return text == "result"; }));
+  EXPECT_FALSE(isCalled);
 }
 
 TEST(ThreadTasks, sharesFewThreadsAndKeepsNoneWhenIdle) {

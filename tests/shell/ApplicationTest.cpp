@@ -121,7 +121,7 @@ TEST_F(ApplicationTest, hidingThePanelClearsWhatWasOnIt) {
   launch();
   advance(1s);
   click();
-  model->showMessage("Done.");
+  model->messages().show("Done.");
   model->confirmEmptyTrash();
   model->setShowingSettings(true);
   click();
@@ -168,7 +168,7 @@ TEST_F(ApplicationTest, explainsTheWindowWhereTheUserSeesIt) {
   EXPECT_EQ(message(), "") << "so would the settings";
   model->setShowingSettings(false);
   EXPECT_THAT(message(), testing::HasSubstr("no status area"));
-  model->clearMessage();
+  model->messages().clear();
   application->interface()->window().close();
   application->showUI();
   settle();

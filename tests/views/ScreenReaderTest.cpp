@@ -183,7 +183,7 @@ TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
   add("developer");
   model->setShowingSettings(true);
   add("settings");
-  model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
+  model->cleanups().ask(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
   add("question");
   EXPECT_EQ(table, expected);
 }
