@@ -17,7 +17,7 @@ namespace {
 // The session's end may kill the process after a few seconds.
 constexpr std::chrono::milliseconds patience{1'500};
 
-ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const AppInfo& info) {
+AppContext contextOf(DefaultsStore& defaults, EventJournal& journal, const AppInfo& info) {
   return {.defaults = defaults,
           .store = SnapshotStore::standard(),
           .journal = journal,
@@ -29,17 +29,15 @@ ModelHost hostOf(DefaultsStore& defaults, EventJournal& journal, const AppInfo& 
           .disk = startupVolume(),
           .locale = userLocale(),
           .timeZone = userTimeZone(),
-          .hasBundleIdentifier = info.identifier.has_value(),
+          .mayNotify = info.identifier.has_value(),
           .hasFullDiskAccess = Permissions::hasFullDiskAccess};
 }
 
 }  // namespace
 
-Process::Process()
-    : info(AppInfo::load(InstalledFiles::information())),
-      defaults(DefaultsStore::standard()) {
+Process::Process() : info(AppInfo::load(InstalledFiles::information())), defaults(DefaultsStore::standard()) {
   if (const auto migrated = Migration::ofThisUser(defaults); migrated.error) complain(*migrated.error);
-  model = std::make_unique<AppModel>(hostOf(defaults, journal, info), desktop.desktop());
+  model = std::make_unique<AppModel>(contextOf(defaults, journal, info), desktop.desktop());
 }
 
 int Process::end(int code) {

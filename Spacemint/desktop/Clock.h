@@ -2,12 +2,9 @@
 
 #include "core/base/Date.h"
 
-#include <QFuture>
 #include <QObject>
-#include <QPromise>
 
 #include <functional>
-#include <memory>
 
 namespace spacemint {
 
@@ -30,17 +27,6 @@ class Clock {
 
   /// Calls back once when `delay` has passed, unless `context` was destroyed before.
   virtual void after(std::chrono::milliseconds delay, QObject* context, Callback callback) = 0;
-
-  /// Finishes with true when `delay` has passed; never finishes if `context` was destroyed before.
-  QFuture<bool> wait(std::chrono::milliseconds delay, QObject* context) {
-    const auto promise = std::make_shared<QPromise<bool>>();
-    promise->start();
-    after(delay, context, [promise] {
-      promise->addResult(true);
-      promise->finish();
-    });
-    return promise->future();
-  }
 
   struct Repeating {
     std::chrono::milliseconds interval{0};

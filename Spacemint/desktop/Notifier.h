@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QFuture>
 #include <QObject>
 
+#include <functional>
 #include <string>
 
 namespace spacemint {
@@ -18,21 +18,25 @@ struct Notification {
 };
 
 /// The desktop's notifications. Main thread only.
+///
+/// Each call answers once, perhaps before it returns, unless `context` was destroyed before.
 class Notifier : public QObject {
   Q_OBJECT
  public:
   ~Notifier() override;
 
-  /// Shows a new notification; earlier ones stay. The future always finishes, on the main thread: with true
-  /// once the desktop's notification service has accepted the notification, with false when there is no
-  /// service or the service answered with an error.
-  virtual QFuture<bool> show(const Notification& notification) = 0;
+  using Answer = std::function<void(bool)>;
 
-  /// Asks the user for the permission to notify, on desktops that require one. Answers as `isAllowed`.
-  virtual QFuture<bool> requestAuthorization() = 0;
+  /// Shows a new notification; earlier ones stay. Calls `answer` with true when the desktop's notification
+  /// service has accepted the notification, with false when there is no service or the service answered with
+  /// an error.
+  virtual void show(const Notification& notification, QObject* context, Answer answer) = 0;
 
-  /// True when the desktop shows notifications of this application.
-  virtual QFuture<bool> isAllowed() = 0;
+  /// Asks the user for the permission to notify, on desktops that require one. Answers as `askIfAllowed`.
+  virtual void requestAuthorization(QObject* context, Answer answer) = 0;
+
+  /// Answers true when the desktop shows notifications of this application.
+  virtual void askIfAllowed(QObject* context, Answer answer) = 0;
 
  Q_SIGNALS:
   /// The user clicked a notification of this application.

@@ -1,10 +1,6 @@
 #pragma once
 
-#include "Spacemint/desktop/WhileAlive.h"
-
-#include <QFuture>
 #include <QPointer>
-#include <QPromise>
 
 #include <cstdint>
 #include <functional>
@@ -17,8 +13,8 @@ namespace spacemint {
 
 /// Runs work on other threads, and brings the results back to the main thread.
 ///
-/// Futures are used on the main thread only. Results cross threads through mutexes of our own, not through
-/// Qt: the thread sanitizer cannot see inside the system's Qt.
+/// Results cross threads through mutexes of our own, not through Qt: the thread sanitizer cannot see inside
+/// the system's Qt.
 class Tasks {
  public:
   using Function = std::move_only_function<void()>;
@@ -55,8 +51,8 @@ class Tasks {
   /// Runs functions on the main thread, in the order of the calls. Any thread.
   virtual void post(Function function) = 0;
 
-  /// Starts `work`, and calls `then` with its result on the main thread, unless `context` is gone by then.
-  /// Main thread only.
+  /// Starts `work`, which must not return void, and calls `then` with its result on the main thread, unless
+  /// `context` was destroyed before. Main thread only.
   template <class Work, class Then>
   void run(Priority priority, QObject* context, Work work, Then then, const char* threadName = nullptr) {
     auto result = std::make_shared<std::optional<std::invoke_result_t<Work&>>>();
@@ -67,24 +63,6 @@ class Tasks {
                  if (guard) then(std::move(**result));
                },
            .threadName = threadName});
-  }
-
-  /// Runs `work`, which must not return void, and finishes the future with its result. Main thread only.
-  template <class Work, class Result = std::invoke_result_t<Work&>>
-  QFuture<Result> run(Priority priority, Work work, const char* threadName = nullptr) {
-    auto promise = std::make_shared<QPromise<Result>>();
-    promise->start();
-    QFuture<Result> future = promise->future();
-    auto result = std::make_shared<std::optional<Result>>();
-    start({.priority = priority,
-           .work = [result, work = std::move(work)]() mutable { result->emplace(work()); },
-           .done =
-               [result, promise] {
-                 promise->addResult(std::move(**result));
-                 promise->finish();
-               },
-           .threadName = threadName});
-    return future;
   }
 };
 

@@ -6,7 +6,7 @@ namespace spacemint {
 
 namespace {
 
-// An old backup is pointed at when it is this large.
+// A smaller old backup has no card.
 constexpr Bytes oldBackupMinimum = 2'000'000'000;
 constexpr double oldBackupDays = 90;
 
@@ -17,25 +17,25 @@ std::string_view titleOf(Tab tab) {
   return titles.at(static_cast<std::size_t>(tab));
 }
 
-AppModel::AppModel(ModelHost host, const Desktop& desktop)
-    : host_(std::move(host)),
+AppModel::AppModel(AppContext context, const Desktop& desktop)
+    : context_(std::move(context)),
       desktop_(desktop),
-      prefs_(host_.defaults),
+      prefs_(context_.defaults),
       volume_(desktop),
-      history_(host_.store, desktop.tasks, desktop.clock, messages_),
-      findings_(history_, desktop.tasks, {.path = host_.home, .environment = host_.environment}),
-      scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, desktop,
-             {.home = host_.home, .disk = host_.disk, .timeZone = host_.timeZone, .journal = host_.journal}),
+      history_(context_.store, desktop.tasks, desktop.clock, messages_),
+      findings_(history_, desktop.tasks, context_),
+      scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, context_,
+             desktop),
       warnings_({.volume = volume_,
                  .findings = findings_,
                  .history = history_,
                  .preferences = prefs_,
                  .scans = scans_},
-                desktop, {.home = host_.home, .locale = host_.locale}, host_.hasBundleIdentifier),
-      dev_(host_.tools, desktop.tasks, desktop.clock),
+                context_, desktop),
+      dev_(context_.tools, desktop.tasks, desktop.clock),
       cleanups_({.history = history_, .developerTools = dev_, .volume = volume_, .messages = messages_},
                 desktop, cleanupContext()),
-      hasFullDiskAccess_(host_.hasFullDiskAccess()) {
+      hasFullDiskAccess_(context_.hasFullDiskAccess()) {
   connect(&volume_, &VolumeWatch::wasRead, this, [this] {
     // Another process may have changed a setting meanwhile.
     prefs_.refresh();
@@ -46,7 +46,7 @@ AppModel::AppModel(ModelHost host, const Desktop& desktop)
 }
 
 AppModel::~AppModel() {
-  // The scan ends soon, and nobody is told.
+  // The scan stops soon; its result is dropped.
   scans_.cancel();
 }
 
@@ -60,7 +60,7 @@ std::optional<DeviceBackup> AppModel::oldBackup() const {
 }
 
 bool AppModel::isInTrash(const std::string& path) const {
-  return spacemint::isInTrash(path, host_.home, host_.data);
+  return spacemint::isInTrash(path, context_.home, context_.data);
 }
 
 void AppModel::start() {
@@ -73,7 +73,7 @@ void AppModel::launchCheck() {
   refreshTrash();
   if (!prefs_.hasStarted()) return;
   warnings_.requestAuthorization();
-  if (level() != SpaceLevel::ok && scans_.isStale(SpaceWarnings::staleAfter)) scans_.scan();
+  if (warnings_.level() != SpaceLevel::ok && scans_.isStale(SpaceWarnings::staleAfter)) scans_.scan();
   if (!scans_.isStale(scanInterval())) return;
   desktop_.clock.after(launchScanDelay, this, [this] {
     if (scans_.isStale(scanInterval())) scans_.scan();
@@ -104,7 +104,7 @@ void AppModel::panelWillShow() {
 }
 
 void AppModel::probeFullDiskAccess() {
-  const bool hasAccess = host_.hasFullDiskAccess();
+  const bool hasAccess = context_.hasFullDiskAccess();
   if (std::exchange(hasFullDiskAccess_, hasAccess) != hasAccess) Q_EMIT hasFullDiskAccessChanged();
 }
 
@@ -130,34 +130,25 @@ void AppModel::setShowingSettings(bool isShowing) {
   if (std::exchange(showingSettings_, isShowing) != isShowing) Q_EMIT showingSettingsChanged();
 }
 
-void AppModel::setBaselineEntry(std::optional<SnapshotStore::Entry> entry) {
-  history_.setBaselineEntry(std::move(entry));
-}
-
-void AppModel::performMessageAction() {
-  // The action may put another message in the place of its own.
-  if (const auto action = messages_.action()) action->perform();
-}
-
 void AppModel::confirmEmptyTrash() {
   const Snapshot* scan = history_.snapshot().get();
-  EmptyTrashRequest request{.place = trashPlace(scan, host_.home, host_.data),
+  EmptyTrashRequest request{.place = trashPlace(scan, context_.home, context_.data),
                             .byFileManager = !hasFullDiskAccess_};
   const Node* node = scan != nullptr ? scan->nodeAt(request.place.folder) : nullptr;
   if (node != nullptr) request.size = node->size;
-  confirm(std::move(request));
+  cleanups_.ask(std::move(request));
 }
 
 CleanupContext AppModel::cleanupContext() const {
-  CleanupContext context{.guard = DeletionGuard{host_.home, host_.personal},
-                         .data = host_.data,
-                         .locale = host_.locale,
+  CleanupContext context{.guard = DeletionGuard{context_.home, context_.personal},
+                         .data = context_.data,
+                         .locale = context_.locale,
                          .trash = &desktop_.trash,
                          .freeBytes = [&volume = desktop_.volume]() -> std::optional<Bytes> {
                            const auto reading = volume.status();
                            return reading ? std::optional{reading->free} : std::nullopt;
                          }};
-  host_.tools.serve(context);
+  context_.tools.serve(context);
   return context;
 }
 

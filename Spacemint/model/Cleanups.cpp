@@ -111,23 +111,19 @@ void Cleanups::measureAgain(const SharedRun& run) {
 
 void Cleanups::refreshTools(const SharedRun& run) {
   const std::string& program = run->plan.steps.front().command.program;
-  const auto then = whileAlive(this, [this, run](bool) { settle(run); });
-  if (program == "docker") {
-    parts_.developerTools.refreshDocker().then(then);
-  } else if (program == "ollama") {
-    parts_.developerTools.refreshOllama().then(then);
-  } else {
-    settle(run);
-  }
+  const auto then = [this, run] { settle(run); };
+  if (program == "docker") return parts_.developerTools.refreshDocker(then);
+  if (program == "ollama") return parts_.developerTools.refreshOllama(then);
+  then();
 }
 
 void Cleanups::settle(const SharedRun& run) {
   if (run->movesToTrash()) return finish(run, std::nullopt);
   const auto wait = run->plan.expected ? settlingTimeOfFileManager : settlingTime;
   desktop_.clock.after(wait, this, [this, run] {
-    parts_.volume.read().then(whileAlive(this, [this, run](const std::optional<VolumeStatus>& reading) {
+    parts_.volume.read(this, [this, run](const std::optional<VolumeStatus>& reading) {
       finish(run, reading ? std::optional{reading->free} : std::nullopt);
-    }));
+    });
   });
 }
 

@@ -26,43 +26,41 @@ Bytes DeveloperTools::dockerVolumesReclaimable() const {
 }
 
 void DeveloperTools::refreshIfNeeded() {
-  const Date now = clock_.now();
-  // A clock that was set back must not stop it for good.
-  const bool isFresh = lastRefresh_ && *lastRefresh_ <= now && now - *lastRefresh_ < keptFor;
+  const bool isFresh = lastRefresh_ && clock_.steadyNow() - *lastRefresh_ < keptFor;
   if (!isFresh) refresh();
 }
 
 void DeveloperTools::refresh() {
-  lastRefresh_ = clock_.now();
+  lastRefresh_ = clock_.steadyNow();
   refreshDocker();
   refreshOllama();
 }
 
-QFuture<bool> DeveloperTools::refreshDocker() {
-  return ask(DevTools::dockerQuery, &DeveloperTools::docker_, &DeveloperTools::dockerChanged,
-             DevTools::parseDockerDF);
+void DeveloperTools::refreshDocker(std::function<void()> then) {
+  ask(DevTools::dockerQuery, &DeveloperTools::docker_, &DeveloperTools::dockerChanged,
+      DevTools::parseDockerDF, std::move(then));
 }
 
-QFuture<bool> DeveloperTools::refreshOllama() {
-  return ask(DevTools::ollamaQuery, &DeveloperTools::ollama_, &DeveloperTools::ollamaChanged,
-             DevTools::parseOllamaList);
+void DeveloperTools::refreshOllama(std::function<void()> then) {
+  ask(DevTools::ollamaQuery, &DeveloperTools::ollama_, &DeveloperTools::ollamaChanged,
+      DevTools::parseOllamaList, std::move(then));
 }
 
 template <class State, class Parse>
-QFuture<bool> DeveloperTools::ask(const DevTools::ToolQuery& query, State DeveloperTools::*held,
-                                  void (DeveloperTools::*changed)(), Parse parse) {
+void DeveloperTools::ask(const DevTools::ToolQuery& query, State DeveloperTools::*held,
+                         void (DeveloperTools::*changed)(), Parse parse, std::function<void()> then) {
   const auto show = [this, held, changed](State state) {
     if (std::exchange(this->*held, state) != state) Q_EMIT(this->*changed)();
   };
   // An earlier answer stays while the tool is asked again.
   if ((this->*held).kind != State::Kind::ready) show({.kind = State::Kind::checking});
-  return tasks_
-      .run(Tasks::Priority::utility,
-           [runs = runs_, query, parse] { return DevTools::toolState(runs.ask(query), parse); })
-      .then(whileAlive(this, [show](const State& state) {
-        show(state);
-        return true;
-      }));
+  tasks_.run(
+      Tasks::Priority::utility, this,
+      [runs = runs_, query, parse] { return DevTools::toolState(runs.ask(query), parse); },
+      [show, then = std::move(then)](State state) {
+        show(std::move(state));
+        then();
+      });
 }
 
 }  // namespace spacemint

@@ -9,6 +9,8 @@
 
 #include <QObject>
 
+#include <chrono>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -21,7 +23,7 @@ class DeveloperTools : public QObject {
   using Docker = DevTools::ToolState<std::vector<DevTools::DockerUsage>>;
   using Ollama = DevTools::ToolState<std::vector<DevTools::OllamaModel>>;
 
-  /// An answer is good for so long.
+  /// `refreshIfNeeded` asks again after this time.
   static constexpr std::chrono::seconds keptFor{120};
 
   DeveloperTools(ToolRuns runs, Tasks& tasks, const Clock& clock)
@@ -31,7 +33,6 @@ class DeveloperTools : public QObject {
 
   const Docker& docker() const { return docker_; }
   const Ollama& ollama() const { return ollama_; }
-  const std::optional<Date>& lastRefresh() const { return lastRefresh_; }
 
   /// What pruning frees, volumes apart; 0 while Docker has not answered.
   Bytes dockerReclaimable() const;
@@ -39,9 +40,10 @@ class DeveloperTools : public QObject {
 
   void refreshIfNeeded();
   void refresh();
-  /// Finish, always with true, when the answer is there.
-  QFuture<bool> refreshDocker();
-  QFuture<bool> refreshOllama();
+  /// These two call `then` after the answer of the tool or its failure, unless this object was destroyed
+  /// before.
+  void refreshDocker(std::function<void()> then = [] {});
+  void refreshOllama(std::function<void()> then = [] {});
 
  Q_SIGNALS:
   void dockerChanged();
@@ -49,15 +51,15 @@ class DeveloperTools : public QObject {
 
  private:
   template <class State, class Parse>
-  QFuture<bool> ask(const DevTools::ToolQuery& query, State DeveloperTools::*held,
-                    void (DeveloperTools::*changed)(), Parse parse);
+  void ask(const DevTools::ToolQuery& query, State DeveloperTools::*held, void (DeveloperTools::*changed)(),
+           Parse parse, std::function<void()> then);
 
   ToolRuns runs_;
   Tasks& tasks_;
   const Clock& clock_;
   Docker docker_;
   Ollama ollama_;
-  std::optional<Date> lastRefresh_;
+  std::optional<std::chrono::steady_clock::time_point> lastRefresh_;
 };
 
 }  // namespace spacemint

@@ -1,5 +1,7 @@
 #include "Spacemint/model/Findings.h"
 
+#include <utility>
+
 namespace spacemint {
 
 namespace {
@@ -10,7 +12,7 @@ std::optional<Suggestions::TrashInfo> largeTrash(const Findings::Question& quest
   return trash && trash->size >= Findings::trashMinimum ? std::move(trash) : std::nullopt;
 }
 
-// The Trash is not said twice.
+// A large Trash has a card of its own, so it is not a suggestion as well.
 std::vector<Suggestion> suggestionsBeside(const std::optional<Suggestions::TrashInfo>& trash,
                                           const Findings::Question& question) {
   auto suggestions = Suggestions::find({.in = question.snapshot,
@@ -50,6 +52,51 @@ Findings Findings::in(const Question& question) {
   findings.suggestions = suggestionsBeside(findings.trash, question);
   compare(question, findings);
   return findings;
+}
+
+CurrentFindings::CurrentFindings(ScanHistory& history, Tasks& tasks, const AppContext& context)
+    : history_(history),
+      tasks_(tasks),
+      context_(context) {
+  connect(&history_, &ScanHistory::changed, this, &CurrentFindings::recompute);
+}
+
+void CurrentFindings::recompute() {
+  const SharedSnapshot snapshot = history_.snapshot();
+  if (!snapshot) return assign({});
+  const auto baselineEntry = history_.baselineEntry();
+  const auto analyse = [snapshot, baselineEntry, store = history_.store(), home = context_.home,
+                        environment = context_.environment] {
+    return Findings::in({.snapshot = *snapshot,
+                         .baselineEntry = baselineEntry,
+                         .store = store,
+                         .home = home,
+                         .environment = environment});
+  };
+  const auto take = [this, revision = history_.revision(), baselineEntry](Findings findings) {
+    // Another computation runs for the newer scan or baseline.
+    if (history_.revision() != revision || history_.baselineEntry() != baselineEntry) return;
+    assign(std::move(findings));
+  };
+  tasks_.run(Tasks::Priority::utility, this, analyse, take);
+}
+
+void CurrentFindings::assign(Findings findings) {
+  const Findings before = std::exchange(findings_, std::move(findings));
+  const Findings& now = findings_;
+  if (before.growth != now.growth) Q_EMIT growthChanged();
+  if (before.suggestions != now.suggestions) Q_EMIT suggestionsChanged();
+  if (before.trash != now.trash) Q_EMIT trashChanged();
+  if (before.deviceBackups != now.deviceBackups) Q_EMIT deviceBackupsChanged();
+  if (before.worktrees != now.worktrees) Q_EMIT worktreesChanged();
+  if (before.devCleanups != now.devCleanups) Q_EMIT devCleanupsChanged();
+  if (before.huggingFace != now.huggingFace) Q_EMIT huggingFaceChanged();
+  if (before.largestFiles != now.largestFiles) Q_EMIT largestFilesChanged();
+  if (before.baselineFree != now.baselineFree || before.baselineUnavailable != now.baselineUnavailable) {
+    Q_EMIT baselineChanged();
+  }
+  isReady_ = history_.snapshot() != nullptr;
+  Q_EMIT updated();
 }
 
 }  // namespace spacemint

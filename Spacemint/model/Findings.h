@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/model/AppContext.h"
 #include "Spacemint/model/ScanHistory.h"
 #include "core/analysis/Changes.h"
 #include "core/analysis/DevTools.h"
@@ -8,9 +9,15 @@
 #include "core/analysis/HuggingFace.h"
 #include "core/analysis/Suggestions.h"
 
+#include <QObject>
+
+#include <optional>
+#include <string>
+#include <vector>
+
 namespace spacemint {
 
-/// What was found in the current scan.
+/// The results of all analyses of one scan.
 struct Findings {
   /// Folders that grew since the baseline.
   std::vector<Growth> growth = {};
@@ -22,7 +29,7 @@ struct Findings {
   std::vector<DevTools::FoundCleanup> devCleanups = {};
   std::vector<DevTools::HuggingFaceItem> huggingFace = {};
   std::vector<FileItem> largestFiles = {};
-  /// What was free at the baseline, when that is a scan of the same folder.
+  /// The free space of the volume, in bytes, at the baseline; absent when the baseline is of another folder.
   std::optional<Bytes> baselineFree = {};
   /// The baseline could not be read.
   bool baselineUnavailable = false;
@@ -43,8 +50,44 @@ struct Findings {
     Environment environment = {};
   };
 
-  /// Reads the baseline, and what the analyses read of the disk. Any thread.
+  /// Analyses the scan. Reads the baseline from the history, and files of the disk. Any thread.
   static Findings in(const Question& question);
+};
+
+/// The findings of the current scan and its baseline. Computes them again on another thread when one of the
+/// two changes. Main thread only.
+class CurrentFindings : public QObject {
+  Q_OBJECT
+ public:
+  CurrentFindings(ScanHistory& history, Tasks& tasks, const AppContext& context);
+
+  const Findings& findings() const { return findings_; }
+  /// False until the findings of the first scan are computed.
+  bool isReady() const { return isReady_; }
+
+ Q_SIGNALS:
+  // One signal for each part of the findings that differs from before.
+  void growthChanged();
+  void suggestionsChanged();
+  void trashChanged();
+  void deviceBackupsChanged();
+  void worktreesChanged();
+  void devCleanupsChanged();
+  void huggingFaceChanged();
+  void largestFilesChanged();
+  void baselineChanged();
+  /// The findings were computed again, with or without a difference. Comes after the signals of the parts.
+  void updated();
+
+ private:
+  void recompute();
+  void assign(Findings findings);
+
+  ScanHistory& history_;
+  Tasks& tasks_;
+  const AppContext& context_;
+  Findings findings_;
+  bool isReady_ = false;
 };
 
 }  // namespace spacemint

@@ -16,4 +16,9 @@ void Messages::clear() {
   Q_EMIT changed();
 }
 
+void Messages::performAction() {
+  // A copy, because the action may replace the one that is kept.
+  if (const auto action = action_) action->perform();
+}
+
 }  // namespace spacemint

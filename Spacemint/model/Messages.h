@@ -26,6 +26,8 @@ class Messages : public QObject {
   /// A button of an earlier message goes with it.
   void show(std::string message, std::optional<MessageAction> action = std::nullopt);
   void clear();
+  /// Performs the action of the message, if there is one. The action may show another message.
+  void performAction();
 
  Q_SIGNALS:
   void changed();

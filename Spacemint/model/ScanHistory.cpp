@@ -37,12 +37,12 @@ ScanHistory::Loaded ScanHistory::readNewest(const SnapshotStore& store, Date now
 }
 
 void ScanHistory::load(std::function<void()> then) {
-  tasks_
-      .run(Tasks::Priority::utility, [store = store_, now = clock_.now()] { return readNewest(store, now); })
-      .then(whileAlive(this, [this, then = std::move(then)](Loaded loaded) {
+  tasks_.run(
+      Tasks::Priority::utility, this, [store = store_, now = clock_.now()] { return readNewest(store, now); },
+      [this, then = std::move(then)](Loaded loaded) {
         take(std::move(loaded));
         then();
-      }));
+      });
 }
 
 void ScanHistory::take(Loaded loaded) {
@@ -123,12 +123,14 @@ bool ScanHistory::assignBaseline(std::optional<Entry> entry) {
 }
 
 void ScanHistory::save() {
-  tasks_
-      .run(Tasks::Priority::utility, [writer = writer_, snapshot = snapshot_,
-                                      revision = revision_] { return writer->save(*snapshot, revision); })
-      .then(whileAlive(this, [this](const std::expected<bool, Error>& saved) {
+  tasks_.run(
+      Tasks::Priority::utility, this,
+      [writer = writer_, snapshot = snapshot_, revision = revision_] {
+        return writer->save(*snapshot, revision);
+      },
+      [this](const std::expected<bool, Error>& saved) {
         if (!saved) messages_.show("Couldn't save changes to the scan: " + saved.error().message);
-      }));
+      });
 }
 
 }  // namespace spacemint

@@ -24,19 +24,19 @@ class ScanHistory : public QObject {
   Q_OBJECT
  public:
   using Entry = SnapshotStore::Entry;
-  /// Changes a snapshot; whether it did.
+  /// Changes a snapshot; returns whether it did.
   using Edit = std::function<bool(Snapshot&)>;
 
   ScanHistory(SnapshotStore store, Tasks& tasks, const Clock& clock, Messages& messages);
 
   const SnapshotStore& store() const { return store_; }
-  /// Null while there is none.
+  /// The current scan; null before the first.
   const SharedSnapshot& snapshot() const { return snapshot_; }
   /// The stored scans, newest first; scans dated after now come last.
   const std::vector<Entry>& entries() const { return entries_; }
   /// The earlier scan that growth is measured against.
   const std::optional<Entry>& baselineEntry() const { return baselineEntry_; }
-  /// Counts the snapshots that were current, edited ones too.
+  /// Grows by one with each new or edited current scan.
   std::int64_t revision() const { return revision_; }
   bool isLoaded() const { return isLoaded_; }
 
@@ -67,8 +67,9 @@ class ScanHistory : public QObject {
   void snapshotChanged();
   void entriesChanged();
   void baselineEntryChanged();
-  /// The current scan or its baseline is another one: what was found in them has to be found again.
+  /// The current scan or its baseline changed.
   void changed();
+  /// The item at `path` was measured again in the current scan.
   void edited(const std::string& path);
 
  private:

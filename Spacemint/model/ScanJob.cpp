@@ -23,7 +23,7 @@ auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
 
 ScanJob::Report ScanJob::run() const {
   const Date start = clock.now();
-  const auto isCancelled = [this] { return flag->isSet(); };
+  const auto isCancelled = [this] { return flag->load(); };
   ScanPlan plan = ScanPlan::make(journal, {.root = root,
                                            .minNodeSize = minNodeSize,
                                            .now = start,
@@ -44,16 +44,18 @@ ScanJob::Report ScanJob::run() const {
   if (isCancelled()) return {};
   if (crawl && result) crawl->finish();
   if (!result) return {.failure = "Couldn't scan " + Paths::display(root, home) + "."};
-  return report(FinishedScan{.result = std::move(*result),
-                             .plan = plan,
-                             .minNodeSize = minNodeSize,
-                             .start = start,
-                             .end = clock.now(),
-                             .volume = volume.status()}
-                    .snapshot());
+  Report report = save(FinishedScan{.result = std::move(*result),
+                                    .plan = plan,
+                                    .minNodeSize = minNodeSize,
+                                    .start = start,
+                                    .end = clock.now(),
+                                    .volume = volume.status()}
+                           .snapshot());
+  report.whyFull = plan.whyFull;
+  return report;
 }
 
-ScanJob::Report ScanJob::report(Snapshot snapshot) const {
+ScanJob::Report ScanJob::save(Snapshot snapshot) const {
   Report report;
   const auto saved = store.save(snapshot);
   if (saved) {

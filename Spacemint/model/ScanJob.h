@@ -6,30 +6,17 @@
 #include "core/host/EventJournal.h"
 #include "core/scan/DiskScanner.h"
 
+#include <atomic>
 #include <functional>
-#include <mutex>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace spacemint {
 
-/// Cancels one scan. Its address also identifies the scan. Any thread.
-class CancelFlag {
- public:
-  void set() {
-    const std::lock_guard hold(lock_);
-    value_ = true;
-  }
-  bool isSet() const {
-    const std::lock_guard hold(lock_);
-    return value_;
-  }
-
- private:
-  mutable std::mutex lock_;
-  bool value_ = false;
-};
+/// Cancels one scan when it is set to true. Its address also identifies the scan.
+using CancelFlag = std::atomic<bool>;
 
 /// One scan from its plan to its file in the history. `run` runs on the scan's thread.
 struct ScanJob {
@@ -57,6 +44,8 @@ struct ScanJob {
   struct Report {
     std::optional<Snapshot> snapshot = {};
     std::optional<std::string> failure = {};
+    /// As in `ScanPlan`.
+    std::string whyFull = {};
     /// The history after the scan, when there is a snapshot.
     std::vector<SnapshotStore::Entry> entries = {};
   };
@@ -64,7 +53,7 @@ struct ScanJob {
   Report run() const;
 
  private:
-  Report report(Snapshot snapshot) const;
+  Report save(Snapshot snapshot) const;
 };
 
 }  // namespace spacemint

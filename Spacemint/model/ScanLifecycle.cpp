@@ -12,7 +12,8 @@ namespace {
 constexpr const char* threadName = "Spacemint scan";
 constexpr const char* activityName = "app.spacemint.scan";
 constexpr double scheduleTolerance = 0.25;
-// A background run is worth it when half the interval has passed since the last scan, whoever began that.
+// A background run scans only if the last scan, started by the user or not, is older than this part of the
+// interval.
 constexpr double dueAfter = 0.5;
 
 Seconds hours(std::int64_t count) {
@@ -21,25 +22,25 @@ Seconds hours(std::int64_t count) {
 
 }  // namespace
 
-ScanLifecycle::ScanLifecycle(const Parts& parts, const Desktop& desktop, Places places)
+ScanLifecycle::ScanLifecycle(const Parts& parts, const AppContext& context, const Desktop& desktop)
     : parts_(parts),
-      desktop_(desktop),
-      places_(std::move(places)) {
+      context_(context),
+      desktop_(desktop) {
   connect(&parts_.history, &ScanHistory::edited, this, [this](const std::string& path) {
     if (isScanning()) editedDuringScan_.insert(path);
   });
 }
 
 const std::string& ScanLifecycle::root() const {
-  return parts_.preferences.scope() == ScanScope::disk ? places_.disk : places_.home;
+  return parts_.preferences.scope() == ScanScope::disk ? context_.disk : context_.home;
 }
 
 std::optional<double> ScanLifecycle::fraction() const {
   return progress_ ? ScanTiming::fraction(progress_->bytes, expectedBytes_) : std::nullopt;
 }
 
-std::optional<Seconds> ScanLifecycle::timeRemaining(Date now) const {
-  return ScanTiming::remaining(fraction(), now - startedAt_);
+std::optional<Seconds> ScanLifecycle::timeRemaining() const {
+  return ScanTiming::remaining(fraction(), desktop_.clock.steadyNow() - startedAt_);
 }
 
 bool ScanLifecycle::isStale(Seconds olderThan) const {
@@ -52,10 +53,10 @@ bool ScanLifecycle::isStale(Seconds olderThan) const {
 void ScanLifecycle::scan() {
   if (isScanning()) return;
   const SharedSnapshot& last = parts_.history.snapshot();
-  startedAt_ = desktop_.clock.now();
+  startedAt_ = desktop_.clock.steadyNow();
   expectedBytes_ = ScanTiming::expectedBytes(last.get(), root(), parts_.volume.status());
   editedDuringScan_.clear();
-  cancelFlag_ = std::make_shared<CancelFlag>();
+  cancelFlag_ = std::make_shared<CancelFlag>(false);
   progress_ = DiskScanner::Progress{};
   Q_EMIT progressChanged();
   start(cancelFlag_, last);
@@ -69,9 +70,9 @@ void ScanLifecycle::start(const std::shared_ptr<CancelFlag>& flag, const SharedS
               .seed = seed,
               .flag = flag,
               .store = parts_.history.store(),
-              .home = places_.home,
-              .timeZone = places_.timeZone,
-              .journal = places_.journal,
+              .home = context_.home,
+              .timeZone = context_.timeZone,
+              .journal = context_.journal,
               .clock = desktop_.clock,
               .volume = desktop_.volume,
               .progress = [&tasks, self, flag](const DiskScanner::Progress& progress) {
@@ -79,10 +80,9 @@ void ScanLifecycle::start(const std::shared_ptr<CancelFlag>& flag, const SharedS
                   if (self) self->progressed(flag, progress);
                 });
               }};
-  tasks
-      .run(
-          Tasks::Priority::background, [job = std::move(job)] { return job.run(); }, threadName)
-      .then(whileAlive(this, [this, flag](ScanJob::Report report) { finish(std::move(report), flag); }));
+  tasks.run(
+      Tasks::Priority::background, this, [job = std::move(job)] { return job.run(); },
+      [this, flag](ScanJob::Report report) { finish(std::move(report), flag); }, threadName);
 }
 
 void ScanLifecycle::progressed(const std::shared_ptr<CancelFlag>& flag,
@@ -93,8 +93,9 @@ void ScanLifecycle::progressed(const std::shared_ptr<CancelFlag>& flag,
 }
 
 void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<CancelFlag>& flag) {
-  // Of a scan that was cancelled, and perhaps followed by another.
+  // The report is of a scan that was cancelled; another may run by now.
   if (cancelFlag_ != flag) return;
+  if (report.snapshot) whyFull_ = std::move(report.whyFull);
   end();
   if (report.failure) parts_.messages.show(*report.failure);
   if (!report.snapshot) return;
@@ -107,7 +108,7 @@ void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<CancelF
 
 void ScanLifecycle::cancel() {
   if (!cancelFlag_) return;
-  cancelFlag_->set();
+  *cancelFlag_ = true;
   end();
 }
 
@@ -122,7 +123,7 @@ void ScanLifecycle::scheduleBackgroundScans() {
   const std::int64_t interval = parts_.preferences.scanIntervalHours();
   if (scheduledHours_ == interval) return;
   scheduledHours_ = interval;
-  // The old one ends before the new one begins.
+  // End the old repetition before the new one begins.
   scheduled_.reset();
   scheduled_ = desktop_.scheduler.schedule(
       {.identifier = activityName,

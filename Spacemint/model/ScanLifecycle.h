@@ -1,31 +1,27 @@
 #pragma once
 
 #include "Spacemint/desktop/Desktop.h"
+#include "Spacemint/model/AppContext.h"
 #include "Spacemint/model/Preferences.h"
 #include "Spacemint/model/ScanJob.h"
 #include "Spacemint/model/VolumeWatch.h"
 
 #include <QObject>
 
+#include <chrono>
+#include <memory>
+#include <optional>
 #include <set>
+#include <string>
 
 namespace spacemint {
 
-/// When scans run, and the one that is running. Main thread only.
+/// Starts scans when they are due, and follows the running scan. Main thread only.
 class ScanLifecycle : public QObject {
   Q_OBJECT
  public:
-  /// Smaller files and folders are not kept apart.
+  /// Files and folders below this size, in bytes, have no node of their own.
   static constexpr Bytes minNodeSize = 20'000'000;
-
-  /// Where scans look and what they need.
-  struct Places {
-    std::string home;
-    /// Root of a scan of the whole disk.
-    std::string disk;
-    std::string timeZone;
-    EventJournal& journal;
-  };
 
   struct Parts {
     ScanHistory& history;
@@ -34,28 +30,33 @@ class ScanLifecycle : public QObject {
     const VolumeWatch& volume;
   };
 
-  ScanLifecycle(const Parts& parts, const Desktop& desktop, Places places);
+  ScanLifecycle(const Parts& parts, const AppContext& context, const Desktop& desktop);
 
-  /// What a scan of the chosen scope measures.
+  /// The folder that the next scan measures, by the scope of the settings.
   const std::string& root() const;
   bool isScanning() const { return progress_.has_value(); }
   /// Present exactly while a scan runs.
   const std::optional<DiskScanner::Progress>& progress() const { return progress_; }
   std::optional<double> fraction() const;
-  std::optional<Seconds> timeRemaining(Date now) const;
+  /// The estimated time until the running scan ends; absent while the estimate would be a guess.
+  std::optional<Seconds> timeRemaining() const;
+  /// True when the last scan is older than this, is of another folder than `root`, or when there is none.
   bool isStale(Seconds olderThan) const;
+  /// Why the last scan since the start of the program walked everything, in words that fit after "because";
+  /// empty when it took over what had not changed. Absent before the first scan.
+  const std::optional<std::string>& whyFull() const { return whyFull_; }
 
-  /// Begins a scan; nothing while one runs.
+  /// Starts a scan. Does nothing while one runs.
   void scan();
-  /// Ends the scan that runs; nothing comes of it.
+  /// Stops the running scan and drops its result.
   void cancel();
 
-  /// Scans again and again, from now on at the interval of the settings.
+  /// Schedules background scans at the interval of the settings. Call it again when the interval changed.
   void scheduleBackgroundScans();
 
  Q_SIGNALS:
   void progressChanged();
-  /// A scan takes the place of one of another folder, or is the first.
+  /// The finished scan is the first, or has another root than the last one.
   void rootChanged();
 
  private:
@@ -66,13 +67,14 @@ class ScanLifecycle : public QObject {
   void end();
 
   Parts parts_;
+  const AppContext& context_;
   Desktop desktop_;
-  Places places_;
   std::optional<DiskScanner::Progress> progress_;
   std::shared_ptr<CancelFlag> cancelFlag_;
-  Date startedAt_;
+  std::chrono::steady_clock::time_point startedAt_;
   Bytes expectedBytes_ = 0;
-  /// Paths that were cleaned while the scan ran, and perhaps after it had passed there.
+  std::optional<std::string> whyFull_;
+  /// Paths that were cleaned while the scan ran. The scan may have measured them before.
   std::set<std::string> editedDuringScan_;
   std::unique_ptr<ActivityScheduler::Scheduled> scheduled_;
   std::optional<std::int64_t> scheduledHours_;

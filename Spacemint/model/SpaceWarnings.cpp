@@ -1,15 +1,57 @@
 #include "Spacemint/model/SpaceWarnings.h"
 
-#include "Spacemint/model/WarningText.h"
+#include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/Log.h"
+#include "core/tree/Paths.h"
+
+#include <utility>
 
 namespace spacemint {
 
-SpaceWarnings::SpaceWarnings(const Parts& parts, const Desktop& desktop, Words words, bool mayNotify)
+namespace {
+
+bool isRecent(Date warned, Date now) {
+  return warned <= now && now - warned < WarningState::minimumGap;
+}
+
+}  // namespace
+
+WarningState::Next WarningState::after(const std::optional<Warning>& last, const Reading& reading) {
+  const SpaceLevel level = spaceLevel(reading.free, reading.thresholdGB);
+  if (level == SpaceLevel::ok) {
+    const bool isRearmed = reading.free - warningThreshold(reading.thresholdGB) > rearmMargin;
+    return {.last = isRearmed ? std::nullopt : last};
+  }
+  const bool isWorse = last && level > last->level;
+  if (last && !isWorse && isRecent(last->date, reading.now)) return {.last = last};
+  return {.last = Warning{.date = reading.now, .level = level}, .warns = true};
+}
+
+Notification WarningText::warning(const Arguments& arguments) {
+  const bool isCritical = arguments.level == SpaceLevel::critical;
+  std::string body = "Only " + ByteFormat::string(arguments.volume.free, arguments.locale) + " left on " +
+                     isolatedName(arguments.volume.name) + ".";
+  if (!arguments.growth.empty()) {
+    const Growth& first = arguments.growth.front();
+    body += " " + isolatedPath(Paths::display(first.path, arguments.home)) + " grew by " +
+            ByteFormat::string(first.delta, arguments.locale) + " recently.";
+  }
+  return {.title = isCritical ? "Your disk is almost full" : "Disk space is running low",
+          .body = body + " Click to see what's using space.",
+          .isCritical = isCritical,
+          .hasSound = true};
+}
+
+Notification WarningText::test(std::int64_t thresholdGB) {
+  return {.title = "Spacemint notifications work",
+          .body = "You'll be warned when free space drops below " + std::to_string(thresholdGB) + " GB."};
+}
+
+SpaceWarnings::SpaceWarnings(const Parts& parts, const AppContext& context, const Desktop& desktop)
     : parts_(parts),
-      desktop_(desktop),
-      words_(std::move(words)),
-      mayNotify_(mayNotify) {
+      context_(context),
+      desktop_(desktop) {
   connect(&desktop_.notifier, &Notifier::serviceAppeared, this, &SpaceWarnings::tryAgain);
 }
 
@@ -40,20 +82,19 @@ void SpaceWarnings::evaluate() {
 }
 
 void SpaceWarnings::warn(const Warning& warning) {
-  if (!mayNotify_) return finish(warning, true);
+  if (!context_.mayNotify) return finish(warning, true);
   attempt_ = Attempt::running;
-  desktop_.notifier
-      .show(WarningText::warning({.volume = *parts_.volume.status(),
-                                  .level = warning.level,
-                                  .growth = parts_.findings.findings().growth,
-                                  .home = words_.home,
-                                  .locale = words_.locale}))
-      .then(whileAlive(this, [this, warning](bool isAccepted) { finish(warning, isAccepted); }));
+  desktop_.notifier.show(WarningText::warning({.volume = *parts_.volume.status(),
+                                               .level = warning.level,
+                                               .growth = parts_.findings.findings().growth,
+                                               .home = context_.home,
+                                               .locale = context_.locale}),
+                         this, [this, warning](bool isAccepted) { finish(warning, isAccepted); });
 }
 
 void SpaceWarnings::finish(const Warning& warning, bool isAccepted) {
-  log(LogLevel::info, !mayNotify_  ? "low space: this program does not notify"
-                      : isAccepted ? "low space: the user was warned"
+  log(LogLevel::info, !context_.mayNotify ? "low space: this program does not notify"
+                      : isAccepted        ? "low space: the user was warned"
                                    : "low space: no notification service accepted the warning; it waits");
   if (isAccepted) {
     lastWarning_ = warning;
@@ -72,20 +113,20 @@ void SpaceWarnings::tryAgain() {
 }
 
 void SpaceWarnings::sendTestNotification() {
-  if (mayNotify_) desktop_.notifier.show(WarningText::test(parts_.preferences.warningThresholdGB()));
+  if (!context_.mayNotify) return;
+  desktop_.notifier.show(WarningText::test(parts_.preferences.warningThresholdGB()), this, [](bool) {});
 }
 
 void SpaceWarnings::requestAuthorization() {
-  if (!mayNotify_) return;
-  desktop_.notifier.requestAuthorization().then(
-      whileAlive(this, [this](bool) { refreshNotificationStatus(); }));
+  if (!context_.mayNotify) return;
+  desktop_.notifier.requestAuthorization(this, [this](bool) { refreshNotificationStatus(); });
 }
 
 void SpaceWarnings::refreshNotificationStatus() {
-  if (!mayNotify_) return;
-  desktop_.notifier.isAllowed().then(whileAlive(this, [this](bool isAllowed) {
+  if (!context_.mayNotify) return;
+  desktop_.notifier.askIfAllowed(this, [this](bool isAllowed) {
     if (std::exchange(notificationsAllowed_, isAllowed) != isAllowed) Q_EMIT notificationsAllowedChanged();
-  }));
+  });
 }
 
 }  // namespace spacemint

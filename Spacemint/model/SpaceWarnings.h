@@ -1,13 +1,75 @@
 #pragma once
 
-#include "Spacemint/model/CurrentFindings.h"
+#include "Spacemint/model/AppContext.h"
+#include "Spacemint/model/Findings.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/VolumeWatch.h"
-#include "Spacemint/model/WarningState.h"
+#include "core/volume/SpaceLevel.h"
 
 #include <QObject>
 
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace spacemint {
+
+/// When the user was last warned, and of which level.
+struct Warning {
+  Date date;
+  SpaceLevel level = SpaceLevel::ok;
+
+  bool operator==(const Warning&) const = default;
+};
+
+/// Decides which readings of the free space are worth a warning. Pure.
+namespace WarningState {
+
+/// After a warning, free space must exceed the threshold by this much before the next fall below the
+/// threshold warns at once.
+inline constexpr Bytes rearmMargin = 2 * gigabyte;
+/// A warning of the same or a lower level is repeated after this time.
+inline constexpr std::chrono::hours minimumGap{12};
+
+struct Reading {
+  Bytes free = 0;
+  /// Any number; used as `warningThreshold` does.
+  std::int64_t thresholdGB = 0;
+  Date now;
+};
+
+struct Next {
+  std::optional<Warning> last = {};
+  /// Warn now, at the level of `last`.
+  bool warns = false;
+
+  bool operator==(const Next&) const = default;
+};
+
+/// What follows from a reading of the volume. A last warning that is dated after `Reading::now` (the clock
+/// was set back) counts as given at an unknown time: it does not hold back the next one.
+Next after(const std::optional<Warning>& last, const Reading& reading);
+
+}  // namespace WarningState
+
+/// The texts of the notifications.
+namespace WarningText {
+
+struct Arguments {
+  const VolumeStatus& volume;
+  SpaceLevel level = SpaceLevel::low;
+  const std::vector<Growth>& growth;
+  std::string_view home;
+  const std::string& locale;
+};
+
+Notification warning(const Arguments& arguments);
+
+/// Shows the user that notifications arrive.
+Notification test(std::int64_t thresholdGB);
+
+}  // namespace WarningText
 
 /// Warns the user when space runs low, and knows whether the desktop shows notifications. Main thread only.
 ///
@@ -29,13 +91,8 @@ class SpaceWarnings : public QObject {
     ScanLifecycle& scans;
   };
 
-  struct Words {
-    std::string home;
-    std::string locale;
-  };
-
-  /// Without `mayNotify` no notification is shown and no permission is requested.
-  SpaceWarnings(const Parts& parts, const Desktop& desktop, Words words, bool mayNotify);
+  /// Unless `AppContext::mayNotify`, no notification is shown and no permission is requested.
+  SpaceWarnings(const Parts& parts, const AppContext& context, const Desktop& desktop);
 
   SpaceLevel level() const;
   bool notificationsAllowed() const { return notificationsAllowed_; }
@@ -58,9 +115,8 @@ class SpaceWarnings : public QObject {
   void tryAgain();
 
   Parts parts_;
+  const AppContext& context_;
   Desktop desktop_;
-  Words words_;
-  bool mayNotify_;
   bool notificationsAllowed_ = true;
   /// The last warning that a notification service accepted.
   std::optional<Warning> lastWarning_;

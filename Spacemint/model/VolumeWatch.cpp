@@ -2,6 +2,8 @@
 
 #include "core/base/Log.h"
 
+#include <utility>
+
 namespace spacemint {
 
 void VolumeWatch::start() {
@@ -10,13 +12,14 @@ void VolumeWatch::start() {
 }
 
 void VolumeWatch::refresh() {
-  read().then(whileAlive(this, [this](const std::optional<VolumeStatus>& reading) { take(reading); }));
+  read(this, [this](const std::optional<VolumeStatus>& reading) { take(reading); });
 }
 
-QFuture<std::optional<VolumeStatus>> VolumeWatch::read() {
+void VolumeWatch::read(QObject* context, std::function<void(std::optional<VolumeStatus>)> then) {
   StartupVolume& volume = desktop_.volume;
-  if (!volume.mayHang()) return QtFuture::makeReadyFuture(volume.status());
-  return desktop_.tasks.run(Tasks::Priority::utility, [&volume] { return volume.status(); });
+  if (!volume.mayHang()) return then(volume.status());
+  desktop_.tasks.run(
+      Tasks::Priority::utility, context, [&volume] { return volume.status(); }, std::move(then));
 }
 
 void VolumeWatch::take(const std::optional<VolumeStatus>& reading) {

@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+#include <functional>
 #include <optional>
 
 namespace spacemint {
@@ -24,8 +25,9 @@ class VolumeWatch : public QObject {
   void start();
   /// Reads the volume now; `status` changes when the reading is done.
   void refresh();
-  /// A reading of this moment that `status` does not keep; absent when the volume cannot be read.
-  QFuture<std::optional<VolumeStatus>> read();
+  /// Reads the volume without a change of `status`, and calls `then` with the reading, perhaps at once,
+  /// unless `context` was destroyed before. The reading is absent when the volume cannot be read.
+  void read(QObject* context, std::function<void(std::optional<VolumeStatus>)> then);
 
  Q_SIGNALS:
   /// The value differs from the last one.

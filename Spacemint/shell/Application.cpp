@@ -15,8 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A click on the status item takes the focus from the panel, which hides it, and then arrives as a click on the item.
-// Such a click must not open the panel again.
+// A click on the status item takes the focus from the panel, which hides it, and then arrives as a click on
+// the item. Such a click must not open the panel again.
 constexpr auto sameClick = 250ms;
 constexpr auto launchDelay = 500ms;
 constexpr auto switchDelay = 300ms;
@@ -156,7 +156,7 @@ void Application::explainWindow() {
   if (!interface_ || !interface_->isWindowShown() || host_.model.showingSettings()) return;
   if (!host_.model.history().snapshot() && !host_.model.scans().isScanning()) return;
   if (host_.model.messages().message() || host_.defaults.boolean(explainedWindowKey) == true) return;
-  host_.model.showMessage("This desktop has no status area, so Spacemint lives in this window.");
+  host_.model.messages().show("This desktop has no status area, so Spacemint lives in this window.");
   static_cast<void>(host_.defaults.set(explainedWindowKey, true));
 }
 
@@ -168,7 +168,7 @@ void Application::installStatusItem() {
 }
 
 StatusFacts Application::statusFacts() const {
-  return {.level = host_.model.level(),
+  return {.level = host_.model.warnings().level(),
           .volume = host_.model.volume().status(),
           .showsFreeSpace = host_.model.prefs().showFreeSpaceInMenuBar(),
           .locale = host_.locale};
@@ -249,7 +249,8 @@ void Application::showPanel() {
   DropdownPanel& panel = neededInterface().panel();
   panel.open(panelPlacement(item, screenOf(item)),
              {.fades = !appearance.reducedMotion(), .isRounded = appearance.hasTransparency()});
-  // Some window managers never give the panel the focus, or do not take it away at a click on the empty desktop.
+  // Some window managers never give the panel the focus, or do not take it away at a click on the empty
+  // desktop.
   outsideClicks_ = host_.desktop.outsideClicks.watch(panel, [this] { hidePanel(); });
 }
 
@@ -258,7 +259,7 @@ void Application::hidePanel() {
   panelClosedAt_ = host_.desktop.clock.steadyNow();
   outsideClicks_.reset();
   interface_->panel().hide();
-  host_.model.clearMessage();
+  host_.model.messages().clear();
   host_.model.cleanups().dismiss();
   host_.model.setShowingSettings(false);
 }
@@ -349,7 +350,7 @@ void Application::setUp(MainWindow& window) {
   window.onKey = [this](const QKeyEvent& key) { return runKey(commands_, key); };
   connect(&window, &MainWindow::activated, &host_.model, &AppModel::panelWillShow);
   connect(&window, &MainWindow::closed, this, [this] {
-    host_.model.clearMessage();
+    host_.model.messages().clear();
     host_.model.cleanups().dismiss();
   });
   connect(&window, &QWindow::visibleChanged, this, &Application::releaseLater);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Spacemint/model/WarningState.h"
+#include "core/volume/SpaceLevel.h"
 #include "core/volume/VolumeStatus.h"
 
 #include <QColor>

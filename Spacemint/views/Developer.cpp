@@ -140,7 +140,7 @@ std::vector<ListItem> Developer::cacheItems() const {
                      .subtitle = std::string{found.target->advice},
                      .symbol = std::string{found.target->symbol},
                      .buttonTitle = "Clean up",
-                     .onButton = [&model = host_.model, found] { model.confirm(found); }});
+                     .onButton = [&model = host_.model, found] { model.cleanups().ask(found); }});
   }
   return items;
 }
@@ -153,7 +153,7 @@ std::vector<ListItem> Developer::huggingFaceItems() const {
     if (host_.mayRemove(found.path, false)) {
       item.buttonTitle = "Delete";
       item.onButton = [&model = host_.model, found] {
-        model.confirm(DeleteRequest{found.path, found.repo, found.size, std::string{downloadsAgain}});
+        model.cleanups().ask(DeleteRequest{found.path, found.repo, found.size, std::string{downloadsAgain}});
       };
     }
     items.push_back(std::move(item));
@@ -173,7 +173,7 @@ void Developer::updateOllama() {
                      .subtitle = model.modified,
                      .symbol = "brain",
                      .buttonTitle = "Remove",
-                     .onButton = [&app = host_.model, model] { app.confirm(model); }});
+                     .onButton = [&app = host_.model, model] { app.cleanups().ask(model); }});
   }
   ollama_.assign(std::move(items), statusOf(tool, ollamaTexts));
 }
@@ -192,7 +192,7 @@ void Developer::updateDocker() {
       item.id = "docker-volumes";
       item.buttonTitle = "Remove";
       item.onButton = [&model = host_.model] {
-        model.confirm(DockerPruneRequest{true, model.dev().dockerVolumesReclaimable()});
+        model.cleanups().ask(DockerPruneRequest{true, model.dev().dockerVolumesReclaimable()});
       };
     }
     items.push_back(std::move(item));
@@ -204,7 +204,7 @@ void Developer::updateDocker() {
                    .title = std::string{pruneLine},
                    .buttonTitle = "Clean up",
                    .onButton = [&model = host_.model] {
-                     model.confirm(DockerPruneRequest{false, model.dev().dockerReclaimable()});
+                     model.cleanups().ask(DockerPruneRequest{false, model.dev().dockerReclaimable()});
                    }});
   dockerPrune_.assign(std::move(prune));
 }
@@ -237,7 +237,7 @@ ListItem Developer::worktreeItem(const GitWorktree& worktree) const {
   // Git removes a worktree at any place; an orphan is deleted by the application.
   if (host_.mayRemove(worktree.path, !worktree.isOrphaned)) {
     item.buttonTitle = "Remove";
-    item.onButton = [&model = host_.model, worktree] { model.confirm(worktree); };
+    item.onButton = [&model = host_.model, worktree] { model.cleanups().ask(worktree); };
   }
   return item;
 }

@@ -279,9 +279,10 @@ void ItemRows::remove(int rowId) const {
   const ListItem* item = find(rowId);
   if (item == nullptr || !canTrash(*item)) return;
   if (isInTrash(*item)) {
-    host_.model.confirm(DeleteRequest{item->path, Paths::lastComponent(item->path), item->size, deleteNote});
+    host_.model.cleanups().ask(
+        DeleteRequest{item->path, Paths::lastComponent(item->path), item->size, deleteNote});
   } else {
-    host_.model.confirm(TrashRequest{item->path, item->size});
+    host_.model.cleanups().ask(TrashRequest{item->path, item->size});
   }
 }
 

@@ -79,7 +79,7 @@ QString Overview::growthToggle(int count, bool showsAll) const {
 
 void Overview::chooseBaseline(int index) {
   if (index < 0 || index >= static_cast<int>(entries_.size())) return;
-  host_.model.setBaselineEntry(entries_[static_cast<std::size_t>(index)]);
+  host_.model.history().setBaselineEntry(entries_[static_cast<std::size_t>(index)]);
 }
 
 void Overview::openAccessSettings() const {
@@ -165,7 +165,7 @@ std::vector<ListItem> Overview::backupItems() const {
            .symbol = "iphone",
            .buttonTitle = "Delete backup",
            .busyTitle = "Deleting…",
-           .onButton = [&model = host_.model, backup = *backup] { model.confirm(backup); }}};
+           .onButton = [&model = host_.model, backup = *backup] { model.cleanups().ask(backup); }}};
 }
 
 std::vector<ListItem> Overview::suggestionItems() const {

@@ -42,8 +42,8 @@ class Page : public QObject {
 
   Q_INVOKABLE void begin() const { host_.model.begin(); }
   Q_INVOKABLE void openAccessSettings() const;
-  Q_INVOKABLE void performMessageAction() const { host_.model.performMessageAction(); }
-  Q_INVOKABLE void dismissMessage() const { host_.model.clearMessage(); }
+  Q_INVOKABLE void performMessageAction() const { host_.model.messages().performAction(); }
+  Q_INVOKABLE void dismissMessage() const { host_.model.messages().clear(); }
 
  Q_SIGNALS:
   void stateChanged();

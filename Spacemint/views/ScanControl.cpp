@@ -58,8 +58,7 @@ QString ScanControl::title() const {
 QString ScanControl::detail() const {
   const auto& progress = scans().progress();
   if (!progress) return {};
-  return ShownText::plain(
-      ScanText::detail(progress->files, scans().timeRemaining(host_.desktop.clock.now()), host_.locale));
+  return ShownText::plain(ScanText::detail(progress->files, scans().timeRemaining(), host_.locale));
 }
 
 QString ScanControl::scanned() const {

@@ -53,8 +53,8 @@ class ScanControl : public QObject {
   QString scanned() const;
   QString scannedHelp() const;
 
-  Q_INVOKABLE void scan() const { host_.model.scan(); }
-  Q_INVOKABLE void stop() const { host_.model.cancelScan(); }
+  Q_INVOKABLE void scan() const { host_.model.scans().scan(); }
+  Q_INVOKABLE void stop() const { host_.model.scans().cancel(); }
   /// Makes the texts again, because they contain the age of the scan and the remaining time.
   Q_INVOKABLE void refresh() { Q_EMIT changed(); }
 

@@ -46,17 +46,20 @@ std::vector<SettingsText::Choice> SettingsText::intervals(std::int64_t stored) {
   return choicesOf(Setting::scanIntervalHours, {stored, label});
 }
 
-std::string SettingsText::scanFootnote(bool hasFullDiskAccess) {
+std::string SettingsText::scanFootnote(bool hasFullDiskAccess, const std::optional<std::string>& whyFull) {
   std::string text = "Runs quietly in the background while your Mac is idle.";
   if (!hasFullDiskAccess) text += " Without Full Disk Access, some folders can't be measured.";
-  return text;
+  if (!whyFull) return text;
+  return text + (whyFull->empty() ? "\nLast scan: what had not changed was taken from the scan before."
+                                  : "\nLast scan: everything was walked, because " + *whyFull + ".");
 }
 
 SettingsForm::SettingsForm(const UiHost& host) : host_(host) {
   subscription_ = prefs().observe(Preferences::followedAtOnce, [this](Setting) { Q_EMIT changed(); });
   connect(&host_.model.warnings(), &SpaceWarnings::notificationsAllowedChanged, this,
           &SettingsForm::notificationsAllowedChanged);
-  connect(&host_.model, &AppModel::hasFullDiskAccessChanged, this, &SettingsForm::accessChanged);
+  connect(&host_.model, &AppModel::hasFullDiskAccessChanged, this, &SettingsForm::scanFootnoteChanged);
+  connect(&host_.model.scans(), &ScanLifecycle::progressChanged, this, &SettingsForm::scanFootnoteChanged);
   if (host_.usage != nullptr) {
     connect(host_.usage, &Usage::allowedChanged, this, &SettingsForm::sharesUsageChanged);
   }
@@ -71,7 +74,8 @@ QStringList SettingsForm::presences() const {
 }
 
 QString SettingsForm::scanFootnote() const {
-  return ShownText::plain(SettingsText::scanFootnote(host_.model.hasFullDiskAccess()));
+  return ShownText::plain(
+      SettingsText::scanFootnote(host_.model.hasFullDiskAccess(), host_.model.scans().whyFull()));
 }
 
 void SettingsForm::chooseThreshold(int index) {

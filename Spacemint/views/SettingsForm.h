@@ -8,6 +8,8 @@
 #include <QQmlEngine>
 #include <QStringList>
 
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace spacemint {
@@ -27,8 +29,9 @@ struct Choice {
 std::vector<Choice> thresholds(std::int64_t stored);
 std::vector<Choice> intervals(std::int64_t stored);
 
-/// The footnote of the section about the background scan.
-std::string scanFootnote(bool hasFullDiskAccess);
+/// The footnote of the section about the background scan. `whyFull` as in `ScanLifecycle`; the last scan has
+/// a line of its own.
+std::string scanFootnote(bool hasFullDiskAccess, const std::optional<std::string>& whyFull);
 
 }  // namespace SettingsText
 
@@ -47,7 +50,7 @@ class SettingsForm : public QObject {
   Q_PROPERTY(int presence READ presence NOTIFY changed)
   Q_PROPERTY(bool showsFreeSpace READ showsFreeSpace NOTIFY changed)
   Q_PROPERTY(bool notificationsAllowed READ notificationsAllowed NOTIFY notificationsAllowedChanged)
-  Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY accessChanged)
+  Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY scanFootnoteChanged)
   Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY loginChanged)
   /// Why the start at login could not be changed; empty if it could.
   Q_PROPERTY(QString loginError READ loginError NOTIFY loginChanged)
@@ -82,7 +85,7 @@ class SettingsForm : public QObject {
   Q_INVOKABLE void setShowsFreeSpace(bool isShown) { prefs().setShowFreeSpaceInMenuBar(isShown); }
   Q_INVOKABLE void setLaunchesAtLogin(bool launches);
   Q_INVOKABLE void setSharesUsage(bool shares);
-  Q_INVOKABLE void sendTestNotification() { host_.model.sendTestNotification(); }
+  Q_INVOKABLE void sendTestNotification() { host_.model.warnings().sendTestNotification(); }
   Q_INVOKABLE void openNotificationSettings() const;
   /// Call when the page is about to be shown: reads again what other programs may have changed.
   Q_INVOKABLE void refresh();
@@ -90,7 +93,7 @@ class SettingsForm : public QObject {
  Q_SIGNALS:
   void changed();
   void notificationsAllowedChanged();
-  void accessChanged();
+  void scanFootnoteChanged();
   void loginChanged();
   void sharesUsageChanged();
 

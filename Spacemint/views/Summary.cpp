@@ -38,7 +38,7 @@ QString Summary::tickHelp() const {
 }
 
 QString Summary::warning() const {
-  return ShownText::sentence(FindingText::warning(host_.model.level(), thresholdGB()));
+  return ShownText::sentence(FindingText::warning(host_.model.warnings().level(), thresholdGB()));
 }
 
 }  // namespace spacemint

@@ -31,7 +31,7 @@ class Summary : public QObject {
   explicit Summary(const UiHost& host);
 
   bool isKnown() const { return volume().has_value(); }
-  Level level() const { return static_cast<Level>(host_.model.level()); }
+  Level level() const { return static_cast<Level>(host_.model.warnings().level()); }
   QString free() const;
   QString total() const;
   double usedFraction() const { return volume() ? volume()->usedFraction() : 0; }

@@ -15,7 +15,7 @@ struct UiHost {
   /// Whether the deletion guard allows to remove the item. A view does not offer what the guard refuses. Asks
   /// the disk whether the item is a link.
   bool mayRemove(const std::string& path, bool outsideHomeAllowed) const {
-    return !model.guard().check({.path = path, .outsideHomeAllowed = outsideHomeAllowed});
+    return !model.cleanups().guard().check({.path = path, .outsideHomeAllowed = outsideHomeAllowed});
   }
 
   AppModel& model;

@@ -108,12 +108,12 @@ class Application {
                    .journal = journal_,
                    .tools = ToolRuns{Shell{std::vector{folder_ / "bin"}}},
                    .home = home_,
+                   .personal = {},
                    .data = inHome(".local/share"),
                    .environment = {},
                    .disk = folder_.path(),
                    .locale = "en_US",
                    .timeZone = "UTC",
-                   .hasBundleIdentifier = false,
                    .hasFullDiskAccess = [] { return true; }},
                   desktop_.desktop()};
   Ui ui_{

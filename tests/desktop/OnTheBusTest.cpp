@@ -15,6 +15,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <memory>
 #include <optional>
 
 namespace spacemint {
@@ -140,13 +142,27 @@ class DBusNotifierTest : public testing::Test {
   // Answers come in the order of the questions, so this one comes after all that was under way.
   bool settled() { return ask() != std::nullopt; }
 
-  std::optional<bool> ask() { return answered(notifier.isAllowed()); }
-  // Whether the service accepted the notification.
-  std::optional<bool> show(const Notification& notification) { return answered(notifier.show(notification)); }
+  using Question = std::function<void(QObject*, Notifier::Answer)>;
 
-  std::optional<bool> answered(QFuture<bool> future) {
+  std::optional<bool> ask() {
+    return answered(
+        [&](QObject* context, const Notifier::Answer& answer) { notifier.askIfAllowed(context, answer); });
+  }
+  // Whether the service accepted the notification.
+  std::optional<bool> show(const Notification& notification) {
+    return answered([&](QObject* context, const Notifier::Answer& answer) {
+      notifier.show(notification, context, answer);
+    });
+  }
+  // Does not wait for the answer.
+  void post(const Notification& notification) {
+    notifier.show(notification, &notifier, [](bool) {});
+  }
+
+  static std::optional<bool> answered(const Question& question) {
     std::optional<bool> answer;
-    future.then(&notifier, [&](bool is) { answer = is; });
+    QObject context;
+    question(&context, [&](bool is) { answer = is; });
     waitUntil([&] { return answer.has_value(); });
     return answer;
   }
@@ -161,8 +177,8 @@ class DBusNotifierTest : public testing::Test {
 
 TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
   startService();
-  notifier.show({.title = "Low", .body = "a < b & c"});
-  notifier.show({.title = "Critical", .body = "Körper", .isCritical = true, .hasSound = true});
+  post({.title = "Low", .body = "a < b & c"});
+  post({.title = "Critical", .body = "Körper", .isCritical = true, .hasSound = true});
   ASSERT_TRUE(arrived(2));
   const auto& normal = service->shown[0];
   EXPECT_EQ(normal.application, QStringLiteral("Spacemint"));
@@ -183,7 +199,7 @@ TEST_F(DBusNotifierTest, saysWhatTheServiceNeeds) {
 
 TEST_F(DBusNotifierTest, writesMarkupWhereTheServiceReadsIt) {
   startService({QStringLiteral("body-markup")});
-  notifier.show({.title = "a < b", .body = "a < b & c"});
+  post({.title = "a < b", .body = "a < b & c"});
   ASSERT_TRUE(arrived(1));
   EXPECT_EQ(service->shown[0].summary, QStringLiteral("a < b"));
   EXPECT_EQ(service->shown[0].body, QStringLiteral("a &lt; b &amp; c"));
@@ -191,7 +207,7 @@ TEST_F(DBusNotifierTest, writesMarkupWhereTheServiceReadsIt) {
 
 TEST_F(DBusNotifierTest, tellsOfClicksOnItsOwn) {
   startService();
-  notifier.show({.title = "Ours"});
+  post({.title = "Ours"});
   ASSERT_TRUE(arrived(1));
   const QString action = QStringLiteral("default");
   Q_EMIT service->ActionInvoked(2, action);
@@ -222,9 +238,21 @@ TEST_F(DBusNotifierTest, isNotAllowedWithoutAServiceAndComesBackWithOne) {
   EXPECT_EQ(appearances, 1);
 }
 
+TEST_F(DBusNotifierTest, answersNobodyWhoIsGone) {
+  startService();
+  bool isAnswered = false;
+  const auto answer = [&](bool) { isAnswered = true; };
+  auto context = std::make_unique<QObject>();
+  notifier.show({.title = "Low"}, context.get(), answer);
+  notifier.askIfAllowed(context.get(), answer);
+  context.reset();
+  ASSERT_TRUE(arrived(1));
+  EXPECT_FALSE(isAnswered);
+}
+
 TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
   startService();
-  notifier.show({.title = "Before"});
+  post({.title = "Before"});
   ASSERT_TRUE(arrived(1));
   service.reset();
   startService({QStringLiteral("body-markup")});
@@ -232,7 +260,7 @@ TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
   Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));
   ASSERT_TRUE(settled());
   EXPECT_EQ(activations, 0);
-  notifier.show({.title = "After", .body = "<"});
+  post({.title = "After", .body = "<"});
   ASSERT_TRUE(arrived(1));
   EXPECT_EQ(service->shown[0].body, QStringLiteral("&lt;"));
   Q_EMIT service->ActionInvoked(1, QStringLiteral("default"));

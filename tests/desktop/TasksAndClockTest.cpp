@@ -19,6 +19,7 @@
 #include <fstream>
 #include <future>
 #include <latch>
+#include <memory>
 #include <thread>
 
 namespace spacemint {
@@ -126,6 +127,20 @@ TEST(ThreadTasks, runsPostedFunctionsInOrderEvenFromInsideOne) {
   poster.join();
   EXPECT_TRUE(waitUntil([&] { return order.size() == 4; }));
   EXPECT_THAT(order, testing::ElementsAre(1, 2, 3, 4));
+}
+
+TEST(ThreadTasks, givesTheResultToAContextThatStillExists) {
+  ThreadTasks tasks({.shared = 1});
+  const auto work = [] { return std::string{"result"}; };
+  QObject context;
+  auto gone = std::make_unique<QObject>();
+  std::string text;
+  bool isCalled = false;
+  tasks.run(Priority::utility, gone.get(), work, [&](const std::string&) { isCalled = true; });
+  tasks.run(Priority::utility, &context, work, [&](const std::string& result) { text = result; });
+  gone.reset();
+  EXPECT_TRUE(waitUntil([&] { return text == "result"; }));
+  EXPECT_FALSE(isCalled);
 }
 
 TEST(ThreadTasks, sharesFewThreadsAndKeepsNoneWhenIdle) {

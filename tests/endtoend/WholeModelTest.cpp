@@ -67,22 +67,10 @@ class WholeModel : public ModelFixture {
     look.start(20);
     for (const char* name : {"meet", "state"}) fs::create_directories(folder / name);
     fs::permissions(folder / "meet", fs::perms::owner_all);
-    model = std::make_unique<AppModel>(
-        ModelHost{.defaults = defaults,
-                  .store = store,
-                  .journal = recording,
-                  .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
-                  .home = home,
-                  .data = inHome(".local/share"),
-                  .environment = {},
-                  .disk = home,
-                  .locale = "en_US",
-                  .timeZone = "UTC",
-                  .hasBundleIdentifier = true,
-                  .hasFullDiskAccess = [] { return true; }},
-        Desktop{clock, tasks, desktop.notifier, desktop.trash, desktop.opener, desktop.scheduler,
-                desktop.volume, desktop.statusItem, desktop.badge, desktop.appearance, desktop.loginItem,
-                desktop.outsideClicks});
+    disk = home;
+    makeModel(recording, {clock, tasks, desktop.notifier, desktop.trash, desktop.opener, desktop.scheduler,
+                          desktop.volume, desktop.statusItem, desktop.badge, desktop.appearance,
+                          desktop.loginItem, desktop.outsideClicks});
   }
   ~WholeModel() override {
     model.reset();
@@ -122,7 +110,7 @@ class WholeModel : public ModelFixture {
   ProcessJournal recording{{.root = {}, .endpointFolder = folder / "meet", .stateFolder = folder / "state"}};
   LinuxClock clock;
   ThreadTasks tasks;
-  QTimer look;  // nothing tells what is on the disk by now
+  QTimer look;  // wakes the event loop, so that `waitUntil` looks at the disk again
 };
 
 TEST_F(WholeModel, scansRecordsComparesAndCleans) {
@@ -138,7 +126,7 @@ TEST_F(WholeModel, scansRecordsComparesAndCleans) {
 
   waitForNextSecond();
   addFile("Projects/more", 150 * MB);
-  model->scan();
+  model->scans().scan();
   ASSERT_TRUE(waitForScan());
   const SharedSnapshot& rescan = model->history().snapshot();
   EXPECT_EQ(sizeInScan("Projects"), 210 * MB);
@@ -147,7 +135,7 @@ TEST_F(WholeModel, scansRecordsComparesAndCleans) {
   EXPECT_EQ(model->findings().growth.front().path, inHome("Projects/more"));
 
   ASSERT_THAT(model->findings().devCleanups, SizeIs(1));
-  model->confirm(model->findings().devCleanups.front());
+  model->cleanups().ask(model->findings().devCleanups.front());
   confirm();
   ASSERT_TRUE(waitForMessage("Cleaned Thumbnails.")) << message();
   EXPECT_FALSE(exists(".cache/thumbnails/a"));
@@ -163,10 +151,10 @@ TEST_F(WholeModel, neverHoldsUpTheInterface) {
   model->start();
   ASSERT_TRUE(waitUntil([this] { return model->history().isLoaded(); }));
   const LoopWatch watch;
-  model->scan();
+  model->scans().scan();
   ASSERT_TRUE(waitForScan());
   EXPECT_EQ(model->history().snapshot()->fileCount, files + 1);
-  model->confirm(DeleteRequest{inHome("many"), "many", 30 * MB, ""});
+  model->cleanups().ask(DeleteRequest{inHome("many"), "many", 30 * MB, ""});
   confirm();
   ASSERT_TRUE(waitForMessage("Deleted many.")) << message();
   EXPECT_FALSE(exists("many"));
@@ -180,9 +168,9 @@ TEST_F(WholeModel, endsInTheMiddleOfACleanUpAndTouchesNothingElse) {
   addManyFiles(50'000);
   addFile("kept", 30 * MB);
   model->start();
-  model->scan();
+  model->scans().scan();
   ASSERT_TRUE(waitForScan());
-  model->confirm(DeleteRequest{inHome("many"), "many", 0, ""});
+  model->cleanups().ask(DeleteRequest{inHome("many"), "many", 0, ""});
   confirm();
   ASSERT_TRUE(waitUntil([this] { return !exists("many/0") || !exists("many/9") || !exists("many/49"); }));
   model.reset();

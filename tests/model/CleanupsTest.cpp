@@ -2,7 +2,6 @@
 
 #include "support/Files.h"
 #include "support/ModelFixture.h"
-#include "support/TreeBuilder.h"
 
 #include <filesystem>
 
@@ -22,7 +21,7 @@ class CleanupsTest : public ModelFixture {
   }
   void haveScan() {
     startModel();
-    model->scan();
+    model->scans().scan();
     desktop.settle();
     ASSERT_EQ(sizeInScan("junk"), 40 * MB);
   }
@@ -37,7 +36,7 @@ class CleanupsTest : public ModelFixture {
     return GitWorktrees::inspect(inHome("wt"), GB);
   }
   void askToDelete(const std::string& name) {
-    model->confirm(DeleteRequest{.path = inHome(name), .name = name, .size = 40 * MB, .note = ""});
+    model->cleanups().ask(DeleteRequest{.path = inHome(name), .name = name, .size = 40 * MB, .note = ""});
   }
   const CleanupPlan& asked() const { return model->cleanups().confirmation()->plan; }
 
@@ -56,17 +55,17 @@ TEST_F(CleanupsTest, asksBeforeItDestroys) {
       .path = inHome("b"), .name = "Ann's phone", .lastBackup = morning - 48h, .size = 3 * GB};
   const Case cases[]{
       {[&] {
-         model->confirm(TrashRequest{inHome("old.zip"), 2 * GB});
+         model->cleanups().ask(TrashRequest{inHome("old.zip"), 2 * GB});
        },
        {"Move to Trash?", "old.zip · 2 GB", "~/old.zip",
         "You can put it back from the Trash until you empty it.", "Move to Trash"}},
       {[&] { model->confirmEmptyTrash(); },
        {"Empty the Trash?", "Everything in the Trash", "-",
         "Deletes everything for good, including hidden items.", "Empty Trash"}},
-      {[&] { model->confirm(backup); },
+      {[&] { model->cleanups().ask(backup); },
        {"Delete this backup?", "Ann's phone · 3 GB", "Last backed up 2 days ago",
         "You won't be able to restore Ann's phone from it anymore. Other backups stay.", "Delete backup"}},
-      {[&] { model->confirm(cache("thumbnails", ".cache/thumbnails", GB)); },
+      {[&] { model->cleanups().ask(cache("thumbnails", ".cache/thumbnails", GB)); },
        {"Clean up Thumbnails?", "Thumbnails · 1 GB", "-",
         "Permanently deletes everything inside ~/.cache/thumbnails. Recreated as you browse", "Clean up"}},
   };
@@ -114,7 +113,7 @@ TEST_F(CleanupsTest, deletesWhatWasShownAndNothingElse) {
 TEST_F(CleanupsTest, runsOfOneIdDoNotOverlap) {
   addProgram("docker", "echo run >> " + inHome("log"));
   startModel();
-  model->confirm(DockerPruneRequest{});
+  model->cleanups().ask(DockerPruneRequest{});
   const CleanupPlan plan = asked();
   model->cleanups().perform(plan);
   model->cleanups().perform(plan);
@@ -136,7 +135,7 @@ esac)sh");
   startModel();
   model->dev().refresh();
   desktop.settle();
-  model->confirm(DockerPruneRequest{false, model->dev().dockerReclaimable()});
+  model->cleanups().ask(DockerPruneRequest{false, model->dev().dockerReclaimable()});
   EXPECT_EQ(asked().subject, "About 4 GB of unused data");
   EXPECT_EQ(asked().note,
             "Runs `docker system prune -a`. Removes stopped containers, unused images and build cache. Keeps "
@@ -144,12 +143,12 @@ esac)sh");
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "Cleaned up Docker, about 4 GB. It can take a moment to show as free.");
-  model->confirm(DockerPruneRequest{true, model->dev().dockerVolumesReclaimable()});
+  model->cleanups().ask(DockerPruneRequest{true, model->dev().dockerVolumesReclaimable()});
   EXPECT_EQ(asked().subject, "About 2 GB in volumes no container uses");
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "That didn't work: the volume is in use");
-  model->confirm(DevTools::OllamaModel{.name = "llama3:8b", .size = GB, .modified = ""});
+  model->cleanups().ask(DevTools::OllamaModel{.name = "llama3:8b", .size = GB, .modified = ""});
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "That didn't work: couldn't find `ollama`.");
@@ -165,9 +164,11 @@ TEST_F(CleanupsTest, asksToolsOnlyNowAndThen) {
   EXPECT_EQ(model->dev().docker().kind, DeveloperTools::Docker::Kind::notInstalled);
   EXPECT_EQ(model->dev().ollama().kind, DeveloperTools::Ollama::Kind::ready);
   desktop.advance(119s);
+  desktop.clock.setDate(morning + 48h);
   model->dev().refreshIfNeeded();
   desktop.settle();
-  EXPECT_EQ(runs(), 1U);
+  EXPECT_EQ(runs(), 1U) << "a clock that is set forwards makes no answer older";
+  desktop.clock.setDate(morning - 48h);
   desktop.advance(1s);
   model->dev().refreshIfNeeded();
   EXPECT_EQ(model->dev().ollama().kind, DeveloperTools::Ollama::Kind::ready) << "the answer stays";
@@ -192,11 +193,8 @@ TEST_F(CleanupsTest, emptiesTheTrash) {
 
 TEST_F(CleanupsTest, hasTheFileManagerEmptyATrashItMayNotLookInto) {
   hasAccess = false;
-  storeScan(morning);
   const auto scanWithTrash = [&](Bytes size) {
-    Snapshot scan{.date = morning, .root = support::folder(home, {file("old", GB)}), .minNodeSize = 20 * MB};
-    scan.root = support::folder(home, {support::folder(".Trash", {file("x", size)})});
-    ASSERT_TRUE(store.save(scan));
+    storeHome(morning, {support::folder(".Trash", {file("x", size)})});
     startModel();
   };
   struct Case {
@@ -230,7 +228,7 @@ TEST_F(CleanupsTest, hasTheFileManagerEmptyATrashItMayNotLookInto) {
 TEST_F(CleanupsTest, movesAFileToTheTrash) {
   addFile("old.zip", 50 * MB);
   haveScan();
-  model->confirm(TrashRequest{inHome("old.zip"), 50 * MB});
+  model->cleanups().ask(TrashRequest{inHome("old.zip"), 50 * MB});
   confirm();
   desktop.settle();
   EXPECT_FALSE(exists("old.zip"));
@@ -238,13 +236,13 @@ TEST_F(CleanupsTest, movesAFileToTheTrash) {
   EXPECT_EQ(message(), "Moved “old.zip” to the Trash. Empty it to free 51.2 MB.");
   EXPECT_EQ(sizeInScan("old.zip"), 0);
 
-  model->confirm(TrashRequest{inHome("old.zip"), 50 * MB});
+  model->cleanups().ask(TrashRequest{inHome("old.zip"), 50 * MB});
   confirm();
   desktop.settle();
   EXPECT_THAT(message(), StartsWith("Couldn't move “old.zip” to the Trash: "));
 
   fs::create_directories(inHome("Documents"));
-  model->confirm(TrashRequest{inHome("Documents"), 50 * MB});
+  model->cleanups().ask(TrashRequest{inHome("Documents"), 50 * MB});
   EXPECT_FALSE(model->cleanups().confirmation()) << "refused before anything is asked";
   EXPECT_EQ(message(), "Spacemint won't move ~/Documents: it is a protected folder.");
   EXPECT_TRUE(exists("Documents"));
@@ -257,7 +255,7 @@ TEST_F(CleanupsTest, followsTheTrashThatOthersFill) {
   desktop.settle();
   EXPECT_GE(sizeInScan(".local/share/Trash"), 45 * MB) << "no folder on the way was large enough to be known";
   desktop.advance(1s);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   addFile(".local/share/Trash/files/b", 45 * MB);
   model->panelWillShow();
@@ -269,7 +267,7 @@ TEST_F(CleanupsTest, asksAboutAWorktreeWhenItsChangesAreCounted) {
   const auto worktree = makeWorktree();
   ASSERT_TRUE(worktree);
   writeText(inHome("wt/b"));
-  model->confirm(*worktree);
+  model->cleanups().ask(*worktree);
   EXPECT_FALSE(model->cleanups().confirmation());
   desktop.settle();
   EXPECT_THAT(asked().note, StartsWith("It has 1 uncommitted change, which will be lost. "));
@@ -278,7 +276,7 @@ TEST_F(CleanupsTest, asksAboutAWorktreeWhenItsChangesAreCounted) {
   EXPECT_EQ(message(), "Removed wt.");
   EXPECT_FALSE(exists("wt"));
   // An answer that comes late replaces no newer question.
-  model->confirm(*worktree);
+  model->cleanups().ask(*worktree);
   askToDelete("junk");
   desktop.settle();
   EXPECT_EQ(asked().title, "Delete permanently?");
@@ -292,7 +290,7 @@ TEST_F(CleanupsTest, showsALongRemovalAndStopsIt) {
   confirm();
   askToDelete("keep");
   EXPECT_TRUE(model->cleanups().isRunning(inHome("junk")));
-  model->confirm(DeleteRequest{.path = inHome("junk/1"), .name = "1", .size = 0, .note = ""});
+  model->cleanups().ask(DeleteRequest{.path = inHome("junk/1"), .name = "1", .size = 0, .note = ""});
   confirm();
   EXPECT_EQ(message(), "Spacemint didn't delete anything: another clean-up of the same items runs.");
   model->cleanups().stop(inHome("junk"));
@@ -322,12 +320,7 @@ TEST_F(CleanupsTest, pointsAtTheLargestOldBackup) {
               R"(<?xml version="1.0"?><plist version="1.0"><dict><key>Last Backup Date</key><date>)" +
                   std::string{backup.date} + "</date></dict></plist>");
   }
-  Node tree = support::folder("Backup", std::move(nodes));
-  for (const char* above : {"MobileSync", "Application Support", "Library"}) {
-    tree = support::folder(above, {std::move(tree)});
-  }
-  ASSERT_TRUE(store.save(
-      {.date = morning, .root = support::folder(home, {std::move(tree)}), .minNodeSize = 20 * MB}));
+  storeHome(morning, {nested("Library/Application Support/MobileSync/Backup", std::move(nodes))});
   startModel();
   EXPECT_EQ(model->findings().deviceBackups.size(), 5U);
   ASSERT_TRUE(model->oldBackup());
@@ -349,7 +342,7 @@ TEST_F(CleanupsTest, followsTheVolumeForAWhile) {
 TEST_F(CleanupsTest, aModelThatIsGoneTakesNothingWithIt) {
   haveScan();
   desktop.tasks.hold(Tasks::Priority::background);
-  model->scan();
+  model->scans().scan();
   askToDelete("junk");
   confirm();
   model.reset();

@@ -1,4 +1,4 @@
-// One day and a night on a computer whose disk fills up, with everything that was to be seen of it.
+// One day and one night on a computer whose disk fills up, with everything that the user sees.
 
 #include "support/ModelFixture.h"
 
@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 class DayOfUse : public ModelFixture {
  protected:
-  // The clock of a person, from the first morning on: "10:00", and "26:00" for two in the night.
+  // The time since the first midnight, as "10:00"; "26:00" is two o'clock in the night.
   std::string time() const {
     const auto since = std::chrono::floor<std::chrono::minutes>(desktop.clock.now() - morning) + 8h;
     const auto digits = [](auto count) { return (count < 10 ? "0" : "") + std::to_string(count); };
@@ -21,7 +21,7 @@ class DayOfUse : public ModelFixture {
   }
   void note(const std::string& what) { diary.push_back(time() + " " + what); }
   void goTo(std::chrono::minutes time) { desktop.advance(morning - 8h + time - desktop.clock.now()); }
-  // Seen at the next full minute.
+  // The model reads the volume at the next full minute.
   void setFree(std::chrono::minutes time, Bytes free) {
     goTo(time - 1min);
     desktop.advance(30s);
@@ -30,7 +30,8 @@ class DayOfUse : public ModelFixture {
 
   void keepDiary() {
     desktop.notifier.onPost = [this](const Notification& posted) {
-      note("notification: " + posted.title + " | " + posted.body);
+      EXPECT_TRUE(posted.hasSound);
+      note((posted.isCritical ? "critical: " : "notification: ") + posted.title + " | " + posted.body);
     };
     QObject::connect(&model->messages(), &Messages::changed, [this] {
       if (model->messages().message()) note("message: " + *model->messages().message());
@@ -46,7 +47,7 @@ class DayOfUse : public ModelFixture {
   bool wasScanning = false;
 };
 
-TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
+TEST_F(DayOfUse, hasExactlyTheseScansWarningsAndMessages) {
   addFile("Projects/film", 60 * MB);
   addFile(".cache/thumbnails/a", 80 * MB);
   addFile(".local/share/Trash/files/old", 50 * MB);
@@ -60,10 +61,10 @@ TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
   setFree(11h, 9 * GB);
   goTo(12h);
   ASSERT_EQ(model->findings().devCleanups.size(), 1U);
-  model->confirm(model->findings().devCleanups.front());
+  model->cleanups().ask(model->findings().devCleanups.front());
   confirm();
   goTo(13h);
-  model->confirm(DeleteRequest{inHome("junk"), "junk", 40 * MB, ""});
+  model->cleanups().ask(DeleteRequest{inHome("junk"), "junk", 40 * MB, ""});
   confirm();
   setFree(15h, 100 * GB);
   goTo(16h);
@@ -82,7 +83,7 @@ TEST_F(DayOfUse, bringsExactlyTheScansWarningsAndMessagesThatItShould) {
           "using "
           "space.",
           "10:00 scan",
-          "11:00 notification: Your disk is almost full | Only 9 GB left on Disk. Click to see what's using "
+          "11:00 critical: Your disk is almost full | Only 9 GB left on Disk. Click to see what's using "
           "space.",
           // The disk of this test never has more space.
           "12:00 message: Cleaned Thumbnails. What was removed took up 81.9 MB; open programs, snapshots or "

@@ -93,7 +93,7 @@ TEST_F(ScanLifecycleTest, scansInTheBackgroundWhenHalfAnIntervalHasPassed) {
   desktop.advance(6h);
   EXPECT_EQ(store.entries().front().date, morning + 6h);
   desktop.advance(4h);
-  model->scan();
+  model->scans().scan();
   desktop.advance(2h);
   EXPECT_EQ(desktop.scheduler.finished, 2);
   EXPECT_EQ(store.entries().front().date, morning + 10h) << "two hours after a scan there is no other";
@@ -121,6 +121,23 @@ TEST_F(ScanLifecycleTest, scansOnWhenTheClockJumps) {
   EXPECT_EQ(model->history().baselineEntry()->date, morning + 6h);
 }
 
+TEST_F(ScanLifecycleTest, measuresTheTimeOfAScanWithTheSteadyClock) {
+  startModel();
+  desktop.volume.current = VolumeStatus{"Disk", 160 * MB, 100 * MB};
+  desktop.advance(60s);
+  desktop.tasks.hold(Tasks::Priority::background);
+  model->scans().scan();
+  desktop.tasks.runHeldWork(Tasks::Priority::background);
+  desktop.advance(30s);
+  const auto remaining = model->scans().timeRemaining();
+  ASSERT_TRUE(remaining);
+  EXPECT_GT(*remaining, Seconds{0});
+  for (const auto jump : {48h, -48h}) {
+    desktop.clock.setDate(morning + jump);
+    EXPECT_EQ(model->scans().timeRemaining(), remaining);
+  }
+}
+
 TEST_F(ScanLifecycleTest, livesWithAnyNumbersOfStoredScans) {
   constexpr Bytes most = std::numeric_limits<Bytes>::max();
   for (const Bytes size : {std::numeric_limits<Bytes>::min(), most}) {
@@ -146,7 +163,7 @@ TEST_F(ScanLifecycleTest, livesWithAnyNumbersOfStoredScans) {
     startModel();
     ASSERT_TRUE(model->history().snapshot());
     EXPECT_GE(model->history().snapshot()->root.size, 0);
-    model->scan();
+    model->scans().scan();
     desktop.settle();
     EXPECT_EQ(model->history().snapshot()->date, desktop.clock.now());
   }
@@ -175,22 +192,22 @@ TEST_F(ScanLifecycleTest, answersTheSchedulerAlsoForAScanThatIsCancelled) {
   desktop.advance(6h);
   EXPECT_EQ(desktop.scheduler.begun, 1);
   EXPECT_EQ(desktop.scheduler.finished, 0);
-  model->cancelScan();
+  model->scans().cancel();
   EXPECT_EQ(desktop.scheduler.finished, 1);
 }
 
 TEST_F(ScanLifecycleTest, dropsWhatComesLateFromACancelledScan) {
   startModel();
   desktop.tasks.hold(Tasks::Priority::background);
-  model->scan();
-  model->scan();
+  model->scans().scan();
+  model->scans().scan();
   desktop.tasks.runHeldWork(Tasks::Priority::background);
   EXPECT_EQ(storedScans(), 1U) << "it was done before it was cancelled";
-  model->cancelScan();
+  model->scans().cancel();
   EXPECT_FALSE(model->scans().isScanning());
   addFile("more", 40 * MB);
   desktop.advance(1s);
-  model->scan();
+  model->scans().scan();
   EXPECT_TRUE(model->scans().isScanning());
   desktop.tasks.release(Tasks::Priority::background);
   desktop.settle();
@@ -198,8 +215,8 @@ TEST_F(ScanLifecycleTest, dropsWhatComesLateFromACancelledScan) {
   EXPECT_EQ(model->history().revision(), 1) << "one of the two was taken";
   EXPECT_EQ(message(), "");
 
-  model->scan();
-  model->cancelScan();
+  model->scans().scan();
+  model->scans().cancel();
   desktop.settle();
   EXPECT_EQ(storedScans(), 2U) << "cancelled before it ran, it leaves nothing";
 }
@@ -239,15 +256,15 @@ TEST_F(ScanLifecycleTest, scansWhenAccessIsGranted) {
 TEST_F(ScanLifecycleTest, measuresAgainWhatWasCleanedDuringTheScan) {
   addFile("junk/a", 40 * MB);
   startModel();
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   ASSERT_EQ(sizeInScan("junk"), 40 * MB);
 
   desktop.advance(1s);
   desktop.tasks.hold(Tasks::Priority::background);
-  model->scan();
+  model->scans().scan();
   desktop.tasks.runHeldWork(Tasks::Priority::background);
-  model->confirm(DeleteRequest{inHome("junk"), "junk", 40 * MB, ""});
+  model->cleanups().ask(DeleteRequest{inHome("junk"), "junk", 40 * MB, ""});
   confirm();
   desktop.advance(5s);
   EXPECT_EQ(sizeInScan("junk"), 0) << "the clean-up shows at once";
@@ -261,7 +278,7 @@ TEST_F(ScanLifecycleTest, measuresAgainWhatWasCleanedDuringTheScan) {
 TEST_F(ScanLifecycleTest, saysWhatFailed) {
   startModel();
   fs::remove_all(home);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_EQ(message(), "Couldn't scan ~.");
   EXPECT_FALSE(model->history().snapshot());
@@ -269,12 +286,12 @@ TEST_F(ScanLifecycleTest, saysWhatFailed) {
 
   addFile("big", 30 * MB);
   std::ofstream{store.directory} << "in the way";
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_THAT(message(), testing::StartsWith("Couldn't save scan results: "));
   EXPECT_EQ(sizeInScan("big"), 30 * MB) << "it is shown all the same";
 
-  model->confirm(DeleteRequest{inHome("big"), "big", 30 * MB, ""});
+  model->cleanups().ask(DeleteRequest{inHome("big"), "big", 30 * MB, ""});
   confirm();
   desktop.advance(500ms);
   EXPECT_THAT(message(), testing::StartsWith("Couldn't save changes to the scan: "));
@@ -282,7 +299,7 @@ TEST_F(ScanLifecycleTest, saysWhatFailed) {
 
   fs::remove(store.directory);
   desktop.advance(1min);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_EQ(storedScans(), 1U) << "a history folder that vanished is made again";
 }
@@ -311,7 +328,7 @@ TEST_F(ScanLifecycleTest, comparesWithTheScanOfADayAgo) {
   addFile("new", 150 * MB);
   startModel();
   EXPECT_EQ(model->history().baselineEntry(), std::nullopt) << "one scan has nothing to compare with";
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   ASSERT_TRUE(model->history().baselineEntry());
   EXPECT_EQ(model->history().baselineEntry()->date, morning - 26h);
@@ -321,19 +338,19 @@ TEST_F(ScanLifecycleTest, comparesWithTheScanOfADayAgo) {
 
   desktop.advance(30h);
   fs::resize_file(model->history().baselineEntry()->path, 10);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_EQ(model->history().baselineEntry()->date, morning - 26h) << "the baseline stays what it was";
   EXPECT_TRUE(model->findings().baselineUnavailable);
   EXPECT_EQ(model->findings().baselineFree, std::nullopt);
   EXPECT_THAT(model->findings().growth, IsEmpty());
 
-  model->setBaselineEntry(model->history().entries()[1]);
+  model->history().setBaselineEntry(model->history().entries()[1]);
   desktop.settle();
   EXPECT_FALSE(model->findings().baselineUnavailable);
   fs::remove(model->history().baselineEntry()->path);
   desktop.advance(1s);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_EQ(model->history().baselineEntry()->date, morning + 30h) << "what is gone is not compared with";
 }
@@ -342,7 +359,7 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   journal.id = 7;
   addFile("kept/inner", 50 * MB);
   startModel();
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_THAT(journal.queries, IsEmpty());
   EXPECT_EQ(model->history().snapshot()->eventID, 7U);
@@ -351,7 +368,7 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   journal.answer = FolderChanges{};
   fs::remove(inHome("kept/inner"));
   desktop.advance(1h);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   ASSERT_THAT(journal.queries, SizeIs(1));
   EXPECT_EQ(journal.queries[0].since, 7U);
@@ -359,7 +376,7 @@ TEST_F(ScanLifecycleTest, asksTheJournalOnlyForASeedThatIsFit) {
   EXPECT_EQ(model->history().snapshot()->fullScanDate, morning);
 
   desktop.advance(73h);
-  model->scan();
+  model->scans().scan();
   desktop.settle();
   EXPECT_THAT(journal.queries, SizeIs(1)) << "after three days everything is walked";
   EXPECT_EQ(sizeInScan("kept"), 0);

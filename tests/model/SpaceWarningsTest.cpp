@@ -1,5 +1,3 @@
-#include "Spacemint/model/WarningState.h"
-#include "Spacemint/model/WarningText.h"
 #include "support/ModelFixture.h"
 
 namespace spacemint {
@@ -57,45 +55,7 @@ TEST(WarningState, countsWithAnyThresholdOfASettingsFile) {
       << "what the application says";
 }
 
-TEST(WarningText, saysWhatGrewWhenThatIsKnown) {
-  const VolumeStatus volume{"Disk", 500 * GB, 9 * GB};
-  const std::vector<Growth> growth{{.path = "/home/ann/Videos", .delta = 3 * GB},
-                                   {.path = "/home/ann/b", .delta = 1 * GB}};
-  const Notification plain = WarningText::warning(
-      {.volume = volume, .level = SpaceLevel::low, .growth = {}, .home = "/home/ann", .locale = "en_US"});
-  EXPECT_EQ(plain.title, "Disk space is running low");
-  EXPECT_EQ(plain.body, "Only 9 GB left on Disk. Click to see what's using space.");
-  EXPECT_FALSE(plain.isCritical);
-  EXPECT_TRUE(plain.hasSound);
-  const Notification full = WarningText::warning({.volume = volume,
-                                                  .level = SpaceLevel::critical,
-                                                  .growth = growth,
-                                                  .home = "/home/ann",
-                                                  .locale = "en_US"});
-  EXPECT_EQ(full.title, "Your disk is almost full");
-  EXPECT_EQ(full.body,
-            "Only 9 GB left on Disk. ~/Videos grew by 3 GB recently. Click to see what's using space.");
-  EXPECT_TRUE(full.isCritical);
-}
-
 class SpaceWarningsTest : public ModelFixture {};
-
-TEST_F(SpaceWarningsTest, warnsOnceAndLooksWhatTakesTheSpace) {
-  Preferences{defaults}.setHasStarted(true);
-  storeScan(morning - 2h);
-  startModel();
-  EXPECT_THAT(desktop.notifier.posted, IsEmpty());
-  desktop.volume.current->free = 15 * GB;
-  desktop.advance(90s);
-  EXPECT_EQ(model->level(), SpaceLevel::low);
-  EXPECT_THAT(desktop.notifier.posted, SizeIs(1));
-  EXPECT_THAT(store.entries(), SizeIs(2)) << "the scan was two hours old";
-  desktop.advance(6h);
-  EXPECT_THAT(desktop.notifier.posted, SizeIs(1));
-  desktop.volume.current->free = 5 * GB;
-  desktop.advance(60s);
-  EXPECT_THAT(desktop.notifier.posted, SizeIs(2));
-}
 
 TEST_F(SpaceWarningsTest, warnsAsSoonAsAServiceAcceptsTheWarning) {
   Preferences{defaults}.setHasStarted(true);
@@ -162,7 +122,7 @@ TEST_F(SpaceWarningsTest, tellsWhetherNotificationsArrive) {
   model->panelWillShow();
   desktop.settle();
   EXPECT_EQ(changes, 1);
-  model->sendTestNotification();
+  model->warnings().sendTestNotification();
   EXPECT_THAT(desktop.notifier.posted, testing::ElementsAre(Notification{
                                            .title = "Spacemint notifications work",
                                            .body = "You'll be warned when free space drops below 20 GB."}));
@@ -172,7 +132,7 @@ TEST_F(SpaceWarningsTest, staysSilentWhenItIsNotTheApplication) {
   isApplication = false;
   startModel();
   model->begin();
-  model->sendTestNotification();
+  model->warnings().sendTestNotification();
   desktop.volume.current->free = 0;
   desktop.advance(2min);
   EXPECT_THAT(desktop.notifier.posted, IsEmpty());

@@ -119,7 +119,7 @@ TEST_F(ApplicationTest, aClickBesideThePanelClosesItAlsoWithoutTheFocus) {
 TEST_F(ApplicationTest, hidingThePanelClearsWhatWasOnIt) {
   launchAgain();
   click();
-  model->showMessage("Done.");
+  model->messages().show("Done.");
   model->confirmEmptyTrash();
   model->setShowingSettings(true);
   click();
@@ -166,7 +166,7 @@ TEST_F(ApplicationTest, explainsTheWindowWhereTheUserSeesIt) {
   EXPECT_EQ(message(), "") << "so would the settings";
   model->setShowingSettings(false);
   EXPECT_THAT(message(), testing::HasSubstr("no status area"));
-  model->clearMessage();
+  model->messages().clear();
   application->interface()->window().close();
   application->showUI();
   settle();

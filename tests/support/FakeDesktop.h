@@ -62,20 +62,20 @@ class FakeTasks final : public Tasks {
 
 class FakeNotifier final : public Notifier {
  public:
-  QFuture<bool> show(const Notification& notification) override {
-    if (!hasService) {
+  void show(const Notification& notification, QObject* /*context*/, Answer answer) override {
+    if (hasService) {
+      posted.push_back(notification);
+      if (onPost) onPost(notification);
+    } else {
       ++refused;
-      return QtFuture::makeReadyFuture(false);
     }
-    posted.push_back(notification);
-    if (onPost) onPost(notification);
-    return QtFuture::makeReadyFuture(true);
+    answer(hasService);
   }
-  QFuture<bool> requestAuthorization() override {
+  void requestAuthorization(QObject* /*context*/, Answer answer) override {
     ++requests;
-    return QtFuture::makeReadyFuture(allowed);
+    answer(allowed);
   }
-  QFuture<bool> isAllowed() override { return QtFuture::makeReadyFuture(allowed); }
+  void askIfAllowed(QObject* /*context*/, Answer answer) override { answer(allowed); }
 
   std::vector<Notification> posted;
   std::function<void(const Notification&)> onPost;

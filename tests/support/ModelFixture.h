@@ -3,6 +3,7 @@
 #include "Spacemint/model/AppModel.h"
 #include "support/FakeDesktop.h"
 #include "support/TemporaryFolder.h"
+#include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
 
@@ -29,14 +30,15 @@ class FakeJournal final : public EventJournal {
   std::vector<JournalQuery> queries;
 };
 
-/// The model in a home folder of its own, on a desktop whose time the test moves.
+/// The model in a home folder of its own. The test lets the time pass.
 class ModelFixture : public testing::Test {
  protected:
   ModelFixture();
 
-  /// A model as the application makes it; more than one at a time is not needed.
-  AppModel& makeModel();
-  /// The same after `start`, with what it does by itself done.
+  /// Makes the model anew.
+  AppModel& makeModel() { return makeModel(journal, desktop.desktop()); }
+  AppModel& makeModel(EventJournal& events, const Desktop& on);
+  /// Makes the model, starts it, and runs all that it does without time passing.
   AppModel& startModel();
 
   std::string inHome(std::string_view name) const { return home + "/" + std::string{name}; }
@@ -49,10 +51,35 @@ class ModelFixture : public testing::Test {
   std::string actionTitle() const;
   /// Presses the button of the confirmation that is shown.
   void confirm() { model->cleanups().confirm(model->cleanups().confirmation()->id); }
-  /// Stores a scan of the home folder as one that was made at that time.
-  void storeScan(Date date, Bytes size = 300 * MB) const;
-  /// In whole MB: a file system may need a block or two more to remember where a file lies.
+  /// Stores a scan of the home folder, with one file, as of this date.
+  void storeScan(Date date, Bytes size = 300 * MB) const { storeHome(date, {file("old", size)}); }
+  /// In whole MB, because a file system may need a block or two more for a file's own data. 0 when the scan
+  /// does not have the item.
   Bytes sizeInScan(std::string_view name) const;
+
+  // Invented scans of the home folder.
+
+  void storeHome(Date date, std::vector<Node> children, Bytes free = 120 * GB) const;
+  /// Stores two scans between which this many folders grew, each less than the one before it.
+  void storeGrowth(int folders) const;
+  /// A chain of folders; the innermost has these children.
+  static Node nested(std::string_view path, std::vector<Node> children);
+  static std::vector<Node> numbered(const std::string& name, int count, Bytes largest, Bytes step = MB);
+
+  // The files that the analysis reads itself.
+
+  /// A backup of a device; `backupTree` is its part of the scan.
+  void addBackup(std::string_view lastDate) const;
+  static Node backupTree(Bytes size);
+  /// A worktree of the repository "shop". Without a date its repository is gone.
+  void addWorktree(const std::string& name, std::optional<Date> lastUsed) const;
+  static Node worktreeTree(std::string name, Bytes size);
+
+  // The output of the tools.
+
+  static std::string prints(std::string_view text);
+  static std::string dockerUsage();
+  static std::string ollamaList();
 
   TemporaryFolder folder;
   const std::string home = folder / "home";
@@ -60,8 +87,11 @@ class ModelFixture : public testing::Test {
   DefaultsStore defaults{folder / "settings.json"};
   SnapshotStore store{folder / "history"};
   FakeJournal journal;
+  /// Root of a scan of the whole disk.
+  std::string disk = folder.path();
   std::string locale = "en_US";
   bool hasAccess = true;
+  /// Whether this is an installed build, which shows notifications.
   bool isApplication = true;
   std::unique_ptr<AppModel> model;
 };

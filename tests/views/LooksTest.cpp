@@ -187,7 +187,7 @@ TEST_F(LooksTest, aQuestionFadesThePageOnce) {
   for (const auto& [item, opacity] : before) {
     QObject::connect(item, &QQuickItem::opacityChanged, view.get()->root(), [&] { ++changes; });
   }
-  model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
+  model->cleanups().ask(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
   settle();
   for (const auto& [item, opacity] : before) EXPECT_EQ(item->opacity(), opacity);
   EXPECT_FALSE(button("Scan now")->isEnabled());
@@ -327,7 +327,7 @@ TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
   add("developer");
   model->setShowingSettings(true);
   add("settings");
-  model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
+  model->cleanups().ask(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
   add("question");
   EXPECT_EQ(table, support::readText(SPACEMINT_SCREEN_READER_TABLE));
 }

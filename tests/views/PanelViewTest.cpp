@@ -12,7 +12,7 @@ using namespace support;
 class PanelViewTest : public ShownTabs {
  protected:
   void ask() {
-    model->confirm(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
+    model->cleanups().ask(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});
   }
 
   void showQuestion() {
@@ -110,7 +110,7 @@ TEST_F(PanelViewTest, keyboardGoesToCancelAndBackToWhatItWasAt) {
   view->click(look);
   EXPECT_EQ(view->window().activeFocusItem(), get("Cancel"));
   EXPECT_FALSE(get("Cancel")->property("visualFocus").toBool());
-  model->clearMessage();
+  model->messages().clear();
   view->press(Qt::Key_Escape);
   view->press(Qt::Key_Tab);
   const QQuickItem* focused = view->window().activeFocusItem();
@@ -177,6 +177,35 @@ TEST_F(PanelViewTest, loginSwitchShowsWhatTheSystemSays) {
   EXPECT_TRUE(isChecked());
   flip();
   EXPECT_FALSE(desktop.loginItem.enabled);
+}
+
+TEST_F(PanelViewTest, settingsSayWhyTheLastScanWasFull) {
+  addFile("letter", 30 * MB);
+  storeScan(morning - std::chrono::hours{1});
+  show();
+  model->setShowingSettings(true);
+  const std::string footnote = "Runs quietly in the background while your Mac is idle.";
+  settle();
+  EXPECT_TRUE(shows(footnote.c_str())) << "before the first scan of this program";
+  struct Case {
+    std::uint64_t eventID;
+    std::expected<FolderChanges, JournalError> answer;
+    const char* expected;
+  };
+  const Case cases[]{
+      {7, {}, "everything was walked, because nothing recorded changes at the last scan."},
+      {8, {}, "what had not changed was taken from the scan before."},
+      {9, std::unexpected(JournalError::eventsLost),
+       "everything was walked, because the recorder lost events."},
+  };
+  for (const Case& c : cases) {
+    journal.id = c.eventID;
+    journal.answer = c.answer;
+    desktop.advance(std::chrono::seconds{1});
+    model->scans().scan();
+    settle();
+    EXPECT_TRUE(shows((footnote + "\nLast scan: " + c.expected).c_str())) << c.expected;
+  }
 }
 
 TEST_F(PanelViewTest, rowsOfTheSettingsFollowWhatIsAllowed) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Spacemint/views/Ui.h"
-#include "support/HomeFixture.h"
+#include "support/ModelFixture.h"
 #include "support/ShownView.h"
 
 #include <QTest>
@@ -9,7 +9,7 @@
 namespace spacemint {
 
 /// The interface over the real model, in a window without a screen.
-class ShownTabs : public support::HomeFixture {
+class ShownTabs : public support::ModelFixture {
  protected:
   using ShownView = support::ShownView;
 
@@ -40,7 +40,7 @@ class ShownTabs : public support::HomeFixture {
 
   /// Shows a message, as the model does after a clean-up.
   void tell(std::string text, std::optional<MessageAction> action = {}) {
-    const_cast<Messages&>(model->messages()).show(std::move(text), std::move(action));
+    model->messages().show(std::move(text), std::move(action));
     settle();
   }
 

@@ -80,10 +80,10 @@ class Scene final : public support::ModelFixture {
   void startScan() {
     desktop.tasks.hold(Tasks::Priority::background);
     desktop.tasks.hold(Tasks::Priority::utility);
-    model->scan();
+    model->scans().scan();
   }
   void tell(std::string text, std::optional<MessageAction> action = {}) {
-    const_cast<Messages&>(model->messages()).show(std::move(text), std::move(action));
+    model->messages().show(std::move(text), std::move(action));
   }
 
  private:
@@ -109,7 +109,7 @@ void settings(Scene& scene) {
   scene.app().setShowingSettings(true);
 }
 void askToDelete(Scene& scene, const std::string& name) {
-  scene.app().confirm(DeleteRequest{scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
+  scene.app().cleanups().ask(DeleteRequest{scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
                                     "This removes it for good. It can't be restored."});
 }
 

@@ -1,6 +1,6 @@
 #include "Pages.h"
 #include "Spacemint/views/Ui.h"
-#include "support/HomeFixture.h"
+#include "support/ModelFixture.h"
 
 #include <fstream>
 
@@ -15,7 +15,7 @@ using support::morning;
 using namespace std::chrono_literals;
 
 /// A model in one state, with its tabs.
-class TabScene final : public support::HomeFixture {
+class TabScene final : public support::ModelFixture {
  public:
   using Step = void (*)(TabScene&);
 
@@ -115,7 +115,7 @@ class TabScene final : public support::HomeFixture {
   // Starts to clean a cache, which does not finish.
   void clean() {
     desktop.tasks.hold(Tasks::Priority::alone);
-    model->confirm(model->findings().devCleanups.front());
+    model->cleanups().ask(model->findings().devCleanups.front());
     confirm();
   }
   void emptyTrash() {

@@ -4,10 +4,9 @@
 #include "core/base/Log.h"
 
 #include <QDBusMessage>
-#include <QPromise>
+#include <QPointer>
 #include <QVariantMap>
 
-#include <memory>
 #include <utility>
 
 namespace spacemint {
@@ -52,23 +51,16 @@ DBusNotifier::DBusNotifier(const QDBusConnection& bus)
                SLOT(notificationClosed(uint, uint)));
 }
 
-QFuture<bool> DBusNotifier::show(const Notification& notification) {
-  auto promise = std::make_shared<QPromise<bool>>();
-  promise->start();
-  const Answer answer = [promise](bool isAccepted) {
+void DBusNotifier::show(const Notification& notification, QObject* context, Answer answer) {
+  const Answer logged = [guard = QPointer{context}, answer = std::move(answer)](bool isAccepted) {
     if (!isAccepted) log(LogLevel::info, "no notification service accepted a notification");
-    promise->addResult(isAccepted);
-    promise->finish();
+    if (guard) answer(isAccepted);
   };
-  if (readsMarkup_) {
-    send(notification, answer);
-  } else {
-    findOutAboutMarkup([this, notification, answer](bool isKnown) {
-      if (!isKnown) return answer(false);
-      send(notification, answer);
-    });
-  }
-  return promise->future();
+  if (readsMarkup_) return send(notification, logged);
+  findOutAboutMarkup([this, notification, logged](bool isKnown) {
+    if (!isKnown) return logged(false);
+    send(notification, logged);
+  });
 }
 
 // Until the answer is known each notification asks by itself. So they are sent in the order of the calls.
@@ -96,14 +88,11 @@ void DBusNotifier::send(const Notification& notification, const Answer& answer) 
   });
 }
 
-QFuture<bool> DBusNotifier::isAllowed() {
-  auto promise = std::make_shared<QPromise<bool>>();
-  promise->start();
-  callAsync(bus_, method("GetServerInformation"), this, [promise](const QDBusMessage& reply) {
-    promise->addResult(reply.type() == QDBusMessage::ReplyMessage);
-    promise->finish();
-  });
-  return promise->future();
+void DBusNotifier::askIfAllowed(QObject* context, Answer answer) {
+  callAsync(bus_, method("GetServerInformation"), context,
+            [answer = std::move(answer)](const QDBusMessage& reply) {
+              answer(reply.type() == QDBusMessage::ReplyMessage);
+            });
 }
 
 void DBusNotifier::actionInvoked(uint id, const QString& action) {

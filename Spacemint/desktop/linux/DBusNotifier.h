@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace spacemint {
 
@@ -18,19 +19,19 @@ class DBusNotifier final : public Notifier {
  public:
   explicit DBusNotifier(const QDBusConnection& bus);
 
-  QFuture<bool> show(const Notification& notification) override;
-  /// The same as `isAllowed`: this service needs no permission.
-  QFuture<bool> requestAuthorization() override { return isAllowed(); }
+  void show(const Notification& notification, QObject* context, Answer answer) override;
+  /// The same as `askIfAllowed`: this service needs no permission.
+  void requestAuthorization(QObject* context, Answer answer) override {
+    askIfAllowed(context, std::move(answer));
+  }
   /// Whether a service answers. The service does not tell whether the user has silenced this application.
-  QFuture<bool> isAllowed() override;
+  void askIfAllowed(QObject* context, Answer answer) override;
 
  private Q_SLOTS:
   void actionInvoked(uint id, const QString& action);
   void notificationClosed(uint id, uint reason);
 
  private:
-  using Answer = std::function<void(bool isAccepted)>;
-
   void findOutAboutMarkup(std::function<void(bool isKnown)> then);
   void send(const Notification& notification, const Answer& answer);
   void serviceChanged(bool isThere);
