@@ -8,6 +8,10 @@ namespace spacemint {
 
 /// Text of programs rather than of people: white space and letter case are those of ASCII.
 
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
 /// Without white space and line ends at both ends.
 std::string_view trimmed(std::string_view text);
 

@@ -94,11 +94,6 @@ bool isRemote(std::string_view fileSystem) {
          std::ranges::find(remote, fileSystem) != std::end(remote);
 }
 
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-  return path.starts_with(folder) &&
-         (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
-}
-
 // The disk of a virtual machine says "rotational" because nobody told it what it is made of.
 bool isVirtual(const std::string& disk) {
   std::error_code failed;
