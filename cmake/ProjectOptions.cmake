@@ -65,6 +65,9 @@ if(MOLD AND NOT CMAKE_INTERPROCEDURAL_OPTIMIZATION)
   add_link_options(-fuse-ld=mold)
 endif()
 
+# The target all_verify_interface_header_sets compiles every header of a library by itself. ./dev lint builds it.
+set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
+
 option(SPACEMINT_CLANG_TIDY "Run clang-tidy with every compile" OFF)
 if(SPACEMINT_CLANG_TIDY)
   # clang-tidy 14 cannot parse std::expected with libstdc++ 12; 19 can.
