@@ -36,6 +36,7 @@ if(NOT SPACEMINT_SANITIZE)
   endif()
 endif()
 
+option(SPACEMINT_QML_BYTECODE_ONLY "Compile QML to byte code, not to C++, which takes longer" OFF)
 option(SPACEMINT_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 add_library(spacemint_warnings INTERFACE)
 target_compile_options(spacemint_warnings INTERFACE

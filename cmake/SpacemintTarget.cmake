@@ -96,6 +96,9 @@ function(spacemint_qml_library name)
   # moc also finds, in the headers among the sources, the types that QML knows. Qt's own targets beside this one
   # need no moc.
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  if(SPACEMINT_QML_BYTECODE_ONLY)
+    set_target_properties(${name} PROPERTIES QT_QMLCACHEGEN_ARGUMENTS --only-bytecode)
+  endif()
   qt_add_qml_module(${name}
     URI ${ARG_URI}
     VERSION 1.0
@@ -110,7 +113,11 @@ function(spacemint_qml_library name)
   target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} ${ARG_QT} PRIVATE ${ARG_LINKS} spacemint_options)
   target_compile_features(${name} PUBLIC cxx_std_23)
   target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
-  # What Qt generates is compiled with it, and was not written for our warnings.
+  # What Qt generates is compiled with it, and was not written for our warnings. A source with options of its own
+  # joins no unity batch, so a unity build goes without the warnings.
+  if(CMAKE_UNITY_BUILD)
+    return()
+  endif()
   get_target_property(warnings spacemint_warnings INTERFACE_COMPILE_OPTIONS)
   set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS "${warnings}")
 endfunction()
