@@ -12,7 +12,7 @@ namespace spacemint {
 
 namespace {
 
-std::string_view digits(std::string_view text) {
+std::string_view leadingDigits(std::string_view text) {
   return text.substr(0, std::min(text.find_first_not_of("0123456789"), text.size()));
 }
 
@@ -24,10 +24,11 @@ std::string packageArchitecture(const std::string& cpu) {
 }  // namespace
 
 std::string majorAndMinor(std::string_view version) {
-  const std::string_view major = digits(version);
+  const std::string_view major = leadingDigits(version);
   if (major.empty()) return {};
   version.remove_prefix(major.size());
-  const std::string_view minor = version.starts_with('.') ? digits(version.substr(1)) : std::string_view{};
+  const std::string_view minor =
+      version.starts_with('.') ? leadingDigits(version.substr(1)) : std::string_view{};
   return std::string{major} + '.' + std::string{minor.empty() ? "0" : minor};
 }
 

@@ -37,6 +37,7 @@ if(NOT SPACEMINT_SANITIZE)
   endif()
 endif()
 
+option(SPACEMINT_QML_BYTECODE_ONLY "Compile QML to byte code, not to C++, which takes longer" OFF)
 option(SPACEMINT_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 add_library(spacemint_warnings INTERFACE)
 target_compile_options(spacemint_warnings INTERFACE
@@ -65,6 +66,9 @@ find_program(MOLD mold)
 if(MOLD AND NOT CMAKE_INTERPROCEDURAL_OPTIMIZATION)
   add_link_options(-fuse-ld=mold)
 endif()
+
+# The target all_verify_interface_header_sets compiles every header of a library by itself. ./dev lint builds it.
+set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
 
 option(SPACEMINT_CLANG_TIDY "Run clang-tidy with every compile" OFF)
 if(SPACEMINT_CLANG_TIDY)

@@ -1,4 +1,7 @@
-# spacemint_library(NAME MAY_USE a b … LINKS x y … QT Core … SOURCES … HEADERS …)
+# spacemint_library(NAME MAY_USE a b … LINKS x y … QT Core … FILES Foo Bar.h linux/Bar.cpp …)
+#
+# FILES: a name without an ending stands for Foo.h and Foo.cpp, which must both exist; one with an ending stands
+# for itself. The lists are sorted, as `LC_ALL=C sort` does.
 #
 # Adds a library. This file defines the layers (SPACEMINT_LAYERS): a target links only the layers in MAY_USE,
 # and configuring fails if a layer uses a layer above it. LINKS are external libraries that only the
@@ -40,13 +43,36 @@ function(spacemint_check_layer name)
   message(FATAL_ERROR "${name} has no line in SPACEMINT_LAYERS")
 endfunction()
 
+# Sets `sources` and `headers` to the files that the names of FILES stand for.
+function(spacemint_files sources headers)
+  set(cpp "")
+  set(h "")
+  foreach(name IN LISTS ARGN)
+    set(files ${name})
+    if(NOT name MATCHES "\\.(h|cpp)$")
+      set(files ${name}.h ${name}.cpp)
+    endif()
+    foreach(file IN LISTS files)
+      if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${file})
+        message(FATAL_ERROR "${file} does not exist")
+      endif()
+    endforeach()
+    list(APPEND cpp ${files})
+    list(APPEND h ${files})
+  endforeach()
+  list(FILTER cpp INCLUDE REGEX "\\.cpp$")
+  list(FILTER h INCLUDE REGEX "\\.h$")
+  set(${sources} ${cpp} PARENT_SCOPE)
+  set(${headers} ${h} PARENT_SCOPE)
+endfunction()
+
 function(spacemint_library name)
-  cmake_parse_arguments(ARG "" "" "MAY_USE;LINKS;QT;SOURCES;HEADERS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "MAY_USE;LINKS;QT;FILES" ${ARGN})
   list(TRANSFORM ARG_QT PREPEND Qt6::)
   spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS} ${ARG_QT})
-  add_library(${name} STATIC)
-  target_sources(${name} PRIVATE ${ARG_SOURCES})
-  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+  spacemint_files(sources headers ${ARG_FILES})
+  add_library(${name} STATIC ${sources})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
   target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} ${ARG_QT} PRIVATE ${ARG_LINKS} spacemint_options spacemint_warnings)
   target_compile_features(${name} PUBLIC cxx_std_23)
   if(ARG_QT)
@@ -60,12 +86,20 @@ endfunction()
 # Adds a library that is also a QML module. Its QML files are in the folder of the calling CMakeLists.txt. A
 # program that uses the module also links NAMEplugin.
 function(spacemint_qml_library name)
-  cmake_parse_arguments(ARG "" "URI" "IMPORTS;QML_FILES;RESOURCES;MAY_USE;LINKS;QT;SOURCES;HEADERS" ${ARGN})
+  cmake_parse_arguments(ARG "" "URI" "IMPORTS;QML_FILES;RESOURCES;MAY_USE;LINKS;QT;FILES" ${ARGN})
   list(TRANSFORM ARG_QT PREPEND Qt6::)
   spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS} ${ARG_QT})
   string(REPLACE "." "/" folder ${ARG_URI})
-  set(CMAKE_AUTOMOC ON)  # finds QML types in the headers
-  qt_add_qml_module(${name} STATIC
+  spacemint_files(sources headers ${ARG_FILES})
+  add_library(${name} STATIC)
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+  # moc also finds, in the headers among the sources, the types that QML knows. Qt's own targets beside this one
+  # need no moc.
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  if(SPACEMINT_QML_BYTECODE_ONLY)
+    set_target_properties(${name} PROPERTIES QT_QMLCACHEGEN_ARGUMENTS --only-bytecode)
+  endif()
+  qt_add_qml_module(${name}
     URI ${ARG_URI}
     VERSION 1.0
     RESOURCE_PREFIX /qt/qml
@@ -74,12 +108,16 @@ function(spacemint_qml_library name)
     IMPORT_PATH ${CMAKE_BINARY_DIR}/qml
     QML_FILES ${ARG_QML_FILES}
     RESOURCES ${ARG_RESOURCES}
-    SOURCES ${ARG_SOURCES} ${ARG_HEADERS})
+    SOURCES ${sources} ${headers})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} ${ARG_QT} PRIVATE ${ARG_LINKS} spacemint_options)
   target_compile_features(${name} PUBLIC cxx_std_23)
   target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
-  # Set the warnings only for our sources: Qt's generated code in the same target would not pass them.
+  # Set the warnings only for our sources: Qt's generated code in the same target would not pass them. A source
+  # with options of its own joins no unity batch, so a unity build goes without the warnings.
+  if(CMAKE_UNITY_BUILD)
+    return()
+  endif()
   get_target_property(warnings spacemint_warnings INTERFACE_COMPILE_OPTIONS)
-  set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS "${warnings}")
+  set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS "${warnings}")
 endfunction()

@@ -13,7 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-DefaultsStore openStore() {
+DefaultsStore settingsStore() {
   DefaultsStore store = DefaultsStore::standard();
   store.registerDefaults(registeredSettings());
   if (store.readError()) complain(printable(store.readError()->message));
@@ -37,7 +37,7 @@ std::string textOf(const Json& value) {
 }  // namespace
 
 int listSettings(bool json) {
-  const DefaultsStore store = openStore();
+  const DefaultsStore store = settingsStore();
   Json object = Json::object();
   Table table;
   for (const SettingDescription& setting : settings) {
@@ -54,7 +54,7 @@ int getSetting(const std::string& key) {
     complain(parseSetting(key, "").error().message);
     return wrongUsage;
   }
-  return print(textOf(valueOf(openStore(), *setting)) + '\n') ? done : failed;
+  return print(textOf(valueOf(settingsStore(), *setting)) + '\n') ? done : failed;
 }
 
 int setSetting(const std::string& key, const std::string& value) {
@@ -63,7 +63,7 @@ int setSetting(const std::string& key, const std::string& value) {
     complain(printable(parsed.error().message));
     return wrongUsage;
   }
-  const auto stored = openStore().set(key, *parsed);
+  const auto stored = settingsStore().set(key, *parsed);
   if (stored) return done;
   complain(printable(stored.error().message));
   return failed;

@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-DefaultsStore openStore() {
+DefaultsStore usageStore() {
   DefaultsStore store = DefaultsStore::standard();
   if (store.readError()) complain(printable(store.readError()->message));
   return store;
@@ -32,7 +32,7 @@ Json orNull(const std::optional<Value>& value) {
 }  // namespace
 
 int showUsage(bool json) {
-  DefaultsStore store = openStore();
+  DefaultsStore store = usageStore();
   const auto isAllowed = UsageConsent{store}.isAllowed();
   const auto sentOn = store.string(UsageConsent::sentOnKey);
   const Json object{{"allowed", orNull(isAllowed)}, {"sentOn", orNull(sentOn)}};
@@ -40,7 +40,7 @@ int showUsage(bool json) {
 }
 
 int setUsage(bool isAllowed) {
-  DefaultsStore store = openStore();
+  DefaultsStore store = usageStore();
   const auto stored = UsageConsent{store}.setAllowed(isAllowed);
   if (stored) return done;
   complain(printable(stored.error().message));

@@ -8,11 +8,11 @@ namespace spacemint::DevTools {
 
 namespace {
 
-struct Kind {
+struct RepositoryKind {
   std::string_view prefix;
   std::string_view name;
 };
-constexpr Kind kinds[] = {{"models", "Model"}, {"datasets", "Dataset"}, {"spaces", "Space"}};
+constexpr RepositoryKind kinds[] = {{"models", "Model"}, {"datasets", "Dataset"}, {"spaces", "Space"}};
 constexpr std::string_view plainFolder = "Cache folder";
 
 constexpr Place cache{"$cache/huggingface", "HF_HOME"};
@@ -50,7 +50,7 @@ std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view nam
   constexpr std::string_view separator = "--";
   const std::size_t first = name.find(separator);
   if (first == std::string_view::npos) return std::nullopt;
-  const auto* kind = std::ranges::find(kinds, name.substr(0, first), &Kind::prefix);
+  const auto* kind = std::ranges::find(kinds, name.substr(0, first), &RepositoryKind::prefix);
   if (kind == std::end(kinds)) return std::nullopt;
   std::string repo{name.substr(first + separator.size())};
   for (std::size_t at = 0; (at = repo.find(separator, at)) != std::string::npos; ++at) {

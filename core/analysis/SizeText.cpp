@@ -18,10 +18,6 @@ constexpr Unit units[] = {{"", 1},        {"B", 1},           {"KB", 1e3},
                           {"MB", 1e6},    {"GB", 1e9},        {"TB", 1e12},
                           {"KIB", 1'024}, {"MIB", 1'048'576}, {"GIB", 1'073'741'824}};
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 // Bytes beyond ASCII count as letters, so that a unit with such a byte is unknown.
 bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;

@@ -8,6 +8,10 @@ namespace spacemint {
 
 /// Functions on text that programs write. White space and letter case are those of ASCII. Pure; any thread.
 
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
 /// `text` without white space and line ends at its start and end. The result points into `text`.
 std::string_view trimmed(std::string_view text);
 

@@ -1,5 +1,7 @@
 #include "core/base/DebianVersion.h"
 
+#include "core/base/AsciiText.h"
+
 #include <algorithm>
 
 namespace spacemint {
@@ -23,10 +25,6 @@ Parts partsOf(std::string_view text) {
     parts.version = parts.version.substr(0, hyphen);
   }
   return parts;
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
 }
 
 // Removes the longest run of digits (or of other characters) from the front of `text` and returns the run.

@@ -1,14 +1,12 @@
 #include "core/base/NumericOrder.h"
 
+#include "core/base/AsciiText.h"
+
 #include <algorithm>
 
 namespace spacemint {
 
 namespace {
-
-constexpr bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
 
 // Removes the digits from the front of `text` and returns them without leading zeros.
 std::string_view takeNumber(std::string_view& text) {

@@ -9,7 +9,7 @@ namespace spacemint {
 
 namespace {
 
-using Kind = CleanupFailure::Kind;
+using FailureKind = CleanupFailure::Kind;
 
 std::string changesWarning(std::optional<int> changes) {
   if (!changes) {
@@ -75,25 +75,25 @@ std::string CleanupText::failureText(const CleanupStep& step, const CleanupRepor
   const CleanupFailure& failure = *result.failure;
   const std::string& locale = context.locale;
   const std::string gone = goneText(result.removed, locale);
-  if (failure.kind == Kind::stopped) {
+  if (failure.kind == FailureKind::stopped) {
     const Bytes left = std::max<Bytes>(0, step.size - result.removed.bytes);
     return "Stopped. " + gone + (gone.empty() ? "" : " ") + "About " + ByteFormat::string(left, locale) +
            " are left.";
   }
   std::string text;
-  if (failure.kind == Kind::needsFullDiskAccess && failure.message.empty()) {
+  if (failure.kind == FailureKind::needsFullDiskAccess && failure.message.empty()) {
     text =
         "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
         "remove them.";
   } else if (step.kind == CleanupStep::Kind::moveToTrash) {
     const std::string shown = Paths::display(step.path, context.guard.home());
     // The message of a refusal begins with the path.
-    text = failure.kind == Kind::refused && failure.message.starts_with(shown)
+    text = failure.kind == FailureKind::refused && failure.message.starts_with(shown)
                ? "Spacemint won't move " + isolatedPath(shown) + ": it" +
                      failure.message.substr(shown.size()) + "."
                : "Couldn't move “" + isolatedName(Paths::lastComponent(step.path)) +
                      "” to the Trash: " + failure.message;
-  } else if (failure.kind == Kind::refused && gone.empty()) {
+  } else if (failure.kind == FailureKind::refused && gone.empty()) {
     text = "Spacemint didn't delete anything: " + failure.message + ".";
   } else {
     text = "That didn't work: " + failure.message;

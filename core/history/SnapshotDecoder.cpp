@@ -27,7 +27,7 @@ using SnapshotKeys::rootKey;
 using SnapshotKeys::Scalar;
 using SnapshotKeys::snapshotKeys;
 
-Error codecError(Fault fault, std::string_view message) {
+Error decodeError(Fault fault, std::string_view message) {
   return {.domain = std::string{SnapshotCodec::domain},
           .code = static_cast<int>(fault),
           .message = std::string{message}};
@@ -273,7 +273,7 @@ bool SnapshotReader::failAt(std::string_view key, Fault fault, std::string_view 
 }
 
 bool SnapshotReader::fail(Fault fault, std::string_view what) {
-  error_ = codecError(fault, what);
+  error_ = decodeError(fault, what);
   return false;
 }
 
@@ -284,11 +284,11 @@ std::expected<Snapshot, Error> SnapshotCodec::decode(std::string_view document) 
     SnapshotReader reader;
     // The parser would stop at a zero byte and ignore the rest.
     const std::size_t zero = document.find('\0');
-    if (zero != std::string_view::npos) return std::unexpected(codecError(Fault::notJson, notJsonAt(zero)));
+    if (zero != std::string_view::npos) return std::unexpected(decodeError(Fault::notJson, notJsonAt(zero)));
     if (!Json::sax_parse(document, &reader)) return std::unexpected(std::move(reader.error()));
     return std::move(reader.snapshot());
   } catch (const std::exception& failure) {
-    return std::unexpected(codecError(Fault::outOfMemory, failure.what()));
+    return std::unexpected(decodeError(Fault::outOfMemory, failure.what()));
   }
 }
 

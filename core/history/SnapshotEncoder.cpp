@@ -156,7 +156,7 @@ std::size_t likelySize(const Node& root) {
   return size;
 }
 
-Error codecError(SnapshotCodec::Fault fault, std::string message) {
+Error encodeError(SnapshotCodec::Fault fault, std::string message) {
   return {.domain = std::string{SnapshotCodec::domain},
           .code = static_cast<int>(fault),
           .message = std::move(message)};
@@ -166,7 +166,7 @@ Error codecError(SnapshotCodec::Fault fault, std::string message) {
 
 std::expected<std::string, Error> SnapshotCodec::encode(const Snapshot& snapshot) {
   if (!std::isfinite(snapshot.duration.count())) {
-    return std::unexpected(codecError(Fault::outOfRange, "\"duration\" is not a finite number"));
+    return std::unexpected(encodeError(Fault::outOfRange, "\"duration\" is not a finite number"));
   }
   try {
     std::string text;
@@ -174,12 +174,12 @@ std::expected<std::string, Error> SnapshotCodec::encode(const Snapshot& snapshot
     appendFacts(text, snapshot);
     text += R"(,"root":)";
     if (!appendTree(text, snapshot.root)) {
-      return std::unexpected(codecError(Fault::tooDeep, "the tree is too deep"));
+      return std::unexpected(encodeError(Fault::tooDeep, "the tree is too deep"));
     }
     text += '}';
     return text;
   } catch (const std::exception& failure) {
-    return std::unexpected(codecError(Fault::outOfMemory, failure.what()));
+    return std::unexpected(encodeError(Fault::outOfMemory, failure.what()));
   }
 }
 

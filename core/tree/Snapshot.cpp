@@ -17,7 +17,7 @@ bool beginsWith(std::string_view path, std::string_view prefix) {
 }
 
 // The place of an edit: all folders from the root down to the parent, and the node at the path, or null.
-struct Place {
+struct EditPlace {
   std::string name;
   std::vector<Node*> chain;
   Node* node = nullptr;
@@ -33,10 +33,10 @@ Node* mutableChild(Node& parent, std::string_view name) {
 }
 
 // Absent for the root, and if an ancestor folder is not in the tree.
-std::optional<Place> placeOf(Snapshot& snapshot, std::string_view path) {
+std::optional<EditPlace> placeOf(Snapshot& snapshot, std::string_view path) {
   auto names = snapshot.components(path);
   if (!names || names->empty()) return std::nullopt;
-  Place place{.name = std::move(names->back()), .chain = {&snapshot.root}};
+  EditPlace place{.name = std::move(names->back()), .chain = {&snapshot.root}};
   names->pop_back();
   for (const std::string& name : *names) {
     Node* next = mutableChild(*place.chain.back(), name);

@@ -13,15 +13,15 @@ namespace spacemint {
 
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.Notifications");
-const QString path = QStringLiteral("/org/freedesktop/Notifications");
+const QString notifierName = QStringLiteral("org.freedesktop.Notifications");
+const QString notifierPath = QStringLiteral("/org/freedesktop/Notifications");
 const QString defaultAction = QStringLiteral("default");
-const QString applicationId = QStringLiteral("app.spacemint.Spacemint");
+const QString desktopEntry = QStringLiteral("app.spacemint.Spacemint");
 // The service decides how long a notification stays.
 constexpr int defaultTimeout = -1;
 
 QDBusMessage method(const char* name) {
-  return QDBusMessage::createMethodCall(service, path, service, QLatin1String(name));
+  return QDBusMessage::createMethodCall(notifierName, notifierPath, notifierName, QLatin1String(name));
 }
 
 QVariantMap hintsOf(const Notification& notification) {
@@ -29,7 +29,7 @@ QVariantMap hintsOf(const Notification& notification) {
   constexpr uchar critical = 2;
   QVariantMap hints{
       {QStringLiteral("urgency"), QVariant::fromValue(notification.isCritical ? critical : normal)},
-      {QStringLiteral("desktop-entry"), applicationId}};
+      {QStringLiteral("desktop-entry"), desktopEntry}};
   if (notification.hasSound) {
     hints.insert(QStringLiteral("sound-name"), QStringLiteral("message-new-instant"));
   } else {
@@ -42,12 +42,12 @@ QVariantMap hintsOf(const Notification& notification) {
 
 DBusNotifier::DBusNotifier(const QDBusConnection& bus)
     : bus_(bus),
-      watcher_(service, bus, QDBusServiceWatcher::WatchForOwnerChange) {
+      watcher_(notifierName, bus, QDBusServiceWatcher::WatchForOwnerChange) {
   connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
           [this](const QString&, const QString&, const QString& owner) { serviceChanged(!owner.isEmpty()); });
-  bus_.connect(service, path, service, QStringLiteral("ActionInvoked"), this,
+  bus_.connect(notifierName, notifierPath, notifierName, QStringLiteral("ActionInvoked"), this,
                SLOT(actionInvoked(uint, QString)));
-  bus_.connect(service, path, service, QStringLiteral("NotificationClosed"), this,
+  bus_.connect(notifierName, notifierPath, notifierName, QStringLiteral("NotificationClosed"), this,
                SLOT(notificationClosed(uint, uint)));
 }
 
@@ -76,7 +76,7 @@ void DBusNotifier::send(const Notification& notification, const Answer& answer) 
   constexpr uint replacesNone = 0;
   const QString body = QString::fromStdString(notification.body);
   QDBusMessage call = method("Notify");
-  call << QStringLiteral("Spacemint") << replacesNone << applicationId
+  call << QStringLiteral("Spacemint") << replacesNone << desktopEntry
        << QString::fromStdString(notification.title)
        << (readsMarkup_.value_or(false) ? body.toHtmlEscaped() : body)
        << QStringList{defaultAction, QStringLiteral("Open Spacemint")} << hintsOf(notification)

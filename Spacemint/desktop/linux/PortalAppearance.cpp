@@ -14,9 +14,9 @@ namespace spacemint {
 
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString portalName = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
 
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString colourScheme = QStringLiteral("color-scheme");
@@ -60,7 +60,7 @@ PortalAppearance::PortalAppearance(const QDBusConnection& bus, const QString& de
 
 void PortalAppearance::follow() {
   qRegisterMetaType<QDBusVariant>("QDBusVariant");  // without it, connect fails
-  bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+  bus_.connect(portalName, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                SLOT(settingChanged(QString, QString, QDBusVariant)));
   ask(appearance, colourScheme);
   ask(appearance, reduced);
@@ -72,7 +72,8 @@ bool PortalAppearance::isDark() const {
 }
 
 void PortalAppearance::ask(const QString& group, const QString& key) {
-  QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
+  QDBusMessage call =
+      QDBusMessage::createMethodCall(portalName, portalPath, settingsInterface, QStringLiteral("Read"));
   callAsync(bus_, call << group << key, this, [this, group, key](const QDBusMessage& reply) {
     if (reply.type() == QDBusMessage::ReplyMessage) return take(group, key, reply.arguments().value(0));
     log(LogLevel::debug, "the settings portal does not tell " + (group + u' ' + key).toStdString() + ": " +

@@ -11,8 +11,8 @@ namespace spacemint {
 namespace {
 
 const QString name = QStringLiteral("app.spacemint.Spacemint");
-const QString path = QStringLiteral("/app/spacemint/Spacemint");
-const QString interface = QStringLiteral("org.freedesktop.Application");
+const QString instancePath = QStringLiteral("/app/spacemint/Spacemint");
+const QString applicationInterface = QStringLiteral("org.freedesktop.Application");
 
 }  // namespace
 
@@ -20,7 +20,7 @@ RunningInstance::RunningInstance(const QDBusConnection& bus, Kind kind) : bus_(b
 
 RunningInstance::~RunningInstance() {
   if (!bus_.isConnected()) return;
-  bus_.unregisterObject(path);
+  bus_.unregisterObject(instancePath);
   bus_.unregisterService(name);
 }
 
@@ -29,7 +29,7 @@ bool RunningInstance::become() {
     log(LogLevel::info, "there is no session bus");
     return true;
   }
-  bus_.registerObject(path, this, QDBusConnection::ExportScriptableSlots);
+  bus_.registerObject(instancePath, this, QDBusConnection::ExportScriptableSlots);
   QDBusConnectionInterface* interface = bus_.interface();
   connect(interface, &QDBusConnectionInterface::serviceUnregistered, this, [this](const QString& lost) {
     if (lost == name) Q_EMIT replaced();
@@ -44,8 +44,9 @@ bool RunningInstance::become() {
 }
 
 void RunningInstance::showOther() const {
-  bus_.call(QDBusMessage::createMethodCall(name, path, interface, QStringLiteral("Activate"))
-            << QVariantMap{});
+  bus_.call(
+      QDBusMessage::createMethodCall(name, instancePath, applicationInterface, QStringLiteral("Activate"))
+      << QVariantMap{});
 }
 
 void RunningInstance::Activate(const QVariantMap& /*platformData*/) {

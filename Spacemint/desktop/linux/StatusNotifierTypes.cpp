@@ -7,7 +7,7 @@ namespace spacemint {
 namespace {
 
 template <class... Fields>
-QDBusArgument& write(QDBusArgument& out, const Fields&... fields) {
+QDBusArgument& writeFields(QDBusArgument& out, const Fields&... fields) {
   out.beginStructure();
   (out << ... << fields);
   out.endStructure();
@@ -15,7 +15,7 @@ QDBusArgument& write(QDBusArgument& out, const Fields&... fields) {
 }
 
 template <class... Fields>
-const QDBusArgument& read(const QDBusArgument& in, Fields&... fields) {
+const QDBusArgument& readFields(const QDBusArgument& in, Fields&... fields) {
   in.beginStructure();
   (in >> ... >> fields);
   in.endStructure();
@@ -34,45 +34,45 @@ void registerType(const char* name) {
 }  // namespace
 
 QDBusArgument& operator<<(QDBusArgument& out, const StatusPixmap& pixmap) {
-  return write(out, pixmap.width, pixmap.height, pixmap.pixels);
+  return writeFields(out, pixmap.width, pixmap.height, pixmap.pixels);
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, StatusPixmap& pixmap) {
-  return read(in, pixmap.width, pixmap.height, pixmap.pixels);
+  return readFields(in, pixmap.width, pixmap.height, pixmap.pixels);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const StatusToolTip& toolTip) {
-  return write(out, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
+  return writeFields(out, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, StatusToolTip& toolTip) {
-  return read(in, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
+  return readFields(in, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const MenuNode& node) {
-  return write(out, node.id, node.properties, node.children);
+  return writeFields(out, node.id, node.properties, node.children);
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, MenuNode& node) {
-  return read(in, node.id, node.properties, node.children);
+  return readFields(in, node.id, node.properties, node.children);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const MenuProperties& properties) {
-  return write(out, properties.id, properties.properties);
+  return writeFields(out, properties.id, properties.properties);
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, MenuProperties& properties) {
-  return read(in, properties.id, properties.properties);
+  return readFields(in, properties.id, properties.properties);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const MenuRemovedProperties& removed) {
-  return write(out, removed.id, removed.names);
+  return writeFields(out, removed.id, removed.names);
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, MenuRemovedProperties& removed) {
-  return read(in, removed.id, removed.names);
+  return readFields(in, removed.id, removed.names);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const MenuEvent& event) {
-  return write(out, event.id, event.event, event.data, event.time);
+  return writeFields(out, event.id, event.event, event.data, event.time);
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, MenuEvent& event) {
-  return read(in, event.id, event.event, event.data, event.time);
+  return readFields(in, event.id, event.event, event.data, event.time);
 }
 
 void registerStatusNotifierTypes() {

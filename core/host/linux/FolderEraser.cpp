@@ -13,8 +13,8 @@ namespace spacemint {
 
 namespace {
 
-constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-constexpr std::size_t bufferSize = std::size_t{2} << 20U;
+constexpr int eraserFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr std::size_t entryBufferSize = std::size_t{2} << 20U;
 constexpr std::size_t shownPathLength = 1'000;
 
 bool isThere(int errorNumber) {
@@ -26,7 +26,7 @@ bool isThere(int errorNumber) {
 FolderEraser::FolderEraser(std::string path, RemovalProgress& progress)
     : path_(std::move(path)),
       progress_(progress),
-      buffer_(std::make_unique_for_overwrite<std::byte[]>(bufferSize)) {}
+      buffer_(std::make_unique_for_overwrite<std::byte[]>(entryBufferSize)) {}
 
 FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& facts) {
   mounted_ = facts.mounted;
@@ -57,7 +57,7 @@ FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& fac
 std::expected<bool, RemovalFailure> FolderEraser::readBatch(Frame& folder) {
   files_.clear();
   const auto more =
-      readFolderEntries(folder.handle, {buffer_.get(), bufferSize}, [&](const FolderEntry& entry) {
+      readFolderEntries(folder.handle, {buffer_.get(), entryBufferSize}, [&](const FolderEntry& entry) {
         if (entry.type == DT_DIR) {
           folder.folders.emplace_back(entry.name);
         } else {
@@ -97,7 +97,7 @@ FolderEraser::Done FolderEraser::removeFile(Frame& folder, const char* name) {
 
 FolderEraser::Done FolderEraser::enter(const std::string& name) {
   Frame& parent = frames_.back();
-  FileHandle opened{openat(parent.handle.get(), name.c_str(), openFlags)};
+  FileHandle opened{openat(parent.handle.get(), name.c_str(), eraserFlags)};
   if (!opened) {
     if (!isThere(errno)) return {};
     // A folder without read permission can still be removed if it is empty.
@@ -137,7 +137,7 @@ FolderEraser::Done FolderEraser::leave() {
 FolderEraser::Done FolderEraser::reopenParent() {
   Frame& parent = frames_[frames_.size() - 2];
   if (parent.handle) return {};
-  FileHandle opened{openat(frames_.back().handle.get(), "..", openFlags)};
+  FileHandle opened{openat(frames_.back().handle.get(), "..", eraserFlags)};
   if (!opened) return failure("", errno);
   const auto facts = factsOf(opened);
   if (!facts) return failure("", facts.error());

@@ -8,7 +8,7 @@ namespace spacemint {
 
 namespace {
 
-constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+constexpr int listingFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 // Without O_NOATIME, listing a folder sets its access time, so a scan would write to the disk for every
 // folder. Only the owner of a folder may use this flag.
@@ -20,11 +20,11 @@ FileHandle openWithoutTouching(int parent, const char* name, int flags) {
 }  // namespace
 
 FileHandle openFolder(int parent, const char* name) {
-  return openWithoutTouching(parent, name, openFlags);
+  return openWithoutTouching(parent, name, listingFlags);
 }
 
 FileHandle openFolderItself(int parent, const char* name) {
-  return openWithoutTouching(parent, name, openFlags | O_NOFOLLOW);
+  return openWithoutTouching(parent, name, listingFlags | O_NOFOLLOW);
 }
 
 void rewindFolder(const FileHandle& folder) {

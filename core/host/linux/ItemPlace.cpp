@@ -14,7 +14,7 @@ namespace spacemint {
 
 namespace {
 
-constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+constexpr int wayFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 std::vector<std::string> namesOf(std::string_view path) {
   std::vector<std::string> names;
@@ -52,10 +52,10 @@ std::expected<FileHandle, RemovalFailure> parentOf(const RemovalTarget& target,
                                                    const std::vector<std::string>& names) {
   const std::size_t first = lengthOfStart(names, target.linksAllowedUpTo);
   const std::string& start = first == 0 ? "/" : target.linksAllowedUpTo;
-  FileHandle folder{open(start.c_str(), folderFlags)};
+  FileHandle folder{open(start.c_str(), wayFlags)};
   if (!folder) return removalFailure(start, errno);
   for (std::size_t i = first; i + 1 < names.size(); ++i) {
-    FileHandle next{openat(folder.get(), names[i].c_str(), folderFlags | O_NOFOLLOW)};
+    FileHandle next{openat(folder.get(), names[i].c_str(), wayFlags | O_NOFOLLOW)};
     if (!next) return notOpened(target.path, folder, names[i], errno);
     folder = std::move(next);
   }

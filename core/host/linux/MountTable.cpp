@@ -79,6 +79,11 @@ std::vector<Mount> parseMountTable(std::string_view text) {
   return mounts;
 }
 
+bool isAtOrBelow(std::string_view path, std::string_view folder) {
+  return path.starts_with(folder) &&
+         (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
+}
+
 std::vector<Mount> currentMounts() {
   std::ifstream file("/proc/self/mountinfo", std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>{file}, {}};

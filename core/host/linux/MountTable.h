@@ -24,6 +24,9 @@ std::vector<Mount> parseMountTable(std::string_view text);
 /// The current mounts; empty if the table cannot be read. Any thread.
 std::vector<Mount> currentMounts();
 
+/// Whether the path is the folder or is below it. Both are absolute and have no links.
+bool isAtOrBelow(std::string_view path, std::string_view folder);
+
 /// The mount points below a folder, as a tree of names. A scan looks up each name on its way down, so folders
 /// without mounts below cost nothing.
 struct MountTree {

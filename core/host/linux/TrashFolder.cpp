@@ -26,7 +26,7 @@ FileHandle ownFolder(const FileHandle& parent, const std::string& name) {
   return folder;
 }
 
-std::expected<TrashFolder, Error> open(const FileHandle& trash, const std::string& path) {
+std::expected<TrashFolder, Error> openTrash(const FileHandle& trash, const std::string& path) {
   if (!trash) return std::unexpected(systemError(path, errno));
   TrashFolder folder{.path = path};
   folder.files = ownFolder(trash, "files");
@@ -53,7 +53,7 @@ FileHandle sharedTrash(const FileHandle& top) {
 std::expected<TrashFolder, Error> TrashFolder::home(const std::string& path) {
   if (auto made = createPrivateFolders(path); !made) return std::unexpected(made.error());
   // Follow a link here: the user may have replaced the Trash by a link.
-  return open(FileHandle{::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, path);
+  return openTrash(FileHandle{::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, path);
 }
 
 std::expected<TrashFolder, Error> TrashFolder::onVolume(const std::string& top) {
@@ -64,9 +64,9 @@ std::expected<TrashFolder, Error> TrashFolder::onVolume(const std::string& top) 
 
   std::expected<TrashFolder, Error> trash = std::unexpected(systemError(top, ENOENT));
   if (const FileHandle shared = sharedTrash(volume)) {
-    trash = open(ownFolder(shared, user), prefix + ".Trash/" + user);
+    trash = openTrash(ownFolder(shared, user), prefix + ".Trash/" + user);
   }
-  if (!trash) trash = open(ownFolder(volume, ".Trash-" + user), prefix + ".Trash-" + user);
+  if (!trash) trash = openTrash(ownFolder(volume, ".Trash-" + user), prefix + ".Trash-" + user);
   if (trash) trash->top = prefix;
   return trash;
 }

@@ -96,11 +96,6 @@ bool isRemote(std::string_view fileSystem) {
          std::ranges::find(remote, fileSystem) != std::end(remote);
 }
 
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-  return path.starts_with(folder) &&
-         (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
-}
-
 // A virtual disk reports "rotational" only because its hypervisor does not report the kind of disk.
 bool isVirtual(const std::string& disk) {
   std::error_code failed;

@@ -3,6 +3,7 @@
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
 #include "core/host/linux/ItemPlace.h"
+#include "core/host/linux/MountTable.h"
 #include "core/host/linux/RemovalReason.h"
 #include "core/host/linux/TrashFolder.h"
 
@@ -32,10 +33,6 @@ struct Item {
   const Mounted& mount() const { return held.item.facts.mounted; }
   std::string path() const { return (parentPath == "/" ? "" : parentPath) + "/" + held.name; }
 };
-
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-  return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
 
 // True if the Trash at `path` is on this mount, or would be if it were created. Creates nothing.
 bool isOn(std::string path, const Mounted& mount) {
@@ -104,7 +101,7 @@ int writeInfo(const TrashFolder& trash, const std::string& name, const std::stri
 }
 
 // Moves the item into the Trash. Never replaces an item in the Trash: returns EEXIST.
-int rename(const Item& item, const TrashFolder& trash, const std::string& name) {
+int moveInto(const Item& item, const TrashFolder& trash, const std::string& name) {
   const int to = trash.files.get();
   if (renameat2(item.held.parent.get(), item.held.name.c_str(), to, name.c_str(), RENAME_NOREPLACE) == 0)
     return 0;
@@ -123,7 +120,7 @@ bool hasArrived(const Item& item, const TrashFolder& trash, const std::string& n
 int moveAs(const std::string& name, const Item& item, const TrashFolder& trash) {
   const std::string info = name + std::string{infoSuffix};
   if (const int failure = writeInfo(trash, info, infoOf(item, trash)); failure != 0) return failure;
-  int failure = rename(item, trash, name);
+  int failure = moveInto(item, trash, name);
   if (failure == 0 && !hasArrived(item, trash, name)) {
     // The item was replaced just before the rename, so another item was moved: move that item back.
     renameat2(trash.files.get(), name.c_str(), item.held.parent.get(), item.held.name.c_str(),

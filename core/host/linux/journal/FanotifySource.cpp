@@ -28,7 +28,7 @@ static_assert(FAN_CREATE == IN_CREATE && FAN_DELETE == IN_DELETE && FAN_MOVED_FR
               FAN_MOVED_TO == IN_MOVED_TO && FAN_MODIFY == IN_MODIFY && FAN_CLOSE_WRITE == IN_CLOSE_WRITE &&
               FAN_ATTRIB == IN_ATTRIB && FAN_ONDIR == IN_ISDIR && FAN_Q_OVERFLOW == IN_Q_OVERFLOW);
 
-constexpr std::size_t bufferSize = std::size_t{1} << 16U;
+constexpr std::size_t fanotifyBufferSize = std::size_t{1} << 16U;
 
 // With this capability every folder can be opened. Without it, nothing would report that a folder becomes
 // readable: the folder could not be opened before, so its handle is unknown.
@@ -138,7 +138,7 @@ std::optional<std::size_t> FanotifySource::fetch(std::deque<FolderEvent>& events
   int queued = 0;
   if (ioctl(group_.get(), FIONREAD, &queued) != 0) return std::nullopt;
   const std::size_t wanted = static_cast<std::size_t>(queued) / sizeof(fanotify_event_metadata);
-  buffer_.resize(bufferSize);
+  buffer_.resize(fanotifyBufferSize);
   std::size_t count = 0;
   while (count < wanted) {
     const ssize_t length = read(group_.get(), buffer_.data(), buffer_.size());

@@ -21,7 +21,7 @@ namespace {
 constexpr std::uint32_t selfMask = IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_MASK_ADD;
 constexpr std::uint32_t watchMask =
     IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | selfMask;
-constexpr std::size_t bufferSize = std::size_t{1} << 16U;
+constexpr std::size_t inotifyBufferSize = std::size_t{1} << 16U;
 
 std::size_t kernelLimit(const char* name) {
   std::size_t limit = 0;
@@ -95,7 +95,7 @@ void InotifySource::unwatch(int watch) {
 std::optional<std::size_t> InotifySource::fetch(std::deque<FolderEvent>& events) {
   int queued = 0;
   if (ioctl(handle_.get(), FIONREAD, &queued) != 0) return std::nullopt;
-  buffer_.resize(bufferSize);
+  buffer_.resize(inotifyBufferSize);
   std::size_t count = 0;
   while (queued > 0) {
     const ssize_t length = read(handle_.get(), buffer_.data(), buffer_.size());

@@ -11,7 +11,7 @@ namespace {
 
 using namespace JournalMessage;
 
-constexpr std::string_view header = "spacemint-journal 1";
+constexpr std::string_view messageHeader = "spacemint-journal 1";
 constexpr std::string_view end = "end";
 
 constexpr std::array<std::pair<JournalError, std::string_view>, 11> errorWords{{
@@ -31,7 +31,7 @@ constexpr std::array<std::pair<JournalError, std::string_view>, 11> errorWords{{
 // A message is a sequence of fields. Each ends with a NUL byte, which no path contains.
 class Fields {
  public:
-  Fields() { add(header); }
+  Fields() { add(messageHeader); }
 
   Fields& add(std::string_view field) {
     bytes_ += field;
@@ -47,7 +47,7 @@ class Fields {
 
 class Reader {
  public:
-  explicit Reader(std::string_view bytes) : rest_(bytes) { valid_ = text() == header; }
+  explicit Reader(std::string_view bytes) : rest_(bytes) { valid_ = text() == messageHeader; }
 
   std::string_view text() {
     const std::size_t length = rest_.find('\0');

@@ -21,7 +21,7 @@ namespace {
 // With more events than this in one burst, the next burst is fetched sooner.
 constexpr std::size_t stormEvents = 3'000;
 // How often a waiting query looks whether it was cancelled.
-constexpr std::chrono::milliseconds cancelTime{50};
+constexpr std::chrono::milliseconds queryCheckInterval{50};
 
 void raise(const FileHandle& wake) {
   eventfd_write(wake.get(), 1);
@@ -264,7 +264,7 @@ bool Recorder::perform(std::function<void()> work, const JournalQuery& query) {
   const auto job = submit(std::move(work));
   if (!job) return false;
   const auto isDone = [&] { return job->done; };
-  while (!changed_.wait_until(lock, std::min(deadline, Clock::now() + cancelTime), isDone)) {
+  while (!changed_.wait_until(lock, std::min(deadline, Clock::now() + queryCheckInterval), isDone)) {
     if (Clock::now() >= deadline || (query.shouldCancel && query.shouldCancel())) return false;
   }
   return true;

@@ -17,13 +17,13 @@ namespace spacemint {
 
 namespace {
 
-constexpr std::string_view header = "spacemint journal session 1\n";
+constexpr std::string_view counterHeader = "spacemint journal session 1\n";
 constexpr std::uint64_t lastSession = (std::uint64_t{1} << SessionCounter::sessionBits) - 1;
 static_assert(SessionCounter::sessionBits + SessionCounter::randomBits + EventClock::bits == 64);
 
 std::optional<std::uint64_t> parse(std::string_view text) {
-  if (!text.starts_with(header) || !text.ends_with('\n')) return std::nullopt;
-  text.remove_prefix(header.size());
+  if (!text.starts_with(counterHeader) || !text.ends_with('\n')) return std::nullopt;
+  text.remove_prefix(counterHeader.size());
   if (text.empty()) return std::nullopt;
   text.remove_suffix(1);
   std::uint64_t session = 0;
@@ -54,7 +54,7 @@ std::expected<std::uint64_t, Error> SessionCounter::begin(const std::string& fol
   }
   if (last >= lastSession) return std::unexpected(systemError(path, EOVERFLOW));
   const std::uint64_t session = last + 1;
-  auto written = writeFileAtomically(path, std::string{header} + std::to_string(session) + "\n");
+  auto written = writeFileAtomically(path, std::string{counterHeader} + std::to_string(session) + "\n");
   if (!written) return std::unexpected(std::move(written).error());
   const std::uint64_t random = draw() & ((std::uint64_t{1} << randomBits) - 1);
   return ((session << randomBits) | random) << EventClock::bits;

@@ -21,7 +21,7 @@ constexpr std::chrono::milliseconds idTimeout{5'000};
 // A larger answer is not read to its end. Real answers are much smaller.
 constexpr std::size_t answerLimit = std::size_t{1} << 30U;
 // How often a wait looks whether the query was cancelled. A signal to this thread ends the pause at once.
-constexpr std::chrono::milliseconds cancelTime{50};
+constexpr std::chrono::milliseconds answerCheckInterval{50};
 
 // A wait for one connection.
 class Wait {
@@ -39,7 +39,7 @@ class Wait {
     while (!isOver()) {
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
       pollfd ready{connection_.get(), events, 0};
-      const int count = poll(&ready, 1, static_cast<int>(std::min(left, cancelTime).count()));
+      const int count = poll(&ready, 1, static_cast<int>(std::min(left, answerCheckInterval).count()));
       if (count > 0) return true;
       if (count < 0 && errno != EINTR) return false;
     }

@@ -24,7 +24,7 @@ constexpr int passes = 3;
 constexpr std::size_t listingBufferSize = 32'768;
 
 // A name appeared in the folder or disappeared from it.
-constexpr std::uint32_t entryMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+constexpr std::uint32_t nameEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
 bool isGone(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
@@ -179,7 +179,7 @@ void WatchedTree::handle(const FolderEvent& event) {
     markOwn(id);
     if ((event.mask & IN_ISDIR) == 0) return;
     if (event.name.empty()) return touchPlaceOf(id);  // it may have become readable or unreadable
-    if ((event.mask & entryMask) != 0) markReplaced(id, event.name);
+    if ((event.mask & nameEvents) != 0) markReplaced(id, event.name);
     touch(id, event.name);
   }
 }
