@@ -56,7 +56,7 @@ def man(root):
         for term, help in command.arguments + command.options:
             page += [".TP", f".B {roff(term)}", roff(help)]
     page += [".SH ENVIRONMENT", ".TP", ".B SPACEMINT_LOG",
-             roff("info or debug: write on standard error why the program decides as it does, one line for each decision.")]
+             roff("info or debug: write each decision of the program and its reason to standard error, one line each.")]
     return "\n".join([*page, ".SH SEE ALSO", ".BR spacemint (1)", ""])
 
 
