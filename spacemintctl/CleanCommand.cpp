@@ -197,7 +197,9 @@ int carryOut(const CleanupPlan& plan, const CleanOptions& options, const Cleanup
   {
     ProgressLine line{ProgressLine::canBeSeen() && !options.json, plan.size(), wording.locale};
     report = Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
-      line.show([&] { return CleanupText::progressText(soFar, plan.size(), wording.locale); });
+      if (soFar.items > 0) {
+        line.show([&] { return CleanupText::progressText(soFar, plan.size(), wording.locale); });
+      }
       return !wasInterrupted();
     });
   }

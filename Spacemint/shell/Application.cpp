@@ -228,8 +228,14 @@ Commands Application::makeCommands() {
 
 // The panel and the window
 
+// Under Wayland only the compositor places windows: the panel would be in the middle of the screen, without a
+// title, and larger than a small screen.
+bool Application::canPlacePanel() {
+  return !QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+}
+
 void Application::showUI() {
-  if (isWindowed()) {
+  if (isWindowed() || !canPlacePanel()) {
     showWindow();
   } else {
     showPanel();
@@ -258,7 +264,9 @@ void Application::hidePanel() {
 }
 
 void Application::togglePanel() {
-  if (interface_ && interface_->isPanelShown()) {
+  if (!canPlacePanel()) {
+    interface_ && interface_->isWindowShown() ? hideShown() : showWindow();
+  } else if (interface_ && interface_->isPanelShown()) {
     hidePanel();
   } else if (!panelClosedAt_ || host_.desktop.clock.steadyNow() - *panelClosedAt_ > sameClick) {
     showPanel();

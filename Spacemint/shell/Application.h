@@ -55,6 +55,7 @@ class Application : public QObject {
 
  private:
   bool isWindowed() const;
+  static bool canPlacePanel();
   bool hasNoStatusArea() const;
   void applyPresence();
   void showInMenuBar(bool isSwitch);

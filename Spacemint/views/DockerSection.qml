@@ -57,22 +57,39 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.topMargin: 4
                 }
-                RowLayout {
-                    Layout.margins: 10
-                    spacing: 10
+                // Anchored, for a layout keeps the height that a text has before it wraps.
+                Item {
+                    Layout.fillWidth: true
+                    implicitHeight: Math.max(line.implicitHeight, button.implicitHeight) + 20
 
                     Label {
-                        Layout.fillWidth: true
+                        id: line
+
+                        anchors.left: parent.left
+                        anchors.right: spinner.left
+                        anchors.margins: 10
+                        anchors.verticalCenter: parent.verticalCenter
                         text: prune.title
                         size: 12
                         color: Theme.secondary
                         wrapMode: Text.Wrap
                     }
                     Spinner {
+                        id: spinner
+
+                        anchors.right: button.left
+                        anchors.rightMargin: prune.isBusy ? 10 : 0
+                        anchors.verticalCenter: parent.verticalCenter
                         visible: prune.isBusy
+                        width: prune.isBusy ? size : 0
                         size: 14
                     }
                     SecondaryButtonStyle {
+                        id: button
+
+                        anchors.right: parent.right
+                        anchors.rightMargin: 10
+                        anchors.verticalCenter: parent.verticalCenter
                         enabled: !prune.isBusy
                         text: prune.buttonTitle
                         Accessible.description: prune.title

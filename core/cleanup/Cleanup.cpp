@@ -84,7 +84,7 @@ std::optional<CleanupFailure> carryOutStep(const CleanupStep& step, const Cleanu
   const RemovalTarget target{
       .path = Paths::logical(step.path), .linksAllowedUpTo = context.guard.home(), .identity = step.identity};
   const auto check = [&](const std::string& path) {
-    return context.guard.check({.path = path, .outsideHomeAllowed = true, .linkItself = true});
+    return context.guard.check({.path = Paths::plain(path), .outsideHomeAllowed = true, .linkItself = true});
   };
   switch (step.kind) {
     case Kind::deleteItem:

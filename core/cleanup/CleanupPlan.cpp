@@ -123,7 +123,12 @@ class Planner {
     if (const auto* command = std::get_if<CleanupTarget::Command>(&target.action)) {
       step.kind = Kind::runTool;
       step.command = {command->program(), command->arguments()};
-      if (auto variable = command->pinned(step.path)) step.command.environment.insert(std::move(*variable));
+      const auto variable = command->pinned(step.path);
+      if (variable) step.command.environment.insert(*variable);
+      if (!variable && !command->pin.empty()) {
+        return std::unexpected(CleanupFailure::refused(
+            shownPath(step.path) + " has a name that `" + command->program() + "` does not take", step.path));
+      }
     }
     return withStep(std::move(step), {.id = std::string{found.id()},
                                       .title = "Clean up " + title + "?",

@@ -22,6 +22,8 @@ std::optional<std::pair<std::string, std::string>> CleanupTarget::Command::pinne
   const std::size_t nameLength = std::min(pin.find('/'), pin.size());
   const std::string_view inside = pin.substr(nameLength);
   if (pin.empty() || !path.ends_with(inside) || path.size() == inside.size()) return std::nullopt;
+  // Some of these variables may hold a list of folders.
+  if (path.find_first_of(":,") != std::string_view::npos) return std::nullopt;
   path.remove_suffix(inside.size());
   return std::pair{std::string{pin.substr(0, nameLength)}, std::string{path}};
 }

@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <filesystem>
+#include <future>
 #include <latch>
 #include <thread>
 
@@ -46,7 +47,8 @@ struct Witness {
 
 TEST(ThreadTasks, worksElsewhereAndIsDoneHere) {
   ThreadTasks tasks;
-  for (const Priority priority : {Priority::background, Priority::utility, Priority::userInitiated}) {
+  for (const Priority priority :
+       {Priority::background, Priority::utility, Priority::userInitiated, Priority::alone}) {
     std::thread::id worker;
     std::atomic<std::thread::id> destroyedOn;
     bool isDone = false;
@@ -60,6 +62,22 @@ TEST(ThreadTasks, worksElsewhereAndIsDoneHere) {
     ASSERT_TRUE(waitUntil([&] { return isDone; }));
     EXPECT_NE(worker, std::this_thread::get_id());
   }
+}
+
+TEST(ThreadTasks, longWorkHoldsNoThreadThatOthersWaitFor) {
+  ThreadTasks tasks{WorkerThreads::Limits{.shared = 1}};
+  std::promise<void> end;
+  const std::shared_future<void> ended = end.get_future().share();
+  int done = 0;
+  for (int i = 0; i < 5; ++i) {
+    tasks.start({.priority = Priority::alone, .work = [ended] { ended.wait(); }, .done = [&] { ++done; }});
+  }
+  bool isDone = false;
+  tasks.start({.priority = Priority::userInitiated, .work = [] {}, .done = [&] { isDone = true; }});
+  EXPECT_TRUE(waitUntil([&] { return isDone; }));
+  EXPECT_EQ(done, 0);
+  end.set_value();
+  EXPECT_TRUE(waitUntil([&] { return done == 5; }));
 }
 
 TEST(ThreadTasks, givesBackgroundWorkANamedThreadOfLowPriority) {

@@ -117,10 +117,13 @@ TEST_F(CleanTest, refusesWhatTheGuardRefuses) {
   const TemporaryFolder outside;
   const std::string treasure = support::writeText(outside / "treasure");
   fs::create_directories(at("Documents"));
+  fs::create_directories(at("Bilder"));
+  support::writeText(at(".config/user-dirs.dirs"), "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n");
   fs::create_directory_symlink(outside.path(), at("link"));
   const std::pair<std::string, std::string> cases[]{
       {at("Documents"), "~/Documents is a protected folder"},
       {at("/Documents/."), "~/Documents is a protected folder"},
+      {at("Bilder"), "~/Bilder is a protected folder"},
       {at("x/../Documents"), "~/x/../Documents isn't a plain absolute path"},
       {at("link"), "~/link is a symbolic link"},
       {at("link/treasure"), "~/link/treasure has a symbolic link on the way to it"},

@@ -141,6 +141,7 @@ TEST_F(CleanupTest, refusesToPlanWhatTheGuardRefuses) {
       {cache("gradle", outside.path()), outside.path() + " is outside your home folder"},
       {cache("uv", at("Documents")), "~/Documents is a protected folder"},
       {cache("uv", at("uv")), "~/Documents is a protected folder"},
+      {cache("uv", at("a,b")), "~/a,b has a name that `uv` does not take"},
   };
   for (const auto& [request, message] : cases) EXPECT_EQ(refusal(request), message);
   EXPECT_EQ(plan(cache("uv", outside.path())).steps.size(), 1U) << "a tool's own cache may lie elsewhere";

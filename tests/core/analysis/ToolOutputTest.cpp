@@ -70,6 +70,7 @@ TEST(DockerUsage, tellsASilentServiceFromAnError) {
        {"Cannot connect to the Docker daemon at unix:///var/run/docker.sock. Is the docker "
         "daemon running?",
         "dial tcp 127.0.0.1:2375: connect: Connection Refused", "DAEMON IS NOT RUNNING",
+        "failed to connect to the docker API at unix:///var/run/docker.sock",
         "error: No such file or directory (os error 2)"}) {
     EXPECT_TRUE(isConnectionError(text)) << text;
   }
@@ -127,6 +128,14 @@ TEST(HuggingFace, listsRepositoriesAndOtherFoldersOfTheCache) {
                           HuggingFaceItem{"xet", "Cache folder", at + "xet", 30},
                           HuggingFaceItem{"hub/odd", "Cache folder", at + "hub/odd", 20}));
   EXPECT_THAT(huggingFace({.in = scan, .home = "/home/bob"}), IsEmpty());
+  // The hub can lie apart from the rest.
+  const Snapshot moved{.root =
+                           folder("/home/ann", {folder("hub", {folder("models--gpt2", {file("b", 50)})})})};
+  const auto environment = [](const std::string& name) {
+    return name == "HF_HUB_CACHE" ? std::optional<std::string>{"/home/ann/hub"} : std::nullopt;
+  };
+  EXPECT_THAT(huggingFace({.in = moved, .home = "/home/ann", .environment = environment}),
+              ElementsAre(HuggingFaceItem{"gpt2", "Model", "/home/ann/hub/models--gpt2", 50}));
 }
 
 }  // namespace

@@ -57,6 +57,8 @@ TEST(PlaceFinder, followsTheNotationAndTheVariablesThatMoveAPlace) {
       {pnpm, {{"XDG_DATA_HOME", "/home/ann/alt"}}, {"/home/ann/alt/pnpm/store"}},
       {conda, {}, {"/home/ann/conda1", "/home/ann/conda2"}},
       {conda, {{"CONDA_PKGS_DIRS", "/home/ann/conda2:/x"}}, {"/home/ann/conda2"}},
+      {{"nowhere", "A|B/store"}, {{"B", "/home/ann/alt"}}, {"/home/ann/alt/store"}},
+      {{"nowhere", "A|B/store"}, {{"A", "/home/ann/conda1"}, {"B", "/home/ann/alt"}}, {"/home/ann/conda1"}},
       {{".ccache|$cache/ccache"}, {}, {"/home/ann/.ccache"}},
       {{".nothing|$cache/ccache"}, {}, {"/home/ann/.cache/ccache"}},
   };
