@@ -34,20 +34,22 @@ const CLI::Validator wholeNumber{[](const std::string& text) -> std::string {
 
 void addScan(CLI::App& app, Action& action) {
   static ScanOptions options;
-  CLI::App* scan = app.add_subcommand("scan", "Measure a folder and say what is big in it");
+  CLI::App* scan = app.add_subcommand("scan", "Measure a folder and list what is big in it");
   scan->add_option("PATH", options.path, "The folder; your home folder if none is given");
-  scan->add_option("--min-size", options.minSize, "Keep files and folders of at least this many bytes apart")
+  scan->add_option("--min-size", options.minSize, "List each file and folder of at least this many bytes")
       ->check(wholeNumber)
       ->type_name("BYTES")
       ->capture_default_str();
-  scan->add_option("--top", options.top, "How many folders and files to name")
+  scan->add_option("--top", options.top, "How many folders and files to list")
       ->check(wholeNumber)
       ->type_name("N")
       ->capture_default_str();
-  scan->add_flag("--throttle", options.throttle, "Leave the disk to everybody else; slower");
-  scan->add_flag("--full", options.full, "Walk everything, also what has not changed since the last scan");
-  scan->add_flag("--no-save", options.noSave, "Do not keep this scan in the history");
-  scan->add_flag("-q,--quiet", options.quiet, "No progress and no notes");
+  scan->add_flag("--throttle", options.throttle,
+                 "Scan more slowly and let other programs use the disk first");
+  scan->add_flag("--full", options.full,
+                 "Read every folder, also those that did not change since the last scan");
+  scan->add_flag("--no-save", options.noSave, "Do not store this scan");
+  scan->add_flag("-q,--quiet", options.quiet, "Show neither progress nor notes");
   scan->add_flag("--json", options.json, "Print the whole scan as one JSON object");
   scan->callback([&] { action = [] { return runScan(options); }; });
 }
@@ -55,33 +57,36 @@ void addScan(CLI::App& app, Action& action) {
 void addStatus(CLI::App& app, Action& action) {
   static bool json = false;
   static bool verbose = false;
-  CLI::App* status = app.add_subcommand("status", "Say how full the disk is");
+  CLI::App* status = app.add_subcommand("status", "Show how full the disk is");
   status->add_flag("--json", json, "Print one JSON object");
-  status->add_flag("--verbose", verbose, "Say also how the next scan will be made, and why");
+  status->add_flag("--verbose", verbose, "Also show how the next scan will run, and why");
   status->callback([&] { action = [] { return runStatus(json, verbose); }; });
 }
 
 void addWatch(CLI::App& app, Action& action) {
   static std::string path;
-  CLI::App* watch = app.add_subcommand("watch", "Record what changes, so that later scans walk only that");
-  watch->add_option("PATH", path, "The folder, as it is scanned; your home folder if none is given");
+  CLI::App* watch =
+      app.add_subcommand("watch", "Record which folders change, so that later scans can skip the others");
+  watch->add_option("PATH", path, "The folder that you scan; your home folder if none is given");
   watch->callback([&] { action = [] { return runWatch(path); }; });
 }
 
 void addHistory(CLI::App& app, Action& action) {
   static bool json = false;
-  CLI::App* history = app.add_subcommand("history", "List the scans that are kept");
+  CLI::App* history = app.add_subcommand("history", "List the stored scans");
   history->add_flag("--json", json, "Print one JSON array");
   history->callback([&] { action = [] { return runHistory(json); }; });
 }
 
 void addScanDate(CLI::App* command, std::string& date) {
-  command->add_option("--scan", date, "Another scan than the newest: how its date in the history begins")
+  command
+      ->add_option("--scan", date,
+                   "Use an older scan: the first characters of its date, as \"history\" prints it")
       ->type_name("DATE");
 }
 
 void addTop(CLI::App* command, std::size_t& top) {
-  command->add_option("--top", top, "How many to name")
+  command->add_option("--top", top, "How many to list")
       ->check(wholeNumber)
       ->type_name("N")
       ->capture_default_str();
@@ -97,11 +102,11 @@ CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, 
 
 void addFilesAndFolders(CLI::App& app, Action& action) {
   static BrowseOptions files;
-  addBrowsing(app, "files", "Name the largest files of the newest scan", files)->callback([&] {
+  addBrowsing(app, "files", "List the largest files of the newest scan", files)->callback([&] {
     action = [] { return runFiles(files); };
   });
   static BrowseOptions folders;
-  CLI::App* command = addBrowsing(app, "folders", "Name what is in a folder, from the newest scan", folders);
+  CLI::App* command = addBrowsing(app, "folders", "List what is in a folder, from the newest scan", folders);
   command->add_option("PATH", folders.path, "The folder; the root of the scan if none is given");
   command->callback([&] { action = [] { return runFolders(folders); }; });
 }
@@ -116,7 +121,7 @@ CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
 void addSince(CLI::App* command, SectionOptions& options) {
   command
       ->add_option("--since", options.since,
-                   "Compare with this scan, not with the one nearest to a day earlier")
+                   "Compare with this scan instead of the one nearest to a day earlier")
       ->type_name("DATE");
 }
 
@@ -142,7 +147,7 @@ void addSections(CLI::App& app, Action& action) {
 void addReport(CLI::App& app, Action& action) {
   static SectionOptions options;
   CLI::App* report =
-      app.add_subcommand("report", "Say on one page what grew, what is big, and what can be freed");
+      app.add_subcommand("report", "Show on one page what grew, what is big, and what can be freed");
   addSectionOptions(report, options);
   addSince(report, options);
   report->callback([&] { action = [] { return runReport(options); }; });
@@ -151,8 +156,8 @@ void addReport(CLI::App& app, Action& action) {
 CLI::App* addClean(CLI::App* clean, CleanKind kind, const char* name, const char* description,
                    CleanOptions& options, Action& action) {
   CLI::App* command = clean->add_subcommand(name, description);
-  command->add_flag("-y,--yes", options.yes, "Do not ask");
-  command->add_flag("-n,--dry-run", options.dryRun, "Show what would be done, and do nothing");
+  command->add_flag("-y,--yes", options.yes, "Do not ask before removing");
+  command->add_flag("-n,--dry-run", options.dryRun, "Show what would be removed, and remove nothing");
   command->add_flag("--json", options.json, "Print one JSON object");
   command->callback(
       [&action, &options, kind] { action = [&options, kind] { return runClean(kind, options); }; });
@@ -162,23 +167,24 @@ CLI::App* addClean(CLI::App* clean, CleanKind kind, const char* name, const char
 void addCleaning(CLI::App& app, Action& action) {
   static CleanOptions options;
   CLI::App* clean =
-      app.add_subcommand("clean", "Free space: show what will be removed, ask, and remove it for good");
+      app.add_subcommand("clean", "Free space: show what will be removed, ask, and then remove it for good");
   clean->require_subcommand(1);
   const auto add = [&](CleanKind kind, const char* name, const char* description) {
     return addClean(clean, kind, name, description, options, action);
   };
   add(CleanKind::caches, "caches", "Clean package and build caches")
-      ->add_option("ID", options.ids,
-                   "Which ones, as \"caches --json\" names them; all over 50 MB if none is given");
+      ->add_option(
+          "ID", options.ids,
+          "The id of a cache, as \"caches --json\" prints it; all caches over 50 MB if none is given");
   add(CleanKind::trash, "trash", "Empty the Trash");
   add(CleanKind::backup, "backup", "Delete the backup of a phone or tablet")
-      ->add_option("PATH", options.path, "Its folder")
+      ->add_option("PATH", options.path, "The folder of the backup")
       ->required();
   add(CleanKind::worktree, "worktree", "Remove a git worktree")
-      ->add_option("PATH", options.path, "Its folder")
+      ->add_option("PATH", options.path, "The folder of the worktree")
       ->required();
-  add(CleanKind::path, "path", "Delete a file or folder of your home folder")
-      ->add_option("PATH", options.path, "What to delete")
+  add(CleanKind::path, "path", "Delete a file or folder in your home folder")
+      ->add_option("PATH", options.path, "The file or folder to delete")
       ->required();
 }
 
@@ -190,10 +196,10 @@ void addSettings(CLI::App& app, Action& action) {
   list->require_subcommand(0, 1);
   list->add_flag("--json", json, "Print one JSON object");
   CLI::App* get = list->add_subcommand("get", "Show one setting");
-  get->add_option("KEY", key, "Its key")->required();
+  get->add_option("KEY", key, "The key of the setting")->required();
   CLI::App* set = list->add_subcommand("set", "Change a setting");
-  set->add_option("KEY", key, "Its key")->required();
-  set->add_option("VALUE", value, "Its new value")->required();
+  set->add_option("KEY", key, "The key of the setting")->required();
+  set->add_option("VALUE", value, "The new value")->required();
   list->callback([&action, get, set] {
     if (get->parsed()) {
       action = [] { return getSetting(key); };
@@ -210,10 +216,11 @@ void addUsage(CLI::App& app, Action& action) {
   CLI::App* usage = app.add_subcommand("usage", "Show or change whether anonymous usage is shared");
   usage->require_subcommand(0, 1);
   usage->add_flag("--json", json, "Print one JSON object");
-  CLI::App* status = usage->add_subcommand("status", "Show whether it is");
+  CLI::App* status = usage->add_subcommand("status", "Show whether it is shared");
   status->add_flag("--json", json, "Print one JSON object");
   CLI::App* on = usage->add_subcommand("on", "Share it");
-  CLI::App* off = usage->add_subcommand("off", "Do not share it, and forget what was kept for it");
+  CLI::App* off =
+      usage->add_subcommand("off", "Do not share it, and delete the random id that was used for it");
   usage->callback([&action, on, off] {
     if (on->parsed() || off->parsed()) {
       action = [isAllowed = on->parsed()] { return setUsage(isAllowed); };
