@@ -5,8 +5,9 @@
 
 namespace spacemint::bench {
 
-/// What no scanner can do without: every folder opened and listed with getdents64 into 256 KiB, every other
-/// entry asked for with statx. One thread, nothing kept but two sums; hard links are counted at each name.
+/// The system calls that every scanner needs: opens every folder, lists it with getdents64 into a buffer of
+/// 256 KiB, and calls statx for every other entry. Uses one thread and keeps only two sums; counts a file at
+/// each of its hard links.
 struct FloorSums {
   std::uint64_t files = 0;
   std::uint64_t blocks = 0;

@@ -1,8 +1,8 @@
-// How long a scan of 50,000 nodes takes to encode and to decode, and how much memory it takes to do so.
+// Measures the time and memory for encoding and decoding a scan of 50,000 nodes.
 //
-// The tree is shaped like a home folder scanned with a low limit: four of five nodes are files, names are
-// 4 to 27 bytes long and one in twenty is not plain ASCII, folders hold some 5 kept children. The numbers
-// are the same in each run and on each machine.
+// The tree resembles a home folder scanned with a low limit: four of five nodes are files, names are 4 to 27
+// bytes long, one name in twenty is not ASCII, and folders have about 5 children. The tree is the same in
+// each run and on each machine.
 
 #include "core/history/SnapshotCodec.h"
 
@@ -100,7 +100,7 @@ class HomeFolder {
 
 struct Measure {
   double milliseconds = 0;
-  std::size_t peak = 0;  // bytes of heap above what was in use before
+  std::size_t peak = 0;  // bytes of heap, without those in use before
 };
 
 template <class Work>
@@ -130,7 +130,7 @@ int run() {
   const Snapshot snapshot = HomeFolder{}.snapshot();
   const auto document = SnapshotCodec::encode(snapshot);
   if (!document || SnapshotCodec::decode(*document) != snapshot) {
-    std::fputs("the snapshot does not survive the way there and back\n", stderr);
+    std::fputs("the decoded snapshot differs from the encoded one\n", stderr);
     return EXIT_FAILURE;
   }
   std::printf("%zu nodes, document %.2f MB, median of %d runs\n\n", nodeCount,

@@ -1,9 +1,10 @@
-// Makes a large folder tree: gentree PATH [FOLDERS [FILES [SEED]]]
+// Creates a large folder tree. Usage: gentree PATH [FOLDERS [FILES [SEED]]]
 //
-// The same numbers give the same names, shape and sizes. Sizes are allocated, not written, so that a tree of
-// hundreds of thousands of files takes seconds. As in a home folder, most files come with their folder and
-// lie beside each other on the disk, one in five was added anywhere later; most folders hold a handful of
-// files and one in eight some dozens; most files are a few kilobytes, one in 20,000 is tens of megabytes.
+// The same arguments give the same names, shape and sizes. The files' blocks are allocated but not written,
+// so that hundreds of thousands of files take only seconds. The tree resembles a home folder: most files are
+// created together with their folder, and one file in five is added later to a random folder; most folders
+// contain a few files, one in eight some dozens; most files have a few kilobytes, one in 20,000 has tens of
+// megabytes.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -52,13 +53,13 @@ bool makeFile(const std::string& path, off_t size) {
 }
 
 std::string randomFolder(const std::vector<std::string>& folders, Random& random) {
-  // Half of the new folders go into a recent one, which makes for some depth.
+  // Half of the new folders go into a recent folder, so that the tree gets some depth.
   const std::uint64_t recent = std::min<std::uint64_t>(folders.size(), 200);
   return folders[below(random, 2) == 0 ? below(random, folders.size())
                                        : folders.size() - 1 - below(random, recent)];
 }
 
-// How many files each folder gets when it is made.
+// The number of files that each folder gets when it is created.
 std::vector<std::uint64_t> shares(std::uint64_t folders, std::uint64_t files, Random& random) {
   std::vector<std::uint64_t> weights;
   std::uint64_t total = 0;
@@ -74,7 +75,7 @@ class Generator {
  public:
   Generator(std::string root, std::uint64_t seed) : folders_{std::move(root)}, random_(seed) {}
 
-  // False with errno set when something could not be made.
+  // On failure returns false and sets errno.
   bool make(std::uint64_t folders, std::uint64_t files) {
     const auto share = shares(folders, files - files / 5, random_);
     for (std::uint64_t i = 0; i < folders; ++i) {

@@ -1,8 +1,8 @@
-// What does recording cost, and what does a rescan gain? bench_journal PATH [ROUNDS]
+// Measures the cost of recording changes and the gain of rescans. Usage: bench_journal PATH [ROUNDS]
 //
-// All figures are ratios within one run. The tree gets a few files, which are removed again. A recorder of
-// this process is measured from inside; what the kernel takes for its watches is the difference in its own
-// memory, so others disturb it.
+// Compares figures of a single run. Creates a few files in the tree and removes them again. The recorder runs
+// in this process. The kernel's memory for watches is measured as a difference in /proc/meminfo, so other
+// programs affect that figure.
 
 #include "core/host/EventRecorder.h"
 #include "core/scan/ReadAheadListing.h"
@@ -55,7 +55,7 @@ void say(const std::string& what, double value, const std::string& unit) {
             << std::setw(12) << value << ' ' << unit << '\n';
 }
 
-// Of the recorder's own threads alone: all but the one that asks.
+// Processor time and context switches of the recorder's threads, that is, all threads except the calling one.
 struct Usage {
   double cpuSeconds = 0;
   long wakeUps = 0;
@@ -84,7 +84,7 @@ double residentBytes() {
   return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
-// What the kernel holds that it cannot give back, in bytes: watches are among it.
+// The kernel's unreclaimable slab memory in bytes, which includes watches.
 double kernelBytes() {
   std::ifstream file("/proc/meminfo");
   for (std::string line; std::getline(file, line);) {
@@ -131,7 +131,8 @@ struct Bench {
     crawl->finish();
   }
 
-  // Full scans with and without watches, in turn. Without what the caches hold it takes root to say so.
+  // Runs full scans with and without setting up watches, in turn. `cold` drops the kernel's caches before
+  // each scan, which needs root.
   void setUp(bool cold) {
     std::vector<double> plain;
     std::vector<double> watching;
@@ -176,8 +177,8 @@ struct Bench {
     say("wake-ups in 5 idle seconds", static_cast<double>(recorderUsage().wakeUps - before.wakeUps), "");
   }
 
-  // What is smaller than the threshold is not in a scan, and so is walked where a folder beside it changed.
-  // The time ends with the result; nobody waits for the earlier scan to be freed.
+  // Folders smaller than the threshold are not in the stored scan, so a rescan must walk them when their
+  // parent changed. The measured time does not include freeing the earlier scan.
   void rescan(Bytes minNodeSize) {
     const auto folders = someFolders(root);
     std::vector<double> full;

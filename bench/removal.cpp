@@ -1,7 +1,7 @@
-// How fast is the removal of a folder, and does it need more memory for a larger one?
-// bench_removal FOLDER GENTREE [ROUNDS]
+// Measures the time and memory for removing folders of different sizes.
+// Usage: bench_removal FOLDER GENTREE [ROUNDS]
 //
-// Each contestant removes the same tree, made anew before every run, as a process of its own.
+// Each contestant runs in its own process and removes the same tree, which is created again before every run.
 
 #include "core/host/Removal.h"
 

@@ -1,8 +1,8 @@
-// How fast is the scanner, and how much memory does it take? bench_scan PATH SPACEMINTCTL [ROUNDS]
+// Measures the scanner's time and memory. Usage: bench_scan PATH SPACEMINTCTL [ROUNDS]
 //
-// Every contestant measures the same tree as a process of its own. "floor" is a bare loop of the system calls
-// that none can do without; du, ncdu and gdu do less or more than a scan and stand here as what people know.
-// As root each is also run with the kernel's caches dropped before every run.
+// Every contestant runs in its own process and measures the same tree. "floor" is a loop of only the system
+// calls that every scanner needs. du, ncdu and gdu are well-known tools for comparison; they do less or more
+// than a scan. As root, the contest is repeated with the kernel's caches dropped before every run.
 
 #include "bench/Contest.h"
 #include "bench/FloorWalk.h"

@@ -1,7 +1,7 @@
-// What does the command runner add to starting a program? bench_shell [RUNS]
+// Measures how much time Shell adds to starting a program. Usage: bench_shell [RUNS]
 //
-// In turn, so that what disturbs the machine disturbs both alike: a bare posix_spawn of `true` with waitpid,
-// and the same program through the runner.
+// Runs `true` in turn with posix_spawn and waitpid, with Shell::execute and with Shell::run, so that other
+// load on the machine affects all of them alike.
 
 #include "Spacemint/command/Shell.h"
 

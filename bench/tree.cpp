@@ -1,4 +1,4 @@
-// What do queries and edits of a snapshot of 100,000 nodes cost?
+// Measures queries and edits of a snapshot of 100,000 nodes.
 
 #include "core/tree/Snapshot.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 using namespace spacemint;
 
-// Ten files in each folder, ten folders in each folder, to the given depth.
+// A tree with ten files and ten folders in each folder, down to the given depth.
 Node treeOf(std::string name, int depth) {
   Node node{.name = std::move(name), .isDirectory = true};
   for (int i = 0; i < 10; ++i) {

@@ -1,5 +1,5 @@
-# Two interface targets that every one of our own targets links privately: what the language and the
-# checks are, and what the compiler may complain of. Third-party code links neither.
+# Two interface targets that all our own targets link privately: spacemint_options (language, sanitizers,
+# hardening) and spacemint_warnings. Third-party code links neither.
 
 add_library(spacemint_options INTERFACE)
 target_compile_features(spacemint_options INTERFACE cxx_std_23)
@@ -13,7 +13,8 @@ if(SPACEMINT_SANITIZE)
   target_link_options(spacemint_options INTERFACE -fsanitize=${SPACEMINT_SANITIZE})
 endif()
 
-# What makes a mistake in a shipped program harder to use. A sanitizer does more, and wants none of it.
+# Hardening: makes memory errors in a shipped program harder to exploit. Off with sanitizers, which check more
+# and do not work together with these options.
 include(CheckPIESupported)
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
@@ -28,8 +29,8 @@ if(NOT SPACEMINT_SANITIZE)
   endforeach()
   target_compile_options(spacemint_options INTERFACE $<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>)
   target_link_options(spacemint_options INTERFACE $<$<CONFIG:Release>:LINKER:-z,relro,-z,now>)
-  # Link-time optimization makes code for a program, which takes copies of the libraries' data. Qt, which goes on
-  # using its own, does not bear that: the program would crash at its start.
+  # With link-time optimization the linker makes copy relocations of the libraries' data in the program. Qt's
+  # libraries keep using their own data, so the program would crash at start.
   check_cxx_compiler_flag(-mno-direct-extern-access HAS_NO_DIRECT_EXTERN_ACCESS)
   if(HAS_NO_DIRECT_EXTERN_ACCESS)
     target_link_options(spacemint_options INTERFACE $<$<CONFIG:Release>:-mno-direct-extern-access>)
@@ -45,17 +46,17 @@ target_compile_options(spacemint_warnings INTERFACE
   -Wcast-align -Wcast-qual -Wformat=2 -Wdouble-promotion
   -Wimplicit-fallthrough -Wswitch-enum -Wundef
   $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local;-Wduplicated-cond;-Wduplicated-branches;-Wlogical-op>
-  # Clang blames us for what libstdc++'s own stable_sort still uses.
+  # Clang reports deprecated functions that libstdc++'s own stable_sort uses.
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety;-Wno-deprecated-declarations>
   $<$<BOOL:${SPACEMINT_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# ccache and mold make rebuilds quicker where they are installed; nothing needs them.
+# Use ccache and mold for faster rebuilds if they are installed.
 find_program(CCACHE ccache)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set(CMAKE_CXX_COMPILE_OPTIONS_IPO -flto=auto -fno-fat-lto-objects)  # on all processors, where make is there
+  set(CMAKE_CXX_COMPILE_OPTIONS_IPO -flto=auto -fno-fat-lto-objects)  # uses all processors
   if(CMAKE_INTERPROCEDURAL_OPTIMIZATION)
     add_link_options(-flto=auto)
   endif()

@@ -1,8 +1,8 @@
 # spacemint_library(NAME MAY_USE a b … LINKS x y … QT Core … SOURCES … HEADERS …)
 #
-# One way to make a library, and the one place where the layers are written down: a target links the
-# layers that MAY_USE names and nothing else, and configuring fails when a layer reaches upward.
-# LINKS are libraries from outside, used by the sources only; QT are Qt modules, also used by the headers.
+# Adds a library. This file defines the layers (SPACEMINT_LAYERS): a target links only the layers in MAY_USE,
+# and configuring fails if a layer uses a layer above it. LINKS are external libraries that only the
+# sources use; QT are Qt modules, which the headers may use too.
 
 set(SPACEMINT_LAYERS
   "SpacemintBase:"
@@ -57,14 +57,14 @@ endfunction()
 
 # spacemint_qml_library(NAME URI Spacemint.X IMPORTS Spacemint.Y … QML_FILES … and all of spacemint_library)
 #
-# A library that is also a QML module. Its QML files lie in the folder of the CMakeLists that calls this. A
-# program that shows them links NAMEplugin too.
+# Adds a library that is also a QML module. Its QML files are in the folder of the calling CMakeLists.txt. A
+# program that uses the module also links NAMEplugin.
 function(spacemint_qml_library name)
   cmake_parse_arguments(ARG "" "URI" "IMPORTS;QML_FILES;RESOURCES;MAY_USE;LINKS;QT;SOURCES;HEADERS" ${ARGN})
   list(TRANSFORM ARG_QT PREPEND Qt6::)
   spacemint_check_layer(${name} ${ARG_MAY_USE} ${ARG_LINKS} ${ARG_QT})
   string(REPLACE "." "/" folder ${ARG_URI})
-  set(CMAKE_AUTOMOC ON)  # it also finds, in the headers among the sources, the types that QML knows
+  set(CMAKE_AUTOMOC ON)  # finds QML types in the headers
   qt_add_qml_module(${name} STATIC
     URI ${ARG_URI}
     VERSION 1.0
@@ -79,7 +79,7 @@ function(spacemint_qml_library name)
   target_link_libraries(${name} PUBLIC ${ARG_MAY_USE} ${ARG_QT} PRIVATE ${ARG_LINKS} spacemint_options)
   target_compile_features(${name} PUBLIC cxx_std_23)
   target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
-  # What Qt generates is compiled with it, and was not written for our warnings.
+  # Set the warnings only for our sources: Qt's generated code in the same target would not pass them.
   get_target_property(warnings spacemint_warnings INTERFACE_COMPILE_OPTIONS)
   set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS "${warnings}")
 endfunction()

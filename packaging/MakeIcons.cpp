@@ -1,5 +1,5 @@
-// Draws the application's icon from the logo's one table: FOLDER/scalable/apps/NAME.svg,
-// FOLDER/48x48/apps/NAME.png…
+// Draws the application's icon from the logo's geometry table. Writes FOLDER/scalable/apps/NAME.svg,
+// FOLDER/48x48/apps/NAME.png and so on.
 
 #include "ui_kit/Colours.h"
 #include "ui_kit/LogoGeometry.h"
@@ -17,7 +17,7 @@ namespace {
 using namespace spacemint;
 
 constexpr std::array sizes{16, 22, 24, 32, 48, 64, 128, 256, 512};
-// The tile leaves a rim, and the logo stays clear of its round corners.
+// The margin around the tile, and the logo's distance from the tile's round corners.
 constexpr double rim = 0.04;
 constexpr double corner = 0.2;
 constexpr double inset = 0.2;

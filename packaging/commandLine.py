@@ -1,4 +1,4 @@
-"""Makes the man page and the shell completions of a program from what its own --help says.
+"""Writes the man page and the shell completions of a program, generated from its --help.
 
 usage: commandLine.py PROGRAM FOLDER
 """
@@ -10,7 +10,7 @@ import sys
 
 
 class Command:
-    """One command of the program: what its --help lists, and the commands below it."""
+    """A command of the program: the contents of its --help, and its subcommands."""
 
     def __init__(self, program, path=()):
         self.path = path
@@ -27,7 +27,7 @@ class Command:
             yield from command.all()
 
     def flags(self):
-        """Pairs of one spelling of an option and what it does."""
+        """Pairs of an option's spelling and its help text, one for each spelling."""
         return [(flag, help) for names, help in self.options for flag in re.split(r"[ =]", names)[0].split(",")]
 
     def words(self):
@@ -35,7 +35,7 @@ class Command:
 
 
 def rows(text, section):
-    """The pairs of term and explanation under a heading."""
+    """The pairs of term and help text in a section of --help."""
     found = re.search(rf"^{section}:\n((?:  .*\n)*)", text, re.MULTILINE)
     lines = found.group(1).splitlines() if found else []
     return [tuple(re.split(r"\s{2,}| (?=Print this)", line.strip(), maxsplit=1)) for line in lines]
@@ -56,7 +56,7 @@ def man(root):
         for term, help in command.arguments + command.options:
             page += [".TP", f".B {roff(term)}", roff(help)]
     page += [".SH ENVIRONMENT", ".TP", ".B SPACEMINT_LOG",
-             roff("info or debug: write each decision of the program and its reason to standard error, one line each.")]
+             roff("info or debug: write the reason of each decision to standard error, one line for each.")]
     return "\n".join([*page, ".SH SEE ALSO", ".BR spacemint (1)", ""])
 
 

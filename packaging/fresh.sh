@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Proves a package on a Debian 12 that has never seen this project: made by debootstrap from the mirror that apt
-# of this machine uses, the package installed with what it depends on, the program started on a screen of its own
-# as an ordinary user, one scan made by its panel, and the package removed without a trace. Needs root.
+# Tests a package on a fresh Debian 12: creates the system with debootstrap from the mirror that this
+# machine's apt uses, installs the package with its dependencies, starts the program on a virtual screen as an
+# ordinary user, makes a scan with the panel, removes the package and checks that no file is left. Needs root.
 #
 # usage: fresh.sh PACKAGE.deb
 set -euo pipefail
@@ -12,7 +12,7 @@ user=ann
 say() { printf '%s\n' "fresh: $*" >&2; }
 fail() { say "FAILED: $*"; exit 1; }
 
-# The lines of a sources.list, as this machine's apt reads its own.
+# Prints the lines of a sources.list with the mirrors that this machine's apt uses.
 sources() {
   apt-get indextargets --format '$(SITE) $(RELEASE) $(COMPONENT) $(CREATED_BY)' |
     sed -n "s|^\([^ ]*\) \(${suite}[^ ]*\) main Packages$|deb \1 \2 main|p" | sort -u
@@ -21,13 +21,13 @@ sources() {
 make_system() {
   local root=$1 mirror
   mirror=$(sources | sed -n "s|^deb \(.*\) $suite main\$|\1|p" | head -n 1)
-  [ -n "$mirror" ] || fail "apt of this machine knows no $suite"
+  [ -n "$mirror" ] || fail "this machine's apt has no mirror for $suite"
   debootstrap --variant=minbase "$suite" "$root" "$mirror" >"$root.log" 2>&1 ||
     { tail -n 20 "$root.log" >&2; fail "debootstrap"; }
   sources >"$root/etc/apt/sources.list"
-  # A system that is thrown away needs no care for a loss of power.
+  # The system is deleted afterwards, so dpkg need not flush its files.
   echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/fresh"
-  # Nothing that a package wants to start is started here.
+  # Keep packages from starting services.
   printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
   chmod +x "$root/usr/sbin/policy-rc.d"
 }
@@ -37,14 +37,14 @@ apt() {
     { tail -n 20 /var/log/fresh-apt.log >&2; fail "apt-get $*"; }
 }
 
-# Every file but those of users, of the kernel, and what apt, dpkg and logs write about themselves.
+# Lists all files except those of users and the kernel, and the files that apt, dpkg and logs write.
 files() {
   find / \( -path /proc -o -path /sys -o -path /dev -o -path /run -o -path /tmp -o -path /home -o -path /package.deb \
     -o -path /var/lib/apt -o -path /var/lib/dpkg -o -path /var/cache -o -path /var/log -o -path /fresh \) -prune \
     -o -print | sort
 }
 
-# In the new system, as root.
+# Runs in the new system as root.
 inside() {
   mount -t proc proc /proc
   mount -t tmpfs tmpfs /dev/shm 2>/dev/null || { mkdir -p /dev/shm && mount -t tmpfs tmpfs /dev/shm; }
@@ -53,7 +53,7 @@ inside() {
   apt install xvfb xauth xdotool dbus dbus-daemon openbox
   useradd --create-home --uid 1000 "$user"
   install -d -m 700 -o "$user" /run/user/1000
-  # Apt's own way, with what the package depends on; what that brought stays for the comparison.
+  # Install once and purge, so that both lists of files contain the package's dependencies.
   apt install /package.deb
   say "installed, $(dpkg-query -W -f='${Installed-Size}' spacemint) kB of its own"
   apt purge spacemint
@@ -64,11 +64,11 @@ inside() {
     xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24' /bin/bash /fresh/fresh.sh --as-user
   apt purge spacemint
   files >/fresh/after
-  diff /fresh/before /fresh/after >&2 || fail "this is left, or gone, after the package was removed"
-  say "removed, and nothing is left"
+  diff /fresh/before /fresh/after >&2 || fail "removing the package left or deleted these files"
+  say "removed; no file is left"
 }
 
-# Waits until a command has something to say, and says it.
+# Waits until a command succeeds and prints something, and prints that. Fails after two minutes.
 await() {
   local what=$1 deadline=$((SECONDS + 120)) said
   shift
@@ -79,34 +79,35 @@ await() {
   printf '%s\n' "$said"
 }
 
-# On a screen and a bus of its own, as an ordinary user who starts it for the first time.
+# Runs as an ordinary user on a virtual screen with its own session bus: starts the program for the first
+# time.
 as_user() {
   local program window start=$EPOCHREALTIME
   openbox >/dev/null 2>&1 &
   mkdir -p "$HOME/Documents"
-  # Larger than anything that is installed: the first scan may be of the whole disk.
+  # Larger than all installed files, because the first scan may be of the whole disk.
   fallocate -l 500M "$HOME/Documents/large"
   spacemint 2>"$HOME/errors" &
   program=$!
   window=$(await window xdotool search --onlyvisible --name '^Spacemint$')
-  say "its window is there after $(awk "BEGIN { printf \"%.1f\", $EPOCHREALTIME - $start }") s"
-  # The welcome page starts the first scan by Return.
+  say "the window is shown after $(awk "BEGIN { printf \"%.1f\", $EPOCHREALTIME - $start }") s"
+  # Return on the welcome page starts the first scan.
   xdotool windowactivate --sync "${window%%$'\n'*}" key Return
   await scan find "$HOME/.local/share/Spacemint/Snapshots" -name '*.json' >/dev/null
-  spacemintctl files --top 1 | grep -q 'Documents/large' || fail "the scan does not have the large file"
-  say "its first scan, $(spacemintctl history | head -n 1 | sed 's/  */ /g'), is stored"
+  spacemintctl files --top 1 | grep -q 'Documents/large' || fail "the scan does not contain the large file"
+  say "the first scan, $(spacemintctl history | head -n 1 | sed 's/  */ /g'), is stored"
   kill -TERM "$program"
-  wait "$program" || fail "it ended with $?"
-  [ ! -s "$HOME/errors" ] || { cat "$HOME/errors" >&2; fail "it complained"; }
-  say "it ended when it was told to"
+  wait "$program" || fail "the program ended with status $?"
+  [ ! -s "$HOME/errors" ] || { cat "$HOME/errors" >&2; fail "the program wrote to standard error"; }
+  say "the program ended on SIGTERM"
 }
 
 case ${1:-} in
   --inside) inside ;;
   --as-user) as_user ;;
   *)
-    package=$(realpath "${1:?the package to prove}")
-    [ "$(id -u)" -eq 0 ] || fail "only root can make a system to try it in"
+    package=$(realpath "${1:?the package to test}")
+    [ "$(id -u)" -eq 0 ] || fail "must run as root"
     root=$(mktemp -d /var/tmp/spacemint-fresh.XXXXXX)
     trap 'rm -rf --one-file-system "$root" "$root.log"' EXIT
     chmod 755 "$root"
@@ -114,7 +115,7 @@ case ${1:-} in
     say "a fresh $suite, $(du -sm "$root" | cut -f1) MB"
     install -D -m 755 "$0" "$root/fresh/fresh.sh"
     cp "$package" "$root/package.deb"
-    # In namespaces of its own: what was mounted and started there ends with it.
+    # Use separate namespaces, so that all mounts and processes inside end together.
     unshare --mount --pid --fork --kill-child --propagation private \
       chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 /bin/bash /fresh/fresh.sh --inside
     say "all is well"

@@ -8,36 +8,39 @@
 
 namespace spacemint::ctl {
 
-/// How an answer is worded for a person.
+/// How texts for the user show paths and numbers: the home folder as "~", numbers in the ICU locale.
 struct Wording {
   std::string home;
   std::string locale;
 };
 
-/// A folder of a scan with its full path. The node belongs to the snapshot.
+/// A folder of a scan. `path` is its full path; the snapshot owns the node.
 struct FolderItem {
   std::string path;
   const Node* node = nullptr;
 };
 
-/// The folders below `root` that explain most of its size, largest first. No folder is listed together with a
-/// folder inside it: a folder of which one subfolder is 60 % or more gives way to its subfolders.
+/// The folders below `root` that account for most of its size, largest first. If one subfolder has 60 % or
+/// more of a folder's size, the subfolders are listed in place of the folder; so a result never contains
+/// another result.
 std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit);
 
-/// Size, share of `whole`, number of files and path, a line a folder.
+/// A table with a line for each folder: size, share of `whole` (bytes), number of files, path.
 std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, const Wording& wording);
 
-/// Size, date of the last change and path, a line a file.
+/// A table with a line for each file: size, date of the last change, path.
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
 
 /// The text that `spacemintctl scan` prints. `whyFull` as in `ScanPlan`.
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull);
 
-/// A stored scan's JSON document with the key "scan" added: whether everything was walked, and why.
+/// Adds the key "scan" to a stored scan's JSON document: whether the scan was full, and why. `whyFull` as in
+/// `ScanPlan`.
 std::string withKind(std::string document, const std::string& whyFull);
 
-/// What a scan could not read, with the first few paths; empty when it read everything.
+/// A note about items that a scan could not read, with the first few paths; empty if the scan read
+/// everything.
 std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording);
 
 }  // namespace spacemint::ctl

@@ -35,7 +35,7 @@ Json jsonOf(const FileItem& file) {
   return object;
 }
 
-// A node without what is in it.
+// A node without its children.
 Json jsonOf(const std::string& name, const Node& node) {
   Json object{
       {"name", withInvalidUtf8Replaced(name)}, {"size", node.size}, {"isDirectory", node.isDirectory}};
@@ -112,7 +112,7 @@ int runFolders(const BrowseOptions& options) {
   const Node* folder = snapshot->nodeAt(path);
   if (folder == nullptr || !folder->isDirectory) {
     complain(printable(path) + ": no such folder in the scan of " + localTime(snapshot->date) +
-             ", or smaller than it keeps");
+             ", or the folder is too small to be stored");
     return failed;
   }
   const std::string shown{Paths::withoutTrailingSlash(path)};

@@ -5,20 +5,20 @@
 
 namespace spacemint::ctl {
 
-/// Which stored scan to read, and how to answer.
+/// Options of the commands "files" and "folders".
 struct BrowseOptions {
-  /// Empty for the newest scan.
+  /// The date of the stored scan, as for `storedScan`; empty for the newest scan.
   std::string scan;
-  /// The folder to look into; empty for the root of the scan.
+  /// The folder to list; empty for the root of the scan.
   std::string path;
   std::size_t top = 50;
   bool json = false;
 };
 
-/// Names the largest files of a stored scan.
+/// Prints the largest files of a stored scan; returns the exit code.
 int runFiles(const BrowseOptions& options);
 
-/// Names what is in one folder of a stored scan, largest first.
+/// Prints the contents of a folder in a stored scan, largest first; returns the exit code.
 int runFolders(const BrowseOptions& options);
 
 }  // namespace spacemint::ctl

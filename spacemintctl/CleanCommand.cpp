@@ -23,10 +23,10 @@ namespace {
 
 constexpr Bytes cacheMinimum = 50'000'000;
 
-// A plan with what the terminal says beside it.
+// A plan, and messages that the terminal prints in addition.
 struct Proposal {
   CleanupPlan plan;
-  /// Why something that one might expect is not in the plan, a line each.
+  /// Items that the plan leaves out although the user may expect them, with the reason; one line each.
   std::vector<std::string> leftOut = {};
   std::string nothingToDo = {};
 };
@@ -37,8 +37,8 @@ std::optional<Bytes> freeBytes() {
   return volume ? std::optional{volume->free} : std::nullopt;
 }
 
-// A path of the command line as an absolute one without "." and doubled "/". One that the system spells
-// through the folder that the home folder links to is spelled through the home folder.
+// The absolute form of a path on the command line, without "." and doubled "/". If the home folder is a
+// symbolic link, a path below the link's target is rewritten as a path below the home folder.
 std::string absolutePath(const std::string& given, const std::string& home) {
   namespace fs = std::filesystem;
   if (given.empty()) return given;
@@ -72,9 +72,10 @@ class Proposer {
       case CleanKind::backup:
         return proposeBackup(path);
       case CleanKind::worktree: {
-        if (const auto refused = context_.guard.refusal({.path = path, .outsideHomeAllowed = true})) return std::unexpected(*refused);
+        if (const auto refused = context_.guard.refusal({.path = path, .outsideHomeAllowed = true}))
+          return std::unexpected(*refused);
         const auto worktree = GitWorktrees::inspect(path, 0);
-        if (!worktree) return std::unexpected(path + ": no git worktree");
+        if (!worktree) return std::unexpected(path + ": not a git worktree");
         return proposalFor(*worktree);
       }
       case CleanKind::path:
@@ -134,8 +135,7 @@ class Proposer {
     if (ids.empty()) return found;
     for (const std::string& id : ids) {
       if (std::ranges::find(DevTools::cleanups(), id, &CleanupTarget::id) == DevTools::cleanups().end()) {
-        return std::unexpected("no cache has the id \"" + id +
-                               "\"; \"spacemintctl caches --json\" names them");
+        return std::unexpected("no cache has the id \"" + id + "\"; see \"spacemintctl caches --json\"");
       }
       if (std::ranges::find(found, id, &DevTools::FoundCleanup::id) == found.end()) {
         return std::unexpected(id + ": not in the newest scan");
@@ -151,13 +151,13 @@ class Proposer {
   std::expected<Snapshot, Error> scan_;
 };
 
-// Whether the plan may be carried out, after it was shown and, unless that is known, asked about.
+// Shows the plan and asks for confirmation unless --yes was given; true if the plan may be carried out.
 bool confirmed(const Proposal& proposal, const CleanOptions& options, const Wording& wording) {
   const std::string text = planText(proposal.plan, proposal.leftOut, wording);
   if (options.yes) return options.json || print(text);
   if (!canAsk()) {
     if (!options.json) print(text);
-    complain("nothing was removed: not confirmed, for there is no terminal; use --yes");
+    complain("nothing was removed: not confirmed, because there is no terminal; use --yes");
     return false;
   }
   std::fputs(text.c_str(), stderr);
@@ -166,7 +166,7 @@ bool confirmed(const Proposal& proposal, const CleanOptions& options, const Word
   return false;
 }
 
-// Puts what is there now into the newest stored scan, if there is one.
+// Measures `paths` again and updates the newest stored scan, if there is one.
 std::expected<void, Error> remeasureInNewestScan(const std::vector<std::string>& paths) {
   const SnapshotStore store = SnapshotStore::standard();
   auto scan = storedScan(store, "");
@@ -187,7 +187,7 @@ void complainOfFailures(const CleanupPlan& plan, const CleanupReport& report, co
     const std::string about = plan.steps.size() > 1 ? plan.steps[i].path + ": " : "";
     complain(printable(about + CleanupText::failureText(plan.steps[i], report.steps[i], context)));
   }
-  if (report.steps.size() < plan.steps.size()) complain("the rest was not begun");
+  if (report.steps.size() < plan.steps.size()) complain("the remaining steps were not started");
 }
 
 int carryOut(const CleanupPlan& plan, const CleanOptions& options, const CleanupContext& context,

@@ -6,20 +6,21 @@
 namespace spacemint::ctl {
 
 struct CleanOptions {
-  /// What to remove, for what is named by its path.
+  /// The item to remove, for the kinds `backup`, `worktree` and `path`.
   std::string path;
-  /// Which caches; empty for all large ones.
+  /// The ids of the caches to clean; empty for all large caches.
   std::vector<std::string> ids;
-  /// Do it without asking.
+  /// Do not ask for confirmation.
   bool yes = false;
-  /// Show what would be done and do nothing.
+  /// Only show what would be done.
   bool dryRun = false;
   bool json = false;
 };
 
 enum class CleanKind { caches, trash, backup, worktree, path };
 
-/// Shows what will be removed, asks, removes it, and says what came of it.
+/// Shows what will be removed, asks for confirmation, removes it and prints the result. Returns the exit
+/// code.
 int runClean(CleanKind kind, const CleanOptions& options);
 
 }  // namespace spacemint::ctl

@@ -12,7 +12,7 @@ namespace spacemint::ctl {
 
 namespace {
 
-// A word as a shell reads it back.
+// A word quoted for a shell.
 std::string quoted(const std::string& word) {
   constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_./=:,+@%";
   if (!word.empty() && word.find_first_not_of(plain) == std::string::npos) return word;
@@ -32,7 +32,7 @@ const char* verb(CleanupStep::Kind kind) {
   return verbs[std::to_underlying(kind)];
 }
 
-// The command as one could type it.
+// The command as the user could type it in a shell.
 std::string commandText(const ToolCommand& command) {
   std::string text;
   for (const auto& [name, value] : command.environment) text += name + "=" + quoted(value) + " ";
@@ -91,7 +91,7 @@ std::string resultText(const CleanupPlan& plan, const CleanupReport& report, con
     if (done.empty() || done.back().label != label) done.push_back({.label = label});
     done.back().removed.bytes = saturatingAdd(done.back().removed.bytes, report.steps[i].removed.bytes);
   }
-  // The volume does not say which of several steps freed what.
+  // With several steps, the free space does not show how much each step freed.
   if (done.size() == 1) done.front().freed = report.freed();
   std::string text;
   for (const auto& each : done) text += printable(CleanupText::successText(each, wording.locale)) + '\n';

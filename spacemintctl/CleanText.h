@@ -8,17 +8,17 @@
 
 namespace spacemint::ctl {
 
-/// Exactly what a plan will do: sizes, paths and commands. `leftOut` says why something that one might expect
-/// is not in it.
+/// The text that shows a plan: sizes, paths and exact commands. `leftOut` contains a line for each item that
+/// the plan leaves out, with the reason.
 std::string planText(const CleanupPlan& plan, const std::vector<std::string>& leftOut,
                      const Wording& wording);
 
 Json planJson(const CleanupPlan& plan);
 
-/// The steps that were done, a line each, and the change of the free space.
+/// A line for each step that was done, and the change of the free space.
 std::string resultText(const CleanupPlan& plan, const CleanupReport& report, const Wording& wording);
 
-/// Each step with what became of it.
+/// Each step with its result.
 Json resultJson(const CleanupPlan& plan, const CleanupReport& report);
 
 }  // namespace spacemint::ctl

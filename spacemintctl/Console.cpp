@@ -14,7 +14,8 @@ namespace spacemint::ctl {
 
 namespace {
 
-// Characters beyond ASCII count as one column, which is right for most names and never breaks a line.
+// Counts every character as one column. That is right for most names; a wrong width only misaligns the
+// columns.
 std::size_t columns(std::string_view text) {
   return static_cast<std::size_t>(
       std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U; }));

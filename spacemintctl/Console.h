@@ -10,24 +10,24 @@ namespace spacemint::ctl {
 
 enum ExitCode : int { done = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 
-/// Text that is safe on a terminal: control characters and bytes that are not UTF-8 in a file's name become
-/// U+FFFD.
+/// The text with U+FFFD in place of control characters and invalid UTF-8, so that a file name cannot control
+/// the terminal.
 std::string printable(std::string_view text);
 
-/// The time of the system's clock.
+/// The current time of the system clock, in whole microseconds.
 Date currentTime();
 
-/// A date and time of the user's time zone, such as "2026-03-01 14:05:09"; its first ten characters are the
+/// A date and time in the user's time zone, such as "2026-03-01 14:05:09". The first ten characters are the
 /// day.
 std::string localTime(Date date);
-/// The same in UTC as other programs read it: "2026-03-01T13:05:09Z".
+/// A date and time in UTC, for JSON: "2026-03-01T13:05:09Z".
 std::string universalTime(Date date);
 
-/// A whole percentage of `part` in `whole`, such as "37 %"; empty without a whole.
+/// `part` as a rounded percentage of `whole`, such as "37 %"; empty if `whole` is below 1.
 std::string percentage(std::int64_t part, std::int64_t whole);
 
-/// Rows of text in columns of equal width. The first `rightAligned` columns are right-aligned, the last one
-/// is as wide as its text.
+/// A text table with aligned columns. The first `rightAligned` columns are right-aligned; the last column is
+/// not padded.
 class Table {
  public:
   explicit Table(std::size_t rightAligned = std::string::npos) : rightAligned_(rightAligned) {}
@@ -41,10 +41,10 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
-/// Writes to standard output; false when that failed, which is then said on standard error.
+/// Writes to standard output. On failure, prints the reason on standard error and returns false.
 bool print(const std::string& text);
 
-/// One line on standard error under the program's name.
+/// Prints a line on standard error, with the program's name in front.
 void complain(const std::string& message);
 
 }  // namespace spacemint::ctl

@@ -14,7 +14,7 @@ bool isOfTheSameFolder(const Snapshot& a, const Snapshot& b) {
   return a.rootPath() == b.rootPath();
 }
 
-// The earlier scan to compare with; absent where there is none.
+// The earlier scan to compare with; absent if there is none.
 using Baseline = std::expected<std::optional<Snapshot>, Error>;
 
 // The best earlier scan of the same folder.
@@ -37,7 +37,7 @@ Baseline namedBaseline(const Scene& scene) {
   if (isOfTheSameFolder(*named, scene.snapshot)) return std::move(*named);
   return std::unexpected(
       Error{.domain = "history",
-            .message = "the scan of \"" + scene.since + "\" is one of another folder, " + named->rootPath()});
+            .message = "the scan of \"" + scene.since + "\" is of another folder, " + named->rootPath()});
 }
 
 Json jsonOf(const Growth& growth) {

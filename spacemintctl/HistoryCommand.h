@@ -2,7 +2,7 @@
 
 namespace spacemint::ctl {
 
-/// Lists the stored scans of all folders, newest first.
+/// Prints the stored scans of all folders, newest first; returns the exit code.
 int runHistory(bool json);
 
 }  // namespace spacemint::ctl

@@ -8,7 +8,7 @@ namespace spacemint::ctl {
 namespace {
 
 std::atomic<bool> interruptNoted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);  // it is set in a signal handler
+static_assert(std::atomic<bool>::is_always_lock_free);  // a signal handler sets it
 
 }  // namespace
 
@@ -21,7 +21,7 @@ void noteInterrupts() {
     sigaction(signal, &action, nullptr);
     sigaddset(&signals, signal);
   }
-  // Whoever started us may have held them back.
+  // The parent process may have blocked these signals, and a child inherits blocked signals.
   pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 

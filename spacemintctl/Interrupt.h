@@ -2,8 +2,8 @@
 
 namespace spacemint::ctl {
 
-/// From here on Ctrl-C and a request to terminate are noted instead of ending the process; a second one ends
-/// it at once.
+/// After this call, the first SIGINT (Ctrl-C), SIGTERM or SIGHUP does not end the process but makes
+/// `wasInterrupted` return true. A second signal of the same kind ends the process.
 void noteInterrupts();
 bool wasInterrupted();
 

@@ -9,16 +9,16 @@
 
 namespace spacemint::ctl {
 
-/// The text of the progress line: files, bytes, and, where the expected bytes are known, the percentage and
+/// The text of the progress line: files and bytes; if `expected` (bytes) is known, also the percentage and
 /// the remaining time.
 std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
                          std::chrono::duration<double> elapsed, const std::string& locale);
 
-/// A line on the terminal that is rewritten about ten times a second and erased with the object. Prints
-/// nothing unless `wanted`.
+/// A line on standard error that is updated about ten times a second and erased by the destructor. Prints
+/// nothing unless `wanted`. One thread at a time.
 class ProgressLine {
  public:
-  /// Whether standard error is a terminal.
+  /// True if standard error is a terminal.
   static bool canBeSeen();
 
   ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale);
@@ -27,7 +27,7 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
 
   void show(const DiskScanner::Progress& progress);
-  /// Shows what `text` returns, which is called only when the line is due to be written.
+  /// Shows the result of `text`. Calls `text` only if the line is due for an update.
   void show(const std::function<std::string()>& text);
 
  private:

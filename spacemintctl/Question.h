@@ -4,10 +4,11 @@
 
 namespace spacemint::ctl {
 
-/// Whether there is somebody to ask: a terminal to write to and to read from.
+/// True if standard input and standard error are terminals.
 bool canAsk();
 
-/// Asks on the terminal and waits; true for a yes and for nothing else. What was typed before is dropped.
+/// Prints the question on standard error and waits for an answer; true only for "y", "Y" and "yes". Ignores
+/// input that was typed before the question.
 bool ask(const std::string& question);
 
 }  // namespace spacemint::ctl

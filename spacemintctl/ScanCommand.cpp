@@ -19,7 +19,7 @@ namespace {
 
 constexpr int historyDays = 14;
 
-// Depends on the newest scan of the same folder and on what was recorded since.
+// Plans the scan from the newest scan of the same folder and the changes recorded since.
 ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start) {
   auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::ofRoot(root), "")};
   return ScanPlan::make(*hostEventJournal(),
@@ -31,15 +31,15 @@ ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start
                          .shouldCancel = wasInterrupted});
 }
 
-// Why `root` cannot be scanned, if it cannot.
+// Why `root` cannot be scanned; absent if it can.
 std::optional<Error> obstacle(const std::string& root) {
   auto folder = hostFolderListing()->open(root);
   if (folder) return std::nullopt;
   return std::move(folder).error();
 }
 
-// How much a scan of `root` will find: what the last one found, else what is used on the volume that it
-// covers.
+// The expected size of `root` in bytes: the size in the last scan of `root`; otherwise, if `root` is a mount
+// point, the used space of the volume.
 std::optional<Bytes> expectedBytes(const std::string& root) {
   const auto last = storedScan(SnapshotStore::ofRoot(root), "");
   if (last && last->rootPath() == root) return last->root.size;
@@ -69,7 +69,7 @@ bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& o
   return false;
 }
 
-// Stores the scan and deletes the scans that are no longer kept.
+// Stores the scan and prunes older scans.
 bool save(const Snapshot& snapshot) {
   const SnapshotStore store = SnapshotStore::ofRoot(snapshot.rootPath());
   const auto entry = store.save(snapshot);

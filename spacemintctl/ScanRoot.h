@@ -7,8 +7,8 @@
 
 namespace spacemint::ctl {
 
-/// The one spelling of a root under which its scans are kept and its changes recorded: absolute, without a
-/// "/" at the end. The home folder for an empty path. Fails for a relative path that leads nowhere.
+/// The path of a scan's root in the form under which scans are stored and changes are recorded: absolute and
+/// without a trailing "/". An empty `path` means the home folder. Fails if a relative path does not exist.
 std::expected<std::string, Error> scanRoot(const std::string& path);
 
 }  // namespace spacemint::ctl

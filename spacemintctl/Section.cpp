@@ -12,17 +12,17 @@ namespace {
 
 // clang-format off
 constexpr auto table = std::to_array<Section>({
-    {"growth", "List what grew since an earlier scan", "What grew", 100'000'000, true, growthFindings},
+    {"growth", "Show what grew since an earlier scan", "What grew", 100'000'000, true, growthFindings},
     {"trash", "Show how much is in the Trash", "Trash", std::nullopt, true, trashFindings},
     {"backups", "List the backups of phones and tablets", "Device backups", std::nullopt, true, backupFindings},
-    {"suggest", "List the places where space can be freed", "Where to free up space", 500'000'000, true, suggestionFindings},
+    {"suggest", "Show where to free up space", "Where to free up space", 500'000'000, true, suggestionFindings},
     {"folders", nullptr, "Largest folders", std::nullopt, true, largestFolderFindings},
     {"files", nullptr, "Largest files", std::nullopt, true, largestFileFindings},
     {"caches", "List the package and build caches that can be cleaned", "Leftover caches and build files", 50'000'000, true, cacheFindings},
-    {"ollama", "List the models that Ollama stores", "Local Ollama models", std::nullopt, false, ollamaFindings},
+    {"ollama", "List the models of Ollama", "Local Ollama models", std::nullopt, false, ollamaFindings},
     {"huggingface", "List the cached Hugging Face models", "Cached Hugging Face models", std::nullopt, true, huggingFaceFindings},
-    {"docker", "Show what Docker stores, and how much it can free", "Unused Docker data", std::nullopt, false, dockerFindings},
-    {"worktrees", "List the git worktrees, those not used for a month first", "Git worktrees", 100'000'000, true, worktreeFindings},
+    {"docker", "Show how much space Docker uses", "Unused Docker data", std::nullopt, false, dockerFindings},
+    {"worktrees", "List the git worktrees, those unused for a month first", "Git worktrees", 100'000'000, true, worktreeFindings},
 });
 // clang-format on
 

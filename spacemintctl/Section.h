@@ -16,39 +16,40 @@ namespace spacemint::ctl {
 
 using Json = nlohmann::ordered_json;
 
-/// What a section looks at.
+/// The input of a section.
 struct Scene {
   Snapshot snapshot;
   Wording wording;
   Environment environment;
   Date now;
-  /// Names a scan to compare with, as `--scan` does; empty for the usual one.
+  /// The date of the scan to compare with, as for `storedScan`; empty for the default.
   std::string since = {};
-  /// How many to name in a text.
+  /// The largest number of findings in a text.
   std::size_t top = 10;
-  /// Smaller findings are left out.
+  /// Findings smaller than this (in bytes) are left out.
   Bytes minimum = 0;
 };
 
-/// What a section found, in words and with the names that other programs go by.
+/// The findings of a section, as text for the user and as JSON for other programs.
 struct Findings {
   std::string text;
   Json json;
-  /// False when the section has nothing to say, so that the report leaves it out.
+  /// False if the report shall leave the section out.
   bool isWorthReporting = true;
 };
 
-/// One question about the disk with its answer: a command of its own, and a section of the report.
+/// A section of the report, which most sections are also a command for.
 struct Section {
-  /// The name of the command, and of the member in the report's JSON.
+  /// The name of the command and of the member in the report's JSON.
   const char* command;
-  /// The command's description; null for a section that only the report has.
+  /// The command's description; null if the section is only in the report, or another function adds the
+  /// command.
   const char* description;
   /// The heading in the report.
   const char* title;
-  /// The smallest finding unless the user says otherwise; absent where size does not count.
+  /// The default of --min-size in bytes; absent if the command has no such option.
   std::optional<Bytes> minimum;
-  /// False for a section that asks a tool and needs no scan.
+  /// False if the section runs a tool and needs no scan.
   bool looksAtScan;
   std::expected<Findings, Error> (*find)(const Scene& scene);
 };
@@ -68,16 +69,17 @@ std::expected<Findings, Error> huggingFaceFindings(const Scene& scene);
 std::expected<Findings, Error> dockerFindings(const Scene& scene);
 std::expected<Findings, Error> worktreeFindings(const Scene& scene);
 
-// Words that the sections share.
+// Functions that several sections use.
 
-/// A path as people read it.
+/// A path for display.
 std::string shownPath(const std::string& path, const Scene& scene);
 std::string shownSize(Bytes size, const Scene& scene);
-/// A text for JSON, which is UTF-8.
+/// A text for JSON, with U+FFFD in place of invalid UTF-8.
 Json jsonText(std::string_view text);
 Json jsonOptional(const std::optional<std::string>& text);
 Json jsonDate(std::optional<Date> date);
-/// The last row of a table that names only some of `count` findings; empty where it names all of them.
+/// Adds a last row that says how many of `count` findings the table does not show, if there are more than
+/// `top`.
 void addRest(Table& table, std::size_t count, std::size_t top);
 
 }  // namespace spacemint::ctl

@@ -16,7 +16,7 @@ namespace spacemint::ctl {
 
 namespace {
 
-// Without a scan where none is looked at.
+// The input for a section. Loads no scan unless `looksAtScan`.
 std::expected<Scene, Error> sceneFor(const SectionOptions& options, bool looksAtScan) {
   std::expected<Snapshot, Error> snapshot;
   if (looksAtScan) snapshot = storedScan(options.scan);
@@ -66,7 +66,7 @@ const char* name(SpaceLevel level) {
   return names[std::to_underlying(level)];
 }
 
-// The free space as it is now, not as it was when the scan was made.
+// Adds the current free space (not that at the time of the scan), the warning level and the scan's facts.
 void addHead(Findings& report, const Scene& scene) {
   const auto volume = VolumeStatus::current(startupVolume());
   const std::int64_t thresholdGB = warningThreshold();

@@ -8,19 +8,19 @@
 namespace spacemint::ctl {
 
 struct SectionOptions {
-  /// Which stored scan to look at; empty for the newest.
+  /// The date of the stored scan, as for `storedScan`; empty for the newest scan.
   std::string scan;
-  /// The earlier scan to compare with; empty for the scan nearest to a day before.
+  /// The date of the scan to compare with; empty for the scan nearest to a day earlier.
   std::string since;
   std::optional<Bytes> minimum;
   std::size_t top = 10;
   bool json = false;
 };
 
-/// Prints one section; answers the exit code.
+/// Prints a section; returns the exit code.
 int runSection(const Section& section, const SectionOptions& options);
 
-/// Prints all sections on one page; answers the exit code.
+/// Prints all sections; returns the exit code.
 int runReport(const SectionOptions& options);
 
 }  // namespace spacemint::ctl

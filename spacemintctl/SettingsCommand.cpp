@@ -20,7 +20,7 @@ DefaultsStore openStore() {
   return store;
 }
 
-// The value that serves, in the type of the setting; a stored value of another type is not shown as one.
+// The current value in the type of the setting; null if a value of another type is stored.
 Json valueOf(const DefaultsStore& store, const SettingDescription& setting) {
   const auto json = [](const auto& value) { return value ? Json(*value) : Json(nullptr); };
   if (std::holds_alternative<bool>(setting.registeredDefault)) return json(store.boolean(setting.key));

@@ -4,11 +4,11 @@
 
 namespace spacemint::ctl {
 
-/// Every setting with its value.
+/// Prints all settings with their values; returns the exit code.
 int listSettings(bool json);
-/// The value of one setting.
+/// Prints the value of a setting; returns the exit code.
 int getSetting(const std::string& key);
-/// Stores a checked value.
+/// Checks and stores a value; returns the exit code.
 int setSetting(const std::string& key, const std::string& value);
 
 }  // namespace spacemint::ctl

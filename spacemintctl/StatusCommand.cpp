@@ -25,7 +25,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::chrono::seconds journalTimeout{5};
 
-// One fact under its name in JSON and as a row of text.
+// A fact: key and value in JSON, and title and text of a row. A fact without a title is only in the JSON.
 struct Fact {
   std::string key;
   Json value;
@@ -80,10 +80,10 @@ Fact lastScanFact(const std::optional<Snapshot>& last, Date now) {
 
 Fact nextScanFact(const ScanPlan& plan) {
   if (plan.whyFull.empty()) {
-    return {"nextScan", Json{{"kind", "rescan"}}, "Next scan", "takes over what has not changed"};
+    return {"nextScan", Json{{"kind", "rescan"}}, "Next scan", "visits only folders that changed"};
   }
   return {"nextScan", Json{{"kind", "full"}, {"because", plan.whyFull}}, "Next scan",
-          "walks everything, because " + plan.whyFull};
+          "a full scan, because " + plan.whyFull};
 }
 
 Fact recorderFact(EventJournal& journal, const std::string& root) {
@@ -96,12 +96,13 @@ Fact recorderFact(EventJournal& journal, const std::string& root) {
           "does not answer, because " + reason};
 }
 
-// What can be known outside of the application: without a session bus nothing is shown.
+// Only the application knows if notifications work; this program can only tell that they cannot work without
+// a session bus.
 Fact notificationFact() {
   const bool hasBus =
       UserFolders::environment("DBUS_SESSION_BUS_ADDRESS").has_value() || !UserFolders::runtime().empty();
   return {"mayNotify", hasBus, "Notifications",
-          hasBus ? "the application logs what the desktop answers (SPACEMINT_LOG=info)"
+          hasBus ? "the application logs the desktop's replies (SPACEMINT_LOG=info)"
                  : "none are shown, because this session has no message bus"};
 }
 
@@ -115,10 +116,10 @@ Facts verboseFacts(const VolumeStatus& volume, const std::string& mountPoint) {
   const auto journal = hostEventJournal();
   Facts facts{levelFact(volume, settings.thresholdGB), lastScanFact(last, now)};
   const ScanPlan plan = ScanPlan::make(*journal, {.root = root,
-                                                             .minNodeSize = ScanOptions{}.minSize,
-                                                             .now = now,
-                                                             .earlier = std::move(last),
-                                                             .timeout = journalTimeout});
+                                                  .minNodeSize = ScanOptions{}.minSize,
+                                                  .now = now,
+                                                  .earlier = std::move(last),
+                                                  .timeout = journalTimeout});
   facts.push_back(nextScanFact(plan));
   facts.push_back(recorderFact(*journal, root));
   facts.push_back(notificationFact());

@@ -43,7 +43,7 @@ std::expected<Snapshot, Error> scanAmong(const Entries& entries, std::string_vie
 bool namesScan(std::string_view date, Date scanned) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(scanned.time_since_epoch()).count();
   std::string wanted{date};
-  // Both ways of writing a date with a time.
+  // Accept "2026-03-01T14:05" and "2026-03-01 14:05".
   if (wanted.size() > 10 && wanted[10] == 'T') wanted[10] = ' ';
   return wanted == std::to_string(seconds) || (wanted.size() >= 4 && localTime(scanned).starts_with(wanted));
 }

@@ -35,7 +35,7 @@ std::expected<Findings, Error> suggestionFindings(const Scene& scene) {
                                         .home = scene.wording.home,
                                         .minimum = scene.minimum,
                                         .environment = scene.environment});
-  // The Trash has a section of its own.
+  // The Trash has its own section.
   std::erase_if(suggestions, [](const Suggestion& each) { return each.id == "trash"; });
   Table table{1};
   Json list = Json::array();
@@ -52,8 +52,9 @@ std::expected<Findings, Error> trashFindings(const Scene& scene) {
       {.in = scene.snapshot, .home = scene.wording.home, .environment = scene.environment});
   // Folders below the scan's threshold are not in the tree.
   if (!trash || trash->size == 0) {
-    return Findings{
-        .text = "The Trash is empty, or too small to count.\n", .json = nullptr, .isWorthReporting = false};
+    return Findings{.text = "The Trash is empty, or too small to be stored.\n",
+                    .json = nullptr,
+                    .isWorthReporting = false};
   }
   const std::string& locale = scene.wording.locale;
   return Findings{.text = FindingText::trashTitle(*trash, locale) + ": " + shownPath(trash->path, scene) +

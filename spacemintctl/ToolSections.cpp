@@ -13,7 +13,7 @@ namespace {
 using DockerState = DevTools::ToolState<std::vector<DevTools::DockerUsage>>;
 using OllamaState = DevTools::ToolState<std::vector<DevTools::OllamaModel>>;
 
-// By the names of the cases; "unknown" and "checking" do not last until an answer.
+// The name of the enumerator. After a query, a state is never "unknown" or "checking".
 template <class State>
 const char* name(const State& state) {
   constexpr const char* names[] = {"ready", "failed", "unknown", "checking", "notInstalled", "notRunning"};

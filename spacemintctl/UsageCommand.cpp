@@ -20,7 +20,7 @@ DefaultsStore openStore() {
 std::string usageText(std::optional<bool> isAllowed, const std::optional<std::string>& sentOn) {
   if (!isAllowed) return "Not answered yet; nothing is sent.\n";
   if (!*isAllowed) return "Off: nothing is sent.\n";
-  return "On: once a day the application tells that it is in use. Last sent: " +
+  return "On: once a day the application reports that it is in use. Last sent: " +
          (sentOn ? printable(*sentOn) : "never") + ".\n";
 }
 

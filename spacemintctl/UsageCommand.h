@@ -2,9 +2,9 @@
 
 namespace spacemint::ctl {
 
-/// Whether the application may report that it is in use.
+/// Prints whether the user allowed the application to report anonymous usage; returns the exit code.
 int showUsage(bool json);
-/// Agrees to it or withdraws.
+/// Stores the user's decision; returns the exit code.
 int setUsage(bool isAllowed);
 
 }  // namespace spacemint::ctl

@@ -42,9 +42,9 @@ void sayWhatIsWatched(EventRecorder& recorder, const std::string& root) {
   print("Recording what changes in " + printable(root) + ": " + counted(status.watches) + " watched\n");
   if (status.limitAdvice.empty()) return;
   complain(counted(status.folders - status.watches) +
-           " with all below them could not be watched and will be walked by every scan; as an "
+           " and their subfolders could not be watched, so every scan visits them; as an "
            "administrator, \"" +
-           status.limitAdvice + "\" lets more be watched");
+           status.limitAdvice + "\" raises the limit");
 }
 
 }  // namespace

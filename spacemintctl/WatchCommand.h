@@ -4,7 +4,7 @@
 
 namespace spacemint::ctl {
 
-/// Records what changes below a folder until it is told to end (Ctrl-C, SIGTERM, SIGHUP).
+/// Records the changes below a folder until SIGINT (Ctrl-C), SIGTERM or SIGHUP. Returns the exit code.
 int runWatch(const std::string& path);
 
 }  // namespace spacemint::ctl

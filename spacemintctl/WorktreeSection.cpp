@@ -21,7 +21,7 @@ Json jsonOf(const GitWorktree& worktree, Date now) {
           {"isOld", worktree.isOld(now, GitWorktrees::staleDays)}};
 }
 
-// The repository and what is checked out, as far as they are known.
+// The repository and the branch, as far as they are known.
 std::string origin(const GitWorktree& worktree) {
   std::string text = printable(worktree.repository.value_or(""));
   if (worktree.branch) text += " (" + printable(*worktree.branch) + ")";
@@ -35,7 +35,7 @@ std::expected<Findings, Error> worktreeFindings(const Scene& scene) {
   Json list = Json::array();
   for (const GitWorktree& each : worktrees) list.push_back(jsonOf(each, scene.now));
 
-  // Those nobody works in first.
+  // Old worktrees first.
   std::ranges::stable_partition(
       worktrees, [&](const GitWorktree& each) { return each.isOld(scene.now, GitWorktrees::staleDays); });
   Table table{1};

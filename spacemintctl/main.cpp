@@ -22,34 +22,32 @@ using namespace spacemint;
 using namespace spacemint::ctl;
 using Action = std::function<int()>;
 
-// Refuses, in words, what is not a whole number from 0 up.
+// Returns an error message for a text that is not a whole number of 0 or more.
 const CLI::Validator wholeNumber{[](const std::string& text) -> std::string {
                                    std::int64_t number = 0;
                                    const char* end = text.data() + text.size();
                                    const auto [read, error] = std::from_chars(text.data(), end, number);
                                    if (error == std::errc{} && read == end && number >= 0) return "";
-                                   return "\"" + text + "\" is not a whole number from 0 up";
+                                   return "\"" + text + "\" is not a whole number of 0 or more";
                                  },
                                  ""};
 
 void addScan(CLI::App& app, Action& action) {
   static ScanOptions options;
-  CLI::App* scan = app.add_subcommand("scan", "Measure a folder and list what is big in it");
-  scan->add_option("PATH", options.path, "The folder; your home folder if none is given");
-  scan->add_option("--min-size", options.minSize, "List each file and folder of at least this many bytes")
+  CLI::App* scan = app.add_subcommand("scan", "Measure a folder and show what is big in it");
+  scan->add_option("PATH", options.path, "The folder; your home folder by default");
+  scan->add_option("--min-size", options.minSize, "Store files and folders from this size on, in bytes")
       ->check(wholeNumber)
       ->type_name("BYTES")
       ->capture_default_str();
-  scan->add_option("--top", options.top, "How many folders and files to list")
+  scan->add_option("--top", options.top, "How many folders and files to show")
       ->check(wholeNumber)
       ->type_name("N")
       ->capture_default_str();
-  scan->add_flag("--throttle", options.throttle,
-                 "Scan more slowly and let other programs use the disk first");
-  scan->add_flag("--full", options.full,
-                 "Read every folder, also those that did not change since the last scan");
-  scan->add_flag("--no-save", options.noSave, "Do not store this scan");
-  scan->add_flag("-q,--quiet", options.quiet, "Show neither progress nor notes");
+  scan->add_flag("--throttle", options.throttle, "Let all other programs use the disk first; slower");
+  scan->add_flag("--full", options.full, "Scan all folders, also those unchanged since the last scan");
+  scan->add_flag("--no-save", options.noSave, "Do not store this scan in the history");
+  scan->add_flag("-q,--quiet", options.quiet, "Show no progress and no notes");
   scan->add_flag("--json", options.json, "Print the whole scan as one JSON object");
   scan->callback([&] { action = [] { return runScan(options); }; });
 }
@@ -59,15 +57,15 @@ void addStatus(CLI::App& app, Action& action) {
   static bool verbose = false;
   CLI::App* status = app.add_subcommand("status", "Show how full the disk is");
   status->add_flag("--json", json, "Print one JSON object");
-  status->add_flag("--verbose", verbose, "Also show how the next scan will run, and why");
+  status->add_flag("--verbose", verbose, "Also show if the next scan is a full one, and why");
   status->callback([&] { action = [] { return runStatus(json, verbose); }; });
 }
 
 void addWatch(CLI::App& app, Action& action) {
   static std::string path;
   CLI::App* watch =
-      app.add_subcommand("watch", "Record which folders change, so that later scans can skip the others");
-  watch->add_option("PATH", path, "The folder that you scan; your home folder if none is given");
+      app.add_subcommand("watch", "Record which folders change, so that later scans visit only these");
+  watch->add_option("PATH", path, "The folder that you scan; your home folder by default");
   watch->callback([&] { action = [] { return runWatch(path); }; });
 }
 
@@ -79,14 +77,12 @@ void addHistory(CLI::App& app, Action& action) {
 }
 
 void addScanDate(CLI::App* command, std::string& date) {
-  command
-      ->add_option("--scan", date,
-                   "Use an older scan: the first characters of its date, as \"history\" prints it")
+  command->add_option("--scan", date, "Use the scan whose date begins with DATE, not the newest")
       ->type_name("DATE");
 }
 
 void addTop(CLI::App* command, std::size_t& top) {
-  command->add_option("--top", top, "How many to list")
+  command->add_option("--top", top, "How many to show")
       ->check(wholeNumber)
       ->type_name("N")
       ->capture_default_str();
@@ -102,12 +98,13 @@ CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, 
 
 void addFilesAndFolders(CLI::App& app, Action& action) {
   static BrowseOptions files;
-  addBrowsing(app, "files", "List the largest files of the newest scan", files)->callback([&] {
+  addBrowsing(app, "files", "Show the largest files of the newest scan", files)->callback([&] {
     action = [] { return runFiles(files); };
   });
   static BrowseOptions folders;
-  CLI::App* command = addBrowsing(app, "folders", "List what is in a folder, from the newest scan", folders);
-  command->add_option("PATH", folders.path, "The folder; the root of the scan if none is given");
+  CLI::App* command =
+      addBrowsing(app, "folders", "Show the contents of a folder in the newest scan", folders);
+  command->add_option("PATH", folders.path, "The folder; the root of the scan by default");
   command->callback([&] { action = [] { return runFolders(folders); }; });
 }
 
@@ -121,7 +118,7 @@ CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
 void addSince(CLI::App* command, SectionOptions& options) {
   command
       ->add_option("--since", options.since,
-                   "Compare with this scan instead of the one nearest to a day earlier")
+                   "Compare with this scan, not with the one nearest to a day earlier")
       ->type_name("DATE");
 }
 
@@ -134,7 +131,7 @@ void addSections(CLI::App& app, Action& action) {
     if (section.find == growthFindings) addSince(command, own);
     if (section.minimum) {
       own.minimum = section.minimum;
-      command->add_option("--min-size", own.minimum, "Leave out what is smaller than this many bytes")
+      command->add_option("--min-size", own.minimum, "Show only results of at least this many bytes")
           ->check(wholeNumber)
           ->type_name("BYTES")
           ->default_str(std::to_string(*section.minimum));
@@ -156,8 +153,8 @@ void addReport(CLI::App& app, Action& action) {
 CLI::App* addClean(CLI::App* clean, CleanKind kind, const char* name, const char* description,
                    CleanOptions& options, Action& action) {
   CLI::App* command = clean->add_subcommand(name, description);
-  command->add_flag("-y,--yes", options.yes, "Do not ask before removing");
-  command->add_flag("-n,--dry-run", options.dryRun, "Show what would be removed, and remove nothing");
+  command->add_flag("-y,--yes", options.yes, "Do not ask");
+  command->add_flag("-n,--dry-run", options.dryRun, "Only show what would be done");
   command->add_flag("--json", options.json, "Print one JSON object");
   command->callback(
       [&action, &options, kind] { action = [&options, kind] { return runClean(kind, options); }; });
@@ -167,24 +164,23 @@ CLI::App* addClean(CLI::App* clean, CleanKind kind, const char* name, const char
 void addCleaning(CLI::App& app, Action& action) {
   static CleanOptions options;
   CLI::App* clean =
-      app.add_subcommand("clean", "Free space: show what will be removed, ask, and then remove it for good");
+      app.add_subcommand("clean", "Free space: show what will be removed, ask, and delete it for good");
   clean->require_subcommand(1);
   const auto add = [&](CleanKind kind, const char* name, const char* description) {
     return addClean(clean, kind, name, description, options, action);
   };
   add(CleanKind::caches, "caches", "Clean package and build caches")
-      ->add_option(
-          "ID", options.ids,
-          "The id of a cache, as \"caches --json\" prints it; all caches over 50 MB if none is given");
+      ->add_option("ID", options.ids,
+                   "The ids of caches in \"caches --json\"; all caches over 50 MB by default");
   add(CleanKind::trash, "trash", "Empty the Trash");
   add(CleanKind::backup, "backup", "Delete the backup of a phone or tablet")
-      ->add_option("PATH", options.path, "The folder of the backup")
+      ->add_option("PATH", options.path, "The folder")
       ->required();
   add(CleanKind::worktree, "worktree", "Remove a git worktree")
-      ->add_option("PATH", options.path, "The folder of the worktree")
+      ->add_option("PATH", options.path, "The folder")
       ->required();
   add(CleanKind::path, "path", "Delete a file or folder in your home folder")
-      ->add_option("PATH", options.path, "The file or folder to delete")
+      ->add_option("PATH", options.path, "The file or folder")
       ->required();
 }
 
@@ -216,11 +212,10 @@ void addUsage(CLI::App& app, Action& action) {
   CLI::App* usage = app.add_subcommand("usage", "Show or change whether anonymous usage is shared");
   usage->require_subcommand(0, 1);
   usage->add_flag("--json", json, "Print one JSON object");
-  CLI::App* status = usage->add_subcommand("status", "Show whether it is shared");
+  CLI::App* status = usage->add_subcommand("status", "Show whether anonymous usage is shared");
   status->add_flag("--json", json, "Print one JSON object");
-  CLI::App* on = usage->add_subcommand("on", "Share it");
-  CLI::App* off =
-      usage->add_subcommand("off", "Do not share it, and delete the random id that was used for it");
+  CLI::App* on = usage->add_subcommand("on", "Share anonymous usage");
+  CLI::App* off = usage->add_subcommand("off", "Do not share it, and delete the data stored for it");
   usage->callback([&action, on, off] {
     if (on->parsed() || off->parsed()) {
       action = [isAllowed = on->parsed()] { return setUsage(isAllowed); };
@@ -230,11 +225,11 @@ void addUsage(CLI::App& app, Action& action) {
   });
 }
 
-// What programs do before they read settings or history.
+// Every program must do this before it reads settings or history.
 void openUserData() {
   DefaultsStore settings = DefaultsStore::standard();
   for (const std::string& path : settings.setAside()) {
-    complain("the settings were damaged and are now in " + printable(path));
+    complain("the settings file was damaged and was moved to " + printable(path));
   }
   const auto migrated = Migration::ofThisUser(settings);
   if (migrated.error) complain(printable(*migrated.error));
@@ -245,7 +240,7 @@ int run(int argc, char** argv) {
   app.require_subcommand(1);
   app.set_version_flag("--version", SPACEMINT_VERSION);
   app.failure_message([](const CLI::App*, const CLI::Error& problem) {
-    return std::string{"spacemintctl: "} + problem.what() + " (--help says more)\n";
+    return std::string{"spacemintctl: "} + problem.what() + " (see --help)\n";
   });
   Action action;
   addScan(app, action);

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A leading "~" stands for the home folder.
+// A leading "~" means the home folder.
 constexpr std::array<std::string_view, 15> toolFolders{"/opt/homebrew/bin",
                                                        "/opt/homebrew/sbin",
                                                        "/usr/local/bin",

@@ -13,7 +13,7 @@
 
 namespace spacemint {
 
-// Shared with the runs, which may outlive the shell.
+// Shared with the running programs, which may outlive the shell.
 struct Shell::Search {
   explicit Search(ProgramPlaces where) : places(std::move(where)) {}
   explicit Search(std::vector<std::string> path) : folders(std::move(path)) {
@@ -50,7 +50,8 @@ std::map<std::string, std::string> ownEnvironment() {
   return variables;
 }
 
-// Some tools read their variables in either letter case, and nobody knows which of two counts.
+// Some tools accept a variable in upper and in lower case. Remove other spellings, so that the tool reads
+// this value.
 void set(std::map<std::string, std::string>& variables, const std::string& name, const std::string& value) {
   std::erase_if(variables, [&](const auto& each) { return lowerCased(each.first) == lowerCased(name); });
   variables[name] = value;
@@ -89,7 +90,8 @@ std::optional<std::string> Shell::which(const std::string& name) const {
 }
 
 std::future<std::optional<Shell::Output>> Shell::run(Run run) const {
-  // Copy the environment on the caller's thread, which knows that nobody changes it.
+  // Copy the environment on the caller's thread: the caller ensures that no thread changes the environment
+  // now.
   auto environment = ownEnvironment();
   std::packaged_task<std::optional<Output>()> task(
       [search = search_, run = std::move(run),

@@ -14,34 +14,34 @@
 
 namespace spacemint {
 
-/// Starts other programs. The one place that does.
+/// Starts other programs. No other code does.
 ///
-/// A program gets no input and no descriptor but its two outputs, and leads a process group of its own, which
-/// is stopped as a whole when it runs too long. Nothing is said about what it prints. Any thread; runs do not
-/// disturb one another.
+/// A program gets an empty standard input, pipes for its two outputs and no other file descriptors. It leads
+/// its own process group; at the timeout the whole group is stopped. Any thread; several programs may run at
+/// the same time.
 class Shell {
  public:
   struct Output {
-    /// The exit code, or 128 and the number of the signal that ended the program.
+    /// The exit code, or 128 plus the number of the signal that ended the program.
     std::int32_t status = 0;
-    /// What it wrote, with U+FFFD in the place of what is not UTF-8.
+    /// Standard output and standard error, with U+FFFD in place of invalid UTF-8.
     std::string output;
     std::string error;
-    /// It ran too long, or `mayGoOn` said no, and it was stopped.
+    /// True if the program was stopped, because of the timeout or because `mayGoOn` returned false.
     bool timedOut = false;
 
     bool operator==(const Output&) const = default;
   };
 
-  /// Asked several times a second while a program runs; false stops it as if its time were over.
+  /// Called several times a second while a program runs; false stops the program like a timeout.
   using MayGoOn = std::function<bool()>;
 
   struct Run {
-    /// A name that is searched for, or an absolute path.
+    /// A name to look up on the search path, or an absolute path.
     std::string program;
     std::vector<std::string> arguments;
     Seconds timeout{0};
-    /// Variables to set. Others that differ from one of them in letter case only are dropped.
+    /// Environment variables to set. Variables whose names differ only in letter case are removed.
     std::map<std::string, std::string> environment = {};
     MayGoOn mayGoOn = {};
   };
@@ -54,28 +54,29 @@ class Shell {
     MayGoOn mayGoOn = {};
   };
 
-  /// How long a program that was asked to end may take before it is killed.
+  /// The time between SIGTERM and SIGKILL when a program is stopped.
   static constexpr std::chrono::seconds grace{2};
 
-  /// The shell of the user of this process.
+  /// A shell with the search path for the user of this process.
   Shell();
   explicit Shell(ProgramPlaces places);
-  /// Looks for programs in these folders and nowhere else.
+  /// Looks for programs only in these folders.
   explicit Shell(std::vector<std::string> searchPath);
 
-  /// The folders that are searched, worked out on first use and kept: a tool installed later is found by the
-  /// next shell.
+  /// The folders in which programs are looked up. Determined on first use and then kept, so only a new shell
+  /// finds tools in folders that appear later.
   const std::vector<std::string>& searchPath() const;
 
-  /// The full path of a program; absent when none of that name can be executed.
+  /// The full path of a program; absent if no executable file of that name is found.
   std::optional<std::string> which(const std::string& name) const;
 
-  /// Runs a program on a thread of its own, in this process's environment with `PATH` as searched here and
-  /// without the variables of git (GIT_DIR and the like), which would lead git to another repository.
-  /// Absent when it cannot be found or started. The future may be dropped; the run then ends by itself.
+  /// Runs a program on its own thread. The program gets this process's environment with `PATH` set to the
+  /// search path, and without variables such as GIT_DIR, which would direct git to another repository. The
+  /// result is absent if the program cannot be found or started. The future may be dropped; the program then
+  /// runs to its end.
   std::future<std::optional<Output>> run(Run run) const;
 
-  /// Runs a program and waits for it, for no more than the timeout and the grace. Absent when it cannot be
+  /// Runs a program and waits until it ends, at most `timeout` plus `grace`. Absent if the program cannot be
   /// started.
   static std::optional<Output> execute(const Execution& execution);
 

@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t readSize = 65'536;
 constexpr std::chrono::milliseconds longestPoll{200};
-// Longer than anybody waits, and far from where a clock overflows.
+// About 30 years: a longer timeout could overflow the clock.
 constexpr Seconds longestTimeout{1e9};
 
 struct Pipe {
@@ -29,7 +29,7 @@ struct Pipe {
   FileHandle writing;
 };
 
-// Above the three standard descriptors, which the child's own take the place of.
+// Moves a descriptor above the three standard ones, which the child replaces by its own.
 FileHandle aboveStandard(int number) {
   FileHandle given{number};
   if (number > STDERR_FILENO) return given;
@@ -44,7 +44,7 @@ std::optional<Pipe> makePipe() {
   return made;
 }
 
-// The strings of a null-terminated array of C strings, and the array.
+// A null-terminated array of C strings that owns the strings.
 class WordList {
  public:
   explicit WordList(std::vector<std::string> words) : words_(std::move(words)) {
@@ -71,7 +71,7 @@ WordList variablesOf(const Shell::Execution& execution) {
   return WordList{std::move(words)};
 }
 
-// What the child does to itself before it becomes the program.
+// What posix_spawn does in the child before it starts the program.
 class SpawnSetup {
  public:
   SpawnSetup() {
@@ -85,7 +85,7 @@ class SpawnSetup {
   SpawnSetup(const SpawnSetup&) = delete;
   SpawnSetup& operator=(const SpawnSetup&) = delete;
 
-  // No input, the two outputs, nothing else.
+  // Connects standard input to /dev/null and the outputs to the pipes; closes all other descriptors.
   bool connect(const FileHandle& output, const FileHandle& error) {
     return posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0) == 0 &&
            posix_spawn_file_actions_adddup2(&actions_, output.get(), STDOUT_FILENO) == 0 &&
@@ -93,7 +93,7 @@ class SpawnSetup {
            posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1) == 0;
   }
 
-  // A process group of its own, and none of what this process does about signals.
+  // Gives the child its own process group and the default signal handling.
   bool separate() {
     sigset_t none{};
     sigset_t all{};
@@ -121,7 +121,7 @@ class SpawnSetup {
   posix_spawnattr_t attributes_{};
 };
 
-// One output of the child and what has come of it.
+// An output of the child, and the text read from it so far.
 struct Stream {
   FileHandle reading;
   std::string text;
@@ -136,15 +136,15 @@ void readSome(Stream& stream, std::vector<char>& buffer) {
   }
 }
 
-// Reads both outputs as they come, so that neither can fill up and hold the child; false when the deadline or
-// a stop came first.
+// Reads both outputs in parallel, because the child would block on a full pipe; false if the deadline or a
+// stop ended the reading.
 bool readToTheEnd(std::array<Stream, 2>& streams, Clock::time_point deadline, const Shell::MayGoOn& mayGoOn) {
   std::vector<char> buffer(readSize);
   while (streams[0].reading || streams[1].reading) {
     if (mayGoOn && !mayGoOn()) return false;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() <= 0) return false;
-    // A closed one is a negative number here, which is passed over.
+    // A closed handle is -1, which poll() ignores.
     std::array<pollfd, 2> watched{pollfd{streams[0].reading.get(), POLLIN, 0},
                                   pollfd{streams[1].reading.get(), POLLIN, 0}};
     const int ready =
@@ -158,8 +158,8 @@ bool readToTheEnd(std::array<Stream, 2>& streams, Clock::time_point deadline, co
   return true;
 }
 
-// Asks the child's group to end, and kills what is left of it. The child is not reaped before that, so the
-// number is still that of its group.
+// Asks the child's process group to end, then kills the rest of the group. The child is reaped only later, so
+// its number still identifies the group.
 void stop(pid_t child) {
   kill(-child, SIGTERM);
   waitForExit(child, Clock::now() + Shell::grace);
@@ -196,7 +196,7 @@ std::optional<Shell::Output> Shell::execute(const Execution& execution) {
                                 Stream{std::move(error->reading), {}}};
   bool inTime = readToTheEnd(streams, deadline, execution.mayGoOn);
   for (Stream& stream : streams) stream.reading.close();
-  // The deadline also holds for a child that closes its outputs and lives on.
+  // A child may close its outputs and keep running: the deadline applies here too.
   inTime = inTime && waitForExit(*child, deadline);
   if (!inTime) stop(*child);
   return Output{.status = reap(*child),

@@ -16,7 +16,7 @@ std::optional<DevTools::ToolAnswer> answerOf(const Shell& shell, Shell::Run run)
                               .timedOut = output->timedOut};
 }
 
-// Runs git on a working tree; absent where it fails.
+// The output of a git command in a working tree; absent if git fails.
 std::optional<std::string> outputOfGit(const Shell& shell, const std::string& workingTree,
                                        const std::vector<std::string>& command) {
   std::vector<std::string> arguments = gitArguments(workingTree);
@@ -26,10 +26,10 @@ std::optional<std::string> outputOfGit(const Shell& shell, const std::string& wo
   return answer->output;
 }
 
-// The options that turn off the programs through which a repository filters the contents of its files. Those
-// of the user's own settings stay.
+// Git options that disable the filter programs (filter.*) in the repository's own configuration, so that git
+// does not run them. Filters in the system's and the user's configuration stay enabled.
 std::vector<std::string> withoutFilters(const Shell& shell, const std::string& workingTree) {
-  // Fails where there are none. Scope and name in turn.
+  // Prints scope and name of each filter, alternating; git fails if there are none.
   const auto output = outputOfGit(
       shell, workingTree, {"config", "--null", "--show-scope", "--name-only", "--get-regexp", "^filter\\."});
   const auto words = pieces(output ? *output : std::string_view{}, '\0');

@@ -9,8 +9,8 @@
 
 namespace spacemint {
 
-/// Runs the programs that know their own data best, such as docker, npm and git, and reads their answers.
-/// Each call blocks until its program has ended or was stopped; any thread.
+/// Runs tools such as docker, npm and git and reads their output. Each call blocks until the tool ends or is
+/// stopped; any thread.
 class ToolRuns {
  public:
   static constexpr Seconds cleanupTimeout{900};
@@ -18,18 +18,18 @@ class ToolRuns {
 
   explicit ToolRuns(Shell shell) : shell_(std::move(shell)) {}
 
-  /// Absent when the program cannot be found or started.
+  /// Runs a query and returns the tool's answer; absent if the tool cannot be found or started.
   std::optional<DevTools::ToolAnswer> ask(const DevTools::ToolQuery& query) const;
 
-  /// Runs a program that cleans up; why it did not, or nothing.
+  /// Runs a clean-up command. Returns the failure, or nothing on success.
   std::optional<CleanupFailure> clean(const ToolCommand& command,
                                       const CleanupContext::MayGoOn& mayGoOn = {}) const;
 
-  /// How many files of a working tree git calls changed; absent where git could not be asked. No program that
-  /// the repository names is started, and nothing in it is written.
+  /// The number of files in a working tree that git reports as changed; absent if git failed. Starts no
+  /// programs from the repository's configuration and writes nothing to the repository.
   std::optional<int> uncommittedChanges(const std::string& workingTree) const;
 
-  /// Lets clean-ups run their tools through this object, of which they get a copy.
+  /// Sets the functions of `context` that run tools; they use a copy of this object.
   void serve(CleanupContext& context) const;
 
  private:

@@ -1,5 +1,5 @@
-// The least that a program with Qt Quick takes: a window with nothing in it, drawn by software. It says so
-// when the window was drawn, and waits to be ended.
+// Shows an empty Qt Quick window with software rendering, to measure the least memory that a Qt Quick program
+// needs. Prints "drawn" after the first frame and runs until it is killed.
 
 #include <QGuiApplication>
 #include <QQmlComponent>

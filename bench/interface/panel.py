@@ -1,5 +1,5 @@
-"""How soon the status item and the panel are there, and what the hidden program costs: the program itself on a
-virtual screen with a status area, worked by the mouse.
+"""Measures how soon the status item and the panel are shown, and the memory and wake-ups of the hidden program. Runs
+the real program on a virtual screen with a status area and operates it with the mouse.
 
 usage: panel.py SPACEMINT EMPTY_WINDOW"""
 
@@ -16,7 +16,7 @@ from session import Session, wait_until  # noqa: E402
 
 SPACEMINT, EMPTY_WINDOW = sys.argv[1:3]
 SETTINGS = {"hasStarted": True, "warningThresholdGB": 1, "scope": "home"}
-# Each frame of Qt Quick with the time since the machine started.
+# Makes Qt Quick log each frame with the time since the machine started.
 FRAMES = {"QT_LOGGING_RULES": "qt.scenegraph.time.renderloop=true",
           "QT_MESSAGE_PATTERN": "%{time boot} %{message}"}
 
@@ -61,8 +61,8 @@ def say(what, figure):
 
 
 def start(app, rounds=5):
-    """From the start of the process to the pixels in the status area, and from the first click to the first frame;
-    the first round warms the machine. The last round's program goes on."""
+    """Measures the time from the start of the process to the drawn status item, and from the first click to the first
+    frame. The first round only fills caches and is not counted. The program of the last round keeps running."""
     times = []
     for left in reversed(range(rounds + 1)):
         begin = now()

@@ -1,6 +1,6 @@
-"""Whether the program stays as small as it began: half an hour on a virtual screen in which the panel is opened and
-closed five hundred times, and each minute has a scan, a clean-up, an emptied Trash, and time enough hidden for the
-interface to be released. Memory, descriptors and threads are drawn over the time.
+"""Checks if the program's memory grows over half an hour on a virtual screen. Opens and closes the panel five hundred
+times; every minute makes a scan and a clean-up, empties the Trash, and keeps the panel hidden until the interface is
+released. Plots memory, descriptors and threads over time.
 
 usage: soak.py SPACEMINT PLOT.svg [MINUTES]"""
 
@@ -39,7 +39,7 @@ plot '-' with lines lc rgb '#1a7f5a' title 'resident', \
 
 
 class Meter(threading.Thread):
-    """Reads every two seconds what the program takes."""
+    """Reads the program's memory, descriptors and threads every two seconds."""
 
     def __init__(self, pid):
         super().__init__(daemon=True)
@@ -55,7 +55,7 @@ class Meter(threading.Thread):
                 figures = [int(fields[name].split()[0]) for name in ("VmRSS", "RssAnon", "Threads")]
                 descriptors = len(os.listdir(self.process / "fd"))
             except (OSError, KeyError):
-                return  # it has ended, which whoever works it finds out
+                return  # the program has ended; the main thread will notice
             self.samples.append(((time.monotonic() - begin) / 60, figures[0] / 1000, figures[1] / 1000, descriptors,
                                  figures[2]))
 
@@ -67,7 +67,7 @@ class Meter(threading.Thread):
                            check=True)
 
     def say(self):
-        """The middle and the extremes of a third of the time beside those of another."""
+        """Prints the median, minimum and maximum of each third of the time."""
         third = len(self.samples) // 3
         for name, column in (("MB resident", 1), ("MB its own", 2), ("descriptors", 3), ("threads", 4)):
             parts = [[sample[column] for sample in self.samples[i * third:(i + 1) * third]] for i in range(3)]
@@ -85,7 +85,7 @@ class Soak:
         self.opened = self.scans = self.cleaned = 0
 
     def fill(self):
-        """Some letters, and a package manager that keeps a cache and empties it when it is told to."""
+        """Creates letters, and a fake pip3 that empties its cache on "cache purge"."""
         for folder in range(400):
             (self.home / f"letters/{folder}").mkdir(parents=True)
             for letter in range(50):
@@ -161,7 +161,7 @@ class Soak:
         for _ in range(OPENED_A_MINUTE - 1):
             self.open()
             self.close()
-        # Hidden for half a minute, the interface is released. It is late only on a busy machine.
+        # The interface is released after half a minute hidden: wait for that even on a busy machine.
         time.sleep(max(end - time.monotonic(), 35))
 
     def run(self):

@@ -1,5 +1,4 @@
-// Does the interface keep up with the person? A scan of 100,000 nodes in the panel, drawn without a graphics
-// card.
+// Measures how fast the panel reacts with a scan of 100,000 nodes and software rendering.
 
 #include "Spacemint/views/Ui.h"
 #include "support/FakeDesktop.h"
@@ -43,7 +42,7 @@ class NoJournal final : public EventJournal {
   }
 };
 
-// A folder of 5,000 children, and 95,000 nodes besides, many of which are in the way of somebody's disk.
+// A folder of 5,000 children, and 95,000 further nodes, many of them in folders that the suggestions list.
 Node homeTree(const std::string& home, Bytes grownBy) {
   std::vector<Node> top;
   std::vector<Node> many;
@@ -73,7 +72,7 @@ void print(const std::string& name, double milliseconds, double limit) {
             << std::endl;
 }
 
-/// The whole program but its windows, over a scan that was never made.
+/// The whole program without its windows, with stored scans of a generated tree.
 class Application {
  public:
   Application() {
@@ -134,7 +133,7 @@ class Panel {
     for (int i = 0; i < 10; ++i) frameAfter([&] { view_.update(); });
   }
 
-  /// From a change to the end of the first frame that shows it, in milliseconds.
+  /// Calls `change` and returns the milliseconds until the next frame is drawn.
   double frameAfter(const std::function<void()>& change) {
     QEventLoop loop;
     QElapsedTimer time;
@@ -157,7 +156,7 @@ class Panel {
     QCoreApplication::sendEvent(&view_, &move);
   }
 
-  /// What scrolls in the tab that is shown.
+  /// The scrollable item of the current tab; null if there is none.
   QQuickItem* scrollable() { return scrollableIn(*view_.contentItem()); }
 
  private:
@@ -181,7 +180,7 @@ struct Scrolling {
   double step;
 };
 
-// A frame is all that happens from the moment the content moves until it is drawn.
+// Measures frames while the tab scrolls: a frame lasts from the change of the position until it is drawn.
 void scroll(Panel& panel, AppModel& model, const Scrolling& scrolling) {
   panel.frameAfter([&] { model.setTab(scrolling.tab); });
   QQuickItem* view = panel.scrollable();
@@ -231,7 +230,7 @@ void run() {
 }  // namespace spacemint
 
 int main(int argc, char** argv) {
-  // A frame begins when something has changed, and not a while later.
+  // Draw a frame immediately after a change.
   qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);

@@ -4,7 +4,7 @@
 
 namespace spacemint {
 
-/// True when more than `days` lie between a date and `now`.
+/// True if `date` is more than `days` days before `now`.
 inline bool isOlder(Date date, Date now, double days) {
   return Seconds{timeBetween(date, now)} > Seconds{days * 86'400};
 }

@@ -13,8 +13,8 @@ namespace {
 
 constexpr double explainingShare = 0.6;
 
-// The children of a folder in the earlier scan by name. Only folders that grew are ever looked into, so this
-// costs far less than a map of the whole earlier tree.
+// The children of a folder in the earlier scan, by name. The map is built only for folders that grew, which
+// is much cheaper than one map of the whole earlier tree.
 class EarlierChildren {
  public:
   explicit EarlierChildren(const Node* folder) {
@@ -26,7 +26,7 @@ class EarlierChildren {
     }
   }
 
-  // The child of exactly these bytes, else one that is spelt differently only.
+  // The child whose name has exactly these bytes; otherwise a child whose name is canonically equal.
   const Node* find(const std::string& name) const {
     if (const auto found = byName_.find(name); found != byName_.end()) return found->second;
     if (isAscii(name) || byCanonicalName_.empty()) return nullptr;
@@ -39,7 +39,7 @@ class EarlierChildren {
   std::unordered_map<std::string, const Node*> byCanonicalName_;
 };
 
-// A node of the newer tree beside the one of the same path in the earlier tree, null where there is none.
+// A node of the newer tree and the node at the same path in the earlier tree (null if there is none).
 struct Pair {
   const Node* node;
   const Node* earlier;
@@ -62,7 +62,7 @@ std::vector<Pair> childPairs(const Pair& pair) {
   return children;
 }
 
-// Whether one child accounts for so much of the folder's growth that the folder says nothing more.
+// True if one child accounts for at least `explainingShare` of the folder's growth.
 bool isExplainedByOne(const std::vector<Pair>& children, Bytes delta) {
   Bytes largest = 0;
   if (!children.empty()) largest = std::ranges::max_element(children, {}, &Pair::delta)->delta;
@@ -90,7 +90,7 @@ std::vector<Growth> Changes::growth(const GrowthArguments& arguments) {
           {pair.path, pair.delta, pair.node->size, pair.node->isDirectory, pair.earlier == nullptr});
       continue;
     }
-    // Last first, so that they are taken in stored order.
+    // Push in reverse, so that the stack yields the children in stored order.
     for (Pair& child : children | std::views::reverse) {
       if (child.delta < arguments.minimum) continue;
       child.path = Paths::join(pair.path, child.node->name);

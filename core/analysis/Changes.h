@@ -7,10 +7,10 @@
 
 namespace spacemint {
 
-/// A folder or file that explains where space went.
+/// A folder or file that grew between two scans. Sizes are in bytes.
 struct Growth {
   std::string path;
-  /// New size minus old size; a place without an old size counts from 0.
+  /// New size minus old size. The old size is 0 if the earlier scan has no entry.
   Bytes delta = 0;
   Bytes size = 0;
   bool isDirectory = false;
@@ -21,7 +21,7 @@ struct Growth {
   bool operator==(const Growth&) const = default;
 };
 
-/// What changed between two scans of the same folder.
+/// Compares two scans of the same folder. Pure; any thread.
 namespace Changes {
 
 struct GrowthArguments {
@@ -31,10 +31,10 @@ struct GrowthArguments {
   std::size_t limit = 0;
 };
 
-/// The places that grew by at least `minimum`, largest growth first, at most `limit`. A folder whose growth
-/// is explained by one of its children (60 % of it or more) gives way to that child, so no place is listed
-/// together with one inside it. Nothing for scans of different folders, and nothing when the whole grew by
-/// less than `minimum`.
+/// The folders and files that grew by at least `minimum` bytes, largest growth first, at most `limit`. If one
+/// child accounts for 60 % or more of a folder's growth, the children are listed in place of the folder; so a
+/// result never contains another result. Empty if the scans have different roots, or if the root grew by less
+/// than `minimum`.
 std::vector<Growth> growth(const GrowthArguments& arguments);
 
 }  // namespace Changes

@@ -9,22 +9,22 @@
 
 namespace spacemint {
 
-/// What developers' tools keep on the disk.
+/// The caches of development tools.
 namespace DevTools {
 
-/// A known cache that the scan has found.
+/// A cache of the table `cleanupTargets` that is in the scan.
 struct FoundCleanup {
   const CleanupTarget* target = nullptr;
   /// Full path in the scan tree.
   std::string path;
-  /// What the folder takes. A tool's command may free less.
+  /// The folder's size. The tool's own clean-up command may free less.
   Bytes size = 0;
 
   std::string_view id() const { return target->id; }
   bool operator==(const FoundCleanup&) const = default;
 };
 
-/// All known caches.
+/// All caches that the product knows, found or not.
 constexpr std::span<const CleanupTarget> cleanups() {
   return cleanupTargets;
 }
@@ -36,8 +36,8 @@ struct CleanupsArguments {
   Environment environment = {};
 };
 
-/// The caches of at least `minimum` bytes, largest first. Where a target has several folders it is the
-/// largest of them.
+/// The caches of at least `minimum` bytes in a scan, largest first. If a target has several folders, the
+/// result is the largest of them. Pure; any thread.
 std::vector<FoundCleanup> cleanups(const CleanupsArguments& arguments);
 
 }  // namespace DevTools

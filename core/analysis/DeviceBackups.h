@@ -11,7 +11,7 @@
 
 namespace spacemint {
 
-/// A backup of a phone or tablet.
+/// A backup of a phone or tablet in a scan.
 struct DeviceBackup {
   /// The backup's folder in the scan tree.
   std::string path;
@@ -23,7 +23,7 @@ struct DeviceBackup {
   Bytes size = 0;
 
   const std::string& id() const { return path; }
-  /// True when it was last written more than `after` days before `now`; false when that is not known.
+  /// True if the last backup was made more than `after` days before `now`; false if the date is not known.
   bool isOld(Date now, double after) const;
 
   bool operator==(const DeviceBackup&) const = default;
@@ -31,11 +31,11 @@ struct DeviceBackup {
 
 namespace DeviceBackups {
 
-/// The folder of backups under the home folder; each backup is a folder in it.
+/// The folder of all backups, relative to the home folder. Each backup is a folder in this folder.
 inline constexpr std::string_view relativePath = "Library/Application Support/MobileSync/Backup";
 
-/// What the backup in a folder says of itself, from its file "Info.plist"; absent when that cannot be read or
-/// understood, or is larger than `infoLimit`.
+/// Reads the file "Info.plist" of the backup in `folder`; absent if the file cannot be read or parsed, or is
+/// larger than `infoLimit` bytes. Blocks for disk reads; any thread.
 std::optional<PropertyDictionary> readInfo(const std::string& folder);
 inline constexpr std::size_t infoLimit = std::size_t{32} << 20U;
 
@@ -46,7 +46,8 @@ struct FindArguments {
       DeviceBackups::readInfo;
 };
 
-/// The backups of a scan, largest first, also those without a readable description. Reads one file of each.
+/// The backups in a scan, largest first, also those whose "Info.plist" cannot be read. Calls `readInfo` once
+/// for each backup.
 std::vector<DeviceBackup> find(const FindArguments& arguments);
 
 }  // namespace DeviceBackups

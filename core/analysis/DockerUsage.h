@@ -8,15 +8,15 @@
 
 namespace spacemint::DevTools {
 
-/// The space that one kind of Docker's data takes.
+/// The disk usage of one type of Docker's data. Sizes are in bytes.
 struct DockerUsage {
-  /// As Docker names it: images, containers, "Local Volumes", build cache.
+  /// Docker's name of the type: "Images", "Containers", "Local Volumes", "Build Cache".
   std::string type;
   std::int64_t count = 0;
-  /// How many are in use.
+  /// How many of `count` are in use.
   std::int64_t active = 0;
   Bytes size = 0;
-  /// What pruning can free.
+  /// How much `docker system prune` can free.
   Bytes reclaimable = 0;
 
   const std::string& id() const { return type; }
@@ -25,11 +25,11 @@ struct DockerUsage {
   bool operator==(const DockerUsage&) const = default;
 };
 
-/// The output of `docker system df --format {{json .}}`, a JSON object a line, in its order. A line that
-/// cannot be read is skipped; a figure that cannot be read, or a negative size, becomes 0.
+/// Parses the output of `docker system df --format {{json .}}`: one JSON object per line, results in the same
+/// order. Lines that cannot be parsed are skipped; numbers that cannot be parsed and negative sizes become 0.
 std::vector<DockerUsage> parseDockerDF(std::string_view text);
 
-/// True when Docker's error text says that its service does not answer.
+/// True if Docker's error output says that its daemon does not answer.
 bool isConnectionError(std::string_view text);
 
 }  // namespace spacemint::DevTools

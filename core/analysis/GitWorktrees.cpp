@@ -16,10 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Each of git's files read here holds one line with one path or name.
+// Every file that this code reads holds one line with one path or name. Sizes in bytes.
 constexpr std::size_t fileLimit = 16'384;
 
-// Administrative folders are REPOSITORY/.git/worktrees/NAME.
+// True for a path of the form REPOSITORY/.git/worktrees/NAME, git's administrative folder of a worktree.
 bool isWorktreeFolder(const fs::path& administrative) {
   const fs::path worktrees = administrative.parent_path();
   return administrative.has_filename() && worktrees.filename() == "worktrees" &&
@@ -31,14 +31,14 @@ std::optional<std::string> fileText(const fs::path& path) {
   return text ? std::optional{std::move(*text)} : std::nullopt;
 }
 
-// A path that one of git's files names, relative to the folder that the file is in.
+// The path written in one of git's files, resolved against the file's folder.
 std::optional<fs::path> namedPath(const fs::path& file) {
   const auto text = fileText(file);
   if (!text || trimmed(*text).empty()) return std::nullopt;
   return file.parent_path() / trimmed(*text);
 }
 
-// Without links, "." and ".."; a path that leads nowhere stays as it is beyond where it ends.
+// The path without symbolic links, "." and "..". The part of the path that does not exist is kept as it is.
 std::optional<fs::path> resolved(const fs::path& path) {
   if (mayHang(path.string())) return std::nullopt;
   std::error_code failure;
@@ -52,7 +52,7 @@ bool leadToTheSame(const std::optional<fs::path>& a, const fs::path& b) {
   return left && left == resolved(b);
 }
 
-// False where that cannot be found out: only what is known to be gone makes an orphan.
+// False on an error: a worktree counts as orphaned only if its repository is known to be gone.
 bool isGone(const fs::path& path) {
   std::error_code failure;
   return fs::status(path, failure).type() == fs::file_type::not_found;
@@ -100,7 +100,7 @@ std::optional<GitWorktree> GitWorktrees::inspect(const std::string& path, Bytes 
     worktree.isOrphaned = true;
     return worktree;
   }
-  // A copied worktree names the original's folder, which does not name the copy.
+  // A copied worktree refers to the original's administrative folder, which does not refer back to the copy.
   if (!leadToTheSame(namedPath(administrative / "gitdir"), gitFile)) return std::nullopt;
   const fs::path repository = administrative.parent_path().parent_path();
   if (!leadToTheSame(namedPath(administrative / "commondir"), repository)) return std::nullopt;
@@ -119,7 +119,7 @@ std::expected<std::vector<std::string>, int> GitWorktrees::nestedIn(const std::s
   for (fs::recursive_directory_iterator at(path, skipClosed, failure), end; !failure && at != end;
        at.increment(failure)) {
     if (at->path().filename() != ".git") continue;
-    // Nothing below a repository's own folder is a working tree.
+    // A ".git" folder contains no working trees.
     at.disable_recursion_pending();
     if (at.depth() > 0) found.push_back(at->path().parent_path().string().substr(path.size() + 1));
   }

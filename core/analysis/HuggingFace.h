@@ -12,7 +12,7 @@ namespace spacemint::DevTools {
 
 /// A repository, or another folder, in the cache of the Hugging Face tools.
 struct HuggingFaceItem {
-  /// owner/name, or the label of a folder that is no repository.
+  /// OWNER/NAME, or a label for a folder that is no repository.
   std::string repo;
   /// "Model", "Dataset", "Space" or "Cache folder".
   std::string kind;
@@ -23,7 +23,7 @@ struct HuggingFaceItem {
   const std::string& id() const { return path; }
   /// The last part of `repo`.
   std::string name() const;
-  /// All of `repo` before its last "/", if it has one.
+  /// The part of `repo` before its last "/"; absent without a "/".
   std::optional<std::string> owner() const;
 
   bool operator==(const HuggingFaceItem&) const = default;
@@ -36,7 +36,8 @@ struct HuggingFaceRepository {
   bool operator==(const HuggingFaceRepository&) const = default;
 };
 
-/// What a folder of the hub is called: "models--owner--name" is the model owner/name.
+/// Parses the name of a folder in the hub: "models--owner--name" is the model owner/name. Absent for any
+/// other name.
 std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view name);
 
 struct HuggingFaceArguments {
@@ -45,7 +46,7 @@ struct HuggingFaceArguments {
   Environment environment = {};
 };
 
-/// The folders of the cache, largest first.
+/// The folders of the cache in a scan, largest first. Pure; any thread.
 std::vector<HuggingFaceItem> huggingFace(const HuggingFaceArguments& arguments);
 
 }  // namespace spacemint::DevTools

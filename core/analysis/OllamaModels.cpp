@@ -12,7 +12,7 @@ namespace spacemint::DevTools {
 
 namespace {
 
-// Columns lie two spaces or more apart; a single space belongs to the text.
+// Two or more spaces separate the columns; a single space belongs to a column's text.
 std::vector<std::string> columns(std::string_view line) {
   constexpr std::string_view gap = "  ";
   std::vector<std::string> pieces;

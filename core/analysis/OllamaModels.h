@@ -8,19 +8,19 @@
 
 namespace spacemint::DevTools {
 
-/// A model that Ollama keeps.
+/// A model in Ollama's store.
 struct OllamaModel {
-  /// With its tag.
+  /// The name with the tag, such as "llama3:8b".
   std::string name;
   Bytes size = 0;
-  /// How long ago it was changed, in Ollama's words.
+  /// The age in Ollama's words, such as "3 weeks ago".
   std::string modified;
 
   const std::string& id() const { return name; }
   bool operator==(const OllamaModel&) const = default;
 };
 
-/// The output of `ollama list`, largest first. Lines that are not understood are skipped.
+/// Parses the output of `ollama list`; largest model first. Lines that cannot be parsed are skipped.
 std::vector<OllamaModel> parseOllamaList(std::string_view text);
 
 }  // namespace spacemint::DevTools

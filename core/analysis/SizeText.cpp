@@ -22,15 +22,15 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Any character beyond ASCII is taken for a letter: no unit has one.
+// Bytes beyond ASCII count as letters, so that a unit with such a byte is unknown.
 bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// Takes a decimal number off the front of the text.
+// Removes a decimal number from the front of `text` and returns the number.
 std::optional<double> takeNumber(std::string_view& text) {
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  // Words such as "inf" are numbers to the library.
+  // std::from_chars would accept words such as "inf".
   const std::size_t first = text.find_first_not_of("-.");
   if (first == std::string_view::npos || !isDigit(text[first])) return std::nullopt;
   double value = 0;

@@ -7,9 +7,9 @@
 
 namespace spacemint::DevTools {
 
-/// The bytes that a tool's text names, such as "4.7 GB", "1.5GiB" or "512"; what follows the unit does not
-/// count. Units go up to TB and GiB. Absent for a text without a number, with another unit, or of more than
-/// 64 bits.
+/// The number of bytes in a tool's text such as "4.7 GB", "1.5GiB" or "512". Ignores text after the unit.
+/// Known units are B, KB, MB, GB, TB, KiB, MiB and GiB, in any letter case. Absent without a number, with an
+/// unknown unit, or if the result exceeds 64 bits.
 std::optional<Bytes> parseSize(std::string_view text);
 
 }  // namespace spacemint::DevTools

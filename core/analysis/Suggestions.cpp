@@ -19,7 +19,7 @@ Bytes sum(const Locations& locations) {
   return total;
 }
 
-// A table's row with what was found for it.
+// A suggestion from a row of one of the tables and the locations that were found.
 template <class Row>
 Suggestion suggestion(const Row& row, Locations locations) {
   return {.id = std::string{row.id},
@@ -40,7 +40,7 @@ std::vector<Suggestion> wellKnownPlaces(const PlaceFinder& finder) {
   return found;
 }
 
-// What lies inside a project folder belongs to it and is not looked at.
+// Does not look inside a project folder for other project folders: the outer folder's size includes them.
 std::vector<Suggestion> projectFoldersIn(const Node& root) {
   std::array<Locations, projectFolders.size()> locations;
   walkTree(root, [&](const std::string& path, const Node& node) {
@@ -88,7 +88,7 @@ std::optional<Suggestions::TrashInfo> Suggestions::trash(const TrashArguments& a
   const auto trash = plainTrash ? plainTrash : finder.findOne({"$data/Trash"});
   if (!trash) return std::nullopt;
   TrashInfo info{.path = trash->path, .size = trash->node->size, .hiddenItems = {}};
-  // In the second form the items lie in a folder of their own beside what is noted about them.
+  // A Trash in the data folder keeps its items in "files", next to "info" with the notes about the items.
   const Node* items = plainTrash ? trash->node : trash->node->child("files");
   if (items == nullptr) return info;
   const std::string itemsPath = plainTrash ? trash->path : Paths::join(trash->path, items->name);

@@ -10,7 +10,7 @@
 
 namespace spacemint {
 
-/// A place, or several of one kind, where space can be freed.
+/// One or several places of the same kind where the user can free space.
 struct Suggestion {
   struct Location {
     /// Full path in the scan tree.
@@ -21,21 +21,21 @@ struct Suggestion {
     bool operator==(const Location&) const = default;
   };
 
-  /// Stable key, such as "downloads".
+  /// A key that never changes, such as "downloads".
   std::string id;
   std::string title;
   std::string advice;
-  /// Name of the icon.
+  /// The name of the icon.
   std::string symbol;
   std::vector<Location> locations;
 
-  /// Sum of the locations.
+  /// The sum of the locations' sizes, in bytes.
   Bytes size() const;
 
   bool operator==(const Suggestion&) const = default;
 };
 
-/// Where to free up space, read from a finished scan. Nothing here touches the disk.
+/// Finds places to free space in a finished scan. Reads no disk; any thread.
 namespace Suggestions {
 
 /// The Trash of a scan.
@@ -57,8 +57,8 @@ struct FindArguments {
   Environment environment = {};
 };
 
-/// What takes at least `minimum` bytes, all locations of a suggestion together: well-known places, and
-/// project folders anywhere in the tree. Largest first.
+/// The suggestions whose locations together take at least `minimum` bytes, largest first: well-known places,
+/// and project folders anywhere in the tree.
 std::vector<Suggestion> find(const FindArguments& arguments);
 
 struct TrashArguments {
@@ -67,7 +67,7 @@ struct TrashArguments {
   Environment environment = {};
 };
 
-/// The user's Trash; absent when it is not in the tree.
+/// The user's Trash; absent if the Trash is not in the tree.
 std::optional<TrashInfo> trash(const TrashArguments& arguments);
 
 }  // namespace Suggestions

@@ -14,7 +14,7 @@
 
 namespace spacemint::DevTools {
 
-/// The command that asks a tool what it stores, and how long the answer may take.
+/// The command that lists what a tool stores, and the time limit for the command.
 struct ToolQuery {
   std::string_view program;
   std::span<const std::string_view> arguments;
@@ -26,7 +26,7 @@ inline constexpr ToolQuery dockerQuery{"docker", dockerArguments, std::chrono::s
 inline constexpr std::array<std::string_view, 1> ollamaArguments{"list"};
 inline constexpr ToolQuery ollamaQuery{"ollama", ollamaArguments, std::chrono::seconds{15}};
 
-/// What a tool answered.
+/// The result of running a tool.
 struct ToolAnswer {
   /// The exit status.
   std::int32_t status = 0;
@@ -35,38 +35,38 @@ struct ToolAnswer {
   bool timedOut = false;
 };
 
-/// What is known of a tool.
+/// The state of a tool as far as the product knows.
 template <class Payload>
 struct ToolState {
   enum class Kind : std::uint8_t {
-    /// It answered.
+    /// The tool answered.
     ready,
-    /// It answered with an error.
+    /// The tool answered with an error.
     failed,
-    /// Never asked.
+    /// No query was made yet.
     unknown,
-    /// It is being asked, and there is no earlier answer.
+    /// The first query is running.
     checking,
-    /// It cannot be found or started.
+    /// The tool cannot be found or started.
     notInstalled,
-    /// Its service does not answer, or not in time.
+    /// The tool's service does not answer, or not in time.
     notRunning
   };
 
   Kind kind = Kind::unknown;
-  /// The answer, when ready.
+  /// The parsed answer, if `ready`.
   Payload payload = {};
-  /// The reason, when failed.
+  /// The reason, if `failed`.
   std::string error = {};
 
   bool operator==(const ToolState&) const = default;
 };
 
-/// The last line of a text that is not blank, without the spaces and tabs around it; "Unknown error" for a
-/// text without one.
+/// The last non-blank line of a text, trimmed; "Unknown error" if all lines are blank.
 std::string lastLine(std::string_view text);
 
-/// The state of a tool after a query; no answer at all means that it could not be started.
+/// The state of a tool after a query. `answer` is absent if the tool could not be started; `parse` turns the
+/// output of a successful query into the payload.
 template <class Parse, class State = ToolState<std::invoke_result_t<Parse, std::string_view>>>
 State toolState(const std::optional<ToolAnswer>& answer, Parse parse) {
   using Kind = typename State::Kind;

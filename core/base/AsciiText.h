@@ -6,15 +6,16 @@
 
 namespace spacemint {
 
-/// Text of programs rather than of people: white space and letter case are those of ASCII.
+/// Functions on text that programs write. White space and letter case are those of ASCII. Pure; any thread.
 
-/// Without white space and line ends at both ends.
+/// `text` without white space and line ends at its start and end. The result points into `text`.
 std::string_view trimmed(std::string_view text);
 
 std::string upperCased(std::string_view text);
 std::string lowerCased(std::string_view text);
 
-/// The parts between separators, such as the names of a path; empty parts are left out.
+/// The parts between separators, such as the names of a path, without empty parts. The results point into
+/// `text`.
 std::vector<std::string_view> pieces(std::string_view text, char separator);
 
 /// The lines of a text that are not empty.

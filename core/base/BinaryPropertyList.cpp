@@ -1,7 +1,7 @@
-// parseBinaryPropertyList. The document: an eight byte mark, objects, a table of their offsets, and a trailer
-// of 32 bytes. An object begins with a byte whose upper half is its type and whose lower half is its length;
-// 15 means that the length follows as an integer object. Arrays and sets hold references to objects,
-// dictionaries references to keys and then to values. All numbers are big endian.
+// parseBinaryPropertyList. The document consists of an eight byte mark, the objects, a table of the objects'
+// offsets, and a trailer of 32 bytes. The upper half of an object's first byte is its type, the lower half
+// its length; length 15 means that an integer object with the length follows. Arrays and sets hold references
+// to objects, dictionaries references to keys and then to values. All numbers are big endian.
 
 #include "core/base/DateSeconds.h"
 #include "core/base/PropertyList.h"
@@ -21,7 +21,8 @@ std::uint64_t number(std::string_view bytes) {
   return result;
 }
 
-// An object without its first byte, and everything that follows the object.
+// An object's first byte, taken apart. `rest` is the document from the second byte on, beyond the object's
+// end.
 struct Object {
   unsigned type = 0;
   unsigned length = 0;
@@ -90,7 +91,8 @@ class Reader {
     return Object{.type = mark >> 4U, .length = mark & 0xfU, .rest = document_.substr(start + 1)};
   }
 
-  // The number of items or characters; takes it off `rest` where it follows the first byte.
+  // The number of items or characters. If an integer object holds the number, removes that object from
+  // `rest`.
   static std::optional<std::uint64_t> takeCount(Object& object) {
     if (object.length != 0xf) return object.length;
     if (object.rest.empty()) return std::nullopt;
@@ -119,7 +121,8 @@ class Reader {
                      : static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(bits)));
   }
 
-  // Integers of 1, 2 and 4 bytes are without sign, of 8 bytes with one; of 16 bytes the lower half counts.
+  // Integers of 1, 2 and 4 bytes are unsigned, those of 8 bytes signed. Of 16 bytes only the lower 8 are
+  // used.
   static std::optional<std::int64_t> integer(const Object& object) {
     const std::size_t size = std::size_t{1} << object.length;
     if (size > 16 || size > object.rest.size()) return std::nullopt;
@@ -132,7 +135,8 @@ class Reader {
     };
     switch (object.type) {
       case simpleType:
-        return object.length == 8 || object.length == 9 ? PropertyValue{object.length == 9} : PropertyValue{};
+        if (object.length == 8 || object.length == 9) return object.length == 9;
+        return std::monostate{};
       case integerType:
         return asValue(integer(object));
       case realType:
@@ -141,17 +145,18 @@ class Reader {
         const auto seconds = real(object);
         if (!seconds) return std::nullopt;
         const auto date = dateAfter(propertyListEpoch, *seconds);
-        return date ? PropertyValue{*date} : PropertyValue{};
+        if (!date) return std::monostate{};
+        return *date;
       }
       case asciiType:
       case utf16Type:
         return asValue(string(object));
       default:
-        return PropertyValue{};
+        return std::monostate{};
     }
   }
 
-  std::string_view document_;  // without its trailer
+  std::string_view document_;  // without the trailer
   std::uint64_t offsetSize_ = 0;
   std::uint64_t referenceSize_ = 0;
   std::uint64_t objects_ = 0;

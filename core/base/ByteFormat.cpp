@@ -15,7 +15,8 @@ using icu::number::LocalizedNumberFormatter;
 
 constexpr std::array<std::string_view, 6> unitNames{"bytes", "KB", "MB", "GB", "TB", "PB"};
 
-// Making a formatter costs far more than using it, and a program shows numbers in one locale.
+// Creating a formatter costs far more than using it, and a program shows all numbers in one locale: cache the
+// formatters of the last locale.
 struct Formatters {
   explicit Formatters(const std::string& name) : locale(name), whole(make(name, 0)), tenths(make(name, 1)) {}
 
@@ -41,7 +42,7 @@ const Formatters& formatters(const std::string& locale) {
 std::string ByteFormat::string(Bytes bytes, const std::string& locale) {
   auto value = static_cast<double>(bytes);
   std::size_t unit = 0;
-  // 999.5 would round to 1,000, which belongs to the next unit.
+  // 999.5 rounds to 1,000, which is shown in the next unit.
   while (std::abs(value) >= 999.5 && unit + 1 < unitNames.size()) {
     value /= 1'000;
     ++unit;

@@ -8,8 +8,8 @@ namespace spacemint {
 /// A count of bytes allocated on disk.
 using Bytes = std::int64_t;
 
-// Byte and file counts come from files, tools and file systems, which may say anything. The sum or difference
-// of two counts is therefore the nearest 64-bit number: it never wraps and never stops the process.
+// Byte and file counts come from files, tools and file systems and may be any number. Sums and differences of
+// counts therefore saturate: a result outside 64 bits becomes the nearest 64-bit number.
 
 constexpr std::int64_t saturatingAdd(std::int64_t a, std::int64_t b) {
   using Limits = std::numeric_limits<std::int64_t>;

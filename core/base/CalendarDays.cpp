@@ -12,14 +12,14 @@ namespace {
 using std::chrono::floor;
 using std::chrono::milliseconds;
 
-// Null for an unknown name, which ICU itself takes for Greenwich.
+// Null for an unknown name. ICU would use Greenwich time for an unknown name.
 std::unique_ptr<icu::TimeZone> zoneNamed(const std::string& name) {
   std::unique_ptr<icu::TimeZone> zone{icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name))};
   if (!zone || *zone == icu::TimeZone::getUnknown()) return nullptr;
   return zone;
 }
 
-// ICU counts milliseconds; a double holds all that a Date can have.
+// ICU's time: milliseconds since 1970, as a double.
 UDate icuTime(Date date) {
   return static_cast<UDate>(floor<milliseconds>(date).time_since_epoch().count());
 }

@@ -29,7 +29,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Takes the longest run of digits, or of other characters, off the front.
+// Removes the longest run of digits (or of other characters) from the front of `text` and returns the run.
 std::string_view takeRun(std::string_view& text, bool ofDigits) {
   const auto end = std::ranges::find_if(text, [&](char c) { return isDigit(c) != ofDigits; });
   const std::string_view run{text.begin(), end};
@@ -37,7 +37,7 @@ std::string_view takeRun(std::string_view& text, bool ofDigits) {
   return run;
 }
 
-// Where a character that is no digit stands in the order; the end of the run stands at 0.
+// The rank of a non-digit in the order of versions. The end of a run has rank 0.
 int rankOf(char c) {
   constexpr int behindAllLetters = 256;
   const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');

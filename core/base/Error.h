@@ -6,9 +6,9 @@
 
 namespace spacemint {
 
-/// Why an operation failed. Code decides on `domain` and `code`; `message` is for people.
+/// Why an operation failed. Code decides on `domain` and `code`; `message` is for the user and the log.
 struct Error {
-  /// Domain of failed system calls; the code is their errno.
+  /// The domain of failed system calls; `code` is the errno.
   static constexpr std::string_view system = "system";
 
   std::string domain;
@@ -19,7 +19,8 @@ struct Error {
   bool isSystem(int errorNumber) const { return domain == system && code == errorNumber; }
 };
 
-/// The error of a failed system call: "WHAT: reason", where WHAT is normally the path it was about.
+/// The error of a failed system call. Its message is "WHAT: reason", where WHAT is normally the path that the
+/// call was given.
 Error systemError(std::string_view what, int errorNumber);
 
 }  // namespace spacemint

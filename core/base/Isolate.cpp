@@ -15,7 +15,7 @@ constexpr std::string_view leftToRight = "\u2066";
 constexpr std::string_view firstStrong = "\u2068";
 constexpr std::string_view end = "\u2069";
 
-/// Letters, and characters that are made for that: what can turn the order of what stands beside it.
+/// Directions of letters and formatting characters that can change the display order of the text beside them.
 constexpr std::array turning{U_RIGHT_TO_LEFT,           U_RIGHT_TO_LEFT_ARABIC,   U_ARABIC_NUMBER,
                              U_RIGHT_TO_LEFT_EMBEDDING, U_RIGHT_TO_LEFT_OVERRIDE, U_RIGHT_TO_LEFT_ISOLATE};
 

@@ -5,12 +5,14 @@
 
 namespace spacemint {
 
-/// A name or a path as a piece of a sentence. One in which letters run from right to left is set apart, so
-/// that the words and numbers around it keep their order; all others stay as they are.
+/// Names and paths as parts of a sentence. Text with right-to-left letters is put between Unicode isolate
+/// characters, so that the words and numbers around the text keep their order; other text stays as it is. Any
+/// thread.
 
-/// The direction of the first strong letter applies to the whole name.
+/// `name`, isolated if needed. The first strong letter decides the direction of the whole name.
 std::string isolatedName(std::string_view name);
-/// The folders of a path run from left to right, whatever letters are in their names.
+/// `path`, isolated if needed. The folders of the path are shown from left to right, whatever letters their
+/// names contain.
 std::string isolatedPath(std::string_view path);
 
 }  // namespace spacemint

@@ -21,7 +21,7 @@ std::string timeNow() {
   return text.data();
 }
 
-// The level that a value of SPACEMINT_LOG asks for; 0 for no value and for any other.
+// The log level for a value of SPACEMINT_LOG; 0 (nothing is logged) for a null or unknown value.
 std::uint8_t levelNamed(const char* name) {
   const std::string_view level = name == nullptr ? "" : name;
   if (level == "debug") return std::to_underlying(LogLevel::debug);

@@ -5,17 +5,17 @@
 
 namespace spacemint {
 
-/// The log says why the product decided as it did: why a scan walks everything, why a warning was not given,
-/// which service was missing. It goes to standard error and is off unless the environment variable
-/// SPACEMINT_LOG asks for it: "info" for decisions, "debug" for the repeated ones too.
+/// The log gives the reasons for decisions: why a scan walks everything, why no warning was shown, which
+/// service is missing. The log goes to standard error. The environment variable SPACEMINT_LOG turns the log
+/// on: "info" logs decisions, "debug" also those that are repeated often.
 enum class LogLevel : std::uint8_t { info = 1, debug = 2 };
 
-/// True when lines of this level are written. Ask before composing a costly text. Any thread.
+/// True if lines of this level are written. Call this before composing an expensive text. Any thread.
 bool isLogged(LogLevel level);
 
-/// Writes one line: the time in UTC, the program's name and `text`, whose control characters become "?". Any
-/// thread; lines of several threads and processes do not mix, because each is one write. A failed write is
-/// ignored.
+/// Writes one line: the time in UTC, the program's name and `text`, with "?" in place of control characters.
+/// Any thread: each line is a single write(), so lines of several threads and processes do not mix. A failed
+/// write is ignored.
 void log(LogLevel level, std::string_view text);
 
 }  // namespace spacemint

@@ -10,7 +10,7 @@ constexpr bool isDigit(char character) {
   return character >= '0' && character <= '9';
 }
 
-// Takes the digits at the front of `text` off it and answers them without leading zeros.
+// Removes the digits from the front of `text` and returns them without leading zeros.
 std::string_view takeNumber(std::string_view& text) {
   const auto end = static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
   std::string_view number = text.substr(0, end);

@@ -10,7 +10,7 @@ constexpr std::size_t largestDocument = std::size_t{1} << 30U;
 
 }  // namespace
 
-// UTF-16 is known by its byte order mark, or by how it writes the first "<".
+// A document is UTF-16 if it starts with a byte order mark or with "<" in UTF-16.
 std::optional<PropertyDictionary> parsePropertyList(std::string_view document,
                                                     std::span<const char* const> keys) {
   using namespace std::string_view_literals;

@@ -38,7 +38,7 @@ std::string RelativeTime::age(Date date, Date now, const std::string& locale) {
   if (number == 0) number = -0.0;  // "0 seconds ago", not "in 0 seconds"
 
   UErrorCode status = U_ZERO_ERROR;
-  // English words for English sentences; the region decides how the number is written.
+  // The interface is in English, so the words are English too; the region decides the format of the number.
   const icu::Locale english{"en", icu::Locale(locale.c_str()).getCountry()};
   const icu::RelativeDateTimeFormatter formatter{english, status};
   icu::UnicodeString text;

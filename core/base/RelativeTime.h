@@ -6,18 +6,18 @@
 
 namespace spacemint {
 
-/// How long ago something was, in English words, like the sentences that quote them. `locale` is an ICU
-/// locale identifier; only its region counts, for the number.
+/// How long ago something happened, in English words. `locale` is an ICU locale identifier; only its region
+/// is used, for the format of the number. Any thread.
 namespace RelativeTime {
 
-/// "just now" within a minute of `now`, else as `age`.
+/// "just now" if `date` is less than a minute from `now`; otherwise the text of `age`.
 std::string string(Date date, Date now, const std::string& locale);
 
-/// In the largest unit of which at least one has passed, such as "1 day ago", or "in 2 hours" for a
-/// future date. Months have 30 days and years 365.
+/// The age in the largest unit of which at least one has passed, such as "1 day ago"; "in 2 hours" for a
+/// future date. A month counts as 30 days, a year as 365.
 std::string age(Date date, Date now, const std::string& locale);
 
-/// A span up to now: "the last hour", "the last 26 hours", "the last 3 days".
+/// The period of this length that ends now: "the last hour", "the last 26 hours", "the last 3 days".
 std::string span(std::chrono::seconds length);
 
 }  // namespace RelativeTime

@@ -17,7 +17,7 @@ const icu::Normalizer2& decomposition() {
   static const icu::Normalizer2& instance = [] -> const icu::Normalizer2& {
     UErrorCode status = U_ZERO_ERROR;
     const icu::Normalizer2* found = icu::Normalizer2::getNFDInstance(status);
-    if (U_FAILURE(status) || found == nullptr) std::abort();  // ICU carries this table in its code
+    if (U_FAILURE(status) || found == nullptr) std::abort();  // cannot fail: ICU has this table compiled in
     return *found;
   }();
   return instance;
@@ -32,12 +32,12 @@ icu::UnicodeString decomposed(std::string_view text) {
   return decomposition().normalize(utf16(text), status);
 }
 
-// Canonical equivalence can only join texts of different bytes where one has characters beyond ASCII.
+// Texts of different bytes can be canonically equivalent only if at least one of them is not ASCII.
 bool mayBeEquivalent(std::string_view a, std::string_view b) {
   return !(isAscii(a) && isAscii(b)) && isValidUtf8(a) && isValidUtf8(b);
 }
 
-// End of the run of ASCII characters from `at`, eight of them at a time.
+// The end of the run of ASCII characters that starts at `at`. Compares eight bytes at a time.
 std::size_t asciiEnd(std::string_view text, std::size_t at) {
   constexpr std::uint64_t highBits = 0x8080808080808080;
   std::uint64_t eight = 0;
@@ -52,7 +52,7 @@ std::size_t asciiEnd(std::string_view text, std::size_t at) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // inside ICU's macro
 #pragma GCC diagnostic ignored "-Wsign-conversion"
-// The character at `at`, which moves behind it; negative for bytes that are not UTF-8.
+// Returns the character at `at` and moves `at` behind it; negative if the bytes are not UTF-8.
 UChar32 nextCharacter(std::string_view text, std::size_t& at) {
   UChar32 character = 0;
   U8_NEXT(text.data(), at, text.size(), character);
@@ -60,7 +60,8 @@ UChar32 nextCharacter(std::string_view text, std::size_t& at) {
 }
 #pragma GCC diagnostic pop
 
-// End of the run of characters from `start` that can be decomposed without looking at what follows.
+// The end of the run of characters from `start` that can be decomposed independently of the characters behind
+// it.
 std::size_t segmentEnd(std::string_view text, std::size_t start) {
   std::size_t at = start;
   nextCharacter(text, at);

@@ -7,26 +7,27 @@
 
 namespace spacemint {
 
-/// File names and paths are bytes, UTF-8 by intent. Text that is not valid UTF-8 equals only itself.
+/// Functions on file names and paths, which are bytes and normally UTF-8. Text that is not valid UTF-8 equals
+/// only itself. Pure; any thread.
 
 bool isAscii(std::string_view text);
 bool isValidUtf8(std::string_view text);
 
-/// `text` with U+FFFD in the place of every sequence of bytes that is not UTF-8.
+/// `text` with U+FFFD in place of every sequence of bytes that is not UTF-8.
 std::string withInvalidUtf8Replaced(std::string_view text);
 
-/// UTF-16 text as UTF-8; U+FFFD in the place of what is not UTF-16. An odd last byte is left out; the text is
-/// at most 2^31 bytes long.
+/// Converts UTF-16 to UTF-8, with U+FFFD in place of invalid UTF-16. An odd last byte is ignored. `bytes`
+/// must not be longer than 2^31.
 std::string utf8FromUtf16(std::string_view bytes, bool isBigEndian);
 
-/// Equality under Unicode canonical equivalence: a precomposed and a decomposed accent are equal.
+/// True if the texts are canonically equivalent in Unicode: a precomposed and a decomposed accent are equal.
 bool canonicallyEqual(std::string_view a, std::string_view b);
 
-/// The same bytes for all texts that are canonically equal; text that is not valid UTF-8 stays as it is.
+/// A form that is the same for all canonically equal texts. Text that is not valid UTF-8 stays as it is.
 std::string canonicalForm(std::string_view text);
 
-/// How many bytes of `text` spell `prefix` under canonical equivalence; absent when `text` does not begin
-/// with it.
+/// The number of bytes at the start of `text` that are canonically equal to `prefix`; absent if `text` does
+/// not begin with `prefix`.
 std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix);
 
 }  // namespace spacemint

@@ -1,6 +1,6 @@
-// parseXmlPropertyList: the part of XML that property lists are written in. Elements, text, character
-// references, the five named entities, CDATA, comments and processing instructions are read; a document type
-// is skipped, and what it may define is not known.
+// parseXmlPropertyList: parses the part of XML that property lists use: elements, text, character references,
+// the five predefined entities, CDATA, comments and processing instructions. A document type is skipped, and
+// entities that it defines are errors.
 
 #include "core/base/AsciiText.h"
 #include "core/base/DateSeconds.h"
@@ -17,13 +17,13 @@ namespace spacemint {
 
 namespace {
 
-// One piece of the document. An element without content is an `open` that `isEmpty`.
+// A token of the document. An element written as <name/> is one token: `open` with `isEmpty` set.
 struct Token {
   enum class Kind { open, close, text, end, broken };
 
   Kind kind = Kind::broken;
-  std::string_view name = {};  // of an element
-  std::string text = {};       // with its references resolved
+  std::string_view name = {};  // of the element
+  std::string text = {};       // with all references resolved
   bool isEmpty = false;
 };
 
@@ -31,7 +31,7 @@ class Tokens {
  public:
   explicit Tokens(std::string_view text) : rest_(text) {}
 
-  // The next token that is not blank text between elements.
+  // The next token. Skips blank text between elements.
   Token next() {
     while (true) {
       Token token = step();
@@ -39,8 +39,8 @@ class Tokens {
     }
   }
 
-  // The text up to the end of the element `name`, whose beginning was read; absent where anything else is in
-  // it.
+  // Reads the text of `element`, whose start tag was just read, up to its end tag; absent if the element
+  // contains anything but text.
   std::optional<std::string> content(const Token& element) {
     std::string text;
     if (element.isEmpty) return text;
@@ -56,7 +56,7 @@ class Tokens {
     }
   }
 
-  // Passes over the element, whose beginning was read; false where it does not end as it should.
+  // Skips the rest of `element`, whose start tag was just read; false if tags inside it do not match.
   bool skip(const Token& element) {
     if (element.isEmpty) return true;
     std::vector<std::string_view> open{element.name};
@@ -89,7 +89,7 @@ class Tokens {
     }
   }
 
-  // Takes the text off the front up to and with `end`.
+  // Removes the text up to and including `end` from the front and returns the text.
   std::optional<std::string_view> takeThrough(std::string_view end) {
     const std::size_t at = rest_.find(end);
     if (at == std::string_view::npos) return std::nullopt;
@@ -98,8 +98,8 @@ class Tokens {
     return taken;
   }
 
-  // Takes what stands between "<" and the ">" that ends it: not in quotes, and for a document type not in
-  // "[]".
+  // Reads a tag and returns the text between "<" and ">". A ">" in quotes, or within "[]" in a document type,
+  // does not end the tag.
   std::optional<std::string_view> takeTag(bool isDocumentType) {
     char quote = '\0';
     bool isInBrackets = false;
@@ -161,7 +161,7 @@ class Tokens {
     return token;
   }
 
-  // Appends the character that a reference without its "&" and ";" stands for.
+  // Appends the character of a reference, given without "&" and ";"; false for an unknown reference.
   static bool append(std::string& text, std::string_view reference) {
     constexpr std::pair<std::string_view, char> named[]{
         {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"quot", '"'}, {"apos", '\''}};
@@ -224,7 +224,7 @@ std::optional<Date> dateIn(std::string_view text) {
          std::chrono::seconds{part(17, 2)};
 }
 
-// The value of an element whose beginning was read; absent where the document is broken.
+// Reads the value of `element`, whose start tag was just read; absent if the document is broken.
 std::optional<PropertyValue> valueOf(const Token& element, Tokens& tokens) {
   constexpr std::string_view scalars[]{"true", "false", "string", "integer", "real", "date"};
   if (std::ranges::find(scalars, element.name) == std::end(scalars)) {

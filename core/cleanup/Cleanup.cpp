@@ -12,21 +12,21 @@ namespace {
 
 using Kind = CleanupStep::Kind;
 
-// Numbers of `fileManagerErrorDomain`.
+// Codes of errors in `fileManagerErrorDomain`.
 constexpr int readNoPermission = 257;
 constexpr int writeNoPermission = 513;
-// The free space shows only of a Trash this large whether all of it went.
+// In bytes. Below this size, free space cannot show whether the Trash was emptied.
 constexpr Bytes trashThatShows = 1'000'000'000;
 
-// What the guard is asked about the path of a step.
+// How the guard checks the path of a step.
 struct Rule {
   Kind kind;
   bool asksGuard = true;
   bool outsideHomeAllowed = false;
   bool linkItself = false;
 };
-// The Trash itself is protected, but its entries may go. A tool may clean a cache that lies elsewhere or
-// behind a link, as long as no protected folder is meant.
+// The Trash folder is protected, but its entries may be removed. A tool may clean a cache outside the home
+// folder or behind a link, but no protected folder.
 constexpr Rule rules[]{
     {Kind::deleteItem},
     {Kind::emptyFolder},
@@ -40,7 +40,7 @@ const Rule& ruleOf(Kind kind) {
   return *std::ranges::find(rules, kind, &Rule::kind);
 }
 
-// The folder that a tool will work on: where links lead from the path. The path itself where that is unknown.
+// The path with all symbolic links resolved: the folder that a tool will change. On failure the path itself.
 std::string realPath(const std::string& path) {
   std::error_code failure;
   const auto real = std::filesystem::canonical(path, failure);
@@ -63,7 +63,7 @@ std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure
   return CleanupFailure{kind, Paths::display(path, guard.home()) + " " + error.message, path};
 }
 
-// A tool and git remove by themselves, so what is below the path and who stands there is looked at before.
+// Tools and git do not check mounts and identity when they remove files, so check both before they start.
 std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const CleanupContext& context) {
   if (const auto mount = mountedIn(step.path)) {
     const std::string at = Paths::display(*mount, context.guard.home());
@@ -74,7 +74,7 @@ std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const Clea
     return changed(step, context.guard, "is no longer what it was");
   }
   if (step.kind == Kind::removeWorktree && worktreeContents(step.path, context) != step.worktree) {
-    return changed(step, context.guard, "has other changes than those that were shown");
+    return changed(step, context.guard, "has changes that were not shown");
   }
   return std::nullopt;
 }

@@ -10,52 +10,52 @@
 
 namespace spacemint {
 
-/// What came of a clean-up.
+/// The result of a clean-up.
 struct CleanupReport {
   struct Step {
     std::optional<CleanupFailure> failure;
-    /// What this program removed itself; nothing for a tool.
+    /// The items that this program removed itself; zero for a step that ran a tool.
     Removed removed;
   };
 
-  /// The steps that were begun, in the order of the plan.
+  /// The steps that were started, in the order of the plan.
   std::vector<Step> steps = {};
   std::optional<Bytes> freeBefore = {};
   std::optional<Bytes> freeAfter = {};
 
   Removed removed() const;
-  /// What the volume has more free than before; absent where it could not be read.
+  /// By how many bytes the volume's free space grew; absent if the free space could not be read.
   std::optional<Bytes> freed() const;
-  /// The first failure, if there is one.
+  /// The first failure; null if there is none.
   const CleanupFailure* failure() const;
   bool isComplete(const CleanupPlan& plan) const;
 };
 
 namespace Cleanup {
 
-/// Why a step may not be carried out now: the guard refuses its path, something is mounted below it, another
-/// item stands there than the confirmed one, or a worktree holds other changes than those that were counted.
-/// Absent where it may. Blocks; any thread.
+/// Checks whether a step may be carried out now, and returns the reason if it may not: the guard refuses the
+/// path; or, before a command runs, a file system is mounted at or below the path, the item is not the
+/// confirmed one, or a worktree's changes differ from those that the user saw. Blocks; any thread.
 std::optional<CleanupFailure> judge(const CleanupStep& step, const CleanupContext& context);
 
-/// The guard's answer alone, for a button that should not be offered.
+/// Only the guard's part of `judge`, to decide whether to offer a button.
 std::optional<CleanupFailure> refusalOf(const CleanupStep& step, const DeletionGuard& guard);
 
-/// Device and inode of the item of a step; for a tool those of the folder where links lead to.
+/// The identity of a step's item; for a tool, of the folder with symbolic links resolved.
 std::expected<FileIdentity, Error> identityOf(const CleanupStep& step);
 
-/// Judges each step again right before it, and carries it out. `watch` is called on this thread before
-/// each entry with the sum of what was removed; false stops the clean-up there. Blocks for as long as the
-/// removal takes; what is gone by then stays gone. Any thread.
+/// Carries out each step, after calling `judge` again right before the step. Calls `watch` on this thread
+/// before each entry, with the sum of the removed items; false stops the clean-up. Items removed before a
+/// stop or a failure stay removed. Blocks until the clean-up ends; any thread.
 CleanupReport carryOut(const CleanupPlan& plan, const CleanupContext& context,
                        const RemovalProgress::Watch& watch = {});
 
-/// Adds the reading of the volume after its figures have settled, and the failure that shows in it only: that
-/// of a file manager that did not empty the Trash.
+/// Adds the free space read some time after the clean-up. If the file manager was asked to empty a large
+/// Trash and the free space did not grow accordingly, adds a failure to the last step.
 void settle(CleanupReport& report, const CleanupPlan& plan, std::optional<Bytes> freeAfter);
 
-/// True when a step of one plan lies in, at or above a step of the other, or both have the same id. Two such
-/// clean-ups must not run at once.
+/// True if both plans have the same id, or a path of one is equal to, inside or above a path of the other.
+/// Two such clean-ups must not run at the same time.
 bool touchEachOther(const CleanupPlan& one, const CleanupPlan& other);
 
 }  // namespace Cleanup

@@ -8,25 +8,24 @@
 
 namespace spacemint {
 
-/// Why a clean-up ended without doing all that it was meant to do.
+/// Why a clean-up, or a step of it, did not complete.
 struct CleanupFailure {
   enum class Kind : std::uint8_t {
-    /// The guard or the last look at the item refused it. Nothing of this step was done, except where a
-    /// folder
-    /// was emptied up to an entry that may not go.
+    /// The guard refused the path, or the item was not the confirmed one. Nothing was removed, except if an
+    /// entry was refused after other entries of the folder had been removed.
     refused,
-    /// The system or a tool failed.
+    /// The operating system or a tool failed.
     other,
-    /// A right is missing.
+    /// A permission is missing.
     needsFullDiskAccess,
-    /// The user stopped it.
+    /// The user stopped the clean-up.
     stopped
   };
 
   Kind kind = Kind::other;
-  /// The reason in words: "~/Documents is a protected folder", or what a tool said.
+  /// The reason in words: "~/Documents is a protected folder", or a tool's error message.
   std::string message;
-  /// The path that the reason is about; empty for a tool.
+  /// The path that the message refers to; empty for a tool's message.
   std::string path = {};
 
   static CleanupFailure refused(std::string message, std::string path = {}) {
@@ -40,10 +39,10 @@ struct CleanupFailure {
 
 namespace Cleanup {
 
-/// Domain of errors of file managers that number them in their own way.
+/// The domain of errors of file managers that use their own error codes.
 inline constexpr std::string_view fileManagerErrorDomain = "NSCocoaErrorDomain";
 
-/// Whether the error, or one that it rests on, is a missing right.
+/// True if the error, or one of its underlying errors, is a missing permission.
 bool isPermissionError(const Error& error);
 
 }  // namespace Cleanup

@@ -18,7 +18,7 @@ namespace {
 using Kind = CleanupStep::Kind;
 using Planned = std::expected<CleanupPlan, CleanupFailure>;
 
-// Makes the plan for one kind of request.
+// Creates the plan for each kind of request.
 class Planner {
  public:
   Planner(const CleanupContext& context, Date now) : context_(context), now_(now) {}
@@ -65,7 +65,7 @@ class Planner {
       return plan;
     }
     for (const std::string& folder : trash.place.emptied) {
-      // A part of the Trash that was never used is not there.
+      // The desktop creates the folders of the Trash when it first needs them.
       if (!fileIdentity(folder)) continue;
       auto step = identified({.kind = Kind::emptyTrash, .path = folder, .label = label});
       if (!step) return std::unexpected(step.error());
@@ -95,7 +95,7 @@ class Planner {
   Planned operator()(const GitWorktree& worktree) const {
     CleanupStep step{
         .path = worktree.path, .size = worktree.size, .label = "Removed " + isolatedName(worktree.name())};
-    // Nothing is counted in a folder that may not be removed, or in what is mounted there.
+    // Ask the guard before counting changes: counting runs git in the folder.
     step.kind = Kind::removeWorktree;
     if (auto refused = refusalOf(step)) return std::unexpected(*refused);
     step.worktree = worktreeContents(worktree.path, context_);
@@ -179,7 +179,8 @@ class Planner {
   }
 
  private:
-  // By force only where changes were counted: where they could not be, git itself refuses to lose any.
+  // Use --force only if changes were counted and shown. If they could not be counted, git itself refuses to
+  // remove a changed worktree.
   static ToolCommand gitRemoval(const std::string& path, const WorktreeContents& contents) {
     ToolCommand command{gitProgram, gitArguments(*contents.repositoryPath)};
     auto& arguments = command.arguments;
@@ -196,7 +197,7 @@ class Planner {
     return plan;
   }
 
-  // The step with the identity of its item, if it may be carried out now.
+  // Adds the identity of the step's item. Fails if the guard refuses the item or the item cannot be read.
   std::expected<CleanupStep, CleanupFailure> identified(CleanupStep step) const {
     if (auto refused = refusalOf(step)) return std::unexpected(*refused);
     const auto identity = Cleanup::identityOf(step);

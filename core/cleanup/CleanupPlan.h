@@ -19,9 +19,9 @@
 
 namespace spacemint {
 
-/// A program with its arguments, and variables to set in its environment.
+/// A command: a program, its arguments, and environment variables to set.
 struct ToolCommand {
-  /// A name that is searched for, or an absolute path.
+  /// A name to look up on the search path, or an absolute path.
   std::string program;
   std::vector<std::string> arguments;
   std::map<std::string, std::string> environment = {};
@@ -29,34 +29,34 @@ struct ToolCommand {
   bool operator==(const ToolCommand&) const = default;
 };
 
-/// By its full path: another program of that name earlier on the search path would act on repositories.
+/// The full path, so that no other program named "git" on the search path runs in the user's repositories.
 inline const std::string gitProgram = "/usr/bin/git";
 
-/// The first arguments of every run of git: it starts no file-system monitor, runs no hook of a repository,
-/// and works in `folder`.
+/// The first arguments of every git command: no file-system monitor, no hooks of the repository, and `folder`
+/// as the working folder.
 std::vector<std::string> gitArguments(const std::string& folder);
 
-/// What the removal of a git worktree takes along.
+/// Contents of a git worktree that its removal deletes.
 struct WorktreeContents {
   struct Nested {
-    /// Relative to the worktree.
+    /// The path relative to the worktree.
     std::string path;
-    /// A whole repository with its commits, not just another worktree.
+    /// True for a repository with its own commits, false for a worktree of another repository.
     bool isRepository = false;
     std::optional<int> changes;
     bool operator==(const Nested&) const = default;
   };
 
-  /// Of the repository that knows the worktree; absent for an orphan.
+  /// The path of the worktree's repository; absent for an orphaned worktree.
   std::optional<std::string> repositoryPath;
-  /// How many files git calls changed; absent where that could not be counted.
+  /// The number of files that git reports as changed; absent if git could not report it.
   std::optional<int> changes;
   std::vector<Nested> nested;
 
   bool operator==(const WorktreeContents&) const = default;
 };
 
-/// One thing that a clean-up does.
+/// A single action of a clean-up.
 struct CleanupStep {
   enum class Kind : std::uint8_t {
     deleteItem,
@@ -67,57 +67,58 @@ struct CleanupStep {
     removeWorktree
   };
 
-  /// Something large in a folder that will be emptied.
+  /// A large item in a folder that will be emptied.
   struct Part {
     std::string name;
     Bytes size = 0;
   };
 
   Kind kind = Kind::deleteItem;
-  /// The item to remove or the folder that a tool cleans; empty for a tool whose data lies elsewhere.
+  /// The item to remove, or the folder that a tool cleans; empty for a tool without a known folder.
   std::string path = {};
-  /// The item as it was when the plan was made. Another one in its place is left alone.
+  /// The identity of the item when the plan was created. If another item is at the path later, the step
+  /// fails.
   std::optional<FileIdentity> identity = {};
   Bytes size = 0;
   std::vector<Part> parts = {};
-  /// Of `runTool` and `removeWorktree`.
+  /// The command of `runTool` and `removeWorktree`.
   ToolCommand command = {};
-  /// Of `removeWorktree`.
+  /// The contents of the worktree when the plan was created; for `removeWorktree`.
   WorktreeContents worktree = {};
-  /// What was done, as the start of a sentence: "Deleted old.zip".
+  /// The start of the sentence that reports success: "Deleted old.zip".
   std::string label = {};
 
-  /// False for an item that was gone when the plan was made; its step will fail.
+  /// False if the item did not exist when the plan was created; the step will then fail.
   bool wasThere() const { return path.empty() || identity != FileIdentity{}; }
   bool runsCommand() const { return kind == Kind::runTool || kind == Kind::removeWorktree; }
 };
 
-/// All that a clean-up will do, as data. It is shown, confirmed and carried out, and does not change in
-/// between.
+/// A clean-up as data: the texts of the question, and the steps. The plan that the user confirms is carried
+/// out unchanged.
 struct CleanupPlan {
-  /// Two clean-ups of one id never run at once.
+  /// Two clean-ups with the same id never run at the same time.
   std::string id;
   std::string title;
-  /// What is affected, usually a name and a size.
+  /// The affected item, usually its name and size.
   std::string subject = {};
   std::optional<std::string> detail = {};
-  /// What will happen; lines for several steps.
+  /// What the clean-up will do; several lines for several steps.
   std::string note = {};
   std::string button = {};
   std::vector<CleanupStep> steps = {};
-  /// Paths of the stored scan to measure again afterwards.
+  /// Paths in the stored scan to measure again after the clean-up.
   std::vector<std::string> touched = {};
-  /// How much a tool says that it can free.
+  /// How many bytes a tool reports as reclaimable.
   std::optional<Bytes> estimate = {};
-  /// The first step that fails ends the whole.
+  /// True if the first failed step ends the clean-up.
   bool stopsAtFailure = false;
-  /// The size of a Trash that the file manager empties: whether it did shows only in the free space.
+  /// The size of a Trash that the file manager empties. Only the free space shows whether it succeeded.
   std::optional<Bytes> expected = {};
 
   Bytes size() const;
 };
 
-/// The note of a question about a person's own file or folder.
+/// The note of the question before deleting one of the user's own files or folders.
 inline const std::string deleteNote = "This removes it for good.";
 
 struct TrashRequest {
@@ -133,7 +134,7 @@ struct DeleteRequest {
 struct EmptyTrashRequest {
   TrashPlace place;
   std::optional<Bytes> size = {};
-  /// For when this program may not look into the Trash itself.
+  /// True if this program has no access to the Trash and asks the file manager to empty it.
   bool byFileManager = false;
 };
 struct DockerPruneRequest {
@@ -141,42 +142,43 @@ struct DockerPruneRequest {
   Bytes reclaimable = 0;
 };
 
-/// What can be asked for. Everything that removes begins with one of these.
+/// A request to clean up. Every removal starts with a request.
 using CleanupRequest = std::variant<TrashRequest, DeleteRequest, EmptyTrashRequest, DeviceBackup, GitWorktree,
                                     DevTools::FoundCleanup, DockerPruneRequest, DevTools::OllamaModel>;
 
-/// What clean-ups need of the rest of the program. A value; its functions may be called on any thread.
+/// What clean-ups need from the rest of the program. All function members may be called on any thread.
 struct CleanupContext {
-  /// False stops a tool that runs.
+  /// Called while a tool runs; false stops the tool.
   using MayGoOn = std::function<bool()>;
 
   DeletionGuard guard;
-  /// Where programs keep their data.
+  /// The user's data folder (`UserFolders::data`).
   std::string data;
   std::string locale;
-  /// Restores what `moveToTrash` moves. Outlives the context.
+  /// The Trash for `moveToTrash`. Must outlive the context.
   TrashCan* trash = nullptr;
-  /// Runs a tool to its end; why it did not do its work, or nothing.
+  /// Runs a tool and waits until it ends. Returns the failure, or nothing on success.
   std::function<std::optional<CleanupFailure>(const ToolCommand& command, const MayGoOn& mayGoOn)> run = {};
-  /// How many files of a working tree git calls changed; absent where git could not be asked.
+  /// Returns the number of files in a working tree that git reports as changed, or nothing if git failed.
   std::function<std::optional<int>(const std::string& path)> uncommittedChanges = {};
-  /// Free bytes of the user's volume; absent where it cannot be read.
+  /// Returns the free bytes of the user's volume, or nothing if the volume cannot be read.
   std::function<std::optional<Bytes>()> freeBytes = {};
 };
 
-/// The plan for a request: texts, steps and the identity of each item. Fails where the guard refuses an item,
-/// or one cannot be looked at. Blocks for a worktree, whose changes are counted; else it looks at single
-/// items only. `now` words the age of a backup.
+/// Creates the plan for a request: texts, steps and the identity of each item. Fails if the guard refuses an
+/// item or an item cannot be read. Fast, except for a worktree, where it blocks while git counts changes.
+/// `now` is used for the age of a backup. Any thread.
 std::expected<CleanupPlan, CleanupFailure> planCleanup(const CleanupRequest& request,
                                                        const CleanupContext& context, Date now);
 
-/// One plan for several, each with its own notes and steps.
+/// Merges several plans into one, with the notes and steps of all.
 CleanupPlan mergedPlans(std::string title, std::vector<CleanupPlan> plans);
 
-/// Measures the items of a plan on the disk, and names the largest parts of folders that will be emptied.
+/// Measures the items of a plan on the disk: sets the size of each step, and the largest parts of folders
+/// that will be emptied. Blocks; any thread.
 void measurePlan(CleanupPlan& plan);
 
-/// The contents of the worktree now.
+/// Reads the current contents of the worktree at `path`. Runs git; blocks; any thread.
 WorktreeContents worktreeContents(const std::string& path, const CleanupContext& context);
 
 }  // namespace spacemint

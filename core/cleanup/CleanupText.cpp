@@ -19,8 +19,8 @@ std::string changesWarning(std::optional<int> changes) {
   return "It has " + counted(*changes, "uncommitted change", "en") + ", which will be lost. ";
 }
 
-// What else is in the worktree and goes with it: "It contains the repository lib (2 uncommitted changes),
-// ...".
+// The sentence about repositories and worktrees inside the worktree: "It contains the repository lib (2
+// uncommitted changes), which will be lost too. "; empty if there are none.
 std::string nestedWarning(const std::vector<WorktreeContents::Nested>& nested) {
   constexpr std::size_t namedAtMost = 3;
   if (nested.empty()) return "";
@@ -35,7 +35,7 @@ std::string nestedWarning(const std::vector<WorktreeContents::Nested>& nested) {
   return text + ", which will be lost too. ";
 }
 
-// True when what came free differs from what was removed by more than a tenth, and by an amount worth saying.
+// True if the freed bytes differ from the removed bytes by more than a tenth and by more than `worthSaying`.
 bool differ(Bytes freed, Bytes removed) {
   const Bytes difference = freed > removed ? freed - removed : removed - freed;
   return difference > removed / 10 && difference > CleanupText::worthSaying;
@@ -87,7 +87,7 @@ std::string CleanupText::failureText(const CleanupStep& step, const CleanupRepor
         "remove them.";
   } else if (step.kind == CleanupStep::Kind::moveToTrash) {
     const std::string shown = Paths::display(step.path, context.guard.home());
-    // The reason of a refusal begins with the path.
+    // The message of a refusal begins with the path.
     text = failure.kind == Kind::refused && failure.message.starts_with(shown)
                ? "Spacemint won't move " + isolatedPath(shown) + ": it" +
                      failure.message.substr(shown.size()) + "."

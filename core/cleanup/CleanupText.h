@@ -7,29 +7,30 @@
 
 namespace spacemint {
 
-/// What people read before and after a clean-up, in the window and in the terminal alike.
+/// Texts before and after a clean-up, shared by the application and spacemintctl. Pure; any thread.
 namespace CleanupText {
 
-/// Less than this many bytes are not worth a mention as freed.
+/// Freed bytes are mentioned only above this number.
 inline constexpr Bytes worthSaying = 50'000'000;
 
 std::string backupNote(const std::string& name);
 std::string worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents);
-/// `shownPath` is the folder of the cache as people read it.
+/// `shownPath` is the cache's folder for display.
 std::string cacheNote(const CleanupTarget& target, const std::string& shownPath);
 
-/// "12 items (3 MB) are gone already."; empty where nothing is.
+/// "12 items (3 MB) are gone already."; empty if no item was removed.
 std::string goneText(const Removed& removed, const std::string& locale);
 
-/// Why a step failed, and what is gone already.
+/// Why a step failed, and how much was removed before the failure.
 std::string failureText(const CleanupStep& step, const CleanupReport::Step& result,
                         const CleanupContext& context);
 
-/// Why nothing is asked: the request was refused when it was planned.
+/// The message for a request that `planCleanup` refused.
 std::string refusalText(const CleanupRequest& request, const CleanupFailure& failure,
                         const CleanupContext& context);
 
-/// What was done, as the start of a sentence in `label`, and what came free by it.
+/// A completed clean-up. `label` is the start of the sentence; `removed` and `freed` are measured, `estimate`
+/// (in bytes) is a tool's own figure.
 struct Success {
   std::string label;
   Removed removed = {};
@@ -38,10 +39,11 @@ struct Success {
 };
 std::string successText(const Success& success, const std::string& locale);
 
-/// How the whole clean-up ended, as one message.
+/// The message about the result of the whole clean-up.
 std::string outcome(const CleanupPlan& plan, const CleanupReport& report, const CleanupContext& context);
 
-/// What runs at the moment: "Deleting: 1,234 items, 3.4 GB so far".
+/// The message about a running clean-up: "Deleting: 1,234 items, 3.4 GB so far". `whole` is the expected
+/// total in bytes.
 std::string progressText(const Removed& soFar, Bytes whole, const std::string& locale);
 
 }  // namespace CleanupText

@@ -10,7 +10,7 @@ namespace spacemint {
 
 namespace {
 
-// An item that cannot be looked at counts as no link: its removal will say why.
+// False if the item cannot be read: its removal will then fail with the reason.
 bool isSymbolicLink(const std::string& path) {
   std::error_code failure;
   return std::filesystem::is_symlink(std::filesystem::symlink_status(path, failure));
@@ -40,7 +40,7 @@ std::optional<std::string> DeletionGuard::check(const Question& question) const 
   }
   if (path.size() >= 2 && path.ends_with('/')) path.pop_back();
   if (isProtected(path)) return "is a protected folder";
-  // Byte for byte: names that only look alike are other folders.
+  // Compare bytes: a folder whose name only looks like the home folder's is another folder.
   if (!question.outsideHomeAllowed && !path.starts_with(Paths::join(home_, ""))) {
     return "is outside your home folder";
   }
@@ -53,7 +53,7 @@ bool DeletionGuard::holdsHome(std::string_view path) const {
   return canonicalPrefixLength(Paths::join(home_, ""), Paths::join(path, "")).has_value();
 }
 
-// Names that only look alike count as equal here: on some disks they are.
+// Canonically equal names count as equal here, because some file systems treat them as the same name.
 bool DeletionGuard::isProtected(std::string_view path) const {
   const std::string_view home = Paths::withoutTrailingSlash(home_);
   if (canonicallyEqual(path, home)) return true;

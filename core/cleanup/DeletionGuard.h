@@ -8,12 +8,13 @@
 
 namespace spacemint {
 
-/// The gate that every path passes before something is removed. It removes nothing and resolves no link. It
-/// works on the text of the path; only `check` looks at the item itself, once. Any thread.
+/// Decides whether a path may be removed. Every path is checked here before a removal. The guard removes
+/// nothing and resolves no links. It works on the text of the path; only `check` reads the item itself, to
+/// see if it is a symbolic link. Any thread.
 class DeletionGuard {
  public:
-  /// Folders that are never removed themselves; what lies in them may be. The folders above the home folder
-  /// are protected too.
+  /// Folders that are never removed; their contents may be. All folders above the home folder are protected
+  /// too.
   static constexpr std::array<std::string_view, 27> protectedFolders{
       "/",        "/System", "/Library", "/Applications", "/Users",
       "/private", "/usr",    "/bin",     "/sbin",         "/etc",
@@ -21,7 +22,7 @@ class DeletionGuard {
       "/home",    "/root",   "/boot",    "/dev",          "/proc",
       "/sys",     "/run",    "/srv",     "/mnt",          "/media",
       "/lib",     "/lib64"};
-  /// The same under the home folder; the empty name stands for the home folder.
+  /// Protected folders, relative to the home folder; the empty name is the home folder itself.
   static constexpr std::array<std::string_view, 22> protectedInHome{"",
                                                                     "Library",
                                                                     "Desktop",
@@ -48,20 +49,21 @@ class DeletionGuard {
   struct Question {
     std::string path;
     bool outsideHomeAllowed = false;
-    /// Whether a symbolic link may be removed, as a link.
+    /// True if the path may be a symbolic link, which is then removed itself.
     bool linkItself = false;
   };
 
-  /// `personal` are folders that are protected like those of `protectedInHome`: the user's documents,
-  /// downloads and so on, in the language of the desktop.
+  /// `personal` contains full paths of further protected folders: the user's documents, downloads and so on,
+  /// named in the desktop's language.
   explicit DeletionGuard(std::string_view home, std::vector<std::string> personal = {});
 
-  /// Why the path may not be removed, as a phrase to put behind it; absent when it may.
+  /// Why the path may not be removed, as a phrase that follows the path in a sentence; absent if the path may
+  /// be removed.
   std::optional<std::string> check(const Question& question) const;
 
-  /// The same as a complete sentence part, "~/Documents is a protected folder". Asks about the path as it is
-  /// written and as the system will read it (without single "." and doubled "/"), so that no spelling of a
-  /// protected folder gets through.
+  /// Like `check`, but with the path in front: "~/Documents is a protected folder". Checks the path as
+  /// written and in its plain form (without "." and doubled "/"), so that no other spelling of a protected
+  /// folder is allowed.
   std::optional<std::string> refusal(const Question& question) const;
 
   const std::string& home() const { return home_; }

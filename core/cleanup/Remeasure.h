@@ -7,23 +7,23 @@
 
 namespace spacemint {
 
-/// What stands at a path now.
+/// The current state of an item.
 struct Measured {
   std::string path;
   bool exists = false;
-  /// Absent where nothing is there, or it cannot be measured.
+  /// Absent if the item does not exist or cannot be measured.
   std::optional<Node> tree = {};
 };
 
-/// Measures the item at `path`, keeping what has `minNodeSize` bytes or more. Blocks; any thread.
+/// Measures the item at `path`; keeps nodes of at least `minNodeSize` bytes. Blocks; any thread.
 Measured measureAgain(std::string path, Bytes minNodeSize);
 
-/// The path to measure so that `path` gets into the scan: the highest folder on the way that the scan does
-/// not have because it was too small, else `path` itself.
+/// The path to measure in order to add `path` to the scan: the highest ancestor that the scan does not
+/// contain (because it was too small), or `path` itself.
 std::string highestMissing(const Snapshot& snapshot, std::string path);
 
-/// Puts what was measured into the scan; true when that changed it. An item that is there but could not be
-/// measured keeps its size, unless `assumeEmptied`.
+/// Updates the scan with a measurement; true if the scan changed. An item that exists but could not be
+/// measured keeps its size, or becomes an empty folder if `assumeEmptied`.
 bool putInto(Snapshot& snapshot, Measured measured, bool assumeEmptied = false);
 
 }  // namespace spacemint

@@ -10,12 +10,12 @@ namespace spacemint {
 
 namespace {
 
-// npm puts one of these before each line of an error.
+// npm starts each line of an error message with one of these.
 constexpr std::array<std::string_view, 2> prefixes{"npm error ", "npm ERR! "};
-// Lines that begin so give the reason.
+// Beginnings of lines that give the reason.
 constexpr std::array<std::string_view, 5> reasons{
     "fatal: ", "error: ", "error response from daemon: ", "error:  ", "err_"};
-// Lines that begin so are hints or details.
+// Beginnings of lines that are hints or details.
 constexpr std::array<std::string_view, 12> details{"a complete log of this run",
                                                    "use '",
                                                    "use \"",

@@ -9,13 +9,13 @@
 
 namespace spacemint {
 
-/// Why a tool did not do its work; absent when it did. `tool` is a name or a path, of which the last part is
-/// shown. No answer means that the tool could not be started.
+/// Why a tool failed; absent if it succeeded. `tool` is the tool's name or path; the message shows the last
+/// component. An absent `answer` means that the tool could not be started.
 std::optional<CleanupFailure> toolFailure(const std::string& tool,
                                           const std::optional<DevTools::ToolAnswer>& answer);
 
-/// The line of a tool's error text that says why it failed: the first that begins like an error, else the
-/// last that is no hint or reference to a log. "Unknown error" for a text without lines.
+/// The line of a tool's error output that gives the reason: the first line that begins like an error message,
+/// otherwise the last line that is no hint. "Unknown error" if there is no line.
 std::string toolReason(std::string_view text);
 
 }  // namespace spacemint

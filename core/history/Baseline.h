@@ -7,12 +7,12 @@
 
 namespace spacemint {
 
-/// The scans that the first scan of `history` can be compared with, best first: earlier scans, ordered by
-/// their distance from one day before it; ties: the newer one. `history` is in the order of
-/// `SnapshotStore::entries`; a scan dated after the first one is no candidate.
+/// Earlier scans to compare the newest scan with, ordered by distance to one day before the newest; ties:
+/// newer first. `history` is in the order of `SnapshotStore::entries`; its first entry is the newest scan.
+/// Scans dated after the first entry are left out.
 std::vector<SnapshotStore::Entry> baselineCandidates(const std::vector<SnapshotStore::Entry>& history);
 
-/// The first of the candidates; absent with fewer than two scans.
+/// The first of `baselineCandidates`; absent if there is none.
 std::optional<SnapshotStore::Entry> defaultBaseline(const std::vector<SnapshotStore::Entry>& history);
 
 }  // namespace spacemint

@@ -11,11 +11,11 @@
 
 namespace spacemint {
 
-/// Carries over, once, what a user of the product's former name has: the settings into a store that was never
-/// used, and the history folder where no folder of the present name exists.
+/// Moves the data of the product's former name to the present name: copies the settings if the present
+/// settings were never used, and renames the history folder if no history folder of the present name exists.
 namespace Migration {
 
-/// The settings that are copied, in this order.
+/// The keys of the copied settings, in this order.
 inline constexpr auto settingKeys = [] {
   std::array<std::string_view, settings.size()> keys;
   for (std::size_t place = 0; place < keys.size(); ++place) keys.at(place) = settings.at(place).key;
@@ -25,7 +25,8 @@ inline constexpr auto settingKeys = [] {
 struct Result {
   bool copiedSettings = false;
   bool movedHistory = false;
-  /// For people: why the history could not be moved; else why the settings could not be stored.
+  /// A sentence for the user: why the history could not be moved; otherwise why the settings could not be
+  /// stored.
   std::optional<std::string> error;
 
   bool operator==(const Result&) const = default;
@@ -33,20 +34,20 @@ struct Result {
 
 struct Sources {
   DefaultsStore& defaults;
-  /// The former product's settings; null where there are none.
+  /// The settings of the former name; null if there are none.
   const DefaultsStore* oldDefaults = nullptr;
-  /// Where programs keep their data: the folder above the history's.
+  /// The user's data folder, in which both names have their folder.
   std::string supportDirectory;
   const FileManager& fileManager;
 };
 
-/// Called at every start, before anything reads settings or history. What cannot be carried over stays where
-/// it is, and the next start tries again. Settings that were damaged begin anew from the defaults, not from
-/// the former product's settings.
+/// Call at every start, before any code reads settings or history. On a failure the old data stays in place,
+/// and the next start tries again. A damaged settings file is not replaced by the former settings: its
+/// settings start from the defaults.
 Result fromLoftmere(const Sources& sources);
 
-/// The same for the user's own folders. Every program of the product calls it first, so that no program
-/// creates the new history folder before the old one has been moved. `defaults` is `DefaultsStore::standard`.
+/// `fromLoftmere` for the user's own folders. Every program calls this function first; otherwise it could
+/// create the new history folder before the old one is moved. `defaults` is `DefaultsStore::standard`.
 Result ofThisUser(DefaultsStore& defaults);
 
 }  // namespace Migration

@@ -9,11 +9,11 @@
 
 namespace spacemint {
 
-/// The stored form of a snapshot: one compact JSON document, described in docs/formats/history.md. Pure
-/// functions; any thread; no exception leaves them.
+/// Converts snapshots to and from their stored form: a compact JSON document, described in
+/// docs/formats/history.md. Pure functions that throw no exceptions; any thread.
 namespace SnapshotCodec {
 
-/// Domain of the errors; the code is a `Fault`.
+/// The domain of all errors of this namespace; `code` is a `Fault`.
 inline constexpr std::string_view domain = "snapshot";
 
 enum class Fault : int {
@@ -26,16 +26,16 @@ enum class Fault : int {
   outOfMemory,
 };
 
-/// Dates at snapshot level are stored as seconds after 2001-01-01 00:00:00 UTC.
+/// The snapshot's own dates are stored as seconds after 2001-01-01 00:00:00 UTC.
 inline constexpr std::chrono::seconds epoch{978'307'200};
 
-/// Fails for a `duration` that is not finite and for a tree deeper than `Node::maximumDepth`. Bytes of a name
-/// that are not UTF-8 become U+FFFD; `modified` is rounded to whole seconds, halves away from zero.
+/// Fails if `duration` is not finite or the tree is deeper than `Node::maximumDepth`. Bytes of a name that
+/// are not UTF-8 become U+FFFD; `modified` is rounded to whole seconds, halves away from zero.
 std::expected<std::string, Error> encode(const Snapshot& snapshot);
 
-/// All or nothing: a missing key, a wrong type, a number outside its field's range, a key given twice, too
-/// deep a nesting or bytes that are not UTF-8 fail the document, with a message that says what and where.
-/// Unknown keys are skipped, and so is a byte order mark in front.
+/// Fails for a missing or duplicate key, a wrong type, a number outside the field's range, nesting that is
+/// too deep, or bytes that are not UTF-8; the message names the fault and its place. Skips unknown keys and a
+/// leading byte order mark.
 std::expected<Snapshot, Error> decode(std::string_view document);
 
 }  // namespace SnapshotCodec

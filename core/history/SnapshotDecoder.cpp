@@ -1,5 +1,5 @@
-// SnapshotCodec::decode. The parser reports the document piece by piece, and the pieces go straight into the
-// nodes: what is held besides the result is one entry for each level that is open.
+// SnapshotCodec::decode. An event-based parser (SAX) fills the nodes directly; besides the result, memory
+// holds one `Level` for each open level of the tree, and closed nodes whose parent is still open.
 
 #include "core/history/SnapshotCodec.h"
 #include "core/history/SnapshotKeys.h"
@@ -37,20 +37,20 @@ std::string notJsonAt(std::size_t position) {
   return "not valid JSON at byte " + std::to_string(position);
 }
 
-// Which keys of one object have been met, and the one whose value comes next.
+// The keys that were read in an object so far (a bit for each), and the key whose value comes next.
 struct KeyState {
   static constexpr std::size_t unknown = 31;
   std::uint32_t seen = 0;
   std::size_t current = unknown;
 };
 
-// An object of the tree that is not closed yet.
+// A node that is still being read.
 struct Level {
   Node node;
   KeyState keys;
   bool isInChildren = false;
   std::size_t index = 0;       // among its siblings
-  std::size_t firstChild = 0;  // in the list of closed nodes
+  std::size_t firstChild = 0;  // index in `closed_`
 };
 
 class SnapshotReader final : public nlohmann::json_sax<Json> {
@@ -68,7 +68,7 @@ class SnapshotReader final : public nlohmann::json_sax<Json> {
     return scalar(Real{.value = value, .isWhole = text.find_first_of(".eE") == std::string::npos});
   }
   bool string(std::string& value) override { return scalar(&value); }
-  bool binary(Json::binary_t& /*value*/) override { return false; }  // not in JSON texts
+  bool binary(Json::binary_t& /*value*/) override { return false; }  // JSON has no binary values
 
   bool start_object(std::size_t /*size*/) override;
   bool end_object() override;
@@ -101,7 +101,8 @@ class SnapshotReader final : public nlohmann::json_sax<Json> {
   bool hasBegun_ = false;
   KeyState snapshotState_;
   std::vector<Level> levels_;
-  // Closed nodes whose parent's list is still open, so that each list is made once, in its final size.
+  // Complete nodes whose parent is still being read. The parent's `children` are allocated once, in their
+  // final size.
   std::vector<Node> closed_;
   std::size_t ignoredLevels_ = 0;
 };
@@ -162,7 +163,7 @@ bool SnapshotReader::key(std::string& name) {
   return enter<Node>(nodeKeys, levels_.back().keys, name);
 }
 
-// The parser's own message quotes the document at any length; the place says as much.
+// Reports only the position: the parser's own message may quote the document at any length.
 bool SnapshotReader::parse_error(std::size_t position, const std::string& /*token*/,
                                  const Json::exception& failure) {
   constexpr int numberOverflow = 406;
@@ -239,8 +240,8 @@ bool SnapshotReader::isComplete(std::span<const Key<Record>> keys, const KeyStat
   return true;
 }
 
-// Such as "root/Movies/#2": a node whose name has not been read yet goes by its number. Only the innermost
-// levels are named, and of a long name only the beginning.
+// The path of the current node for a message, such as "root/Movies/#2". A node whose name was not read yet is
+// shown by its number. Shows only the innermost levels, and only the beginning of long names.
 std::string SnapshotReader::placeName() const {
   constexpr std::size_t namedLevels = 5;
   constexpr std::size_t namedBytes = 80;
@@ -281,7 +282,7 @@ bool SnapshotReader::fail(Fault fault, std::string_view what) {
 std::expected<Snapshot, Error> SnapshotCodec::decode(std::string_view document) {
   try {
     SnapshotReader reader;
-    // The parser takes a zero byte for the end, whatever follows.
+    // The parser would stop at a zero byte and ignore the rest.
     const std::size_t zero = document.find('\0');
     if (zero != std::string_view::npos) return std::unexpected(codecError(Fault::notJson, notJsonAt(zero)));
     if (!Json::sax_parse(document, &reader)) return std::unexpected(std::move(reader.error()));

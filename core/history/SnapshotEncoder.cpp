@@ -11,7 +11,8 @@ namespace spacemint {
 
 namespace {
 
-// Bytes that stand for themselves inside a JSON string. "/" need not be escaped, but always has been.
+// True for bytes that a JSON string contains unescaped. JSON allows a plain "/", but stored scans have always
+// escaped "/".
 constexpr auto isPlain = [] {
   std::array<bool, 256> plain{};
   for (std::size_t byte = 0x20; byte < plain.size(); ++byte) plain.at(byte) = true;
@@ -53,7 +54,7 @@ void appendName(std::string& text, std::string_view name) {
   appendString(text, withInvalidUtf8Replaced(name));
 }
 
-// A finite double gets the shortest text that reads back as the same value.
+// Writes a finite double as the shortest text that reads back as the same value.
 template <class Number>
 void appendNumber(std::string& text, Number number) {
   std::array<char, 32> digits{};
@@ -69,7 +70,7 @@ std::int64_t roundedToSeconds(Date date) {
   return micros / second + carry;
 }
 
-// All fields of a node but its children, without the closing brace.
+// Writes all fields of a node except its children, without the closing brace.
 void appendFields(std::string& text, const Node& node) {
   text += R"({"name":)";
   appendName(text, node.name);
@@ -87,7 +88,7 @@ void appendFields(std::string& text, const Node& node) {
   if (node.isWorktree) text += R"(,"isWorktree":true)";
 }
 
-// False where the tree is deeper than a reader accepts.
+// False if the tree is deeper than the decoder accepts.
 bool appendTree(std::string& text, const Node& root) {
   struct Level {
     const Node* node;
@@ -139,7 +140,7 @@ void appendFacts(std::string& text, const Snapshot& snapshot) {
   }
 }
 
-// What the document will take, somewhat high, so that it is written without being moved about.
+// A slightly high estimate of the document's size in bytes, to allocate the text once.
 std::size_t likelySize(const Node& root) {
   constexpr std::size_t facts = 400;
   constexpr std::size_t file = 56;

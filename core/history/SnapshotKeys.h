@@ -1,5 +1,5 @@
-// What the keys of a stored scan mean, for SnapshotCodec::decode: one table for each kind of object, and how
-// each value is taken.
+// The keys of a stored scan, for SnapshotCodec::decode: one table for each kind of object, with a function
+// that stores each value.
 
 #pragma once
 
@@ -17,7 +17,7 @@
 
 namespace spacemint::SnapshotKeys {
 
-// A number written with a fraction or an exponent, or a whole one too large for 64 bits.
+// A number with a fraction or an exponent, or a whole number that does not fit 64 bits.
 struct Real {
   double value;
   bool isWhole;
@@ -25,7 +25,7 @@ struct Real {
 
 using Scalar = std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, Real, const std::string*>;
 
-// What is wrong with a value; empty where the value was taken.
+// What is wrong with a value; empty if the value was stored.
 using Complaint = std::string_view;
 inline constexpr Complaint fine{};
 inline constexpr Complaint outOfRange = "is out of range";
@@ -63,7 +63,7 @@ inline Complaint take(const Scalar& value, std::uint64_t& target) {
   return takeInteger(value, target);
 }
 
-// A count of bytes or files. A negative one is none, so that the difference of two counts fits 64 bits.
+// A count of bytes or files. A negative count becomes 0, so that the difference of two counts fits 64 bits.
 inline Complaint takeCount(const Scalar& value, std::int64_t& target) {
   const Complaint complaint = takeInteger(value, target);
   target = std::max<std::int64_t>(target, 0);
@@ -80,7 +80,7 @@ inline Complaint take(const Scalar& value, bool& target) {
 inline Complaint take(const Scalar& value, std::string& target) {
   const auto* text = std::get_if<const std::string*>(&value);
   if (text == nullptr) return notAString;
-  target = **text;  // a copy takes just the room it needs; the parser's own string is a growing buffer
+  target = **text;  // copy: moving would keep the larger capacity of the parser's buffer
   return fine;
 }
 
@@ -100,7 +100,7 @@ inline Complaint take(const Scalar& value, Date& target) {
   return fine;
 }
 
-// A file can have any time stamp, so a time outside the range of Date becomes the nearest Date, as in a scan.
+// A file can have any time stamp. A time outside the range of Date becomes the nearest Date, as in a scan.
 inline Complaint takeModified(const Scalar& value, Date& target) {
   const auto seconds = number(value);
   if (!seconds) return notANumber;
@@ -110,7 +110,7 @@ inline Complaint takeModified(const Scalar& value, Date& target) {
   return fine;
 }
 
-// One key of an object. `take` stores a value in the record, or says why the value is refused.
+// A key of an object. `take` stores a value in the record, or returns what is wrong with the value.
 template <class Record>
 struct Key {
   std::string_view name;

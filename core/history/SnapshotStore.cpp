@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::string_view extension = ".json";
 
-// A whole-disk tree takes a few megabytes; a file beyond this is none of ours.
+// A scan of a whole disk takes a few megabytes; a file larger than this is no stored scan.
 constexpr std::size_t largestFile = std::size_t{1} << 30U;
 
 std::optional<Date> dateOfFileName(std::string_view name) {
@@ -35,12 +35,13 @@ std::optional<Date> dateOfFileName(std::string_view name) {
   return dateAfter(std::chrono::seconds{0}, seconds);
 }
 
-// The folder that holds one folder for each root besides the home folder and the whole disk.
+// Contains one folder for each scanned root other than the home folder and the whole disk.
 std::string otherRoots() {
   return Paths::join(UserFolders::data(), "Spacemint/Other Snapshots");
 }
 
-// A name of fixed length for any path: its 64-bit FNV-1a hash in hexadecimal digits.
+// The folder name for a root: the path's 64-bit FNV-1a hash in hexadecimal digits, so that the length is
+// fixed.
 std::string folderNameOf(const std::string& root) {
   std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
   for (const char byte : root) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100'0000'01b3;
@@ -60,7 +61,7 @@ std::vector<std::string> foldersIn(const std::string& path) {
   return folders;
 }
 
-// `remove` alone would take an empty folder, too; nothing but a file is a scan.
+// Deletes a file, but never a folder: `std::filesystem::remove` would also delete an empty folder.
 void removeFile(const std::filesystem::path& path) {
   std::error_code failure;
   const auto status = std::filesystem::symlink_status(path, failure);
@@ -133,14 +134,14 @@ void SnapshotStore::prune(const Retention& retention) const {
   std::size_t position = 0;
   for (const Entry& entry : entries(retention.now)) {
     const bool isNewest = position++ < retention.alwaysKept;
-    // Without a usable zone the days are those of Greenwich, which `UTC` always names.
+    // With an unknown time zone, use days in UTC.
     const auto day =
         calendarDay(entry.date, retention.timeZone).or_else([&] { return calendarDay(entry.date, "UTC"); });
     if (isNewest || entry.date >= oldest) {
       const bool isFirstOfDay = !day || keptDays.insert(*day).second;
       if (isNewest || isFirstOfDay) continue;
     }
-    log(LogLevel::debug, "a stored scan is no longer kept: " + entry.path);
+    log(LogLevel::debug, "deleting an old stored scan: " + entry.path);
     removeFile(entry.path);
   }
 }

@@ -9,15 +9,16 @@
 
 namespace spacemint {
 
-/// A folder with one file per scan, named after the second in which the scan finished. A value without state
-/// besides its folder; every call reads the folder afresh. Any thread; saves are atomic, so readers see
-/// complete files only.
+/// A folder of stored scans: one file per scan, named after the second in which the scan finished. The object
+/// holds only the folder's path; every call reads the folder again and blocks for the disk. Any thread; saves
+/// are atomic, so readers see only complete files.
 ///
-/// A scan dated after now (the clock was set back) counts as a scan of an unknown, earlier time.
+/// A scan dated in the future (because the clock was set back) counts as an earlier scan with an unknown
+/// date.
 struct SnapshotStore {
   /// One file of the history, identified by its path.
   struct Entry {
-    /// The time that the file name gives.
+    /// The date in the file's name.
     Date date = {};
     std::string path;
 
@@ -25,8 +26,9 @@ struct SnapshotStore {
     bool operator==(const Entry&) const = default;
   };
 
-  /// Which scans `prune` keeps: the `alwaysKept` newest, and the newest of each calendar day back to `days`
-  /// days before `now`. Days are those of `timeZone`; with an unknown zone the limit is `now` itself.
+  /// Which scans `prune` keeps: the `alwaysKept` newest scans, and the newest scan of each calendar day from
+  /// `days` days before `now` on. Days are calendar days in `timeZone`; with an unknown zone only the
+  /// `alwaysKept` newest and scans dated after `now` remain.
   struct Retention {
     int days = 14;
     Date now = {};
@@ -36,36 +38,36 @@ struct SnapshotStore {
 
   std::string directory;
 
-  /// The user's history: the scans of the home folder and of the whole disk, on which the application lives.
+  /// The user's history, which the application shows: scans of the home folder and of the whole disk.
   static SnapshotStore standard();
 
-  /// Where scans of `root` are kept: in `standard()` for the home folder and the whole disk, else in a folder
-  /// of their own, so that they never push a scan of another root out.
+  /// The store for scans of `root`: `standard()` for the home folder and the whole disk, otherwise a separate
+  /// folder for this root, so that pruning never removes scans of other roots.
   static SnapshotStore ofRoot(const std::string& root);
 
-  /// `standard()` and the store of every other root that has scans.
+  /// `standard()`, and the stores of all other roots that have scans.
   static std::vector<SnapshotStore> all();
 
-  /// Newest first, scans dated after `now` last; empty for a folder that is missing or cannot be read. A file
-  /// whose name is not a number followed by ".json" does not exist for the store.
+  /// The stored scans, newest first, with scans dated after `now` last. Empty if the folder is missing or
+  /// cannot be read. Ignores files whose name is not a number followed by ".json".
   std::vector<Entry> entries(Date now = Date::max()) const;
 
-  /// The order of `entries`.
+  /// Sorts in the order of `entries`.
   static void sortNewestFirst(std::vector<Entry>& entries, Date now);
 
-  /// Fails with the error of reading or of `SnapshotCodec::decode`.
+  /// Reads a stored scan. Fails with the error of reading the file or of `SnapshotCodec::decode`.
   std::expected<Snapshot, Error> load(const Entry& entry) const;
 
-  /// Publishes the snapshot under its date in whole seconds, in the place of an earlier one of that second.
-  /// Creates the folder where it is missing.
+  /// Stores the snapshot under its date in whole seconds; replaces a scan of the same second. Creates the
+  /// folder if it is missing. Fails with the error of encoding or writing.
   std::expected<Entry, Error> save(const Snapshot& snapshot) const;
 
-  /// Deletes what falls outside the retention; a file that cannot be deleted stays. Of the scans dated after
-  /// `Retention::now` the newest of each day stays.
+  /// Deletes the scans that `retention` does not keep; ignores files that cannot be deleted. Of the scans
+  /// dated after `Retention::now`, keeps the newest of each day.
   void prune(const Retention& retention) const;
 
-  /// Prunes the store of every root besides the home folder and the whole disk. Where the newest scan of a root
-  /// is older than `Retention::days`, all scans of that root are deleted.
+  /// Prunes the stores of all roots other than the home folder and the whole disk. If the newest scan of a
+  /// root is older than `Retention::days`, deletes all scans of that root.
   static void pruneOthers(Retention retention);
 };
 

@@ -7,21 +7,21 @@
 
 namespace spacemint {
 
-/// The one writer of the current snapshot. Calls from several threads run one at a time, and an older state
-/// that arrives after a newer one is dropped, so the order of arrival does not matter.
+/// Saves successive revisions of the current snapshot. Any thread: calls run one at a time, and a revision
+/// that arrives after a newer one is dropped, so the order of the calls does not matter.
 class SnapshotWriter {
  public:
   explicit SnapshotWriter(SnapshotStore store) : store_(std::move(store)) {}
 
-  /// Saves the snapshot unless this or a newer revision has been saved; answers true if it saved. Snapshots
-  /// are told apart by their exact date. Fails with the error of the store; the revision may then be tried
-  /// again. Blocks until earlier calls are done.
+  /// Saves the snapshot unless this or a newer revision of it was saved before; returns true if it was saved
+  /// now. `snapshot.date` identifies the snapshot. Blocks until earlier calls are done. Fails with the error
+  /// of the store; the same revision can then be saved again.
   std::expected<bool, Error> save(const Snapshot& snapshot, std::int64_t revision);
 
  private:
   std::mutex mutex_;
   const SnapshotStore store_;
-  std::map<Date, std::int64_t> written_;  // the highest revision of each snapshot
+  std::map<Date, std::int64_t> written_;  // the highest saved revision of each snapshot
 };
 
 }  // namespace spacemint

@@ -7,8 +7,8 @@
 
 namespace spacemint {
 
-/// What the file at `path` takes on the disk, shared evenly among its names, as a scan counts it; a link's
-/// own. Absent when it cannot be looked at.
+/// The bytes that the file at `path` occupies on the disk, divided by the number of its hard links, as a scan
+/// counts them. Does not follow a symbolic link. Absent if the file cannot be read by lstat(). Any thread.
 std::optional<Bytes> allocatedSize(const std::string& path);
 
 }  // namespace spacemint

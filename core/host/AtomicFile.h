@@ -9,19 +9,20 @@
 
 namespace spacemint {
 
-/// Creates `path` with any missing folders above it, each open to its owner only (0700). A folder that is
-/// there already is left as it is.
+/// Creates the folder `path` and all missing folders above it with mode 0700. Does not change existing
+/// folders. Any thread.
 std::expected<void, Error> createPrivateFolders(const std::string& path);
 
-/// Publishes `contents` as the file at `path` (0600), all or nothing and durably: a temporary file in the
-/// same folder is written and flushed to the disk, moved over the target, and the folder flushed. On failure
-/// the earlier file is untouched and the temporary one gone. Several processes may publish at once; the last
-/// wins. A symbolic link at `path` is followed. Left-overs of writers that died more than `leftOverAge` ago
-/// are removed from the folder.
+/// Replaces the file at `path` with `contents` (mode 0600), atomically and durably: writes a temporary file
+/// in the same folder, flushes the file, renames it to `path` and flushes the folder. On failure the old file
+/// is unchanged and the temporary file is removed. Several processes may write at the same time; the last one
+/// wins. Follows a symbolic link at `path`. Also removes temporary files in the folder that are older than
+/// `leftOverAge`. Blocks for the disk; any thread.
 std::expected<void, Error> writeFileAtomically(const std::string& path, std::string_view contents);
 inline constexpr std::chrono::hours leftOverAge{1};
 
-/// The whole regular file at `path`; fails with EFBIG when it is larger than `limit` bytes. Never blocks.
+/// Reads the whole regular file at `path`. Fails with EFBIG if the file is larger than `limit` bytes, with
+/// EISDIR for a folder and with EINVAL for a pipe or device, which it does not wait for. Any thread.
 std::expected<std::string, Error> readFile(const std::string& path, std::size_t limit);
 
 }  // namespace spacemint

@@ -23,11 +23,12 @@ struct DefaultsStore::Contents {
 
 namespace {
 
-// More than anybody nests settings, and little enough for functions that call themselves.
+// More nesting than real settings have, and little enough for recursive functions.
 constexpr std::size_t maximumDepth = 32;
 constexpr int maximumDamagedFiles = 10'000;
 
-// Stops at what the library would accept and then lose or trip over: a name given twice, endless nesting.
+// Rejects documents that the JSON library accepts but does not handle well: it would drop one of two equal
+// keys, and recurse too deep in nested values.
 class StructureCheck : public nlohmann::json_sax<json> {
  public:
   bool null() override { return true; }
@@ -71,7 +72,7 @@ std::expected<json, Error> readObject(const std::string& path) {
   if (!text && text.error().isSystem(EFBIG)) return std::unexpected(damage(path, "too large for settings"));
   if (!text) return std::unexpected(std::move(text.error()));
   StructureCheck check;
-  // The library takes a zero byte for the end of the text and would lose what follows.
+  // The JSON library would stop at a zero byte and ignore the rest.
   if (text->contains('\0') || !json::sax_parse(*text, &check))
     return std::unexpected(damage(path, "not well-formed JSON"));
   json object = json::parse(*text, nullptr, false);
@@ -145,7 +146,7 @@ std::optional<Held> heldBy(const std::optional<DefaultsValue>& value) {
   return held == nullptr ? std::nullopt : std::optional<Held>{*held};
 }
 
-// A link that its user put in the file's place stays, and the file that it names is the one that changes.
+// If the user replaced the settings file by a symbolic link, write to the link's target and keep the link.
 std::string fileToWrite(const std::string& path) {
   std::error_code failure;
   const std::filesystem::path named = std::filesystem::canonical(path, failure);
@@ -168,8 +169,8 @@ DefaultsStore::DefaultsStore(std::string path, Access access)
       contents_(std::make_unique<Contents>()) {
   refresh();
   if (!isDamage(readError_) || access_ == Access::readOnly) return;
-  // Another process may be setting the same file aside, or have done so: look again under the lock. Where the
-  // file cannot be moved it stays, readError_ says that it is damaged, and a change will report why.
+  // Another process may have moved the damaged file already: read again under the lock. If the file cannot be
+  // moved, the file stays in place, readError_ keeps the damage, and the next change fails with the reason.
   if (const auto locked = lock()) static_cast<void>(readForChange());
 }
 
@@ -250,7 +251,8 @@ std::expected<void, Error> DefaultsStore::copy(const DefaultsStore& from,
 }
 
 void DefaultsStore::refresh() {
-  // Taken before reading: what changes meanwhile then differs from it, and is read next time.
+  // Take the stamp before reading. If the file changes during the read, the stamp is outdated and the next
+  // refresh reads the file again.
   const FileStamp stamp = fileStamp(path_);
   if (stamp_ == stamp) return;
   auto object = readObject(path_);
@@ -274,7 +276,7 @@ std::expected<FileLock, Error> DefaultsStore::lock() const {
   return FileLock::take(path_ + ".lock");
 }
 
-// With the lock held: the file as it is now, or no file where it is damaged.
+// The caller holds the lock. Reads the current file; moves a damaged file aside.
 std::expected<void, Error> DefaultsStore::readForChange() {
   stamp_.reset();
   refresh();

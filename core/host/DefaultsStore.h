@@ -18,34 +18,34 @@
 
 namespace spacemint {
 
-/// One value of the store, and what an array there may hold.
+/// The types of values in the store; `DefaultsElement` is an element of an array.
 using DefaultsElement = std::variant<std::int64_t, bool, std::string>;
 using DefaultsArray = std::vector<DefaultsElement>;
 using DefaultsValue = std::variant<std::int64_t, bool, std::string, DefaultsArray>;
 using DefaultsValues = std::map<std::string, DefaultsValue, std::less<>>;
 
-/// A user's key-value store: one JSON object in one file (docs/formats/settings.md).
+/// A user's key-value store: a JSON object in a file (docs/formats/settings.md).
 ///
-/// - A read answers the stored value, else the registered default, else nothing. A stored value hides the
-///   default also when it is of another type than the one asked for; then the answer is nothing.
-/// - A change is on the disk when `set` returns, and what other processes stored under other keys stays. So
-///   do values of types that the store does not know.
-/// - A damaged file is moved aside, when the store opens or before a change, and never overwritten or
-/// deleted.
-///   A file that cannot be read for another reason is left alone, and changes fail. In both cases the values
-///   read before serve: at the start, the defaults.
+/// - A read returns the stored value; if there is none, the registered default; otherwise nothing. If the
+///   stored value has another type than the read function, the function returns nothing, not the default.
+/// - When `set` returns, the change is on the disk. It keeps values that other processes stored under other
+///   keys, and values of types that the store does not support.
+/// - A damaged file is moved aside when the store opens or before a change, and never overwritten or deleted.
+///   If the file cannot be read for another reason, it stays as it is and changes fail. In both cases the
+///   store keeps the values read before; when it opens, those are the registered defaults.
 ///
-/// One thread at a time. Other processes may use the same file.
+/// One thread at a time. Other processes may use the same file at the same time.
 class DefaultsStore {
  public:
   enum class Access { readWrite, readOnly };
 
-  /// The largest file that is read or written, in bytes.
+  /// The largest size of the file, in bytes.
   static constexpr std::size_t maximumSize = 1'000'000;
-  /// Domain of the error of a damaged file.
+  /// The domain of errors about a damaged file.
   static constexpr std::string_view damaged = "damaged settings";
 
-  /// A file that is not there is an empty store; `set` makes it, with the folders above it (0700).
+  /// Reads the file at `path`. A missing file is an empty store; the first change creates the file and
+  /// missing folders above it (0700).
   explicit DefaultsStore(std::string path, Access access = Access::readWrite);
   DefaultsStore(const DefaultsStore&) = delete;
   DefaultsStore& operator=(const DefaultsStore&) = delete;
@@ -53,46 +53,48 @@ class DefaultsStore {
   DefaultsStore& operator=(DefaultsStore&&) noexcept;
   ~DefaultsStore();
 
-  /// The application's own store.
+  /// The store of the user's settings, shared by all programs of the product.
   static DefaultsStore standard();
-  /// The store of the product's former name, to be read only; absent where there is none.
+  /// The settings of the product's former name, opened read-only; absent if the file does not exist.
   static std::optional<DefaultsStore> formerProduct();
 
-  /// Values that answer for keys without a stored value. They are never written.
+  /// Sets the values that the read functions return for keys without a stored value. They are never written
+  /// to the file.
   void registerDefaults(const DefaultsValues& values);
 
-  /// Whether a value of any type is stored under `key`; a registered default is none.
+  /// True if a value of any type is stored under `key`. Ignores registered defaults.
   bool has(std::string_view key) const;
 
   std::optional<DefaultsValue> value(std::string_view key) const;
-  /// A stored number with a fraction is cut off towards zero.
+  /// A stored number with a fraction is rounded toward zero.
   std::optional<std::int64_t> integer(std::string_view key) const;
   std::optional<bool> boolean(std::string_view key) const;
   std::optional<std::string> string(std::string_view key) const;
-  /// The array under `key` when it holds strings only.
+  /// The array under `key`; absent if an element is not a string.
   std::optional<std::vector<std::string>> strings(std::string_view key) const;
 
-  /// Stores the value at once. Fails, with the file as it was, where it cannot be read or written, where it
-  /// would pass `maximumSize` (EFBIG) and for text that is not UTF-8 (EILSEQ).
+  /// Writes the value to the file before returning. Fails, without changing the file, if the file cannot be
+  /// read or written, would be larger than `maximumSize` (EFBIG), if a text is not UTF-8 (EILSEQ), or if the
+  /// store is read-only (EROFS). May block while another process holds the lock.
   std::expected<void, Error> set(std::string_view key, const DefaultsValue& value);
   std::expected<void, Error> remove(std::string_view key);
-  /// Takes over, in one change, the values that `from` stores under `keys`, of whatever type they are.
+  /// Copies the values of any type that `from` stores under `keys`, in a single change. Fails like `set`.
   std::expected<void, Error> copy(const DefaultsStore& from, std::span<const std::string_view> keys);
 
-  /// Reads the file again when it is another than the one read last. A damaged one stays where it is:
-  /// somebody may be writing it.
+  /// Reads the file again if it changed since the last read. Does not move a damaged file: another program
+  /// may be writing to it.
   void refresh();
 
-  /// Grows whenever the file was found to hold other values than this store: what another process stored,
-  /// seen by `refresh` or on the way of a change.
+  /// Increases whenever a read (by `refresh` or before a change) finds values that another process has
+  /// stored.
   std::uint64_t revision() const { return revision_; }
 
-  /// Why the file could not be read last time; absent when it was read or is not there.
+  /// Why the last read failed; absent if the read succeeded or the file does not exist.
   const std::optional<Error>& readError() const { return readError_; }
-  /// Where this store moved damaged files.
+  /// The paths to which this object moved damaged files.
   const std::vector<std::string>& setAside() const { return setAside_; }
-  /// True when a damaged file of this store lies beside it, moved there by this or an earlier process: the
-  /// user had settings, though none are stored now.
+  /// True if the settings file is damaged, or if a process moved a damaged one aside earlier: the user had
+  /// settings although none may be stored now.
   bool hasDamagedFile() const;
   const std::string& path() const { return path_; }
 

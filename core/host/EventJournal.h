@@ -13,7 +13,7 @@
 
 namespace spacemint {
 
-/// Why a journal cannot say what changed. The caller must then assume that everything changed.
+/// Why a journal cannot report changes. The caller must then assume that everything changed.
 enum class JournalError : std::uint8_t {
   /// No recorder runs for this folder.
   notRecording,
@@ -30,14 +30,14 @@ enum class JournalError : std::uint8_t {
   /// Another folder is now at the path of the recorded one.
   rootReplaced,
   unmounted,
-  /// More folders changed than an answer may name.
+  /// More folders changed than an answer may contain.
   tooManyChanges,
   /// The file system can change without events: another computer or a lower file system writes to it.
   unreportedChanges,
   failed,
 };
 
-/// The reason in words that fit after "because": "the recorder lost events", for instance.
+/// The reason as a clause that fits after "because", such as "the recorder lost events".
 std::string_view textOf(JournalError error);
 
 /// The folders that changed, as full paths at or below the root of the query.
@@ -50,29 +50,31 @@ struct FolderChanges {
   bool operator==(const FolderChanges&) const = default;
 };
 
-/// A question to a journal.
+/// A query to a journal.
 struct JournalQuery {
   /// The recorded folder, spelled exactly as the recorder was started with it.
   std::string root = {};
-  /// The event id that the earlier scan carries.
+  /// The event id stored with the earlier scan.
   std::uint64_t since = 0;
-  /// The longest wait for an answer, roughly.
+  /// Approximately the longest wait for an answer.
   std::chrono::milliseconds timeout{60'000};
-  /// Polled while the call waits, at least ten times a second; true ends the wait. May be empty.
+  /// Called at least ten times a second while the call waits; true ends the wait. May be empty.
   std::function<bool()> shouldCancel = {};
 };
 
 /// A folder listing for one full scan, which registers every folder with the recorder before it is listed, so
-/// that the scan also sets up the recorder. If it is destroyed before `finish`, nothing is recorded.
+/// that the scan also sets up the recorder. If the listing is destroyed before `finish`, the recorder records
+/// nothing.
 class RecordingCrawl : public FolderListing {
  public:
-  /// The id that the scan must carry. The next answer then includes the changes made during the scan.
+  /// The event id to store with the scan. The next answer then includes the changes made during the scan.
   virtual std::uint64_t eventID() const = 0;
-  /// Call when the scan has visited every folder. From now on queries are answered.
+  /// Call when the scan has visited every folder. From then on the recorder answers queries.
   virtual void finish() = 0;
 };
 
-/// Knows what changed below a folder since an earlier moment. All functions may be called from any thread.
+/// Reports which folders below a root changed since an earlier time. All functions may be called from any
+/// thread.
 class EventJournal {
  public:
   EventJournal() = default;
@@ -80,19 +82,20 @@ class EventJournal {
   EventJournal& operator=(const EventJournal&) = delete;
   virtual ~EventJournal() = default;
 
-  /// An id for this moment, larger than every id given before; 0 when `query.root` is not recorded. Ignores
-  /// `query.since`. Blocks for 5 seconds at most.
+  /// An id for the current time, larger than every id returned before; 0 if `query.root` is not recorded.
+  /// Ignores `query.since`. Blocks for at most 5 seconds.
   virtual std::uint64_t currentEventID(const JournalQuery& query) = 0;
 
-  /// Every folder that changed after `query.since`, including all changes made before this call.
+  /// The folders that changed after `query.since`. Includes all changes made before this call. Blocks for
+  /// about `query.timeout` at most.
   virtual std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) = 0;
 
-  /// Starts to record `root`, for a full scan that then lists through the result. Null when `root` is
-  /// recorded already, and when this journal cannot record it.
+  /// Starts to record `root` and returns the listing that the full scan must use. Null if `root` is already
+  /// recorded or this journal cannot record it.
   virtual std::unique_ptr<RecordingCrawl> beginCrawl(const std::string& root);
 };
 
-/// The journal of this user's recorders, in whichever process they run. It records nothing itself.
+/// A journal that queries the recorders of this user in all processes. It records nothing itself.
 std::unique_ptr<EventJournal> hostEventJournal();
 
 }  // namespace spacemint

@@ -7,51 +7,53 @@
 
 namespace spacemint {
 
-/// Records what changes below one folder for as long as it exists. It answers its own process directly and
-/// other processes of the same user through `hostEventJournal`. All functions may be called from any thread.
+/// Records the changes below a folder until it is destroyed. Its own process queries the recorder directly;
+/// other processes of the same user query it through `hostEventJournal`. All functions may be called from any
+/// thread.
 class EventRecorder : public EventJournal {
  public:
   struct Options {
-    /// The folder to record, spelled as scans spell it: absolute, without "/" at the end.
+    /// The folder to record, spelled as in scans: absolute, without a trailing "/".
     std::string root = {};
     /// The folder for the socket and the lock file. Empty means "spacemint" in `UserFolders::runtime`;
-    /// without a runtime folder recording fails, because the lock has to be there.
+    /// without a runtime folder recording fails, because the lock file must be in it.
     std::string endpointFolder = {};
     /// The folder for the session counter. Empty means "spacemint" in `UserFolders::state`.
     std::string stateFolder = {};
-    /// The largest number of folders to watch; 0 means most of what the kernel allows.
+    /// The largest number of folders to watch; 0 means most of the number that the kernel allows.
     std::size_t watchLimit = 0;
-    /// True starts with a crawl by the recorder itself. False waits for a scan that calls `beginCrawl`.
+    /// True: the recorder itself crawls the folder at start. False: it waits for a scan that calls
+    /// `beginCrawl`.
     bool crawlsAtOnce = true;
   };
 
   struct Status {
-    /// Why queries cannot be answered now; absent while they can.
+    /// Why the recorder cannot answer queries now; absent if it can.
     std::optional<JournalError> error = {};
-    /// Folders known below the root, the root included.
+    /// The number of known folders, including the root.
     std::size_t folders = 0;
-    /// Folders that are watched. The others are crawled by every scan.
+    /// The number of watched folders. Every scan walks the others.
     std::size_t watches = 0;
-    /// One mark on the whole file system takes the place of a kernel watch on each folder.
+    /// True if one mark on the whole file system replaces the kernel's watches on single folders.
     bool marksFileSystem = false;
-    /// Bytes of this process that the map of folders and the watches take.
+    /// Bytes of this process's memory for the map of folders and the watches.
     std::size_t memory = 0;
-    /// The command that raises the kernel's limit of watches; empty unless that limit was reached.
+    /// A command that raises the kernel's limit of watches; empty if the limit was not reached.
     std::string limitAdvice = {};
   };
 
-  /// Starts a recorder with its own threads. Fails with EBUSY when another process of the user records the
-  /// same folder, with EMFILE when the kernel allows no more watchers, and when the root cannot be opened.
-  /// A crawl keeps its recorder alive.
+  /// Starts a recorder with its own threads. Fails with EBUSY if another process of the user records the same
+  /// folder, with EMFILE if the kernel allows no more inotify instances, and with the errno of
+  /// opening the root. A crawl keeps its recorder alive.
   static std::expected<std::shared_ptr<EventRecorder>, Error> start(Options options);
 
-  /// Waits until queries are answered. False when that takes longer than `timeout`, and at once when
-  /// recording failed for good. Lost events are no such failure: the recorder then crawls again by itself.
+  /// Waits until the recorder answers queries. False after `timeout`, or at once if recording failed
+  /// permanently. Lost events are not a permanent failure: the recorder then crawls again.
   virtual bool waitUntilRecording(std::chrono::milliseconds timeout) = 0;
 
   virtual Status status() = 0;
 
-  /// Ends the recording and every wait for it. The destructor does the same.
+  /// Ends the recording and all waits for it. The destructor does the same.
   virtual void stop() = 0;
 };
 

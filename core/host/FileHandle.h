@@ -6,7 +6,7 @@
 
 namespace spacemint {
 
-/// Owns an open file descriptor: of a file, a folder, a pipe or a socket.
+/// Owns a file descriptor (of a file, folder, pipe or socket) and closes it. One thread at a time.
 class FileHandle {
  public:
   FileHandle() = default;

@@ -8,13 +8,14 @@
 
 namespace spacemint {
 
-/// The right to change what several processes of one user change together, held until it is destroyed or its
-/// process dies. Advisory: it binds only those that take it.
+/// An exclusive lock between processes of one user, held until the object is destroyed or the process dies.
+/// The lock is advisory: processes that do not take the lock are not stopped.
 class FileLock {
  public:
-  /// Waits for the lock on the file at `path`, which is made (0600) where it is missing and never removed.
+  /// Locks the file at `path`; waits while another process holds the lock. Creates the file (0600) if it is
+  /// missing and never removes it.
   static std::expected<FileLock, Error> take(const std::string& path);
-  /// Takes the lock or fails with EWOULDBLOCK where somebody else has it.
+  /// Locks the file at `path`, or fails with EWOULDBLOCK if another process holds the lock.
   static std::expected<FileLock, Error> takeAtOnce(const std::string& path);
 
  private:

@@ -8,17 +8,17 @@
 
 namespace spacemint {
 
-/// The operations on whole files and folders that a caller hands to what needs them.
+/// Operations on whole files and folders, as functions, so that callers can pass their own.
 struct FileManager {
-  /// Whether something stands at the path: a file, a folder, a link wherever it leads, or what this user may
-  /// not look at.
+  /// True if there is a file, a folder or a symbolic link (also a broken link) at the path, or an item that
+  /// this user may not access.
   std::function<bool(const std::string& path)> exists;
 
-  /// Renames a file or a folder with all that is in it, in one step. Never replaces: fails with EEXIST where
-  /// something stands at `to` already. Fails with EXDEV across file systems; nothing is copied.
+  /// Renames a file or a folder atomically. Never replaces an item: fails with EEXIST if `to` exists. Never
+  /// copies: fails with EXDEV between file systems.
   std::function<std::expected<void, Error>(const std::string& from, const std::string& to)> move;
 
-  /// The operations of this system.
+  /// The operations of the operating system.
   static FileManager host();
 };
 

@@ -8,7 +8,8 @@
 
 namespace spacemint {
 
-/// What tells one version of a file from another without reading it. All zero where there is no file to see.
+/// Identifies a version of a file without reading its contents. All members are 0 if the file does not exist
+/// or cannot be accessed.
 struct FileStamp {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
@@ -16,7 +17,7 @@ struct FileStamp {
   std::int64_t modifiedSeconds = 0;
   std::int64_t modifiedNanoseconds = 0;
 
-  /// When the contents were last changed, in whole seconds; absent where there is no file to see.
+  /// When the contents last changed, in whole seconds; absent if all members are 0.
   std::optional<Date> modified() const {
     return inode == 0 ? std::nullopt : std::optional{dateFromUnixSeconds(modifiedSeconds)};
   }
@@ -24,7 +25,7 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
-/// The stamp of the file at `path`; of what it names where it is a link.
+/// The stamp of the file at `path`. Follows symbolic links. Any thread.
 FileStamp fileStamp(const std::string& path);
 
 }  // namespace spacemint

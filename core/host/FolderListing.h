@@ -21,31 +21,31 @@ struct Entry {
   /// Valid until the next batch is read into the same buffer; followed by a NUL byte.
   std::string_view name;
   EntryType type = EntryType::other;
-  /// Why the facts below could not be read (an errno), or 0.
+  /// An errno if the members below could not be read, or 0.
   int error = 0;
   std::uint32_t links = 1;
-  /// The volume that a folder is on; `otherVolume` for what something else is mounted on.
+  /// The device number of a folder's volume; `otherVolume` for a mount point.
   std::uint64_t device = 0;
-  /// Content modification time, whole seconds since 1970.
+  /// When the content last changed, in seconds since 1970-01-01 00:00:00 UTC.
   std::int64_t modified = 0;
   Bytes allocated = 0;
 
   static constexpr std::uint64_t otherVolume = ~std::uint64_t{0};
 };
 
-/// Memory for one batch of entries. Each listing thread reuses its own buffer.
+/// Memory for a batch of entries. Every thread that lists folders reuses its own buffer.
 struct ListingBuffer {
   static constexpr std::size_t size = 262'144;
 
-  /// Not initialised, so that unused pages take no memory.
+  /// Not initialized, so that unused pages occupy no memory.
   std::unique_ptr<std::byte[]> bytes = std::make_unique_for_overwrite<std::byte[]>(size);
   std::vector<Entry> entries;
 };
 
-/// Some entries of a folder in listing order; none at the folder's end.
+/// Some entries of a folder in listing order; empty at the end of the folder.
 struct Batch {
   std::span<const Entry> entries;
-  /// Why the listing ended early (an errno), or 0.
+  /// An errno if the listing ended early, or 0.
   int error = 0;
 };
 
@@ -59,14 +59,15 @@ class OpenFolder {
   OpenFolder& operator=(const OpenFolder&) = delete;
   virtual ~OpenFolder() = default;
 
-  /// The volume that the folder is on.
+  /// The device number of the folder's volume.
   virtual std::uint64_t device() const = 0;
 
-  /// Every entry once, hidden ones included, never "." and "..".
+  /// Returns the next entries. Each entry is returned once, including hidden ones, excluding "." and "..".
+  /// Blocks for the disk.
   virtual Batch nextBatch(ListingBuffer& buffer) = 0;
 
   /// Opens a subfolder relative to this handle without following a symbolic link. Fails with an errno: EXDEV
-  /// for a folder on another volume, ENOENT, ENOTDIR or ELOOP for one that is no longer there.
+  /// for a folder on another volume; ENOENT, ENOTDIR or ELOOP if the folder no longer exists.
   virtual std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) = 0;
 };
 
@@ -78,16 +79,17 @@ class FolderListing {
   FolderListing& operator=(const FolderListing&) = delete;
   virtual ~FolderListing() = default;
 
-  /// Opens the folder at `root`, following a symbolic link given as the root itself. What is opened from it
-  /// stays on its volume.
+  /// Opens the folder at `root`. Follows symbolic links in `root`. Subfolders on other volumes cannot be
+  /// opened from the result.
   virtual std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) = 0;
 };
 
-/// The listing of this system's own disks. Never opens file contents, nor what is mounted below the root.
+/// The listing of this computer's file systems. Never opens files, and never opens other volumes mounted
+/// below the root.
 std::unique_ptr<FolderListing> hostFolderListing();
 
-/// How many folders a process may hold open on this system at once, after raising the limit to `wanted` as
-/// far as that is allowed. It is never lowered.
+/// Raises the process's limit of open files to `wanted`, or as far as the system allows, and returns the
+/// limit. Never lowers it. Returns 0 if the limit cannot be read.
 std::size_t raiseOpenFileLimit(std::size_t wanted);
 
 }  // namespace spacemint

@@ -2,8 +2,8 @@
 
 namespace spacemint {
 
-/// Gives memory that was freed back to the system, where the allocator keeps it. After a lot was freed; takes
-/// some milliseconds. Any thread.
+/// Returns freed memory from the allocator to the operating system. Call it after freeing a lot; takes some
+/// milliseconds. Any thread.
 void giveBackFreedMemory();
 
 }  // namespace spacemint

@@ -2,8 +2,8 @@
 
 namespace spacemint {
 
-/// Puts the calling thread into the idle I/O class for as long as the object exists: the disk serves other
-/// programs first. Must be destroyed on the same thread. Where the system refuses, it has no effect.
+/// Gives the calling thread idle I/O priority while the object exists: the disk serves other programs first.
+/// Destroy the object on the same thread. Has no effect if the system refuses.
 class ThrottledIo {
  public:
   ThrottledIo();

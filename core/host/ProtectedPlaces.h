@@ -5,11 +5,11 @@
 
 namespace spacemint {
 
-/// Places that only a program with the right to see all of the user's files can open, in the order in which
-/// they are tried.
+/// Paths that a program can open only if it may read all of the user's files, in the order in which to try
+/// them.
 std::vector<std::string> protectedPlaces();
 
-/// True when `path` can be opened for reading; it is closed at once and nothing is read.
+/// True if `path` can be opened for reading. Reads nothing and does not wait for pipes. Any thread.
 bool canOpen(const std::string& path);
 
 }  // namespace spacemint

@@ -12,7 +12,7 @@
 
 namespace spacemint {
 
-/// Device and inode: they tell one item of the disk from any other, whatever its name.
+/// Device and inode number. Together they identify an item on the disk, whatever its name.
 struct FileIdentity {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
@@ -20,25 +20,26 @@ struct FileIdentity {
   auto operator<=>(const FileIdentity&) const = default;
 };
 
-/// The identity of the item at `path`; of a link itself, not of its target.
+/// The identity of the item at `path`. Does not follow a symbolic link at the end of the path.
 std::expected<FileIdentity, Error> fileIdentity(const std::string& path);
 
-/// The first mount point at or below `folder`; absent where there is none.
+/// The first mount point at or below `folder` in the kernel's table; absent if there is none or the folder
+/// cannot be opened.
 std::optional<std::string> mountedIn(const std::string& folder);
 
-/// One item to remove, and what must still hold when that happens.
+/// An item to remove, and conditions that must hold at the time of the removal.
 struct RemovalTarget {
   /// Absolute and without "..".
   std::string path;
-  /// Symbolic links are followed on the way to this folder (a home folder may lie behind one) and nowhere
-  /// after it. Where `path` does not lie in it, none is followed at all.
+  /// Symbolic links in the path of this folder are followed (a home folder may be reached through a link),
+  /// links below it are not. If `path` is not below this folder, no links are followed.
   std::string linksAllowedUpTo = {};
-  /// The confirmed item; absent to take the item that stands there.
+  /// The item that the user confirmed; absent to remove whatever item is at the path.
   std::optional<FileIdentity> identity = {};
 };
 
-/// Where and why a removal ended early. `error` has the errno; its message is a phrase to put behind the
-/// path: "belongs to root".
+/// Where and why a removal stopped. `error.code` is the errno; `error.message` is a phrase that follows the
+/// path in a sentence: "belongs to root".
 struct RemovalFailure {
   Error error;
   std::string path;
@@ -53,53 +54,55 @@ struct Removed {
   Bytes bytes = 0;
 };
 
-/// Counts the removed items, and stops the removal when its watcher says so. One thread.
+/// Counts removed items, and stops the removal if the watch function returns false. One thread at a time.
 class RemovalProgress {
  public:
-  /// Called before each entry, and now and then while a tool runs; false stops there.
+  /// Called before each entry, and repeatedly while a tool runs; false stops the removal.
   using Watch = std::function<bool(const Removed& soFar)>;
 
   explicit RemovalProgress(Watch watch = {}) : watch_(std::move(watch)) {}
 
   const Removed& removed() const { return removed_; }
-  /// Asks the watcher.
+  /// Calls the watch function.
   bool mayGoOn() const { return !watch_ || watch_(removed_); }
 
-  /// Counts an item that was just removed. `links` is how many names it had before that.
+  /// Counts an item that was just removed. `links` is the number of its hard links before the removal.
   void add(const FileIdentity& item, Bytes allocated, std::uint32_t links);
 
  private:
   Watch watch_;
   Removed removed_;
-  /// How many names a file had when its first one was removed.
+  /// The number of hard links that a file had before its first name was removed.
   std::map<FileIdentity, std::uint32_t> links_;
 };
 
-// The removal of files and folders for good. Each function blocks; any thread.
+// Functions that remove files and folders permanently. They block; any thread.
 //
-// No mode is changed, no symbolic link followed (but see `linksAllowedUpTo`), no other volume or mount
-// entered. The first entry that cannot be removed ends the removal; what is gone by then stays gone. An entry
-// that vanishes meanwhile counts as removed. Errors are those of system calls, among them:
+// They change no modes, follow no symbolic links (except `linksAllowedUpTo`) and enter no other volume or
+// mount. The first entry that cannot be removed ends the removal; entries removed before stay removed. An
+// entry that another program removes at the same time is no failure. Errors are those of system calls, among
+// them:
 //
-// - EXDEV: the item is a mount point or something is mounted in it. Where that is known beforehand nothing is
-//   removed at all.
-// - ESTALE: another item than `identity` stands at the path, or a folder was moved away during the removal.
-// - ELOOP: the item is a symbolic link, or a link stands on the way to it.
-// - EINVAL: not an absolute path, one with "..", or the root.
-// - ECANCELED: the watcher of `progress` stopped it.
+// - EXDEV: the item is a mount point or contains one. If that is known before the removal starts, nothing is
+//   removed.
+// - ESTALE: the item at the path is not `identity`, or a folder was moved away during the removal.
+// - ELOOP: the item is a symbolic link, or its path contains one.
+// - EINVAL: the path is not absolute, contains "..", or is "/".
+// - ECANCELED: the watch function of `progress` returned false.
 
-/// Removes the item with all that is in it.
+/// Removes a file, or a folder with its contents.
 std::expected<void, RemovalFailure> removeItem(const RemovalTarget& target, RemovalProgress& progress);
 
-/// Domain of the error where an `EntryCheck` kept an entry.
+/// The domain of the error if an `EntryCheck` refused an entry.
 inline constexpr std::string_view keptByCheck = "check";
 
-/// Why one entry must stay, as a phrase to put behind its path; absent where it may go.
+/// Returns why an entry must stay, as a phrase that follows the path in a sentence, or nothing if the entry
+/// may be removed.
 using EntryCheck = std::function<std::optional<std::string>(const std::string& path)>;
 
-/// Removes the entries of a folder in listing order; the folder itself stays. Links among them are removed as
-/// links. The first entry that `check` keeps ends it. The entries are those of the folder that was
-/// opened, also when its path leads elsewhere by then.
+/// Removes the entries of a folder in listing order; the folder itself stays. Removes symbolic links, not
+/// their targets. Stops at the first entry that `check` refuses. Keeps working on the folder that it opened,
+/// even if another folder appears at the path meanwhile.
 std::expected<void, RemovalFailure> emptyFolder(const RemovalTarget& folder, const EntryCheck& check,
                                                 RemovalProgress& progress);
 

@@ -8,7 +8,7 @@
 
 namespace spacemint {
 
-/// The Trash of the desktop, from which items can be restored. Blocks; any thread.
+/// The desktop's Trash, from which users can restore items. Functions block; any thread.
 class TrashCan {
  public:
   TrashCan() = default;
@@ -16,12 +16,12 @@ class TrashCan {
   TrashCan& operator=(const TrashCan&) = delete;
   virtual ~TrashCan() = default;
 
-  /// Moves one item there, a link as a link; returns its path in the Trash. On failure the item is where it
-  /// was.
+  /// Moves an item to the Trash and returns its path there. Moves a symbolic link itself, not its target. On
+  /// failure the item stays in its place.
   virtual std::expected<std::string, RemovalFailure> move(const RemovalTarget& target) = 0;
 };
 
-/// The Trash of this system.
+/// The Trash of this desktop.
 std::unique_ptr<TrashCan> hostTrash();
 
 }  // namespace spacemint

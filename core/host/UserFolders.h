@@ -6,28 +6,29 @@
 
 namespace spacemint {
 
-/// The user's own folders, as absolute paths without a trailing "/". Read at each call. Any thread that does
-/// not run beside a change of the environment.
+/// The user's folders, as absolute paths without a trailing "/". Not cached. Any thread, as long as no other
+/// thread changes the environment at the same time.
 namespace UserFolders {
 
-/// The value of an environment variable; absent where it is not set. The folders of the user's desktop
-/// (XDG_DOWNLOAD_DIR and the like) come from the settings file user-dirs.dirs where no variable names them.
+/// The value of an environment variable; absent if the variable is not set. For the desktop's folders
+/// (XDG_DOWNLOAD_DIR and the like) that are not set, returns the value in the settings file user-dirs.dirs.
 std::optional<std::string> environment(const std::string& name);
 
-/// The home folder: of the environment, else of the password database.
+/// The home folder: HOME, otherwise the entry in the password database, otherwise "/".
 std::string home();
-/// Where programs keep their data.
+/// The folder for programs' data: XDG_DATA_HOME, by default ~/.local/share.
 std::string data();
-/// Where programs keep their settings.
+/// The folder for programs' settings: XDG_CONFIG_HOME, by default ~/.config.
 std::string config();
-/// Where programs keep state that is neither.
+/// The folder for programs' state, which is neither data nor settings: XDG_STATE_HOME, by default
+/// ~/.local/state.
 std::string state();
-/// Where programs keep what they can make again.
+/// The folder for caches: XDG_CACHE_HOME, by default ~/.cache.
 std::string cache();
-/// The folders in which the desktop keeps the user's own files, in the language of that desktop: documents,
-/// downloads, pictures. Only those that are set and are not the home folder.
+/// The desktop's folders for the user's own files, such as documents, downloads and pictures, named in the
+/// desktop's language. Only folders that are set and are not the home folder.
 std::vector<std::string> personal();
-/// Where processes of one session find each other; empty where the session has no such folder.
+/// The folder for sockets of the user's session, XDG_RUNTIME_DIR; empty if the session has none.
 std::string runtime();
 
 }  // namespace UserFolders

@@ -4,8 +4,9 @@
 
 namespace spacemint {
 
-/// The user's time zone as a name of the time zone tables, such as "Europe/Berlin": the first known one of
-/// the environment and the machine's settings, else "UTC". Read at each call.
+/// The user's time zone, such as "Europe/Berlin": the first zone that ICU knows of TZ, /etc/timezone and
+/// /etc/localtime, otherwise "UTC". Not cached. Any thread, as long as no other thread changes the
+/// environment.
 std::string userTimeZone();
 
 }  // namespace spacemint

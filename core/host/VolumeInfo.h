@@ -7,30 +7,33 @@
 
 namespace spacemint {
 
-/// What the system says of a volume; each figure absent where it says nothing.
+/// Facts about a volume; a member is absent if the system does not report it.
 struct VolumeInfo {
   std::optional<std::string> name;
   std::optional<Bytes> total;
-  /// Free for what matters to the user, with what the system can clear on demand.
+  /// Free bytes including those that the system can free on demand; only some hosts report this.
   std::optional<Bytes> availableForImportantUsage;
   std::optional<Bytes> available;
 };
 
-/// The volume that holds `path`; absent when nothing is there or it cannot be asked. May block on a dead
-/// network volume.
+/// Reads the volume that contains `path`; absent if there is nothing at `path` or the volume cannot be read.
+/// May block for long on a network volume that does not answer. Any thread.
 std::optional<VolumeInfo> readVolumeInfo(const std::string& path);
 
-/// Where the volume that holds `path` is mounted; absent when that cannot be found out.
+/// The mount point of the volume that contains `path`; absent if it cannot be determined.
 std::optional<std::string> mountPointOf(const std::string& path);
 
-/// True when the path, taken by its text alone, lies on a network or user-space file system, or on one that
-/// is mounted on first use: asking for anything there may block for as long as it likes. Never blocks itself.
+/// True if access to the path may block without a time limit: the path is on a network file system, a
+/// user-space file system (FUSE) or an automount point. Looks only at the text of the path and the mount
+/// table, so this function itself never blocks.
 bool mayHang(const std::string& path);
 
-/// The mount point of the volume that holds the home folder: the whole disk as a user sees it.
+/// The mount point of the volume with the home folder, which users see as "the disk"; "/" if it cannot be
+/// determined.
 std::string startupVolume();
 
-/// True when `path` lies on a disk that has to move a head, so that asking for many things at once is slower.
+/// True if `path` is on a rotating disk, where parallel reads are slower than sequential ones. False if
+/// unknown.
 bool isOnRotationalDisk(const std::string& path);
 
 }  // namespace spacemint

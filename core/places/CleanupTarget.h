@@ -12,30 +12,31 @@
 
 namespace spacemint {
 
-/// A cache that its tool fills again, and how it is cleaned.
+/// A cache that its tool fills again when needed, and the way to clean the cache.
 struct CleanupTarget {
-  /// Run a tool's own clean-up, which removes only what the tool knows to be spare.
+  /// Run the tool's own clean-up command, which removes only what the tool can do without.
   struct Command {
-    /// The program, found on the search path of commands, and its arguments, between single spaces.
+    /// The program and its arguments, separated by single spaces. The program is looked up on the search
+    /// path.
     std::string_view line;
-    /// The environment variable that tells the tool to clean this very folder, whatever its settings say, in
-    /// the notation of `Place::movedBy`. Empty where the tool has none.
+    /// The environment variable that makes the tool clean exactly the shown folder, whatever the tool's
+    /// settings say; in the notation of `Place::movedBy`. Empty if the tool has no such variable.
     std::string_view pin = {};
 
     std::string program() const;
     std::vector<std::string> arguments() const;
-    /// The variable of `pin` and its value for the folder at `path`; absent where the folder cannot be
-    /// pinned.
+    /// The environment variable of `pin` and its value for the folder `path`; absent if there is no variable
+    /// or the path does not end as `pin` requires.
     std::optional<std::pair<std::string, std::string>> pinned(std::string_view path) const;
     bool operator==(const Command&) const = default;
   };
-  /// Empty the folder and keep it.
+  /// Delete the folder's contents and keep the folder.
   struct DeleteContents {
     bool operator==(const DeleteContents&) const = default;
   };
   using Action = std::variant<Command, DeleteContents>;
 
-  /// Stable key.
+  /// A key that never changes.
   std::string_view id;
   std::string_view title;
   std::string_view advice;
@@ -43,7 +44,7 @@ struct CleanupTarget {
   Place place;
   Action action;
 
-  /// What a person would type; absent where contents are deleted.
+  /// The command as a user would type it; absent for `DeleteContents`.
   std::optional<std::string> commandLine() const;
 
   bool operator==(const CleanupTarget&) const = default;

@@ -8,7 +8,8 @@ namespace spacemint {
 
 namespace {
 
-// A folder that a variable can stand for at the head of a place's path.
+// A mark at the start of a place's path, and the folder that the mark stands for: the value of `variable`, or
+// `underHome` in the home folder if the variable is not set.
 struct BaseFolder {
   std::string_view mark;
   std::string_view variable;
@@ -27,7 +28,8 @@ std::vector<std::string_view> splitAt(char separator, std::string_view text) {
   return pieces;
 }
 
-// The folder a variable names, in the form in which a tree has it; absent for what is no place of its own.
+// The folder in a variable's value, normalized as in a tree; absent for a relative path, for the home folder
+// and for its ancestors.
 std::optional<std::string> ownFolder(std::string_view value, std::string_view home) {
   if (!value.starts_with('/')) return std::nullopt;
   std::string normal = std::filesystem::path{value}.lexically_normal().string();
@@ -75,8 +77,8 @@ std::vector<std::string> PlaceFinder::movedTo(std::string_view movedBy) const {
     const std::string_view inside = way.substr(std::min(nameLength + 1, way.size()));
     const std::string value = environment_(std::string{way.substr(0, nameLength)}).value_or("");
     for (const std::string_view piece : splitAt(':', value)) {
-      // A folder in which the place is one of several may be any folder; the place itself must be a tool's
-      // own.
+      // Check the whole path, not `piece` alone: the variable may name any folder, also the home folder, if
+      // the place is a folder inside it.
       const std::string path = inside.empty() ? std::string{piece} : Paths::join(piece, inside);
       if (auto folder = ownFolder(path, home_)) paths.push_back(std::move(*folder));
     }

@@ -10,32 +10,33 @@
 
 namespace spacemint {
 
-/// Where a well-known folder lies, as data.
+/// The location of a well-known folder, as data.
 struct Place {
-  /// Relative to the home folder; "$cache/…" and "$data/…" are relative to where programs keep what they can
-  /// make again and their data; "/…" is absolute. "a:b" is both of two folders, "a|b" the first of them that
-  /// is there.
+  /// Relative to the home folder; "$cache/…" and "$data/…" are relative to the user's cache and data folders
+  /// (XDG_CACHE_HOME, XDG_DATA_HOME); "/…" is absolute. "a:b" means both folders, "a|b" the first of the two
+  /// that exists.
   std::string_view path;
-  /// The environment variable that moves the place, alone or with a path inside the folder that it names:
-  /// "GOCACHE", "CARGO_HOME/registry/src"; several between "|", of which the first counts that is set. It
-  /// counts when it holds an absolute path, or several between ":". The home folder itself and the folders
-  /// above it do not count: no tool owns them.
+  /// The environment variable that moves the place, optionally followed by a path inside the variable's
+  /// folder: "GOCACHE", "CARGO_HOME/registry/src". Of several variables, separated by "|", the first one with
+  /// a usable value is used. A usable value is an absolute path, or several separated by ":". The home folder
+  /// and its ancestors are never used: no tool owns them.
   std::string_view movedBy = {};
 
   bool operator==(const Place&) const = default;
 };
 
-/// Where Conda keeps packages, by the way it was installed.
+/// Conda's package folders; which one exists depends on how Conda was installed.
 inline constexpr std::string_view condaPackages =
     ".conda/pkgs:miniconda3/pkgs:anaconda3/pkgs:micromamba/pkgs";
 
-/// The value of an environment variable; absent where it is not set. Empty for an environment without any.
+/// Returns the value of an environment variable, or nothing if the variable is not set. An empty function
+/// means an environment without variables.
 using Environment = std::function<std::optional<std::string>(const std::string& name)>;
 
-/// Finds well-known places in one scan. The scan must live as long as the object.
+/// Finds well-known places in a scan. The snapshot must outlive the finder. Reads no disk; any thread.
 class PlaceFinder {
  public:
-  /// A place in the tree. `path` is its full path there.
+  /// A place in the tree. `path` is the full path in the tree; `node` is valid until the snapshot changes.
   struct Found {
     std::string path;
     const Node* node;
@@ -43,10 +44,10 @@ class PlaceFinder {
 
   PlaceFinder(const Snapshot& snapshot, std::string_view home, Environment environment);
 
-  /// The folders of a place that are in the tree.
+  /// All folders of a place that are in the tree.
   std::vector<Found> find(const Place& place) const;
 
-  /// The folder of a place that is one, if it is in the tree.
+  /// The first folder of a place that is in the tree; absent if none is.
   std::optional<Found> findOne(const Place& place) const;
 
  private:

@@ -7,10 +7,10 @@
 
 namespace spacemint {
 
-/// A folder that tends to become large. Suggestions are only shown; `CleanupTarget` lists what can be
-/// cleaned.
+/// A folder that tends to become large. The product only shows these folders; `CleanupTarget` lists those
+/// that the product can clean.
 struct SuggestionPlace {
-  /// Stable key. Of several rows with the same key the first whose folder is there counts.
+  /// A key that never changes. Of several rows with the same key, the first one whose folder exists is used.
   std::string_view id;
   std::string_view title;
   std::string_view advice;
@@ -61,7 +61,7 @@ inline constexpr auto suggestionPlaces = std::to_array<SuggestionPlace>({
 });
 // clang-format on
 
-/// Folders that a build tool fills, known by their name wherever they lie.
+/// A folder that a build tool fills, recognized by its name anywhere in the tree.
 struct ProjectFolder {
   std::string_view name;
   std::string_view id;

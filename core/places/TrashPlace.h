@@ -8,19 +8,19 @@
 
 namespace spacemint {
 
-/// Where the user's Trash lies.
+/// The location of the user's Trash.
 struct TrashPlace {
   /// The Trash as one folder of the scan tree.
   std::string folder;
-  /// What is emptied to empty it.
+  /// Emptying the Trash deletes the contents of these folders.
   std::vector<std::string> emptied;
 };
 
-/// ".Trash" in the home folder where the scan knows one, else "Trash" in `data`, where programs keep their
-/// data.
+/// ".Trash" in the home folder `home` if the scan contains it, otherwise "Trash" in the user's data folder
+/// `data`. `scan` may be null.
 TrashPlace trashPlace(const Snapshot* scan, std::string_view home, std::string_view data);
 
-/// Whether a path lies in one of the two; the Trash itself does not.
+/// True for a path inside one of the two possible Trash folders; false for the Trash folders themselves.
 bool isInTrash(std::string_view path, std::string_view home, std::string_view data);
 
 }  // namespace spacemint

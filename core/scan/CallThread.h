@@ -23,7 +23,7 @@ class CallThread {
   std::mutex mutex_;
   std::condition_variable_any changed_;
   std::deque<std::packaged_task<void()>> calls_;
-  std::jthread thread_{[this](const std::stop_token& stop) { run(stop); }};  // last: it uses all of the above
+  std::jthread thread_{[this](const std::stop_token& stop) { run(stop); }};  // last: uses all above
 };
 
 }  // namespace spacemint

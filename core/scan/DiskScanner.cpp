@@ -14,17 +14,17 @@ namespace {
 
 using namespace DiskScanner;
 
-// A folder on the path from the root to where the walk is.
+// A folder on the path from the root to the folder that the walk lists now.
 struct Frame {
   std::unique_ptr<OpenFolder> folder;
   std::string name;
-  // The walk keeps one path; this is how much of it leads to the folder.
+  // The length of the folder's own path within `Walk::path_`.
   std::size_t pathLength = 0;
   Bytes size = 0;
   std::int64_t files = 0;
   bool isWorktree = false;
   std::vector<Node> children;
-  // Listed but not yet visited; the last one is next.
+  // Subfolders that were listed but not visited yet. The walk visits the last one next.
   NameList subdirectories;
 };
 
@@ -130,7 +130,7 @@ class Walk {
     if (!isGone(error) && error != EXDEV) noteUnread(unread_.folders, path_, error);
   }
 
-  // Closes the innermost folder and gives its node to its parent; the root's node is the answer.
+  // Closes the innermost folder and adds its node to the parent. For the root, returns the node instead.
   std::optional<Node> finishTop() {
     Frame frame = std::move(stack_.back());
     stack_.pop_back();
@@ -174,7 +174,7 @@ std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {
   return Walk{arguments}.run(std::move(*root));
 }
 
-// Reading ahead lists every subfolder, so it is only for walks that open every subfolder.
+// Reading ahead lists every subfolder, so it is useful only if the walk opens every subfolder.
 bool readsAhead(const Arguments& arguments) {
   return !arguments.throttleIO && !arguments.reuse && arguments.skip.empty() &&
          !isOnRotationalDisk(arguments.root);

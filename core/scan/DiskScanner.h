@@ -11,30 +11,30 @@
 
 namespace spacemint {
 
-/// Measures folder trees. The only code that walks the disk for sizes.
+/// Measures folder trees. No other code walks the disk to measure sizes.
 ///
-/// It counts bytes allocated on disk, follows no symbolic link and stays on the root's volume. Scans share
-/// nothing and may run at the same time on different threads. A count beyond 64 bits stays the largest
-/// number.
+/// A scan counts the bytes allocated on disk, follows no symbolic links and stays on the root's volume. A
+/// file with several hard links counts its share at each name. Any thread; several scans may run at the same
+/// time. Counts saturate at the largest 64-bit number.
 namespace DiskScanner {
 
 struct Progress {
-  /// Non-folder entries counted so far, reused subtrees included.
+  /// Entries counted so far that are not folders, including those of reused subtrees.
   std::int64_t files = 0;
   Bytes bytes = 0;
 };
 
-/// What a scan could not read; the sizes are therefore lower bounds. A folder that vanished during the scan
-/// does not count.
+/// Items that a scan could not read; if there are any, the scan's sizes are lower bounds. Items that vanished
+/// during the scan are not included.
 struct Unread {
-  /// Folders that could not be opened or not be listed to their end.
+  /// Folders that could not be opened, or whose listing failed before its end.
   std::int64_t folders = 0;
-  /// Entries whose facts could not be read.
+  /// Entries whose size and type could not be read.
   std::int64_t entries = 0;
-  /// True when one of them failed for another reason than a missing permission: the next scan may be able to
-  /// read it although nothing changed.
+  /// True if at least one item failed for another reason than a missing permission. The next scan may then
+  /// read the item although nothing on the disk changed.
   bool hasFailures = false;
-  /// The first `pathLimit` of their paths.
+  /// The paths of the first `pathLimit` of these items.
   std::vector<std::string> paths;
 
   static constexpr std::size_t pathLimit = 100;
@@ -43,7 +43,7 @@ struct Unread {
 };
 
 struct Result {
-  /// `root.name` is the root exactly as it was given.
+  /// `root.name` is `Arguments::root`, unchanged.
   Node root;
   std::int64_t fileCount = 0;
   Unread unread;
@@ -51,33 +51,34 @@ struct Result {
   bool operator==(const Result&) const = default;
 };
 
-/// The measurement that an earlier scan has of the folder at a full path; absent where the folder must be
+/// Returns an earlier scan's measurement of the folder at a full path, or nothing if the folder must be
 /// walked.
 using Reuse = std::function<std::optional<Node>(const std::string& path)>;
 
 struct Arguments {
   std::string root;
-  /// Smaller files and folders do not become nodes; their bytes count in their folder.
+  /// Files and folders smaller than this (in bytes) get no node of their own; the parent folder includes
+  /// their bytes.
   Bytes minNodeSize = 0;
-  /// Full paths of folders to leave out, neither opened nor counted.
+  /// Full paths of folders that the scan neither opens nor counts.
   std::unordered_set<std::string> skip;
-  /// Asked for every subfolder before it is opened.
+  /// Called for every subfolder before the scan opens the subfolder. May be empty.
   Reuse reuse;
-  /// Lets all other programs use the disk first, and lists with one thread only.
+  /// Scans with idle I/O priority, so that other programs use the disk first, and with a single thread.
   bool throttleIO = false;
-  /// Called once per `entriesPerPoll` listed entries; true abandons the walk.
+  /// Called once per `entriesPerPoll` listed entries; true cancels the scan. May be empty.
   std::function<bool()> shouldCancel;
-  /// Called at the same pace and once at the end.
+  /// Called as often as `shouldCancel`, and once at the end. May be empty.
   std::function<void(const Progress&)> progress;
-  /// The source of the entries; null for the host's listing, read ahead where that is quicker. Must outlive
-  /// the call.
+  /// The source of the entries. Null means the host's listing, with reading ahead where that is faster. Must
+  /// outlive the call.
   FolderListing* listing = nullptr;
 };
 
 inline constexpr std::int64_t entriesPerPoll = 4'096;
 
-/// Walks the tree below `root`. Absent when the root cannot be opened as a folder or the walk was cancelled.
-/// Runs and calls back on the calling thread.
+/// Walks the tree below `root`. Absent if the root cannot be opened as a folder or the scan was cancelled.
+/// Blocks until the walk ends, and calls all callbacks on the calling thread.
 std::optional<Result> scan(const Arguments& arguments);
 
 }  // namespace DiskScanner

@@ -9,9 +9,9 @@
 
 namespace spacemint {
 
-/// The journal of a process that scans again and again. The first full scan of a folder starts a recorder in
-/// this process; only the folder of the newest such scan is recorded. Folders that another process records
-/// are answered by that process. Any thread.
+/// The journal of a process that scans repeatedly. The first full scan of a folder starts a recorder in this
+/// process; only the folder of the newest such scan is recorded. Queries about folders that another process
+/// records go to that process. Any thread.
 class ProcessJournal final : public EventJournal {
  public:
   /// The root and `crawlsAtOnce` of the options are not used.
@@ -22,7 +22,7 @@ class ProcessJournal final : public EventJournal {
   std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override;
 
  private:
-  /// The recorder of this process if it records `root`, else null.
+  /// The recorder of this process if it records `root`, otherwise null.
   std::shared_ptr<EventRecorder> recorderOf(const std::string& root) const;
 
   EventRecorder::Options options_;

@@ -20,18 +20,20 @@ namespace spacemint {
 
 namespace {
 
-// How far helpers may run ahead: folders listed but not yet visited, and the memory that their entries take.
+// How far helpers may run ahead of the walk: the number of folders listed but not visited yet, and the bytes
+// of memory for their entries.
 constexpr std::size_t mostFoldersAhead = 512;
 constexpr std::size_t bytesAhead = 4'000'000;
 
-// The other handles are for the walk itself, whose path may be deep, and for the rest of the process.
+// Helpers may use a quarter of the process's file handles. The rest is for the walk, which needs a handle for
+// each level, and for other parts of the process.
 constexpr std::size_t shareOfHandles = 4;
 
 bool isOutOfHandles(int error) {
   return error == EMFILE || error == ENFILE;
 }
 
-// A copy of one batch that does not depend on the buffer it was read into.
+// A copy of a batch that does not refer to the listing buffer any more.
 class KeptEntries {
  public:
   explicit KeptEntries(std::span<const Entry> entries = {}) : entries_(entries.begin(), entries.end()) {
@@ -59,37 +61,37 @@ class KeptEntries {
 
 }  // namespace
 
-// A folder between its parent's listing and the end of its own visit.
+// A folder from the time when a helper or the walk begins to open it until the walk leaves it.
 struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
   enum class State : std::uint8_t {
-    inHelper,  // a helper opens and lists it
-    inWalk,    // the walk lists it, or the rest of it
-    listed,    // read to its end: helpers may go on to its subfolders
+    inHelper,  // a helper opens and lists the folder
+    inWalk,    // the walk lists the folder, or the rest of the folder
+    listed,    // listed to the end: helpers may list the subfolders
   };
 
   explicit Record(std::string folderName) : name(std::move(folderName)) {}
 
   const std::string name;
 
-  // Written by the thread that lists the folder, and read by other threads only after that.
+  // Written by the thread that lists the folder; other threads read these members only afterwards.
   std::unique_ptr<OpenFolder> folder;
   int openError = 0;
   int listingError = 0;
   std::vector<KeptEntries> batches;
 
-  // Guarded by the crew's mutex.
+  // Guarded by `Crew::mutex_`.
   State state = State::inHelper;
   bool abandoned = false;
-  NameList pending;                           // subfolders that no thread has begun, in listing order
-  std::deque<std::shared_ptr<Record>> ahead;  // subfolders that helpers have begun, in the order of the walk
-  std::optional<std::list<Record*>::iterator> place;  // in the crew's line
+  NameList pending;                                   // subfolders not begun by any thread, in listing order
+  std::deque<std::shared_ptr<Record>> ahead;          // subfolders begun by helpers, in the walk's order
+  std::optional<std::list<Record*>::iterator> place;  // in `Crew::line_`
 };
 
-// The helpers and what they share with the walk.
+// The helper threads and the state that they share with the walk.
 //
-// The line holds, in the order in which the walk comes to them, the folders that have pending subfolders and
-// those that may yet turn out to have some. A helper begins with the first pending subfolder of the first
-// listed folder in the line, so what is listed ahead is what the walk needs next.
+// `line_` contains the folders that have pending subfolders, or whose listing is not complete, in the order
+// in which the walk will visit them. A helper takes the next pending subfolder of the first listed folder in
+// the line, so helpers list the folders that the walk needs next.
 class ReadAheadListing::Crew {
  public:
   Crew(unsigned threads, std::size_t foldersAhead, std::uint64_t device)
@@ -98,7 +100,7 @@ class ReadAheadListing::Crew {
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { help(); });
     } catch (const std::system_error&) {
-      // The system has no more threads for this process; the walk lists what no helper lists.
+      // The process cannot start more threads. The walk lists all folders that no helper lists.
     }
   }
 
@@ -124,8 +126,9 @@ class ReadAheadListing::Crew {
     return record;
   }
 
-  // The walk comes to a subfolder: the record that a helper has begun, or else a new record for the walk to
-  // list. Null for a subfolder that is not the next one.
+  // Called when the walk opens a subfolder. Returns the record that a helper has begun, after waiting for
+  // that helper; or a new record that the walk must list. Null if the subfolder is not the next one in the
+  // walk's order.
   std::shared_ptr<Record> take(Record& parent, const std::string& name) {
     std::unique_lock lock(mutex_);
     if (parent.ahead.empty()) {
@@ -142,15 +145,15 @@ class ReadAheadListing::Crew {
     awaited_ = nullptr;
     noLongerAhead(*record);
     visited_.push_back(record.get());
-    // Not at every step: helpers work in long runs.
+    // Waking a helper for every folder would be too expensive: let helpers work in long runs.
     if (ahead_ <= foldersAhead_ / 2) wakeHelper();
     return record;
   }
 
-  // For the walk when the process has no handle left: closes everything that was opened ahead, and lists
-  // nothing ahead from now on. What was begun ahead is pending again.
+  // The walk calls this when the process has no file handle left. Closes all folders that helpers opened,
+  // makes those folders pending again, and stops reading ahead.
   void giveUp() {
-    log(LogLevel::info, "no file handle is left; the scan reads nothing ahead any more");
+    log(LogLevel::info, "no file handle is left; the scan stops reading ahead");
     std::unique_lock lock(mutex_);
     foldersAhead_ = 0;
     ready_.wait(lock, [&] { return working_ == 0; });
@@ -163,19 +166,19 @@ class ReadAheadListing::Crew {
     }
   }
 
-  // The walk has read some entries of a folder that it lists itself.
+  // Called when the walk has read a batch of a folder that it lists itself.
   void note(Record& record, std::span<const Entry> entries) const {
     collectSubfolders(entries, record.pending);
   }
 
-  // The walk has read a folder to its end.
+  // Called when the walk has listed a folder to the end.
   void finish(Record& record) {
     const std::lock_guard lock(mutex_);
     record.state = Record::State::listed;
     announce(record);
   }
 
-  // The walk is done with a folder and with everything that was listed ahead below it.
+  // Called when the walk closes a folder. Drops everything that helpers listed below the folder.
   void leave(Record& record) {
     const std::lock_guard lock(mutex_);
     std::erase(visited_, &record);
@@ -221,14 +224,14 @@ class ReadAheadListing::Crew {
     if (idle_ > 0 && hasRoom() && firstWithPending()) work_.notify_one();
   }
 
-  // Only when much is ready, or nothing more will be without the walk: waking it for each folder would cost
-  // more than listing one.
+  // Wakes the walk if the folder that it waits for is ready. Helpers call this only when many folders are
+  // ready or when they have no work: waking the walk for each folder would cost more than listing a folder.
   void wakeWalk() {
     if (awaited_ != nullptr && awaited_->state != Record::State::inHelper) ready_.notify_one();
   }
 
-  // Takes the next pending subfolder of `parent`. It stands before its parent in the line, behind those begun
-  // earlier: the order of the walk.
+  // Takes the next pending subfolder of `parent` and puts its record into the line, before the parent and
+  // behind the parent's subfolders that were begun earlier. This is the walk's order.
   std::shared_ptr<Record> begin(Record& parent, Record::State state) {
     auto record = std::make_shared<Record>(std::string{parent.pending.last()});
     parent.pending.popLast();
@@ -238,8 +241,8 @@ class ReadAheadListing::Crew {
     return record;
   }
 
-  // Without the lock. Reads two batches at the most, so that a huge folder stays with the walk; true when
-  // that was all of it.
+  // Called without the lock. Reads at most two batches, so that the walk lists the rest of a huge folder
+  // itself; returns true if the listing is complete.
   bool openAndList(const Record& parent, Record& record, ListingBuffer& buffer, NameList& subfolders) const {
     auto opened = parent.folder->openSubfolder(record.name);
     if (!opened) {
@@ -251,7 +254,7 @@ class ReadAheadListing::Crew {
       const Batch batch = record.folder->nextBatch(buffer);
       if (batch.entries.empty()) {
         record.listingError = batch.error;
-        // Most folders have no subfolders, and their handles are better closed here than kept.
+        // Close the handle of a folder without subfolders (most folders) at once.
         if (!hasFolder(record.batches)) record.folder.reset();
         return true;
       }
@@ -282,7 +285,8 @@ class ReadAheadListing::Crew {
     if (toItsEnd) announce(record);
   }
 
-  // A folder is listed to its end: its subfolders are work, or it has none.
+  // Called when a folder is listed to the end: wakes a helper for the subfolders, or takes a folder without
+  // subfolders out of the line.
   void announce(Record& record) {
     if (record.pending.empty()) {
       leaveLine(record);
@@ -301,13 +305,13 @@ class ReadAheadListing::Crew {
     for (const KeptEntries& batch : record.batches) bytes_ -= batch.bytes();
   }
 
-  // The record leaves the line, and what was begun ahead below it is dropped.
+  // Takes the record out of the line, and drops all records that helpers have begun below it.
   void forget(Record& record) {
     leaveLine(record);
     for (const auto& child : record.ahead) {
       child->abandoned = true;
       if (child->state == Record::State::inHelper) {
-        --ahead_;  // what it will hold is not counted yet
+        --ahead_;  // its entries are not in `bytes_` yet
       } else {
         noLongerAhead(*child);
       }
@@ -318,21 +322,21 @@ class ReadAheadListing::Crew {
 
   const std::uint64_t device_;
   std::mutex mutex_;
-  std::condition_variable work_;   // there is work and room for it
-  std::condition_variable ready_;  // what the walk waits for may be there
+  std::condition_variable work_;   // a helper may have work
+  std::condition_variable ready_;  // the folder that the walk waits for may be ready
   std::list<Record*> line_;
   std::vector<Record*> visited_;  // the walk's open folders, from the root down
   const Record* awaited_ = nullptr;
   std::size_t foldersAhead_;
-  std::size_t ahead_ = 0;    // records begun by helpers that the walk has not come to
+  std::size_t ahead_ = 0;    // records begun by helpers and not yet taken by the walk
   std::size_t bytes_ = 0;    // the memory of their entries
   std::size_t working_ = 0;  // helpers that open or list a folder now
   int idle_ = 0;
   bool stopping_ = false;
-  std::vector<std::thread> threads_;  // last, because they use all of the above
+  std::vector<std::thread> threads_;  // last: the threads use all members above
 };
 
-// A folder as the walk sees it.
+// The open folder that the walk uses.
 class ReadAheadListing::Folder final : public OpenFolder {
  public:
   Folder(std::shared_ptr<Crew> crew, std::shared_ptr<Record> record, std::uint64_t device)
@@ -363,7 +367,7 @@ class ReadAheadListing::Folder final : public OpenFolder {
   }
 
   std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
-    // Only a folder without subfolders is closed early.
+    // The handle was closed early, so the folder had no subfolders.
     if (!record_->folder) return std::unexpected(ENOENT);
     auto record = crew_->take(*record_, name);
     if (!record) return openWithoutHelpers(name);
@@ -377,7 +381,7 @@ class ReadAheadListing::Folder final : public OpenFolder {
     }
     if (record->openError != 0) {
       crew_->leave(*record);
-      // A helper had no handle left; the walk may have one.
+      // The helper found no free file handle; the walk tries again.
       if (isOutOfHandles(record->openError)) return openWithoutHelpers(name);
       return std::unexpected(record->openError);
     }

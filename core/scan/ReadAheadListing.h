@@ -6,24 +6,27 @@
 
 namespace spacemint {
 
-/// A listing that lists pending subfolders on helper threads ahead of the walk that uses it.
+/// A folder listing whose helper threads list subfolders before the walk that uses the listing opens them.
 ///
-/// The walk gets the entries it would get from `inner`, in the same order. It is meant for a walk that opens
-/// every subfolder on the root's own volume, last listed first; any other use is served just as well, but
-/// not ahead. How far the helpers run ahead is bounded in folders, open handles and memory. Where the process
-/// runs out of handles all the same, everything opened ahead is closed and the walk goes on alone: no entry
-/// is lost. Folders opened from this listing belong to one thread; `inner` must outlive it.
+/// The walk gets the same entries as from `inner`, in the same order. Reading ahead helps a walk that opens
+/// every subfolder on the root's volume, in reverse listing order; other walks work too, but are not faster.
+/// The number of folders, open handles and bytes that are held ahead is bounded. If the process nevertheless
+/// runs out of file handles, the listing closes all handles opened ahead and continues without helpers; no
+/// entry is lost. Only one thread may use the folders opened from this listing. `inner` must outlive the
+/// listing.
 class ReadAheadListing final : public FolderListing {
  public:
-  /// Two threads for each processor, at least four: one works while another waits for the disk. More threads
-  /// keep a solid-state disk busier, and cost more than they gain once everything is in the cache.
+  /// Two threads for each processor, but at least 4 and at most 16: one thread computes while another waits
+  /// for the disk. More threads would keep a solid-state disk busier, but cost more than they gain when the
+  /// folders are cached.
   static unsigned defaultThreads();
 
-  /// A quarter of `openFileLimit`, the number of handles that the process may hold, may be opened ahead.
+  /// `openFileLimit` is the number of file handles that the process may have; helpers use at most a quarter
+  /// of it.
   explicit ReadAheadListing(FolderListing& inner, unsigned threads = defaultThreads(),
                             std::size_t openFileLimit = usualOpenFileLimit);
 
-  /// Enough handles for the walk and for everything ahead.
+  /// Enough file handles for the walk and for all folders that helpers hold open.
   static constexpr std::size_t usualOpenFileLimit = 8'192;
 
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override;

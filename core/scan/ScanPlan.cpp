@@ -14,14 +14,14 @@ namespace {
 
 using PathSet = std::unordered_set<std::string>;
 
-// The folder that holds `path`; absent above `rootLength` characters, and for "/".
+// The parent folder of `path`; absent for the root, whose path has `rootLength` characters, and for "/".
 std::optional<std::string> parentOf(const std::string& path, std::size_t rootLength) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos || slash == 0 || slash < rootLength) return std::nullopt;
   return path.substr(0, slash);
 }
 
-// The paths as the tree spells them: without "/" at the end, and on the data volume when the root is there.
+// The paths as the tree spells them: without a trailing "/", and on the data volume if the root is on it.
 PathSet asInTree(const std::vector<std::string>& paths, const std::string& root) {
   const bool onDataVolume = canonicalPrefixLength(root, Paths::dataVolume).has_value();
   PathSet result;
@@ -81,7 +81,7 @@ struct Unchanged {
   }
 };
 
-// Why the earlier scan cannot be reused; empty when it can.
+// Why the earlier scan cannot be reused; empty if it can.
 std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!arguments.mayReuse) return "that was asked for";
   if (!arguments.earlier) return "there is no earlier scan";
@@ -89,7 +89,7 @@ std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!canonicallyEqual(earlier.rootPath(), arguments.root)) return "the last scan was of another folder";
   if (earlier.minNodeSize != arguments.minNodeSize) return "the last scan used another --min-size";
   if (earlier.eventID.value_or(0) == 0) return "nothing recorded changes at the last scan";
-  // With a date in the future, the next full scan would come too late.
+  // With a date in the future the next full scan would be too late.
   if (earlier.fullScanDate > arguments.now) return "the last full scan is dated in the future";
   if (!earlier.canSeedIncrementalScan({.root = arguments.root,
                                        .minNodeSize = arguments.minNodeSize,
@@ -120,7 +120,7 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   ScanPlan plan{.fullScanDate = arguments.now};
   JournalQuery query{
       .root = arguments.root, .timeout = arguments.timeout, .shouldCancel = arguments.shouldCancel};
-  // The id is taken first, so that everything that happens from now on is in the next answer.
+  // Take the id first, so that the journal's next answer includes all changes from now on.
   const std::uint64_t id = journal.currentEventID(query);
   if (id != 0) plan.eventID = id;
   plan.whyFull = obstacle(arguments);
@@ -149,7 +149,7 @@ ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
 }
 
 Snapshot FinishedScan::snapshot() && {
-  // What could not be read now may be readable next time, although no change is reported.
+  // The next scan may be able to read these items although the journal reports no change.
   const auto eventID = result.unread.hasFailures ? std::nullopt : plan.eventID;
   return {.date = end,
           .duration = end - start,

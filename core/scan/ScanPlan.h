@@ -10,15 +10,15 @@
 
 namespace spacemint {
 
-/// After this time a full scan is due. It corrects what a journal cannot report, such as a file that was
-/// changed through another of its names.
+/// The time between full scans. A full scan finds changes that a journal cannot report, such as a change of a
+/// file through another hard link.
 inline constexpr std::chrono::days fullScanInterval{3};
 
-/// The `reuse` function of a scan: a folder is answered with its node in `previous` when nothing changed in
-/// it or below it. The function holds copies of both arguments and may be called from any thread.
+/// The `reuse` function of a scan: returns a folder's node in `previous` if nothing changed in or below the
+/// folder. The function holds copies of both arguments and may be called from any thread.
 DiskScanner::Reuse reuseUnchanged(Snapshot previous, const FolderChanges& changes);
 
-/// How a scan is made: full, or reusing what did not change. Decided before anything is measured.
+/// How a scan is made: as a full scan, or reusing unchanged folders. Decided before the scan starts.
 struct ScanPlan {
   struct Arguments {
     std::string root;
@@ -27,11 +27,11 @@ struct ScanPlan {
     Date now;
     /// The newest stored scan.
     std::optional<Snapshot> earlier;
-    /// False makes a full scan in any case.
+    /// False forces a full scan.
     bool mayReuse = true;
     /// The longest wait for the journal.
     std::chrono::milliseconds timeout = std::chrono::seconds{60};
-    /// Polled while the journal is waited for; true ends the wait.
+    /// Called repeatedly during the wait for the journal; true ends the wait.
     std::function<bool()> shouldCancel;
   };
 
@@ -41,14 +41,15 @@ struct ScanPlan {
   Date fullScanDate;
   /// Empty for a full scan.
   DiskScanner::Reuse reuse;
-  /// Why it is a full scan, in words that fit after "because"; empty when it reuses.
+  /// Why the scan is a full scan, as a clause that fits after "because"; empty if the scan reuses folders.
   std::string whyFull;
 
-  /// Asks the journal and logs the decision. Blocks for about `Arguments::timeout` at most, or until it is cancelled. Any thread.
+  /// Queries the journal and logs the decision. Blocks for at most about `Arguments::timeout`, or until
+  /// `shouldCancel` returns true. Any thread.
   static ScanPlan make(EventJournal& journal, Arguments arguments);
 };
 
-/// A scan that was carried out, with everything that is stored about it.
+/// A completed scan with all facts that are stored about it.
 struct FinishedScan {
   DiskScanner::Result result;
   const ScanPlan& plan;
@@ -57,7 +58,7 @@ struct FinishedScan {
   Date end;
   std::optional<VolumeStatus> volume;
 
-  /// The scan as it is stored.
+  /// The scan in the form that the history stores.
   Snapshot snapshot() &&;
 };
 

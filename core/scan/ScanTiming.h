@@ -9,34 +9,34 @@
 
 namespace spacemint {
 
-/// When a scan is due, and how far a scan has come. Pure functions.
+/// When a scan is due, and how far a running scan is. Pure functions; any thread.
 namespace ScanTiming {
 
 struct Staleness {
-  /// The last scan; null where there is none.
+  /// The last scan; null if there is none.
   const Snapshot* snapshot = nullptr;
-  /// The root that a scan would have now.
+  /// The root of the next scan.
   std::string_view root;
   Date now;
   Seconds olderThan{0};
 };
 
-/// True without a scan, for a scan of another folder, for an older scan, and for one dated after `now`: its
-/// age is not known.
+/// True if there is no last scan, if it has another root, if it is older than the interval, or if it is dated
+/// after `now` (its age is then not known).
 bool isStale(const Staleness& question);
 
-/// How many bytes a scan of `root` will find: as many as the last scan of `root`, else the used bytes of the
-/// volume; 0 when neither is known.
+/// The expected bytes of a scan of `root`: the bytes of the last scan of `root`, otherwise the used bytes of
+/// the volume; 0 if neither is known.
 Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume);
 
-/// The expected number may be wrong and be passed before the end.
+/// The limit of `fraction`: a scan may find more bytes than expected before it ends.
 inline constexpr double highestFraction = 0.99;
 
-/// From 0 to `highestFraction`; absent when nothing is expected.
+/// The completed part of a scan, from 0 to `highestFraction`; absent if `expected` is not known.
 std::optional<double> fraction(Bytes counted, Bytes expected);
 
-/// The time that a scan still takes after it has run for `elapsed`; absent while the estimate would be a
-/// guess.
+/// The estimated remaining time of a scan that has run for `elapsed`; absent while an estimate would be too
+/// unreliable.
 std::optional<Seconds> remaining(std::optional<double> fraction, Seconds elapsed);
 
 }  // namespace ScanTiming

@@ -14,13 +14,13 @@
 
 namespace spacemint {
 
-/// What a scan measures.
+/// The folder that a scan measures.
 enum class ScanScope : std::uint8_t { home, disk };
 
-/// Where the application shows itself.
+/// Whether the application is shown in the status area or as a window.
 enum class AppPresence : std::uint8_t { menuBar, dock };
 
-/// The user's settings, in the order in which they are stored, listed and copied.
+/// The user's settings, in the order in which programs list and copy them.
 enum class Setting : std::uint8_t {
   warningThresholdGB,
   scope,
@@ -30,7 +30,7 @@ enum class Setting : std::uint8_t {
   hasStarted
 };
 
-/// A value of a setting as a constant. Enumerations are stored as text, their raw value.
+/// The constant value of a setting. Enumerations are stored as text: their raw value.
 using SettingConstant = std::variant<std::int64_t, bool, std::string_view>;
 
 /// A value that the settings page offers, and its label.
@@ -39,16 +39,17 @@ struct SettingChoice {
   std::string_view label;
 };
 
-/// One setting as data. The limits apply to what people enter; a stored value may still be anything.
+/// The description of a setting. The limits apply to values that users enter; a stored value may be outside
+/// them.
 struct SettingDescription {
   Setting setting;
-  /// The key in the defaults store; part of the stored format.
+  /// The key in the settings file; part of the stored format.
   std::string_view key;
-  /// Answers while nothing is stored; its type is the setting's.
+  /// The value while nothing is stored. Its type is the type of the setting.
   SettingConstant registeredDefault;
-  /// All values of an enumeration, proposals for a number, nothing for a switch.
+  /// All values of an enumeration, suggestions for a number, empty for a switch.
   std::span<const SettingChoice> choices;
-  /// The numbers that people may enter.
+  /// The smallest and the largest number that users may enter.
   std::int64_t minimum = 0;
   std::int64_t maximum = 0;
 };
@@ -74,8 +75,8 @@ inline constexpr std::array<SettingChoice, 2> scopeChoices{
 /// In the order of `AppPresence`.
 inline constexpr std::array<SettingChoice, 2> presenceChoices{{{"menuBar", "Menu bar"}, {"dock", "Dock"}}};
 
-/// Every setting, in the order of `Setting`. The largest scan interval is the last whose microseconds fit 64
-/// bits.
+/// Every setting, in the order of `Setting`. The maximum of the scan interval is the largest number of hours
+/// whose microseconds fit 64 bits.
 inline constexpr std::array<SettingDescription, 6> settings{{
     {.setting = Setting::warningThresholdGB,
      .key = "warningThresholdGB",
@@ -115,7 +116,7 @@ constexpr std::string_view title(AppPresence presence) {
   return presenceChoices.at(std::to_underlying(presence)).label;
 }
 
-/// The case with this raw value; the first case for anything else.
+/// The enumerator with this raw value; the first enumerator for any other text.
 constexpr ScanScope scanScope(std::string_view raw) {
   return raw == rawValue(ScanScope::disk) ? ScanScope::disk : ScanScope::home;
 }
@@ -126,13 +127,13 @@ constexpr AppPresence appPresence(std::string_view raw) {
 /// The registered defaults of all settings.
 DefaultsValues registeredSettings();
 
-/// Why a text is no value of a setting. The message is for the user and lists the possible values.
+/// Codes of the errors of `parseSetting`. The message is for the user and lists the possible keys or values.
 enum class SettingError { unknownKey = 1, unfitValue };
 inline constexpr std::string_view settingErrorDomain = "settings";
 
-/// The value that `text` gives the setting under `key`, ready to be stored. A number may be any from the
-/// setting's minimum to its maximum, offered or not; a switch takes true, yes, on, false, no, off; an
-/// enumeration takes its raw values.
+/// Parses `text` as a value of the setting `key`. A number may be any from the setting's minimum to its
+/// maximum, also one that is not among the choices; a switch accepts true, yes, on, false, no, off; an
+/// enumeration accepts its raw values.
 std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::string_view text);
 
 }  // namespace spacemint

@@ -9,7 +9,7 @@
 
 namespace spacemint {
 
-/// A file of a scan with its full path, which identifies it.
+/// A file of a scan. Its full path identifies it.
 struct FileItem {
   std::string path;
   Bytes size = 0;

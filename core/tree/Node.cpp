@@ -9,7 +9,7 @@ namespace spacemint {
 Bytes Node::unlistedSize() const {
   Bytes rest = size;
   for (const Node& child : children) {
-    // A tree read from a file may hold any numbers; this is a display figure, so it saturates.
+    // A tree read from a file may contain any numbers. An overflow gives 0: the result is only displayed.
     if (__builtin_sub_overflow(rest, child.size, &rest)) return 0;
   }
   return std::max<Bytes>(rest, 0);

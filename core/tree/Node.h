@@ -10,32 +10,33 @@
 
 namespace spacemint {
 
-/// One measured folder or file. A value; children belong to their parent.
+/// A measured folder or file. A value type; a node owns its children.
 ///
-/// A folder's `size` and `fileCount` cover everything below it, also what was too small to be kept in
-/// `children`. `children` are sorted by `size`, largest first, ties in their earlier order.
+/// A folder's `size` and `fileCount` include everything below the folder, also items too small to be kept in
+/// `children`. `children` are sorted by `size`, largest first; equal sizes keep their order.
 struct Node {
-  /// The largest depth of a tree. It bounds the stack that recursion over a tree (comparing, copying,
-  /// freeing) needs.
+  /// The largest depth of a tree. The limit bounds the stack that recursive operations (comparing, copying,
+  /// freeing) use.
   static constexpr std::size_t maximumDepth = 10'000;
 
-  /// The path component as the file system lists it; for the root of a tree the full path of the scan.
+  /// The name as the file system lists it; for the root of a tree, the full path of the scanned folder.
   std::string name;
   /// Bytes allocated on disk.
   Bytes size = 0;
   bool isDirectory = false;
-  /// Content modification time in whole seconds; files only.
+  /// When the content last changed, in whole seconds; files only.
   std::optional<Date> modified;
   std::vector<Node> children;
-  /// Non-folder entries anywhere below a folder; 0 for a file.
+  /// The number of items below a folder, at any depth, that are not folders; 0 for a file.
   std::int64_t fileCount = 0;
-  /// True for a folder that directly contains a regular file named ".git".
+  /// True for a folder with a regular file ".git" directly in it.
   bool isWorktree = false;
 
-  /// The size of everything too small to be kept in `children`; never negative.
+  /// The size in bytes of everything too small to be kept in `children`; never negative.
   Bytes unlistedSize() const;
 
-  /// The child with this name: the child of exactly these bytes, else the first canonically equal name.
+  /// The child whose name has exactly these bytes; otherwise the first child whose name is canonically equal;
+  /// otherwise null.
   const Node* child(std::string_view childName) const;
 
   bool operator==(const Node&) const = default;

@@ -5,29 +5,30 @@
 
 namespace spacemint {
 
-/// Pure functions over paths in a scan tree.
+/// Pure functions on paths in a scan tree. Any thread.
 namespace Paths {
 
-/// Mount point of the writable data volume on a host that splits its disk; paths in a tree of such a scan
-/// begin with it, while people see the short form.
+/// The mount point of the writable data volume on hosts that split the disk into two volumes. Paths in a scan
+/// of such a disk begin with the mount point; users see the paths without it.
 inline constexpr std::string_view dataVolume = "/System/Volumes/Data";
 
-/// base + "/" + name; a base that ends in "/" gets no second one. The one rule by which paths are built.
+/// base + "/" + name, without a second "/" if `base` already ends in "/". All code builds paths with this
+/// function.
 std::string join(std::string_view base, std::string_view name);
 
-/// The path without the data volume in front; "/" for the data volume itself.
+/// The path without a leading `dataVolume`; "/" for the data volume itself.
 std::string logical(std::string_view path);
 
-/// The logical path for display: "~" for `home`, "~/…" for paths below it.
+/// The logical path for display: "~" for `home`, "~/…" for paths below `home`.
 std::string display(std::string_view path, std::string_view home);
 
-/// The absolute path without single "." and without doubled or trailing "/".
+/// The absolute path without "." components and without doubled or trailing "/".
 std::string plain(std::string_view path);
 
-/// The part after the last "/", trailing "/" ignored; "/" for the root.
+/// The last component of the path. Ignores trailing "/"; "/" for the root.
 std::string lastComponent(std::string_view path);
 
-/// The path without trailing "/"; "/" stays.
+/// The path without trailing "/"; "/" itself stays.
 std::string_view withoutTrailingSlash(std::string_view path);
 
 }  // namespace Paths

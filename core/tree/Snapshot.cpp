@@ -16,7 +16,7 @@ bool beginsWith(std::string_view path, std::string_view prefix) {
   return canonicalPrefixLength(path, prefix).has_value();
 }
 
-// Where an edit happens: the folders from the root down to the parent, and the node there, if any.
+// The place of an edit: all folders from the root down to the parent, and the node at the path, or null.
 struct Place {
   std::string name;
   std::vector<Node*> chain;
@@ -32,7 +32,7 @@ Node* mutableChild(Node& parent, std::string_view name) {
   return const_cast<Node*>(parent.child(name));
 }
 
-// Absent for the root, and where a folder on the way is not in the tree.
+// Absent for the root, and if an ancestor folder is not in the tree.
 std::optional<Place> placeOf(Snapshot& snapshot, std::string_view path) {
   auto names = snapshot.components(path);
   if (!names || names->empty()) return std::nullopt;
@@ -52,12 +52,13 @@ struct Change {
   std::int64_t files = 0;
 };
 
-// A stored folder may count for less than what is in it, so a count could fall below 0.
+// In a stored scan a folder may be smaller than its contents, so the difference could be below 0.
 std::int64_t changed(std::int64_t count, std::int64_t change) {
   return std::max<std::int64_t>(0, saturatingAdd(count, change));
 }
 
-// From the innermost folder up: sorting a folder's children leaves the pointers to its ancestors valid.
+// Works from the innermost folder up: sorting a folder's children invalidates only pointers to those
+// children.
 void apply(Change change, const std::vector<Node*>& chain, Snapshot& snapshot) {
   for (Node* node : chain | std::views::reverse) {
     node->size = changed(node->size, change.size);
@@ -101,7 +102,7 @@ std::unordered_map<std::string, Bytes> Snapshot::flattened() const {
   std::size_t nodes = 0;
   walkTree(root, [&](const std::string&, const Node&) { ++nodes; });
   std::unordered_map<std::string, Bytes> sizes;
-  sizes.reserve(nodes);  // growing step by step would take longer than all the rest
+  sizes.reserve(nodes);  // rehashing would take longer than the rest of this function
   walkTree(root, [&](const std::string& path, const Node& node) { sizes.emplace(path, node.size); });
   return sizes;
 }
@@ -114,7 +115,7 @@ std::vector<FileItem> Snapshot::largestFiles(std::size_t limit) const {
   });
   limit = std::min(limit, sizes.size());
   if (limit == 0) return {};
-  // Only what can be among the first `limit` gets a path.
+  // Build paths only for files that can be among the `limit` largest.
   const auto last = sizes.begin() + static_cast<std::ptrdiff_t>(limit) - 1;
   std::ranges::nth_element(sizes, last, std::greater{});
   std::vector<FileItem> files;
@@ -142,7 +143,7 @@ bool Snapshot::replace(std::string_view path, Node node) {
   if (node.size < minNodeSize) {
     place->erase();
   } else {
-    node.name = std::move(old.name);  // the spelling on the disk, where the path given is only equivalent
+    node.name = std::move(old.name);  // keep the spelling on the disk; `path` may use an equivalent one
     old = std::move(node);
   }
   apply(change, place->chain, *this);

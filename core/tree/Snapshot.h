@@ -11,7 +11,7 @@
 
 namespace spacemint {
 
-/// What a stored scan must match before a new scan may reuse parts of it.
+/// The conditions under which a new scan may reuse parts of a stored scan.
 struct SeedRequirements {
   std::string_view root;
   Bytes minNodeSize = 0;
@@ -19,58 +19,62 @@ struct SeedRequirements {
   std::chrono::seconds fullScanInterval{0};
 };
 
-/// One finished scan: the tree and the facts about it. A value.
+/// A finished scan: the tree of folders and files, and when and how it was made. A value type; sizes are in
+/// bytes.
 ///
-/// Paths are compared under canonical equivalence, and a path given without the data volume finds its place
-/// in a tree whose root lies on it. No operation fails with an error.
+/// Paths are compared under Unicode canonical equivalence. A path given without `Paths::dataVolume` is also
+/// found in a tree whose root is on that volume.
 struct Snapshot {
   static constexpr std::int64_t currentFormat = 3;
 
-  /// When the scan finished; the key under which it is stored.
+  /// When the scan finished. The history stores the scan under this date.
   Date date;
   Seconds duration{0};
-  /// `root.name` is the path that was scanned.
+  /// `root.name` is the path of the scanned folder.
   Node root;
   std::int64_t fileCount = 0;
   Bytes volumeFree = 0;
   Bytes volumeTotal = 0;
-  /// Smaller files and folders are not kept as children.
+  /// Files and folders smaller than this are not kept as children.
   Bytes minNodeSize = 0;
-  /// The change journal's event id when the scan started.
+  /// The change journal's event id at the start of the scan.
   std::optional<std::uint64_t> eventID;
-  /// Start of the last walk that reused nothing on which this tree rests.
+  /// When the last full scan, on which this tree is based, started.
   std::optional<Date> fullScanDate;
   std::optional<std::int64_t> format = currentFormat;
 
   const std::string& rootPath() const { return root.name; }
 
-  /// The path in the form that the tree stores.
+  /// The path as the tree stores it: with `Paths::dataVolume` in front where needed.
   std::string resolve(std::string_view path) const;
 
-  /// The names that lead from the root to `path`; empty for the root, absent for a path outside the tree.
+  /// The names on the way from the root to `path`; empty for the root, absent if `path` is not below the
+  /// root.
   std::optional<std::vector<std::string>> components(std::string_view path) const;
 
-  /// The node at `path`, or null when it is outside the tree or was too small to be kept. Valid until the
-  /// next edit.
+  /// The node at `path`; null if the path is outside the tree or the item was too small to be kept. The
+  /// pointer is valid until the next edit.
   const Node* nodeAt(std::string_view path) const;
 
-  /// Size of every node by its full path.
+  /// The size of every node, by the node's full path.
   std::unordered_map<std::string, Bytes> flattened() const;
 
-  /// The largest kept files, largest first, equal sizes in tree order.
+  /// The `limit` largest files in the tree, largest first; equal sizes in tree order.
   std::vector<FileItem> largestFiles(std::size_t limit) const;
 
   bool canSeedIncrementalScan(const SeedRequirements& requirements) const;
 
-  /// Puts `node` (under the name it has in the tree) in the place of the node at `path`, or drops that node
-  /// when the new one is below `minNodeSize`. False and no change where there is no such node; the root
-  /// cannot be replaced.
+  /// Replaces the node at `path` with `node`, but keeps the old node's name. Removes the old node instead if
+  /// the new one is smaller than `minNodeSize`. Updates all ancestors. Returns false and changes nothing if
+  /// `path` is the root or has no node.
   bool replace(std::string_view path, Node node);
 
-  /// Replaces the node at `path`, or inserts it under an existing folder when it is at least `minNodeSize`.
+  /// Like `replace` if there is a node at `path`. Otherwise inserts `node` if its parent is in the tree and
+  /// `node` is at least `minNodeSize`; returns false if not.
   bool upsert(std::string_view path, Node node);
 
-  /// Removes the node at `path` with all that it counts for.
+  /// Removes the node at `path` and subtracts its size and file count from all ancestors. Returns false and
+  /// changes nothing if `path` is the root or has no node.
   bool remove(std::string_view path);
 
   bool operator==(const Snapshot&) const = default;

@@ -10,8 +10,8 @@
 namespace spacemint {
 
 /// Calls `visit(path, node)` for `root` and every node below it, parents before their children, children in
-/// stored order. `path` is the node's full path and valid during the call only. A `visit` that answers with a
-/// bool says whether what is in the node is visited too.
+/// stored order. `path` is the node's full path; the reference is valid only during the call. `visit` may
+/// return a bool: with false, the nodes below this one are skipped.
 template <class Visit>
 void walkTree(const Node& root, Visit visit) {
   struct Level {

@@ -5,14 +5,14 @@
 
 namespace spacemint {
 
-/// What the system lets this program see.
+/// Which files this program may read.
 namespace Permissions {
 
-/// True when the program may see all of the user's files: one of the host's protected places can be opened.
-/// Computed afresh at every call and cheap.
+/// True if the program may read all of the user's files, that is, if it can open one of the host's protected
+/// places. Not cached; cheap. Any thread.
 bool hasFullDiskAccess();
 
-/// True when one of `places` can be opened.
+/// True if the program can open at least one of `places`.
 bool canOpenOne(std::span<const std::string> places);
 
 }  // namespace Permissions

@@ -8,18 +8,19 @@
 
 namespace spacemint {
 
-/// Capacity and free space of the volume that holds a path. Stateless; any thread.
+/// The capacity and free space of a volume, in bytes. Any thread.
 struct VolumeStatus {
   std::string name;
   Bytes total = 0;
   Bytes free = 0;
 
-  /// Never negative, also where the system says that more is free than there is.
+  /// The used bytes; 0 if the system reports more free than total space.
   Bytes used() const;
-  /// From 0 to 1; 0 for a volume without a capacity.
+  /// The used part of the capacity, from 0 to 1; 0 for a volume without a capacity.
   double usedFraction() const;
 
-  /// The volume of any existing path; absent when it cannot be read or has no capacity.
+  /// Reads the volume that contains `path`; absent if the volume cannot be read or reports no capacity.
+  /// Blocks; a network file system that does not answer may block for long.
   static std::optional<VolumeStatus> current(const std::string& path);
   static std::optional<VolumeStatus> from(const VolumeInfo& info);
 

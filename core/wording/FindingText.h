@@ -10,7 +10,8 @@
 
 namespace spacemint {
 
-/// The sentences about findings, for the window and for the terminal. `locale` is an ICU locale identifier.
+/// Sentences about findings, shared by the application and spacemintctl. `locale` is an ICU locale
+/// identifier. Any thread.
 namespace FindingText {
 
 inline constexpr std::string_view nothingToCompare = "After the next scan, this shows where new space went.";
@@ -22,8 +23,8 @@ inline constexpr std::string_view noDockerData = "Docker keeps nothing.";
 inline constexpr std::string_view openOllama = "Open Ollama to see your models.";
 inline constexpr std::string_view noOllamaModels = "No models.";
 
-/// "Free space dropped by 2 GB, from 34 GB to 32 GB"; only the first half where the change is too small to
-/// show in the two figures.
+/// "Free space dropped by 2 GB, from 34 GB to 32 GB". Without the second half if both figures would look the
+/// same.
 std::string freeChange(Bytes before, Bytes after, const std::string& locale);
 
 /// "Nothing grew by more than 100 MB."
@@ -31,23 +32,23 @@ std::string nothingGrew(Bytes minimum, const std::string& locale);
 /// "No package or build caches over 50 MB."
 std::string noCaches(Bytes minimum, const std::string& locale);
 
-/// The sentence for a tool that failed; `reason` is what the tool said.
+/// The sentence for a tool that failed; `reason` is the tool's error message.
 std::string dockerFailed(const std::string& reason);
 std::string ollamaFailed(const std::string& reason);
 /// "3 of 7 in use"
 std::string inUse(std::int64_t active, std::int64_t count);
 
-/// The sentence about a level below ok; empty for ok.
+/// The sentence for the levels `low` and `critical`; empty for `ok`.
 std::string warning(SpaceLevel level, std::int64_t thresholdGB);
 
 std::string trashTitle(const Suggestions::TrashInfo& trash, const std::string& locale);
-/// The line under the title: whether most of the Trash is hidden.
+/// The line under the title. Says if most of the Trash consists of hidden items.
 std::string trashLine(const Suggestions::TrashInfo& trash, const std::string& locale);
 
 std::string oldBackupTitle(const DeviceBackup& backup, const std::string& locale);
 std::string oldBackupLine(const DeviceBackup& backup, Date now, const std::string& locale);
 
-/// When a worktree was last used, or that its repository is gone; empty if neither is known.
+/// When the worktree was last used, or that its repository is gone; empty if neither is known.
 std::string worktreeLine(const GitWorktree& worktree, Date now, const std::string& locale);
 
 }  // namespace FindingText

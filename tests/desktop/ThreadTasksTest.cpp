@@ -82,6 +82,7 @@ TEST(ThreadTasks, longWorkHoldsNoThreadThatOthersWaitFor) {
 
 TEST(ThreadTasks, givesBackgroundWorkANamedThreadOfLowPriority) {
   ThreadTasks tasks;
+  const int ordinary = getpriority(PRIO_PROCESS, 0);
   std::string name;
   int policy = -1;
   int niceness = 0;
@@ -100,7 +101,7 @@ TEST(ThreadTasks, givesBackgroundWorkANamedThreadOfLowPriority) {
   EXPECT_EQ(policy, SCHED_BATCH);  // SCHED_IDLE could stand still for minutes
   EXPECT_EQ(niceness, 19);
   EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER);
-  EXPECT_EQ(getpriority(PRIO_PROCESS, 0), 0);
+  EXPECT_EQ(getpriority(PRIO_PROCESS, 0), ordinary);
 }
 
 TEST(ThreadTasks, runsPostedFunctionsInOrderEvenFromInsideOne) {

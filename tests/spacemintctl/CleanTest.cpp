@@ -68,7 +68,7 @@ TEST_F(CleanTest, doesNothingWithoutAYes) {
   const Outcome asked = clean({"path", at("big")});
   EXPECT_EQ(asked.exitCode, 1);
   EXPECT_EQ(asked.out, "Delete permanently?\n  2 MB  delete  ~/big\nThis removes it for good.\n");
-  EXPECT_THAT(asked.err, HasSubstr("nothing was removed: not confirmed, for there is no terminal"));
+  EXPECT_THAT(asked.err, HasSubstr("nothing was removed: not confirmed, because there is no terminal"));
   const Outcome dry = clean({"path", at("big"), "--dry-run", "--yes"});
   EXPECT_EQ(dry.exitCode, 0);
   EXPECT_EQ(dry.out, asked.out);

@@ -274,8 +274,8 @@ TEST_F(CleanupTest, emptiesTheTrashInOrderAndKeepsWhatIsNeededToRestoreTheRest) 
     fs::permissions(trash.folder + "/files/locked", fs::perms::owner_all);
     const std::string text = CleanupText::outcome(planned, report, context);
     return text.starts_with(
-               "That didn't work: ~/.local/share/Trash/files/locked/file lies in a folder that is "
-               "closed by its mode 500") &&
+               "That didn't work: ~/.local/share/Trash/files/locked/file lies in a folder that has "
+               "insufficient permissions (mode 500)") &&
            report.steps.size() == 1 && fs::exists(trash.folder + "/info/old.trashinfo") &&
            fs::exists(trash.folder + "/expunged/1") &&
            text.ends_with("gone already.") != fs::exists(trash.folder + "/files/old");

@@ -32,16 +32,16 @@ std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-// Other processes may publish into the same folder, so the name is nobody else's. It says nothing of the
-// target: there may be no room left in it, and a file system may refuse a name cut inside a character.
+// A unique name, because other processes may write files into the same folder. The name does not contain the
+// target's name, which may already have the maximum length.
 std::optional<std::string> temporaryName() {
   std::uint64_t number = 0;
   if (getentropy(&number, sizeof number) != 0) return std::nullopt;
   return "." + std::to_string(getpid()) + "-" + std::to_string(number) + std::string{temporarySuffix};
 }
 
-// A link in the file's place stays, and what it leads to is replaced: people keep their settings elsewhere
-// and link them in. A link that leads nowhere gives way to the file.
+// If `path` is a symbolic link, the file to replace is the link's target: users keep settings elsewhere and
+// link to them. A broken link itself is replaced by the file.
 std::string linkTarget(const std::string& path) {
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
@@ -62,7 +62,7 @@ int flush(int file) {
   return 0;
 }
 
-// A new folder that a crash takes away would take the file in it, however well that was flushed.
+// Flushes the parent folder: otherwise a crash could remove the new folder, and flushed files in it.
 int makeFolder(const std::string& path) {
   if (mkdir(path.c_str(), 0700) != 0) return errno;
   const FileHandle above{open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
@@ -81,7 +81,7 @@ int writeAll(int file, std::string_view contents) {
   return 0;
 }
 
-// Fills `buffer`, or less where the file ends before.
+// Fills `buffer`, or a part of it if the file ends earlier.
 int readUpTo(int file, std::span<char> buffer, std::size_t& filled) {
   while (filled < buffer.size()) {
     const ssize_t count = ::read(file, buffer.data() + filled, buffer.size() - filled);
@@ -121,14 +121,15 @@ void removeLeftOvers(int folder) {
 }  // namespace
 
 std::expected<void, Error> createPrivateFolders(const std::string& path) {
-  // Not to rely on the error for a folder that is there: some file systems answer "not permitted" first.
+  // Check first, because mkdir() of an existing folder fails with EPERM instead of EEXIST on some file
+  // systems.
   if (isFolder(path)) return {};
   int failure = makeFolder(path);
   if (failure == ENOENT && folderOf(path) != path) {
     if (auto above = createPrivateFolders(folderOf(path)); !above) return above;
     failure = makeFolder(path);
   }
-  if (failure == 0 || isFolder(path)) return {};  // somebody else may have been quicker
+  if (failure == 0 || isFolder(path)) return {};  // another process may have created it
   return std::unexpected(systemError(path, failure == EEXIST ? ENOTDIR : failure));
 }
 
@@ -138,25 +139,25 @@ std::expected<void, Error> writeFileAtomically(const std::string& path, std::str
   if (name.empty() || name == "." || name == "..") return std::unexpected(systemError(path, EISDIR));
   const FileHandle folder{open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
   if (!folder) return std::unexpected(systemError(folderOf(target), errno));
-  removeLeftOvers(folder.get());  // first, for the disk may be full of them
+  removeLeftOvers(folder.get());  // first: they may fill the disk
 
   const auto temporary = temporaryName();
   if (!temporary) return std::unexpected(systemError(path, errno));
   int failure = writeDurably(folder.get(), *temporary, contents);
-  if (failure == EEXIST) return std::unexpected(systemError(path, failure));  // not ours to remove
+  if (failure == EEXIST) return std::unexpected(systemError(path, failure));  // not our file
   if (failure == 0 && renameat(folder.get(), temporary->c_str(), folder.get(), name.c_str()) != 0)
     failure = errno;
   if (failure != 0) {
     unlinkat(folder.get(), temporary->c_str(), 0);
     return std::unexpected(systemError(path, failure));
   }
-  // The new file is in place; where a file system cannot flush a folder, that is all there is to do.
+  // Ignore a failure: the new file is in place, and some file systems cannot flush folders.
   flush(folder.get());
   return {};
 }
 
 std::expected<std::string, Error> readFile(const std::string& path, std::size_t limit) {
-  // Not to block where somebody put a pipe in the file's place.
+  // O_NONBLOCK: do not wait for a writer if the file was replaced by a pipe.
   const FileHandle file{open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
   struct stat status {};
   if (!file || fstat(file.get(), &status) != 0) return std::unexpected(systemError(path, errno));

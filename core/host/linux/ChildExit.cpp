@@ -15,7 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Where there is no handle of the process to wait on, it is looked at this often.
+// Without a pidfd to wait on, `waitForExit` checks the child every `lookInterval`.
 constexpr std::chrono::milliseconds longestWait{1'000};
 constexpr std::chrono::milliseconds lookInterval{10};
 
@@ -31,7 +31,7 @@ bool hasEnded(pid_t child) {
 
 bool waitForExit(pid_t child, Clock::time_point until) {
   if (hasEnded(child)) return true;
-  // The C library's own function has no linkage for C++ in every version.
+  // Not every version of the C library declares pidfd_open() for C++.
   const FileHandle process{static_cast<int>(syscall(SYS_pidfd_open, child, 0))};
   pollfd watched{process.get(), POLLIN, 0};
   const auto step = process ? longestWait : lookInterval;

@@ -17,7 +17,7 @@ std::expected<FileLock, Error> FileLock::takeAtOnce(const std::string& path) {
 }
 
 std::expected<FileLock, Error> FileLock::takeAs(const std::string& path, int operation) {
-  // Open for writing, because a network file system gives an exclusive lock to a writer only.
+  // Open for writing: network file systems grant exclusive locks only on handles open for writing.
   FileHandle file{open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)};
   if (!file) return std::unexpected(systemError(path, errno));
   while (flock(file.get(), operation) != 0) {

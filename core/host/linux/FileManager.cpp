@@ -18,8 +18,8 @@ bool standsAt(const std::string& path) {
 std::expected<void, Error> moveItem(const std::string& from, const std::string& to) {
   if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
   int failure = errno;
-  // Network file systems know no such flag. There a name that appears between the test and the renaming can
-  // cost a file or an empty folder; a folder that holds something is never replaced.
+  // Network file systems do not support RENAME_NOREPLACE. On those, a file or an empty folder that another
+  // process creates between the test and the renaming is replaced; a folder with contents never is.
   if ((failure == EINVAL || failure == ENOSYS) && !standsAt(to)) {
     if (rename(from.c_str(), to.c_str()) == 0) return {};
     failure = errno;

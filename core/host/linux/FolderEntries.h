@@ -11,7 +11,7 @@
 
 namespace spacemint {
 
-/// One entry of a folder as `getdents64` returns it.
+/// An entry of a folder as `getdents64` returns it.
 struct FolderEntry {
   /// Points into the caller's buffer and is followed by a NUL byte.
   std::string_view name;

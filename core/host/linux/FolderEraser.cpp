@@ -52,7 +52,8 @@ FolderEraser::Done FolderEraser::empty(FileHandle folder, const HandleFacts& fac
   }
 }
 
-// Removes the files among the next entries and keeps the folders for later; false at the folder's end.
+// Removes the files among the next entries and stores the folders' names in `folder`; false at the end of the
+// folder.
 std::expected<bool, RemovalFailure> FolderEraser::readBatch(Frame& folder) {
   files_.clear();
   const auto more =
@@ -63,10 +64,10 @@ std::expected<bool, RemovalFailure> FolderEraser::readBatch(Frame& folder) {
           files_.push_back({entry.inode, entry.name.data()});
         }
       });
-  // A folder that somebody else has removed lists nothing.
+  // Another program has removed the folder.
   if (!more && more.error() == ENOENT) return false;
   if (!more) return failure("", more.error());
-  // In the order in which they lie on the disk.
+  // Remove in the order of inode numbers, which is roughly the order on the disk.
   std::ranges::sort(files_, {}, &File::inode);
   for (const File& file : files_) {
     if (!progress_.mayGoOn()) return failure("", ECANCELED);
@@ -80,7 +81,7 @@ FolderEraser::Done FolderEraser::removeFile(Frame& folder, const char* name) {
   const auto facts = factsOf(folder.handle, name);
   if (!facts) return isThere(facts.error()) ? Done{failure(name, facts.error())} : Done{};
   if (S_ISDIR(facts->mode)) {
-    // Some file systems list entries without their type.
+    // The file system did not report the entry's type in the listing.
     folder.folders.emplace_back(name);
     return {};
   }
@@ -89,7 +90,7 @@ FolderEraser::Done FolderEraser::removeFile(Frame& folder, const char* name) {
     return {};
   }
   if (!isThere(errno)) return {};
-  // A folder has taken the file's place.
+  // The file was replaced by a folder.
   if (errno == EISDIR) return tryAgain(folder, name);
   return failure(name, errno);
 }
@@ -99,12 +100,12 @@ FolderEraser::Done FolderEraser::enter(const std::string& name) {
   FileHandle opened{openat(parent.handle.get(), name.c_str(), openFlags)};
   if (!opened) {
     if (!isThere(errno)) return {};
-    // A folder that may not be listed can still be removed where nothing is in it.
+    // A folder without read permission can still be removed if it is empty.
     if (errno == EACCES)
       return unlinkat(parent.handle.get(), name.c_str(), AT_REMOVEDIR) == 0 || !isThere(errno)
                  ? Done{}
                  : Done{failure(name, EACCES)};
-    // No folder any more: a link, which is removed and not followed, or a file.
+    // The folder was replaced by a file or a symbolic link: remove that item.
     if (errno == ENOTDIR || errno == ELOOP) return removeFile(parent, name.c_str());
     return failure(name, errno);
   }
@@ -116,7 +117,7 @@ FolderEraser::Done FolderEraser::enter(const std::string& name) {
   return {};
 }
 
-// Removes the deepest folder, which is empty now, and goes on in the one above it.
+// Removes the deepest folder, which is empty now, and continues in its parent.
 FolderEraser::Done FolderEraser::leave() {
   if (auto reopened = reopenParent(); !reopened) return reopened;
   std::string name = std::move(frames_.back().name);
@@ -152,7 +153,7 @@ FolderEraser::Done FolderEraser::tryAgain(Frame& folder, std::string name) {
   return {};
 }
 
-// The rest of its batch is dropped too: the listing starts again when the walk comes back.
+// Also drops the names stored in the frame: reopening the folder starts its listing again.
 void FolderEraser::closeShallowest() {
   frames_[firstOpen_].handle.close();
   frames_[firstOpen_].folders = {};
@@ -165,7 +166,7 @@ std::unexpected<RemovalFailure> FolderEraser::failure(const std::string& name, i
   return failed;
 }
 
-// The middle of a very long path is left out.
+// The path for a message, without the middle part if it is very long.
 std::string FolderEraser::pathOf(std::string_view name) const {
   std::string path = path_;
   for (const Frame& frame : frames_) {

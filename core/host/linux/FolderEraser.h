@@ -10,23 +10,23 @@
 
 namespace spacemint {
 
-/// Empties one open folder, however large and deep, with a bounded number of open handles and bounded memory
-/// but for the names on the way down.
+/// Empties an open folder of any size and depth. The number of open handles is bounded; memory grows only
+/// with the depth and with the number of subfolders in a batch.
 ///
-/// Every step starts from an open handle, never from a path. A folder is entered only without following a
-/// link and only while its handle is on the same mount. Handles far above the deepest folder are closed; the
-/// way back leads through "..", and only into the very folder it came from.
+/// Every step is relative to an open handle, never to a path. A folder is entered only without following
+/// links and only if it is on the same mount. Handles far above the deepest folder are closed; the way back
+/// opens ".." and checks that it is the same folder as before. One thread at a time.
 class FolderEraser {
  public:
-  /// How many handles are open at once, the first folder's aside.
+  /// The largest number of open handles, in addition to the first folder's.
   static constexpr std::size_t handleLimit = 32;
-  /// How often a folder whose entries keep coming back is tried again before the removal fails.
+  /// How often the eraser retries a folder that another program keeps filling before the removal fails.
   static constexpr int retryLimit = 100;
 
-  /// `path` names the folder in failures.
+  /// `path` is the folder's path, used only in failures.
   FolderEraser(std::string path, RemovalProgress& progress);
 
-  /// Removes all that is in `folder`, which was opened for reading. The folder stays.
+  /// Removes the contents of `folder`, which must be open for reading; the folder itself stays. Blocks.
   std::expected<void, RemovalFailure> empty(FileHandle folder, const HandleFacts& facts);
 
  private:
@@ -34,7 +34,7 @@ class FolderEraser {
     std::string name;
     FileIdentity identity;
     FileHandle handle;
-    /// Folders of the last batch that are still to be entered.
+    /// Subfolders that are not removed yet.
     std::vector<std::string> folders;
     int retries = 0;
   };
@@ -59,7 +59,7 @@ class FolderEraser {
   RemovalProgress& progress_;
   Mounted mounted_;
   std::vector<Frame> frames_;
-  /// The handles of the frames from here on are open, and that of the first.
+  /// The frames from this index on, and the first frame, have open handles.
   std::size_t firstOpen_ = 1;
   std::unique_ptr<std::byte[]> buffer_;
   std::vector<File> files_;

@@ -6,17 +6,17 @@
 
 namespace spacemint {
 
-/// Opens a folder for listing, if possible so that its access time does not change. `parent` may be AT_FDCWD.
-/// On failure the handle is empty and errno is set (`openat`). Any thread.
+/// Opens a folder for listing, if possible without changing its access time. Follows symbolic links. `parent`
+/// may be AT_FDCWD. On failure the handle is empty and errno is set (`openat`). Any thread.
 FileHandle openFolder(int parent, const char* name);
-/// The same for a name that must not be a symbolic link.
+/// Like `openFolder`, but fails if `name` is a symbolic link.
 FileHandle openFolderItself(int parent, const char* name);
 
-/// Starts the listing of an open folder again. Some file systems list what existed when the folder was
-/// opened, which was before it was watched.
+/// Restarts the listing of an open folder. Call it after starting to watch the folder: some file systems list
+/// the entries that existed when the folder was opened.
 void rewindFolder(const FileHandle& folder);
 
-/// A path under /proc that leads to the open folder itself, whatever its own path is now.
+/// A path below /proc that refers to the open folder itself, also if the folder was moved.
 std::string pathThroughHandle(const FileHandle& folder);
 
 }  // namespace spacemint

@@ -19,27 +19,27 @@ struct Mounted {
   bool operator==(const Mounted&) const = default;
 };
 
-/// The facts of the file or folder that a handle is open on, whatever is at its path now.
+/// Facts about the file or folder of an open handle, independent of its path.
 struct HandleFacts {
   Mounted mounted;
   std::uint64_t inode = 0;
   mode_t mode = 0;
-  /// How many names the item has.
+  /// The number of hard links.
   std::uint32_t links = 0;
-  /// Bytes on the disk.
+  /// Allocated bytes on the disk.
   Bytes allocated = 0;
 
   FileIdentity identity() const { return {mounted.device, inode}; }
 };
 
-/// Any thread. Fails with an errno.
+/// The facts of an open file or folder. Fails with an errno. Any thread.
 std::expected<HandleFacts, int> factsOf(const FileHandle& handle);
 
-/// The facts of the entry `name` of an open folder. A link is not followed.
+/// The facts of the entry `name` of an open folder. Does not follow a symbolic link. Fails with an errno.
 std::expected<HandleFacts, int> factsOf(const FileHandle& folder, const char* name);
 
-/// The absolute path of an open folder without links, as the table of mounts spells it; empty when the system
-/// does not say.
+/// The absolute path of an open folder without symbolic links, spelled as in the kernel's mount table; empty
+/// if the kernel does not report it.
 std::string realPathOf(const FileHandle& folder);
 
 }  // namespace spacemint

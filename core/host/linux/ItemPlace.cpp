@@ -29,7 +29,8 @@ bool isPlain(const std::string& path, const std::vector<std::string>& names) {
          path.find('\0') == std::string::npos;
 }
 
-// How many of the leading names are those of the folder up to which links may lead; 0 when it is not above.
+// The number of leading names that spell `start`, the folder up to which links are followed; 0 if the target
+// is not below `start`.
 std::size_t lengthOfStart(const std::vector<std::string>& names, const std::string& start) {
   const auto startNames = namesOf(start);
   const bool leads = start.starts_with('/') && startNames.size() < names.size() &&
@@ -46,7 +47,7 @@ std::unexpected<RemovalFailure> notOpened(const std::string& path, const FileHan
   return failure;
 }
 
-// Opens the folder that holds the target; `names` are those of its path.
+// Opens the folder that contains the target. `names` are the components of the target's path.
 std::expected<FileHandle, RemovalFailure> parentOf(const RemovalTarget& target,
                                                    const std::vector<std::string>& names) {
   const std::size_t first = lengthOfStart(names, target.linksAllowedUpTo);

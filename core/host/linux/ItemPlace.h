@@ -8,28 +8,29 @@
 
 namespace spacemint {
 
-/// An item held open (O_PATH), so that nobody can put another one in its place unnoticed.
+/// An item held open (O_PATH). The handle keeps referring to the same item if the item is renamed or
+/// replaced.
 struct HeldItem {
   FileHandle handle;
   HandleFacts facts;
 };
 
-/// Opens the entry `name` of an open folder. `path` names it in a failure. Fails with EXDEV where something
-/// is mounted on it.
+/// Opens the entry `name` of an open folder. `path` is used only in failures. Fails with EXDEV if the entry
+/// is a mount point.
 std::expected<HeldItem, RemovalFailure> holdEntry(const FileHandle& folder, const std::string& name,
                                                   const std::string& path);
 
-/// A held item with the folder that holds it (O_PATH) and its name there.
+/// A held item, its open parent folder (O_PATH) and its name in that folder.
 struct HeldTarget {
   FileHandle parent;
   std::string name;
   HeldItem item;
 };
 
-/// Goes down to a target step by step and holds it. Each folder is opened from the one above it without
-/// following links, so a folder that is swapped for a link on the way ends the search instead of leading it
-/// elsewhere. Single "." and doubled "/" are passed over; paths may be of any length. Fails with ESTALE where
-/// another item than the confirmed one stands there.
+/// Opens the folders of a target's path one after the other, each relative to its parent and without
+/// following links, and holds the target. So a folder that is replaced by a link at the same time causes a
+/// failure and leads nowhere else. Skips "." and doubled "/"; paths may have any length. Fails with ESTALE if
+/// the item is not `target.identity`. Blocks; any thread.
 std::expected<HeldTarget, RemovalFailure> holdTarget(const RemovalTarget& target);
 
 }  // namespace spacemint

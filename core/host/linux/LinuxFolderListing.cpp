@@ -20,7 +20,7 @@ namespace {
 constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_BLOCKS;
 constexpr int entryFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 constexpr Bytes blockSize = 512;
-// No real file system holds a larger file; a larger number is a sign of damage.
+// No real file is larger; a larger number means a damaged file system.
 constexpr std::uint64_t largestBlockCount = std::uint64_t{1} << 50U;
 
 EntryType typeOf(const struct statx& status) {
@@ -28,7 +28,7 @@ EntryType typeOf(const struct statx& status) {
   return S_ISDIR(status.stx_mode) ? EntryType::folder : EntryType::other;
 }
 
-// What all folders below one root share.
+// Shared by all folders below a root.
 struct Root {
   Mounted mounted;
   MountTree mounts;
@@ -36,7 +36,7 @@ struct Root {
   FolderObserver* observer = nullptr;
 };
 
-// Whether an entry that could not be read for this reason still exists.
+// True if an entry that failed with this errno still exists.
 bool isStillThere(int error) {
   return error != ENOENT && error != ENOTDIR && error != ELOOP;
 }
@@ -72,7 +72,8 @@ class LinuxFolder final : public OpenFolder {
     if (!opened) return obstacle(name, errno);
     const auto facts = factsOf(opened);
     if (!facts) return obstacle(name, facts.error());
-    // Mounted after the table was read, or a subvolume, which has its own device number.
+    // A file system mounted after the mount table was read, or a Btrfs subvolume, which has its own device
+    // number.
     if (facts->mounted != root_->mounted) return std::unexpected(EXDEV);
     FolderRef ref;
     if (root_->observer != nullptr) ref = root_->observer->opened(ref_, name, opened);
@@ -126,7 +127,7 @@ class LinuxFolder final : public OpenFolder {
 
   FileHandle handle_;
   std::shared_ptr<const Root> root_;
-  // The mounts below this folder; null when there are none.
+  // The mounts below this folder; null if there are none.
   const MountTree* mounts_;
   FolderRef ref_;
 };

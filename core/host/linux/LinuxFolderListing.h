@@ -10,7 +10,7 @@
 
 namespace spacemint {
 
-/// How an observer recognises a folder. The generation distinguishes a folder from a removed one that had the
+/// An observer's reference to a folder. The generation distinguishes a folder from a removed folder with the
 /// same id.
 struct FolderRef {
   std::uint32_t id = ~std::uint32_t{0};
@@ -19,8 +19,8 @@ struct FolderRef {
   auto operator<=>(const FolderRef&) const = default;
 };
 
-/// Is called for every folder that a listing opens, before its entries are read. The calls come from every
-/// thread that opens folders.
+/// A listing calls these functions for every folder that it opens, before it reads the folder's entries.
+/// Calls come from all threads that open folders.
 class FolderObserver {
  public:
   FolderObserver() = default;

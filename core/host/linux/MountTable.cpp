@@ -25,7 +25,8 @@ bool isOctal(std::string_view digits) {
   return digits.size() == 3 && digits.find_first_not_of("01234567") == std::string_view::npos;
 }
 
-// The kernel writes blanks, line ends and backslashes in a name as a backslash and three octal digits.
+// Decodes the kernel's escapes: in names, spaces, tabs, line ends and backslashes are written as a backslash
+// and three octal digits.
 std::string unescaped(std::string_view word) {
   std::string text;
   for (std::size_t i = 0; i < word.size(); ++i) {

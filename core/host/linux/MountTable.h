@@ -9,7 +9,7 @@
 
 namespace spacemint {
 
-/// One line of the kernel's table of mounts.
+/// A line of the kernel's mount table.
 struct Mount {
   std::uint64_t id = 0;
   std::uint64_t device = 0;
@@ -21,11 +21,11 @@ struct Mount {
 /// Parses the text of /proc/self/mountinfo. Lines with an unknown format are left out.
 std::vector<Mount> parseMountTable(std::string_view text);
 
-/// The current mounts; empty when the table cannot be read. Any thread.
+/// The current mounts; empty if the table cannot be read. Any thread.
 std::vector<Mount> currentMounts();
 
-/// The mount points below one folder, as a tree of names. A scan looks up each name on its way down, so it
-/// costs nothing in folders without mounts.
+/// The mount points below a folder, as a tree of names. A scan looks up each name on its way down, so folders
+/// without mounts below cost nothing.
 struct MountTree {
   bool isMountPoint = false;
   std::map<std::string, std::unique_ptr<MountTree>, std::less<>> below;

@@ -7,7 +7,7 @@
 
 namespace spacemint {
 
-// A sandbox hides the system's log folder and gives the program a home without the user's settings.
+// In a sandbox, the system's log folder is hidden and the home folder lacks the user's settings.
 std::vector<std::string> protectedPlaces() {
   return {"/var/log", UserFolders::home() + "/.config"};
 }

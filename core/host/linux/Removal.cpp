@@ -46,7 +46,7 @@ Done removeFile(const FileHandle& parent, const std::string& name, const std::st
   return removalFailure(path, errno == EISDIR ? ESTALE : errno, parent, name);
 }
 
-// Empties the held folder and removes it from its parent, unless another one stands there by now.
+// Empties the held folder and removes it from its parent, unless another item is at its path now.
 Done removeFolder(const FileHandle& parent, const std::string& name, const std::string& path,
                   const HeldItem& item, RemovalProgress& progress) {
   FolderEraser eraser(path, progress);
@@ -62,7 +62,7 @@ Done removeFolder(const FileHandle& parent, const std::string& name, const std::
     const auto now = factsOf(parent, name.c_str());
     if (!now && now.error() == ENOENT) return {};
     if (!now || now->identity() != item.facts.identity()) return removalFailure(path, ESTALE);
-    // An empty folder goes also where it may not be listed.
+    // An empty folder can be removed even without permission to list it.
     if (unlinkat(parent.get(), name.c_str(), AT_REMOVEDIR) == 0) {
       progress.add(item.facts.identity(), 0, 1);
       return {};
@@ -74,7 +74,7 @@ Done removeFolder(const FileHandle& parent, const std::string& name, const std::
   return removalFailure(path, ENOTEMPTY);
 }
 
-// Removes one entry with all that is in it; a link as a link.
+// Removes an entry with its contents; does not follow a symbolic link.
 Done removeEntry(const FileHandle& folder, const std::string& name, const std::string& path, bool hasMounts,
                  RemovalProgress& progress) {
   const auto facts = factsOf(folder, name.c_str());
@@ -87,16 +87,16 @@ Done removeEntry(const FileHandle& folder, const std::string& name, const std::s
   return removeFolder(folder, name, path, *item, progress);
 }
 
-// The next names of a folder in listing order, without "." and ".."; none at its end.
+// The next names of a folder in listing order, without "." and ".."; empty at the end of the folder.
 std::expected<std::vector<std::string>, int> nextNames(const FileHandle& folder) {
   alignas(8) std::array<std::byte, 32'768> buffer;
   std::vector<std::string> names;
-  // A call may return only "." and "..", which is not yet the end.
+  // A call may return only "." and "..": that is not the end.
   while (names.empty()) {
     const auto more =
         readFolderEntries(folder, buffer, [&](const FolderEntry& entry) { names.emplace_back(entry.name); });
     if (!more && more.error() != ENOENT) return std::unexpected(more.error());
-    // The end, or somebody else removed the folder.
+    // The end of the folder, or another program removed the folder.
     if (!more || !*more) break;
   }
   return names;

@@ -23,7 +23,7 @@ constexpr std::pair<int, const char*> reasons[]{
     {ELOOP, "is a symbolic link"},
     {EINVAL, "isn't a plain absolute path"},
     {ENOENT, "does not exist"},
-    {ENOTEMPTY, "is filled again while it is being removed"},
+    {ENOTEMPTY, "gets new files while it is being removed"},
     {EROFS, "lies on a read-only file system"},
 };
 
@@ -56,9 +56,9 @@ std::string userName(uid_t user) {
   return found != nullptr ? found->pw_name : "user " + std::to_string(user);
 }
 
-// "belongs to root" for another user's item, else the mode that stands in the way.
+// "belongs to root" for another user's item; the mode for the user's own item.
 std::string belongingTo(const Status& item) {
-  return item.isMine() ? "is closed by its mode " + item.mode()
+  return item.isMine() ? "has insufficient permissions (mode " + item.mode() + ")"
                        : "belongs to " + userName(item.facts.stx_uid);
 }
 
@@ -67,7 +67,7 @@ bool isClosed(const FileHandle& folder, const std::string& name, int rights) {
   return faccessat(folder.get(), name.c_str(), rights, flags) != 0;
 }
 
-// Why the system refused to remove an item; empty where its facts do not tell.
+// Why the system refused to remove an item; empty if owner, mode and attributes do not explain it.
 std::string refusalReason(const FileHandle& folder, const std::string& name) {
   const Status item = statusOf(folder, name);
   const Status parent = statusOf(folder, "");

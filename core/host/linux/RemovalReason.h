@@ -8,9 +8,9 @@
 
 namespace spacemint {
 
-/// The failure of a removal at `path`, in words. `folder` holds the item `name`, and both are looked at to
-/// say why the system refused; an empty name stands for the folder itself. An invalid handle leaves out that
-/// look.
+/// The failure of a removal at `path`, with the reason in words. `folder` contains the item `name`; the
+/// function reads the owner, mode and attributes of both to explain a refusal. An empty `name` means `folder`
+/// itself; without a valid `folder` the reason follows from `errorNumber` alone.
 std::unexpected<RemovalFailure> removalFailure(std::string path, int errorNumber,
                                                const FileHandle& folder = {}, const std::string& name = {});
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-// A folder of the user's own in an open folder, made where it is missing.
+// Opens a folder in `parent` that belongs to the user; creates the folder if it is missing.
 FileHandle ownFolder(const FileHandle& parent, const std::string& name) {
   mkdirat(parent.get(), name.c_str(), 0700);
   FileHandle folder{openat(parent.get(), name.c_str(), folderFlags)};
@@ -39,7 +39,8 @@ std::expected<TrashFolder, Error> open(const FileHandle& trash, const std::strin
   return folder;
 }
 
-// One that is for all must keep one user from replacing the folder of another.
+// The Trash shared by all users. It must have the sticky bit, so that a user cannot replace another user's
+// folder.
 FileHandle sharedTrash(const FileHandle& top) {
   FileHandle folder{openat(top.get(), ".Trash", folderFlags)};
   struct stat status {};
@@ -51,7 +52,7 @@ FileHandle sharedTrash(const FileHandle& top) {
 
 std::expected<TrashFolder, Error> TrashFolder::home(const std::string& path) {
   if (auto made = createPrivateFolders(path); !made) return std::unexpected(made.error());
-  // Here a link is the user's own wish.
+  // Follow a link here: the user may have replaced the Trash by a link.
   return open(FileHandle{::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, path);
 }
 

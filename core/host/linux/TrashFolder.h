@@ -9,22 +9,22 @@
 
 namespace spacemint {
 
-/// One trash of the freedesktop.org kind, held open: what lies in it is in `files`, and where each thing came
-/// from is in `info`.
+/// A Trash folder as the freedesktop.org Trash specification defines it, held open. `files` contains the
+/// items, `info` a file for each item with its original path.
 struct TrashFolder {
   std::string path;
   FileHandle files;
   FileHandle info;
   Mounted mounted;
-  /// The folder from which the noted paths count; empty where they are absolute.
+  /// The folder that original paths are relative to; empty if they are absolute.
   std::string top;
 
-  /// The user's own at `path`, made with all above it (0700) where it is missing.
+  /// Opens the user's Trash at `path`; creates it and missing folders above it (0700). Blocks; any thread.
   static std::expected<TrashFolder, Error> home(const std::string& path);
 
-  /// The user's on the volume that is mounted at `top`: in a `.Trash` that the administrator made for all,
-  /// where that is safe, else one beside it, made where it is missing. Links are not followed, and what
-  /// belongs to somebody else is not used.
+  /// Opens the user's Trash on the volume mounted at `top`: a folder in `.Trash` if the administrator created
+  /// that with the sticky bit; otherwise `.Trash-UID`. Creates missing folders. Does not follow links and
+  /// does not use folders of other users. Blocks; any thread.
   static std::expected<TrashFolder, Error> onVolume(const std::string& top);
 };
 

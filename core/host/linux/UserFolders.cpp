@@ -20,7 +20,7 @@ std::string trimmed(std::string path) {
   return path;
 }
 
-// Only an absolute path counts; anything else in such a variable is ignored.
+// The folder in a variable. Ignores a value that is not an absolute path.
 std::optional<std::string> folderVariable(const char* name) {
   const char* value = std::getenv(name);
   if (value == nullptr || *value != '/') return std::nullopt;
@@ -38,7 +38,7 @@ std::string homeOfPasswordDatabase() {
   return trimmed(found->pw_dir);
 }
 
-// Where nothing says otherwise it is in the home folder.
+// The folder in `variable`, or by default the folder `relative` in the home folder.
 std::string folderOf(const char* variable, std::string_view relative) {
   if (auto folder = folderVariable(variable)) return *folder;
   std::string path = UserFolders::home();
@@ -51,8 +51,8 @@ constexpr std::array<const char*, 8> personalFolders{
     "XDG_DESKTOP_DIR",  "XDG_DOCUMENTS_DIR",   "XDG_DOWNLOAD_DIR",  "XDG_MUSIC_DIR",
     "XDG_PICTURES_DIR", "XDG_PUBLICSHARE_DIR", "XDG_TEMPLATES_DIR", "XDG_VIDEOS_DIR"};
 
-// The value of `name` in a line of user-dirs.dirs: NAME="$HOME/Bilder" or an absolute path, "\" before a
-// character that a shell would read.
+// The value of `name` in a line of user-dirs.dirs: NAME="$HOME/Bilder" or an absolute path, with "\" before
+// characters that are special in a shell.
 std::optional<std::string> userDirectory(std::string_view line, std::string_view name) {
   if (!line.starts_with(name)) return std::nullopt;
   line.remove_prefix(name.size());

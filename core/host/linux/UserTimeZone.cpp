@@ -15,7 +15,7 @@ namespace spacemint {
 
 namespace {
 
-// A zone may be given as its file: "/usr/share/zoneinfo/Europe/Berlin" is "Europe/Berlin".
+// The name of the zone in a file: "/usr/share/zoneinfo/Europe/Berlin" is "Europe/Berlin".
 std::string nameOfZoneFile(std::string_view path) {
   constexpr std::string_view folder = "zoneinfo/";
   if (const std::size_t at = path.rfind(folder); at != std::string_view::npos)
@@ -50,7 +50,7 @@ std::optional<std::string> zoneOfClockFile() {
 }  // namespace
 
 std::string userTimeZone() {
-  // A rule such as "CET-1CEST" is a legal TZ but no name; the next source may know better.
+  // TZ may contain a rule such as "CET-1CEST", which is no zone name: then try the next source.
   for (const auto source : {zoneOfEnvironment, zoneOfSettingsFile, zoneOfClockFile}) {
     if (const auto zone = source(); zone && isKnownTimeZone(*zone)) return *zone;
   }

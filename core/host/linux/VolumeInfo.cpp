@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file system may report any number, so what does not fit 64 bits is the largest count.
+// A file system may report any numbers: a product that does not fit 64 bits becomes the largest number.
 Bytes bytesOf(fsblkcnt_t blocks, unsigned long blockSize) {
   Bytes bytes = 0;
   return __builtin_mul_overflow(blocks, blockSize, &bytes) ? std::numeric_limits<Bytes>::max() : bytes;
@@ -40,12 +40,14 @@ std::optional<std::uint64_t> blockDevice(const std::string& path) {
   return status.st_rdev;
 }
 
-// A file system such as Btrfs has a device number of its own; its source names the disk.
+// The device number of the disk. A file system such as Btrfs has its own device number; the disk is the
+// mount's source.
 std::uint64_t diskOf(const Mount& mount) {
   return blockDevice(mount.source).value_or(mount.device);
 }
 
-// Labels are links named by the label, with odd characters written as \x and two hexadecimal digits.
+// Decodes the name of a link in /dev/disk/by-label, in which special characters are written as \x and two
+// hexadecimal digits.
 std::string unescapedLabel(std::string_view text) {
   std::string label;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -76,8 +78,8 @@ std::optional<dev_t> deviceOf(const fs::path& path) {
   return status.st_dev;
 }
 
-// The highest folder on a path that lies on the same device: where it is mounted, for all that can be seen
-// where the table of mounts does not have it, as in a chroot.
+// The highest folder above `path` on the same device. Used in place of the mount point if the mount table
+// does not contain the mount, as in a chroot.
 std::string topOfDevice(const std::string& path) {
   const auto device = deviceOf(path);
   fs::path top = fs::path{path}.lexically_normal();
@@ -85,8 +87,8 @@ std::string topOfDevice(const std::string& path) {
   return top;
 }
 
-// File systems whose answers come from elsewhere. "fuseblk" is missing: it is how a local disk of another
-// system is mounted.
+// True for file systems that depend on another computer or process. "fuseblk" is not among them: it is used
+// for local disks, such as those with NTFS.
 bool isRemote(std::string_view fileSystem) {
   constexpr std::string_view remote[] = {"9p",   "afs",  "autofs", "ceph",  "cifs",  "coda",
                                          "fuse", "gfs2", "nfs",    "ncpfs", "ocfs2", "smb3"};
@@ -99,7 +101,7 @@ bool isAtOrBelow(std::string_view path, std::string_view folder) {
          (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
 }
 
-// The disk of a virtual machine says "rotational" because nobody told it what it is made of.
+// A virtual disk reports "rotational" only because its hypervisor does not report the kind of disk.
 bool isVirtual(const std::string& disk) {
   std::error_code failed;
   return fs::read_symlink(disk + "/device/subsystem", failed).filename() == "virtio";
@@ -129,7 +131,7 @@ bool mayHang(const std::string& path) {
   const auto mounts = currentMounts();
   const Mount* holder = nullptr;
   for (const Mount& mount : mounts) {
-    // Of two mounts on one folder the later one is seen.
+    // If two file systems are mounted on the same folder, the later one is visible.
     if (isAtOrBelow(plain, mount.mountPoint) &&
         (holder == nullptr || mount.mountPoint.size() >= holder->mountPoint.size())) {
       holder = &mount;
@@ -148,7 +150,7 @@ bool isOnRotationalDisk(const std::string& path) {
   const std::uint64_t disk = diskOf(*mount);
   const std::string device =
       "/sys/dev/block/" + std::to_string(major(disk)) + ":" + std::to_string(minor(disk));
-  // A partition finds the facts of its disk in the folder above its own.
+  // A partition has no "queue" folder; its disk, the parent folder, has one.
   for (const std::string& folder : {device, device + "/.."}) {
     std::ifstream file(folder + "/queue/rotational");
     char answer = '0';

@@ -26,7 +26,7 @@ constexpr std::string_view infoSuffix = ".trashinfo";
 // The item to move, held open.
 struct Item {
   HeldTarget held;
-  /// The absolute path of the folder that holds it, without links.
+  /// The absolute path of the item's folder, without symbolic links.
   std::string parentPath;
 
   const Mounted& mount() const { return held.item.facts.mounted; }
@@ -37,7 +37,7 @@ bool isAtOrBelow(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
-// Whether the trash at `path` is, or would be once made, on this mount. Makes nothing.
+// True if the Trash at `path` is on this mount, or would be if it were created. Creates nothing.
 bool isOn(std::string path, const Mounted& mount) {
   while (true) {
     const FileHandle folder{open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
@@ -77,7 +77,8 @@ std::string infoOf(const Item& item, const TrashFolder& trash) {
   return "[Trash Info]\nPath=" + percentEncoded(path) + "\nDeletionDate=" + localTime() + "\n";
 }
 
-// The name for the nth try, cut at the end of a character so that the name of the information fits too.
+// The name for the given attempt, shortened at a character boundary so that the name with `infoSuffix` also
+// fits.
 std::string nameInTrash(std::string name, int attempt) {
   const std::string number = attempt == 1 ? "" : " " + std::to_string(attempt);
   std::size_t length = std::min(name.size(), NAME_MAX - infoSuffix.size() - number.size());
@@ -87,7 +88,7 @@ std::string nameInTrash(std::string name, int attempt) {
   return name.substr(0, length) + number;
 }
 
-// Creates the information of a thing in the trash; 0 or an errno, EEXIST where the name is taken.
+// Creates the info file of an item. Returns 0 or an errno; EEXIST if the name is taken.
 int writeInfo(const TrashFolder& trash, const std::string& name, const std::string& text) {
   const FileHandle file{
       openat(trash.info.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)};
@@ -96,19 +97,20 @@ int writeInfo(const TrashFolder& trash, const std::string& name, const std::stri
   const ssize_t count = write(file.get(), text.data(), text.size());
   if (count < 0) failure = errno;
   if (failure == 0 && static_cast<std::size_t>(count) != text.size()) failure = ENOSPC;
-  // A thing whose place nobody knows any more would be lost.
+  // Flush: an item without its info file could not be restored.
   if (failure == 0 && fsync(file.get()) != 0) failure = errno;
   if (failure != 0) unlinkat(trash.info.get(), name.c_str(), 0);
   return failure;
 }
 
-// Never replaces what lies in the trash already.
+// Moves the item into the Trash. Never replaces an item in the Trash: returns EEXIST.
 int rename(const Item& item, const TrashFolder& trash, const std::string& name) {
   const int to = trash.files.get();
   if (renameat2(item.held.parent.get(), item.held.name.c_str(), to, name.c_str(), RENAME_NOREPLACE) == 0)
     return 0;
   if (errno != EINVAL && errno != ENOSYS) return errno;
-  // Network file systems know no such flag. The information is ours alone, so nobody else takes this name.
+  // Network file systems do not support RENAME_NOREPLACE. Checking first is safe: we created the info file of
+  // this name, so no other program uses the name.
   if (factsOf(trash.files, name.c_str())) return EEXIST;
   return renameat(item.held.parent.get(), item.held.name.c_str(), to, name.c_str()) == 0 ? 0 : errno;
 }
@@ -123,7 +125,7 @@ int moveAs(const std::string& name, const Item& item, const TrashFolder& trash) 
   if (const int failure = writeInfo(trash, info, infoOf(item, trash)); failure != 0) return failure;
   int failure = rename(item, trash, name);
   if (failure == 0 && !hasArrived(item, trash, name)) {
-    // Another item had taken its place in the last moment: it goes back.
+    // The item was replaced just before the rename, so another item was moved: move that item back.
     renameat2(trash.files.get(), name.c_str(), item.held.parent.get(), item.held.name.c_str(),
               RENAME_NOREPLACE);
     failure = ESTALE;
@@ -132,11 +134,11 @@ int moveAs(const std::string& name, const Item& item, const TrashFolder& trash) 
   return failure;
 }
 
-// The freedesktop.org trash, in which every file manager of the desktop finds items: the one in the user's
-// data folder for items on the same mount, else one in the top folder of the volume.
+// The Trash of the freedesktop.org specification, which all file managers use: the Trash in the user's data
+// folder for items on the same mount, otherwise a Trash in the top folder of the item's volume.
 //
-// Renames, and never copies: fails with EXDEV where the item's file system has no trash of its own to give,
-// and with EINVAL for a trash, what is in one and what contains one.
+// Renames and never copies: fails with EXDEV if the item's volume can have no Trash. Fails with EINVAL for a
+// Trash itself, an item in a Trash, and a folder that contains a Trash.
 class XdgTrash final : public TrashCan {
  public:
   std::expected<std::string, RemovalFailure> move(const RemovalTarget& target) override {

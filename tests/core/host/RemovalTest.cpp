@@ -383,9 +383,10 @@ TEST_F(RemovalTest, changesNoModeToGetThrough) {
       fs::permissions(mine + "/full", mode);
       if (remove({.path = mine}) != EACCES || fs::status(mine + "/full").permissions() != mode) return false;
       if (remove({.path = mine + "/full"}) != EACCES) return false;
-      const std::string closed = mode == fs::perms::none
-                                     ? "/full is closed by its mode 000"
-                                     : "/full/file lies in a folder that is closed by its mode 500";
+      const std::string closed =
+          mode == fs::perms::none
+              ? "/full has insufficient permissions (mode 000)"
+              : "/full/file lies in a folder that has insufficient permissions (mode 500)";
       if (reason(mine) != mine + closed) return false;
     }
     fs::permissions(mine + "/full", fs::perms::owner_all);
