@@ -36,14 +36,14 @@ int main(int argc, char** argv) {
   QCoreApplication::setApplicationVersion(QStringLiteral(SPACEMINT_VERSION));
 
   QCommandLineParser parser;
-  parser.setApplicationDescription(QStringLiteral("Watches free space and says what takes it."));
+  parser.setApplicationDescription(QStringLiteral("Watches the free space and shows what uses it."));
   parser.addHelpOption();
   parser.addVersionOption();
   const QCommandLineOption background{
       QStringLiteral("background"),
-      QStringLiteral("Scan, record and warn without showing anything but notifications.")};
+      QStringLiteral("Scan, record and warn without windows; only notifications are shown.")};
   const QCommandLineOption login{
-      QStringLiteral("login"), QStringLiteral("Start as at login: where it runs already, nothing is shown.")};
+      QStringLiteral("login"), QStringLiteral("Start as at login: shows nothing if it is running already.")};
   parser.addOptions({background, login});
   // Parsed before the application object is made: the options decide which kind it is.
   QStringList arguments;
