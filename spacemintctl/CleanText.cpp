@@ -95,7 +95,7 @@ std::string resultText(const CleanupPlan& plan, const CleanupReport& report, con
   if (done.size() == 1) done.front().freed = report.freed();
   std::string text;
   for (const auto& each : done) text += printable(CleanupText::successText(each, wording.locale)) + '\n';
-  if (report.freed()) {
+  if (report.freed().value_or(0) != 0) {
     text += FindingText::freeChange(*report.freeBefore, *report.freeAfter, wording.locale) + '\n';
   }
   return text;

@@ -26,8 +26,8 @@ struct ApplicationHost {
   std::function<void()> quit;
 };
 
-/// The application around its model: the status item, the panel that the item opens, the window that replaces both,
-/// and the rules for when each is shown. It has no data of its own. Main thread only.
+/// The application around its model: the status item, the panel that the item opens, the window that replaces
+/// both, and the rules for when each is shown. It has no data of its own. Main thread only.
 class Application : public QObject {
   Q_OBJECT
  public:

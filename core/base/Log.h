@@ -5,7 +5,7 @@
 
 namespace spacemint {
 
-/// The log gives the reasons for decisions: why a scan walks everything, why no warning was shown, which
+/// The log gives the reasons for decisions: why a scan is a full one, why no warning was shown, which
 /// service is missing. The log goes to standard error. The environment variable SPACEMINT_LOG turns the log
 /// on: "info" logs decisions, "debug" also those that are repeated often.
 enum class LogLevel : std::uint8_t { info = 1, debug = 2 };

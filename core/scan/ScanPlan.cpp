@@ -143,8 +143,8 @@ ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
   const std::string root = arguments.root;
   ScanPlan plan = planned(journal, std::move(arguments));
   log(LogLevel::info, plan.whyFull.empty()
-                          ? "the scan of " + root + " takes over what has not changed"
-                          : "the scan of " + root + " walks everything, because " + plan.whyFull);
+                          ? "the scan of " + root + " takes the folders without changes from the last scan"
+                          : "the scan of " + root + " is a full scan, because " + plan.whyFull);
   return plan;
 }
 

@@ -282,7 +282,7 @@ TEST_F(CleanTest, removesAWorktreeByGitAndAnOrphanByItself) {
   EXPECT_THAT(orphan.out, AllOf(HasSubstr("delete  ~/old\n"), HasSubstr("Removed old.")));
   EXPECT_FALSE(fs::exists(at("old")));
   fs::create_directories(at("plain"));
-  EXPECT_THAT(clean({"worktree", at("plain"), "-y"}).err, HasSubstr("no git worktree"));
+  EXPECT_THAT(clean({"worktree", at("plain"), "-y"}).err, HasSubstr("not a git worktree"));
 }
 
 }  // namespace

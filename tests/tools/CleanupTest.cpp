@@ -191,7 +191,8 @@ TEST_F(CleanupTest, leavesAloneWhatTookAnItemsPlaceWhileTheQuestionStood) {
          fs::create_directory_symlink(outside.path(), at("uv"));
        },
        "~/uv is no longer what it was"},
-      {"a new file in a worktree", removeWorktree, [&] { writeText(at("wt/new")); }, "has other changes"},
+      {"a new file in a worktree", removeWorktree, [&] { writeText(at("wt/new")); },
+       "has changes that were not shown"},
       {"another worktree", removeWorktree,
        [&] {
          fs::rename(at("wt"), at("away"));
@@ -203,7 +204,7 @@ TEST_F(CleanupTest, leavesAloneWhatTookAnItemsPlaceWhileTheQuestionStood) {
          writeText(at("wt/.gitignore"), "*");
          git("init wt/lib");
        },
-       "has other changes"},
+       "has changes that were not shown"},
   };
   for (const Attack& attack : attacks) {
     makeHome();

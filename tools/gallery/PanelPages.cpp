@@ -110,7 +110,7 @@ void settings(Scene& scene) {
 }
 void askToDelete(Scene& scene, const std::string& name) {
   scene.app().cleanups().ask(DeleteRequest{scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
-                                    "This removes it for good. It can't be restored."});
+                                           "This removes it for good. It can't be restored."});
 }
 
 struct PanelPage {

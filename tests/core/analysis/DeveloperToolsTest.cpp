@@ -140,8 +140,8 @@ TEST(HuggingFace, listsRepositoriesAndOtherFoldersOfTheCache) {
                           HuggingFaceItem{"hub/odd", "Cache folder", at + "hub/odd", 20}));
   EXPECT_THAT(huggingFace({.in = scan, .home = "/home/bob"}), IsEmpty());
   // The hub can lie apart from the rest.
-  const Snapshot moved{
-      .root = folder("/home/ann", {folder("hub", {folder("models--gpt2", {file("b", 50)})})})};
+  const Snapshot moved{.root =
+                           folder("/home/ann", {folder("hub", {folder("models--gpt2", {file("b", 50)})})})};
   const auto environment = [](const std::string& name) {
     return name == "HF_HUB_CACHE" ? std::optional<std::string>{"/home/ann/hub"} : std::nullopt;
   };
