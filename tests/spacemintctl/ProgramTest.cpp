@@ -119,8 +119,8 @@ TEST_F(SpacemintctlTest, theLogSaysWhyWhereItIsAskedFor) {
   setenv("SPACEMINT_LOG", "info", 1);
   const Outcome outcome = program.run({"scan"});
   unsetenv("SPACEMINT_LOG");
-  EXPECT_THAT(outcome.err, testing::MatchesRegex("20[0-9-]+T[0-9:]+Z spacemint: the scan of [^\n]* walks "
-                                                 "everything, because there is no earlier scan\n"));
+  EXPECT_THAT(outcome.err, testing::MatchesRegex("20[0-9-]+T[0-9:]+Z spacemint: the scan of [^\n]* is a full "
+                                                 "scan, because there is no earlier scan\n"));
 }
 
 TEST_F(SpacemintctlTest, aScanIsKeptAndReadBackEqual) {
