@@ -150,11 +150,20 @@ class ReadAheadListing::Crew {
     return record;
   }
 
-  // The walk calls this when the process has no file handle left. Closes all folders that helpers opened,
-  // makes those folders pending again, and stops reading ahead.
+  // Opens a subfolder for the walk. If the process has no file handle left, gives up what helpers hold, and
+  // tries again.
+  std::expected<std::unique_ptr<OpenFolder>, int> open(OpenFolder& parent, const std::string& name) {
+    auto opened = parent.openSubfolder(name);
+    if (opened || !isOutOfHandles(opened.error())) return opened;
+    giveUp();
+    return parent.openSubfolder(name);
+  }
+
+  // Closes all folders that helpers opened, makes those folders pending again, and stops reading ahead.
   void giveUp() {
-    log(LogLevel::info, "no file handle is left; the scan stops reading ahead");
     std::unique_lock lock(mutex_);
+    if (foldersAhead_ == 0) return;
+    log(LogLevel::info, "no file handle is left; the scan stops reading ahead");
     foldersAhead_ = 0;
     ready_.wait(lock, [&] { return working_ == 0; });
     for (Record* record : visited_ | std::views::reverse) {
@@ -336,6 +345,33 @@ class ReadAheadListing::Crew {
   std::vector<std::thread> threads_;  // last: the threads use all members above
 };
 
+// A folder that the walk opened out of the helpers' order. Helpers list nothing below it, but may hold the
+// handles that the walk needs there.
+class ReadAheadListing::LoneFolder final : public OpenFolder {
+ public:
+  LoneFolder(std::shared_ptr<Crew> crew, std::unique_ptr<OpenFolder> folder)
+      : crew_(std::move(crew)),
+        folder_(std::move(folder)) {}
+
+  // Opens a subfolder of `parent` as such a folder.
+  static std::expected<std::unique_ptr<OpenFolder>, int> openIn(OpenFolder& parent, const std::string& name,
+                                                                const std::shared_ptr<Crew>& crew) {
+    auto opened = crew->open(parent, name);
+    if (!opened) return std::unexpected(opened.error());
+    return std::make_unique<LoneFolder>(crew, std::move(*opened));
+  }
+
+  std::uint64_t device() const override { return folder_->device(); }
+  Batch nextBatch(ListingBuffer& buffer) override { return folder_->nextBatch(buffer); }
+  std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
+    return openIn(*folder_, name, crew_);
+  }
+
+ private:
+  std::shared_ptr<Crew> crew_;
+  std::unique_ptr<OpenFolder> folder_;
+};
+
 // The open folder that the walk uses.
 class ReadAheadListing::Folder final : public OpenFolder {
  public:
@@ -370,9 +406,9 @@ class ReadAheadListing::Folder final : public OpenFolder {
     // The handle was closed early, so the folder had no subfolders.
     if (!record_->folder) return std::unexpected(ENOENT);
     auto record = crew_->take(*record_, name);
-    if (!record) return openWithoutHelpers(name);
+    if (!record) return LoneFolder::openIn(*record_->folder, name, crew_);
     if (record->state == Record::State::inWalk && !record->folder) {
-      auto opened = openWithoutHelpers(name);
+      auto opened = crew_->open(*record_->folder, name);
       if (opened) {
         record->folder = std::move(*opened);
       } else {
@@ -382,20 +418,13 @@ class ReadAheadListing::Folder final : public OpenFolder {
     if (record->openError != 0) {
       crew_->leave(*record);
       // The helper found no free file handle; the walk tries again.
-      if (isOutOfHandles(record->openError)) return openWithoutHelpers(name);
+      if (isOutOfHandles(record->openError)) return LoneFolder::openIn(*record_->folder, name, crew_);
       return std::unexpected(record->openError);
     }
     return std::make_unique<Folder>(crew_, std::move(record), device_);
   }
 
  private:
-  std::expected<std::unique_ptr<OpenFolder>, int> openWithoutHelpers(const std::string& name) {
-    auto opened = record_->folder->openSubfolder(name);
-    if (opened || !isOutOfHandles(opened.error())) return opened;
-    crew_->giveUp();
-    return record_->folder->openSubfolder(name);
-  }
-
   std::shared_ptr<Crew> crew_;
   std::shared_ptr<Record> record_;
   std::uint64_t device_;

@@ -34,6 +34,7 @@ class ReadAheadListing final : public FolderListing {
  private:
   class Crew;
   class Folder;
+  class LoneFolder;
   struct Record;
 
   FolderListing& inner_;

@@ -13,6 +13,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <random>
@@ -358,6 +360,66 @@ TEST(RealFolders, leaveNoHandleOpenWhenTheScanIsCancelled) {
   EXPECT_EQ(openHandles(), before);
 }
 
+// A system that has no more than so many handles for folders.
+class ScarceHandles final : public FolderListing {
+ public:
+  ScarceHandles(FolderListing& inner, int limit) : inner_(inner), limit_(limit) {}
+
+  std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override {
+    auto opened = inner_.open(root);
+    if (!opened) return std::unexpected(opened.error());
+    ++used_;
+    return std::make_unique<Counted>(*this, std::move(*opened));
+  }
+  int used() const { return used_; }
+
+ private:
+  class Counted final : public OpenFolder {
+   public:
+    Counted(ScarceHandles& owner, std::unique_ptr<OpenFolder> inner)
+        : owner_(owner),
+          inner_(std::move(inner)) {}
+    ~Counted() override { --owner_.used_; }
+
+    std::uint64_t device() const override { return inner_->device(); }
+    Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
+    std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
+      if (++owner_.used_ > owner_.limit_) {
+        --owner_.used_;
+        return std::unexpected(EMFILE);
+      }
+      auto opened = inner_->openSubfolder(name);
+      if (opened) return std::make_unique<Counted>(owner_, std::move(*opened));
+      --owner_.used_;
+      return std::unexpected(opened.error());
+    }
+
+   private:
+    ScarceHandles& owner_;
+    std::unique_ptr<OpenFolder> inner_;
+  };
+
+  FolderListing& inner_;
+  int limit_;
+  std::atomic<int> used_ = 0;
+};
+
+TEST(RealFolders, areAllCountedWhereHelpersTakeTheLastHandles) {
+  const TemporaryFolder folder;
+  for (int i = 0; i < 600; ++i) {
+    write((folder / std::to_string(i % 20)) + "/" + std::to_string(i) + "/below/" + std::to_string(i), 1);
+  }
+  const auto host = hostFolderListing();
+  const auto expected = DiskScanner::scan({.root = folder.path(), .listing = host.get()});
+  for (int round = 0; round < 60; ++round) {
+    // The walk itself holds four folders at once, and a helper holds one that the walk may want.
+    ScarceHandles scarce{*host, 5 + round % 12};
+    ReadAheadListing ahead{scarce, round % 2 == 0 ? 8U : 2U};
+    EXPECT_EQ(DiskScanner::scan({.root = folder.path(), .listing = &ahead}), expected) << "round " << round;
+    EXPECT_EQ(scarce.used(), 0);
+  }
+}
+
 TEST(RealFolders, areAllCountedWithFewHandles) {
   const TemporaryFolder folder;
   for (int i = 0; i < 2'500; ++i) {
@@ -376,7 +438,7 @@ TEST(RealFolders, areAllCountedWithFewHandles) {
 #if !defined( \
     __SANITIZE_ADDRESS__)  // the sanitizer's check of an object opens a pipe, which needs two handles
   // Handles run out, because the listing is told of more than there are.
-  for (const unsigned threads : {1U}) {
+  for (const unsigned threads : {1U, 8U}) {
     EXPECT_TRUE(support::succeedsInChild([&] {
       const rlimit few{32, 32};
       if (setrlimit(RLIMIT_NOFILE, &few) != 0) return false;
