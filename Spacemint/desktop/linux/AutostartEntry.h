@@ -6,8 +6,8 @@
 
 namespace spacemint {
 
-/// The start at login by a desktop entry in the user's autostart folder (freedesktop.org's Autostart
-/// specification). Main thread only; blocks for the file.
+/// Starts the application at login by a desktop entry in the user's autostart folder, where every
+/// freedesktop.org desktop looks. Main thread only; blocks for the file.
 class AutostartEntry final : public LoginItem {
  public:
   struct Places {

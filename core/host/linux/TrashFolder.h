@@ -9,8 +9,8 @@
 
 namespace spacemint {
 
-/// A Trash folder as the freedesktop.org Trash specification defines it, held open. `files` contains the
-/// items, `info` a file for each item with its original path.
+/// A Trash folder in the layout of freedesktop.org, held open. `files` contains the items, `info` a file for
+/// each item with its original path.
 struct TrashFolder {
   std::string path;
   FileHandle files;

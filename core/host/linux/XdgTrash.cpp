@@ -131,7 +131,7 @@ int moveAs(const std::string& name, const Item& item, const TrashFolder& trash) 
   return failure;
 }
 
-// The Trash of the freedesktop.org specification, which all file managers use: the Trash in the user's data
+// The Trash of freedesktop.org, which all file managers use: the Trash in the user's data
 // folder for items on the same mount, otherwise a Trash in the top folder of the item's volume.
 //
 // Renames and never copies: fails with EXDEV if the item's volume can have no Trash. Fails with EINVAL for a

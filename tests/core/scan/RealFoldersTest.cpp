@@ -435,9 +435,9 @@ TEST(RealFolders, areAllCountedWithFewHandles) {
       return DiskScanner::scan({.root = folder.path()}) == expected;
     })) << limit;
   }
-#if !defined( \
-    __SANITIZE_ADDRESS__)  // the sanitizer's check of an object opens a pipe, which needs two handles
-  // Handles run out, because the listing is told of more than there are.
+  // Handles run out here, because the listing is told of more than there are. Not under the address
+  // sanitizer: its check of an object opens a pipe, and takes a failure for a broken object.
+#if !defined(__SANITIZE_ADDRESS__)
   for (const unsigned threads : {1U, 8U}) {
     EXPECT_TRUE(support::succeedsInChild([&] {
       const rlimit few{32, 32};
