@@ -198,7 +198,7 @@ int carryOut(const CleanupPlan& plan, const CleanOptions& options, const Cleanup
     ProgressLine line{ProgressLine::canBeSeen() && !options.json, plan.size(), wording.locale};
     report = Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
       if (soFar.items > 0) {
-        line.show([&] { return CleanupText::progressText(soFar, plan.size(), wording.locale); });
+        line.show([&] { return CleanupText::progressText(plan, soFar, wording.locale); });
       }
       return !wasInterrupted();
     });

@@ -98,6 +98,7 @@ void AppModel::panelWillShow() {
   const bool hadAccess = hasFullDiskAccess_;
   probeFullDiskAccess();
   if (!hadAccess && hasFullDiskAccess_ && prefs_.hasStarted()) scans_.scan();
+  cleanups_.showHiddenProgress();
   refreshTrash();
   volume_.refresh();
   warnings_.refreshNotificationStatus();

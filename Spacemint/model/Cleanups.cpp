@@ -13,8 +13,12 @@ namespace spacemint {
 struct Cleanups::Run {
   CleanupPlan plan;
   CleanupReport report = {};
-  /// The progress that is shown, so that no other message is replaced.
+  /// The progress message that is shown, so that no other message is replaced.
   std::optional<std::string> shown = {};
+  /// The user closed the progress message.
+  bool isHidden = false;
+  /// All steps ended; what was removed is measured again.
+  bool hasEnded = false;
   std::atomic<bool> stopped = false;
   std::atomic<std::int64_t> items = 0;
   std::atomic<Bytes> bytes = 0;
@@ -80,6 +84,7 @@ void Cleanups::perform(CleanupPlan plan) {
       [plan = run->plan, context = context_, watch] { return Cleanup::carryOut(plan, context, watch); },
       [this, run](CleanupReport report) {
         run->report = std::move(report);
+        run->hasEnded = true;
         measureAgain(run);
       },
       "Spacemint clean");
@@ -91,16 +96,27 @@ void Cleanups::stop(const std::string& id) {
 }
 
 void Cleanups::showProgress(const SharedRun& run) {
-  const auto& current = parts_.messages.message();
-  const bool mayShow = run->shown ? current == run->shown : !current;
-  if (!isRunning(run->plan.id) || !run->report.steps.empty() || !mayShow) return;
-  const Removed soFar{run->items, run->bytes};
-  if (soFar.items > 0) {
-    run->shown = CleanupText::progressText(soFar, run->plan.size(), context_.locale);
-    parts_.messages.show(*run->shown,
-                         MessageAction{.title = "Stop", .perform = [this, id = run->plan.id] { stop(id); }});
-  }
+  if (run->hasEnded || run->stopped) return;
   desktop_.clock.after(progressPace, this, [this, run] { showProgress(run); });
+  const auto& current = parts_.messages.message();
+  if (current && current != run->shown) {
+    // Wait until that message is gone.
+    run->shown.reset();
+    return;
+  }
+  if (run->shown && !current) run->isHidden = true;
+  if (run->isHidden) return;
+  run->shown = CleanupText::progressText(run->plan, {run->items, run->bytes}, context_.locale);
+  if (run->shown == current) return;
+  parts_.messages.show(*run->shown,
+                       MessageAction{.title = "Stop", .perform = [this, id = run->plan.id] { stop(id); }});
+}
+
+void Cleanups::showHiddenProgress() {
+  for (const auto& [id, run] : runs_) {
+    run->shown.reset();
+    run->isHidden = false;
+  }
 }
 
 void Cleanups::measureAgain(const SharedRun& run) {

@@ -61,6 +61,8 @@ class Cleanups : public QObject {
   bool isRunning(const std::string& id) const { return runs_.contains(id); }
   /// Carries out a plan. Nothing while one of the same id runs; refused while another touches the same items.
   void perform(CleanupPlan plan);
+  /// Shows the progress of running clean-ups again that the user, or the closing panel, took away.
+  void showHiddenProgress();
   /// Stops a clean-up at the next entry; what is gone stays gone.
   void stop(const std::string& id);
 

@@ -40,14 +40,15 @@ const Rule& ruleOf(Kind kind) {
   return *std::ranges::find(rules, kind, &Rule::kind);
 }
 
-// The path with all symbolic links resolved: the folder that a tool will change. On failure the path itself.
+// The path with all symbolic links resolved: the folder that a tool will change. Names that do not exist stay
+// as they are. On failure the path itself.
 std::string realPath(const std::string& path) {
   std::error_code failure;
-  const auto real = std::filesystem::canonical(path, failure);
+  const auto real = std::filesystem::weakly_canonical(path, failure);
   return failure ? path : real.string();
 }
 
-CleanupFailure changed(const CleanupStep& step, const DeletionGuard& guard, const char* reason) {
+CleanupFailure changed(const CleanupStep& step, const DeletionGuard& guard, const std::string& reason) {
   return CleanupFailure::refused(Paths::display(step.path, guard.home()) + " " + reason, step.path);
 }
 
@@ -63,12 +64,19 @@ std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure
   return CleanupFailure{kind, Paths::display(path, guard.home()) + " " + error.message, path};
 }
 
-// Tools and git do not check mounts and identity when they remove files, so check both before they start.
-std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const CleanupContext& context) {
-  if (const auto mount = mountedIn(step.path)) {
-    const std::string at = Paths::display(*mount, context.guard.home());
-    return changed(step, context.guard, ("has something else mounted in it, at " + at).c_str());
+std::optional<CleanupFailure> guardRefusal(const CleanupStep& step, const DeletionGuard& guard) {
+  const Rule& rule = ruleOf(step.kind);
+  DeletionGuard::Question question{step.path, rule.outsideHomeAllowed, rule.linkItself};
+  auto reason = guard.refusal(question);
+  if (!reason && step.kind == Kind::runTool) {
+    question.path = realPath(step.path);
+    reason = guard.refusal(question);
   }
+  return reason ? std::optional{CleanupFailure::refused(*reason, step.path)} : std::nullopt;
+}
+
+// Tools and git do not check identity when they remove files, so check it before they start.
+std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const CleanupContext& context) {
   const auto identity = Cleanup::identityOf(step);
   if (!identity || identity.value() != step.identity) {
     return changed(step, context.guard, "is no longer what it was");
@@ -110,21 +118,18 @@ std::expected<FileIdentity, Error> Cleanup::identityOf(const CleanupStep& step) 
 }
 
 std::optional<CleanupFailure> Cleanup::refusalOf(const CleanupStep& step, const DeletionGuard& guard) {
-  const Rule& rule = ruleOf(step.kind);
-  DeletionGuard::Question question{step.path, rule.outsideHomeAllowed, rule.linkItself};
-  if (!rule.asksGuard) {
-    question.path = Paths::logical(step.path);
+  if (!ruleOf(step.kind).asksGuard) {
     std::error_code failure;
-    const auto status = std::filesystem::symlink_status(question.path, failure);
-    return std::filesystem::is_symlink(status) ? std::optional{changed(step, guard, "is a symbolic link")}
-                                               : std::nullopt;
+    const auto status = std::filesystem::symlink_status(Paths::logical(step.path), failure);
+    if (std::filesystem::is_symlink(status)) return changed(step, guard, "is a symbolic link");
+  } else if (auto refused = guardRefusal(step, guard)) {
+    return refused;
   }
-  auto reason = guard.refusal(question);
-  if (!reason && step.kind == Kind::runTool) {
-    question.path = realPath(step.path);
-    reason = guard.refusal(question);
-  }
-  return reason ? std::optional{CleanupFailure::refused(*reason, step.path)} : std::nullopt;
+  if (!step.runsCommand()) return std::nullopt;
+  // Tools and git enter mounts, and so does the search for repositories in a worktree.
+  const auto mount = mountedIn(step.path);
+  if (!mount) return std::nullopt;
+  return changed(step, guard, "has something else mounted in it, at " + Paths::display(*mount, guard.home()));
 }
 
 std::optional<CleanupFailure> Cleanup::judge(const CleanupStep& step, const CleanupContext& context) {
@@ -162,7 +167,7 @@ void Cleanup::settle(CleanupReport& report, const CleanupPlan& plan, std::option
 
 bool Cleanup::touchEachOther(const CleanupPlan& one, const CleanupPlan& other) {
   const auto holds = [](const std::string& outer, const std::string& inner) {
-    return Paths::join(inner, "").starts_with(Paths::join(outer, ""));
+    return Paths::join(realPath(inner), "").starts_with(Paths::join(realPath(outer), ""));
   };
   return one.id == other.id || std::ranges::any_of(one.steps, [&](const CleanupStep& a) {
            return !a.path.empty() && std::ranges::any_of(other.steps, [&](const CleanupStep& b) {

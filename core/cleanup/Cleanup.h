@@ -33,12 +33,13 @@ struct CleanupReport {
 
 namespace Cleanup {
 
-/// Checks whether a step may be carried out now, and returns the reason if it may not: the guard refuses the
-/// path; or, before a command runs, a file system is mounted at or below the path, the item is not the
-/// confirmed one, or a worktree's changes differ from those that the user saw. Blocks; any thread.
+/// Checks whether a step may be carried out now, and returns the reason if it may not: `refusalOf`; or,
+/// before a command runs, the item is not the confirmed one, or a worktree's changes differ from those that
+/// the user saw. Blocks; any thread.
 std::optional<CleanupFailure> judge(const CleanupStep& step, const CleanupContext& context);
 
-/// Only the guard's part of `judge`, to decide whether to offer a button.
+/// Why a step may not even be planned: the guard refuses the path; or a command would run while a file system
+/// is mounted at or below the path. Fast; any thread.
 std::optional<CleanupFailure> refusalOf(const CleanupStep& step, const DeletionGuard& guard);
 
 /// The identity of a step's item; for a tool, of the folder with symbolic links resolved.
@@ -54,8 +55,8 @@ CleanupReport carryOut(const CleanupPlan& plan, const CleanupContext& context,
 /// Trash and the free space did not grow accordingly, adds a failure to the last step.
 void settle(CleanupReport& report, const CleanupPlan& plan, std::optional<Bytes> freeAfter);
 
-/// True if both plans have the same id, or a path of one is equal to, inside or above a path of the other.
-/// Two such clean-ups must not run at the same time.
+/// True if both plans have the same id, or a path of one is equal to, inside or above a path of the other,
+/// with symbolic links resolved. Two such clean-ups must not run at the same time.
 bool touchEachOther(const CleanupPlan& one, const CleanupPlan& other);
 
 }  // namespace Cleanup

@@ -76,9 +76,9 @@ struct CleanupStep {
   Kind kind = Kind::deleteItem;
   /// The item to remove, or the folder that a tool cleans; empty for a tool without a known folder.
   std::string path = {};
-  /// The identity of the item when the plan was created. If another item is at the path later, the step
-  /// fails.
-  std::optional<FileIdentity> identity = {};
+  /// The identity of the item when the plan was created; zero if there was no item. If another item is at the
+  /// path later, the step fails.
+  FileIdentity identity = {};
   Bytes size = 0;
   std::vector<Part> parts = {};
   /// The command of `runTool` and `removeWorktree`.

@@ -141,7 +141,12 @@ std::string CleanupText::outcome(const CleanupPlan& plan, const CleanupReport& r
                      context.locale);
 }
 
-std::string CleanupText::progressText(const Removed& soFar, Bytes whole, const std::string& locale) {
+std::string CleanupText::progressText(const CleanupPlan& plan, const Removed& soFar,
+                                      const std::string& locale) {
+  if (soFar.items == 0 && plan.steps.front().runsCommand()) {
+    return "Running `" + Paths::lastComponent(plan.steps.front().command.program) + "`";
+  }
+  const Bytes whole = plan.size();
   std::string text =
       "Deleting: " + counted(soFar.items, "item", locale) + ", " + ByteFormat::string(soFar.bytes, locale);
   if (whole > soFar.bytes) text += " of " + ByteFormat::string(whole, locale);

@@ -42,9 +42,9 @@ std::string successText(const Success& success, const std::string& locale);
 /// The message about the result of the whole clean-up.
 std::string outcome(const CleanupPlan& plan, const CleanupReport& report, const CleanupContext& context);
 
-/// The message about a running clean-up: "Deleting: 1,234 items, 3.4 GB so far". `whole` is the expected
-/// total in bytes.
-std::string progressText(const Removed& soFar, Bytes whole, const std::string& locale);
+/// The message about a running clean-up: "Deleting: 1,234 items, 1.2 GB of 3.4 GB so far", or "Running `npm`"
+/// while a tool has removed nothing that could be counted.
+std::string progressText(const CleanupPlan& plan, const Removed& soFar, const std::string& locale);
 
 }  // namespace CleanupText
 

@@ -293,7 +293,18 @@ TEST_F(CleanupsTest, showsALongRemovalAndStopsIt) {
   model->cleanups().ask(DeleteRequest{.path = inHome("junk/1"), .name = "1", .size = 0, .note = ""});
   confirm();
   EXPECT_EQ(message(), "Spacemint didn't delete anything: another clean-up of the same items runs.");
-  model->cleanups().stop(inHome("junk"));
+  const auto messageAfter = [&](std::chrono::seconds wait) {
+    desktop.advance(wait);
+    return message();
+  };
+  EXPECT_THAT(messageAfter(2s), StartsWith("Spacemint didn't delete anything")) << "another message stays";
+  model->messages().clear();
+  EXPECT_THAT(messageAfter(1s), StartsWith("Deleting: 0 items, 0 bytes of "));
+  model->messages().clear();
+  EXPECT_EQ(messageAfter(5s), "") << "the user closed it";
+  model->panelWillShow();
+  EXPECT_THAT(messageAfter(1s), StartsWith("Deleting: "));
+  model->messages().performAction();
   desktop.tasks.release(Tasks::Priority::alone);
   desktop.advance(2s);
   EXPECT_THAT(message(), StartsWith("Stopped. "));

@@ -122,10 +122,13 @@ int moveAs(const std::string& name, const Item& item, const TrashFolder& trash) 
   if (const int failure = writeInfo(trash, info, infoOf(item, trash)); failure != 0) return failure;
   int failure = moveInto(item, trash, name);
   if (failure == 0 && !hasArrived(item, trash, name)) {
-    // The item was replaced just before the rename, so another item was moved: move that item back.
-    renameat2(trash.files.get(), name.c_str(), item.held.parent.get(), item.held.name.c_str(),
-              RENAME_NOREPLACE);
+    // The item was replaced just before the rename, so another item was moved: move that item back. If it
+    // must stay in the Trash, it keeps its info file, so that the user can restore it.
     failure = ESTALE;
+    if (renameat2(trash.files.get(), name.c_str(), item.held.parent.get(), item.held.name.c_str(),
+                  RENAME_NOREPLACE) != 0) {
+      return failure;
+    }
   }
   if (failure != 0) unlinkat(trash.info.get(), info.c_str(), 0);
   return failure;

@@ -123,6 +123,28 @@ TEST_F(XdgTrashTest, takesEveryName) {
   }
 }
 
+TEST_F(XdgTrashTest, losesNothingWhileAnotherProgramSwapsItems) {
+  const std::string item = writeText(home / "item", "confirmed");
+  const std::string other = writeText(home / "other", "other");
+  std::atomic<bool> isDone = false;
+  std::thread swapper{[&] {
+    while (!isDone) {
+      renameat2(AT_FDCWD, item.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE);
+      // Takes the place that a wrongly moved item would go back to.
+      const int file = open(item.c_str(), O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+      if (file >= 0) close(file);
+    }
+  }};
+  for (int round = 0; round < 500; ++round) {
+    const auto identity = fileIdentity(item);
+    if (identity) static_cast<void>(trash->move({.path = item, .identity = *identity}));
+  }
+  isDone = true;
+  swapper.join();
+  EXPECT_GT(countIn(files), 0);
+  EXPECT_EQ(countIn(files), countIn(info));
+}
+
 TEST_F(XdgTrashTest, refusesWhatIsNoItem) {
   for (const char* path : {"", "docs", "/", "//", "/.", "/..", "/tmp/.", "/tmp/.."}) {
     EXPECT_EQ(failureOf(path), EINVAL) << path;
