@@ -1,5 +1,7 @@
 #include "AppServices/NoticeText.h"
 
+#include "core/wording/PlatformWords.h"
+
 namespace spacemint {
 
 NoticeText noticeText(const Notice& notice, const std::string& appName) {
@@ -8,10 +10,9 @@ NoticeText noticeText(const Notice& notice, const std::string& appName) {
         .title = message->title, .body = message->body, .primary = message->link ? message->link->title : ""};
   }
   return {.title = "Share anonymous usage?",
-          .body = "Once a day, " + appName +
-                  " would tell us it's in use, with its version and your macOS version. Nothing about you or "
-                  "your files. You can change this in the " +
-                  appName + " menu.",
+          .body = "Once a day, " + appName + " would tell us it's in use, with its version and " +
+                  std::string{PlatformWords::systemVersion} +
+                  ". Nothing about you or your files. You can change this in the " + appName + " menu.",
           .primary = "Share",
           .secondary = "Don't share"};
 }

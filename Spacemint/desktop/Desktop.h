@@ -70,7 +70,7 @@ class StartupVolume {
 class Opener {
  public:
   /// Pages of the system's settings.
-  enum class SettingsPage { fullDiskAccess, automation, notifications };
+  enum class SettingsPage { fullDiskAccess, notifications };
 
   Opener() = default;
   Opener(const Opener&) = delete;
@@ -84,6 +84,10 @@ class Opener {
 
   /// Shows the item in the file manager, selected. Failures are ignored.
   virtual void reveal(const std::string& path) = 0;
+
+  /// Calls `found`, later, with the file manager's name in the user's language; never where the name is
+  /// unknown.
+  virtual void findFileManager(std::function<void(const std::string& name)> found) = 0;
 };
 
 /// Mouse clicks outside of a window of this application. Main thread only.

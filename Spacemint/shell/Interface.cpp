@@ -1,11 +1,13 @@
 #include "Spacemint/shell/Interface.h"
 
+#include "Spacemint/views/ItemText.h"
 #include "ui_kit/Theme.h"
 #include "ui_kit/UiKit.h"
 
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkRequest>
+#include <QQmlComponent>
 
 namespace spacemint {
 
@@ -24,6 +26,15 @@ class RefusingManager final : public QNetworkAccessManager {
   }
 };
 
+// The object that QML sees. C++ cannot look it up by its name before Qt 6.5, so a QML object returns it.
+ItemText* itemText(QQmlEngine& engine) {
+  QQmlComponent component{&engine};
+  component.setData("import QtQml; import Spacemint.Views; QtObject { property QtObject text: ItemText }",
+                    {});
+  const std::unique_ptr<QObject> holder{component.create()};
+  return holder ? holder->property("text").value<ItemText*>() : nullptr;
+}
+
 }  // namespace
 
 QNetworkAccessManager* NoNetworkForQml::create(QObject* parent) {
@@ -33,6 +44,9 @@ QNetworkAccessManager* NoNetworkForQml::create(QObject* parent) {
 Interface::Interface(InterfaceHost host) : host_(std::move(host)), ui_(host_.ui) {
   engine_.setNetworkAccessManagerFactory(&noNetwork_);
   UiKit::install(engine_);
+  host_.ui.desktop.opener.findFileManager([this](const std::string& name) {
+    if (ItemText* text = itemText(engine_)) text->setFileManager(name);
+  });
   followAppearance();
   connect(&host_.ui.desktop.appearance, &Appearance::changed, this, &Interface::followAppearance);
   qGuiApp->installEventFilter(this);

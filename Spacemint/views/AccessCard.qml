@@ -15,7 +15,7 @@ ActionCard {
     ink: Theme.lavenderInk
 
     SecondaryButtonStyle {
-        text: "Turn on"
+        text: "Open Settings"
         onClicked: root.ui.overview.openAccessSettings()
     }
 }

@@ -60,7 +60,7 @@ Item {
             }
             IconButton {
                 symbol: "magnifyingglass"
-                help: ItemText.showInFinder
+                help: ItemText.showInFileManager
                 onClicked: root.folders.reveal()
             }
         }

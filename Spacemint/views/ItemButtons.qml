@@ -18,7 +18,7 @@ Item {
 
         IconButton {
             symbol: "magnifyingglass"
-            help: ItemText.showInFinder
+            help: ItemText.showInFileManager
             onClicked: root.row.rows.reveal(root.row.rowId)
         }
         IconButton {

@@ -12,7 +12,7 @@ MenuPopup {
     property bool isInTrash: false
 
     MenuEntry {
-        text: ItemText.showInFinder
+        text: ItemText.showInFileManager
         symbol: "magnifyingglass"
         onTriggered: root.rows.reveal(root.rowId)
     }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Spacemint/views/ShownText.h"
+#include "core/wording/PlatformWords.h"
+
 #include <QObject>
 #include <QQmlEngine>
 
@@ -10,13 +13,19 @@ class ItemText : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_SINGLETON
-  Q_PROPERTY(QString showInFinder READ showInFinder CONSTANT)
+  Q_PROPERTY(QString showInFileManager READ showInFileManager NOTIFY fileManagerChanged)
   Q_PROPERTY(QString showInFolders READ showInFolders CONSTANT)
   Q_PROPERTY(QString copyPath READ copyPath CONSTANT)
  public:
   using QObject::QObject;
 
-  QString showInFinder() const { return QStringLiteral("Show in Finder"); }
+  const QString& showInFileManager() const { return showInFileManager_; }
+  /// The name of the file manager in the user's language.
+  void setFileManager(const std::string& name) {
+    showInFileManager_ = QStringLiteral("Show in ") + ShownText::plain(name);
+    Q_EMIT fileManagerChanged();
+  }
+
   QString showInFolders() const { return QStringLiteral("Show in Folders"); }
   QString copyPath() const { return QStringLiteral("Copy Path"); }
 
@@ -28,6 +37,12 @@ class ItemText : public QObject {
   Q_INVOKABLE QString removeEntry(bool isInTrash) const {
     return isInTrash ? QStringLiteral("Delete Permanently…") : QStringLiteral("Move to Trash…");
   }
+
+ Q_SIGNALS:
+  void fileManagerChanged();
+
+ private:
+  QString showInFileManager_ = ShownText::plain(PlatformWords::showInFileManager);
 };
 
 }  // namespace spacemint

@@ -65,7 +65,7 @@ Overview::Overview(const UiHost& host)
 }
 
 QString Overview::accessTitle() const {
-  return QStringLiteral("Full Disk Access is off");
+  return ShownText::plain(PlatformWords::accessIsLimited);
 }
 
 QString Overview::accessLine() const {

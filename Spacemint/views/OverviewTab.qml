@@ -81,7 +81,7 @@ ScrollColumn {
         items: root.overview.backups
         row: RemovalCard {
             rows: root.overview.backups
-            revealTitle: ItemText.showInFinder
+            revealTitle: ItemText.showInFileManager
         }
     }
     Placeholder {

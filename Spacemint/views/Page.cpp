@@ -1,6 +1,7 @@
 #include "Spacemint/views/Page.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/wording/PlatformWords.h"
 
 namespace spacemint {
 
@@ -32,6 +33,10 @@ QStringList Page::tabTitles() const {
   QStringList titles;
   for (const Tab tab : allTabs) titles << ShownText::plain(titleOf(tab));
   return titles;
+}
+
+QString Page::accessTitle() const {
+  return ShownText::plain(hasAccess() ? PlatformWords::accessIsComplete : PlatformWords::foldersAreClosed);
 }
 
 QString Page::message() const {

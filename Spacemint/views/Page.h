@@ -17,6 +17,7 @@ class Page : public QObject {
   Q_PROPERTY(QStringList tabTitles READ tabTitles CONSTANT)
   Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY showingSettingsChanged)
   Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY hasAccessChanged)
+  Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY hasAccessChanged)
   Q_PROPERTY(QString message READ message NOTIFY messageChanged)
   /// The title of the message's button; empty if it has none.
   Q_PROPERTY(QString messageAction READ messageAction NOTIFY messageChanged)
@@ -37,6 +38,7 @@ class Page : public QObject {
   bool showingSettings() const { return host_.model.showingSettings(); }
   void setShowingSettings(bool isShowing) { host_.model.setShowingSettings(isShowing); }
   bool hasAccess() const { return host_.model.hasFullDiskAccess(); }
+  QString accessTitle() const;
   QString message() const;
   QString messageAction() const;
 

@@ -1,14 +1,14 @@
 #include "Spacemint/views/SettingsForm.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/tree/Paths.h"
+#include "core/wording/PlatformWords.h"
 
 #include <algorithm>
 
 namespace spacemint {
 
 namespace {
-
-constexpr const char* loginFailure = "Couldn't change this. Make sure Spacemint is in Applications.";
 
 QStringList titles(std::span<const SettingChoice> choices) {
   QStringList result;
@@ -47,11 +47,17 @@ std::vector<SettingsText::Choice> SettingsText::intervals(std::int64_t stored) {
 }
 
 std::string SettingsText::scanFootnote(bool hasFullDiskAccess, const std::optional<std::string>& whyFull) {
-  std::string text = "Runs quietly in the background while your Mac is idle.";
-  if (!hasFullDiskAccess) text += " Without Full Disk Access, some folders can't be measured.";
+  std::string text = "Runs quietly in the background " + std::string{PlatformWords::whileIdle} + ".";
+  if (!hasFullDiskAccess)
+    text += " " + std::string{PlatformWords::foldersAreClosed} + " and can't be measured.";
   if (!whyFull) return text;
   return text + (whyFull->empty() ? "\nLast scan: what had not changed was taken from the scan before."
                                   : "\nLast scan: everything was walked, because " + *whyFull + ".");
+}
+
+std::string SettingsText::loginError(const Error& error, const std::string& home) {
+  // The message of a failed system call begins with the path.
+  return "Couldn't change this. " + Paths::display(error.message, home) + ".";
 }
 
 SettingsForm::SettingsForm(const UiHost& host) : host_(host) {
@@ -73,9 +79,24 @@ QStringList SettingsForm::presences() const {
   return titles(presenceChoices);
 }
 
+QString SettingsForm::warningFootnote() {
+  return QStringLiteral(
+      "Orange in the status area below this level, red at half. You also get a notification.");
+}
+
 QString SettingsForm::scanFootnote() const {
   return ShownText::plain(
       SettingsText::scanFootnote(host_.model.hasFullDiskAccess(), host_.model.scans().whyFull()));
+}
+
+QString SettingsForm::usageFootnote() const {
+  if (host_.usage == nullptr) return {};
+  return ShownText::plain("Once a day, Spacemint tells us it's in use, with its version and " +
+                          std::string{PlatformWords::systemVersion} + ". Nothing about you or your files.");
+}
+
+QString SettingsForm::freeSpaceTitle() {
+  return QStringLiteral("Show free space in the status area");
 }
 
 void SettingsForm::chooseThreshold(int index) {
@@ -99,9 +120,11 @@ void SettingsForm::choosePresence(int index) {
 
 void SettingsForm::setLaunchesAtLogin(bool launches) {
   if (launches == launchesAtLogin()) return;
-  const bool isDone = host_.loginItem != nullptr &&
-                      (launches ? host_.loginItem->enable() : host_.loginItem->disable()).has_value();
-  loginError_ = isDone ? QString{} : QString::fromUtf8(loginFailure);
+  loginError_.clear();
+  if (host_.loginItem != nullptr) {
+    const auto done = launches ? host_.loginItem->enable() : host_.loginItem->disable();
+    if (!done) loginError_ = ShownText::plain(SettingsText::loginError(done.error(), host_.home));
+  }
   Q_EMIT loginChanged();
 }
 

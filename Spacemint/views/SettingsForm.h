@@ -32,6 +32,8 @@ std::vector<Choice> intervals(std::int64_t stored);
 /// The footnote of the section about the background scan. `whyFull` as in `ScanLifecycle`; the last scan has
 /// a line of its own.
 std::string scanFootnote(bool hasFullDiskAccess, const std::optional<std::string>& whyFull);
+/// Why the switch "Open at login" could not be changed.
+std::string loginError(const Error& error, const std::string& home);
 
 }  // namespace SettingsText
 
@@ -57,6 +59,9 @@ class SettingsForm : public QObject {
   /// Null in a product that reports no usage, or that has no updates.
   Q_PROPERTY(spacemint::Usage* usage READ usage CONSTANT)
   Q_PROPERTY(spacemint::Updates* updates READ updates CONSTANT)
+  Q_PROPERTY(QString warningFootnote READ warningFootnote CONSTANT)
+  Q_PROPERTY(QString usageFootnote READ usageFootnote CONSTANT)
+  Q_PROPERTY(QString freeSpaceTitle READ freeSpaceTitle CONSTANT)
   Q_PROPERTY(bool sharesUsage READ sharesUsage NOTIFY sharesUsageChanged)
  public:
   explicit SettingsForm(const UiHost& host);
@@ -71,7 +76,10 @@ class SettingsForm : public QObject {
   int presence() const { return static_cast<int>(prefs().presence()); }
   bool showsFreeSpace() const { return prefs().showFreeSpaceInMenuBar(); }
   bool notificationsAllowed() const { return host_.model.warnings().notificationsAllowed(); }
+  static QString warningFootnote();
   QString scanFootnote() const;
+  QString usageFootnote() const;
+  static QString freeSpaceTitle();
   bool launchesAtLogin() const { return host_.loginItem != nullptr && host_.loginItem->isEnabled(); }
   const QString& loginError() const { return loginError_; }
   Usage* usage() const { return host_.usage; }

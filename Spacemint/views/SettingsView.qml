@@ -47,7 +47,7 @@ Rectangle {
 
             SettingsSection {
                 title: "Warning"
-                footnote: "Orange in the menu bar below this level, red at half. You also get a notification."
+                footnote: root.form.warningFootnote
 
                 SettingsRow {
                     title: "Warn me below"
@@ -93,7 +93,7 @@ Rectangle {
                     }
                 }
                 SettingsRow {
-                    title: "Full Disk Access"
+                    title: "File access"
 
                     Symbol {
                         visible: root.ui.page.hasAccess
@@ -102,18 +102,18 @@ Rectangle {
                         color: Theme.teal
                         Accessible.ignored: false
                         Accessible.role: Accessible.StaticText
-                        Accessible.name: "On"
+                        Accessible.name: "Complete"
                     }
                     SecondaryButtonStyle {
                         visible: !root.ui.page.hasAccess
-                        text: "Turn on"
+                        text: "Open Settings"
                         onClicked: root.ui.page.openAccessSettings()
                     }
                 }
             }
             SettingsSection {
                 title: "General"
-                footnote: root.form.usage ? "Once a day, Spacemint tells us it's in use, with its version and your macOS version. Nothing about you or your files." : ""
+                footnote: root.form.usageFootnote
 
                 SettingsRow {
                     title: "Show Spacemint in"
@@ -126,7 +126,7 @@ Rectangle {
                     }
                 }
                 SettingsToggle {
-                    text: "Show free space in the menu bar"
+                    text: root.form.freeSpaceTitle
                     checked: root.form.showsFreeSpace
                     onToggled: root.form.setShowsFreeSpace(checked)
                 }

@@ -55,13 +55,13 @@ ColumnLayout {
             WelcomePoint {
                 symbol: root.ui.page.hasAccess ? "checkmark.circle.fill" : "lock"
                 tint: root.ui.page.hasAccess ? Theme.teal : Theme.lavenderInk
-                title: root.ui.page.hasAccess ? "Full Disk Access is on" : "Recommended: Full Disk Access"
-                line: root.ui.page.hasAccess ? "Spacemint can see your whole disk." : "So Spacemint can see your whole disk without asking folder by folder."
+                title: root.ui.page.accessTitle
+                line: root.ui.page.hasAccess ? "Spacemint can see your whole disk." : "Some sizes will be too small."
             }
             SecondaryButtonStyle {
                 Layout.leftMargin: Theme.scaled(22) + 14
                 visible: !root.ui.page.hasAccess
-                text: "Open Privacy Settings"
+                text: "Open Settings"
                 onClicked: root.ui.page.openAccessSettings()
             }
         }

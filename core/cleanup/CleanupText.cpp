@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
+#include "core/wording/PlatformWords.h"
 
 #include <algorithm>
 
@@ -82,9 +83,8 @@ std::string CleanupText::failureText(const CleanupStep& step, const CleanupRepor
   }
   std::string text;
   if (failure.kind == FailureKind::needsFullDiskAccess && failure.message.empty()) {
-    text =
-        "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
-        "remove them.";
+    text = std::string{"Some items, like hidden ones, are still in the Trash. "} +
+           std::string{PlatformWords::foldersAreClosed} + ".";
   } else if (step.kind == CleanupStep::Kind::moveToTrash) {
     const std::string shown = Paths::display(step.path, context.guard.home());
     // The message of a refusal begins with the path.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/places/Place.h"
+#include "core/wording/PlatformWords.h"
 
 #include <array>
 #include <string_view>
@@ -29,7 +30,7 @@ inline constexpr auto suggestionPlaces = std::to_array<SuggestionPlace>({
     {"simulators", "Simulators", "Old simulators and their data", "ipad.and.iphone", {"Library/Developer/CoreSimulator"}},
     {"docker", "Docker", "Images, containers and volumes", "cube", {"Library/Containers/com.docker.docker"}},
     {"orbstack", "OrbStack", "Images, containers and machines", "cube", {"Library/Group Containers/HUAQ24HBR6.dev.orbstack"}},
-    {"backups", "iPhone & iPad backups", "Manage in Finder under your device", "externaldrive.badge.timemachine", {"Library/Application Support/MobileSync/Backup"}},
+    {"backups", "iPhone & iPad backups", PlatformWords::madeByBackupTool, "externaldrive.badge.timemachine", {"Library/Application Support/MobileSync/Backup"}},
     {"messages", "Messages attachments", "Photos and files from chats", "message", {"Library/Messages/Attachments"}},
     {"devcache", "Developer caches", "Package and model caches in ~/.cache", "shippingbox", {".cache", "XDG_CACHE_HOME"}},
     {"npm", "npm cache", "Packages, downloaded again on demand", "shippingbox", {".npm", "npm_config_cache|NPM_CONFIG_CACHE"}},

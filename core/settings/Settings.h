@@ -3,6 +3,7 @@
 #include "core/base/Error.h"
 #include "core/host/DefaultsStore.h"
 #include "core/volume/SpaceLevel.h"
+#include "core/wording/PlatformWords.h"
 
 #include <array>
 #include <cstdint>
@@ -73,7 +74,8 @@ inline constexpr std::array<SettingChoice, 2> scopeChoices{
     {{"home", "Home folder"}, {"disk", "Entire disk"}}};
 
 /// In the order of `AppPresence`.
-inline constexpr std::array<SettingChoice, 2> presenceChoices{{{"menuBar", "Menu bar"}, {"dock", "Dock"}}};
+inline constexpr std::array<SettingChoice, 2> presenceChoices{
+    {{"menuBar", PlatformWords::statusArea}, {"dock", PlatformWords::window}}};
 
 /// Every setting, in the order of `Setting`. The maximum of the scan interval is the largest number of hours
 /// whose microseconds fit 64 bits.

@@ -55,8 +55,8 @@ std::string FindingText::trashTitle(const Suggestions::TrashInfo& trash, const s
 std::string FindingText::trashLine(const Suggestions::TrashInfo& trash, const std::string& locale) {
   const Bytes hidden = trash.hiddenSize();
   if (hidden < trash.size - hidden) return "It takes space until you empty it.";
-  return "Most of it is hidden (" + ByteFormat::string(hidden, locale) +
-         "), so Finder shows the Trash as empty.";
+  return "Most of it is hidden (" + ByteFormat::string(hidden, locale) + "), so " +
+         std::string{PlatformWords::fileManager} + " shows the Trash as empty.";
 }
 
 std::string FindingText::oldBackupTitle(const DeviceBackup& backup, const std::string& locale) {

@@ -4,6 +4,7 @@
 #include "core/analysis/GitWorktrees.h"
 #include "core/analysis/Suggestions.h"
 #include "core/volume/SpaceLevel.h"
+#include "core/wording/PlatformWords.h"
 
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ inline constexpr std::string_view nothingToCompare = "After the next scan, this 
 inline constexpr std::string_view nothingToClean = "Nothing obvious to clean up.";
 inline constexpr std::string_view noOldWorktrees = "No worktrees untouched for a month.";
 inline constexpr std::string_view repositoryIsGone = "Repository is gone";
-inline constexpr std::string_view startDocker = "Start Docker or OrbStack to see what can be cleaned up.";
+inline constexpr std::string_view startDocker = PlatformWords::startDocker;
 inline constexpr std::string_view noDockerData = "Docker keeps nothing.";
 inline constexpr std::string_view openOllama = "Open Ollama to see your models.";
 inline constexpr std::string_view noOllamaModels = "No models.";

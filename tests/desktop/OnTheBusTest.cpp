@@ -334,7 +334,7 @@ TEST_F(XdgOpenerTest, opensTheDesktopsSettingsElseTheHelp) {
   EXPECT_THAT(opened, IsEmpty());
   canStart = false;
   opener.openSettings(Page::notifications);
-  opener.openSettings(Page::automation);
+  opener.openSettings(Page::fullDiskAccess);
   EXPECT_THAT(opened,
               ElementsAre("file:///usr/share/doc/help%20me.html", "file:///usr/share/doc/help%20me.html"));
 }

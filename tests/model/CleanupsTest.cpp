@@ -205,9 +205,7 @@ TEST_F(CleanupsTest, hasTheFileManagerEmptyATrashItMayNotLookInto) {
   const Case cases[]{
       {"exit 0", 500 * MB, "Emptied the Trash."},
       {"exit 0", 5 * GB,
-       "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
-       "remove "
-       "them."},
+       "Some items, like hidden ones, are still in the Trash. Some folders are closed to Spacemint."},
       {"echo 'no such service' >&2; exit 1", GB, "That didn't work: no such service"}};
   scanWithTrash(GB);
   model->confirmEmptyTrash();

@@ -99,6 +99,7 @@ class FakeOpener final : public Opener {
   void openUrl(const std::string& url, std::function<void()> /*failed*/) override { urls.push_back(url); }
   void openSettings(SettingsPage page) override { pages.push_back(page); }
   void reveal(const std::string& path) override { revealed.push_back(path); }
+  void findFileManager(std::function<void(const std::string& name)> /*found*/) override {}
 
   std::vector<std::string> urls;
   std::vector<SettingsPage> pages;

@@ -53,7 +53,7 @@ TEST_F(DeveloperTabTest, toolsThatDoNotAnswerHaveATextInThePlaceOfRows) {
   addProgram("ollama", "echo 'the disk is on <b>fire</b>' >&2; exit 1");
   storeLittle();
   showDeveloper();
-  EXPECT_TRUE(shows("Start Docker or OrbStack to see what can be cleaned up."));
+  EXPECT_TRUE(shows("Start Docker to see what can be cleaned up."));
   const auto failures = view->find({}, "StatusCard");
   EXPECT_TRUE(std::ranges::any_of(failures, [](const QQuickItem* card) {
     return card->property("text").toString().contains(QStringLiteral("the disk is on <b>fire</b>"));
@@ -284,7 +284,7 @@ TEST_F(OverviewTabTest, anOldBackupIsDeletedOnlyAfterAQuestion) {
   show(Tab::overview);
   EXPECT_TRUE(shows("30 GB in an old backup of Ann's phone"));
   EXPECT_TRUE(shows("Last backed up 6 years ago. Newer backups aren't affected."));
-  click("Show in Finder");
+  click("Show in File Manager");
   EXPECT_THAT(desktop.opener.revealed, SizeIs(1));
   click("Delete backup");
   EXPECT_THAT(asked(), ElementsAre("Delete this backup?", "Ann's phone · 30 GB"));
@@ -295,9 +295,9 @@ TEST_F(OverviewTabTest, missingAccessHasACard) {
   storeHome(morning - 1h, {file("letters", 300 * MB)});
   hasAccess = false;
   show(Tab::overview);
-  EXPECT_TRUE(shows("Full Disk Access is off"));
+  EXPECT_TRUE(shows("File access is limited"));
   EXPECT_FALSE(shows("Nothing obvious to clean up."));
-  click("Turn on");
+  click("Open Settings");
   EXPECT_THAT(desktop.opener.pages, ElementsAre(Opener::SettingsPage::fullDiskAccess));
 }
 

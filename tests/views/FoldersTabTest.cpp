@@ -102,7 +102,7 @@ TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
   settle();
   view->hover(row("Papers"));
   // The buttons above it belong to the folder that is shown.
-  click(view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton").last());
+  click(view->find(QStringLiteral("Show in File Manager"), "QQuickAbstractButton").last());
   EXPECT_THAT(desktop.opener.revealed, ElementsAre(inHome("Papers")));
   click(row(".Trash"));
   pressOnRow("gone.zip", "Delete permanently…");
@@ -116,7 +116,7 @@ TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
   view->hover(row("Other small items"));
   settle();
   const double top = row("Other small items")->mapToScene({}).y();
-  for (const QQuickItem* any : view->find(QStringLiteral("Show in Finder"), "QQuickAbstractButton")) {
+  for (const QQuickItem* any : view->find(QStringLiteral("Show in File Manager"), "QQuickAbstractButton")) {
     EXPECT_LT(any->mapToScene({0, any->height()}).y(), top);
   }
   click(row("Other small items"), Qt::RightButton);
@@ -125,7 +125,7 @@ TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
 
 TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   showFolders();
-  const QStringList all{QStringLiteral("Show in Finder"), QStringLiteral("Show in Folders"),
+  const QStringList all{QStringLiteral("Show in File Manager"), QStringLiteral("Show in Folders"),
                         QStringLiteral("Copy Path"), QStringLiteral("Move to Trash…")};
   click(row("Films"), Qt::RightButton);
   EXPECT_EQ(menuEntries(), all);

@@ -163,10 +163,10 @@ TEST_F(PanelViewTest, loginSwitchShowsWhatTheSystemSays) {
   show();
   model->setShowingSettings(true);
   view->settle();
-  const QString error = QStringLiteral("Couldn't change this. Make sure Spacemint is in Applications.");
+  const QString error = QStringLiteral("Couldn't change this. ~/.config/autostart: Permission denied.");
   const auto flip = [&] { view->click(get("Open at login")); };
   const auto isChecked = [&] { return get("Open at login")->property("checked").toBool(); };
-  desktop.loginItem.failure = Error{.message = "not here"};
+  desktop.loginItem.failure = systemError(inHome(".config/autostart"), EACCES);
   flip();
   EXPECT_TRUE(view->shows(error));
   EXPECT_FALSE(isChecked());
@@ -184,7 +184,7 @@ TEST_F(PanelViewTest, settingsSayWhyTheLastScanWasFull) {
   storeScan(morning - std::chrono::hours{1});
   show();
   model->setShowingSettings(true);
-  const std::string footnote = "Runs quietly in the background while your Mac is idle.";
+  const std::string footnote = "Runs quietly in the background while your computer has nothing else to do.";
   settle();
   EXPECT_TRUE(shows(footnote.c_str())) << "before the first scan of this program";
   struct Case {
@@ -218,7 +218,7 @@ TEST_F(PanelViewTest, rowsOfTheSettingsFollowWhatIsAllowed) {
   model->setShowingSettings(true);
   view->settle();
   view->click(get("Turned off · Open Settings"));
-  view->click(get("Turn on"));
+  view->click(get("Open Settings"));
   EXPECT_THAT(desktop.opener.pages, testing::ElementsAre(Opener::SettingsPage::notifications,
                                                          Opener::SettingsPage::fullDiskAccess));
   get("Quit Spacemint")->forceActiveFocus();

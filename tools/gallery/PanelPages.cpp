@@ -150,10 +150,8 @@ constexpr PanelPage panelPages[] = {
      [](Scene& s) { s.tell("Moved thesis.pdf to the Trash. Empty it to free 40 MB."); }},
     {"panel-message-action", scanned,
      [](Scene& s) {
-       s.tell(
-           "Some items, like hidden ones, are still in the Trash. Turn on Full Disk Access so Spacemint can "
-           "remove them.",
-           MessageAction{.title = "Open Settings", .perform = [] {}});
+       s.tell("Some items, like hidden ones, are still in the Trash. Some folders are closed to Spacemint.",
+              MessageAction{.title = "Open Settings", .perform = [] {}});
      }},
     {"panel-confirmation", scanned, [](Scene& s) { askToDelete(s, "Movies/holiday.mov"); }},
     {"panel-confirmation-long", scanned,

@@ -1,6 +1,7 @@
 #include "Spacemint/desktop/linux/XdgOpener.h"
 
 #include "Spacemint/desktop/linux/DBusCall.h"
+#include "Spacemint/desktop/linux/DefaultFileManager.h"
 #include "Spacemint/desktop/linux/InstalledFiles.h"
 #include "core/base/Log.h"
 #include "core/base/PercentEncoding.h"
@@ -41,8 +42,6 @@ constexpr Row rows[] = {
     {Page::notifications, When::always, "XFCE", "xfce4-notifyd-config", ""},
     {Page::fullDiskAccess, When::inSandbox, "GNOME", "gnome-control-center", "applications", applicationId},
     {Page::fullDiskAccess, When::inSandbox, "KDE", "systemsettings", "kcm_flatpak"},
-    {Page::automation, When::inSandbox, "GNOME", "gnome-control-center", "applications", applicationId},
-    {Page::automation, When::inSandbox, "KDE", "systemsettings", "kcm_flatpak"},
 };
 
 bool isNamed(const std::string& desktop, std::string_view name) {
@@ -161,6 +160,10 @@ void XdgOpener::reveal(const std::string& path) {
     if (reply.type() != QDBusMessage::ErrorMessage) return;
     places_.openByProgram(fileUrl(std::filesystem::path{path}.parent_path().string()), {});
   });
+}
+
+void XdgOpener::findFileManager(std::function<void(const std::string& name)> found) {
+  findDefaultFileManager(&context_, std::move(found));
 }
 
 }  // namespace spacemint

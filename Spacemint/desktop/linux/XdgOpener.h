@@ -60,6 +60,7 @@ class XdgOpener final : public Opener {
   void openSettings(SettingsPage page) override;
   /// Opens the item's folder where no file manager answers on the bus.
   void reveal(const std::string& path) override;
+  void findFileManager(std::function<void(const std::string& name)> found) override;
 
  private:
   QDBusConnection bus_;

@@ -145,7 +145,7 @@ TEST(FindingText, saysWhenMostOfTheTrashIsHidden) {
     return FindingText::trashLine({.path = "/t", .size = 10 * GB, .hiddenItems = {{"/t/.x", hidden}}},
                                   "en_US");
   };
-  EXPECT_EQ(line(5 * GB), "Most of it is hidden (5 GB), so Finder shows the Trash as empty.");
+  EXPECT_EQ(line(5 * GB), "Most of it is hidden (5 GB), so the file manager shows the Trash as empty.");
   EXPECT_EQ(line(5 * GB - 1), "It takes space until you empty it.");
 }
 

@@ -35,7 +35,7 @@ RowLayout {
             title: "SegmentedPicker"
         }
         SegmentedPicker {
-            model: ["Menu bar", "Dock"]
+            model: ["Status area", "Window"]
         }
         SegmentedPicker {
             model: ["Day", "Week", "Month"]

@@ -11,7 +11,7 @@ ColumnLayout {
     }
     MessageBanner {
         Layout.preferredWidth: 420
-        text: "Spacemint needs Full Disk Access to do this."
+        text: "Some items, like hidden ones, are still in the Trash. Some folders are closed to Spacemint."
         action: "Open Settings"
     }
     MessageBanner {

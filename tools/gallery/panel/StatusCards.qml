@@ -12,7 +12,7 @@ ColumnLayout {
     }
     StatusCard {
         Layout.preferredWidth: 420
-        text: "Start Docker or OrbStack to see what can be cleaned up."
+        text: "Start Docker to see what can be cleaned up."
     }
     StatusCard {
         Layout.preferredWidth: 420
@@ -22,6 +22,6 @@ ColumnLayout {
         Layout.preferredWidth: 420
         symbol: "lock"
         title: "See the whole disk"
-        line: "Without Full Disk Access, some folders can't be measured."
+        line: "Some folders are closed to Spacemint and can't be measured."
     }
 }
