@@ -49,15 +49,14 @@ std::optional<Bytes> expectedBytes(const std::string& root) {
 }
 
 std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options,
-                                           const DiskScanner::Reuse& reuse) {
+                                           ScanPlan& plan) {
   const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
   ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, userLocale());
-  return DiskScanner::scan({.root = root,
-                            .minNodeSize = options.minSize,
-                            .reuse = reuse,
-                            .throttleIO = options.throttle,
-                            .shouldCancel = wasInterrupted,
-                            .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); }});
+  return plan.scan({.root = root,
+                    .minNodeSize = options.minSize,
+                    .throttleIO = options.throttle,
+                    .shouldCancel = wasInterrupted,
+                    .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); }});
 }
 
 bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& options,
@@ -95,8 +94,8 @@ int runScan(const ScanOptions& options) {
   }
   noteInterrupts();
   const Date start = currentTime();
-  const ScanPlan plan = planFor(*root, options, start);
-  auto result = wasInterrupted() ? std::nullopt : measure(*root, options, plan.reuse);
+  ScanPlan plan = planFor(*root, options, start);
+  auto result = wasInterrupted() ? std::nullopt : measure(*root, options, plan);
   if (!result) {
     complain(wasInterrupted() ? "interrupted" : printable(*root) + ": could not be scanned");
     return wasInterrupted() ? interrupted : failed;

@@ -32,15 +32,14 @@ ScanJob::Report ScanJob::run() const {
                                            .shouldCancel = isCancelled});
   if (isCancelled()) return {};
   // If nothing recorded this folder until now, recording starts with this scan.
-  const auto crawl = plan.reuse ? nullptr : journal.beginCrawl(root);
+  const auto crawl = plan.isFull() ? journal.beginCrawl(root) : nullptr;
   if (crawl) plan.eventID = crawl->eventID();
-  auto result = DiskScanner::scan({.root = root,
-                                   .minNodeSize = minNodeSize,
-                                   .reuse = plan.reuse,
-                                   .throttleIO = true,
-                                   .shouldCancel = isCancelled,
-                                   .progress = throttled(progress),
-                                   .listing = crawl.get()});
+  auto result = plan.scan({.root = root,
+                           .minNodeSize = minNodeSize,
+                           .throttleIO = true,
+                           .shouldCancel = isCancelled,
+                           .progress = throttled(progress),
+                           .listing = crawl.get()});
   if (isCancelled()) return {};
   if (crawl && result) crawl->finish();
   if (!result) return {.failure = "Couldn't scan " + Paths::display(root, home) + "."};

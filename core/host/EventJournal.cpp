@@ -30,6 +30,10 @@ std::string_view textOf(JournalError error) {
   return "";
 }
 
+std::expected<MeasuredChanges, JournalError> EventJournal::measuredChanges(const JournalQuery&) {
+  return std::unexpected(JournalError::failed);
+}
+
 std::unique_ptr<RecordingCrawl> EventJournal::beginCrawl(const std::string&) {
   return nullptr;
 }

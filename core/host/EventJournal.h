@@ -50,6 +50,52 @@ struct FolderChanges {
   bool operator==(const FolderChanges&) const = default;
 };
 
+/// The folders that changed, with their new sizes. With the earlier scan they make the new one
+/// (`ScanUpdate`).
+struct MeasuredChanges {
+  enum class Kind : std::uint8_t {
+    /// As in the earlier scan, with everything below.
+    same,
+    /// Something below changed; the folder's own files are those of the earlier scan.
+    below,
+    /// The entries of the folder may have changed; `files` has its own files.
+    listed,
+    /// The journal does not know the folder's contents. It must be scanned, and what it takes be added to all
+    /// folders above.
+    unknown,
+  };
+  struct Folder {
+    /// The position of the parent, which comes before its subfolders. For the first folder, the root: 0.
+    std::uint32_t parent = 0;
+    Kind kind = Kind::same;
+    bool isWorktree = false;
+    /// Of everything at and below the folder, without what is below `unknown` folders.
+    Bytes size = 0;
+    std::int64_t fileCount = 0;
+    std::string name = {};
+
+    bool operator==(const Folder&) const = default;
+  };
+  struct File {
+    /// The position of its folder.
+    std::uint32_t folder = 0;
+    std::string name = {};
+    Bytes size = 0;
+    /// In seconds since 1970-01-01 00:00:00 UTC.
+    std::int64_t modified = 0;
+
+    bool operator==(const File&) const = default;
+  };
+
+  /// The root and, below every folder that is `below` or `listed`, all subfolders of at least
+  /// `JournalQuery::minNodeSize`, and those with an `unknown` folder below. Empty if nothing changed.
+  std::vector<Folder> folders = {};
+  /// The files of `listed` folders that have at least `JournalQuery::minNodeSize`.
+  std::vector<File> files = {};
+
+  bool operator==(const MeasuredChanges&) const = default;
+};
+
 /// A query to a journal.
 struct JournalQuery {
   /// The recorded folder, spelled exactly as the recorder was started with it.
@@ -58,6 +104,9 @@ struct JournalQuery {
   std::uint64_t since = 0;
   /// Approximately the longest wait for an answer.
   std::chrono::milliseconds timeout{60'000};
+  /// For measured changes only: the threshold of the earlier scan, and how many folders the journal may list.
+  Bytes minNodeSize = 0;
+  std::size_t folderLimit = 20'000;
   /// Called at least ten times a second while the call waits; true ends the wait. May be empty.
   std::function<bool()> shouldCancel = {};
 };
@@ -89,6 +138,11 @@ class EventJournal {
   /// The folders that changed after `query.since`. Includes all changes made before this call. Blocks for
   /// about `query.timeout` at most.
   virtual std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) = 0;
+
+  /// The same with the new sizes, for which the journal lists the folders that changed. Fails more often than
+  /// `changes`: with `tooManyChanges` beyond `query.folderLimit`, and with `failed` if the journal knows no
+  /// sizes.
+  virtual std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query);
 
   /// Starts to record `root` and returns the listing that the full scan must use. Null if `root` is already
   /// recorded or this journal cannot record it.

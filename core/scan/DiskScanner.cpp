@@ -1,5 +1,6 @@
 #include "core/scan/DiskScanner.h"
 
+#include "core/host/FolderSum.h"
 #include "core/host/IoPriority.h"
 #include "core/host/VolumeInfo.h"
 #include "core/scan/NameList.h"
@@ -71,11 +72,9 @@ class Walk {
       if (!isGone(entry.error)) noteUnread(unread_.entries, Paths::join(path_, entry.name), entry.error);
     } else if (entry.type == EntryType::folder) {
       if (entry.device == device_ && !entry.name.empty()) frame.subdirectories.push(entry.name);
-    } else if (entry.type == EntryType::file) {
-      if (entry.name == ".git") frame.isWorktree = true;
-      count(frame, entry, entry.links >= 2 ? entry.allocated / entry.links : entry.allocated);
     } else {
-      count(frame, entry, entry.allocated);
+      if (entry.type == EntryType::file && entry.name == ".git") frame.isWorktree = true;
+      count(frame, entry, shareOf(entry));
     }
   }
 

@@ -36,6 +36,11 @@ std::expected<FolderChanges, JournalError> ProcessJournal::changes(const Journal
   return recorder ? recorder->changes(query) : others_->changes(query);
 }
 
+std::expected<MeasuredChanges, JournalError> ProcessJournal::measuredChanges(const JournalQuery& query) {
+  const auto recorder = recorderOf(query.root);
+  return recorder ? recorder->measuredChanges(query) : others_->measuredChanges(query);
+}
+
 std::shared_ptr<EventRecorder> ProcessJournal::recorderOf(const std::string& root) const {
   const std::lock_guard hold(mutex_);
   return root_ == root ? recorder_ : nullptr;

@@ -20,6 +20,7 @@ class ProcessJournal final : public EventJournal {
   std::unique_ptr<RecordingCrawl> beginCrawl(const std::string& root) override;
   std::uint64_t currentEventID(const JournalQuery& query) override;
   std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override;
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query) override;
 
  private:
   /// The recorder of this process if it records `root`, otherwise null.

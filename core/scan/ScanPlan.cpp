@@ -127,6 +127,16 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   if (!plan.whyFull.empty()) return plan;
 
   query.since = *arguments.earlier->eventID;
+  query.minNodeSize = arguments.minNodeSize;
+  if (auto measured = journal.measuredChanges(query)) {
+    ScanUpdate update{.earlier = std::move(*arguments.earlier), .changes = std::move(*measured)};
+    if (update.isUsable()) {
+      plan.fullScanDate = *update.earlier.fullScanDate;
+      plan.update = std::move(update);
+      return plan;
+    }
+    arguments.earlier = std::move(update.earlier);
+  }
   const auto changes = journal.changes(query);
   if (!changes) {
     plan.whyFull = textOf(changes.error());
@@ -142,10 +152,17 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
 ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
   const std::string root = arguments.root;
   ScanPlan plan = planned(journal, std::move(arguments));
-  log(LogLevel::info, plan.whyFull.empty()
+  log(LogLevel::info, plan.update ? "the scan of " + root + " lists the changed folders only"
+                      : plan.reuse
                           ? "the scan of " + root + " takes the folders without changes from the last scan"
                           : "the scan of " + root + " is a full scan, because " + plan.whyFull);
   return plan;
+}
+
+std::optional<DiskScanner::Result> ScanPlan::scan(DiskScanner::Arguments arguments) {
+  if (update) return std::move(*update).run(arguments);
+  arguments.reuse = std::move(reuse);
+  return DiskScanner::scan(arguments);
 }
 
 Snapshot FinishedScan::snapshot() && {

@@ -2,6 +2,7 @@
 
 #include "core/host/EventJournal.h"
 #include "core/scan/DiskScanner.h"
+#include "core/scan/ScanUpdate.h"
 #include "core/tree/Snapshot.h"
 #include "core/volume/VolumeStatus.h"
 
@@ -18,7 +19,8 @@ inline constexpr std::chrono::days fullScanInterval{3};
 /// folder. The function holds copies of both arguments and may be called from any thread.
 DiskScanner::Reuse reuseUnchanged(Snapshot previous, const FolderChanges& changes);
 
-/// How a scan is made: as a full scan, or reusing unchanged folders. Decided before the scan starts.
+/// How a scan is made: as a full scan, by walking the changed folders and reusing the others, or as an update
+/// with measured changes. Decided before the scan starts.
 struct ScanPlan {
   struct Arguments {
     std::string root;
@@ -39,14 +41,20 @@ struct ScanPlan {
   std::optional<std::uint64_t> eventID;
   /// When the last full scan started, for the snapshot.
   Date fullScanDate;
-  /// Empty for a full scan.
+  /// At most one of these two is set; none for a full scan.
   DiskScanner::Reuse reuse;
+  std::optional<ScanUpdate> update;
   /// Why the scan is a full scan, as a clause that fits after "because"; empty if the scan reuses folders.
   std::string whyFull;
+
+  bool isFull() const { return !reuse && !update; }
 
   /// Queries the journal and logs the decision. Blocks for at most about `Arguments::timeout`, or until
   /// `shouldCancel` returns true. Any thread.
   static ScanPlan make(EventJournal& journal, Arguments arguments);
+
+  /// Makes the scan. Sets `Arguments::reuse`; all else is as for `DiskScanner::scan`. Call it once.
+  std::optional<DiskScanner::Result> scan(DiskScanner::Arguments arguments);
 };
 
 /// A completed scan with all facts that are stored about it.

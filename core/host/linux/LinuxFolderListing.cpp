@@ -55,12 +55,13 @@ class LinuxFolder final : public OpenFolder {
     buffer.entries.clear();
     const auto take = [&](const FolderEntry& entry) {
       buffer.entries.push_back(entryOf(entry.name, entry.type));
+      if (root_->observer != nullptr) sum_.add(buffer.entries.back());
     };
     // One call may return only "." and "..".
     while (buffer.entries.empty()) {
       const auto more = readFolderEntries(handle_, {buffer.bytes.get(), ListingBuffer::size}, take);
       if (!more) return failure(more.error());
-      if (!*more) return {};
+      if (!*more) return end();
     }
     return {.entries = buffer.entries};
   }
@@ -81,6 +82,11 @@ class LinuxFolder final : public OpenFolder {
   }
 
  private:
+  Batch end() const {
+    if (root_->observer != nullptr) root_->observer->listed(ref_, sum_);
+    return {};
+  }
+
   Batch failure(int error) const {
     if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotList(ref_);
     return {.error = error};
@@ -93,30 +99,12 @@ class LinuxFolder final : public OpenFolder {
 
   // `name` ends in a NUL byte.
   Entry entryOf(std::string_view name, unsigned char kind) const {
-    Entry entry{.name = name, .device = root_->mounted.device};
     if (mounts_ != nullptr && isMountPoint(name)) {
-      entry.type = EntryType::folder;
-      entry.device = Entry::otherVolume;
-      return entry;
+      return {.name = name, .type = EntryType::folder, .device = Entry::otherVolume};
     }
-    if (kind == DT_DIR) {
-      entry.type = EntryType::folder;
-      return entry;
-    }
-    struct statx status {};
-    if (statx(handle_.get(), name.data(), entryFlags, entryMask, &status) != 0) {
-      entry.error = errno;
-      if (root_->observer != nullptr && isStillThere(entry.error)) root_->observer->couldNotList(ref_);
-      return entry;
-    }
-    entry.type = typeOf(status);
-    entry.links = status.stx_nlink;
-    entry.modified = status.stx_mtime.tv_sec;
-    if (status.stx_blocks > largestBlockCount) {
-      entry.error = EOVERFLOW;
-    } else {
-      entry.allocated = static_cast<Bytes>(status.stx_blocks) * blockSize;
-    }
+    const Entry entry = readEntry(handle_, name, kind, root_->mounted.device);
+    const bool isUnread = entry.error != 0 && isStillThere(entry.error);
+    if (isUnread && root_->observer != nullptr) root_->observer->couldNotList(ref_);
     return entry;
   }
 
@@ -130,6 +118,8 @@ class LinuxFolder final : public OpenFolder {
   // The mounts below this folder; null if there are none.
   const MountTree* mounts_;
   FolderRef ref_;
+  // Of the entries so far; only for an observer.
+  FolderSum sum_;
 };
 
 class LinuxFolderListing final : public FolderListing {
@@ -155,6 +145,28 @@ class LinuxFolderListing final : public FolderListing {
 };
 
 }  // namespace
+
+Entry readEntry(const FileHandle& folder, std::string_view name, unsigned char kind, std::uint64_t device) {
+  Entry entry{.name = name, .device = device};
+  if (kind == DT_DIR) {
+    entry.type = EntryType::folder;
+    return entry;
+  }
+  struct statx status {};
+  if (statx(folder.get(), name.data(), entryFlags, entryMask, &status) != 0) {
+    entry.error = errno;
+    return entry;
+  }
+  entry.type = typeOf(status);
+  entry.links = status.stx_nlink;
+  entry.modified = status.stx_mtime.tv_sec;
+  if (status.stx_blocks > largestBlockCount) {
+    entry.error = EOVERFLOW;
+  } else {
+    entry.allocated = static_cast<Bytes>(status.stx_blocks) * blockSize;
+  }
+  return entry;
+}
 
 std::unique_ptr<FolderListing> hostFolderListing() {
   return std::make_unique<LinuxFolderListing>(nullptr);

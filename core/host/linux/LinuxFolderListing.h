@@ -2,6 +2,7 @@
 
 #include "core/host/FileHandle.h"
 #include "core/host/FolderListing.h"
+#include "core/host/FolderSum.h"
 
 #include <compare>
 #include <cstdint>
@@ -32,9 +33,15 @@ class FolderObserver {
   virtual FolderRef opened(FolderRef parent, std::string_view name, const FileHandle& folder) = 0;
   /// The folder exists but cannot be opened.
   virtual void couldNotOpen(FolderRef parent, std::string_view name) = 0;
-  /// The listing of the folder failed before its end.
+  /// The folder was listed to its end; `sum` is of all its entries.
+  virtual void listed(FolderRef folder, const FolderSum& sum) = 0;
+  /// The listing of the folder failed before its end, or for an entry.
   virtual void couldNotList(FolderRef folder) = 0;
 };
+
+/// Reads what a scan needs to know about an entry of an open folder, except whether something is mounted
+/// there. `name` ends in a NUL byte and stays the entry's name; `kind` is the DT_… of <dirent.h>. Any thread.
+Entry readEntry(const FileHandle& folder, std::string_view name, unsigned char kind, std::uint64_t device);
 
 /// The host's listing with an observer, which must outlive the listing and all folders opened from it.
 std::unique_ptr<FolderListing> observedFolderListing(FolderObserver& observer);

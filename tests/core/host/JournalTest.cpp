@@ -44,7 +44,19 @@ class FakeJournal final : public EventJournal {
     if (query.since == 1) return std::unexpected(JournalError::olderThanSession);
     return answer;
   }
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query) override {
+    measuredFor = query;
+    if (query.since == 1) return std::unexpected(JournalError::tooManyChanges);
+    return measured;
+  }
   FolderChanges answer{.directories = {"/r/new\nline", "/r/\xff"}, .trees = {"/r"}};
+  MeasuredChanges measured{
+      .folders = {{.kind = MeasuredChanges::Kind::below, .size = Bytes{1} << 62U, .fileCount = 3, .name = ""},
+                  {.kind = MeasuredChanges::Kind::listed, .isWorktree = true, .name = "new\nline"},
+                  {.parent = 1, .kind = MeasuredChanges::Kind::unknown, .name = "\xff"},
+                  {.parent = 1, .kind = MeasuredChanges::Kind::same, .size = 9, .name = "s"}},
+      .files = {{.folder = 1, .name = "f", .size = 7, .modified = -5}}};
+  JournalQuery measuredFor;
 };
 
 class JournalServerTest : public testing::Test {
@@ -92,6 +104,13 @@ TEST_F(JournalServerTest, passesOnWhatTheJournalSays) {
   ASSERT_TRUE(changes);
   EXPECT_EQ(*changes, journal.answer);
   EXPECT_EQ(asker.changes({.root = "/r", .since = 1, .timeout = 5s}).error(), JournalError::olderThanSession);
+  EXPECT_EQ(
+      asker.measuredChanges({.root = "/r", .since = 9, .timeout = 5s, .minNodeSize = 4, .folderLimit = 8}),
+      journal.measured);
+  EXPECT_EQ(journal.measuredFor.since, 9U);
+  EXPECT_EQ(journal.measuredFor.minNodeSize, 4);
+  EXPECT_EQ(journal.measuredFor.folderLimit, 8U);
+  EXPECT_EQ(asker.measuredChanges({.root = "/r", .since = 1}).error(), JournalError::tooManyChanges);
 }
 
 TEST_F(JournalServerTest, dropsPeersThatSendRubbishOrTooMuch) {
@@ -172,7 +191,21 @@ TEST(JournalMessage, isTakenWholeOrNotAtAll) {
   for (std::size_t length = 0; length < bytes.size(); ++length) {
     EXPECT_FALSE(JournalMessage::decodeAnswer(bytes.substr(0, length))) << length;
   }
+  const std::string measured = JournalMessage::encodeMeasured(FakeJournal{}.measured);
+  for (std::size_t length = 0; length < measured.size(); ++length) {
+    EXPECT_FALSE(JournalMessage::decodeMeasured(measured.substr(0, length))) << length;
+  }
+  // Each breaks one field: the parent of a folder, its kind, its size, and the folder of a file.
   using namespace std::string_literals;
+  for (const auto& [part, broken] : {std::pair{"1\0unknown"s, "2\0unknown"s},
+                                     {"same"s, "sane"s},
+                                     {"0\0009\000"s, "0\000-9\000"s},
+                                     {"1\0007\000"s, "4\0007\000"s}}) {
+    std::string changed = measured;
+    ASSERT_NE(changed.find(part), std::string::npos);
+    changed.replace(changed.find(part), part.size(), broken);
+    EXPECT_FALSE(JournalMessage::decodeMeasured(changed)) << broken;
+  }
   EXPECT_FALSE(
       JournalMessage::decodeAnswer("spacemint-journal 1\0changes\0"
                                    "9999999999\0"

@@ -278,7 +278,7 @@ TEST_P(RecorderTest, vouchesForNoFileSystemThatCanChangeWithoutEvents) {
     earlier.root.fileCount = 1;
     const ScanPlan plan =
         ScanPlan::make(*recorder, {.root = root, .now = Date{}, .earlier = std::move(earlier)});
-    return scanned && !plan.reuse && !plan.eventID &&
+    return scanned && plan.isFull() && !plan.eventID &&
            plan.whyFull == "the file system can change without this computer noticing";
   }));
 }

@@ -88,8 +88,28 @@ void FolderMap::dropWatch(Id id) {
   --watches_;
 }
 
+void FolderMap::setOwn(Id id, Size own) {
+  Record& record = records_[id];
+  const Size difference = own - record.own();
+  record.ownBytes = own.bytes;
+  record.ownFiles = own.files;
+  if (difference != Size{}) addToTrees(id, difference);
+}
+
+void FolderMap::addToTrees(Id id, Size difference) {
+  for (; id != none; id = records_[id].parent) {
+    records_[id].treeBytes += difference.bytes;
+    records_[id].treeFiles += difference.files;
+  }
+}
+
+void FolderMap::clearFlag(Flag flag) {
+  for (Record& record : records_) record.flags &= static_cast<std::uint16_t>(~flag);
+}
+
 void FolderMap::detach(Id id) {
   byName_.erase(id, nameHash());
+  addToTrees(records_[id].parent, Size{} - records_[id].tree());
   unlink(id);
   records_[id].parent = none;
   records_[id].flags |= detached;
@@ -180,6 +200,7 @@ void FolderMap::link(Id id, Id parent) {
   record.next = records_[parent].firstChild;
   if (record.next != none) records_[record.next].previous = id;
   records_[parent].firstChild = id;
+  addToTrees(parent, record.tree());
 }
 
 void FolderMap::unlink(Id id) {

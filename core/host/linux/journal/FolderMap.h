@@ -12,8 +12,9 @@
 
 namespace spacemint {
 
-/// The tree of folders below a root as a recorder knows it: 48 bytes for each folder, and all names in one
-/// string. Finds a folder by parent and name, or by watch. It does not access the disk. One thread at a time.
+/// The tree of folders below a root as a recorder knows it, with the sizes of all folders: 72 bytes for each
+/// folder, and all names in one string. Finds a folder by parent and name, or by watch. It does not access
+/// the disk. One thread at a time.
 class FolderMap {
  public:
   using Id = std::uint32_t;
@@ -29,6 +30,25 @@ class FolderMap {
     stale = 8,
     /// Its entries cannot be read, or only some of them.
     unreadable = 16,
+    /// The folder's own size is known, and no event has been handled since it was listed.
+    measured = 32,
+    /// What the last listing found (`FolderSum`).
+    worktree = 64,
+    linked = 128,
+    /// Listed soon after a change, so that the file system may still change the sizes.
+    settling = 256,
+  };
+  static constexpr unsigned unknown = unwatched | stale | unreadable;
+
+  /// Bytes and files. Sums and differences wrap around, so that a folder that leaves takes away exactly what
+  /// it brought.
+  struct Size {
+    std::uint64_t bytes = 0;
+    std::uint32_t files = 0;
+
+    Size operator+(Size other) const { return {bytes + other.bytes, files + other.files}; }
+    Size operator-(Size other) const { return {bytes - other.bytes, files - other.files}; }
+    bool operator==(const Size&) const = default;
   };
 
   struct Record {
@@ -45,6 +65,16 @@ class FolderMap {
     /// Stamps (`EventClock`) of the last change of the folder's own entries, and of its tree as a whole.
     std::uint64_t ownChange = 0;
     std::uint64_t treeChange = 0;
+    // Two `Size`s, without the padding.
+    std::uint64_t ownBytes = 0;
+    std::uint64_t treeBytes = 0;
+    std::uint32_t ownFiles = 0;
+    std::uint32_t treeFiles = 0;
+
+    /// Of the entries of the folder itself; what the last listing found.
+    Size own() const { return {ownBytes, ownFiles}; }
+    /// Of everything at and below the folder: always the sum of `own` and of the subfolders' trees.
+    Size tree() const { return {treeBytes, treeFiles}; }
   };
 
   /// Forgets all folders and begins with a root.
@@ -65,6 +95,8 @@ class FolderMap {
   Id add(Id parent, std::string_view name, std::uint16_t flags = 0);
   void setWatch(Id id, int watch);
   void dropWatch(Id id);
+  /// Sets the folder's own size and adds the difference to its tree and to all trees above.
+  void setOwn(Id id, Size own);
   /// Removes a folder with everything below it from its parent. `attach` puts it into another one.
   void detach(Id id);
   void attach(Id id, Id parent, std::string_view name);
@@ -79,11 +111,12 @@ class FolderMap {
 
   /// Calls `visit(id, record)` for every folder, in no particular order.
   template <class Visit>
-  void forEach(Visit visit) {
+  void forEach(Visit visit) const {
     for (Id id = 0; id < records_.size(); ++id) {
       if ((records_[id].flags & alive) != 0) visit(id, records_[id]);
     }
   }
+  void clearFlag(Flag flag);
 
   std::size_t size() const { return alive_; }
   std::size_t watches() const { return watches_; }
@@ -100,6 +133,7 @@ class FolderMap {
   auto watchHash() const;
   void setName(Record& record, std::string_view name);
   void compactNames();
+  void addToTrees(Id id, Size difference);
   void link(Id id, Id parent);
   void unlink(Id id);
 

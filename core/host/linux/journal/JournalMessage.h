@@ -16,9 +16,10 @@ namespace JournalMessage {
 /// The largest request in bytes. The server closes the connection of a client that sends more.
 inline constexpr std::size_t requestLimit = 8'192;
 
-enum class Kind : std::uint8_t { id, changes };
+enum class Kind : std::uint8_t { id, changes, totals };
 
-/// What a client asks. An id request carries only the root of the query.
+/// What a client asks. An id request carries only the root of the query; only a request for totals carries
+/// the threshold and the limit.
 struct Request {
   Kind kind = Kind::id;
   JournalQuery query = {};
@@ -36,6 +37,11 @@ using Answer = std::expected<FolderChanges, JournalError>;
 std::string encodeAnswer(const Answer& answer);
 /// Absent when the bytes are not one whole answer.
 std::optional<Answer> decodeAnswer(std::string_view bytes);
+
+using MeasuredAnswer = std::expected<MeasuredChanges, JournalError>;
+std::string encodeMeasured(const MeasuredAnswer& answer);
+/// Absent when the bytes are not one whole answer in which every position is that of an earlier folder.
+std::optional<MeasuredAnswer> decodeMeasured(std::string_view bytes);
 
 }  // namespace JournalMessage
 

@@ -103,6 +103,9 @@ std::string JournalServer::answerTo(const std::string& request) {
   if (decoded->kind == JournalMessage::Kind::id) {
     return JournalMessage::encodeId(parts_.journal.currentEventID(decoded->query));
   }
+  if (decoded->kind == JournalMessage::Kind::totals) {
+    return JournalMessage::encodeMeasured(parts_.journal.measuredChanges(decoded->query));
+  }
   return JournalMessage::encodeAnswer(parts_.journal.changes(decoded->query));
 }
 

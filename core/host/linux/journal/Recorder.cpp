@@ -91,6 +91,11 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
     if (isCurrent()) recorder_->tree_.adoptClosed(parent, name);
   }
 
+  void listed(FolderRef folder, const FolderSum& sum) override {
+    const std::lock_guard lock(recorder_->mapMutex_);
+    if (isCurrent()) recorder_->tree_.adoptListed(folder, sum);
+  }
+
   void couldNotList(FolderRef folder) override {
     const std::lock_guard lock(recorder_->mapMutex_);
     if (isCurrent()) recorder_->tree_.adoptUnlisted(folder);
@@ -181,18 +186,30 @@ std::uint64_t Recorder::currentEventID(const JournalQuery& query) {
 }
 
 std::expected<FolderChanges, JournalError> Recorder::changes(const JournalQuery& query) {
+  using Answer = std::expected<FolderChanges, JournalError>;
+  return answer<Answer>(query, [this, since = query.since] { return tree_.changes(since); });
+}
+
+std::expected<MeasuredChanges, JournalError> Recorder::measuredChanges(const JournalQuery& query) {
+  using Answer = std::expected<MeasuredChanges, JournalError>;
+  return answer<Answer>(query, [this, query] { return tree_.measuredChanges(query); });
+}
+
+// Calls `ask` on the recorder's thread with `mapMutex_` locked, if this session can answer.
+template <class Answer>
+Answer Recorder::answer(const JournalQuery& query, std::function<Answer()> ask) {
   if (query.root != options_.root) return std::unexpected(JournalError::notRecording);
   if (const auto error = status().error; error == JournalError::settingUp) return std::unexpected(*error);
   // Shared, because after a timeout the work is done when this call has returned.
-  auto answer = std::make_shared<std::expected<FolderChanges, JournalError>>();
-  const auto work = [this, answer, since = query.since] {
+  auto answer = std::make_shared<Answer>();
+  const auto work = [this, answer, ask = std::move(ask), since = query.since] {
     if (const auto obstacle = obstacleTo(since)) {
       *answer = std::unexpected(*obstacle);
       return;
     }
     {
       const std::lock_guard lock(mapMutex_);
-      *answer = tree_.changes(since);
+      *answer = ask();
     }
     takeError();
   };

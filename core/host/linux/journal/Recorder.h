@@ -33,6 +33,7 @@ class Recorder final : public EventRecorder, public std::enable_shared_from_this
 
   std::uint64_t currentEventID(const JournalQuery& query) override;
   std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override;
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query) override;
   std::unique_ptr<RecordingCrawl> beginCrawl(const std::string& root) override;
   bool waitUntilRecording(std::chrono::milliseconds timeout) override;
   Status status() override;
@@ -58,6 +59,8 @@ class Recorder final : public EventRecorder, public std::enable_shared_from_this
   Recorder(Options options, Parts parts);
   std::expected<void, Error> serve();
 
+  template <class Answer>
+  Answer answer(const JournalQuery& query, std::function<Answer()> ask);
   std::optional<JournalError> obstacleTo(std::uint64_t since) const;
   void perform(std::function<void()> work);
   bool perform(std::function<void()> work, const JournalQuery& query);

@@ -112,6 +112,16 @@ std::expected<FolderChanges, JournalError> SocketJournal::changes(const JournalQ
   return std::move(*answer);
 }
 
+// An older recorder does not know the request and closes the connection.
+std::expected<MeasuredChanges, JournalError> SocketJournal::measuredChanges(const JournalQuery& query) {
+  const auto bytes =
+      ask(endpointFolder_, {.kind = JournalMessage::Kind::totals, .query = query}, query.timeout);
+  if (!bytes) return std::unexpected(bytes.error());
+  auto answer = JournalMessage::decodeMeasured(*bytes);
+  if (!answer) return std::unexpected(JournalError::failed);
+  return std::move(*answer);
+}
+
 std::unique_ptr<EventJournal> hostEventJournal() {
   return std::make_unique<SocketJournal>();
 }

@@ -15,6 +15,7 @@ class SocketJournal final : public EventJournal {
 
   std::uint64_t currentEventID(const JournalQuery& query) override;
   std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override;
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query) override;
 
  private:
   std::string endpointFolder_;

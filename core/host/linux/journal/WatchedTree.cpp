@@ -49,6 +49,16 @@ bool listSubfolders(const FileHandle& folder, std::span<std::byte> buffer, std::
   }
 }
 
+void setFlag(FolderMap::Record& record, FolderMap::Flag flag, bool isSet) {
+  record.flags = static_cast<std::uint16_t>(isSet ? record.flags | flag : record.flags & ~flag);
+}
+
+void setSum(FolderMap& map, FolderMap::Id id, const FolderSum& sum) {
+  map.setOwn(id, {static_cast<std::uint64_t>(sum.bytes), static_cast<std::uint32_t>(sum.files)});
+  setFlag(map[id], FolderMap::worktree, sum.isWorktree);
+  setFlag(map[id], FolderMap::linked, sum.hasLinks);
+}
+
 std::string joined(std::string_view folder, std::string_view name) {
   std::string path{folder};
   if (!path.empty() && !path.ends_with('/')) path += '/';
@@ -70,6 +80,7 @@ void WatchedTree::reset() {
   places_.clear();
   settleAt_ = placeLimit;
   movedOut_.clear();
+  settlingUntil_.clear();
   listingBuffer_.resize(listingBufferSize);
   anyStale_ = hitWatchLimit_ = isScanning_ = mountsMayHaveChanged_ = false;
   error_ = JournalError::settingUp;
@@ -92,12 +103,15 @@ bool WatchedTree::begin(const FileHandle& root) {
   }
   identity_ = *identity;
   map_.setWatch(map_.root(), *watched);
+  map_[map_.root()].flags |= FolderMap::measured;
   rewindFolder(root);
   return true;
 }
 
 void WatchedTree::crawlFromRoot(FileHandle root) {
+  crawlMeasures_ = true;
   crawl(map_.root(), std::move(root));
+  crawlMeasures_ = false;
 }
 
 void WatchedTree::fail(JournalError error) {
@@ -144,12 +158,19 @@ FolderRef WatchedTree::adopt(FolderRef parentRef, std::string_view name, std::ex
     touchPlaceOf(id);
     touch(parent, name);
   }
+  setFlag(map_[id], FolderMap::measured,
+          true);  // before the listing: an event that is handled meanwhile removes it
   return map_.refTo(id);
 }
 
 void WatchedTree::adoptClosed(FolderRef parentRef, std::string_view name) {
   const Id parent = map_.find(parentRef);
   if (!error_ && parent != FolderMap::none) closeOff(parent, name);
+}
+
+void WatchedTree::adoptListed(FolderRef folder, const FolderSum& sum) {
+  const Id id = map_.find(folder);
+  if (!error_ && id != FolderMap::none && (map_[id].flags & FolderMap::measured) != 0) setSum(map_, id, sum);
 }
 
 void WatchedTree::adoptUnlisted(FolderRef folder) {
@@ -195,6 +216,7 @@ void WatchedTree::touchPlaceOf(Id id) {
 
 void WatchedTree::markOwn(Id id) {
   map_[id].ownChange = parts_.clock.stamp();
+  setFlag(map_[id], FolderMap::measured, false);
 }
 
 // The folder counts as changed even if it is found at this place again: meanwhile a scan may have listed
@@ -262,8 +284,7 @@ void WatchedTree::flagUnsettled() {
   };
   // Places in folders that moved out or are gone do not matter now.
   if (anyStale_ && std::ranges::none_of(places_, isInTree)) {
-    map_.forEach(
-        [](Id, FolderMap::Record& record) { record.flags &= static_cast<std::uint16_t>(~FolderMap::stale); });
+    map_.clearFlag(FolderMap::stale);
     anyStale_ = false;
   }
   for (const Place& place : places_) {
@@ -402,11 +423,42 @@ void WatchedTree::moveTo(Id id, Id parent, std::string_view name) {
 }
 
 // Lists a folder that is watched already. The order matters: what appears before the listing is in it, and
-// what appears after the watch causes an event.
+// what appears after the watch causes an event. Sizes are listed when they are asked for, because a new
+// folder is often being filled; only the first crawl does it at once.
 WatchedTree::Frame WatchedTree::listed(Id id, FileHandle handle) {
   Frame frame{.folder = id, .handle = std::move(handle)};
-  if (!listSubfolders(frame.handle, listingBuffer_, frame.names)) map_[id].flags |= FolderMap::unreadable;
+  if (crawlMeasures_) {
+    list(id, frame.handle, [&](const Entry& entry) {
+      if (entry.type == EntryType::folder) frame.names.emplace_back(entry.name);
+    });
+  } else if (!listSubfolders(frame.handle, listingBuffer_, frame.names)) {
+    map_[id].flags |= FolderMap::unreadable;
+  }
   return frame;
+}
+
+// Lists a folder that is watched already, and stores its own size. Fetches events meanwhile: the kernel's
+// queue would overflow during the listing of a large folder.
+void WatchedTree::list(Id id, const FileHandle& folder, const Visit& visit) {
+  const auto path = mounts_.empty() ? std::nullopt : map_.relativePath(id);
+  FolderSum sum;
+  bool isWhole = true;
+  const auto take = [&](const FolderEntry& read) {
+    if (path && mounts_.contains(joined(*path, std::string_view{read.name}))) return;
+    const Entry entry = readEntry(folder, read.name, read.type, identity_.mounted.device);
+    if (entry.error != 0 && !isGone(entry.error)) isWhole = false;
+    sum.add(entry);
+    visit(entry);
+  };
+  for (bool isMore = true; isMore;) {
+    const auto read = readFolderEntries(folder, listingBuffer_, take);
+    if (!read) isWhole = false;
+    isMore = read.value_or(false);
+    parts_.queue.fetch();
+  }
+  setSum(map_, id, sum);
+  setFlag(map_[id], FolderMap::measured, isWhole);
+  if (!isWhole) setFlag(map_[id], FolderMap::unreadable, true);
 }
 
 void WatchedTree::crawl(Id top, FileHandle handle) {
@@ -451,21 +503,27 @@ void WatchedTree::takeMountChange(const std::string& relativePath) {
   }
 }
 
-std::expected<FolderChanges, JournalError> WatchedTree::changes(std::uint64_t since) {
+std::optional<JournalError> WatchedTree::checked() {
   if (!error_ && identityOf(parts_.root) != identity_) fail(JournalError::rootReplaced);
-  if (error_) return std::unexpected(*error_);
-  constexpr unsigned unknown = FolderMap::stale | FolderMap::unreadable | FolderMap::unwatched;
+  return error_;
+}
+
+// Whether the test holds for the folder or for one above it.
+template <class Test>
+bool WatchedTree::isIn(Id id, Test test) const {
+  while (id != FolderMap::none && !test(map_[id])) id = map_[id].parent;
+  return id != FolderMap::none;
+}
+
+std::expected<FolderChanges, JournalError> WatchedTree::changes(std::uint64_t since) {
+  if (const auto error = checked()) return std::unexpected(*error);
   const auto isTree = [&](const FolderMap::Record& record) {
-    return record.treeChange > since || (record.flags & unknown) != 0;
-  };
-  const auto isInTree = [&](Id id) {
-    while (id != FolderMap::none && !isTree(map_[id])) id = map_[id].parent;
-    return id != FolderMap::none;
+    return record.treeChange > since || (record.flags & FolderMap::unknown) != 0;
   };
   FolderChanges found;
   map_.forEach([&](Id id, const FolderMap::Record& record) {
     const bool tree = isTree(record);
-    if ((!tree && record.ownChange <= since) || isInTree(record.parent)) return;
+    if ((!tree && record.ownChange <= since) || isIn(record.parent, isTree)) return;
     if (found.directories.size() + found.trees.size() > answerLimit) return;
     const auto path = map_.relativePath(id);
     if (!path) return;  // moved out: the folder that it left is in the answer
@@ -476,6 +534,73 @@ std::expected<FolderChanges, JournalError> WatchedTree::changes(std::uint64_t si
     return std::unexpected(JournalError::tooManyChanges);
   }
   return found;
+}
+
+std::expected<MeasuredChanges, JournalError> WatchedTree::measuredChanges(const JournalQuery& query) {
+  if (const auto error = checked()) return std::unexpected(*error);
+  std::erase_if(settlingUntil_, [&](const auto& each) { return map_.find(each.first) == FolderMap::none; });
+  const auto folders = foldersToList(query.since, query.minNodeSize);
+  MeasuredFiles files;
+  for (const Id id : std::span{folders}.first(std::min(folders.size(), query.folderLimit))) {
+    if (parts_.shouldStop && parts_.shouldStop()) return std::unexpected(JournalError::notRecording);
+    measure(id, query.minNodeSize, files);
+  }
+  if (folders.size() > query.folderLimit) return std::unexpected(JournalError::tooManyChanges);
+  auto answer = measuredAnswer(map_, query, std::move(files));
+  if (!answer || answer->folders.size() > answerLimit) return std::unexpected(JournalError::tooManyChanges);
+  return std::move(*answer);
+}
+
+// Folders whose size is not certain, and folders that changed and can have files that the answer names.
+std::vector<WatchedTree::Id> WatchedTree::foldersToList(std::uint64_t since, Bytes minNodeSize) const {
+  const auto isUnknown = [](const FolderMap::Record& record) {
+    return (record.flags & FolderMap::unknown) != 0;
+  };
+  const auto isNew = [&](const FolderMap::Record& record) { return record.treeChange > since; };
+  std::vector<Id> folders;
+  std::size_t linked = 0;
+  map_.forEach([&](Id id, const FolderMap::Record& record) {
+    const bool isLinked = (record.flags & FolderMap::linked) != 0 && ++linked <= linkedLimit;
+    constexpr unsigned state = FolderMap::measured | FolderMap::settling;
+    const bool isCertain = (record.flags & state) == FolderMap::measured && !isLinked;
+    const auto hasFiles = [&] {
+      return record.ownFiles > 0 && static_cast<Bytes>(record.ownBytes) >= minNodeSize &&
+             (record.ownChange > since || isIn(id, isNew));
+    };
+    if ((isCertain && !hasFiles()) || isIn(id, isUnknown) || !map_.isWithin(id, map_.root())) return;
+    folders.push_back(id);
+  });
+  return folders;
+}
+
+// A folder that was listed after an event is listed again in every answer until its sizes have settled.
+void WatchedTree::noteSettling(Id id, bool wasCertain) {
+  const auto now = Clock::now();
+  const FolderRef folder = map_.refTo(id);
+  if (!wasCertain) settlingUntil_.insert_or_assign(folder, now + settlingTime);
+  const auto until = settlingUntil_.find(folder);
+  const bool settles = until != settlingUntil_.end() && now < until->second;
+  setFlag(map_[id], FolderMap::settling, settles);
+  if (!settles && until != settlingUntil_.end()) settlingUntil_.erase(until);
+}
+
+void WatchedTree::measure(Id id, Bytes minNodeSize, MeasuredFiles& files) {
+  const FileHandle folder = openVerified(id);
+  if (!folder) {  // another folder is at its place
+    touchPlaceOf(id);
+    setFlag(map_[id], FolderMap::stale, true);
+    anyStale_ = true;
+    return;
+  }
+  const FolderMap::Record before = map_[id];
+  auto& large = files[id];
+  list(id, folder, [&](const Entry& entry) {
+    if (entry.type == EntryType::folder || entry.error != 0 || shareOf(entry) < minNodeSize) return;
+    large.push_back({.name = std::string{entry.name}, .size = shareOf(entry), .modified = entry.modified});
+  });
+  noteSettling(id, (before.flags & FolderMap::measured) != 0);
+  // No event reported this difference, so that other clients must hear of it now.
+  if (before.own() != map_[id].own()) map_[id].ownChange = parts_.clock.stamp();
 }
 
 }  // namespace spacemint

@@ -6,10 +6,12 @@
 #include "core/host/linux/journal/EventClock.h"
 #include "core/host/linux/journal/EventQueue.h"
 #include "core/host/linux/journal/FolderMap.h"
+#include "core/host/linux/journal/MeasuredAnswer.h"
 #include "core/host/linux/journal/MountPoints.h"
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <optional>
 
 namespace spacemint {
@@ -39,6 +41,11 @@ class WatchedTree {
   static constexpr std::chrono::milliseconds moveTime{200};
   /// The largest number of folders that an answer names.
   static constexpr std::size_t answerLimit = 100'000;
+  /// A file system may decide so long after a write how many blocks a file has, and no event reports it.
+  static constexpr std::chrono::seconds settlingTime{60};
+  /// So many folders with hard links are listed for every measured answer, because a change through a name in
+  /// another folder causes no event. The others wait for the next full scan.
+  static constexpr std::size_t linkedLimit = 1'000;
 
   explicit WatchedTree(Parts parts) : parts_(std::move(parts)) { reset(); }
 
@@ -56,6 +63,8 @@ class WatchedTree {
   FolderRef adopt(FolderRef parent, std::string_view name, std::expected<int, int> watched);
   /// A scan could not open this folder.
   void adoptClosed(FolderRef parent, std::string_view name);
+  /// A scan listed this folder to its end after `adopt`.
+  void adoptListed(FolderRef folder, const FolderSum& sum);
   /// A scan could not list this folder to its end.
   void adoptUnlisted(FolderRef folder);
   /// True while a scan crawls: it may have watched folders that it has not reported yet.
@@ -75,6 +84,9 @@ class WatchedTree {
 
   /// What changed after the event id `since`.
   std::expected<FolderChanges, JournalError> changes(std::uint64_t since);
+  /// The same with the new sizes. Lists the folders whose size is not known; fails with `tooManyChanges` when
+  /// it has listed `query.folderLimit` of them, and continues in the next call.
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query);
 
   const MountPoints& mounts() const { return mounts_; }
   const FolderMap& map() const { return map_; }
@@ -114,6 +126,7 @@ class WatchedTree {
     FileHandle handle;
     std::vector<std::string> names;
   };
+  using Visit = std::function<void(const Entry&)>;
 
   static std::optional<Identity> identityOf(const std::string& path);
   std::expected<int, int> watch(const FileHandle& folder);
@@ -122,6 +135,14 @@ class WatchedTree {
 
   void touch(Id parent, std::string_view name);
   void touchPlaceOf(Id id);
+  std::optional<JournalError> checked();
+  std::vector<Id> foldersToList(std::uint64_t since, Bytes minNodeSize) const;
+  template <class Test>
+  bool isIn(Id id, Test test) const;
+  void measure(Id id, Bytes minNodeSize, MeasuredFiles& files);
+  void list(Id id, const FileHandle& folder, const Visit& visit);
+  void noteSettling(Id id, bool wasCertain);
+
   void markOwn(Id id);
   void markTree(Id id);
   void markReplaced(Id parent, std::string_view name);
@@ -152,9 +173,13 @@ class WatchedTree {
   // When `places_` is this large, it is settled although events are left.
   std::size_t settleAt_ = 0;
   std::vector<MovedOut> movedOut_;
+  // Folders that are listed again for every measured answer, and until when.
+  std::map<FolderRef, Clock::time_point> settlingUntil_;
   std::vector<std::byte> listingBuffer_;
   bool mountsMayHaveChanged_ = false;
   bool anyStale_ = false;
+  // True while crawls list the sizes too.
+  bool crawlMeasures_ = false;
   bool hitWatchLimit_ = false;
   bool isScanning_ = false;
   std::optional<JournalError> error_ = JournalError::settingUp;
