@@ -4,11 +4,13 @@
 // in this process. The kernel's memory for watches is measured as a difference in /proc/meminfo, so other
 // programs affect that figure.
 
+#include "core/history/SnapshotStore.h"
 #include "core/host/EventRecorder.h"
 #include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,7 +32,6 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr Bytes threshold = 20'000'000;
-constexpr std::size_t changedFolders = 10;
 constexpr int coldRounds = 3;
 constexpr int stormFiles = 100'000;
 
@@ -99,15 +100,66 @@ std::optional<DiskScanner::Result> fullScan(const std::string& root, FolderListi
   return DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .listing = &ahead});
 }
 
-std::vector<std::string> someFolders(const std::string& root) {
+// Counts the folders that a scan opens.
+class CountingListing final : public FolderListing {
+ public:
+  CountingListing(FolderListing& inner, std::int64_t& count) : inner_(inner), count_(count) {}
+
+  std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override {
+    auto folder = inner_.open(root);
+    if (!folder) return folder;
+    return counted(std::move(*folder), count_);
+  }
+
+ private:
+  class Folder final : public OpenFolder {
+   public:
+    Folder(std::unique_ptr<OpenFolder> inner, std::int64_t& count)
+        : inner_(std::move(inner)),
+          count_(count) {}
+    std::uint64_t device() const override { return inner_->device(); }
+    Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
+    std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
+      auto folder = inner_->openSubfolder(name);
+      if (!folder) return folder;
+      return counted(std::move(*folder), count_);
+    }
+
+   private:
+    std::unique_ptr<OpenFolder> inner_;
+    std::int64_t& count_;
+  };
+
+  static std::unique_ptr<OpenFolder> counted(std::unique_ptr<OpenFolder> folder, std::int64_t& count) {
+    ++count;
+    return std::make_unique<Folder>(std::move(folder), count);
+  }
+
+  FolderListing& inner_;
+  std::int64_t& count_;
+};
+
+// Answers as a recorder of an earlier version, which keeps no sizes.
+class WithoutSizes final : public EventJournal {
+ public:
+  explicit WithoutSizes(EventJournal& inner) : inner_(inner) {}
+  std::uint64_t currentEventID(const JournalQuery& query) override { return inner_.currentEventID(query); }
+  std::expected<FolderChanges, JournalError> changes(const JournalQuery& query) override {
+    return inner_.changes(query);
+  }
+
+ private:
+  EventJournal& inner_;
+};
+
+std::vector<std::string> someFolders(const std::string& root, std::size_t count) {
   std::vector<std::string> all;
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     if (entry.is_directory() && !entry.is_symlink()) all.push_back(entry.path());
   }
   std::ranges::sort(all);
   std::vector<std::string> some;
-  for (std::size_t i = 0; i < changedFolders; ++i)
-    some.push_back(all[(2 * i + 1) * all.size() / (2 * changedFolders)]);
+  for (std::size_t i = 0; i < count; ++i) some.push_back(all[(2 * i + 1) * all.size() / (2 * count)]);
   return some;
 }
 
@@ -159,13 +211,14 @@ struct Bench {
   }
 
   void memory() {
+    malloc_trim(0);
     const double before = residentBytes();
     const double kernelBefore = kernelBytes();
     recorder = EventRecorder::start(options(true)).value();
     recorder->waitUntilRecording(std::chrono::minutes{5});
     const auto status = recorder->status();
     const auto folders = static_cast<double>(status.folders);
-    say("folders", folders, "");
+    say(status.marksFileSystem ? "folders, by a mark" : "folders, by watches", folders, "");
     say("memory of the map", static_cast<double>(status.memory) / folders, "bytes a folder");
     say("memory of the process, more than before", (residentBytes() - before) / folders, "bytes a folder");
     say("memory of the kernel for watches", (kernelBytes() - kernelBefore) / folders, "bytes a folder");
@@ -177,39 +230,62 @@ struct Bench {
     say("wake-ups in 5 idle seconds", static_cast<double>(recorderUsage().wakeUps - before.wakeUps), "");
   }
 
-  // Folders smaller than the threshold are not in the stored scan, so a rescan must walk them when their
-  // parent changed. The measured time does not include freeing the earlier scan.
-  void rescan(Bytes minNodeSize) {
-    const auto folders = someFolders(root);
+  // Compares a full scan with rescans, each up to the answer. `sizes` has the recorder list what changed;
+  // otherwise the rescan walks it. Then the time of storing the scan and of pruning, which come after the
+  // answer.
+  void rescan(Bytes minNodeSize, std::size_t count) {
+    const auto folders = someFolders(root, count);
+    WithoutSizes walking{*recorder};
+    Snapshot last = scanned(minNodeSize);
     std::vector<double> full;
-    std::vector<double> again;
-    std::int64_t walked = 0;
+    std::vector<double> updated;
+    std::vector<double> walked;
+    std::vector<double> saved;
+    std::int64_t opened = 0;
     for (int round = 0; round < rounds; ++round) {
-      Snapshot last{.minNodeSize = minNodeSize,
-                    .eventID = recorder->currentEventID({.root = root}),
-                    .fullScanDate = Date{}};
-      full.push_back(secondsOf([&] { last.root = fullScan(root, *host, minNodeSize)->root; }));
-      for (const std::string& changed : folders) {
-        std::ofstream(changed + "/.bench-journal", std::ios::app) << round;
-      }
-      walked = 0;
-      ScanPlan plan;
-      std::optional<DiskScanner::Result> result;
-      const auto reuse = [&](const std::string& path) {
-        auto node = plan.reuse ? plan.reuse(path) : std::nullopt;
-        if (!node) ++walked;
-        return node;
-      };
-      again.push_back(secondsOf([&] {
-        plan = ScanPlan::make(
-            *recorder, {.root = root, .minNodeSize = minNodeSize, .now = Date{}, .earlier = std::move(last)});
-        result = DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .reuse = reuse});
-      }));
+      full.push_back(secondsOf([&] { fullScan(root, *host, minNodeSize); }));
+      touch(folders, round);
+      Snapshot forWalk = last;
+      walked.push_back(secondsOf([&] { again(walking, std::move(forWalk), opened); }));
+      opened = 0;
+      updated.push_back(secondsOf([&] { last = again(*recorder, std::move(last), opened); }));
+      saved.push_back(secondsOf([&] { save(last); }));
     }
     for (const std::string& changed : folders) unlink((changed + "/.bench-journal").c_str());
     say("full scan that keeps what has " + std::to_string(minNodeSize) + " bytes", median(full), "s");
-    say("  rescan after changes in 10 folders", median(again) / median(full), "of it");
-    say("  folders that it walked", static_cast<double>(walked), "");
+    const std::string after = " after changes in " + std::to_string(count) + " folders";
+    say("  rescan" + after, median(updated) / median(full), "of it");
+    say("    folders that the scan itself opened", static_cast<double>(opened), "");
+    say("  rescan that walks" + after, median(walked) / median(full), "of it");
+    say("  storing the scan", median(saved) / median(full), "of it");
+  }
+
+  Snapshot scanned(Bytes minNodeSize) {
+    const std::uint64_t id = recorder->currentEventID({.root = root});
+    return {.root = fullScan(root, *host, minNodeSize)->root,
+            .minNodeSize = minNodeSize,
+            .eventID = id,
+            .fullScanDate = Date{}};
+  }
+
+  static void touch(const std::vector<std::string>& folders, int round) {
+    for (const std::string& folder : folders) {
+      std::ofstream(folder + "/.bench-journal", std::ios::app) << round;
+    }
+  }
+
+  Snapshot again(EventJournal& journal, Snapshot last, std::int64_t& opened) {
+    const Bytes minNodeSize = last.minNodeSize;
+    CountingListing counting{*host, opened};
+    auto plan = ScanPlan::make(
+        journal, {.root = root, .minNodeSize = minNodeSize, .now = Date{}, .earlier = std::move(last)});
+    auto result = plan.scan({.root = root, .minNodeSize = minNodeSize, .listing = &counting});
+    return FinishedScan{.result = std::move(*result), .plan = plan, .minNodeSize = minNodeSize}.snapshot();
+  }
+
+  void save(const Snapshot& snapshot) const {
+    const SnapshotStore store{folder + "/history"};
+    if (store.save(snapshot)) store.prune({.days = 14, .now = Date{}, .timeZone = "UTC"});
   }
 
   void storm() {
@@ -244,7 +320,8 @@ int main(int argc, char** argv) {
   if (geteuid() == 0) bench.setUp(true);
   bench.memory();
   bench.idle();
-  for (const Bytes minNodeSize : {0, 100'000, 20'000'000}) bench.rescan(minNodeSize);
+  for (const std::size_t count : {0, 10, 1'000}) bench.rescan(threshold, count);
+  bench.rescan(0, 10);
   bench.storm();
   bench.recorder.reset();
   fs::remove_all(folder);
