@@ -53,6 +53,11 @@ std::optional<std::uint64_t> parseDevice(std::string_view word) {
   return makedev(major, minor);
 }
 
+bool hasOption(std::string_view options, std::string_view option) {
+  const auto words = pieces(options, ',');
+  return std::ranges::find(words, option) != words.end();
+}
+
 // id parent major:minor root mountPoint options [optional fields…] - fileSystem source superOptions
 std::optional<Mount> parseLine(std::string_view line) {
   const std::string_view idWord = nextWord(line);
@@ -60,13 +65,21 @@ std::optional<Mount> parseLine(std::string_view line) {
   std::from_chars(idWord.data(), idWord.data() + idWord.size(), id);
   nextWord(line);
   const auto device = parseDevice(nextWord(line));
-  nextWord(line);
+  const std::string_view root = nextWord(line);
   const std::string_view mountPoint = nextWord(line);
-  const std::size_t separator = line.find(" - ");
-  if (!device || mountPoint.empty() || separator == std::string_view::npos) return std::nullopt;
-  line.remove_prefix(separator + 3);
+  const bool isWritable = hasOption(nextWord(line), "rw");
+  std::string_view word = nextWord(line);
+  while (word != "-" && !line.empty()) word = nextWord(line);
+  if (!device || mountPoint.empty() || word != "-") return std::nullopt;
   const std::string_view fileSystem = nextWord(line);
-  return Mount{id, *device, unescaped(mountPoint), unescaped(fileSystem), unescaped(nextWord(line))};
+  const std::string_view source = nextWord(line);
+  return Mount{.id = id,
+               .device = *device,
+               .root = unescaped(root),
+               .mountPoint = unescaped(mountPoint),
+               .isWritable = isWritable && !hasOption(nextWord(line), "ro"),
+               .fileSystem = unescaped(fileSystem),
+               .source = unescaped(source)};
 }
 
 }  // namespace

@@ -13,7 +13,10 @@ namespace spacemint {
 struct Mount {
   std::uint64_t id = 0;
   std::uint64_t device = 0;
+  /// The folder of the file system that is mounted.
+  std::string root;
   std::string mountPoint;
+  bool isWritable = false;
   std::string fileSystem;
   std::string source;
 };
