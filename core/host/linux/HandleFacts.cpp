@@ -33,6 +33,10 @@ std::expected<HandleFacts, int> factsOf(const FileHandle& folder, const char* na
   return ask(folder.get(), name, AT_SYMLINK_NOFOLLOW);
 }
 
+std::expected<HandleFacts, int> factsBehind(const FileHandle& folder, const char* link) {
+  return ask(folder.get(), link, 0);
+}
+
 std::string realPathOf(const FileHandle& folder) {
   const std::string link = "/proc/self/fd/" + std::to_string(folder.get());
   std::string path(PATH_MAX, '\0');

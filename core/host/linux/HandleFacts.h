@@ -38,6 +38,10 @@ std::expected<HandleFacts, int> factsOf(const FileHandle& handle);
 /// The facts of the entry `name` of an open folder. Does not follow a symbolic link. Fails with an errno.
 std::expected<HandleFacts, int> factsOf(const FileHandle& folder, const char* name);
 
+/// The facts of the file behind a link of an open folder below /proc, such as "fd/3". Does not ask a file
+/// server. Fails with an errno.
+std::expected<HandleFacts, int> factsBehind(const FileHandle& folder, const char* link);
+
 /// The absolute path of an open folder without symbolic links, spelled as in the kernel's mount table; empty
 /// if the kernel does not report it.
 std::string realPathOf(const FileHandle& folder);

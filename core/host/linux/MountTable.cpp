@@ -1,8 +1,7 @@
 #include "core/host/linux/MountTable.h"
 
 #include "core/base/AsciiText.h"
-
-#include <sys/sysmacros.h>
+#include "core/host/linux/ProcText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -21,38 +20,6 @@ std::string_view nextWord(std::string_view& line) {
   return word;
 }
 
-bool isOctal(std::string_view digits) {
-  return digits.size() == 3 && digits.find_first_not_of("01234567") == std::string_view::npos;
-}
-
-// Decodes the kernel's escapes: in names, spaces, tabs, line ends and backslashes are written as a backslash
-// and three octal digits.
-std::string unescaped(std::string_view word) {
-  std::string text;
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    const std::string_view digits = word.substr(i + 1).substr(0, 3);
-    if (word[i] != '\\' || !isOctal(digits)) {
-      text += word[i];
-      continue;
-    }
-    const int code = (digits[0] - '0') * 64 + (digits[1] - '0') * 8 + (digits[2] - '0');
-    text += static_cast<char>(code);
-    i += 3;
-  }
-  return text;
-}
-
-std::optional<std::uint64_t> parseDevice(std::string_view word) {
-  unsigned major = 0;
-  unsigned minor = 0;
-  const char* end = word.data() + word.size();
-  const auto first = std::from_chars(word.data(), end, major);
-  if (first.ec != std::errc{} || first.ptr == end || *first.ptr != ':') return std::nullopt;
-  const auto second = std::from_chars(first.ptr + 1, end, minor);
-  if (second.ec != std::errc{} || second.ptr != end) return std::nullopt;
-  return makedev(major, minor);
-}
-
 bool hasOption(std::string_view options, std::string_view option) {
   const auto words = pieces(options, ',');
   return std::ranges::find(words, option) != words.end();
@@ -64,7 +31,7 @@ std::optional<Mount> parseLine(std::string_view line) {
   std::uint64_t id = 0;
   std::from_chars(idWord.data(), idWord.data() + idWord.size(), id);
   nextWord(line);
-  const auto device = parseDevice(nextWord(line));
+  const auto device = parseDeviceNumber(nextWord(line));
   const std::string_view root = nextWord(line);
   const std::string_view mountPoint = nextWord(line);
   const bool isWritable = hasOption(nextWord(line), "rw");
@@ -75,11 +42,11 @@ std::optional<Mount> parseLine(std::string_view line) {
   const std::string_view source = nextWord(line);
   return Mount{.id = id,
                .device = *device,
-               .root = unescaped(root),
-               .mountPoint = unescaped(mountPoint),
+               .root = withoutKernelEscapes(root),
+               .mountPoint = withoutKernelEscapes(mountPoint),
                .isWritable = isWritable && !hasOption(nextWord(line), "ro"),
-               .fileSystem = unescaped(fileSystem),
-               .source = unescaped(source)};
+               .fileSystem = withoutKernelEscapes(fileSystem),
+               .source = withoutKernelEscapes(source)};
 }
 
 }  // namespace
