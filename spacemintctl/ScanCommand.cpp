@@ -115,4 +115,18 @@ int runScan(const ScanOptions& options) {
   return answered && saved ? done : failed;
 }
 
+std::optional<Snapshot> measuredScan(const ScanOptions& options) {
+  const Date start = currentTime();
+  const ScanPlan plan{.fullScanDate = start};
+  auto result = measure(options.path, options, {});
+  if (!result) return std::nullopt;
+  return FinishedScan{.result = std::move(*result),
+                      .plan = plan,
+                      .minNodeSize = options.minSize,
+                      .start = start,
+                      .end = currentTime(),
+                      .volume = VolumeStatus::current(options.path)}
+      .snapshot();
+}
+
 }  // namespace spacemint::ctl

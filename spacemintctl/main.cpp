@@ -2,6 +2,7 @@
 #include "spacemintctl/BrowseCommands.h"
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/ExplainCommand.h"
 #include "spacemintctl/HistoryCommand.h"
 #include "spacemintctl/ScanCommand.h"
 #include "spacemintctl/SectionCommands.h"
@@ -59,6 +60,15 @@ void addStatus(CLI::App& app, Action& action) {
   status->add_flag("--json", json, "Print one JSON object");
   status->add_flag("--verbose", verbose, "Also show if the next scan is a full one, and why");
   status->callback([&] { action = [] { return runStatus(json, verbose); }; });
+}
+
+void addExplain(CLI::App& app, Action& action) {
+  static ExplainOptions options;
+  CLI::App* explain = app.add_subcommand("explain", "Show where all the space of a volume is, as a sum");
+  explain->add_option("PATH", options.path, "Any path on the volume; your home folder by default");
+  explain->add_flag("--fresh", options.fresh, "Measure the volume now, in place of the newest stored scan");
+  explain->add_flag("--json", options.json, "Print one JSON object");
+  explain->callback([&] { action = [] { return runExplain(options); }; });
 }
 
 void addWatch(CLI::App& app, Action& action) {
@@ -251,6 +261,7 @@ int run(int argc, char** argv) {
   addSections(app, action);
   addCleaning(app, action);
   addStatus(app, action);
+  addExplain(app, action);
   addSettings(app, action);
   addUsage(app, action);
   try {
