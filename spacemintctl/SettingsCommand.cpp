@@ -26,11 +26,20 @@ Json valueOf(const DefaultsStore& store, const SettingDescription& setting) {
   if (std::holds_alternative<bool>(setting.registeredDefault)) return json(store.boolean(setting.key));
   if (std::holds_alternative<std::int64_t>(setting.registeredDefault))
     return json(store.integer(setting.key));
+  if (std::holds_alternative<NoPaths>(setting.registeredDefault)) return json(store.strings(setting.key));
   return json(store.string(setting.key));
+}
+
+// As `parseSetting` reads it.
+std::string joined(const std::vector<std::string>& paths) {
+  std::string text;
+  for (const std::string& path : paths) text += (text.empty() ? "" : ",") + path;
+  return text;
 }
 
 std::string textOf(const Json& value) {
   if (value.is_null()) return "not usable";
+  if (value.is_array()) return printable(joined(value.get<std::vector<std::string>>()));
   return printable(value.is_string() ? value.get<std::string>() : value.dump());
 }
 

@@ -9,6 +9,7 @@
 #include "core/base/Bytes.h"
 #include "core/base/Error.h"
 #include "core/host/TrashCan.h"
+#include "core/host/VolumeTable.h"
 #include "core/volume/VolumeStatus.h"
 
 #include <expected>
@@ -16,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QWindow;
 
@@ -50,7 +52,7 @@ class LoginItem {
   virtual std::expected<void, Error> disable() = 0;
 };
 
-/// The volume whose free space is watched: the volume of the home folder. Any thread.
+/// The volume of the home folder, whose free space is shown, and the others that are watched. Any thread.
 class StartupVolume {
  public:
   StartupVolume() = default;
@@ -64,6 +66,9 @@ class StartupVolume {
   /// Whether `status` may block for long, as on a network file system. Then do not call it on the main
   /// thread.
   virtual bool mayHang() = 0;
+
+  /// All volumes that hold files, the home folder's first. Blocks for up to a second.
+  virtual std::vector<VolumeReading> all() = 0;
 };
 
 /// Opens files, web pages and settings in other programs of the desktop. Main thread only.

@@ -40,8 +40,8 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     // Another process may have changed a setting meanwhile.
     prefs_.refresh();
     Q_EMIT statusChanged();
-    warnings_.evaluate();
   });
+  connect(&volume_, &VolumeWatch::volumesWereRead, &warnings_, &SpaceWarnings::evaluate);
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
 }
 

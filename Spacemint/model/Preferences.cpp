@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace spacemint {
@@ -48,13 +49,15 @@ Preferences::Values Preferences::load(const DefaultsStore& defaults) {
           .scanIntervalHours = defaults.integer(key(Setting::scanIntervalHours)).value_or(0),
           .showFreeSpaceInMenuBar = defaults.boolean(key(Setting::showFreeSpaceInMenuBar)).value_or(false),
           .presence = appPresence(defaults.string(key(Setting::presence)).value_or("")),
-          .hasStarted = defaults.boolean(key(Setting::hasStarted)).value_or(false)};
+          .hasStarted = defaults.boolean(key(Setting::hasStarted)).value_or(false),
+          .unwatchedVolumes =
+              defaults.strings(key(Setting::unwatchedVolumes)).value_or(std::vector<std::string>{})};
 }
 
 template <typename Value>
 void Preferences::write(Setting setting, Value& held, Value value, const DefaultsValue& stored) {
   const bool changes = held != value;
-  held = value;
+  held = std::move(value);
   const auto written = defaults_.set(describe(setting).key, stored);
   lastWriteError_ = written ? std::nullopt : std::optional<Error>{written.error()};
   if (!written) log(LogLevel::info, "a setting could not be stored: " + written.error().message);
@@ -85,6 +88,11 @@ void Preferences::setHasStarted(bool hasStarted) {
   write(Setting::hasStarted, values_.hasStarted, hasStarted, hasStarted);
 }
 
+void Preferences::setUnwatchedVolumes(std::vector<std::string> mountPoints) {
+  const DefaultsArray stored(mountPoints.begin(), mountPoints.end());
+  write(Setting::unwatchedVolumes, values_.unwatchedVolumes, std::move(mountPoints), stored);
+}
+
 Preferences::Subscription Preferences::observe(std::span<const Setting> settings, Callback callback) {
   const std::uint64_t number = ++observers_->lastNumber;
   observers_->all.emplace(
@@ -109,6 +117,7 @@ void Preferences::refresh() {
   tell(Setting::showFreeSpaceInMenuBar, old.showFreeSpaceInMenuBar != now.showFreeSpaceInMenuBar);
   tell(Setting::presence, old.presence != now.presence);
   tell(Setting::hasStarted, old.hasStarted != now.hasStarted);
+  tell(Setting::unwatchedVolumes, old.unwatchedVolumes != now.unwatchedVolumes);
 }
 
 Preferences::Subscription::Subscription(std::weak_ptr<Observers> observers, std::uint64_t number)

@@ -9,6 +9,8 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace spacemint {
 
@@ -24,9 +26,12 @@ class Preferences {
   class Subscription;
 
   /// The settings whose change the application follows at once, in the window, the status item and the scans.
-  static constexpr std::array<Setting, 5> followedAtOnce{
-      Setting::showFreeSpaceInMenuBar, Setting::warningThresholdGB, Setting::scanIntervalHours,
-      Setting::scope, Setting::presence};
+  static constexpr std::array<Setting, 6> followedAtOnce{Setting::showFreeSpaceInMenuBar,
+                                                         Setting::warningThresholdGB,
+                                                         Setting::scanIntervalHours,
+                                                         Setting::scope,
+                                                         Setting::presence,
+                                                         Setting::unwatchedVolumes};
 
   /// Registers the defaults of all settings with the store and loads every value. The store outlives this.
   explicit Preferences(DefaultsStore& defaults);
@@ -42,6 +47,8 @@ class Preferences {
   AppPresence presence() const { return values_.presence; }
   /// Whether the user has begun; until then no scan runs by itself.
   bool hasStarted() const { return values_.hasStarted; }
+  /// The mount points of volumes whose space the user does not want to be warned about.
+  const std::vector<std::string>& unwatchedVolumes() const { return values_.unwatchedVolumes; }
 
   /// Setters always store the value, and notify the setting's observers only when the value differs. If
   /// storing fails, the new value is kept in memory and `lastWriteError` is set.
@@ -51,6 +58,7 @@ class Preferences {
   void setShowFreeSpaceInMenuBar(bool shows);
   void setPresence(AppPresence presence);
   void setHasStarted(bool hasStarted);
+  void setUnwatchedVolumes(std::vector<std::string> mountPoints);
 
   /// Calls back after each change of one of `settings`.
   [[nodiscard]] Subscription observe(std::span<const Setting> settings, Callback callback);
@@ -70,6 +78,7 @@ class Preferences {
     bool showFreeSpaceInMenuBar = false;
     AppPresence presence = AppPresence::menuBar;
     bool hasStarted = false;
+    std::vector<std::string> unwatchedVolumes;
   };
   struct Observers;
 

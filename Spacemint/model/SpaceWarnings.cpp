@@ -5,6 +5,8 @@
 #include "core/base/Log.h"
 #include "core/tree/Paths.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace spacemint {
@@ -15,30 +17,84 @@ bool isRecent(Date warned, Date now) {
   return warned <= now && now - warned < WarningState::minimumGap;
 }
 
+// Some file systems invent the number of files that fit.
+bool countsFiles(const VolumeReading& reading) {
+  return reading.space->files && !reading.volume.fileSystem.starts_with("fuse");
+}
+
+std::string titleOf(const Supply& supply) {
+  const bool isCritical = supply.level() == SpaceLevel::critical;
+  if (supply.resource == Resource::files) {
+    return (isCritical ? "Almost no room for more files on " : "Room for files is running low on ") +
+           isolatedName(supply.name);
+  }
+  if (supply.isHome()) return isCritical ? "Your disk is almost full" : "Disk space is running low";
+  return isCritical ? isolatedName(supply.name) + " is almost full"
+                    : "Disk space is running low on " + isolatedName(supply.name);
+}
+
+std::string sentence(const Supply& supply, const std::string& locale) {
+  const std::string name = isolatedName(supply.name);
+  if (supply.resource == Resource::space) {
+    return "Only " + ByteFormat::string(supply.free, locale) + " left on " + name + ".";
+  }
+  return "Only " + counted(supply.free, "more file", locale) + " can be stored on " + name +
+         ", even if it has free space.";
+}
+
 }  // namespace
 
 WarningState::Next WarningState::after(const std::optional<Warning>& last, const Reading& reading) {
-  const SpaceLevel level = spaceLevel(reading.free, reading.thresholdGB);
+  const SpaceLevel level = reading.limits.levelOf(reading.free);
   if (level == SpaceLevel::ok) {
-    const bool isRearmed = reading.free - warningThreshold(reading.thresholdGB) > rearmMargin;
-    return {.last = isRearmed ? std::nullopt : last};
+    return {.last = reading.free > reading.limits.rearmsAbove ? std::nullopt : last};
   }
   const bool isWorse = last && level > last->level;
   if (last && !isWorse && isRecent(last->date, reading.now)) return {.last = last};
   return {.last = Warning{.date = reading.now, .level = level}, .warns = true};
 }
 
-Notification WarningText::warning(const Arguments& arguments) {
-  const bool isCritical = arguments.level == SpaceLevel::critical;
-  std::string body = "Only " + ByteFormat::string(arguments.volume.free, arguments.locale) + " left on " +
-                     isolatedName(arguments.volume.name) + ".";
-  if (!arguments.growth.empty()) {
-    const Growth& first = arguments.growth.front();
-    body += " " + isolatedPath(Paths::display(first.path, arguments.home)) + " grew by " +
-            ByteFormat::string(first.delta, arguments.locale) + " recently.";
+bool mayWarnAbout(const VolumeReading& reading) {
+  return reading.space && reading.volume.canFillUp() && reading.space->total >= gigabyte;
+}
+
+std::vector<Supply> suppliesOf(const std::vector<VolumeReading>& volumes, std::int64_t thresholdGB,
+                               const std::vector<std::string>& unwatched) {
+  std::vector<Supply> supplies;
+  for (const VolumeReading& reading : volumes) {
+    const Volume& volume = reading.volume;
+    if (!mayWarnAbout(reading) || std::ranges::count(unwatched, volume.mountPoint()) > 0) continue;
+    const Space& space = *reading.space;
+    Supply supply{.pool = volume.holdsHome ? 0 : volume.pool, .name = volume.name, .free = space.free};
+    if (!volume.holdsHome) {
+      supply.limits = volumeLimits(saturatingAdd(space.used, space.free), thresholdGB);
+      supplies.push_back(supply);
+    }
+    if (!countsFiles(reading)) continue;
+    supply.resource = Resource::files;
+    supply.free = space.files->free;
+    supply.limits = fileLimits(space.files->total);
+    supplies.push_back(supply);
   }
-  return {.title = isCritical ? "Your disk is almost full" : "Disk space is running low",
-          .body = body + " Click to see what's using space.",
+  return supplies;
+}
+
+Notification WarningText::warning(const Arguments& arguments) {
+  const auto& supplies = arguments.supplies;
+  const bool isCritical = std::ranges::any_of(
+      supplies, [](const Supply& supply) { return supply.level() == SpaceLevel::critical; });
+  std::string body;
+  for (const Supply& supply : supplies) body += sentence(supply, arguments.locale) + " ";
+  const bool isAboutHome = std::ranges::any_of(supplies, &Supply::isHome);
+  if (isAboutHome && !arguments.growth.empty()) {
+    const Growth& first = arguments.growth.front();
+    body += isolatedPath(Paths::display(first.path, arguments.home)) + " grew by " +
+            ByteFormat::string(first.delta, arguments.locale) + " recently. ";
+  }
+  return {.title = supplies.size() == 1 ? titleOf(supplies.front())
+                   : isCritical         ? "Your disks are almost full"
+                                        : "Disk space is running low",
+          .body = body + "Click to see what's using space.",
           .isCritical = isCritical,
           .hasSound = true};
 }
@@ -61,43 +117,67 @@ SpaceLevel SpaceWarnings::level() const {
   return spaceLevel(volume->free, parts_.preferences.warningThresholdGB());
 }
 
+std::vector<Supply> SpaceWarnings::supplies() const {
+  const std::int64_t threshold = parts_.preferences.warningThresholdGB();
+  std::vector<Supply> supplies;
+  if (const auto& home = parts_.volume.status()) {
+    supplies.push_back({.name = home->name, .free = home->free, .limits = homeLimits(threshold)});
+  }
+  auto others = suppliesOf(parts_.volume.volumes(), threshold, parts_.preferences.unwatchedVolumes());
+  std::ranges::move(others, std::back_inserter(supplies));
+  return supplies;
+}
+
+std::optional<Warning> SpaceWarnings::lastOf(const Key& key) const {
+  const auto found = lastWarnings_.find(key);
+  return found != lastWarnings_.end() ? std::optional{found->second} : std::nullopt;
+}
+
 void SpaceWarnings::evaluate() {
-  const auto& volume = parts_.volume.status();
-  if (!volume) return;
-  const auto next = WarningState::after(lastWarning_, {.free = volume->free,
-                                                       .thresholdGB = parts_.preferences.warningThresholdGB(),
-                                                       .now = desktop_.clock.now()});
-  if (!next.warns) {
+  Warnings held;
+  Warnings due;
+  std::vector<Supply> low;
+  for (Supply& supply : supplies()) {
+    const Key key{supply.pool, supply.resource};
+    const auto last = lastOf(key);
+    const auto next = WarningState::after(
+        last, {.free = supply.free, .limits = supply.limits, .now = desktop_.clock.now()});
+    if (const auto& kept = next.warns ? last : next.last) held.emplace(key, *kept);
+    if (!next.warns) continue;
+    due.emplace(key, *next.last);
+    low.push_back(std::move(supply));
+  }
+  // The states of volumes that are gone go, too.
+  lastWarnings_ = std::move(held);
+  if (due.empty()) {
     if (level() != SpaceLevel::ok)
       log(LogLevel::debug, "low space: the user was warned less than 12 hours ago");
-    lastWarning_ = next.last;
     isDue_ = false;
     return;
   }
   if (attempt_ != Attempt::none) return;
   const bool isFirstAttempt = !std::exchange(isDue_, true);
-  warn(*next.last);
+  warn(low, due);
   const bool mayScan = parts_.preferences.hasStarted() && parts_.history.isLoaded();
   if (isFirstAttempt && mayScan && parts_.scans.isStale(staleAfter)) parts_.scans.scan();
 }
 
-void SpaceWarnings::warn(const Warning& warning) {
-  if (!context_.mayNotify) return finish(warning, true);
+void SpaceWarnings::warn(const std::vector<Supply>& supplies, const Warnings& warnings) {
+  if (!context_.mayNotify) return finish(warnings, true);
   attempt_ = Attempt::running;
-  desktop_.notifier.show(WarningText::warning({.volume = *parts_.volume.status(),
-                                               .level = warning.level,
+  desktop_.notifier.show(WarningText::warning({.supplies = supplies,
                                                .growth = parts_.findings.findings().growth,
                                                .home = context_.home,
                                                .locale = context_.locale}),
-                         this, [this, warning](bool isAccepted) { finish(warning, isAccepted); });
+                         this, [this, warnings](bool isAccepted) { finish(warnings, isAccepted); });
 }
 
-void SpaceWarnings::finish(const Warning& warning, bool isAccepted) {
+void SpaceWarnings::finish(const Warnings& warnings, bool isAccepted) {
   log(LogLevel::info, !context_.mayNotify ? "low space: this program does not notify"
                       : isAccepted        ? "low space: the user was warned"
                                    : "low space: no notification service accepted the warning; it waits");
   if (isAccepted) {
-    lastWarning_ = warning;
+    for (const auto& [key, warning] : warnings) lastWarnings_.insert_or_assign(key, warning);
     isDue_ = false;
     attempt_ = Attempt::none;
     return;

@@ -8,6 +8,9 @@
 
 #include <QObject>
 
+#include <compare>
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,16 +29,13 @@ struct Warning {
 /// Decides which readings of the free space are worth a warning. Pure.
 namespace WarningState {
 
-/// After a warning, free space must exceed the threshold by this much before the next fall below the
-/// threshold warns at once.
-inline constexpr Bytes rearmMargin = 2 * gigabyte;
 /// A warning of the same or a lower level is repeated after this time.
 inline constexpr std::chrono::hours minimumGap{12};
 
 struct Reading {
-  Bytes free = 0;
-  /// Any number; used as `warningThreshold` does.
-  std::int64_t thresholdGB = 0;
+  /// Bytes of space, or the number of files that still fit.
+  std::int64_t free = 0;
+  SpaceLimits limits;
   Date now;
 };
 
@@ -47,23 +47,51 @@ struct Next {
   bool operator==(const Next&) const = default;
 };
 
-/// What follows from a reading of the volume. A last warning that is dated after `Reading::now` (the clock
+/// What follows from a reading. A last warning that is dated after `Reading::now` (the clock
 /// was set back) counts as given at an unknown time: it does not hold back the next one.
 Next after(const std::optional<Warning>& last, const Reading& reading);
 
 }  // namespace WarningState
 
+/// What can run out on a volume.
+enum class Resource : std::uint8_t { space, files };
+
+/// Something that can run out, and how much of it is left.
+struct Supply {
+  /// The number of the volume; 0 for the one with the home folder.
+  std::uint64_t pool = 0;
+  Resource resource = Resource::space;
+  /// The name of the volume.
+  std::string name;
+  /// Bytes, or the number of files that still fit.
+  std::int64_t free = 0;
+  SpaceLimits limits;
+
+  SpaceLevel level() const { return limits.levelOf(free); }
+  bool isHome() const { return pool == 0; }
+};
+
+/// The supplies of other volumes than the home folder's, and the home volume's files. Leaves out volumes that
+/// cannot fill up, that are smaller than 1 GB, or that the user does not want to be warned about (by mount
+/// point). Pure.
+std::vector<Supply> suppliesOf(const std::vector<VolumeReading>& volumes, std::int64_t thresholdGB,
+                               const std::vector<std::string>& unwatched);
+
+/// The volumes that warnings may be about, besides the home folder's.
+bool mayWarnAbout(const VolumeReading& reading);
+
 /// The texts of the notifications.
 namespace WarningText {
 
 struct Arguments {
-  const VolumeStatus& volume;
-  SpaceLevel level = SpaceLevel::low;
+  /// What to warn about; not empty.
+  const std::vector<Supply>& supplies;
   const std::vector<Growth>& growth;
   std::string_view home;
   const std::string& locale;
 };
 
+/// One message for all supplies.
 Notification warning(const Arguments& arguments);
 
 /// Shows the user that notifications arrive.
@@ -71,7 +99,8 @@ Notification test(std::int64_t thresholdGB);
 
 }  // namespace WarningText
 
-/// Warns the user when space runs low, and knows whether the desktop shows notifications. Main thread only.
+/// Warns the user when space or the number of files runs low on a volume, and knows whether the desktop shows
+/// notifications. Main thread only.
 ///
 /// A warning counts as given only when a notification service has accepted it. Until then it is tried again
 /// when a service appears, and every `retryAfter`.
@@ -94,10 +123,11 @@ class SpaceWarnings : public QObject {
   /// Unless `AppContext::mayNotify`, no notification is shown and no permission is requested.
   SpaceWarnings(const Parts& parts, const AppContext& context, const Desktop& desktop);
 
+  /// Of the space of the volume with the home folder.
   SpaceLevel level() const;
   bool notificationsAllowed() const { return notificationsAllowed_; }
 
-  /// Decides by the last reading of the volume whether to warn now. Call it after every reading.
+  /// Decides by the last readings of the volumes whether to warn now. Call it after every reading.
   void evaluate();
   void sendTestNotification();
   void requestAuthorization();
@@ -110,16 +140,27 @@ class SpaceWarnings : public QObject {
   /// What became of the warning that is due.
   enum class Attempt : std::uint8_t { none, running, refused };
 
-  void warn(const Warning& warning);
-  void finish(const Warning& warning, bool isAccepted);
+  /// Each supply has a state of its own.
+  struct Key {
+    std::uint64_t pool = 0;
+    Resource resource = Resource::space;
+
+    auto operator<=>(const Key&) const = default;
+  };
+  using Warnings = std::map<Key, Warning>;
+
+  std::vector<Supply> supplies() const;
+  std::optional<Warning> lastOf(const Key& key) const;
+  void warn(const std::vector<Supply>& supplies, const Warnings& warnings);
+  void finish(const Warnings& warnings, bool isAccepted);
   void tryAgain();
 
   Parts parts_;
   const AppContext& context_;
   Desktop desktop_;
   bool notificationsAllowed_ = true;
-  /// The last warning that a notification service accepted.
-  std::optional<Warning> lastWarning_;
+  /// The last warnings that a notification service accepted.
+  Warnings lastWarnings_;
   Attempt attempt_ = Attempt::none;
   /// True from the first attempt to give a warning until it is given or no longer due.
   bool isDue_ = false;

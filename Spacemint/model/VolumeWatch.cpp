@@ -23,11 +23,25 @@ void VolumeWatch::read(QObject* context, std::function<void(std::optional<Volume
 }
 
 void VolumeWatch::take(const std::optional<VolumeStatus>& reading) {
-  if (!reading) return log(LogLevel::info, "the free space of the volume could not be read");
-  const bool isOther = status_ != reading;
-  status_ = reading;
-  if (isOther) Q_EMIT changed();
-  Q_EMIT wasRead();
+  if (reading) {
+    const bool isOther = status_ != reading;
+    status_ = reading;
+    if (isOther) Q_EMIT changed();
+    Q_EMIT wasRead();
+  } else {
+    log(LogLevel::info, "the free space of the volume could not be read");
+  }
+  readAll();
+}
+
+// On another thread, because a volume that hangs is waited for.
+void VolumeWatch::readAll() {
+  desktop_.tasks.run(
+      Tasks::Priority::utility, this, [&volume = desktop_.volume] { return volume.all(); },
+      [this](std::vector<VolumeReading> readings) {
+        volumes_ = std::move(readings);
+        Q_EMIT volumesWereRead();
+      });
 }
 
 }  // namespace spacemint

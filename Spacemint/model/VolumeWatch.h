@@ -6,10 +6,11 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace spacemint {
 
-/// The last reading of the volume whose free space is watched. Main thread only.
+/// The last readings of the home folder's volume and of all volumes. Main thread only.
 class VolumeWatch : public QObject {
   Q_OBJECT
  public:
@@ -21,9 +22,12 @@ class VolumeWatch : public QObject {
   /// Absent until the volume was read.
   const std::optional<VolumeStatus>& status() const { return status_; }
 
-  /// Reads the volume now and then every `timing`.
+  /// All volumes as last read, the home folder's first; empty until they were read.
+  const std::vector<VolumeReading>& volumes() const { return volumes_; }
+
+  /// Reads the volumes now and then every `timing`.
   void start();
-  /// Reads the volume now; `status` changes when the reading is done.
+  /// Reads the volumes now; `status` and then `volumes` change when the readings are done.
   void refresh();
   /// Reads the volume without a change of `status`, and calls `then` with the reading, perhaps at once,
   /// unless `context` was destroyed before. The reading is absent when the volume cannot be read.
@@ -34,12 +38,16 @@ class VolumeWatch : public QObject {
   void changed();
   /// After every reading, also where the value is the same.
   void wasRead();
+  /// All volumes were read; comes after `wasRead`.
+  void volumesWereRead();
 
  private:
   void take(const std::optional<VolumeStatus>& reading);
+  void readAll();
 
   Desktop desktop_;
   std::optional<VolumeStatus> status_;
+  std::vector<VolumeReading> volumes_;
 };
 
 }  // namespace spacemint

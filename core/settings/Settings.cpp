@@ -1,5 +1,7 @@
 #include "core/settings/Settings.h"
 
+#include "core/base/AsciiText.h"
+
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -28,6 +30,7 @@ constexpr std::array<SwitchWord, 6> switchWords{
 DefaultsValue stored(const SettingConstant& constant) {
   if (const auto* text = std::get_if<std::string_view>(&constant)) return std::string{*text};
   if (const auto* number = std::get_if<std::int64_t>(&constant)) return *number;
+  if (std::holds_alternative<NoPaths>(constant)) return DefaultsArray{};
   return std::get<bool>(constant);
 }
 
@@ -49,6 +52,9 @@ std::string choiceText(const SettingChoice& choice) {
 std::string possibleValues(const SettingDescription& setting) {
   if (std::holds_alternative<bool>(setting.registeredDefault)) {
     return listOf(switchWords, [](const SwitchWord& known) { return known.word; });
+  }
+  if (std::holds_alternative<NoPaths>(setting.registeredDefault)) {
+    return "absolute paths, separated by commas, or nothing";
   }
   const std::string choices = listOf(setting.choices, choiceText);
   if (std::holds_alternative<std::string_view>(setting.registeredDefault)) return choices;
@@ -78,9 +84,19 @@ std::optional<DefaultsValue> parseChoice(const SettingDescription& setting, std:
   return stored(known->value);
 }
 
+std::optional<DefaultsValue> parsePaths(std::string_view text) {
+  DefaultsArray paths;
+  for (const std::string_view path : pieces(text, ',')) {
+    if (!path.starts_with('/')) return std::nullopt;
+    paths.emplace_back(std::string{path});
+  }
+  return paths;
+}
+
 std::optional<DefaultsValue> parse(const SettingDescription& setting, std::string_view text) {
   if (std::holds_alternative<std::int64_t>(setting.registeredDefault)) return parseNumber(setting, text);
   if (std::holds_alternative<bool>(setting.registeredDefault)) return parseSwitch(text);
+  if (std::holds_alternative<NoPaths>(setting.registeredDefault)) return parsePaths(text);
   return parseChoice(setting, text);
 }
 

@@ -28,11 +28,17 @@ enum class Setting : std::uint8_t {
   scanIntervalHours,
   showFreeSpaceInMenuBar,
   presence,
-  hasStarted
+  hasStarted,
+  unwatchedVolumes
+};
+
+/// An empty list of absolute paths.
+struct NoPaths {
+  bool operator==(const NoPaths&) const = default;
 };
 
 /// The constant value of a setting. Enumerations are stored as text: their raw value.
-using SettingConstant = std::variant<std::int64_t, bool, std::string_view>;
+using SettingConstant = std::variant<std::int64_t, bool, std::string_view, NoPaths>;
 
 /// A value that the settings page offers, and its label.
 struct SettingChoice {
@@ -48,7 +54,7 @@ struct SettingDescription {
   std::string_view key;
   /// The value while nothing is stored. Its type is the type of the setting.
   SettingConstant registeredDefault;
-  /// All values of an enumeration, suggestions for a number, empty for a switch.
+  /// All values of an enumeration, suggestions for a number, empty for a switch and for paths.
   std::span<const SettingChoice> choices;
   /// The smallest and the largest number that users may enter.
   std::int64_t minimum = 0;
@@ -79,7 +85,7 @@ inline constexpr std::array<SettingChoice, 2> presenceChoices{
 
 /// Every setting, in the order of `Setting`. The maximum of the scan interval is the largest number of hours
 /// whose microseconds fit 64 bits.
-inline constexpr std::array<SettingDescription, 6> settings{{
+inline constexpr std::array<SettingDescription, 7> settings{{
     {.setting = Setting::warningThresholdGB,
      .key = "warningThresholdGB",
      .registeredDefault = 20,
@@ -99,6 +105,7 @@ inline constexpr std::array<SettingDescription, 6> settings{{
      .registeredDefault = "menuBar",
      .choices = presenceChoices},
     {.setting = Setting::hasStarted, .key = "hasStarted", .registeredDefault = false},
+    {.setting = Setting::unwatchedVolumes, .key = "unwatchedVolumes", .registeredDefault = NoPaths{}},
 }};
 
 constexpr const SettingDescription& describe(Setting setting) {
@@ -135,7 +142,8 @@ inline constexpr std::string_view settingErrorDomain = "settings";
 
 /// Parses `text` as a value of the setting `key`. A number may be any from the setting's minimum to its
 /// maximum, also one that is not among the choices; a switch accepts true, yes, on, false, no, off; an
-/// enumeration accepts its raw values.
+/// enumeration accepts its raw values; a list of paths accepts absolute paths separated by commas, or
+/// nothing.
 std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::string_view text);
 
 }  // namespace spacemint

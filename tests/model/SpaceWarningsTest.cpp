@@ -33,7 +33,7 @@ TEST(WarningState, followsTheTable) {
                      {warned(low), 22 * GB, -1min, low, false}};
   for (const Case& c : cases) {
     const auto next =
-        WarningState::after(c.last, {.free = c.free, .thresholdGB = 20, .now = morning + c.later});
+        WarningState::after(c.last, {.free = c.free, .limits = homeLimits(20), .now = morning + c.later});
     EXPECT_EQ(next.warns, c.warns) << c.free;
     EXPECT_EQ(next.last.has_value(), c.held.has_value()) << c.free;
     if (next.last && c.held) {
@@ -45,17 +45,108 @@ TEST(WarningState, followsTheTable) {
 
 TEST(WarningState, countsWithAnyThresholdOfASettingsFile) {
   constexpr auto largest = std::numeric_limits<std::int64_t>::max();
-  EXPECT_FALSE(WarningState::after({}, {.free = 0, .thresholdGB = 0, .now = morning}).warns);
-  EXPECT_FALSE(WarningState::after({}, {.free = 0, .thresholdGB = -largest, .now = morning}).warns);
-  EXPECT_TRUE(WarningState::after({}, {.free = GB, .thresholdGB = largest, .now = morning}).warns);
+  EXPECT_FALSE(WarningState::after({}, {.free = 0, .limits = homeLimits(0), .now = morning}).warns);
+  EXPECT_FALSE(WarningState::after({}, {.free = 0, .limits = homeLimits(-largest), .now = morning}).warns);
+  EXPECT_TRUE(WarningState::after({}, {.free = GB, .limits = homeLimits(largest), .now = morning}).warns);
   // Times a gigabyte this number is a little more than 2^64.
   EXPECT_EQ(spaceLevel(GB, 18'446'744'074), SpaceLevel::critical) << "what the terminal says";
-  EXPECT_EQ(WarningState::after({}, {.free = GB, .thresholdGB = 18'446'744'074, .now = morning}).last->level,
-            SpaceLevel::critical)
+  EXPECT_EQ(
+      WarningState::after({}, {.free = GB, .limits = homeLimits(18'446'744'074), .now = morning}).last->level,
+      SpaceLevel::critical)
       << "what the application says";
 }
 
-class SpaceWarningsTest : public ModelFixture {};
+// A volume of its own with 100 GB, of which `free` are free.
+VolumeReading volumeOf(std::uint64_t pool, const std::string& name, Bytes free) {
+  return {.volume = {.pool = pool,
+                     .name = name,
+                     .fileSystem = "ext4",
+                     .places = {{.mountPoint = "/" + name}},
+                     .isWritable = true},
+          .space = Space{.total = 100 * GB, .used = 100 * GB - free, .free = free}};
+}
+
+TEST(Supplies, areOfVolumesThatCanFillUp) {
+  std::vector<VolumeReading> volumes;
+  const auto add = [&](const std::string& name, auto change) {
+    volumes.push_back(volumeOf(volumes.size() + 1, name, 50 * GB));
+    change(volumes.back());
+  };
+  add("home", [](VolumeReading& v) {
+    v.volume.holdsHome = true;
+    v.space->files = {.total = 1'000, .free = 30};
+  });
+  add("data", [](VolumeReading& v) { v.space->files = {.total = 1'000, .free = 9}; });
+  add("unwatched", [](VolumeReading&) {});
+  add("stick", [](VolumeReading& v) { v.volume.isRemovable = true; });
+  add("dvd", [](VolumeReading& v) { v.volume.isWritable = false; });
+  add("boot", [](VolumeReading& v) { v.space->total = GB - 1; });
+  add("silent", [](VolumeReading& v) { v.space.reset(); });
+  add("windows", [](VolumeReading& v) {
+    v.volume.fileSystem = "fuseblk";
+    v.space->files = {.total = 1'000, .free = 0};
+  });
+  std::string found;
+  for (const Supply& supply : suppliesOf(volumes, 20, {"/unwatched"})) {
+    found += supply.name + (supply.resource == Resource::files ? " files " : " space ") +
+             std::to_string(std::to_underlying(supply.level())) + "\n";
+  }
+  EXPECT_EQ(found, "home files 1\ndata space 0\ndata files 2\nwindows space 0\n");
+}
+
+TEST(Supplies, ofSmallVolumesAreLowAtATenth) {
+  for (const auto& [usable, low] : {std::pair{4 * GB, 400 * MB * 1'000 / 1'024},
+                                    {128 * GB, 12'800'000'000},
+                                    {200 * GB, 20 * GB},
+                                    {4'000 * GB, 20 * GB},
+                                    {Bytes{0}, Bytes{0}},
+                                    {-GB, Bytes{0}}}) {
+    const SpaceLimits limits = volumeLimits(usable, 20);
+    EXPECT_EQ(limits.lowBelow, low) << usable;
+    EXPECT_EQ(limits.criticalBelow, low / 2) << usable;
+    EXPECT_EQ(limits.rearmsAbove, low + std::min(2 * GB, low / 10)) << usable;
+  }
+}
+
+class SpaceWarningsTest : public ModelFixture {
+ protected:
+  // The title of the only notification since the last call; "none" without one.
+  std::string notified() {
+    auto posted = std::exchange(desktop.notifier.posted, {});
+    return posted.empty()      ? "none"
+           : posted.size() > 1 ? "several"
+                               : posted.front().title + ": " + posted.front().body;
+  }
+};
+
+TEST_F(SpaceWarningsTest, keepsAStateForEachVolumeAndSaysItInOneMessage) {
+  auto& volumes = desktop.volume.others;
+  volumes = {volumeOf(1, "backup", 50 * GB), volumeOf(2, "data", 50 * GB)};
+  startModel();
+  EXPECT_EQ(notified(), "none");
+  volumes[0].space->free = 9 * GB;
+  volumes[0].space->used = 91 * GB;
+  desktop.advance(60s);
+  EXPECT_EQ(
+      notified(),
+      "Disk space is running low on backup: Only 9 GB left on backup. Click to see what's using space.");
+  volumes[1].space->files = {.total = 1'000, .free = 1};
+  desktop.volume.current->free = 9 * GB;
+  desktop.advance(60s);
+  EXPECT_EQ(notified(),
+            "Your disks are almost full: Only 9 GB left on Disk. Only 1 more file can be stored on data, "
+            "even if it has free space. Click to see what's using space.");
+  desktop.advance(11h);
+  EXPECT_EQ(notified(), "none");
+  model->prefs().setUnwatchedVolumes({"/data"});
+  desktop.volume.current->free = 100 * GB;
+  volumes.erase(volumes.begin());
+  desktop.advance(2h);
+  EXPECT_EQ(notified(), "none");
+  volumes.push_back(volumeOf(1, "backup", 4 * GB));
+  desktop.advance(60s);
+  EXPECT_EQ(notified(), "backup is almost full: Only 4 GB left on backup. Click to see what's using space.");
+}
 
 TEST_F(SpaceWarningsTest, warnsAsSoonAsAServiceAcceptsTheWarning) {
   Preferences{defaults}.setHasStarted(true);

@@ -130,10 +130,13 @@ class FakeVolume final : public StartupVolume {
     return current;
   }
   bool mayHang() override { return hangs; }
+  std::vector<VolumeReading> all() override { return others; }
 
   std::optional<VolumeStatus> current = VolumeStatus{"Disk", 500 * 1'000'000'000LL, 100 * 1'000'000'000LL};
   bool hangs = false;
   int readings = 0;
+  /// All volumes.
+  std::vector<VolumeReading> others;
 };
 
 class FakeStatusItem final : public StatusItem {

@@ -16,6 +16,10 @@ bool HostVolume::mayHang() {
   return spacemint::mayHang(UserFolders::home());
 }
 
+std::vector<VolumeReading> HostVolume::all() {
+  return readVolumes();
+}
+
 void LauncherBadge::show(Bytes free) {
   constexpr Bytes gigabyte = 1'000'000'000;
   send(free / gigabyte, true);

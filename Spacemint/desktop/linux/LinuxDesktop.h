@@ -21,6 +21,7 @@ class HostVolume final : public StartupVolume {
  public:
   std::optional<VolumeStatus> status() override;
   bool mayHang() override;
+  std::vector<VolumeReading> all() override;
 };
 
 /// The badge by the D-Bus signal com.canonical.Unity.LauncherEntry, which several docks and task bars read.
