@@ -30,7 +30,8 @@ AppContext contextOf(DefaultsStore& defaults, EventJournal& journal, const AppIn
           .locale = userLocale(),
           .timeZone = userTimeZone(),
           .mayNotify = info.identifier.has_value(),
-          .hasFullDiskAccess = Permissions::hasFullDiskAccess};
+          .hasFullDiskAccess = Permissions::hasFullDiskAccess,
+          .volumeFacts = [](const Snapshot& /*scan*/) { return readVolumeFacts(UserFolders::home()); }};
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ struct SymbolDrawing {
   std::string_view file;
 };
 
-inline constexpr std::array<SymbolDrawing, 44> symbolDrawings{{
+inline constexpr std::array<SymbolDrawing, 46> symbolDrawings{{
     {"trash", "trash-2"},
     {"arrow.down.circle", "circle-arrow-down"},
     {"shippingbox", "package"},
@@ -55,6 +55,8 @@ inline constexpr std::array<SymbolDrawing, 44> symbolDrawings{{
     {"cylinder", "cylinder"},
     {"arrow.triangle.branch", "git-branch"},
     {"checkmark", "check"},
+    {"hatch", "hatch"},
+    {"unexplained", "square-hatched"},
     {"progress", "loader-circle"},
 }};
 

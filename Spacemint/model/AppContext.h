@@ -5,8 +5,10 @@
 #include "core/host/DefaultsStore.h"
 #include "core/host/EventJournal.h"
 #include "core/places/Place.h"
+#include "core/volume/Account.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,8 @@ struct AppContext {
   bool mayNotify = false;
   /// Whether all of the user's files can be read.
   std::function<bool()> hasFullDiskAccess;
+  /// Reads the volume with the home folder for its account by a scan, as `readVolumeFacts`. Blocks; any thread.
+  std::function<std::optional<VolumeFacts>(const Snapshot& scan)> volumeFacts;
 };
 
 }  // namespace spacemint

@@ -24,6 +24,7 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
       volume_(desktop),
       history_(context_.store, desktop.tasks, desktop.clock, messages_),
       findings_(history_, desktop.tasks, context_),
+      account_(history_, desktop.tasks, desktop.clock, context_),
       scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, context_,
              desktop),
       warnings_({.volume = volume_,
@@ -101,6 +102,7 @@ void AppModel::panelWillShow() {
   cleanups_.showHiddenProgress();
   refreshTrash();
   volume_.refresh();
+  account_.refreshIfOld();
   warnings_.refreshNotificationStatus();
 }
 

@@ -2,6 +2,7 @@
 
 #include "Spacemint/model/AppContext.h"
 #include "Spacemint/model/Cleanups.h"
+#include "Spacemint/model/CurrentAccount.h"
 #include "Spacemint/model/Findings.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/SpaceWarnings.h"
@@ -41,6 +42,7 @@ class AppModel : public QObject {
   ScanHistory& history() { return history_; }
   const CurrentFindings& currentFindings() const { return findings_; }
   const Findings& findings() const { return findings_.findings(); }
+  CurrentAccount& account() { return account_; }
   ScanLifecycle& scans() { return scans_; }
   SpaceWarnings& warnings() { return warnings_; }
   DeveloperTools& dev() { return dev_; }
@@ -94,6 +96,7 @@ class AppModel : public QObject {
   VolumeWatch volume_;
   ScanHistory history_;
   CurrentFindings findings_;
+  CurrentAccount account_;
   ScanLifecycle scans_;
   SpaceWarnings warnings_;
   DeveloperTools dev_;

@@ -144,7 +144,7 @@ QVariant ItemRows::text(const ListItem& item, int role) const {
     case SubtitleRole:
       return leftToRight(onOneLine(sentence(item.subtitle)));
     case SizeTextRole:
-      return plain(item.sizeText.empty() ? ByteFormat::string(item.size, host_.locale) : item.sizeText);
+      return plain(item.sizeText ? *item.sizeText : ByteFormat::string(item.size, host_.locale));
     case SymbolRole:
       return plain(item.symbol.empty() ? Icons::symbol(Paths::lastComponent(item.path), item.isDirectory)
                                        : item.symbol);

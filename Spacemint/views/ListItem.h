@@ -20,8 +20,8 @@ struct ListItem {
   /// If empty, the last component of the path is shown.
   std::string title = {};
   std::string subtitle = {};
-  /// If empty, the size is shown.
-  std::string sizeText = {};
+  /// Shown in place of the size; an empty text hides it.
+  std::optional<std::string> sizeText = {};
   /// If empty, the symbol follows from the name.
   std::string symbol = {};
   /// The item's share of a whole, from 0 to 1.

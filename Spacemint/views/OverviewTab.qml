@@ -103,4 +103,9 @@ ScrollColumn {
             }
         }
     }
+    NotInFilesSection {
+        Layout.fillWidth: true
+        Layout.topMargin: 10
+        account: root.ui.notInFiles
+    }
 }

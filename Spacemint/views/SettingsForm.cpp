@@ -1,6 +1,7 @@
 #include "Spacemint/views/SettingsForm.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/base/Isolate.h"
 #include "core/tree/Paths.h"
 #include "core/wording/PlatformWords.h"
 
@@ -64,6 +65,8 @@ SettingsForm::SettingsForm(const UiHost& host) : host_(host) {
   subscription_ = prefs().observe(Preferences::followedAtOnce, [this](Setting) { Q_EMIT changed(); });
   connect(&host_.model.warnings(), &SpaceWarnings::notificationsAllowedChanged, this,
           &SettingsForm::notificationsAllowedChanged);
+  connect(&host_.model.volume(), &VolumeWatch::volumesWereRead, this, &SettingsForm::updateVolumes);
+  updateVolumes();
   connect(&host_.model, &AppModel::hasFullDiskAccessChanged, this, &SettingsForm::scanFootnoteChanged);
   connect(&host_.model.scans(), &ScanLifecycle::progressChanged, this, &SettingsForm::scanFootnoteChanged);
   if (host_.usage != nullptr) {
@@ -116,6 +119,39 @@ void SettingsForm::chooseScope(int index) {
 void SettingsForm::choosePresence(int index) {
   prefs().setPresence(index == static_cast<int>(AppPresence::dock) ? AppPresence::dock
                                                                    : AppPresence::menuBar);
+}
+
+void SettingsForm::updateVolumes() {
+  QStringList names;
+  std::vector<std::string> mountPoints;
+  for (const VolumeReading& reading : host_.model.volume().volumes()) {
+    if (reading.volume.holdsHome || !mayWarnAbout(reading)) continue;
+    const std::string& mountPoint = reading.volume.mountPoint();
+    names << ShownText::plain(isolatedName(reading.volume.name) + " (" + isolatedPath(mountPoint) + ")");
+    mountPoints.push_back(mountPoint);
+  }
+  if (names == volumes_ && mountPoints == mountPoints_) return;
+  volumes_ = std::move(names);
+  mountPoints_ = std::move(mountPoints);
+  Q_EMIT changed();
+  Q_EMIT volumesChanged();
+}
+
+QList<bool> SettingsForm::watched() const {
+  QList<bool> result;
+  for (const std::string& mountPoint : mountPoints_) {
+    result << (std::ranges::count(prefs().unwatchedVolumes(), mountPoint) == 0);
+  }
+  return result;
+}
+
+void SettingsForm::setWatched(int index, bool isWatched) {
+  if (index < 0 || index >= static_cast<int>(mountPoints_.size())) return;
+  const std::string& mountPoint = mountPoints_[static_cast<std::size_t>(index)];
+  auto unwatched = prefs().unwatchedVolumes();
+  std::erase(unwatched, mountPoint);
+  if (!isWatched) unwatched.push_back(mountPoint);
+  prefs().setUnwatchedVolumes(std::move(unwatched));
 }
 
 void SettingsForm::setLaunchesAtLogin(bool launches) {

@@ -51,6 +51,10 @@ class SettingsForm : public QObject {
   Q_PROPERTY(QStringList presences READ presences CONSTANT)
   Q_PROPERTY(int presence READ presence NOTIFY changed)
   Q_PROPERTY(bool showsFreeSpace READ showsFreeSpace NOTIFY changed)
+  /// The volumes besides the home folder's that the user can be warned about: name and mount point.
+  Q_PROPERTY(QStringList volumes READ volumes NOTIFY volumesChanged)
+  /// Whether the user is warned about each of `volumes`.
+  Q_PROPERTY(QList<bool> watched READ watched NOTIFY changed)
   Q_PROPERTY(bool notificationsAllowed READ notificationsAllowed NOTIFY notificationsAllowedChanged)
   Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY scanFootnoteChanged)
   Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY loginChanged)
@@ -75,6 +79,8 @@ class SettingsForm : public QObject {
   QStringList presences() const;
   int presence() const { return static_cast<int>(prefs().presence()); }
   bool showsFreeSpace() const { return prefs().showFreeSpaceInMenuBar(); }
+  const QStringList& volumes() const { return volumes_; }
+  QList<bool> watched() const;
   bool notificationsAllowed() const { return host_.model.warnings().notificationsAllowed(); }
   static QString warningFootnote();
   QString scanFootnote() const;
@@ -91,6 +97,7 @@ class SettingsForm : public QObject {
   Q_INVOKABLE void chooseScope(int index);
   Q_INVOKABLE void choosePresence(int index);
   Q_INVOKABLE void setShowsFreeSpace(bool isShown) { prefs().setShowFreeSpaceInMenuBar(isShown); }
+  Q_INVOKABLE void setWatched(int index, bool isWatched);
   Q_INVOKABLE void setLaunchesAtLogin(bool launches);
   Q_INVOKABLE void setSharesUsage(bool shares);
   Q_INVOKABLE void sendTestNotification() { host_.model.warnings().sendTestNotification(); }
@@ -100,6 +107,7 @@ class SettingsForm : public QObject {
 
  Q_SIGNALS:
   void changed();
+  void volumesChanged();
   void notificationsAllowedChanged();
   void scanFootnoteChanged();
   void loginChanged();
@@ -108,6 +116,7 @@ class SettingsForm : public QObject {
  private:
   using Choices = std::vector<SettingsText::Choice>;
 
+  void updateVolumes();
   Preferences& prefs() const { return host_.model.prefs(); }
   Choices thresholdChoices() const { return SettingsText::thresholds(prefs().warningThresholdGB()); }
   Choices intervalChoices() const { return SettingsText::intervals(prefs().scanIntervalHours()); }
@@ -116,6 +125,8 @@ class SettingsForm : public QObject {
 
   const UiHost& host_;
   Preferences::Subscription subscription_;
+  QStringList volumes_;
+  std::vector<std::string> mountPoints_;
   QString loginError_;
 };
 

@@ -59,6 +59,18 @@ Rectangle {
                         onActivated: index => root.form.chooseThreshold(index)
                     }
                 }
+                Repeater {
+                    model: root.form.volumes
+
+                    SettingsToggle {
+                        required property string modelData
+                        required property int index
+
+                        text: "Also watch " + modelData
+                        checked: root.form.watched[index] ?? true
+                        onToggled: root.form.setWatched(index, checked)
+                    }
+                }
                 SettingsRow {
                     title: "Notifications"
 

@@ -6,7 +6,7 @@ import QtQuick.Templates as T
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// A suggestion; it unfolds to its locations.
+/// A suggestion or a line of an account; it unfolds to its parts, if it has some.
 Item {
     id: root
 
@@ -19,9 +19,13 @@ Item {
     required property string buttonTitle
     required property string busyTitle
     required property bool isBusy
+    /// Null for a row without parts.
     required property ItemRows parts
 
+    /// The QML file that shows the parts.
+    property string partsView: "SuggestionParts.qml"
     property bool expanded: false
+    readonly property bool canExpand: parts && parts.count > 0
 
     Layout.fillWidth: true
     // Not in a layout, which would skip an item without a height.
@@ -34,16 +38,17 @@ Item {
         width: root.width
         height: implicitHeight
         implicitWidth: implicitContentWidth
-        hoverEnabled: true
+        hoverEnabled: root.canExpand
+        focusPolicy: root.canExpand ? Qt.StrongFocus : Qt.NoFocus
         implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
-        Accessible.role: Accessible.Button
-        Accessible.name: `${root.title}, ${root.sizeText}`
+        Accessible.role: root.canExpand ? Accessible.Button : Accessible.StaticText
+        Accessible.name: root.sizeText ? `${root.title}, ${root.sizeText}` : root.title
         Accessible.description: root.subtitle
-        Accessible.checkable: true
+        Accessible.checkable: root.canExpand
         Accessible.checked: root.expanded
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
-        onClicked: root.expanded = !root.expanded
+        onClicked: root.expanded = root.canExpand && !root.expanded
 
         background: Rectangle {
             radius: 8
@@ -97,6 +102,7 @@ Item {
                     Accessible.ignored: true
                 }
                 Symbol {
+                    opacity: root.canExpand ? 1 : 0
                     symbol: "chevron.down"
                     size: 13
                     color: header.hovered ? Theme.ink : Theme.tertiary
@@ -141,7 +147,7 @@ Item {
             id: list
 
             width: parent.width
-            view: "SuggestionParts.qml"
+            view: root.partsView
             wanted: root.expanded || unfolded.height > 0
             properties: ({
                     suggestion: root

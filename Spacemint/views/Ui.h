@@ -3,6 +3,7 @@
 #include "Spacemint/views/Developer.h"
 #include "Spacemint/views/Files.h"
 #include "Spacemint/views/Folders.h"
+#include "Spacemint/views/NotInFiles.h"
 #include "Spacemint/views/Overview.h"
 #include "Spacemint/views/Page.h"
 #include "Spacemint/views/Question.h"
@@ -28,6 +29,7 @@ class Ui : public QObject {
   Q_PROPERTY(spacemint::SettingsForm* settings READ settings CONSTANT)
   // The tabs.
   Q_PROPERTY(spacemint::Overview* overview READ overview CONSTANT)
+  Q_PROPERTY(spacemint::NotInFiles* notInFiles READ notInFiles CONSTANT)
   Q_PROPERTY(spacemint::Folders* folders READ folders CONSTANT)
   Q_PROPERTY(spacemint::Files* files READ files CONSTANT)
   Q_PROPERTY(spacemint::Developer* developer READ developer CONSTANT)
@@ -40,6 +42,7 @@ class Ui : public QObject {
   Question* confirmation() { return &confirmation_; }
   SettingsForm* settings() { return &settings_; }
   Overview* overview() { return &overview_; }
+  NotInFiles* notInFiles() { return &notInFiles_; }
   Folders* folders() { return &folders_; }
   Files* files() { return &files_; }
   Developer* developer() { return &developer_; }
@@ -55,6 +58,7 @@ class Ui : public QObject {
   Question confirmation_{host_};
   SettingsForm settings_{host_};
   Overview overview_{host_};
+  NotInFiles notInFiles_{host_};
   Folders folders_{host_};
   Files files_{host_};
   Developer developer_{host_};

@@ -74,17 +74,21 @@ TEST_F(PreferencesTest, writeEveryValueAndTellOnlyOfChanges) {
     preferences.setShowFreeSpaceInMenuBar(toDefaults);
     preferences.setPresence(toDefaults ? AppPresence::menuBar : AppPresence::dock);
     preferences.setHasStarted(!toDefaults);
+    preferences.setUnwatchedVolumes(toDefaults ? std::vector<std::string>{}
+                                               : std::vector<std::string>{"/data"});
     std::string written = text();
     std::erase_if(written, [](char c) { return c == ' ' || c == '\n'; });
     return written;
   };
   EXPECT_EQ(setAll(true), R"({"hasStarted":false,"presence":"menuBar","scanIntervalHours":6,"scope":"home",)"
-                          R"("showFreeSpaceInMenuBar":true,"warningThresholdGB":20})");
+                          R"("showFreeSpaceInMenuBar":true,"unwatchedVolumes":[],"warningThresholdGB":20})");
   EXPECT_THAT(told, IsEmpty());
-  EXPECT_EQ(setAll(false), R"({"hasStarted":true,"presence":"dock","scanIntervalHours":24,"scope":"disk",)"
-                           R"("showFreeSpaceInMenuBar":false,"warningThresholdGB":0})");
+  EXPECT_EQ(setAll(false),
+            R"({"hasStarted":true,"presence":"dock","scanIntervalHours":24,"scope":"disk",)"
+            R"("showFreeSpaceInMenuBar":false,"unwatchedVolumes":["/data"],"warningThresholdGB":0})");
   EXPECT_THAT(told, ElementsAre("warningThresholdGB", "scope", "scanIntervalHours", "showFreeSpaceInMenuBar",
-                                "presence"));
+                                "presence", "unwatchedVolumes"));
+  EXPECT_EQ(Preferences{store}.unwatchedVolumes(), std::vector<std::string>{"/data"});
 }
 
 TEST_F(PreferencesTest, anObserverHearsOfItsOwnSettingsWhileItsSubscriptionLives) {

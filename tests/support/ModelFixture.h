@@ -91,6 +91,8 @@ class ModelFixture : public testing::Test {
   std::string disk = folder.path();
   std::string locale = "en_US";
   bool hasAccess = true;
+  /// What is read of the volume for its account.
+  std::optional<VolumeFacts> volumeFacts;
   /// Whether this is an installed build, which shows notifications.
   bool isApplication = true;
   std::unique_ptr<AppModel> model;

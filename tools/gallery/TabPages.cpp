@@ -62,6 +62,24 @@ class TabScene final : public support::ModelFixture {
                nested(".cache/pip", {file("wheels", 2 * GB)}),
                nested(".local/share/Steam", {file("game", 60 * GB)})});
   }
+  // A disk that is full although its files are not large.
+  void heldSpace(bool isWholeScan) {
+    const std::string mountPoint = isWholeScan ? home : "/";
+    storeHome(morning - 1h, {file("film", 83 * GB)}, 38'800 * MB);
+    volumeFacts = VolumeFacts{
+        .volume = {.pool = 1, .name = "System", .fileSystem = "ext4", .places = {{.mountPoint = mountPoint}}},
+        .space = {.total = 129 * GB,
+                  .used = 88'800'000'000,
+                  .free = 38'800'000'000,
+                  .heldBack = 1'400'000'000},
+        .ownBytes = 0,
+        .deleted = {
+            .files = {{.size = 2'900'000'000, .pool = 1, .path = "/a", .programs = {{812, "postgres"}}},
+                      {.size = 1'200'000'000, .pool = 1, .path = "/b", .programs = {{99, "chromium"}}},
+                      {.pool = 1, .path = "/c", .programs = {{99, "chromium"}, {7, "Xwayland"}}}},
+            .programs = 300,
+            .refused = 120}};
+  }
   void smallTrash() {
     addFile(".Trash/film.mov", 700 * MB);
     storeHome(morning - 1h, {support::folder(".Trash", {file("film.mov", 700 * MB)})});
@@ -173,6 +191,11 @@ const TabPage tabPages[] = {
      "", "", nullptr, 1040},
     {"overview-cards-busy", Tab::overview, piledUp, "", "", [](TabScene& s) { s.emptyTrash(); }, 800},
     {"overview-small-trash", Tab::overview, [](TabScene& s) { s.smallTrash(); }},
+    {"overview-account", Tab::overview, [](TabScene& s) { s.heldSpace(true); }, "unfold",
+     "Deleted, but still open", nullptr, 700},
+    {"overview-account-of-home", Tab::overview, [](TabScene& s) { s.heldSpace(false); }, "", "", nullptr,
+     600},
+    {"overview-account-closed", Tab::overview, little},
     {"overview-suggestion-unfolded", Tab::overview, piledUp, "unfold", "node_modules", nullptr, 1060},
     {"overview-suggestion-pointed", Tab::overview, piledUp, "point", "Downloads", nullptr, 900},
     {"folders-root", Tab::folders, folders, "", "", nullptr, 640},

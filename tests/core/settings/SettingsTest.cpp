@@ -31,6 +31,8 @@ TEST(Settings, acceptWhatPeopleMayType) {
       {"hasStarted", "true", true},
       {"hasStarted", "no", false},
       {"hasStarted", "on", true},
+      {"unwatchedVolumes", "", DefaultsArray{}},
+      {"unwatchedVolumes", "/data,/mnt/a b", DefaultsArray{"/data", "/mnt/a b"}},
   };
   for (const auto& [key, text, wantedValue] : cases) {
     const auto value = parseSetting(key, text);
@@ -50,6 +52,7 @@ TEST(Settings, refuseTheRestAndSayWhatWouldDo) {
       {"scope", {"Disk", "", "volume", "Entire disk"}, "home, disk."},
       {"presence", {"both", "menubar"}, "menuBar, dock."},
       {"hasStarted", {"1", "", "TRUE"}, "true, false, yes, no, on, off."},
+      {"unwatchedVolumes", {"data", "/data, /b"}, "absolute paths, separated by commas, or nothing."},
   };
   for (const auto& [key, texts, wouldDo] : cases) {
     for (const char* text : texts) {

@@ -1,0 +1,64 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// What a line of an account consists of: programs, folders or volumes.
+Column {
+    id: root
+
+    required property SuggestionRow suggestion
+
+    bottomPadding: 4
+    Accessible.role: Accessible.List
+    Accessible.name: suggestion.title
+
+    Repeater {
+        model: root.suggestion.parts
+
+        Item {
+            id: row
+
+            required property string title
+            required property string subtitle
+            required property string sizeText
+
+            width: root.width
+            height: Theme.scaled(28)
+            Accessible.role: Accessible.ListItem
+            Accessible.name: [title, subtitle, sizeText].filter(text => text).join(", ")
+
+            RowLayout {
+                anchors {
+                    fill: parent
+                    leftMargin: 20
+                    rightMargin: 10 + Theme.scaled(13) + 10
+                }
+                spacing: 5
+
+                Label {
+                    Layout.maximumWidth: implicitWidth + 1
+                    Layout.fillWidth: true
+                    text: row.title
+                    elide: Text.ElideMiddle
+                    Accessible.ignored: true
+                }
+                Label {
+                    text: row.subtitle
+                    size: 11
+                    color: Theme.secondary
+                    Accessible.ignored: true
+                }
+                Item {
+                    Layout.fillWidth: true
+                }
+                Label {
+                    text: row.sizeText
+                    Accessible.ignored: true
+                }
+            }
+        }
+    }
+}
