@@ -99,7 +99,7 @@ std::string withKind(std::string document, const std::string& whyFull) {
   return document;
 }
 
-std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording) {
+std::string unreadNote(const Unread& unread, const Wording& wording) {
   if (unread.folders == 0 && unread.entries == 0) return "";
   std::string text;
   if (unread.folders > 0) text = counted(unread.folders, "folder", wording.locale);

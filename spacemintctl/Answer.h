@@ -41,6 +41,6 @@ std::string withKind(std::string document, const std::string& whyFull);
 
 /// A note about items that a scan could not read, with the first few paths; empty if the scan read
 /// everything.
-std::string unreadNote(const DiskScanner::Unread& unread, const Wording& wording);
+std::string unreadNote(const Unread& unread, const Wording& wording);
 
 }  // namespace spacemint::ctl

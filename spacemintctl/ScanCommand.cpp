@@ -101,7 +101,7 @@ int runScan(const ScanOptions& options) {
     return wasInterrupted() ? interrupted : failed;
   }
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
-  const std::string note = unreadNote(result->unread, wording);
+  const std::string note = unreadNote(result->coverage.unread, wording);
   const Snapshot snapshot = FinishedScan{.result = std::move(*result),
                                          .plan = plan,
                                          .minNodeSize = options.minSize,

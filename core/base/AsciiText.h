@@ -22,6 +22,12 @@ std::string lowerCased(std::string_view text);
 /// `text`.
 std::vector<std::string_view> pieces(std::string_view text, char separator);
 
+/// Whether a path is the folder or is below it, byte by byte. Both are absolute and without links.
+constexpr bool isAtOrBelow(std::string_view path, std::string_view folder) {
+  return path.starts_with(folder) &&
+         (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
+}
+
 /// The lines of a text that are not empty.
 inline std::vector<std::string_view> lines(std::string_view text) {
   return pieces(text, '\n');

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "core/base/Bytes.h"
+#include "core/base/Date.h"
 #include "core/base/Error.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,6 +17,37 @@
 namespace spacemint {
 
 enum class EntryType : std::uint8_t { file, folder, other };
+
+/// A mount that a listing enters.
+struct ListedPlace {
+  std::string mountPoint;
+  /// The folder of the file system that is mounted (`VolumePlace::root`).
+  std::string root;
+  std::string fileSystem;
+  /// `Volume::pool`.
+  std::uint64_t pool = 0;
+
+  auto operator<=>(const ListedPlace&) const = default;
+};
+
+/// A folder that a listing leaves out although it may take space on a disk.
+struct LeftOut {
+  enum class Kind : std::uint8_t {
+    /// Another volume of this computer.
+    volume,
+    /// A snapshot or another copy of a subvolume, which shares its blocks with the original.
+    snapshot,
+    removable,
+    remote,
+  };
+
+  std::string path;
+  Kind kind = Kind::volume;
+  /// When the snapshot was made.
+  std::optional<Date> created = {};
+
+  auto operator<=>(const LeftOut&) const = default;
+};
 
 /// One entry of a folder.
 struct Entry {
@@ -59,15 +92,23 @@ class OpenFolder {
   OpenFolder& operator=(const OpenFolder&) = delete;
   virtual ~OpenFolder() = default;
 
-  /// The device number of the folder's volume.
+  /// The device number of the root's volume.
   virtual std::uint64_t device() const = 0;
+
+  struct Facts {
+    /// The index of the folder's mount in `FolderListing::places`.
+    std::size_t place = 0;
+    /// Bytes allocated for the folder itself, that is, for its table of names.
+    Bytes ownSize = 0;
+  };
+  virtual Facts facts() const { return {}; }
 
   /// Returns the next entries. Each entry is returned once, including hidden ones, excluding "." and "..".
   /// Blocks for the disk.
   virtual Batch nextBatch(ListingBuffer& buffer) = 0;
 
   /// Opens a subfolder relative to this handle without following a symbolic link. Fails with an errno: EXDEV
-  /// for a folder on another volume; ENOENT, ENOTDIR or ELOOP if the folder no longer exists.
+  /// for a folder that is left out; ENOENT, ENOTDIR or ELOOP if the folder no longer exists.
   virtual std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) = 0;
 };
 
@@ -79,14 +120,26 @@ class FolderListing {
   FolderListing& operator=(const FolderListing&) = delete;
   virtual ~FolderListing() = default;
 
-  /// Opens the folder at `root`. Follows symbolic links in `root`. Subfolders on other volumes cannot be
+  /// Opens the folder at `root`. Follows symbolic links in `root`. Subfolders that are left out cannot be
   /// opened from the result.
   virtual std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) = 0;
+
+  /// The mounts that the listing of the last opened root enters, the root's first; empty if unknown.
+  virtual std::vector<ListedPlace> places() const { return {}; }
+  /// What the listing of the last opened root left out so far, by path.
+  virtual std::vector<LeftOut> leftOut() const { return {}; }
 };
 
-/// The listing of this computer's file systems. Never opens files, and never opens other volumes mounted
-/// below the root.
+/// The folder whose listing covers all volumes.
+inline constexpr std::string_view wholeDisk = "/";
+
+/// The listing of this computer's file systems. Never opens files. Enters the subvolumes and mounts of the
+/// root's volume, each of its folders once; below `wholeDisk` those of all `localVolumes`. Never enters
+/// snapshots, removable disks, network file systems or the kernel's own file systems.
 std::unique_ptr<FolderListing> hostFolderListing();
+
+/// `places` of a listing of `root`, without listing it. Empty if it cannot be opened.
+std::vector<ListedPlace> hostListingPlaces(const std::string& root);
 
 /// Raises the process's limit of open files to `wanted`, or as far as the system allows, and returns the
 /// limit. Never lowers it. Returns 0 if the limit cannot be read.

@@ -19,6 +19,8 @@ struct VolumePlace {
   std::string root;
   /// The folder at the mount point; absent if it was not looked at because that may block.
   std::optional<FileIdentity> top;
+  /// A read-only copy of a subvolume is mounted here.
+  bool isSnapshot = false;
 
   bool operator==(const VolumePlace&) const = default;
 };

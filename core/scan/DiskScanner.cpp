@@ -21,6 +21,7 @@ struct Frame {
   std::string name;
   // The length of the folder's own path within `Walk::path_`.
   std::size_t pathLength = 0;
+  OpenFolder::Facts facts;
   Bytes size = 0;
   std::int64_t files = 0;
   bool isWorktree = false;
@@ -35,17 +36,23 @@ bool isGone(int error) {
 
 class Walk {
  public:
-  explicit Walk(const Arguments& arguments) : arguments_(arguments), path_(arguments.root) {}
+  Walk(const Arguments& arguments, const FolderListing& listing)
+      : arguments_(arguments),
+        listing_(listing),
+        path_(arguments.root) {}
 
   std::optional<Result> run(std::unique_ptr<OpenFolder> root) {
     device_ = root->device();
+    for (ListedPlace& place : listing_.places()) coverage_.places.push_back({std::move(place)});
     enter(std::move(root), arguments_.root);
     while (!cancelled_) {
       if (!stack_.back().subdirectories.empty()) {
         visitNext();
       } else if (auto node = finishTop()) {
         report();
-        return Result{.root = std::move(*node), .fileCount = counted_.files, .unread = std::move(unread_)};
+        coverage_.leftOut = listing_.leftOut();
+        return Result{
+            .root = std::move(*node), .fileCount = counted_.files, .coverage = std::move(coverage_)};
       }
     }
     return std::nullopt;
@@ -53,14 +60,21 @@ class Walk {
 
  private:
   void enter(std::unique_ptr<OpenFolder> folder, std::string name) {
-    stack_.push_back({.folder = std::move(folder), .name = std::move(name), .pathLength = path_.size()});
+    const OpenFolder::Facts facts = folder->facts();
+    stack_.push_back({.folder = std::move(folder),
+                      .name = std::move(name),
+                      .pathLength = path_.size(),
+                      .facts = facts});
+    if (CoveredPlace* place = placeAt(facts.place)) {
+      place->folderBytes = saturatingAdd(place->folderBytes, facts.ownSize);
+    }
     list(stack_.back());
   }
 
   void list(Frame& frame) {
     while (!cancelled_) {
       const Batch batch = frame.folder->nextBatch(buffer_);
-      if (batch.error != 0 && !isGone(batch.error)) noteUnread(unread_.folders, path_, batch.error);
+      if (batch.error != 0 && !isGone(batch.error)) noteUnread(unread().folders, path_, batch.error);
       if (batch.entries.empty()) return;
       for (const Entry& entry : batch.entries) take(frame, entry);
       poll(std::ssize(batch.entries));
@@ -69,7 +83,7 @@ class Walk {
 
   void take(Frame& frame, const Entry& entry) {
     if (entry.error != 0) {
-      if (!isGone(entry.error)) noteUnread(unread_.entries, Paths::join(path_, entry.name), entry.error);
+      noteUnreadEntry(entry);
     } else if (entry.type == EntryType::folder) {
       if (entry.device == device_ && !entry.name.empty()) frame.subdirectories.push(entry.name);
     } else {
@@ -122,11 +136,11 @@ class Walk {
         return adopt(top, std::move(*node));
       }
     }
-    if (stack_.size() >= Node::maximumDepth) return noteUnread(unread_.folders, path_, EMFILE);
+    if (stack_.size() >= Node::maximumDepth) return noteUnread(unread().folders, path_, EMFILE);
     auto opened = top.folder->openSubfolder(name);
     if (opened) return enter(std::move(*opened), std::move(name));
     const int error = opened.error();
-    if (!isGone(error) && error != EXDEV) noteUnread(unread_.folders, path_, error);
+    if (!isGone(error) && error != EXDEV) noteUnread(unread().folders, path_, error);
   }
 
   // Closes the innermost folder and adds its node to the parent. For the root, returns the node instead.
@@ -140,9 +154,30 @@ class Walk {
               .children = std::move(frame.children),
               .fileCount = frame.files,
               .isWorktree = frame.isWorktree};
+    countPlace(frame);
     if (stack_.empty()) return node;
     adopt(stack_.back(), std::move(node));
     return std::nullopt;
+  }
+
+  // Counts a folder for its mount. The folder is closed already; the parent is on the top of the stack.
+  void countPlace(const Frame& frame) {
+    if (stack_.empty()) return add(frame, frame.facts.place, 1);
+    const std::size_t parentPlace = stack_.back().facts.place;
+    if (frame.facts.place == parentPlace) return;
+    add(frame, frame.facts.place, 1);
+    add(frame, parentPlace, -1);
+  }
+
+  void add(const Frame& frame, std::size_t place, std::int64_t sign) {
+    CoveredPlace* covered = placeAt(place);
+    if (covered == nullptr) return;
+    covered->size = saturatingAdd(covered->size, sign * frame.size);
+    covered->fileCount = saturatingAdd(covered->fileCount, sign * frame.files);
+  }
+
+  CoveredPlace* placeAt(std::size_t index) {
+    return index < coverage_.places.size() ? &coverage_.places[index] : nullptr;
   }
 
   void adopt(Frame& parent, Node node) const {
@@ -150,13 +185,26 @@ class Walk {
     if (node.size >= arguments_.minNodeSize) parent.children.push_back(std::move(node));
   }
 
+  Unread& unread() { return coverage_.unread; }
+
+  // A folder that may be listed but not searched counts as unread itself.
+  void noteUnreadEntry(const Entry& entry) {
+    if (isGone(entry.error)) return;
+    if (entry.error != EACCES) {
+      noteUnread(unread().entries, Paths::join(path_, entry.name), entry.error);
+    } else if (unread().paths.empty() || unread().paths.back() != path_) {
+      noteUnread(unread().folders, path_, entry.error);
+    }
+  }
+
   void noteUnread(std::int64_t& counter, const std::string& path, int error) {
     ++counter;
-    if (error != EACCES && error != EPERM) unread_.hasFailures = true;
-    if (unread_.paths.size() < Unread::pathLimit) unread_.paths.push_back(path);
+    if (error != EACCES && error != EPERM) unread().hasFailures = true;
+    if (unread().paths.size() < Unread::pathLimit) unread().paths.push_back(path);
   }
 
   const Arguments& arguments_;
+  const FolderListing& listing_;
   std::string path_;
   std::uint64_t device_ = 0;
   ListingBuffer buffer_;
@@ -164,13 +212,13 @@ class Walk {
   Progress counted_;
   std::int64_t listedSincePoll_ = 0;
   bool cancelled_ = false;
-  Unread unread_;
+  Coverage coverage_;
 };
 
 std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {
   auto root = listing.open(arguments.root);
   if (!root) return std::nullopt;
-  return Walk{arguments}.run(std::move(*root));
+  return Walk{arguments, listing}.run(std::move(*root));
 }
 
 // Reading ahead lists every subfolder, so it is useful only if the walk opens every subfolder.

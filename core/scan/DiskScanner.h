@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/host/FolderListing.h"
+#include "core/tree/Coverage.h"
 #include "core/tree/Node.h"
 
 #include <functional>
@@ -13,9 +14,10 @@ namespace spacemint {
 
 /// Measures folder trees. No other code walks the disk to measure sizes.
 ///
-/// A scan counts the bytes allocated on disk, follows no symbolic links and stays on the root's volume. A
-/// file with several hard links counts its share at each name. Any thread; several scans may run at the same
-/// time. Counts saturate at the largest 64-bit number.
+/// A scan counts the bytes allocated on disk, follows no symbolic links and stays on the root's volume; below
+/// `wholeDisk` it enters all volumes of this computer (`hostFolderListing`). A file with several hard links
+/// counts its share at each name. Any thread; several scans may run at the same time. Counts saturate at the
+/// largest 64-bit number.
 namespace DiskScanner {
 
 struct Progress {
@@ -24,29 +26,11 @@ struct Progress {
   Bytes bytes = 0;
 };
 
-/// Items that a scan could not read; if there are any, the scan's sizes are lower bounds. Items that vanished
-/// during the scan are not included.
-struct Unread {
-  /// Folders that could not be opened, or whose listing failed before its end.
-  std::int64_t folders = 0;
-  /// Entries whose size and type could not be read.
-  std::int64_t entries = 0;
-  /// True if at least one item failed for another reason than a missing permission. The next scan may then
-  /// read the item although nothing on the disk changed.
-  bool hasFailures = false;
-  /// The paths of the first `pathLimit` of these items.
-  std::vector<std::string> paths;
-
-  static constexpr std::size_t pathLimit = 100;
-
-  bool operator==(const Unread&) const = default;
-};
-
 struct Result {
   /// `root.name` is `Arguments::root`, unchanged.
   Node root;
   std::int64_t fileCount = 0;
-  Unread unread;
+  Coverage coverage;
 
   bool operator==(const Result&) const = default;
 };

@@ -71,10 +71,16 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
 
   explicit Record(std::string folderName) : name(std::move(folderName)) {}
 
+  void take(std::unique_ptr<OpenFolder> opened) {
+    folder = std::move(opened);
+    facts = folder->facts();
+  }
+
   const std::string name;
 
   // Written by the thread that lists the folder; other threads read these members only afterwards.
   std::unique_ptr<OpenFolder> folder;
+  OpenFolder::Facts facts;  // also after the handle was closed
   int openError = 0;
   int listingError = 0;
   std::vector<KeptEntries> batches;
@@ -118,7 +124,7 @@ class ReadAheadListing::Crew {
 
   std::shared_ptr<Record> beginWith(std::unique_ptr<OpenFolder> root) {
     auto record = std::make_shared<Record>("");
-    record->folder = std::move(root);
+    record->take(std::move(root));
     record->state = Record::State::inWalk;
     const std::lock_guard lock(mutex_);
     record->place = line_.insert(line_.end(), record.get());
@@ -258,7 +264,7 @@ class ReadAheadListing::Crew {
       record.openError = opened.error();
       return true;
     }
-    record.folder = std::move(*opened);
+    record.take(std::move(*opened));
     for (int batches = 0; batches < 2; ++batches) {
       const Batch batch = record.folder->nextBatch(buffer);
       if (batch.entries.empty()) {
@@ -362,6 +368,7 @@ class ReadAheadListing::LoneFolder final : public OpenFolder {
   }
 
   std::uint64_t device() const override { return folder_->device(); }
+  Facts facts() const override { return folder_->facts(); }
   Batch nextBatch(ListingBuffer& buffer) override { return folder_->nextBatch(buffer); }
   std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
     return openIn(*folder_, name, crew_);
@@ -387,6 +394,7 @@ class ReadAheadListing::Folder final : public OpenFolder {
   Folder& operator=(const Folder&) = delete;
 
   std::uint64_t device() const override { return device_; }
+  Facts facts() const override { return record_->facts; }
 
   Batch nextBatch(ListingBuffer& buffer) override {
     if (served_ < record_->batches.size()) return {.entries = record_->batches[served_++].entries()};
@@ -410,7 +418,7 @@ class ReadAheadListing::Folder final : public OpenFolder {
     if (record->state == Record::State::inWalk && !record->folder) {
       auto opened = crew_->open(*record_->folder, name);
       if (opened) {
-        record->folder = std::move(*opened);
+        record->take(std::move(*opened));
       } else {
         record->openError = opened.error();
       }

@@ -30,6 +30,8 @@ class ReadAheadListing final : public FolderListing {
   static constexpr std::size_t usualOpenFileLimit = 8'192;
 
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override;
+  std::vector<ListedPlace> places() const override { return inner_.places(); }
+  std::vector<LeftOut> leftOut() const override { return inner_.leftOut(); }
 
  private:
   class Crew;

@@ -1,7 +1,10 @@
 #include "core/scan/ScanPlan.h"
 
+#include "core/base/AsciiText.h"
 #include "core/base/Log.h"
 #include "core/base/Unicode.h"
+#include "core/host/Removal.h"
+#include "core/host/VolumeTable.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -53,7 +56,10 @@ const Node* nodeSpelled(const Snapshot& snapshot, std::string_view path) {
   return node;
 }
 
-struct Unchanged {
+}  // namespace
+
+// An earlier scan with what changed since.
+struct EarlierScan::Unchanged {
   Snapshot previous;
   PathSet trees;
   // The changed folders and all folders above them.
@@ -79,7 +85,24 @@ struct Unchanged {
     while (path && !trees.contains(*path)) path = parentOf(*path, previous.rootPath().size());
     return path.has_value();
   }
+
+  // The node of a folder that need not be walked; null if it must be.
+  const Node* reusable(const std::string& folder) const {
+    if (toCrawl.contains(folder) || isInChangedTree(folder)) return nullptr;
+    const Node* node = nodeSpelled(previous, folder);
+    return node != nullptr && node->isDirectory && node->fileCount > 0 ? node : nullptr;
+  }
+
+  bool isInReusedFolder(const std::string& item) const {
+    std::optional<std::string> folder = parentOf(item, previous.rootPath().size());
+    while (folder && *folder != previous.rootPath() && reusable(*folder) == nullptr) {
+      folder = parentOf(*folder, previous.rootPath().size());
+    }
+    return folder && *folder != previous.rootPath();
+  }
 };
+
+namespace {
 
 // Why the earlier scan cannot be reused; empty if it can.
 std::string_view obstacle(const ScanPlan::Arguments& arguments) {
@@ -104,17 +127,57 @@ std::string_view obstacle(const ScanPlan::Arguments& arguments) {
 
 }  // namespace
 
-DiskScanner::Reuse reuseUnchanged(Snapshot previous, const FolderChanges& changes) {
-  const auto unchanged = std::make_shared<const Unchanged>(std::move(previous), changes);
-  return [unchanged](const std::string& path) -> std::optional<Node> {
-    if (unchanged->toCrawl.contains(path) || unchanged->isInChangedTree(path)) return std::nullopt;
-    const Node* node = nodeSpelled(unchanged->previous, path);
-    if (node == nullptr || !node->isDirectory || node->fileCount < 1) return std::nullopt;
-    return *node;
+EarlierScan::EarlierScan(Snapshot previous, const FolderChanges& changes)
+    : unchanged_(std::make_shared<const Unchanged>(std::move(previous), changes)) {}
+
+DiskScanner::Reuse EarlierScan::reuse() const {
+  return [unchanged = unchanged_](const std::string& path) -> std::optional<Node> {
+    const Node* node = unchanged->reusable(path);
+    return node != nullptr ? std::optional{*node} : std::nullopt;
   };
 }
 
+Coverage EarlierScan::carriedOver() const {
+  const Coverage& earlier = unchanged_->previous.coverage;
+  Coverage carried{.places = earlier.places};
+  // Items beyond the list may be anywhere.
+  carried.unread.folders = earlier.unread.folders - std::ssize(earlier.unread.paths);
+  for (const std::string& path : earlier.unread.paths) {
+    if (!unchanged_->isInReusedFolder(path)) continue;
+    carried.unread.paths.push_back(path);
+    ++carried.unread.folders;
+  }
+  for (const LeftOut& item : earlier.leftOut) {
+    if (unchanged_->isInReusedFolder(item.path)) carried.leftOut.push_back(item);
+  }
+  return carried;
+}
+
 namespace {
+
+// A scan visits every mount point, so that it counts each mount for itself. It reuses nothing of a mount that
+// is not the one of the earlier scan.
+void markPlaces(FolderChanges& changes, const std::string& root, const std::vector<CoveredPlace>& earlier,
+                const std::vector<ListedPlace>& now) {
+  const auto inTree = [&](const std::string& mountPoint) {
+    return isAtOrBelow(mountPoint, root) ? mountPoint : root;  // above the root, or below a link to it
+  };
+  for (std::size_t i = 1; i < now.size(); ++i) {
+    const bool isSame = std::ranges::find(earlier, now[i], &CoveredPlace::place) != earlier.end();
+    (isSame ? changes.directories : changes.trees).push_back(inTree(now[i].mountPoint));
+  }
+  for (const CoveredPlace& covered : earlier) {
+    const bool isGone = std::ranges::find(now, covered.place) == now.end();
+    if (isGone) changes.trees.push_back(inTree(covered.place.mountPoint));
+  }
+}
+
+// A recorder measures folders, not mounts, so an update of a scan of several mounts could not tell what is on
+// which.
+bool mayUpdate(const Snapshot& earlier, const std::vector<ListedPlace>& now) {
+  const auto& before = earlier.coverage.places;
+  return now.size() <= 1 && before.size() == now.size() && (now.empty() || before[0].place == now[0]);
+}
 
 ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   ScanPlan plan{.fullScanDate = arguments.now};
@@ -127,23 +190,31 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   if (!plan.whyFull.empty()) return plan;
 
   query.since = *arguments.earlier->eventID;
+  const auto places = hostListingPlaces(arguments.root);
   query.minNodeSize = arguments.minNodeSize;
-  if (auto measured = journal.measuredChanges(query)) {
-    ScanUpdate update{.earlier = std::move(*arguments.earlier), .changes = std::move(*measured)};
-    if (update.isUsable()) {
-      plan.fullScanDate = *update.earlier.fullScanDate;
-      plan.update = std::move(update);
-      return plan;
+  if (mayUpdate(*arguments.earlier, places)) {
+    if (auto measured = journal.measuredChanges(query)) {
+      ScanUpdate update{.earlier = std::move(*arguments.earlier), .changes = std::move(*measured)};
+      if (update.isUsable()) {
+        plan.fullScanDate = *update.earlier.fullScanDate;
+        plan.carriedOver = update.earlier.coverage;
+        plan.carriedOver.unread = {};  // an update looks at these folders again
+        plan.update = std::move(update);
+        return plan;
+      }
+      arguments.earlier = std::move(update.earlier);
     }
-    arguments.earlier = std::move(update.earlier);
   }
-  const auto changes = journal.changes(query);
+  auto changes = journal.changes(query);
   if (!changes) {
     plan.whyFull = textOf(changes.error());
     return plan;
   }
   plan.fullScanDate = *arguments.earlier->fullScanDate;
-  plan.reuse = reuseUnchanged(std::move(*arguments.earlier), *changes);
+  markPlaces(*changes, arguments.root, arguments.earlier->coverage.places, places);
+  const EarlierScan earlier{std::move(*arguments.earlier), *changes};
+  plan.reuse = earlier.reuse();
+  plan.carriedOver = earlier.carriedOver();
   return plan;
 }
 
@@ -165,9 +236,46 @@ std::optional<DiskScanner::Result> ScanPlan::scan(DiskScanner::Arguments argumen
   return DiskScanner::scan(arguments);
 }
 
+namespace {
+
+void readSpaces(Coverage& coverage) {
+  for (CoveredPlace& covered : coverage.places) {
+    const auto space = readSpace(covered.place.mountPoint);
+    if (!space) continue;
+    covered.volumeTotal = space->total;
+    covered.volumeFree = space->free;
+  }
+}
+
+// Folders that were not visited have the blocks that they had.
+void takeFolderBytes(std::vector<CoveredPlace>& places, const std::vector<CoveredPlace>& earlier) {
+  for (CoveredPlace& covered : places) {
+    const auto before = std::ranges::find(earlier, covered.place, &CoveredPlace::place);
+    if (before != earlier.end()) covered.folderBytes = before->folderBytes;
+  }
+}
+
+void add(Coverage& coverage, const Coverage& more) {
+  takeFolderBytes(coverage.places, more.places);
+  Unread& unread = coverage.unread;
+  unread.folders += more.unread.folders;
+  unread.paths.insert(unread.paths.end(), more.unread.paths.begin(), more.unread.paths.end());
+  std::ranges::sort(unread.paths);
+  unread.paths.resize(std::min(unread.paths.size(), Unread::pathLimit));
+  for (const LeftOut& item : more.leftOut) {
+    if (item.kind == LeftOut::Kind::snapshot && fileIdentity(item.path)) coverage.leftOut.push_back(item);
+  }
+  std::ranges::sort(coverage.leftOut);
+}
+
+}  // namespace
+
 Snapshot FinishedScan::snapshot() && {
+  Coverage& coverage = result.coverage;
+  add(coverage, plan.carriedOver);
+  readSpaces(coverage);
   // The next scan may be able to read these items although the journal reports no change.
-  const auto eventID = result.unread.hasFailures ? std::nullopt : plan.eventID;
+  const auto eventID = result.coverage.unread.hasFailures ? std::nullopt : plan.eventID;
   return {.date = end,
           .duration = end - start,
           .root = std::move(result.root),
@@ -176,7 +284,8 @@ Snapshot FinishedScan::snapshot() && {
           .volumeTotal = volume ? volume->total : 0,
           .minNodeSize = minNodeSize,
           .eventID = eventID,
-          .fullScanDate = plan.fullScanDate};
+          .fullScanDate = plan.fullScanDate,
+          .coverage = std::move(coverage)};
 }
 
 }  // namespace spacemint

@@ -6,6 +6,7 @@
 #include "core/tree/Snapshot.h"
 #include "core/volume/VolumeStatus.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -15,9 +16,24 @@ namespace spacemint {
 /// file through another hard link.
 inline constexpr std::chrono::days fullScanInterval{3};
 
-/// The `reuse` function of a scan: returns a folder's node in `previous` if nothing changed in or below the
-/// folder. The function holds copies of both arguments and may be called from any thread.
-DiskScanner::Reuse reuseUnchanged(Snapshot previous, const FolderChanges& changes);
+/// An earlier scan of the same folder, and what changed since. Any thread.
+class EarlierScan {
+ public:
+  EarlierScan(Snapshot previous, const FolderChanges& changes);
+
+  /// The `reuse` function of the next scan: returns a folder's node in the earlier scan if nothing changed in
+  /// or below the folder. Holds the scan; may be called from any thread.
+  DiskScanner::Reuse reuse() const;
+
+  /// What the earlier scan could not read, and the snapshots that it found, in folders that `reuse` returns;
+  /// and its places.
+  Coverage carriedOver() const;
+
+ private:
+  struct Unchanged;
+
+  std::shared_ptr<const Unchanged> unchanged_;
+};
 
 /// How a scan is made: as a full scan, by walking the changed folders and reusing the others, or as an update
 /// with measured changes. Decided before the scan starts.
@@ -44,6 +60,8 @@ struct ScanPlan {
   /// At most one of these two is set; none for a full scan.
   DiskScanner::Reuse reuse;
   std::optional<ScanUpdate> update;
+  /// What the scan takes from the earlier one besides the folders.
+  Coverage carriedOver;
   /// Why the scan is a full scan, as a clause that fits after "because"; empty if the scan reuses folders.
   std::string whyFull;
 
@@ -66,7 +84,7 @@ struct FinishedScan {
   Date end;
   std::optional<VolumeStatus> volume;
 
-  /// The scan in the form that the history stores.
+  /// The scan in the form that the history stores. Reads the free space of the volumes that it covers.
   Snapshot snapshot() &&;
 };
 

@@ -85,8 +85,9 @@ class Update {
     if (cancelled_ || (arguments_.shouldCancel && arguments_.shouldCancel())) return std::nullopt;
     root.name = arguments_.root;
     if (arguments_.progress) arguments_.progress({.files = root.fileCount, .bytes = root.size});
+    Coverage coverage = coverageOf(root);
     const std::int64_t files = root.fileCount;
-    return DiskScanner::Result{.root = std::move(root), .fileCount = files, .unread = std::move(unread_)};
+    return DiskScanner::Result{.root = std::move(root), .fileCount = files, .coverage = std::move(coverage)};
   }
 
  private:
@@ -110,6 +111,19 @@ class Update {
     std::int64_t moreFiles = 0;
     std::vector<Child> children;
   };
+
+  // The mounts of the root: the only one that is entered, and those that are left out.
+  Coverage coverageOf(const Node& root) {
+    Coverage coverage{.unread = std::move(unread_)};
+    const auto host = arguments_.listing == nullptr ? hostFolderListing() : nullptr;
+    FolderListing& listing = host ? *host : *arguments_.listing;
+    if (!listing.open(arguments_.root)) return coverage;
+    for (ListedPlace& place : listing.places()) {
+      coverage.places.push_back({.place = std::move(place), .size = root.size, .fileCount = root.fileCount});
+    }
+    coverage.leftOut = listing.leftOut();
+    return coverage;
+  }
 
   // Finds the folder in the earlier scan. A folder that should be as before but is not counts as unknown.
   void compare(std::size_t i) {
@@ -236,7 +250,7 @@ class Update {
     };
     auto result = DiskScanner::scan(arguments);
     if (result) {
-      take(std::move(result->unread));
+      take(std::move(result->coverage.unread));
       return std::move(result->root);
     }
     cancelled_ = listing.error() == 0;
@@ -247,12 +261,12 @@ class Update {
     return std::nullopt;
   }
 
-  void take(DiskScanner::Unread unread) {
+  void take(Unread unread) {
     unread_.folders += unread.folders;
     unread_.entries += unread.entries;
     unread_.hasFailures = unread_.hasFailures || unread.hasFailures;
     for (std::string& path : unread.paths) {
-      if (unread_.paths.size() < DiskScanner::Unread::pathLimit) unread_.paths.push_back(std::move(path));
+      if (unread_.paths.size() < Unread::pathLimit) unread_.paths.push_back(std::move(path));
     }
   }
 
@@ -261,7 +275,7 @@ class Update {
   std::vector<MeasuredChanges::File> files_;
   const DiskScanner::Arguments& arguments_;
   std::vector<State> states_;
-  DiskScanner::Unread unread_;
+  Unread unread_;
   bool cancelled_ = false;
 };
 

@@ -59,12 +59,16 @@ std::int64_t changed(std::int64_t count, std::int64_t change) {
 
 // Works from the innermost folder up: sorting a folder's children invalidates only pointers to those
 // children.
-void apply(Change change, const std::vector<Node*>& chain, Snapshot& snapshot) {
+void apply(Change change, const std::vector<Node*>& chain, Snapshot& snapshot, std::string_view path) {
+  const auto add = [&](auto& counted) {
+    counted.size = changed(counted.size, change.size);
+    counted.fileCount = changed(counted.fileCount, change.files);
+  };
   for (Node* node : chain | std::views::reverse) {
-    node->size = changed(node->size, change.size);
-    node->fileCount = changed(node->fileCount, change.files);
+    add(*node);
     sortBySize(node->children);
   }
+  if (auto* place = const_cast<CoveredPlace*>(snapshot.coverage.placeOf(path))) add(*place);
   snapshot.fileCount = changed(snapshot.fileCount, change.files);
 }
 
@@ -146,7 +150,7 @@ bool Snapshot::replace(std::string_view path, Node node) {
     node.name = std::move(old.name);  // keep the spelling on the disk; `path` may use an equivalent one
     old = std::move(node);
   }
-  apply(change, place->chain, *this);
+  apply(change, place->chain, *this, path);
   return true;
 }
 
@@ -158,7 +162,7 @@ bool Snapshot::upsert(std::string_view path, Node node) {
   const Change change{.size = node.size, .files = node.fileCount};
   node.name = std::move(place->name);
   place->chain.back()->children.push_back(std::move(node));
-  apply(change, place->chain, *this);
+  apply(change, place->chain, *this, path);
   return true;
 }
 
@@ -168,7 +172,7 @@ bool Snapshot::remove(std::string_view path) {
   const Change change{.size = saturatingSubtract(0, place->node->size),
                       .files = place->node->isDirectory ? saturatingSubtract(0, place->node->fileCount) : -1};
   place->erase();
-  apply(change, place->chain, *this);
+  apply(change, place->chain, *this, path);
   return true;
 }
 

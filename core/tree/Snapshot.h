@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/tree/Coverage.h"
 #include "core/tree/FileItem.h"
 #include "core/tree/Node.h"
 
@@ -42,6 +43,7 @@ struct Snapshot {
   /// When the last full scan, on which this tree is based, started.
   std::optional<Date> fullScanDate;
   std::optional<std::int64_t> format = currentFormat;
+  Coverage coverage = {};
 
   const std::string& rootPath() const { return root.name; }
 

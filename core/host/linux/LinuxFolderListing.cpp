@@ -1,9 +1,12 @@
 #include "core/host/linux/LinuxFolderListing.h"
 
+#include "core/base/AsciiText.h"
 #include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
-#include "core/host/linux/MountTable.h"
+#include "core/host/linux/Subvolume.h"
+#include "core/host/linux/Territory.h"
+#include "core/host/linux/journal/FileSystemTraits.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,6 +15,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <mutex>
 
 namespace spacemint {
 
@@ -20,6 +24,8 @@ namespace {
 constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_BLOCKS;
 constexpr int entryFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 constexpr Bytes blockSize = 512;
+// Where tools keep snapshots; ordinary users often may not open it.
+constexpr std::string_view snapshotFolder = ".snapshots";
 // No real file is larger; a larger number means a damaged file system.
 constexpr std::uint64_t largestBlockCount = std::uint64_t{1} << 50U;
 
@@ -30,10 +36,29 @@ EntryType typeOf(const struct statx& status) {
 
 // Shared by all folders below a root.
 struct Root {
-  Mounted mounted;
-  MountTree mounts;
+  Territory territory;
+  std::uint64_t device = 0;
+  // The root's path as the kernel has it, and as it was given.
+  std::string realPath;
+  std::string path;
   // May be null.
   FolderObserver* observer = nullptr;
+  std::mutex mutex;
+  std::vector<LeftOut> snapshots;
+
+  void noteSnapshot(const FileHandle& folder, const std::string& name, std::optional<Date> created) {
+    const std::string realParent = realPathOf(folder);
+    if (!isAtOrBelow(realParent, realPath)) return;  // moved away meanwhile
+    std::string_view rest = realParent;
+    rest.remove_prefix(realPath.size());
+    std::string full = path;
+    for (const std::string_view part : {rest, std::string_view{name}}) {
+      if (!full.ends_with('/') && !part.empty() && !part.starts_with('/')) full += '/';
+      full += part;
+    }
+    const std::lock_guard lock(mutex);
+    snapshots.push_back({full, LeftOut::Kind::snapshot, created});
+  }
 };
 
 // True if an entry that failed with this errno still exists.
@@ -43,13 +68,18 @@ bool isStillThere(int error) {
 
 class LinuxFolder final : public OpenFolder {
  public:
-  LinuxFolder(FileHandle handle, std::shared_ptr<const Root> root, const MountTree* mounts, FolderRef ref)
+  LinuxFolder(FileHandle handle, std::shared_ptr<Root> root, const HandleFacts& facts,
+              const MountTree* mounts, FolderRef ref)
       : handle_(std::move(handle)),
         root_(std::move(root)),
+        device_(facts.mounted.device),
+        facts_{.place = root_->territory.indexOf(facts.mounted.mountId).value_or(0),
+               .ownSize = facts.allocated},
         mounts_(mounts),
         ref_(ref) {}
 
-  std::uint64_t device() const override { return root_->mounted.device; }
+  std::uint64_t device() const override { return root_->device; }
+  Facts facts() const override { return facts_; }
 
   Batch nextBatch(ListingBuffer& buffer) override {
     buffer.entries.clear();
@@ -68,17 +98,19 @@ class LinuxFolder final : public OpenFolder {
 
   std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
     const MountTree* mounts = mounts_ != nullptr ? mounts_->child(name) : nullptr;
-    if (mounts != nullptr && mounts->isMountPoint) return std::unexpected(EXDEV);
+    const bool isMountPoint = mounts != nullptr && mounts->isMountPoint;
+    if (isMountPoint && !mounts->isEntered) return std::unexpected(EXDEV);
     FileHandle opened = openFolderItself(handle_.get(), name.c_str());
     if (!opened) return obstacle(name, errno);
     const auto facts = factsOf(opened);
     if (!facts) return obstacle(name, facts.error());
-    // A file system mounted after the mount table was read, or a Btrfs subvolume, which has its own device
-    // number.
-    if (facts->mounted != root_->mounted) return std::unexpected(EXDEV);
-    FolderRef ref;
-    if (root_->observer != nullptr) ref = root_->observer->opened(ref_, name, opened);
-    return std::make_unique<LinuxFolder>(std::move(opened), root_, mounts, ref);
+    if (const auto verdict = root_->territory.verdict(opened, *facts, isMountPoint);
+        verdict != Territory::Verdict::inside) {
+      if (verdict == Territory::Verdict::snapshot) noteSnapshot(name, subvolumeOf(opened));
+      return std::unexpected(EXDEV);
+    }
+    const FolderRef ref = observe(name, opened, isMountPoint);
+    return std::make_unique<LinuxFolder>(std::move(opened), root_, *facts, mounts, ref);
   }
 
  private:
@@ -94,27 +126,45 @@ class LinuxFolder final : public OpenFolder {
 
   std::unexpected<int> obstacle(const std::string& name, int error) const {
     if (root_->observer != nullptr && isStillThere(error)) root_->observer->couldNotOpen(ref_, name);
-    return std::unexpected(error);
+    if (error != EACCES || name != snapshotFolder) return std::unexpected(error);
+    const auto facts = factsOf(handle_, name.c_str());
+    const bool isSubvolume = facts && facts->inode == Subvolume::topInode && facts->mounted.device != device_;
+    if (!isSubvolume) return std::unexpected(error);
+    noteSnapshot(name, std::nullopt);
+    return std::unexpected(EXDEV);
+  }
+
+  void noteSnapshot(const std::string& name, const std::optional<Subvolume>& subvolume) const {
+    root_->noteSnapshot(handle_, name, subvolume ? subvolume->created : std::nullopt);
+  }
+
+  // The observer cannot record a file system that changes without events. Everything on it counts as changed.
+  FolderRef observe(const std::string& name, const FileHandle& opened, bool isMountPoint) const {
+    if (root_->observer == nullptr || ref_ == FolderRef{}) return {};
+    if (!isMountPoint || traitsOf(opened).reportsAllChanges)
+      return root_->observer->opened(ref_, name, opened);
+    root_->observer->couldNotOpen(ref_, name);
+    return {};
   }
 
   // `name` ends in a NUL byte.
   Entry entryOf(std::string_view name, unsigned char kind) const {
-    if (mounts_ != nullptr && isMountPoint(name)) {
-      return {.name = name, .type = EntryType::folder, .device = Entry::otherVolume};
+    const MountTree* mount = mounts_ != nullptr ? mounts_->child(name) : nullptr;
+    if (mount != nullptr && mount->isMountPoint) {
+      return {.name = name,
+              .type = EntryType::folder,
+              .device = mount->isEntered ? root_->device : Entry::otherVolume};
     }
-    const Entry entry = readEntry(handle_, name, kind, root_->mounted.device);
+    const Entry entry = readEntry(handle_, name, kind, root_->device);
     const bool isUnread = entry.error != 0 && isStillThere(entry.error);
     if (isUnread && root_->observer != nullptr) root_->observer->couldNotList(ref_);
     return entry;
   }
 
-  bool isMountPoint(std::string_view name) const {
-    const MountTree* mount = mounts_->child(name);
-    return mount != nullptr && mount->isMountPoint;
-  }
-
   FileHandle handle_;
-  std::shared_ptr<const Root> root_;
+  std::shared_ptr<Root> root_;
+  std::uint64_t device_;
+  Facts facts_;
   // The mounts below this folder; null if there are none.
   const MountTree* mounts_;
   FolderRef ref_;
@@ -131,17 +181,39 @@ class LinuxFolderListing final : public FolderListing {
     if (!handle) return std::unexpected(systemError(path, errno));
     const auto facts = factsOf(handle);
     if (!facts) return std::unexpected(systemError(path, facts.error()));
-    const std::string realPath = realPathOf(handle);
-    auto root = std::make_shared<Root>(Root{.mounted = facts->mounted, .observer = observer_});
-    if (!realPath.empty()) root->mounts = mountsBelow(realPath, currentMounts());
-    const MountTree* mounts = root->mounts.below.empty() ? nullptr : &root->mounts;
+    root_ = std::make_shared<Root>();
+    root_->territory = Territory::of(handle, *facts);
+    root_->device = facts->mounted.device;
+    root_->realPath = realPathOf(handle);
+    root_->path = path;
+    root_->observer = observer_;
+    const MountTree& mounts = root_->territory.mounts();
     FolderRef ref;
     if (observer_ != nullptr) ref = observer_->openedRoot(handle);
-    return std::make_unique<LinuxFolder>(std::move(handle), std::move(root), mounts, ref);
+    return std::make_unique<LinuxFolder>(std::move(handle), root_, *facts,
+                                         mounts.below.empty() ? nullptr : &mounts, ref);
+  }
+
+  std::vector<ListedPlace> places() const override {
+    return root_ ? root_->territory.places() : std::vector<ListedPlace>{};
+  }
+
+  std::vector<LeftOut> leftOut() const override {
+    if (!root_) return {};
+    std::vector<LeftOut> leftOut = root_->territory.leftOut();
+    const std::lock_guard lock(root_->mutex);
+    leftOut.insert(leftOut.end(), root_->snapshots.begin(), root_->snapshots.end());
+    // A listing with helpers may open a folder twice.
+    std::ranges::sort(leftOut);
+    const auto repeated = std::ranges::unique(leftOut);
+    leftOut.erase(repeated.begin(), repeated.end());
+    return leftOut;
   }
 
  private:
   FolderObserver* observer_;
+  // Of the last opened root; null before.
+  std::shared_ptr<Root> root_;
 };
 
 }  // namespace
@@ -170,6 +242,13 @@ Entry readEntry(const FileHandle& folder, std::string_view name, unsigned char k
 
 std::unique_ptr<FolderListing> hostFolderListing() {
   return std::make_unique<LinuxFolderListing>(nullptr);
+}
+
+std::vector<ListedPlace> hostListingPlaces(const std::string& root) {
+  const FileHandle handle = openFolder(AT_FDCWD, root.c_str());
+  if (!handle) return {};
+  const auto facts = factsOf(handle);
+  return facts ? Territory::of(handle, *facts).places() : std::vector<ListedPlace>{};
 }
 
 std::unique_ptr<FolderListing> observedFolderListing(FolderObserver& observer) {

@@ -59,38 +59,10 @@ std::vector<Mount> parseMountTable(std::string_view text) {
   return mounts;
 }
 
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-  return path.starts_with(folder) &&
-         (folder.ends_with('/') || path.size() == folder.size() || path[folder.size()] == '/');
-}
-
 std::vector<Mount> currentMounts() {
   std::ifstream file("/proc/self/mountinfo", std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>{file}, {}};
   return parseMountTable(text);
-}
-
-const MountTree* MountTree::child(std::string_view name) const {
-  const auto found = below.find(name);
-  return found != below.end() ? found->second.get() : nullptr;
-}
-
-MountTree mountsBelow(std::string_view root, const std::vector<Mount>& mounts) {
-  const std::string prefix = root == "/" ? "/" : std::string{root} + "/";
-  MountTree tree;
-  for (const Mount& mount : mounts) {
-    std::string_view rest = mount.mountPoint;
-    if (!rest.starts_with(prefix) || rest.size() == prefix.size()) continue;
-    rest.remove_prefix(prefix.size());
-    MountTree* at = &tree;
-    for (const std::string_view name : pieces(rest, '/')) {
-      auto& next = at->below[std::string{name}];
-      if (!next) next = std::make_unique<MountTree>();
-      at = next.get();
-    }
-    at->isMountPoint = true;
-  }
-  return tree;
 }
 
 }  // namespace spacemint

@@ -1,9 +1,12 @@
 #include "core/host/VolumeTable.h"
 
+#include "core/base/AsciiText.h"
 #include "core/base/Log.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
 #include "core/host/linux/Disks.h"
+#include "core/host/linux/FolderOpening.h"
+#include "core/host/linux/Subvolume.h"
 #include "core/host/linux/VolumesOfMounts.h"
 
 #include <fcntl.h>
@@ -68,8 +71,15 @@ bool isWhereDisksArePluggedIn(const Volume& volume) {
   });
 }
 
+bool isSnapshot(const VolumePlace& place) {
+  if (place.mountPoint == "/" || !place.top || place.top->inode != Subvolume::topInode) return false;
+  const auto subvolume = subvolumeOf(openFolder(AT_FDCWD, place.mountPoint.c_str()));
+  return subvolume && subvolume->isCopy && subvolume->isReadOnly;
+}
+
 // Completes what the mount table does not tell.
 void describe(Volume& volume) {
+  for (VolumePlace& place : volume.places) place.isSnapshot = isSnapshot(place);
   // The system's own volume has a name, and is not removable, even on a memory card.
   if (!volume.name.empty()) return;
   const std::uint64_t disk = diskOf({.device = volume.pool, .source = volume.source});

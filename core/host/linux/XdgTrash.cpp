@@ -1,3 +1,4 @@
+#include "core/base/AsciiText.h"
 #include "core/base/PercentEncoding.h"
 #include "core/host/TrashCan.h"
 #include "core/host/UserFolders.h"

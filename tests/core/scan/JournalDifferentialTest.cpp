@@ -104,7 +104,7 @@ struct Client {
   // Uses the recorder's sizes, or walks all that changed.
   bool updates = false;
   Snapshot last = {};
-  DiskScanner::Unread unread = {};
+  Unread unread = {};
 };
 
 struct Tally {
@@ -179,7 +179,7 @@ class Differential {
     auto result = client.updates ? updated(client.last) : walked(client.last);
     next.root = std::move(result.root);
     client.last = std::move(next);
-    client.unread = std::move(result.unread);
+    client.unread = std::move(result.coverage.unread);
   }
 
   JournalQuery since(const Snapshot& last) const {
@@ -189,7 +189,7 @@ class Differential {
   DiskScanner::Result walked(const Snapshot& last) {
     const auto changes = recorder_->changes(since(last));
     if (!changes) return scanInFull();
-    const auto unchanged = reuseUnchanged(last, *changes);
+    const auto unchanged = EarlierScan{last, *changes}.reuse();
     return scan([&](const std::string& path) {
       auto node = unchanged(path);
       if (node) ++tally_.reusedFolders;

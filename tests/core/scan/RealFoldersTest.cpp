@@ -115,7 +115,7 @@ TEST(RealFolders, areMeasuredAsAnIndependentWalkMeasuresThem) {
   fs::create_directories(folder / "empty/er");
   const auto result = scan(folder.path());
   EXPECT_EQ(treeOf(result.root), expectedTree(folder.path()));
-  EXPECT_EQ(result.unread, DiskScanner::Unread{});
+  EXPECT_EQ(result.coverage.unread, Unread{});
   EXPECT_LT(result.root.size, 2'000'000);  // neither the hole nor /usr
 }
 
@@ -211,8 +211,10 @@ TEST(RealFolders, countAsUnreadWhereAnOrdinaryUserMayNotLook) {
     fs::permissions(folder / "locked", fs::perms::none);
     fs::permissions(folder / "listed", fs::perms::owner_read);  // names, but no facts
     const auto result = scan(folder.path());
-    const DiskScanner::Unread unread{.folders = 1, .entries = 1, .paths = result.unread.paths};
-    const bool right = result.root.size == 0 && result.fileCount == 0 && result.unread == unread;
+    const Unread unread{.folders = 2, .paths = {folder / "listed", folder / "locked"}};
+    Unread found = result.coverage.unread;
+    std::ranges::sort(found.paths);
+    const bool right = result.root.size == 0 && result.fileCount == 0 && found == unread;
     fs::permissions(folder / "locked", fs::perms::owner_all);
     fs::permissions(folder / "listed", fs::perms::owner_all);
     return right;
@@ -281,6 +283,7 @@ class MeddlingListing final : public FolderListing {
         : inner_(std::move(inner)),
           meddle_(meddle) {}
     std::uint64_t device() const override { return inner_->device(); }
+    Facts facts() const override { return inner_->facts(); }
     Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
     std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
       meddle_(name);
@@ -315,7 +318,7 @@ TEST(RealFolders, thatVanishOrTurnIntoSomethingElseAreLeftOut) {
   ASSERT_TRUE(result);
   EXPECT_EQ(result->fileCount, 1);
   EXPECT_EQ(result->root.children.size(), 1U);
-  EXPECT_EQ(result->unread, DiskScanner::Unread{});
+  EXPECT_EQ(result->coverage.unread, Unread{});
 }
 
 TEST(RealFolders, endAtAMountThatAppearsDuringTheScan) {
@@ -333,7 +336,7 @@ TEST(RealFolders, endAtAMountThatAppearsDuringTheScan) {
     }};
     const auto result = DiskScanner::scan({.root = folder.path(), .listing = &listing});
     return result && result->fileCount == 1 && result->root.children.size() == 1 &&
-           result->unread == DiskScanner::Unread{};
+           result->coverage.unread == Unread{};
   }));
 }
 
@@ -371,6 +374,7 @@ class ScarceHandles final : public FolderListing {
     ++used_;
     return std::make_unique<Counted>(*this, std::move(*opened));
   }
+  std::vector<ListedPlace> places() const override { return inner_.places(); }
   int used() const { return used_; }
 
  private:
@@ -382,6 +386,7 @@ class ScarceHandles final : public FolderListing {
     ~Counted() override { --owner_.used_; }
 
     std::uint64_t device() const override { return inner_->device(); }
+    Facts facts() const override { return inner_->facts(); }
     Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
     std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
       if (++owner_.used_ > owner_.limit_) {

@@ -128,7 +128,7 @@ TEST(DiskScanner, judgesEachKindOfEntry) {
   EXPECT_FALSE(result.root.isWorktree);
   EXPECT_TRUE(result.root.children[1].isWorktree);
   EXPECT_FALSE(result.root.children[2].isWorktree);
-  EXPECT_EQ(result.unread, (DiskScanner::Unread{.entries = 1, .hasFailures = true, .paths = {"/r/broken"}}));
+  EXPECT_EQ(result.coverage.unread, (Unread{.entries = 1, .hasFailures = true, .paths = {"/r/broken"}}));
 }
 
 TEST(DiskScanner, countsWhatItCouldNotReadButNotWhatVanished) {
@@ -139,8 +139,8 @@ TEST(DiskScanner, countsWhatItCouldNotReadButNotWhatVanished) {
   for (const auto& [name, error] : failures) root.batches[0].push_back(folderEntry(name.c_str()));
   root.openErrors = failures;
   const auto result = scanned(root);
-  EXPECT_EQ(result.unread.folders, 3);
-  EXPECT_EQ(result.unread.paths, (Names{"/r", "/r/secret", "/r/full"}));
+  EXPECT_EQ(result.coverage.unread.folders, 3);
+  EXPECT_EQ(result.coverage.unread.paths, (Names{"/r", "/r/secret", "/r/full"}));
   EXPECT_EQ(result.root.size, 0);
 }
 
@@ -241,7 +241,7 @@ bool isReused(const DiskScanner::Reuse& reuse, const std::string& path) {
 }
 
 TEST(ReuseUnchanged, reusesWhatIsNeitherChangedNorOnTheWayToAChange) {
-  const auto reuse = reuseUnchanged(homeOfAnn(), {.directories = {"/Users/ann/Downloads"}});
+  const auto reuse = EarlierScan(homeOfAnn(), {.directories = {"/Users/ann/Downloads"}}).reuse();
   EXPECT_FALSE(isReused(reuse, "/Users/ann/Downloads"));
   EXPECT_EQ(reuse("/Users/ann/Downloads/old"), *homeOfAnn().nodeAt("/Users/ann/Downloads/old"));
   EXPECT_EQ(reuse("/Users/ann/Documents"), *homeOfAnn().nodeAt("/Users/ann/Documents"));
@@ -253,23 +253,23 @@ TEST(ReuseUnchanged, reusesWhatIsNeitherChangedNorOnTheWayToAChange) {
 }
 
 TEST(ReuseUnchanged, reusesNothingInAChangedTree) {
-  const auto reuse = reuseUnchanged(homeOfAnn(), {.trees = {"/Users/ann/Library"}});
+  const auto reuse = EarlierScan(homeOfAnn(), {.trees = {"/Users/ann/Library"}}).reuse();
   EXPECT_FALSE(isReused(reuse, "/Users/ann/Library"));
   EXPECT_FALSE(isReused(reuse, "/Users/ann/Library/Caches"));
   EXPECT_TRUE(isReused(reuse, "/Users/ann/Downloads"));
   for (const char* root : {"/Users/ann", "/Users"}) {
-    const auto none = reuseUnchanged(homeOfAnn(), {.trees = {root}});
+    const auto none = EarlierScan(homeOfAnn(), {.trees = {root}}).reuse();
     EXPECT_EQ(isReused(none, "/Users/ann/Downloads"), std::string{root} == "/Users");
   }
   Snapshot disk{.root = folder("/", {folder("home", {file("a", 1)})})};
-  EXPECT_TRUE(isReused(reuseUnchanged(disk, {.directories = {"/"}}), "/home"));
-  EXPECT_FALSE(isReused(reuseUnchanged(disk, {.trees = {"/"}}), "/home"));
+  EXPECT_TRUE(isReused(EarlierScan(disk, {.directories = {"/"}}).reuse(), "/home"));
+  EXPECT_FALSE(isReused(EarlierScan(disk, {.trees = {"/"}}).reuse(), "/home"));
 }
 
 TEST(ReuseUnchanged, takesNoFolderForAnotherThatOnlyLooksLikeIt) {
   const Snapshot snapshot{
       .root = folder("/r", {folder("caf\u00e9", {file("a", 1)}), folder("bad\ufffd", {file("b", 1)})})};
-  const auto reuse = reuseUnchanged(snapshot, {});
+  const auto reuse = EarlierScan(snapshot, {}).reuse();
   EXPECT_TRUE(isReused(reuse, "/r/caf\u00e9"));
   EXPECT_FALSE(isReused(reuse, "/r/cafe\u0301"));
   EXPECT_FALSE(isReused(reuse, "/r/bad\xff"));
@@ -280,11 +280,11 @@ TEST(ReuseUnchanged, spellsPathsAsTheTreeDoes) {
   const std::string data = "/System/Volumes/Data";
   const Snapshot disk{.root = folder(data, {folder("x", {file("a", 1)}), folder("y", {file("b", 1)}),
                                             folder("z", {file("c", 1)})})};
-  const auto reuse = reuseUnchanged(disk, {.directories = {"/x/"}, .trees = {data + "/y"}});
+  const auto reuse = EarlierScan(disk, {.directories = {"/x/"}, .trees = {data + "/y"}}).reuse();
   EXPECT_FALSE(isReused(reuse, data + "/x"));
   EXPECT_FALSE(isReused(reuse, data + "/y"));
   EXPECT_TRUE(isReused(reuse, data + "/z"));
-  EXPECT_FALSE(isReused(reuseUnchanged(disk, {.trees = {"/"}}), data + "/z"));
+  EXPECT_FALSE(isReused(EarlierScan(disk, {.trees = {"/"}}).reuse(), data + "/z"));
 }
 
 class ScanPlanTest : public testing::Test {

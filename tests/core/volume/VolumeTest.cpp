@@ -112,21 +112,5 @@ TEST(MountTable, readsTheKernelsLines) {
   EXPECT_EQ(mounts[2].mountPoint, "/home/ann/last");
 }
 
-TEST(MountTable, givesTheMountsBelowAFolderByName) {
-  const std::vector<Mount> mounts{{.mountPoint = "/"},
-                                  {.mountPoint = "/home/ann"},
-                                  {.mountPoint = "/home/annex"},
-                                  {.mountPoint = "/home/ann/a/b"},
-                                  {.mountPoint = "/home/ann/a"}};
-  const MountTree home = mountsBelow("/home/ann", mounts);
-  ASSERT_EQ(home.below.size(), 1U);
-  EXPECT_TRUE(home.child("a")->isMountPoint);
-  EXPECT_TRUE(home.child("a")->child("b")->isMountPoint);
-  EXPECT_EQ(home.child("b"), nullptr);
-  const MountTree root = mountsBelow("/", mounts);
-  EXPECT_FALSE(root.child("home")->isMountPoint);
-  EXPECT_TRUE(root.child("home")->child("annex")->isMountPoint);
-}
-
 }  // namespace
 }  // namespace spacemint

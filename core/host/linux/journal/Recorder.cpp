@@ -54,6 +54,8 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override {
     return listing_->open(root);
   }
+  std::vector<ListedPlace> places() const override { return listing_->places(); }
+  std::vector<LeftOut> leftOut() const override { return listing_->leftOut(); }
   std::uint64_t eventID() const override { return eventID_; }
 
   void finish() override {
