@@ -10,6 +10,7 @@
 #include <exception>
 #include <iterator>
 #include <span>
+#include <utility>
 
 namespace spacemint {
 
@@ -78,13 +79,15 @@ class SnapshotReader final : public nlohmann::json_sax<Json> {
   bool parse_error(std::size_t position, const std::string& token, const Json::exception& failure) override;
 
  private:
-  enum class Place { outside, snapshot, node, children };
+  enum class Place { outside, snapshot, list, item, node, children };
 
   Place place() const;
   std::string placeName() const;
   bool scalar(const Scalar& value);
   bool openNode(std::size_t index);
   bool closeNode();
+  bool openList();
+  bool openItem();
   bool openIgnored();
   bool fail(Fault fault, std::string_view what);
   bool failAt(std::string_view key, Fault fault, std::string_view what);
@@ -100,6 +103,10 @@ class SnapshotReader final : public nlohmann::json_sax<Json> {
   Error error_;
   bool hasBegun_ = false;
   KeyState snapshotState_;
+  // The array of the snapshot that is being read; null outside of one.
+  const SnapshotKeys::List* list_ = nullptr;
+  bool isInItem_ = false;
+  KeyState itemState_;
   std::vector<Level> levels_;
   // Complete nodes whose parent is still being read. The parent's `children` are allocated once, in their
   // final size.
@@ -109,6 +116,7 @@ class SnapshotReader final : public nlohmann::json_sax<Json> {
 
 SnapshotReader::Place SnapshotReader::place() const {
   if (!levels_.empty()) return levels_.back().isInChildren ? Place::children : Place::node;
+  if (list_ != nullptr) return isInItem_ ? Place::item : Place::list;
   return hasBegun_ ? Place::snapshot : Place::outside;
 }
 
@@ -123,6 +131,11 @@ bool SnapshotReader::start_object(std::size_t /*size*/) {
       if (snapshotState_.current == rootKey) return openNode(0);
       if (snapshotState_.current == KeyState::unknown) return openIgnored();
       break;
+    case Place::list:
+      return openItem();
+    case Place::item:
+      if (itemState_.current == KeyState::unknown) return openIgnored();
+      break;
     case Place::node:
       if (levels_.back().keys.current == KeyState::unknown) return openIgnored();
       break;
@@ -132,13 +145,16 @@ bool SnapshotReader::start_object(std::size_t /*size*/) {
 
 bool SnapshotReader::end_object() {
   if (ignoredLevels_ > 0) return --ignoredLevels_, true;
-  return levels_.empty() ? isComplete<Snapshot>(snapshotKeys, snapshotState_) : closeNode();
+  if (!levels_.empty()) return closeNode();
+  if (std::exchange(isInItem_, false)) return isComplete<Snapshot>(list_->keys, itemState_);
+  return isComplete<Snapshot>(snapshotKeys, snapshotState_);
 }
 
 bool SnapshotReader::start_array(std::size_t /*size*/) {
   if (ignoredLevels_ > 0) return openIgnored();
   const Place where = place();
-  if (where == Place::snapshot && snapshotState_.current == KeyState::unknown) return openIgnored();
+  if (where == Place::snapshot) return openList();
+  if (where == Place::item && itemState_.current == KeyState::unknown) return openIgnored();
   if (where != Place::node) return scalar(nullptr);
   Level& level = levels_.back();
   if (level.keys.current == KeyState::unknown) return openIgnored();
@@ -149,6 +165,10 @@ bool SnapshotReader::start_array(std::size_t /*size*/) {
 
 bool SnapshotReader::end_array() {
   if (ignoredLevels_ > 0) return --ignoredLevels_, true;
+  if (list_ != nullptr) {
+    list_ = nullptr;
+    return true;
+  }
   Level& level = levels_.back();
   const auto first = closed_.begin() + static_cast<std::ptrdiff_t>(level.firstChild);
   level.node.children.assign(std::move_iterator{first}, std::move_iterator{closed_.end()});
@@ -159,6 +179,7 @@ bool SnapshotReader::end_array() {
 
 bool SnapshotReader::key(std::string& name) {
   if (ignoredLevels_ > 0) return true;
+  if (isInItem_) return enter<Snapshot>(list_->keys, itemState_, name);
   if (levels_.empty()) return enter<Snapshot>(snapshotKeys, snapshotState_, name);
   return enter<Node>(nodeKeys, levels_.back().keys, name);
 }
@@ -180,6 +201,10 @@ bool SnapshotReader::scalar(const Scalar& value) {
       return failAt("children", Fault::wrongType, "holds something that is not an object");
     case Place::snapshot:
       return store<Snapshot>(snapshotKeys, snapshotState_, snapshot_, value);
+    case Place::list:
+      return failAt(list_->name, Fault::wrongType, "holds something that is not an object");
+    case Place::item:
+      return store<Snapshot>(list_->keys, itemState_, snapshot_, value);
     case Place::node:
       return store<Node>(nodeKeys, levels_.back().keys, levels_.back().node, value);
   }
@@ -202,6 +227,21 @@ bool SnapshotReader::closeNode() {
   }
   levels_.pop_back();
   return true;
+}
+
+bool SnapshotReader::openList() {
+  if (snapshotState_.current == KeyState::unknown) return openIgnored();
+  const auto* const list = std::ranges::find(SnapshotKeys::lists, snapshotKeys[snapshotState_.current].name,
+                                             &SnapshotKeys::List::name);
+  if (list == std::end(SnapshotKeys::lists)) return scalar(nullptr);
+  list_ = list;
+  return true;
+}
+
+bool SnapshotReader::openItem() {
+  list_->append(snapshot_);
+  itemState_ = {};
+  return isInItem_ = true;
 }
 
 bool SnapshotReader::openIgnored() {
@@ -245,7 +285,7 @@ bool SnapshotReader::isComplete(std::span<const Key<Record>> keys, const KeyStat
 std::string SnapshotReader::placeName() const {
   constexpr std::size_t namedLevels = 5;
   constexpr std::size_t namedBytes = 80;
-  if (levels_.empty()) return "snapshot";
+  if (levels_.empty()) return list_ != nullptr ? "snapshot/" + std::string{list_->name} : "snapshot";
   std::string place = "root";
   std::size_t from = 1;
   if (levels_.size() > namedLevels + 1) {

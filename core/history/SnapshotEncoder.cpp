@@ -1,11 +1,14 @@
 #include "core/base/DateSeconds.h"
 #include "core/base/Unicode.h"
 #include "core/history/SnapshotCodec.h"
+#include "core/history/SnapshotKeys.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <concepts>
 #include <exception>
+#include <utility>
 
 namespace spacemint {
 
@@ -113,6 +116,56 @@ bool appendTree(std::string& text, const Node& root) {
   return true;
 }
 
+void appendField(std::string& text, std::string_view key, const std::string& value) {
+  text.append(text.ends_with('{') ? "\"" : ",\"").append(key).append("\":");
+  appendName(text, value);
+}
+
+template <std::integral Number>
+void appendField(std::string& text, std::string_view key, Number value) {
+  text.append(text.ends_with('{') ? "\"" : ",\"").append(key).append("\":");
+  appendNumber(text, value);
+}
+
+// Appends an array of objects; nothing if it is empty.
+template <class Item>
+void appendList(std::string& text, std::string_view key, const std::vector<Item>& items,
+                void (*appendItem)(std::string&, const Item&)) {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    text += i == 0 ? ",\"" + std::string{key} + "\":[{" : ",{";
+    appendItem(text, items[i]);
+    text += '}';
+  }
+  if (!items.empty()) text += ']';
+}
+
+void appendPlace(std::string& text, const CoveredPlace& covered) {
+  appendField(text, "mountPoint", covered.place.mountPoint);
+  appendField(text, "root", covered.place.root);
+  appendField(text, "fileSystem", covered.place.fileSystem);
+  appendField(text, "pool", covered.place.pool);
+  appendField(text, "size", covered.size);
+  appendField(text, "folderBytes", covered.folderBytes);
+  appendField(text, "fileCount", covered.fileCount);
+  appendField(text, "volumeTotal", covered.volumeTotal);
+  appendField(text, "volumeFree", covered.volumeFree);
+}
+
+void appendLeftOut(std::string& text, const LeftOut& item) {
+  appendField(text, "path", item.path);
+  appendField(text, "kind", std::string{SnapshotKeys::leftOutKinds[std::to_underlying(item.kind)]});
+  if (item.created) appendField(text, "created", roundedToSeconds(*item.created));
+}
+
+void appendCoverage(std::string& text, const Coverage& coverage) {
+  appendList(text, "places", coverage.places, appendPlace);
+  appendList(text, "leftOut", coverage.leftOut, appendLeftOut);
+  appendList<std::string>(text, "unread", coverage.unread.paths,
+                          [](std::string& out, const std::string& path) { appendField(out, "path", path); });
+  if (coverage.unread.folders > 0) appendField(text, "unreadFolders", coverage.unread.folders);
+  if (coverage.unread.entries > 0) appendField(text, "unreadEntries", coverage.unread.entries);
+}
+
 void appendFacts(std::string& text, const Snapshot& snapshot) {
   text += R"({"date":)";
   appendNumber(text, secondsSince(SnapshotCodec::epoch, snapshot.date));
@@ -138,6 +191,7 @@ void appendFacts(std::string& text, const Snapshot& snapshot) {
     text += R"(,"format":)";
     appendNumber(text, *snapshot.format);
   }
+  appendCoverage(text, snapshot.coverage);
 }
 
 // A slightly high estimate of the document's size in bytes, to allocate the text once.

@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -118,6 +120,10 @@ struct Key {
   Complaint (*take)(Record&, const Scalar&);
 };
 
+inline Unread& unread(Snapshot& snapshot) {
+  return snapshot.coverage.unread;
+}
+
 inline constexpr Key<Snapshot> snapshotKeys[]{
     {"date", true, [](Snapshot& s, const Scalar& v) { return take(v, s.date); }},
     {"duration", true, [](Snapshot& s, const Scalar& v) { return take(v, s.duration); }},
@@ -129,8 +135,68 @@ inline constexpr Key<Snapshot> snapshotKeys[]{
     {"eventID", false, [](Snapshot& s, const Scalar& v) { return take(v, s.eventID.emplace()); }},
     {"fullScanDate", false, [](Snapshot& s, const Scalar& v) { return take(v, s.fullScanDate.emplace()); }},
     {"format", false, [](Snapshot& s, const Scalar& v) { return take(v, s.format.emplace()); }},
+    {"places", false, [](Snapshot&, const Scalar&) { return notAnArray; }},
+    {"leftOut", false, [](Snapshot&, const Scalar&) { return notAnArray; }},
+    {"unread", false, [](Snapshot&, const Scalar&) { return notAnArray; }},
+    {"unreadFolders", false, [](Snapshot& s, const Scalar& v) { return takeCount(v, unread(s).folders); }},
+    {"unreadEntries", false, [](Snapshot& s, const Scalar& v) { return takeCount(v, unread(s).entries); }},
 };
 inline constexpr std::size_t rootKey = 2;
+
+// The keys of the objects in the arrays of a snapshot. Each stores its value in the last element.
+inline CoveredPlace& lastPlace(Snapshot& snapshot) {
+  return snapshot.coverage.places.back();
+}
+inline LeftOut& lastLeftOut(Snapshot& snapshot) {
+  return snapshot.coverage.leftOut.back();
+}
+
+// In the order of `LeftOut::Kind`.
+inline constexpr std::string_view leftOutKinds[]{"volume", "snapshot", "removable", "remote"};
+
+// A kind of a later version counts as a volume.
+inline Complaint takeKind(const Scalar& value, LeftOut::Kind& target) {
+  std::string name;
+  const Complaint complaint = take(value, name);
+  const auto* const found = std::ranges::find(leftOutKinds, name);
+  if (found != std::end(leftOutKinds)) target = static_cast<LeftOut::Kind>(found - leftOutKinds);
+  return complaint;
+}
+
+inline constexpr Key<Snapshot> placeKeys[]{
+    {"mountPoint", true, [](Snapshot& s, const Scalar& v) { return take(v, lastPlace(s).place.mountPoint); }},
+    {"root", true, [](Snapshot& s, const Scalar& v) { return take(v, lastPlace(s).place.root); }},
+    {"fileSystem", true, [](Snapshot& s, const Scalar& v) { return take(v, lastPlace(s).place.fileSystem); }},
+    {"pool", true, [](Snapshot& s, const Scalar& v) { return take(v, lastPlace(s).place.pool); }},
+    {"size", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).size); }},
+    {"folderBytes", true,
+     [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).folderBytes); }},
+    {"fileCount", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).fileCount); }},
+    {"volumeTotal", true,
+     [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).volumeTotal); }},
+    {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).volumeFree); }},
+};
+inline constexpr Key<Snapshot> leftOutKeys[]{
+    {"path", true, [](Snapshot& s, const Scalar& v) { return take(v, lastLeftOut(s).path); }},
+    {"kind", true, [](Snapshot& s, const Scalar& v) { return takeKind(v, lastLeftOut(s).kind); }},
+    {"created", false,
+     [](Snapshot& s, const Scalar& v) { return takeModified(v, lastLeftOut(s).created.emplace()); }},
+};
+inline constexpr Key<Snapshot> unreadKeys[]{
+    {"path", true, [](Snapshot& s, const Scalar& v) { return take(v, unread(s).paths.back()); }},
+};
+
+// An array of objects in a snapshot.
+struct List {
+  std::string_view name;
+  void (*append)(Snapshot&);
+  std::span<const Key<Snapshot>> keys;
+};
+inline constexpr List lists[]{
+    {"places", [](Snapshot& s) { s.coverage.places.emplace_back(); }, placeKeys},
+    {"leftOut", [](Snapshot& s) { s.coverage.leftOut.emplace_back(); }, leftOutKeys},
+    {"unread", [](Snapshot& s) { unread(s).paths.emplace_back(); }, unreadKeys},
+};
 
 inline constexpr Key<Node> nodeKeys[]{
     {"name", true, [](Node& n, const Scalar& v) { return take(v, n.name); }},

@@ -105,6 +105,7 @@ class RandomSnapshot {
     if (flag()) result.eventID = flag() ? random_() : highest<std::uint64_t>;
     if (flag()) result.fullScanDate = date();
     if (flag()) result.format = flag() ? std::nullopt : std::optional{any()};
+    result.coverage = coverage();
     return result;
   }
 
@@ -124,6 +125,21 @@ class RandomSnapshot {
     std::string text;
     for (auto i = below(6); i > 0; --i) text += parts.at(static_cast<std::size_t>(below(parts.size())));
     return text;
+  }
+  Coverage coverage() {
+    Coverage result;
+    for (auto i = below(3); i > 0; --i) {
+      result.places.push_back(
+          {{name(), name(), name(), random_()}, count(), count(), count(), count(), count()});
+    }
+    for (auto i = below(4); i > 0; --i) {
+      result.leftOut.push_back({name(), static_cast<LeftOut::Kind>(below(4))});
+      if (flag()) result.leftOut.back().created = dateFromUnixSeconds(any());
+    }
+    for (auto i = below(4); i > 0; --i) result.unread.paths.push_back(name());
+    result.unread.folders = flag() ? count() : 0;
+    result.unread.entries = flag() ? count() : 0;
+    return result;
   }
   Node node(int depth) {
     Node result{.name = name(),
@@ -256,12 +272,22 @@ const Key snapshotKeys[]{
     {"eventID", false, "an integer", {"1"}},
     {"fullScanDate", false, "a number", {"1", "1.5"}},
     {"format", false, "an integer", {"1"}},
+    {"places", false, "an array", {"[]"}},
+    {"leftOut", false, "an array", {"[]"}},
+    {"unread", false, "an array", {"[]"}},
+    {"unreadFolders", false, "an integer", {"1"}},
+    {"unreadEntries", false, "an integer", {"1"}},
 };
 const Key nodeKeys[]{
     {"name", true, "a string", {R"("x")"}},        {"size", true, "an integer", {"1"}},
     {"isDirectory", false, "a boolean", {"true"}}, {"modified", false, "a number", {"1", "1.5"}},
     {"children", false, "an array", {"[]"}},       {"fileCount", false, "an integer", {"1"}},
     {"isWorktree", false, "a boolean", {"true"}},
+};
+const Key leftOutKeys[]{
+    {"path", true, "a string", {R"("x")"}},
+    {"kind", true, "a string", {R"("x")"}},
+    {"created", false, "a number", {"1", "1.5"}},
 };
 
 // Every value of a wrong kind, none at all, and two for one key of an object at `place`.
@@ -290,6 +316,12 @@ TEST(SnapshotCodec, refusesMissingKeysWrongTypesAndKeysGivenTwice) {
   for (const Key& key : nodeKeys) {
     expectFaults(key, someNode, key.name == std::string{"name"} ? "root/#1" : "root/n", documentAround);
   }
+  const auto leftOut = [](const std::string& items) { return someSnapshot.with("leftOut", items).text(); };
+  for (const Key& key : leftOutKeys) {
+    expectFaults(key, {{"path", R"("p")"}, {"kind", R"("snapshot")"}, {"later", R"([{"path":1}])"}},
+                 "snapshot/leftOut", [&](const std::string& item) { return leftOut("[" + item + "]"); });
+  }
+  EXPECT_EQ(faultOf(leftOut("[1]")).first, Fault::wrongType);
 }
 
 TEST(SnapshotCodec, refusesNumbersOutsideTheirRange) {
