@@ -61,10 +61,8 @@ class Walk {
  private:
   void enter(std::unique_ptr<OpenFolder> folder, std::string name) {
     const OpenFolder::Facts facts = folder->facts();
-    stack_.push_back({.folder = std::move(folder),
-                      .name = std::move(name),
-                      .pathLength = path_.size(),
-                      .facts = facts});
+    stack_.push_back(
+        {.folder = std::move(folder), .name = std::move(name), .pathLength = path_.size(), .facts = facts});
     if (CoveredPlace* place = placeAt(facts.place)) {
       place->folderBytes = saturatingAdd(place->folderBytes, facts.ownSize);
     }

@@ -189,7 +189,7 @@ class LinuxFolderListing final : public FolderListing {
     root_->observer = observer_;
     const MountTree& mounts = root_->territory.mounts();
     FolderRef ref;
-    if (observer_ != nullptr) ref = observer_->openedRoot(handle);
+    if (observer_ != nullptr) ref = observer_->openedRoot(handle, root_->territory.places());
     return std::make_unique<LinuxFolder>(std::move(handle), root_, *facts,
                                          mounts.below.empty() ? nullptr : &mounts, ref);
   }

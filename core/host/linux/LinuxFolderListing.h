@@ -29,7 +29,8 @@ class FolderObserver {
   FolderObserver& operator=(const FolderObserver&) = delete;
   virtual ~FolderObserver() = default;
 
-  virtual FolderRef openedRoot(const FileHandle& folder) = 0;
+  /// `places` are the mounts that the listing will enter.
+  virtual FolderRef openedRoot(const FileHandle& folder, const std::vector<ListedPlace>& places) = 0;
   virtual FolderRef opened(FolderRef parent, std::string_view name, const FileHandle& folder) = 0;
   /// The folder exists but cannot be opened.
   virtual void couldNotOpen(FolderRef parent, std::string_view name) = 0;

@@ -29,12 +29,12 @@ bool EventQueue::poll(const EventSource& source) {
 
 // fanotify reports neither the removal nor the unmount of the root, so the root keeps an inotify watch with
 // the same number. After the first `begin` only inotify is used: old watch numbers may still be in use.
-std::expected<int, int> EventQueue::begin(const FileHandle& root) {
+std::expected<int, int> EventQueue::begin(const FileHandle& root, bool mayMark) {
   fanotify_.reset();
   source_ = inotify_;
   if (std::exchange(begun_, true)) return source_->watch(root);
   const auto watched = inotify_->watchItself(root);
-  if (watched) fanotify_ = FanotifySource::open(root, *watched);
+  if (watched && mayMark) fanotify_ = FanotifySource::open(root, *watched);
   if (fanotify_ && !poll(*fanotify_)) fanotify_.reset();
   if (fanotify_) source_ = fanotify_;
   return source_->watch(root);

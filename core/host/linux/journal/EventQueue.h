@@ -24,8 +24,10 @@ class EventQueue {
   /// Becomes readable when events can be fetched.
   int descriptor() const { return ready_.get(); }
 
-  /// Watches the open root. Must be called before any other folder is watched. Fails with an errno.
-  std::expected<int, int> begin(const FileHandle& root);
+  /// Watches the open root. Must be called before any other folder is watched. A mark on the
+  /// root's file system replaces the watches if the kernel allows it and all folders are on that file system
+  /// (`mayMark`). Fails with an errno.
+  std::expected<int, int> begin(const FileHandle& root, bool mayMark);
   /// Where folders are watched. Scan threads keep a copy, because this queue may be replaced meanwhile; their
   /// watches are then without effect.
   const std::shared_ptr<EventSource>& source() const { return source_; }

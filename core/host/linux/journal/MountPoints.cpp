@@ -12,15 +12,15 @@ namespace spacemint {
 
 namespace {
 
-std::set<std::string, std::less<>> pathsBelow(std::string root) {
+std::set<std::pair<std::string, std::uint64_t>> mountsBelow(std::string root) {
   if (!root.ends_with('/')) root += '/';
-  std::set<std::string, std::less<>> paths;
+  std::set<std::pair<std::string, std::uint64_t>> mounts;
   for (const Mount& mount : currentMounts()) {
     if (mount.mountPoint.starts_with(root) && mount.mountPoint.size() > root.size()) {
-      paths.insert(mount.mountPoint.substr(root.size()));
+      mounts.emplace(mount.mountPoint.substr(root.size()), mount.id);
     }
   }
-  return paths;
+  return mounts;
 }
 
 }  // namespace
@@ -28,7 +28,7 @@ std::set<std::string, std::less<>> pathsBelow(std::string root) {
 MountPoints::MountPoints(std::string root)
     : root_(std::move(root)),
       table_(open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC)),
-      paths_(pathsBelow(root_)) {}
+      mounts_(mountsBelow(root_)) {}
 
 bool MountPoints::haveChanged() const {
   pollfd table{table_.get(), POLLPRI, 0};
@@ -36,11 +36,13 @@ bool MountPoints::haveChanged() const {
 }
 
 std::vector<std::string> MountPoints::refresh() {
-  auto now = pathsBelow(root_);
-  std::vector<std::string> changed;
-  std::ranges::set_symmetric_difference(paths_, now, std::back_inserter(changed));
-  paths_ = std::move(now);
-  return changed;
+  auto now = mountsBelow(root_);
+  std::vector<std::pair<std::string, std::uint64_t>> changed;
+  std::ranges::set_symmetric_difference(mounts_, now, std::back_inserter(changed));
+  mounts_ = std::move(now);
+  std::vector<std::string> paths;
+  for (auto& [path, id] : changed) paths.push_back(std::move(path));
+  return paths;
 }
 
 }  // namespace spacemint

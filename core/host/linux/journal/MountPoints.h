@@ -2,9 +2,10 @@
 
 #include "core/host/FileHandle.h"
 
+#include <cstdint>
 #include <set>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace spacemint {
@@ -21,16 +22,15 @@ class MountPoints {
   int descriptor() const { return table_.get(); }
   /// True once after every change. Never blocks.
   bool haveChanged() const;
-  /// Reads the table again. Returns the mount points that appeared or disappeared, relative to the root.
+  /// Reads the table again. Returns the mount points at which something was mounted or unmounted, relative to
+  /// the root.
   std::vector<std::string> refresh();
-  /// Whether nothing is mounted below the root.
-  bool empty() const { return paths_.empty(); }
-  bool contains(std::string_view relativePath) const { return paths_.contains(relativePath); }
 
  private:
   std::string root_;
   FileHandle table_;
-  std::set<std::string, std::less<>> paths_;
+  // The relative paths of the mount points, each with the ids of its mounts.
+  std::set<std::pair<std::string, std::uint64_t>> mounts_;
 };
 
 }  // namespace spacemint

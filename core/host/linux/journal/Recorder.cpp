@@ -71,9 +71,10 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
  private:
   bool isCurrent() const { return recorder_->crawlNumber_ == number_; }
 
-  FolderRef openedRoot(const FileHandle& folder) override {
+  FolderRef openedRoot(const FileHandle& folder, const std::vector<ListedPlace>& places) override {
     const std::lock_guard lock(recorder_->mapMutex_);
     if (!isCurrent() || !recorder_->tree_.begin(folder)) return {};
+    if (places != recorder_->tree_.places()) recorder_->tree_.fail(JournalError::eventsLost);
     recorder_->tree_.setScanning(true);
     source_ = recorder_->queue_.source();
     return recorder_->tree_.rootRef();
@@ -81,7 +82,7 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
 
   // The folder is watched before the lock is taken, because watching takes the longest.
   FolderRef opened(FolderRef parent, std::string_view name, const FileHandle& folder) override {
-    if (!source_) return {};
+    if (!source_ || parent == FolderRef{}) return {};
     const auto watched = source_->watch(folder);
     rewindFolder(folder);
     const std::lock_guard lock(recorder_->mapMutex_);

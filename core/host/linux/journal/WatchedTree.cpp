@@ -1,5 +1,6 @@
 #include "core/host/linux/journal/WatchedTree.h"
 
+#include "core/base/AsciiText.h"
 #include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/journal/FileSystemTraits.h"
 
@@ -59,6 +60,12 @@ void setSum(FolderMap& map, FolderMap::Id id, const FolderSum& sum) {
   setFlag(map[id], FolderMap::linked, sum.hasLinks);
 }
 
+// What is mounted at a name in a folder; null if nothing is. `mounts` are those in the folder; may be null.
+const MountTree* mountPointIn(const MountTree* mounts, std::string_view name) {
+  const MountTree* mount = mounts != nullptr ? mounts->child(name) : nullptr;
+  return mount != nullptr && mount->isMountPoint ? mount : nullptr;
+}
+
 std::string joined(std::string_view folder, std::string_view name) {
   std::string path{folder};
   if (!path.empty() && !path.ends_with('/')) path += '/';
@@ -93,8 +100,16 @@ bool WatchedTree::begin(const FileHandle& root) {
     return false;
   }
   const auto identity = identityOf(pathThroughHandle(root));
+  const auto facts = factsOf(root);
+  if (!facts) {
+    fail(JournalError::failed);
+    return false;
+  }
   mounts_ = MountPoints{realPathOf(root)};
-  const auto begun = parts_.queue.begin(root);
+  territory_ = Territory::of(root, *facts);
+  const bool isOneVolume = std::ranges::all_of(
+      places(), [&](const ListedPlace& place) { return place.pool == places().front().pool; });
+  const auto begun = parts_.queue.begin(root, isOneVolume);
   watchLimit_ = parts_.watchLimit != 0 ? parts_.watchLimit : parts_.queue.source()->watchLimit();
   const auto watched = accept(begun);
   if (!identity || !watched) {
@@ -189,7 +204,8 @@ void WatchedTree::handle(const FolderEvent& event) {
   if (id == FolderMap::none) {
     if ((event.mask & IN_IGNORED) == 0 && !isScanning_) unwatch(event.watch);
   } else if ((event.mask & IN_UNMOUNT) != 0) {
-    fail(JournalError::unmounted);
+    // The mount table reports the unmount of other volumes.
+    if (id == map_.root()) fail(JournalError::unmounted);
   } else if ((event.mask & IN_IGNORED) != 0) {
     touchPlaceOf(id);
     map_.dropWatch(id);
@@ -233,10 +249,7 @@ void WatchedTree::markTree(Id id) {
 void WatchedTree::settle(Clock::time_point now) {
   if (error_) return;
   if (mounts_.haveChanged()) mountsMayHaveChanged_ = true;
-  if (mountsMayHaveChanged_) {
-    for (const std::string& path : mounts_.refresh()) takeMountChange(path);
-  }
-  mountsMayHaveChanged_ = false;
+  if (std::exchange(mountsMayHaveChanged_, false)) noticeMountChanges();
   for (int pass = 0; pass < passes && !places_.empty(); ++pass) {
     std::ranges::sort(places_);
     const auto repeated = std::ranges::unique(places_);
@@ -305,18 +318,40 @@ void WatchedTree::dropMovedOut(Clock::time_point now) {
   });
 }
 
+// The mounts in this folder and below; null if there are none.
+const MountTree* WatchedTree::mountsIn(Id folder) const {
+  if (territory_.mounts().below.empty()) return nullptr;
+  const auto path = map_.relativePath(folder);
+  if (!path) return nullptr;
+  const MountTree* node = &territory_.mounts();
+  for (const std::string_view name : pieces(*path, '/')) {
+    node = node->child(name);
+    if (node == nullptr) return nullptr;
+  }
+  return node;
+}
+
+// A mark on the root's file system reports nothing of other ones.
+bool WatchedTree::reportsChanges(const FileHandle& mounted, const HandleFacts& facts) const {
+  if (!traitsOf(mounted).reportsAllChanges) return false;
+  const auto place = territory_.indexOf(facts.mounted.mountId);
+  return !parts_.queue.marksFileSystem() || (place && places()[*place].pool == places().front().pool);
+}
+
 WatchedTree::Opened WatchedTree::openChild(Id parent, const FileHandle& handle,
                                            const std::string& name) const {
-  // Mounted file systems are not touched, because they may hang.
-  if (!mounts_.empty()) {
-    const auto path = map_.relativePath(parent);
-    if (path && mounts_.contains(joined(*path, name))) return {.error = EXDEV};
-  }
+  // File systems outside of the territory are not touched, because they may hang.
+  const MountTree* mount = mountPointIn(mountsIn(parent), name);
+  if (mount != nullptr && !mount->isEntered) return {.error = EXDEV};
   FileHandle opened = openFolderItself(handle.get(), name.c_str());
   if (!opened) return {.error = errno};
   const auto facts = factsOf(opened);
   if (!facts) return {.error = facts.error()};
-  if (facts->mounted != identity_.mounted) return {.error = EXDEV};
+  if (territory_.verdict(opened, *facts, mount != nullptr) != Territory::Verdict::inside) {
+    return {.error = EXDEV};
+  }
+  // A folder that may not be opened counts as changed in every answer.
+  if (mount != nullptr && !reportsChanges(opened, *facts)) return {.error = EPERM};
   return {.handle = std::move(opened)};
 }
 
@@ -440,11 +475,11 @@ WatchedTree::Frame WatchedTree::listed(Id id, FileHandle handle) {
 // Lists a folder that is watched already, and stores its own size. Fetches events meanwhile: the kernel's
 // queue would overflow during the listing of a large folder.
 void WatchedTree::list(Id id, const FileHandle& folder, const Visit& visit) {
-  const auto path = mounts_.empty() ? std::nullopt : map_.relativePath(id);
+  const MountTree* mounts = mountsIn(id);
   FolderSum sum;
   bool isWhole = true;
   const auto take = [&](const FolderEntry& read) {
-    if (path && mounts_.contains(joined(*path, std::string_view{read.name}))) return;
+    if (mountPointIn(mounts, read.name) != nullptr) return;
     const Entry entry = readEntry(folder, read.name, read.type, identity_.mounted.device);
     if (entry.error != 0 && !isGone(entry.error)) isWhole = false;
     sum.add(entry);
@@ -481,6 +516,13 @@ void WatchedTree::crawl(Id top, FileHandle handle) {
       stack.push_back(listed(looked.toCrawl, std::move(opened.handle)));
     }
   }
+}
+
+void WatchedTree::noticeMountChanges() {
+  const FileHandle root = openFolder(AT_FDCWD, parts_.root.c_str());
+  const auto facts = root ? factsOf(root) : std::unexpected(errno);
+  if (facts) territory_ = Territory::of(root, *facts);
+  for (const std::string& path : mounts_.refresh()) takeMountChange(path);
 }
 
 // Something was mounted at this path or unmounted from it.

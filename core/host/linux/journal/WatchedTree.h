@@ -3,6 +3,7 @@
 #include "core/host/EventJournal.h"
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
+#include "core/host/linux/Territory.h"
 #include "core/host/linux/journal/EventClock.h"
 #include "core/host/linux/journal/EventQueue.h"
 #include "core/host/linux/journal/FolderMap.h"
@@ -89,6 +90,8 @@ class WatchedTree {
   std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query);
 
   const MountPoints& mounts() const { return mounts_; }
+  /// The mounts that are recorded, the root's first.
+  const std::vector<ListedPlace>& places() const { return territory_.places(); }
   const FolderMap& map() const { return map_; }
   bool hitWatchLimit() const { return hitWatchLimit_; }
 
@@ -147,6 +150,8 @@ class WatchedTree {
   void markTree(Id id);
   void markReplaced(Id parent, std::string_view name);
 
+  const MountTree* mountsIn(Id folder) const;
+  bool reportsChanges(const FileHandle& mounted, const HandleFacts& facts) const;
   Opened openChild(Id parent, const FileHandle& handle, const std::string& name) const;
   FileHandle openVerified(Id id);
   FileHandle openByPath(const std::string& relativePath) const;
@@ -162,11 +167,13 @@ class WatchedTree {
   void dropMovedOut(Clock::time_point now);
   void lookAt(const std::vector<Place>& places);
   void flagUnsettled();
+  void noticeMountChanges();
   void takeMountChange(const std::string& relativePath);
 
   Parts parts_;
   FolderMap map_;
   MountPoints mounts_;
+  Territory territory_;
   Identity identity_;
   std::size_t watchLimit_ = 0;
   std::vector<Place> places_;
