@@ -2,9 +2,9 @@
 
 #include "Spacemint/desktop/linux/InstalledFiles.h"
 #include "core/history/Migration.h"
+#include "core/host/FolderListing.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
-#include "core/host/VolumeInfo.h"
 #include "core/volume/Permissions.h"
 
 #include <cstdio>
@@ -26,7 +26,7 @@ AppContext contextOf(DefaultsStore& defaults, EventJournal& journal, const AppIn
           .personal = UserFolders::personal(),
           .data = UserFolders::data(),
           .environment = UserFolders::environment,
-          .disk = startupVolume(),
+          .disk = std::string{wholeDisk},
           .locale = userLocale(),
           .timeZone = userTimeZone(),
           .mayNotify = info.identifier.has_value(),

@@ -2,10 +2,12 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/tree/TreeWalk.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 
 #include <algorithm>
 #include <functional>
+#include <ranges>
 
 namespace spacemint::ctl {
 
@@ -69,16 +71,28 @@ std::string fileTable(const std::vector<FileItem>& files, const Wording& wording
   return table.text();
 }
 
+// What the scan left out; at most `limit` lines.
+std::string leftOutTable(const Snapshot& snapshot, std::size_t limit, const Wording& wording) {
+  const auto& items = snapshot.coverage.leftOut;
+  Table table{0};
+  for (const LeftOut& item : items | std::views::take(limit)) {
+    table.add({FindingText::leftOutTitle(item, snapshot.date, wording.locale), shown(item.path, wording)});
+  }
+  if (items.size() > limit) table.add({"and " + std::to_string(items.size() - limit) + " more", ""});
+  return table.text();
+}
+
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull) {
   const auto folders = largestFolders(snapshot.root, top);
   const auto files = snapshot.largestFiles(top);
   const std::string threshold = ByteFormat::string(snapshot.minNodeSize, wording.locale);
 
-  std::string text = printable(snapshot.rootPath()) + ": " +
-                     ByteFormat::string(snapshot.root.size, wording.locale) + " in " +
-                     counted(snapshot.fileCount, "file", wording.locale) + ", measured in " +
-                     secondsText(snapshot.duration) + '\n';
+  std::string text =
+      printable(snapshot.rootPath()) + ": " +
+      FindingText::folderSize(snapshot.root.size, snapshot.coverage.unread.folders > 0, wording.locale) +
+      " in " + counted(snapshot.fileCount, "file", wording.locale) + ", measured in " +
+      secondsText(snapshot.duration) + '\n';
   text += whyFull.empty() ? "A rescan: what has not changed was taken from the last scan.\n"
                           : "A full scan, because " + whyFull + ".\n";
   if (snapshot.volumeTotal > 0) {
@@ -89,6 +103,10 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
   if (!files.empty()) text += "\nLargest files\n" + fileTable(files, wording);
   if (top > 0 && folders.empty() && files.empty())
     text += "\nNothing here is as large as " + threshold + ".\n";
+  if (!snapshot.coverage.leftOut.empty()) {
+    constexpr std::size_t fewest = 5;
+    text += "\nNot scanned\n" + leftOutTable(snapshot, std::max(top, fewest), wording);
+  }
   return text;
 }
 

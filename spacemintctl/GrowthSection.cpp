@@ -56,10 +56,11 @@ Json jsonOf(const Snapshot& scan) {
 }
 
 std::string growthText(const Snapshot& baseline, const std::vector<Growth>& grown, const Scene& scene) {
-  const auto& locale = scene.wording.locale;
+  const auto& [home, locale] = scene.wording;
+  const auto change = Changes::spaceChange(baseline, scene.snapshot, home);
   std::string text = "Since " + localTime(baseline.date) + " (" +
                      RelativeTime::age(baseline.date, scene.now, locale) + ")\n" +
-                     FindingText::freeChange(baseline.volumeFree, scene.snapshot.volumeFree, locale) + '\n';
+                     FindingText::freeChange(change.value_or(SpaceChange{}), home, locale) + '\n';
   if (grown.empty()) return text + FindingText::nothingGrew(scene.minimum, locale) + '\n';
   Table table{2};
   for (const Growth& each : grown) {

@@ -4,7 +4,9 @@
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
+#include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
+#include "core/scan/ScanTiming.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
@@ -43,6 +45,7 @@ std::optional<Error> obstacle(const std::string& root) {
 std::optional<Bytes> expectedBytes(const std::string& root) {
   const auto last = storedScan(SnapshotStore::ofRoot(root), "");
   if (last && last->rootPath() == root) return last->root.size;
+  if (root == wholeDisk) return ScanTiming::expectedBytes(nullptr, root, std::nullopt, readVolumes());
   if (mountPointOf(root) != root) return std::nullopt;
   const auto volume = VolumeStatus::current(root);
   return volume ? std::optional{volume->used()} : std::nullopt;
@@ -101,14 +104,15 @@ int runScan(const ScanOptions& options) {
     return wasInterrupted() ? interrupted : failed;
   }
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
-  const std::string note = unreadNote(result->coverage.unread, wording);
-  const Snapshot snapshot = FinishedScan{.result = std::move(*result),
-                                         .plan = plan,
-                                         .minNodeSize = options.minSize,
-                                         .start = start,
-                                         .end = currentTime(),
-                                         .volume = VolumeStatus::current(*root)}
-                                .snapshot();
+  const Snapshot snapshot =
+      FinishedScan{.result = std::move(*result),
+                   .plan = plan,
+                   .minNodeSize = options.minSize,
+                   .start = start,
+                   .end = currentTime(),
+                   .volume = VolumeStatus::current(*root == wholeDisk ? startupVolume() : *root)}
+          .snapshot();
+  const std::string note = unreadNote(snapshot.coverage.unread, wording);
   const bool answered = answer(snapshot, plan, options, wording);
   if (!note.empty() && !options.quiet) complain(note);
   const bool saved = options.noSave || save(snapshot);

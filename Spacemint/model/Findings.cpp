@@ -32,7 +32,7 @@ void compare(const Findings::Question& question, Findings& findings) {
                                      .to = question.snapshot,
                                      .minimum = Findings::growthMinimum,
                                      .limit = Findings::growthLimit});
-  if (baseline->rootPath() == question.snapshot.rootPath()) findings.baselineFree = baseline->volumeFree;
+  findings.spaceChange = Changes::spaceChange(*baseline, question.snapshot, question.home);
 }
 
 }  // namespace
@@ -92,7 +92,7 @@ void CurrentFindings::assign(Findings findings) {
   if (before.devCleanups != now.devCleanups) Q_EMIT devCleanupsChanged();
   if (before.huggingFace != now.huggingFace) Q_EMIT huggingFaceChanged();
   if (before.largestFiles != now.largestFiles) Q_EMIT largestFilesChanged();
-  if (before.baselineFree != now.baselineFree || before.baselineUnavailable != now.baselineUnavailable) {
+  if (before.spaceChange != now.spaceChange || before.baselineUnavailable != now.baselineUnavailable) {
     Q_EMIT baselineChanged();
   }
   isReady_ = history_.snapshot() != nullptr;

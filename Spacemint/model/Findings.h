@@ -29,8 +29,8 @@ struct Findings {
   std::vector<DevTools::FoundCleanup> devCleanups = {};
   std::vector<DevTools::HuggingFaceItem> huggingFace = {};
   std::vector<FileItem> largestFiles = {};
-  /// The free space of the volume, in bytes, at the baseline; absent when the baseline is of another folder.
-  std::optional<Bytes> baselineFree = {};
+  /// The free space since the baseline; absent when the baseline is of another folder.
+  std::optional<SpaceChange> spaceChange = {};
   /// The baseline could not be read.
   bool baselineUnavailable = false;
 

@@ -54,7 +54,8 @@ void ScanLifecycle::scan() {
   if (isScanning()) return;
   const SharedSnapshot& last = parts_.history.snapshot();
   startedAt_ = desktop_.clock.steadyNow();
-  expectedBytes_ = ScanTiming::expectedBytes(last.get(), root(), parts_.volume.status());
+  expectedBytes_ =
+      ScanTiming::expectedBytes(last.get(), root(), parts_.volume.status(), parts_.volume.volumes());
   editedDuringScan_.clear();
   cancelFlag_ = std::make_shared<CancelFlag>(false);
   progress_ = DiskScanner::Progress{};

@@ -2,9 +2,10 @@
 
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownText.h"
-#include "core/base/ByteFormat.h"
+#include "core/wording/FindingText.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace spacemint {
@@ -60,6 +61,22 @@ std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
   return items;
 }
 
+// What the scan left out in the folder, or below it in folders too small to be listed.
+std::vector<ListItem> leftOutItems(const Folder& folder, const Snapshot& snapshot, const UiHost& host) {
+  std::vector<ListItem> items;
+  for (const LeftOut& item : snapshot.coverage.leftOut) {
+    if (findFolder(snapshot, item.path).path != folder.path) continue;
+    items.push_back(
+        {.id = "left out " + item.path,
+         .title = Paths::display(item.path, host.home),
+         .subtitle = FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale) +
+                     ", not scanned",
+         .sizeText = "",
+         .symbol = item.kind == LeftOut::Kind::snapshot ? "square.stack.3d.up" : "externaldrive"});
+  }
+  return items;
+}
+
 // The index of the child that is `below` or leads to it; 0 if there is none.
 int rowTowards(const std::string& below, const Folder& folder) {
   if (!below.starts_with(folder.path)) return 0;
@@ -87,12 +104,16 @@ void Folders::update() {
     return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.home));
   };
   auto items = itemsOf(folder, host_);
+  const Coverage& coverage = snapshot->coverage;
+  std::ranges::move(leftOutItems(folder, *snapshot, host_), std::back_inserter(items));
   std::string text{items.empty() ? FolderText::empty : ""};
   content_.assign(std::move(items), {.text = std::move(text)});
   const std::string before = std::exchange(path_, folder.path);
   parent_ = folder.parent;
   title_ = titleOf(folder.path);
-  sizeText_ = ShownText::plain(ByteFormat::string(folder.node->size, host_.locale));
+  const bool isLowerBound = coverage.unread.isAtOrBelow(folder.path) ||
+                            (coverage.unread.folders > 0 && folder.path == snapshot->rootPath());
+  sizeText_ = ShownText::plain(FindingText::folderSize(folder.node->size, isLowerBound, host_.locale));
   parentTitle_ = parent_ ? titleOf(*parent_) : QString{};
   Q_EMIT changed();
   if (before != path_) Q_EMIT opened(rowTowards(before, folder));

@@ -24,15 +24,14 @@ constexpr int growthShown = 5;
 // The text in place of the list of what grew; empty when there is a list.
 std::string growthText(const Findings& findings, const std::string& locale) {
   if (findings.baselineUnavailable) return std::string{baselineUnreadable};
-  if (!findings.baselineFree) return std::string{FindingText::nothingToCompare};
+  if (!findings.spaceChange) return std::string{FindingText::nothingToCompare};
   return findings.growth.empty() ? FindingText::nothingGrew(Findings::growthMinimum, locale) : "";
 }
 
 // Empty when there is no earlier scan to compare with.
-std::string freeChangeText(const Findings& findings, const SharedSnapshot& snapshot,
-                           const std::string& locale) {
-  if (!snapshot || findings.baselineUnavailable || !findings.baselineFree) return "";
-  return FindingText::freeChange(*findings.baselineFree, snapshot->volumeFree, locale);
+std::string freeChangeText(const Findings& findings, const UiHost& host) {
+  if (findings.baselineUnavailable || !findings.spaceChange) return "";
+  return FindingText::freeChange(*findings.spaceChange, host.home, host.locale);
 }
 
 // "1 day ago · 08:15"
@@ -91,7 +90,7 @@ void Overview::update() {
   const SharedSnapshot& snapshot = host_.model.history().snapshot();
   // While the analysis of a scan runs, an empty finding does not mean that there is nothing.
   const bool isReady = host_.model.currentFindings().isReady();
-  freeChange_ = ShownText::sentence(freeChangeText(findings, snapshot, host_.locale));
+  freeChange_ = ShownText::sentence(freeChangeText(findings, host_));
   auto grown = growthItems();
   const auto first = std::min(grown.size(), std::size_t{growthShown});
   firstGrowth_.assign({grown.begin(), grown.begin() + static_cast<std::ptrdiff_t>(first)});

@@ -2,6 +2,7 @@
 
 #include "core/tree/Snapshot.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,23 @@ struct Growth {
   bool operator==(const Growth&) const = default;
 };
 
-/// Compares two scans of the same folder. Pure; any thread.
+/// How the free space of a volume changed between two scans, and how much of the change lies in the scanned
+/// folder. In bytes.
+struct SpaceChange {
+  Bytes freeBefore = 0;
+  Bytes freeNow = 0;
+  /// The growth of the scanned folder on this volume; absent if the scans cover different parts of it.
+  std::optional<Bytes> inFolder = {};
+  std::string root;
+
+  /// The growth of everything else on the volume.
+  std::optional<Bytes> elsewhere() const;
+
+  bool operator==(const SpaceChange&) const = default;
+};
+
+/// Compares two scans of the same folder. What only one of them could see has neither grown nor shrunk: a
+/// folder that could not be read, a volume that was not mounted. Pure; any thread.
 namespace Changes {
 
 struct GrowthArguments {
@@ -36,6 +53,10 @@ struct GrowthArguments {
 /// result never contains another result. Empty if the scans have different roots, or if the root grew by less
 /// than `minimum`.
 std::vector<Growth> growth(const GrowthArguments& arguments);
+
+/// What became of the free space that the scans were stored with. `home` is the home folder, whose volume
+/// that is in scans of the whole disk. Absent if the scans have different roots.
+std::optional<SpaceChange> spaceChange(const Snapshot& from, const Snapshot& to, const std::string& home);
 
 }  // namespace Changes
 

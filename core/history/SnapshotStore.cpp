@@ -6,8 +6,8 @@
 #include "core/base/Unicode.h"
 #include "core/history/SnapshotCodec.h"
 #include "core/host/AtomicFile.h"
+#include "core/host/FolderListing.h"
 #include "core/host/UserFolders.h"
-#include "core/host/VolumeInfo.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -75,7 +75,7 @@ SnapshotStore SnapshotStore::standard() {
 }
 
 SnapshotStore SnapshotStore::ofRoot(const std::string& root) {
-  if (canonicallyEqual(root, UserFolders::home()) || canonicallyEqual(root, startupVolume())) {
+  if (canonicallyEqual(root, UserFolders::home()) || root == wholeDisk) {
     return standard();
   }
   return {.directory = Paths::join(otherRoots(), folderNameOf(root))};

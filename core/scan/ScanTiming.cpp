@@ -1,5 +1,7 @@
 #include "core/scan/ScanTiming.h"
 
+#include "core/host/FolderListing.h"
+
 #include <algorithm>
 
 namespace spacemint {
@@ -18,8 +20,16 @@ bool ScanTiming::isStale(const Staleness& question) {
 }
 
 Bytes ScanTiming::expectedBytes(const Snapshot* last, std::string_view root,
-                                const std::optional<VolumeStatus>& volume) {
+                                const std::optional<VolumeStatus>& volume,
+                                std::span<const VolumeReading> volumes) {
   if (last != nullptr && last->rootPath() == root) return last->root.size;
+  if (root == wholeDisk && !volumes.empty()) {
+    Bytes used = 0;
+    for (const auto& [each, space] : volumes) {
+      if (space && !each.isRemovable) used = saturatingAdd(used, space->used);
+    }
+    return used;
+  }
   return volume ? volume->used() : 0;
 }
 

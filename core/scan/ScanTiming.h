@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/host/VolumeTable.h"
 #include "core/tree/Snapshot.h"
 #include "core/volume/VolumeStatus.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -26,8 +28,9 @@ struct Staleness {
 bool isStale(const Staleness& question);
 
 /// The expected bytes of a scan of `root`: the bytes of the last scan of `root`, otherwise the used bytes of
-/// the volume; 0 if neither is known.
-Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume);
+/// the volume, or, for the whole disk, of all `volumes`; 0 if none is known.
+Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume,
+                    std::span<const VolumeReading> volumes);
 
 /// The limit of `fraction`: a scan may find more bytes than expected before it ends.
 inline constexpr double highestFraction = 0.99;

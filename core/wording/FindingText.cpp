@@ -2,6 +2,10 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/host/FolderListing.h"
+#include "core/tree/Paths.h"
+
+#include <cstdlib>
 
 namespace spacemint {
 
@@ -13,6 +17,43 @@ std::string FindingText::freeChange(Bytes before, Bytes after, const std::string
   const std::string from = text(before);
   const std::string to = text(after);
   return change != 0 && from == to ? said : said + ", from " + from + " to " + to;
+}
+
+std::string FindingText::freeChange(const SpaceChange& change, std::string_view home,
+                                    const std::string& locale) {
+  constexpr Bytes smallestPart = 100'000'000;
+  std::string text = freeChange(change.freeBefore, change.freeNow, locale);
+  const Bytes elsewhere = change.elsewhere().value_or(0);
+  if (std::abs(elsewhere) < smallestPart) return text;
+  const bool isDisk = change.root == wholeDisk;
+  const std::string folder = isDisk                ? "in files"
+                             : change.root == home ? "in your home folder"
+                                                   : "in " + Paths::display(change.root, home);
+  const auto part = [&](Bytes bytes, const std::string& place) {
+    const std::string less = bytes < 0 ? " less " : " ";
+    return ByteFormat::string(std::abs(bytes), locale) + less + place;
+  };
+  text += ": ";
+  if (std::abs(*change.inFolder) >= smallestPart) text += part(*change.inFolder, folder) + ", ";
+  return text + part(elsewhere, isDisk ? "not in files" : "elsewhere");
+}
+
+std::string FindingText::leftOutTitle(const LeftOut& item, Date now, const std::string& locale) {
+  switch (item.kind) {
+    case LeftOut::Kind::volume:
+      return "Another disk";
+    case LeftOut::Kind::snapshot:
+      return item.created ? "Snapshot from " + RelativeTime::age(*item.created, now, locale) : "Snapshots";
+    case LeftOut::Kind::removable:
+      return "Removable disk";
+    case LeftOut::Kind::remote:
+      return "Network folder";
+  }
+  return "";
+}
+
+std::string FindingText::folderSize(Bytes size, bool isLowerBound, const std::string& locale) {
+  return (isLowerBound ? "at least " : "") + ByteFormat::string(size, locale);
 }
 
 std::string FindingText::nothingGrew(Bytes minimum, const std::string& locale) {

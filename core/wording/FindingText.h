@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/analysis/Changes.h"
 #include "core/analysis/DeviceBackups.h"
 #include "core/analysis/GitWorktrees.h"
 #include "core/analysis/Suggestions.h"
@@ -27,6 +28,14 @@ inline constexpr std::string_view noOllamaModels = "No models.";
 /// "Free space dropped by 2 GB, from 34 GB to 32 GB". Without the second half if both figures would look the
 /// same.
 std::string freeChange(Bytes before, Bytes after, const std::string& locale);
+/// The same with where it went, if part of it lies outside of the scanned folder: "…: 12 GB in your home
+/// folder, 2 GB elsewhere". Parts under 100 MB are left out.
+std::string freeChange(const SpaceChange& change, std::string_view home, const std::string& locale);
+
+/// What a scan left out, as "Snapshot from 3 days ago" or "Network folder". `now` is the time of reading.
+std::string leftOutTitle(const LeftOut& item, Date now, const std::string& locale);
+/// "12 GB", with "at least" in front if parts could not be read.
+std::string folderSize(Bytes size, bool isLowerBound, const std::string& locale);
 
 /// "Nothing grew by more than 100 MB."
 std::string nothingGrew(Bytes minimum, const std::string& locale);

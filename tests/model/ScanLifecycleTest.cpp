@@ -332,7 +332,7 @@ TEST_F(ScanLifecycleTest, comparesWithTheScanOfADayAgo) {
   desktop.settle();
   ASSERT_TRUE(model->history().baselineEntry());
   EXPECT_EQ(model->history().baselineEntry()->date, morning - 26h);
-  EXPECT_EQ(model->findings().baselineFree, 120 * GB);
+  EXPECT_EQ(model->findings().spaceChange.value().freeBefore, 120 * GB);
   ASSERT_THAT(model->findings().growth, SizeIs(1));
   EXPECT_EQ(model->findings().growth[0].path, inHome("new"));
 
@@ -342,7 +342,7 @@ TEST_F(ScanLifecycleTest, comparesWithTheScanOfADayAgo) {
   desktop.settle();
   EXPECT_EQ(model->history().baselineEntry()->date, morning - 26h) << "the baseline stays what it was";
   EXPECT_TRUE(model->findings().baselineUnavailable);
-  EXPECT_EQ(model->findings().baselineFree, std::nullopt);
+  EXPECT_EQ(model->findings().spaceChange, std::nullopt);
   EXPECT_THAT(model->findings().growth, IsEmpty());
 
   model->history().setBaselineEntry(model->history().entries()[1]);

@@ -82,7 +82,7 @@ Bytes ModelFixture::sizeInScan(std::string_view name) const {
   return node != nullptr ? node->size / MB * MB : 0;
 }
 
-void ModelFixture::storeHome(Date date, std::vector<Node> children, Bytes free) const {
+void ModelFixture::storeHome(Date date, std::vector<Node> children, Bytes free, Coverage coverage) const {
   const auto saved = store.save({.date = date,
                                  .duration = Seconds{4.2},
                                  .root = support::folder(home, std::move(children)),
@@ -90,7 +90,8 @@ void ModelFixture::storeHome(Date date, std::vector<Node> children, Bytes free) 
                                  .volumeFree = free,
                                  .volumeTotal = 500 * GB,
                                  .minNodeSize = ScanLifecycle::minNodeSize,
-                                 .fullScanDate = date});
+                                 .fullScanDate = date,
+                                 .coverage = std::move(coverage)});
   ASSERT_TRUE(saved) << saved.error().message;
 }
 

@@ -59,7 +59,7 @@ class ModelFixture : public testing::Test {
 
   // Invented scans of the home folder.
 
-  void storeHome(Date date, std::vector<Node> children, Bytes free = 120 * GB) const;
+  void storeHome(Date date, std::vector<Node> children, Bytes free = 120 * GB, Coverage coverage = {}) const;
   /// Stores two scans between which this many folders grew, each less than the one before it.
   void storeGrowth(int folders) const;
   /// A chain of folders; the innermost has these children.

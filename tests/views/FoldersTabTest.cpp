@@ -55,6 +55,21 @@ TEST_F(FoldersTabTest, goesIntoAFolderAndBackByMouse) {
   EXPECT_EQ(list()->property("currentIndex").toInt(), 1) << "the folder that was left is the current row";
 }
 
+TEST_F(FoldersTabTest, showsWhatTheScanCouldNotReadOrLeftOut) {
+  Coverage coverage;
+  coverage.unread = {.folders = 1, .paths = {inHome("Films/locked/inside")}};
+  coverage.leftOut = {{inHome("Films/copies/monday"), LeftOut::Kind::snapshot, morning - 26h},
+                      {inHome("nas"), LeftOut::Kind::remote}};
+  storeHome(morning - 1h, {support::folder("Films", {file("holiday.mov", GB)})}, 120 * GB, coverage);
+  show(Tab::folders);
+  EXPECT_THAT(rows(), ElementsAre("Films", "~/nas"));
+  EXPECT_FALSE(view->find(QStringLiteral("at least 1 GB")).isEmpty());
+  click(row("Films"));
+  EXPECT_THAT(rows(), ElementsAre("holiday.mov", "~/Films/copies/monday"));
+  EXPECT_FALSE(view->find(QStringLiteral("Snapshot from 1 day ago, not scanned")).isEmpty());
+  EXPECT_FALSE(view->find(QStringLiteral("at least 1 GB")).isEmpty());
+}
+
 TEST_F(FoldersTabTest, aDoubleClickGoesDownOneFolderOnly) {
   showFolders();
   view->doubleClick(row("Films"));

@@ -368,9 +368,12 @@ TEST(ScanTiming, saysHowFarAScanIs) {
 TEST(ScanTiming, expectsWhatTheLastScanFoundOrTheVolumeHolds) {
   const Snapshot last{.root = folder("/home", {file("a", 10)})};
   const VolumeStatus volume{"Disk", 100, 30};
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/home", volume), 10);
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume), 70);
-  EXPECT_EQ(ScanTiming::expectedBytes(nullptr, "/", std::nullopt), 0);
+  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/home", volume, {}), 10);
+  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume, {}), 70);
+  const std::vector<VolumeReading> volumes{
+      {{}, Space{.used = 70}}, {{.isRemovable = true}, Space{.used = 9}}, {}, {{}, Space{.used = 5}}};
+  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume, volumes), 75);
+  EXPECT_EQ(ScanTiming::expectedBytes(nullptr, "/", std::nullopt, {}), 0);
 }
 
 TEST(ScanTiming, isStaleWhenOlderThanTheLimitOrOfAnotherFolder) {

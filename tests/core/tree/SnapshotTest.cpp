@@ -2,6 +2,7 @@
 
 #include "core/analysis/Changes.h"
 #include "core/tree/Paths.h"
+#include "core/wording/FindingText.h"
 #include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
@@ -222,6 +223,42 @@ TEST(Changes, comparesNothingWhenTheRootsDifferOrTheWholeGrewByLess) {
   EXPECT_THAT(growth(small, folder("/home/ann", {file("f", 99)})), IsEmpty());
   EXPECT_EQ(growth(small, folder("/home/ann", {file("f", 100)})).size(), 1U);
   EXPECT_THAT(growth(small, folder("/home/ann", {file("f", 100)}), 100, 0), IsEmpty());
+}
+
+// What comes into sight has not grown, and free space that no folder explains went elsewhere.
+TEST(Changes, countOnlyWhatBothScansCouldSee) {
+  constexpr Bytes MB = 1'000'000;
+  const auto scan = [](std::vector<Node> children, Bytes size, Bytes free, std::vector<std::string> unread) {
+    Snapshot result = scanOf(folder("/home/ann", std::move(children)));
+    result.volumeFree = free;
+    result.coverage.places = {
+        {.place = {.mountPoint = "/home", .root = "/", .fileSystem = "ext4"}, .size = size}};
+    result.coverage.unread.paths = std::move(unread);
+    return result;
+  };
+  const auto disk = [&] { return CoveredPlace{{.mountPoint = "/home/ann/disk", .pool = 7}, 900 * MB}; };
+  const Snapshot before = scan({file("f", 100 * MB)}, 100 * MB, 5'000 * MB, {"/home/ann/x/locked"});
+  Snapshot after = scan({folder("x", {folder("locked", {file("g", 700 * MB)})}), file("f", 400 * MB)},
+                        1'100 * MB, 3'000 * MB, {});
+  after.coverage.places.push_back(disk());
+  after.root.children.push_back(folder("disk", {file("h", 900 * MB)}));
+  after.root.size += 900 * MB;
+
+  const auto grown = Changes::growth({.from = before, .to = after, .minimum = 100 * MB, .limit = 9});
+  EXPECT_THAT(grown, ElementsAre(Growth{"/home/ann/f", 300 * MB, 400 * MB, false, false}));
+  const auto textOf = [](const Snapshot& from, const Snapshot& to) {
+    return FindingText::freeChange(Changes::spaceChange(from, to, "/home/ann").value(), "/home/ann", "en_US");
+  };
+  EXPECT_EQ(textOf(before, after),
+            "Free space dropped by 2 GB, from 5 GB to 3 GB: 300 MB in your home folder, 1.7 GB elsewhere");
+  EXPECT_EQ(
+      textOf(after, before),
+      "Free space grew by 2 GB, from 3 GB to 5 GB: 300 MB less in your home folder, 1.7 GB less elsewhere");
+  after.volumeFree = 4'700 * MB;
+  EXPECT_EQ(textOf(before, after), "Free space dropped by 300 MB, from 5 GB to 4.7 GB");
+  after.coverage.places = {};  // a scan that does not say what it covers
+  after.volumeFree = 3'000 * MB;
+  EXPECT_EQ(textOf(before, after), "Free space dropped by 2 GB, from 5 GB to 3 GB");
 }
 
 TEST(Changes, keepsTheOrderOfTheTreeAmongEqualGrowthAndCutsAfterSorting) {
