@@ -4,6 +4,7 @@
 #include "core/base/RelativeTime.h"
 #include "core/base/Unicode.h"
 #include "core/host/UserFolders.h"
+#include "core/host/VolumeTable.h"
 #include "core/scan/ScanPlan.h"
 #include "core/settings/Settings.h"
 #include "core/volume/Permissions.h"
@@ -34,14 +35,88 @@ struct Fact {
 };
 using Facts = std::vector<Fact>;
 
+std::string sizeText(Bytes size) {
+  return ByteFormat::string(size, userLocale());
+}
+
+std::string usedText(const Space& space) {
+  return sizeText(space.used) + " (" + percentage(space.used, space.used + space.free) + ")";
+}
+
+// "ext4" keeps a reserve for the system, Btrfs sets space aside for its own records.
+Fact heldBackFact(const Space& space) {
+  Fact fact{"heldBack", space.heldBack, "", ""};
+  if (space.heldBack > 0) {
+    fact.title = "Reserved";
+    fact.text = sizeText(space.heldBack);
+  }
+  return fact;
+}
+
+Json jsonOf(const VolumeReading& reading) {
+  const auto& [volume, space] = reading;
+  Json mountPoints = Json::array();
+  for (const VolumePlace& place : volume.places) {
+    mountPoints.push_back(withInvalidUtf8Replaced(place.mountPoint));
+  }
+  Json object{{"name", withInvalidUtf8Replaced(volume.name)},
+              {"mountPoints", std::move(mountPoints)},
+              {"fileSystem", withInvalidUtf8Replaced(volume.fileSystem)},
+              {"holdsHome", volume.holdsHome},
+              {"isWritable", volume.isWritable},
+              {"isRemovable", volume.isRemovable}};
+  if (!space) return object;
+  object["total"] = space->total;
+  object["used"] = space->used;
+  object["heldBack"] = space->heldBack;
+  object["free"] = space->free;
+  if (space->files) object["files"] = {{"total", space->files->total}, {"free", space->files->free}};
+  return object;
+}
+
+std::string remarksOn(const VolumeReading& reading) {
+  const auto& [volume, space] = reading;
+  std::string remarks = volume.fileSystem;
+  if (!volume.isWritable) remarks += ", read-only";
+  if (volume.isRemovable) remarks += ", removable";
+  if (space && space->heldBack > 0) remarks += ", " + sizeText(space->heldBack) + " reserved";
+  if (space && space->files) {
+    const std::int64_t inUse = space->files->total - space->files->free;
+    remarks += ", " + percentage(inUse, space->files->total) + " of its files in use";
+  }
+  return remarks;
+}
+
+std::string mountPointsOf(const Volume& volume) {
+  std::string text;
+  for (const VolumePlace& place : volume.places)
+    text += (text.empty() ? "" : ", ") + printable(place.mountPoint);
+  return text;
+}
+
+std::string volumeTable(const std::vector<VolumeReading>& readings) {
+  Table table{0};
+  for (const VolumeReading& reading : readings) {
+    const auto& [volume, space] = reading;
+    const std::string free =
+        space ? sizeText(space->free) + " free of " + sizeText(space->total) : "does not answer";
+    table.add({printable(volume.name), free, space ? usedText(*space) + " used" : "", mountPointsOf(volume),
+               printable(remarksOn(reading))});
+  }
+  return table.text();
+}
+
+// The figures of df: the used space does not include the reserve.
 Facts volumeFacts(const VolumeStatus& volume, const std::string& mountPoint) {
   const std::string locale = userLocale();
+  const Space space = readSpace(mountPoint)
+                          .value_or(Space{.total = volume.total, .used = volume.used(), .free = volume.free});
   return {{"name", withInvalidUtf8Replaced(volume.name), "", ""},
           {"mountPoint", withInvalidUtf8Replaced(mountPoint), "", ""},
           {"total", volume.total, "Total", ByteFormat::string(volume.total, locale)},
           {"free", volume.free, "Free", ByteFormat::string(volume.free, locale)},
-          {"used", volume.used(), "Used",
-           ByteFormat::string(volume.used(), locale) + " (" + percentage(volume.used(), volume.total) + ")"},
+          {"used", space.used, "Used", usedText(space)},
+          heldBackFact(space),
           {"usedFraction", volume.usedFraction(), "", ""},
           {"fullDiskAccess", Permissions::hasFullDiskAccess(), "", ""}};
 }
@@ -106,9 +181,9 @@ Fact notificationFact() {
                  : "none are shown, because this session has no message bus"};
 }
 
-Facts verboseFacts(const VolumeStatus& volume, const std::string& mountPoint) {
+Facts verboseFacts(const VolumeStatus& volume) {
   const StoredSettings settings = storedSettings();
-  const std::string root = settings.scope == ScanScope::disk ? mountPoint : UserFolders::home();
+  const std::string root = settings.scope == ScanScope::disk ? std::string{wholeDisk} : UserFolders::home();
   const Date now = currentTime();
   auto newest = storedScan(SnapshotStore::standard(), "");
   std::optional<Snapshot> last;
@@ -156,8 +231,17 @@ int runStatus(bool json, bool verbose) {
     return failed;
   }
   Facts facts = volumeFacts(*volume, mountPoint);
-  if (verbose) std::ranges::move(verboseFacts(*volume, mountPoint), std::back_inserter(facts));
-  return print(json ? jsonOf(facts) : textOf(facts, *volume, mountPoint)) ? done : failed;
+  if (verbose) std::ranges::move(verboseFacts(*volume), std::back_inserter(facts));
+  const auto readings = readVolumes();
+  if (json) {
+    Json volumes = Json::array();
+    for (const VolumeReading& reading : readings) volumes.push_back(jsonOf(reading));
+    facts.push_back({"volumes", std::move(volumes), "", ""});
+    return print(jsonOf(facts)) ? done : failed;
+  }
+  std::string text = textOf(facts, *volume, mountPoint);
+  if (readings.size() > 1) text += "\nVolumes\n" + volumeTable(readings);
+  return print(text) ? done : failed;
 }
 
 }  // namespace spacemint::ctl

@@ -99,7 +99,8 @@ TEST_F(SpacemintctlTest, statusSaysHowFullTheDiskIs) {
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_THAT(outcome.out, AllOf(HasSubstr("Free  "), HasSubstr("Total  ")));
   EXPECT_THAT(program.run({"status", "--json"}).out,
-              testing::MatchesRegex(R"(\{"name":".*,"total":[0-9]+,.*\}.)"));
+              AllOf(testing::MatchesRegex(R"(\{"name":".*,"total":[0-9]+,.*\}.)"),
+                    HasSubstr(R"("volumes":[{"name":")"), HasSubstr(R"("mountPoints":["/)")));
 }
 
 TEST_F(SpacemintctlTest, statusSaysHowTheNextScanWillBeMade) {
