@@ -73,6 +73,10 @@ ColumnLayout {
             }
         }
     }
+    VolumeLines {
+        Layout.fillWidth: true
+        volumes: root.ui.summary.volumes
+    }
     Rectangle {
         Layout.fillWidth: true
         Layout.topMargin: 2

@@ -3,11 +3,40 @@
 #include "Spacemint/views/UiHost.h"
 
 #include <QQmlEngine>
+#include <QVariantList>
+
+#include <vector>
 
 namespace spacemint {
 
 /// Where on the bar the warning begins, from 0 to 1.
 double warningFraction(const VolumeStatus& volume, std::int64_t thresholdGB);
+
+/// A volume besides the home folder's, as a line of the summary.
+struct VolumeLine {
+  Q_GADGET
+  Q_PROPERTY(QString name MEMBER name)
+  Q_PROPERTY(double usedFraction MEMBER usedFraction)
+  Q_PROPERTY(QString free MEMBER free)
+  Q_PROPERTY(QString total MEMBER total)
+  Q_PROPERTY(int level MEMBER level)
+  Q_PROPERTY(QString spoken MEMBER spoken)
+ public:
+  QString name;
+  double usedFraction = 0;
+  QString free;
+  QString total;
+  /// A `Summary::Level`.
+  int level = 0;
+  /// The line as a sentence: "backup, 6.2 GB free of 112 GB, low".
+  QString spoken;
+
+  bool operator==(const VolumeLine&) const = default;
+};
+
+/// The volumes besides the home folder's that can fill up, the fullest first. Pure.
+std::vector<VolumeLine> volumeLines(const std::vector<VolumeReading>& readings, std::int64_t thresholdGB,
+                                    const std::string& locale);
 
 /// The free space of the volume and its warning. Main thread only.
 class Summary : public QObject {
@@ -24,6 +53,8 @@ class Summary : public QObject {
   Q_PROPERTY(QString tickHelp READ tickHelp NOTIFY changed)
   /// The sentence about a low level; empty if the level is ok.
   Q_PROPERTY(QString warning READ warning NOTIFY changed)
+  /// A list of `VolumeLine`.
+  Q_PROPERTY(QVariantList volumes READ volumes NOTIFY volumesChanged)
  public:
   enum class Level { ok, low, critical };
   Q_ENUM(Level)
@@ -38,16 +69,21 @@ class Summary : public QObject {
   double tickFraction() const;
   QString tickHelp() const;
   QString warning() const;
+  const QVariantList& volumes() const { return volumes_; }
 
  Q_SIGNALS:
   void changed();
+  void volumesChanged();
 
  private:
   const std::optional<VolumeStatus>& volume() const { return host_.model.volume().status(); }
+  void updateVolumes();
   std::int64_t thresholdGB() const { return host_.model.prefs().warningThresholdGB(); }
 
   const UiHost& host_;
   Preferences::Subscription threshold_;
+  std::vector<VolumeLine> lines_;
+  QVariantList volumes_;
 };
 
 }  // namespace spacemint

@@ -53,6 +53,28 @@ TEST(PageText, tickStandsWhereTheWarningBegins) {
   EXPECT_DOUBLE_EQ(warningFraction({"", gigabyte, 0}, 9'223'372'036), 0);
 }
 
+TEST(PageText, volumesAreListedFromTheFullest) {
+  const auto volume = [](const char* name, Bytes used, Bytes free) {
+    return VolumeReading{{.name = name, .places = {{}}, .isWritable = true},
+                         Space{.total = used + free, .used = used, .free = free}};
+  };
+  std::vector<VolumeReading> readings{volume("Home", 99, 1),
+                                      volume("data", 50 * gigabyte, 50 * gigabyte),
+                                      volume("backup", 106 * gigabyte, 6 * gigabyte),
+                                      volume("stick", 9, 1),
+                                      volume("boot", 90, 1),
+                                      volume("windows", 1, 1)};
+  readings[0].volume.holdsHome = true;
+  readings[3].volume.isRemovable = true;
+  readings[5].space.reset();
+  std::string spoken;
+  for (const VolumeLine& line : volumeLines(readings, 20, "en_US"))
+    spoken += line.spoken.toStdString() + "\n";
+  EXPECT_EQ(spoken,
+            "boot, 1 bytes free of 91 bytes\nbackup, 6 GB free of 112 GB, low\ndata, 50 GB free of 100 GB\n"
+            "windows, no answer\n");
+}
+
 TEST(PageText, namesTheRootByWhatWasScanned) {
   const struct {
     const char* path;

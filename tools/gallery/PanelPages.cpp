@@ -113,6 +113,16 @@ void askToDelete(Scene& scene, const std::string& name) {
                                            "This removes it for good. It can't be restored."});
 }
 
+VolumeReading volumeOf(const std::string& name, bool holdsHome, Bytes total, Bytes free) {
+  return {{.pool = std::hash<std::string>{}(name),
+           .name = name,
+           .fileSystem = "ext4",
+           .places = {{.mountPoint = "/" + name}},
+           .holdsHome = holdsHome,
+           .isWritable = true},
+          Space{.total = total, .used = total - free, .free = free}};
+}
+
 struct PanelPage {
   const char* name;
   Scene::Step before = scanned;
@@ -145,6 +155,14 @@ constexpr PanelPage panelPages[] = {
      [](Scene& s) {
        s.scanned();
        s.screen().volume.current = VolumeStatus{"Disk", 8'888'880 * MB, 888'888 * MB};
+     }},
+    {"panel-volumes",
+     [](Scene& s) {
+       s.scanned();
+       s.screen().volume.others = {volumeOf("Home", true, 500 * GB, 100 * GB),
+                                   volumeOf("System", false, 60 * GB, 21 * GB),
+                                   volumeOf("archive 2019 to 2024", false, 2'000 * GB, 640 * GB),
+                                   volumeOf("backup", false, 112 * GB, 6'200 * MB)};
      }},
     {"panel-message", scanned,
      [](Scene& s) { s.tell("Moved thesis.pdf to the Trash. Empty it to free 40 MB."); }},

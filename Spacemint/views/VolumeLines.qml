@@ -1,0 +1,76 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+
+/// The volumes besides the home folder's: the three fullest ones, the rest on demand.
+ColumnLayout {
+    id: root
+
+    /// A list of VolumeLine.
+    required property list<var> volumes
+    property bool showsAll: false
+    readonly property int shown: 3
+
+    visible: volumes.length > 0
+    spacing: 4
+
+    Repeater {
+        model: root.showsAll ? root.volumes : root.volumes.slice(0, root.shown)
+
+        RowLayout {
+            id: line
+
+            required property var modelData
+            readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][modelData.level]
+
+            Layout.fillWidth: true
+            Layout.minimumHeight: Theme.scaled(22)
+            spacing: 8
+            Accessible.role: Accessible.StaticText
+            Accessible.name: modelData.spoken
+
+            Symbol {
+                symbol: line.modelData.level > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
+                size: 14
+                color: line.modelData.level > 0 ? line.levelColor : Theme.secondary
+            }
+            Label {
+                Layout.preferredWidth: Theme.scaled(84)
+                text: line.modelData.name
+                size: 12
+                elide: Text.ElideMiddle
+                Accessible.ignored: true
+            }
+            UsageBar {
+                Layout.fillWidth: true
+                implicitHeight: 4
+                fraction: line.modelData.usedFraction
+                color: line.modelData.level > 0 ? line.levelColor : Theme.secondary
+                Accessible.ignored: true
+            }
+            Label {
+                Layout.preferredWidth: Theme.scaled(58)
+                text: line.modelData.free
+                size: 12
+                color: line.levelColor
+                horizontalAlignment: Text.AlignRight
+                Accessible.ignored: true
+            }
+            Label {
+                Layout.preferredWidth: Theme.scaled(62)
+                text: line.modelData.total
+                size: 12
+                color: Theme.secondary
+                Accessible.ignored: true
+            }
+        }
+    }
+    QuietButtonStyle {
+        Layout.alignment: Qt.AlignHCenter
+        visible: root.volumes.length > root.shown
+        text: root.showsAll ? "Show fewer disks" : `${root.volumes.length - root.shown} more`
+        onClicked: root.showsAll = !root.showsAll
+    }
+}
