@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/tree/TreeWalk.h"
+#include "core/volume/SharedFiles.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 
@@ -26,6 +27,12 @@ bool isExplainedByASubfolder(const Node& folder) {
 
 std::string shown(const std::string& path, const Wording& wording) {
   return printable(Paths::display(path, wording.home));
+}
+
+// Asks the disk.
+std::string freedText(const FileItem& file, const Wording& wording) {
+  const auto freed = SharedFiles::freesAtMost(file.path);
+  return freed ? "  (" + FindingText::freesAtMost(*freed, wording.locale) + ")" : "";
 }
 
 std::string secondsText(Seconds duration) {
@@ -66,7 +73,8 @@ std::string fileTable(const std::vector<FileItem>& files, const Wording& wording
   Table table;
   for (const FileItem& file : files) {
     table.add({ByteFormat::string(file.size, wording.locale),
-               file.modified ? localTime(*file.modified).substr(0, 10) : "", shown(file.path, wording)});
+               file.modified ? localTime(*file.modified).substr(0, 10) : "",
+               shown(file.path, wording) + freedText(file, wording)});
   }
   return table.text();
 }

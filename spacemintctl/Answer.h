@@ -28,7 +28,8 @@ std::vector<FolderItem> largestFolders(const Node& root, std::size_t limit);
 /// A table with a line for each folder: size, share of `whole` (bytes), number of files, path.
 std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, const Wording& wording);
 
-/// A table with a line for each file: size, date of the last change, path.
+/// A table with a line for each file: size, date of the last change, path, and what a removal frees if that
+/// is less (`SharedFiles`, which asks the disk).
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
 
 /// The text that `spacemintctl scan` prints. `whyFull` as in `ScanPlan`.

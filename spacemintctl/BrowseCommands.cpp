@@ -3,6 +3,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Unicode.h"
 #include "core/host/UserFolders.h"
+#include "core/volume/SharedFiles.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -32,6 +33,7 @@ void setModified(Json& object, std::optional<Date> modified) {
 Json jsonOf(const FileItem& file) {
   Json object{{"path", withInvalidUtf8Replaced(file.path)}, {"size", file.size}};
   setModified(object, file.modified);
+  if (const auto freed = SharedFiles::freesAtMost(file.path)) object["freesAtMost"] = *freed;
   return object;
 }
 

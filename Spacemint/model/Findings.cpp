@@ -1,5 +1,8 @@
 #include "Spacemint/model/Findings.h"
 
+#include "core/tree/Paths.h"
+#include "core/volume/SharedFiles.h"
+
 #include <utility>
 
 namespace spacemint {
@@ -49,6 +52,10 @@ Findings Findings::in(const Question& question) {
                     .huggingFace = DevTools::huggingFace(
                         {.in = snapshot, .home = question.home, .environment = question.environment}),
                     .largestFiles = snapshot.largestFiles(fileLimit)};
+  for (const FileItem& file : findings.largestFiles) {
+    if (const auto freed = SharedFiles::freesAtMost(Paths::logical(file.path)))
+      findings.freesAtMost.emplace(file.path, *freed);
+  }
   findings.suggestions = suggestionsBeside(findings.trash, question);
   compare(question, findings);
   return findings;
@@ -91,7 +98,8 @@ void CurrentFindings::assign(Findings findings) {
   if (before.worktrees != now.worktrees) Q_EMIT worktreesChanged();
   if (before.devCleanups != now.devCleanups) Q_EMIT devCleanupsChanged();
   if (before.huggingFace != now.huggingFace) Q_EMIT huggingFaceChanged();
-  if (before.largestFiles != now.largestFiles) Q_EMIT largestFilesChanged();
+  if (before.largestFiles != now.largestFiles || before.freesAtMost != now.freesAtMost)
+    Q_EMIT largestFilesChanged();
   if (before.spaceChange != now.spaceChange || before.baselineUnavailable != now.baselineUnavailable) {
     Q_EMIT baselineChanged();
   }

@@ -11,6 +11,7 @@
 
 #include <QObject>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,8 @@ struct Findings {
   std::vector<DevTools::FoundCleanup> devCleanups = {};
   std::vector<DevTools::HuggingFaceItem> huggingFace = {};
   std::vector<FileItem> largestFiles = {};
+  /// By path, for those of `largestFiles` whose removal frees less than their size, in bytes.
+  std::map<std::string, Bytes> freesAtMost = {};
   /// The free space since the baseline; absent when the baseline is of another folder.
   std::optional<SpaceChange> spaceChange = {};
   /// The baseline could not be read.

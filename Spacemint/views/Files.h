@@ -18,6 +18,7 @@ class Files : public QObject {
 
  private:
   void update();
+  std::string subtitleOf(const FileItem& file) const;
 
   const UiHost& host_;
   ItemRows largest_;

@@ -7,6 +7,7 @@
 #include "core/cleanup/CleanupText.h"
 #include "core/host/AllocatedSize.h"
 #include "core/scan/DiskScanner.h"
+#include "core/volume/SharedFiles.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -44,9 +45,15 @@ class Planner {
                      .title = "Delete permanently?",
                      .subject = sized(item.name, item.size),
                      .detail = shown(item.path),
-                     .note = item.note,
+                     .note = item.note + sharedNote(item.path),
                      .button = "Delete",
                      .touched = {item.path}});
+  }
+
+  // After the note of the request; empty for a file that frees its size, and for folders.
+  std::string sharedNote(const std::string& path) const {
+    const auto freed = SharedFiles::freesAtMost(path);
+    return freed ? " " + CleanupText::sharedNote(*freed, context_.locale) : "";
   }
 
   Planned operator()(const EmptyTrashRequest& trash) const {

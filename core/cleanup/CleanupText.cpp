@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
+#include "core/wording/FindingText.h"
 #include "core/wording/PlatformWords.h"
 
 #include <algorithm>
@@ -58,6 +59,11 @@ std::string CleanupText::worktreeNote(const GitWorktree& worktree, const Worktre
          isolatedName(worktree.repository.value_or("the repository")) + ".";
 }
 
+std::string CleanupText::sharedNote(Bytes freesAtMost, const std::string& locale) {
+  return "It shares blocks with copies or snapshots, or is compressed: this " +
+         FindingText::freesAtMost(freesAtMost, locale) + ".";
+}
+
 std::string CleanupText::cacheNote(const CleanupTarget& target, const std::string& shownPath) {
   const auto command = target.commandLine();
   const std::string advice{target.advice};
@@ -112,19 +118,19 @@ std::string CleanupText::refusalText(const CleanupRequest& request, const Cleanu
 std::string CleanupText::successText(const Success& success, const std::string& locale) {
   const auto bytes = [&](Bytes count) { return ByteFormat::string(count, locale); };
   std::string text = success.label;
-  if (success.freed && *success.freed > worthSaying) {
+  const bool hasSurprise =
+      success.freed && success.removed.bytes > 0 && differ(*success.freed, success.removed.bytes);
+  if (success.freed && (*success.freed > worthSaying || (hasSurprise && *success.freed >= 0))) {
     text += " and freed " + bytes(*success.freed) + ".";
   } else if (success.estimate && *success.estimate >= 1) {
     text += ", about " + bytes(*success.estimate) + ". It can take a moment to show as free.";
   } else {
     text += ".";
   }
-  if (!success.freed || !differ(*success.freed, success.removed.bytes) || success.removed.bytes == 0) {
-    return text;
-  }
+  if (!hasSurprise) return text;
   text += " What was removed took up " + bytes(success.removed.bytes);
   if (*success.freed > success.removed.bytes) return text + "; other programs freed space too.";
-  return text + "; open programs, snapshots or hard links may still hold the rest.";
+  return text + "; open programs, snapshots, hard links or copies may still hold the rest.";
 }
 
 std::string CleanupText::outcome(const CleanupPlan& plan, const CleanupReport& report,

@@ -15,6 +15,8 @@ inline constexpr Bytes worthSaying = 50'000'000;
 
 std::string backupNote(const std::string& name);
 std::string worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents);
+/// For a file that frees less than its size (`SharedFiles::freesAtMost`, in bytes).
+std::string sharedNote(Bytes freesAtMost, const std::string& locale);
 /// `shownPath` is the cache's folder for display.
 std::string cacheNote(const CleanupTarget& target, const std::string& shownPath);
 

@@ -76,6 +76,10 @@ std::string FindingText::inUse(std::int64_t active, std::int64_t count) {
   return std::to_string(active) + " of " + std::to_string(count) + " in use";
 }
 
+std::string FindingText::freesAtMost(Bytes bytes, const std::string& locale) {
+  return "frees at most " + ByteFormat::string(bytes, locale);
+}
+
 std::string FindingText::warning(SpaceLevel level, std::int64_t thresholdGB) {
   switch (level) {
     case SpaceLevel::ok:

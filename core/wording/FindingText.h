@@ -48,6 +48,9 @@ std::string ollamaFailed(const std::string& reason);
 /// "3 of 7 in use"
 std::string inUse(std::int64_t active, std::int64_t count);
 
+/// "frees at most 12 MB": the removal of a file that shares its blocks or is compressed.
+std::string freesAtMost(Bytes bytes, const std::string& locale);
+
 /// The sentence for the levels `low` and `critical`; empty for `ok`.
 std::string warning(SpaceLevel level, std::int64_t thresholdGB);
 

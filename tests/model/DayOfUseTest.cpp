@@ -86,13 +86,12 @@ TEST_F(DayOfUse, hasExactlyTheseScansWarningsAndMessages) {
           "11:00 critical: Your disk is almost full | Only 9 GB left on Disk. Click to see what's using "
           "space.",
           // The disk of this test never has more space.
-          "12:00 message: Cleaned Thumbnails. What was removed took up 81.9 MB; open programs, snapshots or "
-          "hard links may still hold the rest.",
+          "12:00 message: Cleaned Thumbnails and freed 0 bytes. What was removed took up 81.9 MB; open "
+          "programs, snapshots, hard links or copies may still hold the rest.",
           "13:00 message: Deleted junk.",  //
           "14:00 scan",
-          "16:00 message: Emptied the Trash. What was removed took up 51.2 MB; open programs, snapshots or "
-          "hard "
-          "links may still hold the rest.",
+          "16:00 message: Emptied the Trash and freed 0 bytes. What was removed took up 51.2 MB; open "
+          "programs, snapshots, hard links or copies may still hold the rest.",
           "20:00 scan",
           "22:00 notification: Disk space is running low | Only 15 GB left on Disk. ~/Projects/more grew by "
           "410 MB recently. Click to see what's using space.",

@@ -27,8 +27,8 @@ TEST(CleanupText, saysWhatCameFreeAndWhatDidNot) {
   EXPECT_EQ(said({.removed = {9, GB}, .freed = 950 * MB}), "Cleaned it and freed 950 MB.");
   EXPECT_EQ(
       said({.removed = {9, GB}, .freed = 0}),
-      "Cleaned it. What was removed took up 1 GB; open programs, snapshots or hard links may still hold the "
-      "rest.");
+      "Cleaned it and freed 0 bytes. What was removed took up 1 GB; open programs, snapshots, hard links or "
+      "copies may still hold the rest.");
   EXPECT_EQ(said({.removed = {9, GB}, .freed = 2 * GB}),
             "Cleaned it and freed 2 GB. What was removed took up 1 GB; other programs freed space too.");
 }
