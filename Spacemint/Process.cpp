@@ -31,7 +31,7 @@ AppContext contextOf(DefaultsStore& defaults, EventJournal& journal, const AppIn
           .timeZone = userTimeZone(),
           .mayNotify = info.identifier.has_value(),
           .hasFullDiskAccess = Permissions::hasFullDiskAccess,
-          .volumeFacts = [](const Snapshot& /*scan*/) { return readVolumeFacts(UserFolders::home()); }};
+          .volumeFacts = [] { return readVolumeFacts(UserFolders::home()); }};
 }
 
 }  // namespace

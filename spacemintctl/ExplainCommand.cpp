@@ -12,6 +12,8 @@
 #include "spacemintctl/Section.h"
 #include "spacemintctl/StoredScan.h"
 
+#include <algorithm>
+#include <cctype>
 #include <utility>
 
 namespace spacemint::ctl {
@@ -71,25 +73,31 @@ Json accountJson(const Account& account, const std::vector<Line>& lines) {
   return object;
 }
 
+// A note after a colon.
+std::string withoutCapital(std::string text) {
+  if (!text.empty()) text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
+  return text;
+}
+
 class AccountTable {
  public:
   explicit AccountTable(std::string locale) : locale_(std::move(locale)) {}
 
   void add(const Line& line) {
-    row(line.size, line.title, line.note);
+    row(line.size, line.note.empty() ? line.title : line.title + ": " + withoutCapital(line.note));
     const std::size_t shown = std::min(line.details.size(), shownDetails);
     for (std::size_t i = 0; i < shown; ++i) {
       const Line::Detail& detail = line.details[i];
-      row(detail.size, "  " + printable(detail.title), detail.note);
+      row(detail.size, "  " + printable(detail.title) + (detail.note.empty() ? "" : ", " + detail.note));
     }
-    if (shown < line.details.size()) row({}, "  …", "");
+    if (shown < line.details.size()) row({}, "  …");
   }
-  void addSum(Bytes size, const std::string& title) { row(size, title, ""); }
+  void addSum(Bytes size, const std::string& title) { row(size, title); }
   std::string text() const { return table_.text(); }
 
  private:
-  void row(std::optional<Bytes> size, const std::string& title, const std::string& note) {
-    table_.add({size ? ByteFormat::string(*size, locale_) : "", title, note});
+  void row(std::optional<Bytes> size, const std::string& text) {
+    table_.add({size ? ByteFormat::string(*size, locale_) : "", text});
   }
 
   std::string locale_;
@@ -152,9 +160,10 @@ int runExplain(const ExplainOptions& options) {
   if (!scan) return wasInterrupted() ? interrupted : fail(printable(*path) + ": could not be scanned");
   auto scanned = scannedVolume(*scan, facts->volume);
   if (!scanned) return fail(printable(*path) + ": the scan has nothing of its volume");
+  facts->saved = savedBytes(*scan, facts->volume);
   const Account account = accountOf(std::move(*facts), std::move(*scanned));
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
-  const auto lines = AccountText::lines(account, wording.home, wording.locale);
+  const auto lines = AccountText::lines(account, wording.home, wording.locale, currentTime());
   return print(options.json ? accountJson(account, lines).dump() + '\n'
                             : accountText(account, lines, wording))
              ? done

@@ -37,8 +37,8 @@ struct AppContext {
   bool mayNotify = false;
   /// Whether all of the user's files can be read.
   std::function<bool()> hasFullDiskAccess;
-  /// Reads the volume with the home folder for its account by a scan, as `readVolumeFacts`. Blocks; any thread.
-  std::function<std::optional<VolumeFacts>(const Snapshot& scan)> volumeFacts;
+  /// Reads the volume with the home folder, as `readVolumeFacts`. Blocks; any thread.
+  std::function<std::optional<VolumeFacts>()> volumeFacts;
 };
 
 }  // namespace spacemint

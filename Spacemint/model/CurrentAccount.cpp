@@ -10,6 +10,7 @@ std::optional<Account> accountBy(const Snapshot& scan, std::optional<VolumeFacts
   if (!facts) return std::nullopt;
   auto scanned = scannedVolume(scan, facts->volume);
   if (!scanned) return std::nullopt;
+  facts->saved = savedBytes(scan, facts->volume);
   return accountOf(std::move(*facts), std::move(*scanned));
 }
 
@@ -39,7 +40,7 @@ void CurrentAccount::read() {
   Q_EMIT changed();
   tasks_.run(
       Tasks::Priority::background, this,
-      [scan, facts = context_.volumeFacts] { return accountBy(*scan, facts(*scan)); },
+      [scan, facts = context_.volumeFacts] { return accountBy(*scan, facts()); },
       [this](std::optional<Account> account) { take(std::move(account)); }, "account");
 }
 

@@ -9,24 +9,30 @@ Item {
     required property list<real> shares
 
     readonly property real gap: 2
-    readonly property list<real> widths: shares.map(share => share > 0 ? Math.max(4, share * width) : 0)
-    readonly property real filesEnd: widths[0]
-    readonly property real knownEnd: filesEnd + (widths[1] ? gap + widths[1] : 0)
-    readonly property real elsewhereEnd: knownEnd + (widths[2] ? gap + widths[2] : 0)
+    readonly property real files: widthOf(0)
+    readonly property real known: widthOf(1)
+    readonly property real elsewhere: widthOf(2)
+    readonly property real knownEnd: files + (known ? gap + known : 0)
+    readonly property real elsewhereEnd: knownEnd + (elsewhere ? gap + elsewhere : 0)
+
+    function widthOf(index: int): real {
+        const share = shares[index] ?? 0;
+        return share > 0 ? Math.max(4, share * width) : 0;
+    }
 
     implicitHeight: 8
     implicitWidth: 300
     Accessible.ignored: true
 
     Rectangle {
-        width: root.filesEnd
+        width: root.files
         height: root.height
         radius: 2
         color: Theme.tertiary
     }
     Rectangle {
-        x: root.filesEnd + root.gap
-        width: root.widths[1]
+        x: root.files + root.gap
+        width: root.known
         height: root.height
         visible: width > 0
         radius: 2
@@ -47,7 +53,7 @@ Item {
     }
     Rectangle {
         x: root.knownEnd + root.gap
-        width: root.widths[2]
+        width: root.elsewhere
         height: root.height
         visible: width > 0
         radius: 2

@@ -6,6 +6,7 @@
 #include "core/wording/AccountText.h"
 
 #include <algorithm>
+#include <array>
 
 namespace spacemint {
 
@@ -13,10 +14,15 @@ namespace {
 
 constexpr std::size_t shownDetails = 10;
 
-// These are in the sentence above the list.
-bool isInSum(const AccountLine& line, bool isWhole) {
-  return line.part == AccountPart::files || line.part == AccountPart::free ||
-         (line.part == AccountPart::rest && !isWhole);
+// The order of the rows: first what can be changed. The other parts are in the sentence above the list.
+constexpr std::array rowOrder{AccountPart::deleted, AccountPart::heldBack,     AccountPart::ownBytes,
+                              AccountPart::folders, AccountPart::saved,        AccountPart::snapshots,
+                              AccountPart::unread,  AccountPart::otherVolumes, AccountPart::rest};
+
+// What lies outside of the scanned folder is in the sentence, too.
+bool isShown(const AccountLine& line, bool isWhole) {
+  return std::ranges::find(rowOrder, line.part) != rowOrder.end() &&
+         (line.part != AccountPart::rest || isWhole);
 }
 
 double share(Bytes part, Bytes whole) {
@@ -69,7 +75,7 @@ void NotInFiles::update() {
     sum_.clear();
     shares_.clear();
     rows_.assign({}, {.text = current.isReading()   ? "Reading what is not in files…"
-                              : current.hasFailed() ? "What is not in files could not be read."
+                              : current.hasFailed() ? "The next scan shows what is not in files."
                                                     : "",
                       .isWaiting = current.isReading()});
   }
@@ -85,10 +91,12 @@ void NotInFiles::show(const Account& account) {
   const Bytes total = account.space.total;
   shares_ = {share(account.scanned.files, total), share(known, total),
              account.scanned.isWhole ? 0 : share(account.rest, total)};
+  auto lines = AccountText::lines(account, host_.home, locale, host_.desktop.clock.now());
+  std::erase_if(lines, [&](const AccountLine& line) { return !isShown(line, account.scanned.isWhole); });
+  std::ranges::sort(lines, {},
+                    [](const AccountLine& line) { return std::ranges::find(rowOrder, line.part); });
   std::vector<ListItem> items;
-  for (const AccountLine& line : AccountText::lines(account, host_.home, locale)) {
-    if (!isInSum(line, account.scanned.isWhole)) items.push_back(itemOf(line, locale));
-  }
+  for (const AccountLine& line : lines) items.push_back(itemOf(line, locale));
   rows_.assign(std::move(items));
 }
 

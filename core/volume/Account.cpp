@@ -1,10 +1,13 @@
 #include "core/volume/Account.h"
 
+#include "core/base/AsciiText.h"
 #include "core/host/FileSystemOwn.h"
 #include "core/host/VolumeInfo.h"
+#include "core/volume/SharedFiles.h"
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
@@ -67,8 +70,53 @@ const Volume* volumeAt(const std::vector<Volume>& volumes, const std::string& mo
   return found != volumes.end() ? &*found : nullptr;
 }
 
-bool holds(const Volume& volume, const std::string& path) {
-  return volume.mountPoint() == "/" || path.starts_with(volume.mountPoint());
+// The place of the volume that a scan covers; null if there is none. Numbers of pools differ after a restart
+// of the computer, so they are not compared.
+const VolumePlace* placeOf(const CoveredPlace& covered, const Volume& volume) {
+  const auto found = std::ranges::find_if(volume.places, [&](const VolumePlace& place) {
+    return place.mountPoint == covered.place.mountPoint && place.root == covered.place.root;
+  });
+  return found != volume.places.end() && covered.place.fileSystem == volume.fileSystem ? &*found : nullptr;
+}
+
+bool isOn(const Volume& volume, const Snapshot& scan, std::string_view path) {
+  const CoveredPlace* covered = scan.coverage.placeOf(path);
+  return covered != nullptr && placeOf(*covered, volume) != nullptr;
+}
+
+// Whether each place of the volume was scanned from its top, itself or as a part of another place.
+bool coversAll(const Snapshot& scan, const Volume& volume) {
+  std::vector<const VolumePlace*> scanned;
+  for (const CoveredPlace& covered : scan.coverage.places) {
+    const VolumePlace* place = placeOf(covered, volume);
+    if (place != nullptr && isAtOrBelow(place->mountPoint, scan.rootPath())) scanned.push_back(place);
+  }
+  return std::ranges::all_of(volume.places, [&](const VolumePlace& place) {
+    return place.isSnapshot || std::ranges::any_of(scanned, [&](const VolumePlace* whole) {
+             return isAtOrBelow(place.root, whole->root);
+           });
+  });
+}
+
+void addUnread(ScannedVolume& scanned, const Snapshot& scan, const Volume& volume) {
+  const Unread& unread = scan.coverage.unread;
+  std::ranges::copy_if(unread.paths, std::back_inserter(scanned.unreadPaths),
+                       [&](const std::string& path) { return isOn(volume, scan, path); });
+  const auto named = std::ssize(unread.paths);
+  // Of those without a path nobody knows the volume.
+  const auto unnamed = std::max<std::int64_t>(0, saturatingAdd(unread.folders, unread.entries) - named);
+  scanned.unread = saturatingAdd(std::ssize(scanned.unreadPaths), unnamed);
+}
+
+void addLeftOut(ScannedVolume& scanned, const Snapshot& scan, const Volume& volume) {
+  for (const LeftOut& item : scan.coverage.leftOut) {
+    if (!isOn(volume, scan, item.path)) continue;
+    if (item.kind == LeftOut::Kind::snapshot) {
+      scanned.snapshots.push_back(item);
+    } else {
+      scanned.otherVolumes.push_back(item.path);
+    }
+  }
 }
 
 }  // namespace
@@ -93,7 +141,6 @@ std::vector<RestCause> Account::causes() const {
       {RestCause::othersPrograms, isMissing && refusedPrograms > 0},
       {RestCause::mappedFiles, isMissing && hasUnsized},
       {RestCause::unknownFileSystem, isMissing && !ownBytes},
-      {RestCause::unknownFolders, isMissing && !scanned.folders},
       {RestCause::hiddenUnderMounts, isMissing && !scanned.otherVolumes.empty()},
       {RestCause::sharedBlocks, !isMissing && sharesBlocks(volume)},
       {RestCause::smallFilesInMetadata, !isMissing && volume.fileSystem == "btrfs"},
@@ -106,11 +153,23 @@ std::vector<RestCause> Account::causes() const {
 }
 
 std::optional<ScannedVolume> scannedVolume(const Snapshot& scan, const Volume& volume) {
-  if (!holds(volume, scan.rootPath())) return std::nullopt;
-  return ScannedVolume{.root = scan.rootPath(),
-                       .date = scan.date,
-                       .files = scan.root.size,
-                       .isWhole = scan.rootPath() == volume.mountPoint()};
+  ScannedVolume scanned{.root = scan.rootPath(), .date = scan.date, .isWhole = coversAll(scan, volume)};
+  bool isCovered = false;
+  for (const CoveredPlace& covered : scan.coverage.places) {
+    if (placeOf(covered, volume) == nullptr) continue;
+    isCovered = true;
+    scanned.files = saturatingAdd(scanned.files, covered.size);
+    scanned.folders = saturatingAdd(scanned.folders, covered.folderBytes);
+  }
+  if (!isCovered) return std::nullopt;
+  addUnread(scanned, scan, volume);
+  addLeftOut(scanned, scan, volume);
+  return scanned;
+}
+
+Bytes savedBytes(const Snapshot& scan, const Volume& volume) {
+  if (!sharesBlocks(volume)) return 0;
+  return SharedFiles::saved(scan, [&](const std::string& path) { return isOn(volume, scan, path); });
 }
 
 Account accountOf(VolumeFacts facts, ScannedVolume scanned) {
@@ -123,8 +182,8 @@ Account accountOf(VolumeFacts facts, ScannedVolume scanned) {
   account.held = heldByPrograms(facts.deleted.files, account.volume.pool);
   account.deleted = sumOf(account.held);
   account.rest = saturatingAdd(account.space.used, account.saved);
-  for (const Bytes part : {account.scanned.files, account.scanned.folders.value_or(0), account.deleted,
-                           account.ownBytes.value_or(0)}) {
+  for (const Bytes part :
+       {account.scanned.files, account.scanned.folders, account.deleted, account.ownBytes.value_or(0)}) {
     account.rest = saturatingSubtract(account.rest, part);
   }
   return account;

@@ -21,19 +21,17 @@ struct ScannedVolume {
   Date date;
   /// In files, links and other items with a name, in bytes.
   Bytes files = 0;
-  /// The blocks of the folders themselves; absent if the scan does not know them.
-  std::optional<Bytes> folders;
-  /// False if the scan began below the top of the volume.
+  /// The blocks of the folders themselves, in bytes.
+  Bytes folders = 0;
+  /// False if a part of the volume lies outside of the scanned folder.
   bool isWhole = false;
   /// Items that could not be read, and the paths of the first of them.
   std::int64_t unread = 0;
   std::vector<std::string> unreadPaths = {};
   /// Snapshots and copies of subvolumes, which scans do not enter.
-  std::vector<std::string> snapshots = {};
-  /// The mount points of other volumes inside the scanned folder.
+  std::vector<LeftOut> snapshots = {};
+  /// The mount points of other volumes in the scanned folder.
   std::vector<std::string> otherVolumes = {};
-
-  bool operator==(const ScannedVolume&) const = default;
 };
 
 /// What is read of a volume itself, in bytes.
@@ -69,7 +67,6 @@ enum class RestCause : std::uint8_t {
   othersPrograms,
   mappedFiles,
   unknownFileSystem,
-  unknownFolders,
   hiddenUnderMounts,
   /// Less is used than was found.
   sharedBlocks,
@@ -113,13 +110,18 @@ struct Account {
   std::vector<RestCause> causes() const;
 };
 
-/// What the scan found on the volume; absent if it measured nothing of the volume. Pure.
+/// What the scan found on the volume; absent if it measured nothing of the volume, or is of an earlier
+/// version that did not store what it covers. Pure.
 std::optional<ScannedVolume> scannedVolume(const Snapshot& scan, const Volume& volume);
 
 /// Pure.
 Account accountOf(VolumeFacts facts, ScannedVolume scanned);
 
-/// Reads the volume that contains `path`, but neither `saved` nor any scan. Absent if the path is on none of
+/// The bytes that large files of the volume share or save by compression (`SharedFiles::saved`). Reads the
+/// disk; any thread.
+Bytes savedBytes(const Snapshot& scan, const Volume& volume);
+
+/// Reads the volume that contains `path`, but not `saved`. Absent if the path is on none of
 /// `localVolumes`, or if the volume does not answer. Takes up to a second: call it on a thread that nobody
 /// waits for. Any thread.
 std::optional<VolumeFacts> readVolumeFacts(const std::string& path);

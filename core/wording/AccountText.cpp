@@ -1,6 +1,7 @@
 #include "core/wording/AccountText.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/RelativeTime.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ struct Scene {
   const Account& account;
   const std::string& home;
   const std::string& locale;
+  Date now;
 
   std::string counted(std::int64_t number, std::string_view thing) const {
     return spacemint::counted(number, thing, locale);
@@ -29,9 +31,15 @@ constexpr std::array<std::string_view, 11> partKeys{
     "files",     "folders",      "deletedButOpen", "fileSystem", "saved", "unread",
     "snapshots", "otherVolumes", "unexplained",    "heldBack",   "free"};
 
-constexpr std::array<std::string_view, 10> causeKeys{
-    "unread",         "snapshots",         "programsOfOthers", "mappedFiles",          "unknownFileSystem",
-    "unknownFolders", "hiddenUnderMounts", "sharedBlocks",     "smallFilesInMetadata", "changesSinceScan"};
+constexpr std::array<std::string_view, 9> causeKeys{"unread",
+                                                    "snapshots",
+                                                    "programsOfOthers",
+                                                    "mappedFiles",
+                                                    "unknownFileSystem",
+                                                    "hiddenUnderMounts",
+                                                    "sharedBlocks",
+                                                    "smallFilesInMetadata",
+                                                    "changesSinceScan"};
 
 // "a, b and c"
 std::string listed(const std::vector<std::string>& words) {
@@ -54,6 +62,29 @@ std::vector<AccountLine::Detail> pathDetails(const std::vector<std::string>& pat
   return details;
 }
 
+std::vector<AccountLine::Detail> snapshotDetails(const Scene& scene) {
+  std::vector<AccountLine::Detail> details;
+  for (const LeftOut& snapshot : scene.account.scanned.snapshots) {
+    details.push_back(
+        {.title = Paths::display(snapshot.path, scene.home),
+         .note = snapshot.created ? RelativeTime::string(*snapshot.created, scene.now, scene.locale) : ""});
+  }
+  return details;
+}
+
+// "5, the oldest made 3 weeks ago"
+std::string snapshotNote(const Scene& scene) {
+  const auto& snapshots = scene.account.scanned.snapshots;
+  std::optional<Date> oldest;
+  for (const LeftOut& snapshot : snapshots) {
+    if (snapshot.created && (!oldest || *snapshot.created < *oldest)) oldest = snapshot.created;
+  }
+  const std::string count = groupedNumber(std::ssize(snapshots), scene.locale);
+  if (!oldest) return count;
+  return count + (snapshots.size() == 1 ? ", made " : ", the oldest made ") +
+         RelativeTime::string(*oldest, scene.now, scene.locale);
+}
+
 std::vector<AccountLine::Detail> heldDetails(const Scene& scene) {
   std::vector<AccountLine::Detail> details;
   for (const HeldFiles& held : scene.account.held) {
@@ -67,26 +98,24 @@ std::vector<AccountLine::Detail> heldDetails(const Scene& scene) {
 std::string causeText(RestCause cause, const Scene& scene) {
   switch (cause) {
     case RestCause::unreadItems:
-      return "what could not be read";
+      return "unread folders";
     case RestCause::snapshots:
       return "snapshots";
     case RestCause::othersPrograms:
       return "deleted files of " + scene.counted(scene.account.refusedPrograms, "program") +
              " of other users";
     case RestCause::mappedFiles:
-      return "deleted libraries that programs still use";
+      return "deleted libraries in use";
     case RestCause::unknownFileSystem:
       return "the file system's own data";
-    case RestCause::unknownFolders:
-      return "the folders' own blocks";
     case RestCause::hiddenUnderMounts:
       return "files hidden under other volumes";
     case RestCause::sharedBlocks:
       return "files that share blocks or are compressed";
     case RestCause::smallFilesInMetadata:
-      return "small files that lie in the file system's own data";
+      return "small files within the file system's own data";
     case RestCause::changesSinceScan:
-      return "what changed since the scan";
+      return "changes since the scan";
   }
   return "";
 }
@@ -97,7 +126,7 @@ std::string restNote(const Scene& scene) {
     return account.rest < 0 ? std::string{AccountText::scanAgain} : "Not in this scan";
   std::vector<std::string> causes;
   for (const RestCause cause : account.causes()) causes.push_back(causeText(cause, scene));
-  if (causes.empty()) return "Less than the figures can tell";
+  if (causes.empty()) return "Too little to have a cause";
   return (account.rest < 0 ? "Less is used than was found, because of " : "Perhaps ") + listed(causes);
 }
 
@@ -126,7 +155,7 @@ void addMeasured(Lines& lines, const Scene& scene) {
   addUnlessZero(lines, {.part = AccountPart::folders,
                         .title = "The folders themselves",
                         .note = "Their lists of names",
-                        .size = account.scanned.folders.value_or(0),
+                        .size = account.scanned.folders,
                         .symbol = "folder"});
   addUnlessEmpty(lines, std::ssize(account.held),
                  {.part = AccountPart::deleted,
@@ -153,9 +182,9 @@ void addCounted(Lines& lines, const Scene& scene) {
   addUnlessEmpty(lines, std::ssize(scanned.snapshots),
                  {.part = AccountPart::snapshots,
                   .title = "Snapshots",
-                  .note = std::to_string(scanned.snapshots.size()) + "; what only they hold is in " + where,
+                  .note = snapshotNote(scene) + ". What only they hold is in " + where,
                   .symbol = "externaldrive.badge.timemachine",
-                  .details = pathDetails(scanned.snapshots, scene)});
+                  .details = snapshotDetails(scene)});
   addUnlessEmpty(lines, scanned.unread,
                  {.part = AccountPart::unread,
                   .title = "Folders that cannot be read",
@@ -175,8 +204,8 @@ void addCounted(Lines& lines, const Scene& scene) {
 }  // namespace
 
 std::vector<AccountLine> AccountText::lines(const Account& account, const std::string& home,
-                                            const std::string& locale) {
-  const Scene scene{account, home, locale};
+                                            const std::string& locale, Date now) {
+  const Scene scene{account, home, locale, now};
   Lines lines;
   addMeasured(lines, scene);
   addCounted(lines, scene);

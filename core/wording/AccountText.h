@@ -52,8 +52,9 @@ namespace AccountText {
 inline constexpr std::string_view scanAgain = "Scan again to see what adds up";
 
 /// The lines in which there is something. Their figures add up to the capacity of the volume. `home` is the
-/// home folder, for paths.
-std::vector<AccountLine> lines(const Account& account, const std::string& home, const std::string& locale);
+/// home folder, for paths; `now` is for the age of snapshots.
+std::vector<AccountLine> lines(const Account& account, const std::string& home, const std::string& locale,
+                               Date now);
 
 /// "129 GB = 83.1 GB in files + 7.1 GB not in files + 38.8 GB free."
 std::string sum(const Account& account, const std::string& locale);

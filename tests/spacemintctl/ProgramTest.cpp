@@ -7,6 +7,7 @@
 #include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <fstream>
@@ -230,6 +231,28 @@ TEST_F(SpacemintctlTest, aScanThatCannotBeKeptIsStillAnswered) {
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.out, HasSubstr(" in 1 file"));
   EXPECT_THAT(outcome.err, AllOf(HasSubstr("couldn't save the scan: "), HasSubstr(".local/share/Spacemint")));
+}
+
+TEST_F(SpacemintctlTest, explainAddsUpToTheCapacity) {
+  program.addFile("Movies/long.mov", 30'000'000);
+  program.run({"scan"});
+  const auto account = nlohmann::json::parse(program.run({"explain", "--json"}).out);
+  std::int64_t sum = 0;
+  for (const auto& part : account.at("parts"))
+    sum += part.at("size").is_null() ? 0 : part.at("size").get<std::int64_t>();
+  EXPECT_EQ(sum, account.at("total"));
+  EXPECT_EQ(account.at("total"), account.at("used").get<std::int64_t>() +
+                                     account.at("heldBack").get<std::int64_t>() +
+                                     account.at("free").get<std::int64_t>());
+  EXPECT_EQ(account.at("scan").at("root"), program.home().path());
+  EXPECT_NEAR(account.at("parts").front().at("size").get<double>(), 30'000'000, 10'000);
+  EXPECT_THAT(program.run({"explain"}).out,
+              AllOf(HasSubstr("by the scan of ~, just now\n"), HasSubstr("  Elsewhere on this volume"),
+                    HasSubstr("  Total\n")));
+  const Outcome none = program.run({"explain", "/proc"});
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_EQ(none.err,
+            "spacemintctl: /proc: its volume could not be read, or is on no disk of this computer\n");
 }
 
 TEST_F(SpacemintctlTest, settingsAreCheckedAndKept) {

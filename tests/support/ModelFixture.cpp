@@ -34,22 +34,21 @@ ModelFixture::ModelFixture() {
 
 AppModel& ModelFixture::makeModel(EventJournal& events, const Desktop& on) {
   model.reset();
-  model =
-      std::make_unique<AppModel>(AppContext{.defaults = defaults,
-                                            .store = store,
-                                            .journal = events,
-                                            .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
-                                            .home = home,
-                                            .personal = {},
-                                            .data = inHome(".local/share"),
-                                            .environment = {},
-                                            .disk = disk,
-                                            .locale = locale,
-                                            .timeZone = "UTC",
-                                            .mayNotify = isApplication,
-                                            .hasFullDiskAccess = [this] { return hasAccess; },
-                                            .volumeFacts = [this](const Snapshot&) { return volumeFacts; }},
-                                 on);
+  model = std::make_unique<AppModel>(AppContext{.defaults = defaults,
+                                                .store = store,
+                                                .journal = events,
+                                                .tools = ToolRuns{Shell{std::vector{folder / "bin"}}},
+                                                .home = home,
+                                                .personal = {},
+                                                .data = inHome(".local/share"),
+                                                .environment = {},
+                                                .disk = disk,
+                                                .locale = locale,
+                                                .timeZone = "UTC",
+                                                .mayNotify = isApplication,
+                                                .hasFullDiskAccess = [this] { return hasAccess; },
+                                                .volumeFacts = [this] { return volumeFacts; }},
+                                     on);
   return *model;
 }
 

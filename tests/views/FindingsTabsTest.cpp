@@ -224,6 +224,37 @@ TEST_F(OverviewTabTest, anotherScanToCompareWithIsChosen) {
                                 : "Free space dropped by 1 GB, from 121 GB to 120 GB"));
 }
 
+TEST_F(OverviewTabTest, whatIsNotInFilesIsShownWhereItMattersAndOnDemand) {
+  const Coverage coverage{
+      .places = {{.place = {.mountPoint = home, .root = "/", .fileSystem = "ext4"}, .size = 300 * MB}}};
+  volumeFacts =
+      VolumeFacts{.volume = {.pool = 1, .fileSystem = "ext4", .places = {{.mountPoint = home, .root = "/"}}},
+                  .space = {.total = 100 * GB, .used = 310 * MB, .free = 100 * GB - 310 * MB},
+                  .ownBytes = 0};
+  storeHome(morning - 1h, {file("letters", 300 * MB)}, 120 * GB, coverage);
+  show(Tab::overview, {460, 1200});
+  EXPECT_FALSE(shows("Not in files"));
+  click("Show what is not in files");
+  EXPECT_TRUE(shows("100 GB = 307 MB in files + 10.2 MB not in files + 99.7 GB free."));
+  view.reset();
+  ui.reset();
+
+  volumeFacts->space.used += 4 * GB;
+  volumeFacts->space.free -= 4 * GB;
+  volumeFacts->deleted.files = {{.size = 4 * GB, .pool = 1, .path = "/log", .programs = {{7, "postgres"}}}};
+  show(Tab::overview, {460, 1200});
+  EXPECT_TRUE(shows("Not in files"));
+  EXPECT_FALSE(shows("postgres"));
+  click("Deleted, but still open, 4 GB");
+  EXPECT_TRUE(shows("postgres"));
+  // A panel that opens shows what has changed since.
+  volumeFacts->deleted.files.front().programs.front().name = "journald";
+  desktop.advance(61s);
+  model->panelWillShow();
+  settle();
+  EXPECT_TRUE(shows("journald"));
+}
+
 TEST_F(OverviewTabTest, aSuggestionUnfoldsByMouseAndKeyboard) {
   storeHome(morning - 1h, {support::folder("Downloads", {file("film.iso", 900 * MB)}),
                            support::folder("code", {nested("shop/node_modules", {file("a", 600 * MB)}),

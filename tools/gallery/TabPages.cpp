@@ -65,9 +65,20 @@ class TabScene final : public support::ModelFixture {
   // A disk that is full although its files are not large.
   void heldSpace(bool isWholeScan) {
     const std::string mountPoint = isWholeScan ? home : "/";
-    storeHome(morning - 1h, {file("film", 83 * GB)}, 38'800 * MB);
+    const Coverage coverage{
+        .places = {{.place = {.mountPoint = mountPoint, .root = "/", .fileSystem = "ext4"},
+                    .size = 83'100'000'000,
+                    .folderBytes = 210 * MB}},
+        .leftOut = {{.path = mountPoint + "/timeshift/2026-02-01",
+                     .kind = LeftOut::Kind::snapshot,
+                     .created = morning - std::chrono::days{21}}},
+        .unread = {.folders = 2, .paths = {mountPoint + "/root", mountPoint + "/var/lib/private"}}};
+    storeHome(morning - 1h, {file("film", 83'100'000'000)}, 38'800 * MB, coverage);
     volumeFacts = VolumeFacts{
-        .volume = {.pool = 1, .name = "System", .fileSystem = "ext4", .places = {{.mountPoint = mountPoint}}},
+        .volume = {.pool = 1,
+                   .name = "System",
+                   .fileSystem = "ext4",
+                   .places = {{.mountPoint = mountPoint, .root = "/"}}},
         .space = {.total = 129 * GB,
                   .used = 88'800'000'000,
                   .free = 38'800'000'000,

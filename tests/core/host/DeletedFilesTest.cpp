@@ -1,8 +1,8 @@
 #include "core/host/DeletedFiles.h"
 
 #include "core/host/linux/ProcText.h"
-#include "support/ChildProcess.h"
 #include "support/Files.h"
+#include "support/HoldingProcess.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -37,39 +37,6 @@ TEST(ProcText, findsDeletedFilesInAnyText) {
           .range = "7f00-7f01", .device = makedev(8, 0x1f), .inode = 42, .path = "/usr/lib/a b\nc.so"}}));
 }
 
-// A program that has opened or mapped files, told to go on by closing a pipe.
-class Holder {
- public:
-  explicit Holder(const std::function<void()>& hold) {
-    if (pipe(ready_) != 0 || pipe(end_) != 0) return;
-    child_ = support::startChild([&] {
-      close(end_[1]);
-      hold();
-      close(ready_[0]);
-      close(ready_[1]);
-      char byte = 0;
-      return read(end_[0], &byte, 1) == 0;
-    });
-    close(ready_[1]);
-    char byte = 0;
-    [[maybe_unused]] const auto isReady = read(ready_[0], &byte, 1);
-  }
-  Holder(const Holder&) = delete;
-  Holder& operator=(const Holder&) = delete;
-  ~Holder() {
-    close(end_[1]);
-    support::statusOf(child_);
-    close(end_[0]);
-    close(ready_[0]);
-  }
-  pid_t pid() const { return child_; }
-
- private:
-  int ready_[2]{};
-  int end_[2]{};
-  pid_t child_ = 0;
-};
-
 void holdOpen(const std::string& path) {
   [[maybe_unused]] const int kept = open(path.c_str(), O_RDWR);
 }
@@ -87,13 +54,13 @@ TEST(DeletedFiles, areFoundOnceWithEveryProgramThatKeepsThem) {
     ASSERT_TRUE(support::allocateFile(path, 3 * MB));
   }
   std::filesystem::create_hard_link(folder / "linked", folder / "other name");
-  const Holder first{[&] {
+  const support::HoldingProcess first{[&] {
     prctl(PR_SET_NAME, "first \xff\n");
     for (const char* name : {"log (deleted)", "log (deleted)", "linked", "there (deleted)"}) {
       holdOpen(folder / name);
     }
   }};
-  const Holder second{[&] {
+  const support::HoldingProcess second{[&] {
     prctl(PR_SET_NAME, "second");
     holdOpen(shared);
     const int library = open((folder / "library").c_str(), O_RDONLY);
@@ -126,7 +93,7 @@ TEST(DeletedFiles, ofOthersAreRefusedAndCounted) {
   if (geteuid() != 0) GTEST_SKIP() << "needs root to become another user";
   const support::TemporaryFolder folder;
   ASSERT_TRUE(support::allocateFile(folder / "secret", MB));
-  const Holder other{[&] { holdOpen(folder / "secret"); }};
+  const support::HoldingProcess other{[&] { holdOpen(folder / "secret"); }};
   std::filesystem::remove(folder / "secret");
   ASSERT_NE(fileAt(deletedFilesInUse(), folder / "secret"), nullptr);
   EXPECT_TRUE(support::succeedsInChild([&] {
