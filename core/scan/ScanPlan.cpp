@@ -192,18 +192,24 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   query.since = *arguments.earlier->eventID;
   const auto places = hostListingPlaces(arguments.root);
   query.minNodeSize = arguments.minNodeSize;
-  if (mayUpdate(*arguments.earlier, places)) {
-    if (auto measured = journal.measuredChanges(query)) {
-      ScanUpdate update{.earlier = std::move(*arguments.earlier), .changes = std::move(*measured)};
-      if (update.isUsable()) {
-        plan.fullScanDate = *update.earlier.fullScanDate;
-        plan.carriedOver = update.earlier.coverage;
-        plan.carriedOver.unread = {};  // an update looks at these folders again
-        plan.update = std::move(update);
-        return plan;
-      }
-      arguments.earlier = std::move(update.earlier);
+  query.folderLimit = arguments.updateLimit;
+  using Measured = std::expected<MeasuredChanges, JournalError>;
+  Measured measured = mayUpdate(*arguments.earlier, places) ? journal.measuredChanges(query)
+                                                            : Measured{std::unexpected(JournalError::failed)};
+  if (measured) {
+    ScanUpdate update{.earlier = std::move(*arguments.earlier), .changes = std::move(*measured)};
+    if (update.isUsable()) {
+      plan.fullScanDate = *update.earlier.fullScanDate;
+      plan.carriedOver = update.earlier.coverage;
+      plan.carriedOver.unread = {};  // an update looks at these folders again
+      plan.update = std::move(update);
+      return plan;
     }
+    arguments.earlier = std::move(update.earlier);
+  }
+  if (!arguments.mayWalk) {
+    plan.whyFull = textOf(measured ? JournalError::failed : measured.error());
+    return plan;
   }
   auto changes = journal.changes(query);
   if (!changes) {

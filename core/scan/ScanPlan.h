@@ -51,6 +51,10 @@ struct ScanPlan {
     std::chrono::milliseconds timeout = std::chrono::seconds{60};
     /// Called repeatedly during the wait for the journal; true ends the wait.
     std::function<bool()> shouldCancel;
+    /// How many folders the journal may list for an update.
+    std::size_t updateLimit = 20'000;
+    /// False: the plan is an update, or a full scan that the caller does not make.
+    bool mayWalk = true;
   };
 
   /// The journal's id at the start of the scan, for the snapshot.

@@ -12,7 +12,9 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -349,6 +351,64 @@ TEST_P(RecorderTest, isLostWhenItsVolumeIsUnmountedAlsoWhereAnotherTookItsPlace)
   }
 }
 
+// The size of everything below the root, as the recorder lists it for the scan with the id `since`.
+class RecorderSizesTest : public RecorderTest {
+ protected:
+  std::expected<MeasuredChanges, JournalError> measured(std::size_t limit = 20'000) {
+    return recorder->measuredChanges({.root = root, .since = since, .folderLimit = limit});
+  }
+  Bytes recorded() {
+    const auto answer = measured();
+    return answer && !answer->folders.empty() ? answer->folders.front().size : -1;
+  }
+  Bytes onTheDisk() { return DiskScanner::scan({.root = root}).value().root.size; }
+};
+
+// A hole is filled through a mapping, and a file through its name in another folder.
+TEST_P(RecorderSizesTest, findsWhatChangedWithoutAnEvent) {
+  fs::create_directories(root + "/a");
+  write(root + "/a/linked");
+  fs::create_hard_link(root + "/a/linked", folder / "elsewhere");
+  start();
+  ASSERT_TRUE(measured());
+  const FileHandle mapped{open((root + "/mapped").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600)};
+  ASSERT_EQ(ftruncate(mapped.get(), 65'536), 0);
+  void* memory = mmap(nullptr, 65'536, PROT_READ | PROT_WRITE, MAP_SHARED, mapped.get(), 0);
+  EXPECT_EQ(recorded(), onTheDisk());
+  for (std::size_t page = 0; page < 3; ++page) {
+    since = currentID();
+    static_cast<char*>(memory)[page * 8'192] = 'm';
+    write(folder / "elsewhere", 50'000);
+    EXPECT_EQ(directories().size(), 0U);
+    EXPECT_EQ(recorded(), onTheDisk());
+  }
+  munmap(memory, 65'536);
+}
+
+TEST_P(RecorderSizesTest, continuesWhereItReachedTheLimit) {
+  start();
+  for (int i = 0; i < 25; ++i) {
+    fs::create_directories(root + "/" + std::to_string(i));
+    write(root + "/" + std::to_string(i) + "/f");
+  }
+  EXPECT_EQ(measured(10).error(), JournalError::tooManyChanges);
+  EXPECT_EQ(recorded(), onTheDisk());
+}
+
+TEST_P(RecorderSizesTest, leaveOutWhatIsMounted) {
+  if (!support::canMount()) GTEST_SKIP() << "no mount namespace to be had here";
+  write(root + "/f");
+  write(folder / "large", 100'000);
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    if (!support::enterOwnMounts()) return false;
+    start();
+    const std::string at = root + "/f";
+    if (mount((folder / "large").c_str(), at.c_str(), nullptr, MS_BIND, nullptr) != 0) return false;
+    write(root + "/g");
+    return measured() && recorded() == onTheDisk();
+  }));
+}
+
 class RecordingCrawlTest : public RecorderTest {
  protected:
   Node scanWith(FolderListing& listing) {
@@ -405,6 +465,7 @@ std::string nameOfSource(const testing::TestParamInfo<bool>& tested) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, RecorderTest, testing::Bool(), nameOfSource);
+INSTANTIATE_TEST_SUITE_P(Each, RecorderSizesTest, testing::Bool(), nameOfSource);
 INSTANTIATE_TEST_SUITE_P(Each, RecordingCrawlTest, testing::Bool(), nameOfSource);
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "core/host/linux/journal/JournalMessage.h"
 #include "core/host/linux/journal/Recorder.h"
+#include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 #include "support/ChildProcess.h"
 #include "support/RandomDisk.h"
@@ -124,6 +125,8 @@ struct Settings {
   std::size_t watchLimit = 0;
   bool permissions = false;
   bool meddles = false;
+  // A scan sets up the recorder while the disk changes.
+  bool scanSetsUp = false;
 };
 
 class Differential {
@@ -135,6 +138,7 @@ class Differential {
   }
 
   const Tally& run() {
+    if (settings_.scanSetsUp) scanThatSetsUp();
     EXPECT_TRUE(recorder_->waitUntilRecording(1min));
     for (Client& client : clients_) rescan(client);
     for (int round = 0; round < settings_.rounds; ++round) {
@@ -161,7 +165,8 @@ class Differential {
     return EventRecorder::start({.root = root_.path(),
                                  .endpointFolder = own_ / "endpoint",
                                  .stateFolder = own_ / "state",
-                                 .watchLimit = settings_.watchLimit})
+                                 .watchLimit = settings_.watchLimit,
+                                 .crawlsAtOnce = !settings_.scanSetsUp})
         .value();
   }
 
@@ -171,6 +176,19 @@ class Differential {
                               .reuse = std::move(reuse),
                               .listing = host_.get()})
         .value();
+  }
+
+  void scanThatSetsUp() {
+    const auto crawl = recorder_->beginCrawl(root_.path());
+    std::thread changing([this] { disk_.steps(100); });
+    ReadAheadListing ahead{*crawl, 4};
+    const auto result =
+        DiskScanner::scan({.root = root_.path(), .minNodeSize = settings_.minNodeSize, .listing = &ahead});
+    changing.join();
+    crawl->finish();
+    for (Client& client : clients_) {
+      client.last = {.root = result->root, .minNodeSize = settings_.minNodeSize, .eventID = crawl->eventID()};
+    }
   }
 
   void rescan(Client& client) {
@@ -357,6 +375,14 @@ TEST_P(JournalDifferential, holdsWhileThingsAppearInFoldersThatAreBeingWatched) 
   const Tally tally =
       compared({.seed = 4, .rounds = numberFrom("SPACEMINT_TEST_ROUNDS", 60), .meddles = true});
   EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
+}
+
+TEST_P(JournalDifferential, holdsFromAScanThatSetsUpWhileTheDiskChanges) {
+  for (std::uint64_t seed = 10; seed < 18; ++seed) {
+    const Tally tally = compared({.seed = seed, .rounds = 3, .steps = {0, 3}, .scanSetsUp = true});
+    EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
+    EXPECT_EQ(tally.fullScans, 0);
+  }
 }
 
 }  // namespace

@@ -221,8 +221,14 @@ class FakeJournal final : public EventJournal {
     return answer;
   }
 
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery&) override {
+    order += "sizes ";
+    return measured;
+  }
+
   std::uint64_t id = 70;
   std::expected<FolderChanges, JournalError> answer;
+  std::expected<MeasuredChanges, JournalError> measured = std::unexpected(JournalError::tooManyChanges);
   JournalQuery asked;
   std::string order;
 };
@@ -312,9 +318,50 @@ TEST_F(ScanPlanTest, reusesTheEarlierScanWhereTheJournalAnswers) {
   EXPECT_EQ(made.fullScanDate, Date{100h});
   EXPECT_EQ(made.eventID, 70U);
   EXPECT_EQ(journal.asked.since, 50U);
-  EXPECT_EQ(journal.order, "id changes ");  // a change between the two calls is in the next answer
+  EXPECT_EQ(journal.order, "id sizes changes ");  // a change between the two calls is in the next answer
   ASSERT_TRUE(made.reuse);
   EXPECT_TRUE(isReused(made.reuse, "/Users/ann/Library"));
+}
+
+TEST_F(ScanPlanTest, updatesTheEarlierScanWhereTheJournalKnowsTheSizes) {
+  journal.measured = MeasuredChanges{};
+  ScanPlan made = plan();
+  EXPECT_EQ(journal.order, "id sizes ");
+  EXPECT_EQ(made.fullScanDate, Date{100h});
+  EXPECT_EQ(made.scan({.root = "/Users/ann"})->root, homeOfAnn().root);  // nothing changed
+  // A subfolder of an unchanged folder, and a tree that is too deep.
+  journal.measured->folders = {{.kind = MeasuredChanges::Kind::same}, {.name = "a"}};
+  EXPECT_FALSE(plan().update);
+  journal.measured->folders = {{.kind = MeasuredChanges::Kind::listed}};
+  for (std::uint32_t i = 0; i < Node::maximumDepth; ++i) {
+    journal.measured->folders.push_back({.parent = i, .kind = MeasuredChanges::Kind::listed, .name = "a"});
+  }
+  EXPECT_FALSE(plan().update);
+  EXPECT_TRUE(plan().reuse);
+}
+
+TEST(ScanUpdate, keepsTheOrderOfEqualsAndScansWhatItCannotTakeOver) {
+  using Kind = MeasuredChanges::Kind;
+  Snapshot earlier{.root =
+                       folder("/r", {folder("b", {file("x", 5)}), file("a", 5),
+                                     folder("other", {file("y", 4)}), folder("bad\ufffd", {file("z", 3)})})};
+  const MeasuredChanges changes{
+      .folders = {{.kind = Kind::listed, .size = 36, .fileCount = 6},
+                  {.kind = Kind::same, .size = 9, .fileCount = 1, .name = "other"},
+                  {.kind = Kind::same, .size = 3, .fileCount = 1, .name = "bad\xff"},
+                  {.kind = Kind::same, .size = 5, .fileCount = 1, .name = "b"},
+                  {.kind = Kind::unknown, .name = "closed"}},
+      .files = {{.name = "new", .size = 5}, {.name = "a", .size = 5}, {.name = "large", .size = 9}}};
+  FakeListing disk{{.subfolders = {{"other", {.batches = {{fileEntry("y", 8)}}}},
+                                   {"bad\xff", {.batches = {{fileEntry("z", 2)}}}}},
+                    .openErrors = {{"closed", EACCES}}}};
+  const auto result =
+      ScanUpdate{.earlier = std::move(earlier), .changes = changes}.run({.root = "/r", .listing = &disk});
+  ASSERT_TRUE(result);
+  EXPECT_EQ(names(result->root), (Names{"large", "other", "b", "a", "new", "bad\xff"}));
+  EXPECT_EQ(result->root.size, 36 - 9 - 3 + 8 + 2);
+  EXPECT_EQ(result->fileCount, 6);
+  EXPECT_EQ(result->unread, (DiskScanner::Unread{.folders = 1, .paths = {"/r/closed"}}));
 }
 
 TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {

@@ -173,8 +173,8 @@ FolderRef WatchedTree::adopt(FolderRef parentRef, std::string_view name, std::ex
     touchPlaceOf(id);
     touch(parent, name);
   }
-  setFlag(map_[id], FolderMap::measured,
-          true);  // before the listing: an event that is handled meanwhile removes it
+  // Set before the scan lists the folder: an event that is handled meanwhile removes it.
+  setFlag(map_[id], FolderMap::measured, true);
   return map_.refTo(id);
 }
 
