@@ -33,6 +33,12 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
                  .preferences = prefs_,
                  .scans = scans_},
                 context_, desktop),
+      looks_({.history = history_,
+              .findings = findings_,
+              .volume = volume_,
+              .scans = scans_,
+              .preferences = prefs_},
+             context_, desktop),
       dev_(context_.tools, desktop.tasks, desktop.clock),
       cleanups_({.history = history_, .developerTools = dev_, .volume = volume_, .messages = messages_},
                 desktop, cleanupContext()),
@@ -42,7 +48,7 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     prefs_.refresh();
     Q_EMIT statusChanged();
   });
-  connect(&volume_, &VolumeWatch::volumesWereRead, &warnings_, &SpaceWarnings::evaluate);
+  connect(&volume_, &VolumeWatch::volumesWereRead, this, &AppModel::warnIfDue);
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
 }
 
@@ -103,6 +109,7 @@ void AppModel::panelWillShow() {
   refreshTrash();
   volume_.refresh();
   account_.refreshIfOld();
+  looks_.look();
   warnings_.refreshNotificationStatus();
 }
 
@@ -113,6 +120,13 @@ void AppModel::probeFullDiskAccess() {
 
 void AppModel::refreshTrash() {
   if (hasFullDiskAccess_) cleanups_.refreshTrash();
+}
+
+// A warning says what grew, so the current scan is brought up to date before it.
+void AppModel::warnIfDue() {
+  const bool isDue = looks_.isDue();
+  if (!isDue && !warnings_.isDue()) return warnings_.evaluate();
+  looks_.look([this] { warnings_.evaluate(); });
 }
 
 Seconds AppModel::scanInterval() const {

@@ -4,6 +4,7 @@
 #include "Spacemint/model/Cleanups.h"
 #include "Spacemint/model/CurrentAccount.h"
 #include "Spacemint/model/Findings.h"
+#include "Spacemint/model/QuickLook.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/SpaceWarnings.h"
 
@@ -87,6 +88,7 @@ class AppModel : public QObject {
   void refreshTrash();
   CleanupContext cleanupContext() const;
   void probeFullDiskAccess();
+  void warnIfDue();
   Seconds scanInterval() const;
 
   AppContext context_;
@@ -99,6 +101,7 @@ class AppModel : public QObject {
   CurrentAccount account_;
   ScanLifecycle scans_;
   SpaceWarnings warnings_;
+  QuickLook looks_;
   DeveloperTools dev_;
   Cleanups cleanups_;
   bool hasFullDiskAccess_;

@@ -57,7 +57,14 @@ void ScanHistory::take(Loaded loaded) {
   isLoaded_ = true;
 }
 
+void ScanHistory::update(Snapshot snapshot) {
+  updatedAt_ = clock_.now();
+  setSnapshot(std::move(snapshot));
+  Q_EMIT changed();
+}
+
 void ScanHistory::replace(Snapshot snapshot, std::vector<Entry> entries) {
+  updatedAt_.reset();
   setSnapshot(std::move(snapshot));
   setEntries(std::move(entries));
   const auto earlier = entries_.empty() ? entries_.begin() : entries_.begin() + 1;

@@ -46,6 +46,12 @@ class ScanHistory : public QObject {
   /// A new scan; `entries` is the history with it.
   void replace(Snapshot snapshot, std::vector<Entry> entries);
 
+  /// The current scan, brought up to date. It stays the scan that is stored: nothing is written, and
+  /// `entries` stay.
+  void update(Snapshot snapshot);
+  /// When `update` was last called for the current scan.
+  const std::optional<Date>& updatedAt() const { return updatedAt_; }
+
   /// Changes the current scan, here and on the disk; nothing without one.
   void edit(const std::string& path, const Edit& edit);
 
@@ -90,6 +96,7 @@ class ScanHistory : public QObject {
   SharedSnapshot snapshot_;
   std::vector<Entry> entries_;
   std::optional<Entry> baselineEntry_;
+  std::optional<Date> updatedAt_;
   std::int64_t revision_ = 0;
   bool isLoaded_ = false;
 };

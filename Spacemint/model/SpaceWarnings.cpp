@@ -133,23 +133,30 @@ std::optional<Warning> SpaceWarnings::lastOf(const Key& key) const {
   return found != lastWarnings_.end() ? std::optional{found->second} : std::nullopt;
 }
 
-void SpaceWarnings::evaluate() {
-  Warnings held;
-  Warnings due;
-  std::vector<Supply> low;
+SpaceWarnings::Assessment SpaceWarnings::assess() const {
+  Assessment now;
   for (Supply& supply : supplies()) {
     const Key key{supply.pool, supply.resource};
     const auto last = lastOf(key);
     const auto next = WarningState::after(
         last, {.free = supply.free, .limits = supply.limits, .now = desktop_.clock.now()});
-    if (const auto& kept = next.warns ? last : next.last) held.emplace(key, *kept);
+    if (const auto& kept = next.warns ? last : next.last) now.held.emplace(key, *kept);
     if (!next.warns) continue;
-    due.emplace(key, *next.last);
-    low.push_back(std::move(supply));
+    now.due.emplace(key, *next.last);
+    now.low.push_back(std::move(supply));
   }
+  return now;
+}
+
+bool SpaceWarnings::isDue() const {
+  return attempt_ == Attempt::none && !assess().due.empty();
+}
+
+void SpaceWarnings::evaluate() {
+  Assessment now = assess();
   // The states of volumes that are gone go, too.
-  lastWarnings_ = std::move(held);
-  if (due.empty()) {
+  lastWarnings_ = std::move(now.held);
+  if (now.due.empty()) {
     if (level() != SpaceLevel::ok)
       log(LogLevel::debug, "low space: the user was warned less than 12 hours ago");
     isDue_ = false;
@@ -157,7 +164,7 @@ void SpaceWarnings::evaluate() {
   }
   if (attempt_ != Attempt::none) return;
   const bool isFirstAttempt = !std::exchange(isDue_, true);
-  warn(low, due);
+  warn(now.low, now.due);
   const bool mayScan = parts_.preferences.hasStarted() && parts_.history.isLoaded();
   if (isFirstAttempt && mayScan && parts_.scans.isStale(staleAfter)) parts_.scans.scan();
 }

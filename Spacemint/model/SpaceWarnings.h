@@ -127,6 +127,8 @@ class SpaceWarnings : public QObject {
   SpaceLevel level() const;
   bool notificationsAllowed() const { return notificationsAllowed_; }
 
+  /// Whether `evaluate` would warn now.
+  bool isDue() const;
   /// Decides by the last readings of the volumes whether to warn now. Call it after every reading.
   void evaluate();
   void sendTestNotification();
@@ -149,7 +151,15 @@ class SpaceWarnings : public QObject {
   };
   using Warnings = std::map<Key, Warning>;
 
+  /// What the last readings mean: the states that stay, and the supplies to warn of now with their new states.
+  struct Assessment {
+    Warnings held;
+    Warnings due;
+    std::vector<Supply> low;
+  };
+
   std::vector<Supply> supplies() const;
+  Assessment assess() const;
   std::optional<Warning> lastOf(const Key& key) const;
   void warn(const std::vector<Supply>& supplies, const Warnings& warnings);
   void finish(const Warnings& warnings, bool isAccepted);

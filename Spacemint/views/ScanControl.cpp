@@ -37,8 +37,9 @@ std::string ScanText::detail(std::int64_t files, std::optional<Seconds> remainin
 }
 
 std::string ScanText::scanned(const Scanned& scan) {
-  return "Scanned " + RelativeTime::string(scan.snapshot.date, scan.now, ShownText::wordsLocale) + " · " +
-         scope(scan.snapshot, scan.home);
+  return (scan.updatedAt ? "Updated " : "Scanned ") +
+         RelativeTime::string(scan.updatedAt.value_or(scan.snapshot.date), scan.now, ShownText::wordsLocale) +
+         " · " + scope(scan.snapshot, scan.home);
 }
 
 std::string ScanText::scannedHelp(const Snapshot& snapshot, const std::string& locale) {
@@ -62,10 +63,12 @@ QString ScanControl::detail() const {
 }
 
 QString ScanControl::scanned() const {
-  const SharedSnapshot& snapshot = host_.model.history().snapshot();
-  if (!snapshot) return {};
-  return ShownText::plain(
-      ScanText::scanned({.snapshot = *snapshot, .now = host_.desktop.clock.now(), .home = host_.home}));
+  const ScanHistory& history = host_.model.history();
+  if (!history.snapshot()) return {};
+  return ShownText::plain(ScanText::scanned({.snapshot = *history.snapshot(),
+                                             .now = host_.desktop.clock.now(),
+                                             .home = host_.home,
+                                             .updatedAt = history.updatedAt()}));
 }
 
 QString ScanControl::scannedHelp() const {

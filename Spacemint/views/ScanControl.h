@@ -19,9 +19,11 @@ struct Scanned {
   const Snapshot& snapshot;
   Date now;
   std::string_view home;
+  /// When the scan was last brought up to date.
+  std::optional<Date> updatedAt = {};
 };
 
-/// "Scanned 2 hours ago · home folder"
+/// "Scanned 2 hours ago · home folder", or "Updated just now · home folder"
 std::string scanned(const Scanned& scan);
 
 /// "600,000 files, scanned in 4s"

@@ -25,8 +25,15 @@ class FakeJournal final : public EventJournal {
     return answer;
   }
 
+  std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery&) override {
+    ++measurements;
+    return measured;
+  }
+
   std::uint64_t id = 0;
   std::expected<FolderChanges, JournalError> answer = std::unexpected(JournalError::notRecording);
+  std::expected<MeasuredChanges, JournalError> measured = std::unexpected(JournalError::notRecording);
+  int measurements = 0;
   std::vector<JournalQuery> queries;
 };
 

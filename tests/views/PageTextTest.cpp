@@ -40,6 +40,9 @@ TEST(PageText, scannedTellsWhenAndWhat) {
   EXPECT_EQ(scanned("/home"), "Scanned 2 hours ago · entire disk");
   EXPECT_EQ(scanned("/System/Volumes/Data"), "Scanned 2 hours ago · entire disk");
   EXPECT_EQ(scanned("/home/ann/code"), "Scanned 2 hours ago · ~/code");
+  const Snapshot updated{.root = {.name = "/"}};
+  EXPECT_EQ(ScanText::scanned({.snapshot = updated, .now = now, .home = "/h", .updatedAt = now}),
+            "Updated just now · entire disk");
   EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{1}, .fileCount = 1}, "en_US"),
             "1 file, scanned in 1s");
   EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{4.9}, .fileCount = 600'000}, "en_US"),
