@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AppServices/AppInfo.h"
+#include "Spacemint/desktop/LaunchAction.h"
 #include "Spacemint/desktop/linux/LinuxDesktop.h"
 #include "Spacemint/model/AppModel.h"
 #include "core/scan/ProcessJournal.h"
@@ -31,8 +32,14 @@ class Process {
 /// Writes one line on standard error.
 void complain(const std::string& message);
 
-/// Runs until the application quits; answers the exit code. `isLogin`: the desktop started the program with
-/// the session, so no window opens.
-int runWithWindows(int argc, char** argv, bool isLogin);
+/// Why the program was started.
+struct Launch {
+  LaunchAction action = LaunchAction::open;
+  /// The desktop started the program with the session, so no window opens.
+  bool isLogin = false;
+};
+
+/// Runs until the application quits; answers the exit code.
+int runWithWindows(char* program, Launch launch);
 
 }  // namespace spacemint

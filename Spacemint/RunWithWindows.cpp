@@ -3,6 +3,7 @@
 #include "Spacemint/desktop/linux/InstalledFiles.h"
 #include "Spacemint/desktop/linux/RunningInstance.h"
 #include "Spacemint/desktop/linux/Termination.h"
+#include "Spacemint/desktop/linux/Wayland.h"
 #include "Spacemint/shell/Application.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
@@ -31,13 +32,15 @@ namespace {
 // Warnings of Qt while the application object is made. They are written if that succeeds.
 QByteArrayList heldBack;
 
-// The platform plugins of Qt to try, in that order; empty for Qt's own choice. X11 comes first, also by
-// XWayland: under Wayland only the compositor places windows, and the panel has its place.
-std::string platforms() {
+// The platform plugins of Qt to try, in that order; empty for Qt's own choice. The panel has its place by
+// layer shell or by X11, also by XWayland; under Wayland without layer shell only the compositor places
+// windows.
+std::string platforms(bool placesOnWayland) {
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return {};
   const bool hasWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-  if (qEnvironmentVariableIsSet("DISPLAY")) return hasWayland ? "xcb;wayland" : "xcb";
-  return hasWayland ? "wayland" : "";
+  if (!qEnvironmentVariableIsSet("DISPLAY")) return hasWayland ? "wayland" : "";
+  if (!hasWayland) return "xcb";
+  return placesOnWayland ? "wayland;xcb" : "xcb;wayland";
 }
 
 bool hasWaylandPlugin() {
@@ -47,7 +50,7 @@ bool hasWaylandPlugin() {
 }
 
 std::string whyThereAreNoWindows() {
-  if (platforms() == "wayland" && !hasWaylandPlugin()) {
+  if (platforms(false) == "wayland" && !hasWaylandPlugin()) {
     return "Qt's plugin for Wayland is missing: install the package qt6-wayland, or XWayland";
   }
   const char* variable = qEnvironmentVariableIsSet("DISPLAY") ? "DISPLAY" : "WAYLAND_DISPLAY";
@@ -83,7 +86,7 @@ bool hasDisplay() {
 
 }  // namespace
 
-int runWithWindows(int /*argc*/, char** argv, bool isLogin) {
+int runWithWindows(char* program, Launch launch) {
   if (!hasDisplay()) {
     complain("there is no display to show windows on; \"spacemint --background\" needs none");
     return EXIT_FAILURE;
@@ -94,8 +97,9 @@ int runWithWindows(int /*argc*/, char** argv, bool isLogin) {
   }
   // The platform is not set in the environment, which programs that we start would inherit.
   std::string option = "-platform";
-  std::string value = platforms();
-  std::vector<char*> arguments{argv[0]};
+  const bool placesOnWayland = LayerShell::isInstalled() && hasLayerShell();
+  std::string value = platforms(placesOnWayland);
+  std::vector<char*> arguments{program};
   if (!value.empty()) arguments.insert(arguments.end(), {option.data(), value.data()});
   int count = static_cast<int>(arguments.size());
   arguments.push_back(nullptr);
@@ -107,7 +111,7 @@ int runWithWindows(int /*argc*/, char** argv, bool isLogin) {
   QGuiApplication::setQuitOnLastWindowClosed(false);
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::windows};
   if (!instance.become()) {
-    if (!isLogin) instance.showOther();
+    if (!launch.isLogin) instance.askOther(launch.action);
     return EXIT_SUCCESS;
   }
   const Termination termination{[] { QCoreApplication::quit(); }};
@@ -121,9 +125,11 @@ int runWithWindows(int /*argc*/, char** argv, bool isLogin) {
                       .home = UserFolders::home(),
                       .locale = userLocale(),
                       .hasBundleIdentifier = process.info.identifier.has_value(),
+                      .hasLayerShell = placesOnWayland,
                       .quit = [] { QCoreApplication::quit(); }});
-  QObject::connect(&instance, &RunningInstance::activated, application.get(), &Application::showUI);
+  QObject::connect(&instance, &RunningInstance::asked, application.get(), &Application::perform);
   application->start();
+  if (launch.action != LaunchAction::open) application->perform(launch.action);
   const int code = QCoreApplication::exec();
   application.reset();
   return process.end(code);

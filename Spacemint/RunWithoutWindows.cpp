@@ -6,7 +6,7 @@
 
 namespace spacemint {
 
-int runWithWindows(int /*argc*/, char** /*argv*/, bool /*isLogin*/) {
+int runWithWindows(char* /*program*/, Launch /*launch*/) {
   complain("this program was built without windows; \"spacemint --background\" needs none");
   return EXIT_FAILURE;
 }

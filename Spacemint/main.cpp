@@ -44,11 +44,16 @@ int main(int argc, char** argv) {
       QStringLiteral("Scan, record and warn without windows; only notifications are shown.")};
   const QCommandLineOption login{
       QStringLiteral("login"), QStringLiteral("Start as at login: shows nothing if it is running already.")};
-  parser.addOptions({background, login});
+  const QCommandLineOption scan{QStringLiteral("scan"), QStringLiteral("Start a scan and show it.")};
+  const QCommandLineOption settings{QStringLiteral("settings"), QStringLiteral("Show the settings.")};
+  parser.addOptions({background, login, scan, settings});
   // Parsed before the application object is made: the options decide which kind it is.
   QStringList arguments;
   for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
   parser.process(arguments);
   if (parser.isSet(background)) return spacemint::runInBackground(argc, argv);
-  return spacemint::runWithWindows(argc, argv, parser.isSet(login));
+  auto action = spacemint::LaunchAction::open;
+  if (parser.isSet(scan)) action = spacemint::LaunchAction::scan;
+  if (parser.isSet(settings)) action = spacemint::LaunchAction::settings;
+  return spacemint::runWithWindows(argv[0], {.action = action, .isLogin = parser.isSet(login)});
 }

@@ -51,7 +51,8 @@ Preferences::Values Preferences::load(const DefaultsStore& defaults) {
           .presence = appPresence(defaults.string(key(Setting::presence)).value_or("")),
           .hasStarted = defaults.boolean(key(Setting::hasStarted)).value_or(false),
           .unwatchedVolumes =
-              defaults.strings(key(Setting::unwatchedVolumes)).value_or(std::vector<std::string>{})};
+              defaults.strings(key(Setting::unwatchedVolumes)).value_or(std::vector<std::string>{}),
+          .itemColour = spacemint::itemColour(defaults.string(key(Setting::itemColour)).value_or(""))};
 }
 
 template <typename Value>
@@ -82,6 +83,10 @@ void Preferences::setShowFreeSpaceInMenuBar(bool shows) {
 
 void Preferences::setPresence(AppPresence presence) {
   write(Setting::presence, values_.presence, presence, std::string{rawValue(presence)});
+}
+
+void Preferences::setItemColour(ItemColour colour) {
+  write(Setting::itemColour, values_.itemColour, colour, std::string{rawValue(colour)});
 }
 
 void Preferences::setHasStarted(bool hasStarted) {
@@ -118,6 +123,7 @@ void Preferences::refresh() {
   tell(Setting::presence, old.presence != now.presence);
   tell(Setting::hasStarted, old.hasStarted != now.hasStarted);
   tell(Setting::unwatchedVolumes, old.unwatchedVolumes != now.unwatchedVolumes);
+  tell(Setting::itemColour, old.itemColour != now.itemColour);
 }
 
 Preferences::Subscription::Subscription(std::weak_ptr<Observers> observers, std::uint64_t number)

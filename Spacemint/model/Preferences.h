@@ -26,12 +26,13 @@ class Preferences {
   class Subscription;
 
   /// The settings whose change the application follows at once, in the window, the status item and the scans.
-  static constexpr std::array<Setting, 6> followedAtOnce{Setting::showFreeSpaceInMenuBar,
+  static constexpr std::array<Setting, 7> followedAtOnce{Setting::showFreeSpaceInMenuBar,
                                                          Setting::warningThresholdGB,
                                                          Setting::scanIntervalHours,
                                                          Setting::scope,
                                                          Setting::presence,
-                                                         Setting::unwatchedVolumes};
+                                                         Setting::unwatchedVolumes,
+                                                         Setting::itemColour};
 
   /// Registers the defaults of all settings with the store and loads every value. The store outlives this.
   explicit Preferences(DefaultsStore& defaults);
@@ -45,6 +46,7 @@ class Preferences {
   std::int64_t scanIntervalHours() const { return values_.scanIntervalHours; }
   bool showFreeSpaceInMenuBar() const { return values_.showFreeSpaceInMenuBar; }
   AppPresence presence() const { return values_.presence; }
+  ItemColour itemColour() const { return values_.itemColour; }
   /// Whether the user has begun; until then no scan runs by itself.
   bool hasStarted() const { return values_.hasStarted; }
   /// The mount points of volumes whose space the user does not want to be warned about.
@@ -57,6 +59,7 @@ class Preferences {
   void setScanIntervalHours(std::int64_t hours);
   void setShowFreeSpaceInMenuBar(bool shows);
   void setPresence(AppPresence presence);
+  void setItemColour(ItemColour colour);
   void setHasStarted(bool hasStarted);
   void setUnwatchedVolumes(std::vector<std::string> mountPoints);
 
@@ -79,6 +82,7 @@ class Preferences {
     AppPresence presence = AppPresence::menuBar;
     bool hasStarted = false;
     std::vector<std::string> unwatchedVolumes;
+    ItemColour itemColour = ItemColour::automatic;
   };
   struct Observers;
 

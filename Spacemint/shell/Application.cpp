@@ -41,6 +41,10 @@ QColor colourOf(SpaceLevel level, bool isDark) {
   return resolved(colourNamed("ink"));
 }
 
+bool isOnWayland() {
+  return QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+}
+
 PanelScreen screenOf(const std::optional<QPoint>& item) {
   const QScreen* screen = item ? QGuiApplication::screenAt(*item) : nullptr;
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
@@ -174,13 +178,19 @@ StatusFacts Application::statusFacts() const {
           .locale = host_.locale};
 }
 
+bool Application::isItemForDarkPanel() const {
+  const ItemColour colour = host_.model.prefs().itemColour();
+  if (colour == ItemColour::automatic) return host_.desktop.appearance.isStatusAreaDark();
+  return colour == ItemColour::light;
+}
+
 void Application::updateStatusItem() {
   const StatusFacts facts = statusFacts();
   if (isWindowed()) {
     const auto marked = badgeOf(facts);
     marked ? host_.desktop.badge.show(*marked) : host_.desktop.badge.clear();
   }
-  const bool isDark = host_.desktop.appearance.isStatusAreaDark();
+  const bool isDark = isItemForDarkPanel();
   if (presence_ != AppPresence::menuBar || drawn_ == std::pair{facts, isDark}) return;
   drawn_ = {facts, isDark};
   const StatusText text = statusText(facts);
@@ -228,10 +238,10 @@ Commands Application::makeCommands() {
 
 // The panel and the window
 
-// Under Wayland only the compositor places windows: the panel would be in the middle of the screen, without a
-// title, and larger than a small screen.
-bool Application::canPlacePanel() {
-  return !QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+// Without layer shell, only a Wayland compositor places windows: the panel would be in the middle of the
+// screen, without a title, and larger than a small screen.
+bool Application::canPlacePanel() const {
+  return host_.hasLayerShell || !isOnWayland();
 }
 
 void Application::showUI() {
@@ -245,13 +255,23 @@ void Application::showUI() {
 void Application::showPanel() {
   host_.model.panelWillShow();
   const auto item = host_.desktop.statusItem.position();
+  if (isOnWayland()) {
+    if (!showPanelOnLayer(item)) showWindow();
+    return;
+  }
   const Appearance& appearance = host_.desktop.appearance;
   DropdownPanel& panel = neededInterface().panel();
   panel.open(panelPlacement(item, screenOf(item)),
-             {.fades = !appearance.reducedMotion(), .isRounded = appearance.hasTransparency()});
+             {.fades = !appearance.reducedMotion() && appearance.hasTransparency(),
+              .isRounded = appearance.hasTransparency()});
   // Some window managers never give the panel the focus, or do not take it away at a click on the empty
   // desktop.
   outsideClicks_ = host_.desktop.outsideClicks.watch(panel, [this] { hidePanel(); });
+}
+
+bool Application::showPanelOnLayer(const std::optional<QPoint>& item) {
+  Interface& interface = neededInterface();
+  return interface.panel().open(layerPlacement(item, screenOf(item).whole), interface.layers());
 }
 
 void Application::hidePanel() {
@@ -283,6 +303,13 @@ void Application::showWindow() {
 void Application::openSettings() {
   host_.model.setShowingSettings(true);
   bringForward();
+}
+
+void Application::perform(LaunchAction action) {
+  if (action == LaunchAction::settings) return openSettings();
+  // Before the user has begun, the welcome explains what a scan is.
+  if (action == LaunchAction::scan && host_.model.prefs().hasStarted()) host_.model.scans().scan();
+  showUI();
 }
 
 void Application::showAbout() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/desktop/LaunchAction.h"
 #include "Spacemint/shell/Commands.h"
 #include "Spacemint/shell/Interface.h"
 #include "Spacemint/shell/ItemLook.h"
@@ -22,6 +23,8 @@ struct ApplicationHost {
   std::string locale;
   /// True in an installed build. Without it there are no services, and clicks on notifications are ignored.
   bool hasBundleIdentifier = false;
+  /// Wayland: whether the compositor lets this program place a panel.
+  bool hasLayerShell = false;
   /// Ends the application.
   std::function<void()> quit;
 };
@@ -46,6 +49,7 @@ class Application : public QObject {
   void hidePanel();
   void togglePanel();
   void openSettings();
+  void perform(LaunchAction action);
   void showAbout();
   /// Closes the topmost of question and settings. Calls `closing` if neither is open.
   void handleEscape(const std::function<void()>& closing = {});
@@ -55,7 +59,8 @@ class Application : public QObject {
 
  private:
   bool isWindowed() const;
-  static bool canPlacePanel();
+  bool canPlacePanel() const;
+  bool showPanelOnLayer(const std::optional<QPoint>& item);
   bool hasNoStatusArea() const;
   void applyPresence();
   void showInMenuBar(bool isSwitch);
@@ -68,6 +73,7 @@ class Application : public QObject {
   std::vector<Command> serviceCommands();
   void installStatusItem();
   void updateStatusItem();
+  bool isItemForDarkPanel() const;
   StatusFacts statusFacts() const;
 
   Interface& neededInterface();

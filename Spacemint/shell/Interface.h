@@ -38,6 +38,7 @@ class Interface : public QObject {
 
   DropdownPanel& panel();
   MainWindow& window();
+  LayerShell& layers() { return layers_; }
 
   bool isPanelShown() const { return panel_ && panel_->isVisible(); }
   bool isWindowShown() const { return window_ && window_->isVisible(); }
@@ -57,6 +58,7 @@ class Interface : public QObject {
   InterfaceHost host_;
   NoNetworkForQml noNetwork_;
   QQmlEngine engine_;
+  LayerShell layers_{engine_};
   Ui ui_;
   std::unique_ptr<DropdownPanel> panel_;
   std::unique_ptr<MainWindow> window_;

@@ -1,7 +1,8 @@
 #include "Spacemint/shell/Placement.h"
 
 #include <algorithm>
-#include <charconv>
+#include <sstream>
+#include <vector>
 
 namespace spacemint {
 
@@ -18,20 +19,17 @@ bool isAreaAtTheBottom(const PanelScreen& screen) {
   return takenBelow > takenAbove;
 }
 
-std::optional<int> numberOf(std::string_view text) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
-std::optional<QPoint> pointOf(std::string_view text) {
-  const auto gap = text.find(' ');
-  if (gap == std::string_view::npos) return std::nullopt;
-  const auto x = numberOf(text.substr(0, gap));
-  const auto y = numberOf(text.substr(gap + 1));
-  if (!x || !y) return std::nullopt;
-  return QPoint{*x, *y};
+// The whole numbers of a text with spaces between them; empty if it has anything else, or a number that is no
+// coordinate of a screen.
+std::vector<int> numbersOf(const std::string& text) {
+  std::vector<int> numbers;
+  std::istringstream stream{text};
+  constexpr int largest = 1'000'000;
+  for (int number = 0; stream >> number;) {
+    if (number < -largest || number > largest) return {};
+    numbers.push_back(number);
+  }
+  return stream.eof() ? numbers : std::vector<int>{};
 }
 
 }  // namespace
@@ -46,21 +44,39 @@ QRect panelPlacement(const std::optional<QPoint>& item, const PanelScreen& scree
   return {QPoint{x, isAtTheBottom ? bottom : room.top()}, size};
 }
 
-std::optional<WindowPlace> windowPlace(const std::string& text, QSize size, std::span<const QRect> areas) {
-  const auto point = pointOf(text);
-  if (!point) return std::nullopt;
+LayerPlacement layerPlacement(const std::optional<QPoint>& item, const QRect& screen) {
+  constexpr int highPanels = 100;
+  const QRect place = panelPlacement(item, {.whole = screen, .usable = screen});
+  const bool isAtTheBottom = item && item->y() > screen.center().y();
+  const bool isTight = screen.height() < panel.height() + 2 * itemMargin + highPanels;
+  const Qt::Edges vertical = isTight         ? Qt::TopEdge | Qt::BottomEdge
+                             : isAtTheBottom ? Qt::BottomEdge
+                                             : Qt::TopEdge;
+  return {.edges = vertical | Qt::LeftEdge,
+          .margins = {place.left() - screen.left(), itemMargin, sideMargin, itemMargin},
+          .size = place.size()};
+}
+
+std::optional<WindowPlace> windowPlace(const std::string& text, QSize usual, std::span<const QRect> areas) {
+  const std::vector<int> numbers = numbersOf(text);
+  const bool hasSize = numbers.size() == 4;
+  if (!hasSize && numbers.size() != 2) return std::nullopt;
+  const QRect place{QPoint{numbers[0], numbers[1]}, hasSize ? QSize{numbers[2], numbers[3]} : usual};
+  if (place.isEmpty()) return std::nullopt;
   // The title bar: the user must be able to see and drag the window.
   constexpr int height = 40;
-  const QRect top{*point, QSize{size.width(), height}};
+  const QRect top{place.topLeft(), QSize{place.width(), height}};
   for (const QRect& area : areas) {
     const QRect seen = top.intersected(area);
-    if (seen.height() == height && seen.width() > size.width() / 2) return WindowPlace{*point, area};
+    if (seen.height() == height && seen.width() > place.width() / 2) return WindowPlace{place, area};
   }
   return std::nullopt;
 }
 
-std::string textOf(QPoint position) {
-  return std::to_string(position.x()) + ' ' + std::to_string(position.y());
+std::string textOf(const QRect& place) {
+  std::ostringstream text;
+  text << place.x() << ' ' << place.y() << ' ' << place.width() << ' ' << place.height();
+  return text.str();
 }
 
 }  // namespace spacemint

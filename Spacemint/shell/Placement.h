@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 
@@ -23,20 +24,33 @@ struct PanelScreen {
 /// fit.
 QRect panelPlacement(const std::optional<QPoint>& item, const PanelScreen& screen);
 
+/// The same for a Wayland screen, where only the compositor knows how much its panels leave free. The panel
+/// is held at an edge and has this size; at both the upper and the lower edge where the screen may be too
+/// small.
+struct LayerPlacement {
+  Qt::Edges edges;
+  QMargins margins;
+  QSize size;
+
+  bool operator==(const LayerPlacement&) const = default;
+};
+LayerPlacement layerPlacement(const std::optional<QPoint>& item, const QRect& screen);
+
 /// The place of the main window on one of the screens.
 struct WindowPlace {
-  QPoint position;
+  QRect place;
   /// The usable area of that screen.
   QRect area;
 
   bool operator==(const WindowPlace&) const = default;
 };
 
-/// Reads a stored place, "x y". Absent if the text is malformed, or if the user would not see a window of
-/// that size there: its top edge and most of its width must be in one of `areas`.
-std::optional<WindowPlace> windowPlace(const std::string& text, QSize size, std::span<const QRect> areas);
+/// Reads a stored place, "x y width height"; without a size, as older versions stored it, the window has the
+/// size `usual`. Absent if the text is malformed, or if the user would not see a window there: its top edge
+/// and most of its width must be in one of `areas`.
+std::optional<WindowPlace> windowPlace(const std::string& text, QSize usual, std::span<const QRect> areas);
 
-/// "x y".
-std::string textOf(QPoint position);
+/// "x y width height".
+std::string textOf(const QRect& place);
 
 }  // namespace spacemint

@@ -1,7 +1,5 @@
 #include "Spacemint/shell/Windows.h"
 
-#include "Spacemint/shell/Placement.h"
-
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPropertyAnimation>
@@ -16,6 +14,7 @@ namespace {
 constexpr qint64 settlingTime = 100;
 constexpr std::string_view placeKey = "SpacemintMainWindow";
 constexpr QSize designed{460, 722};
+constexpr QSize smallest{400, 480};
 
 QVariantMap with(QVariantMap properties, bool windowed) {
   properties[QStringLiteral("windowed")] = windowed;
@@ -75,18 +74,41 @@ DropdownPanel::~DropdownPanel() {
 
 void DropdownPanel::open(const QRect& place, Look look) {
   constexpr int duration = 120;
-  opened_.start();
   setGeometry(place);
-  setOpacity(look.fades ? 0 : 1);
+  if (look.fades) setOpacity(0);
   rootObject()->setProperty("rounded", look.isRounded);
-  show();
-  raise();
-  requestActivate();
+  showInFront();
   if (!look.fades) return;
   auto* fade = new QPropertyAnimation(this, "opacity", this);
   fade->setDuration(duration);
   fade->setEndValue(1.0);
   fade->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+bool DropdownPanel::open(const LayerPlacement& placement, LayerShell& layers) {
+  if (!catcher_) {
+    catcher_ = std::make_unique<ClickCatcher>();
+    connect(catcher_.get(), &ClickCatcher::clicked, this, &DropdownPanel::left);
+    connect(this, &QWindow::visibleChanged, catcher_.get(), [this](bool isShown) {
+      if (!isShown) catcher_->hide();
+    });
+  }
+  const Qt::Edges all = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
+  if (!layers.put(*catcher_, {.edges = all, .margins = {}}) ||
+      !layers.put(*this, {.edges = placement.edges, .margins = placement.margins, .takesKeys = true})) {
+    return false;
+  }
+  catcher_->show();
+  resize(placement.size);
+  showInFront();
+  return true;
+}
+
+void DropdownPanel::showInFront() {
+  opened_.start();
+  show();
+  raise();
+  requestActivate();
 }
 
 MainWindow::MainWindow(QQmlEngine& engine, QVariantMap properties, DefaultsStore& defaults)
@@ -124,25 +146,25 @@ bool MainWindow::event(QEvent* event) {
   return isHandled;
 }
 
-// The size is fixed, but never higher than the screen's usable area.
+// As the user left it, but never larger than the screen's usable area, and large enough for every view.
 void MainWindow::placeOnScreen() {
   const auto areas = usableAreas();
   if (areas.empty()) return;
   const auto kept = windowPlace(defaults_.string(placeKey).value_or(""), designed, areas);
   constexpr int titleBar = 40;
   const QRect& area = kept ? kept->area : areas.front();
-  const QSize size = designed.boundedTo(area.size() - QSize{0, titleBar});
-  setMinimumSize(size);
-  setMaximumSize(size);
+  const QSize room = area.size() - QSize{0, titleBar};
+  setMinimumSize(smallest.boundedTo(room));
+  const QSize size = (kept ? kept->place.size() : designed).expandedTo(smallest).boundedTo(room);
   resize(size);
   setPosition(
-      kept ? kept->position
+      kept ? kept->place.topLeft()
            : QRect{QPoint{}, size}.translated(area.center() - QRect{QPoint{}, size}.center()).topLeft());
 }
 
 void MainWindow::keepPlace() {
-  if (!handle()) return;
-  const std::string text = textOf(position());
+  if (!handle() || (windowStates() & (Qt::WindowMaximized | Qt::WindowFullScreen))) return;
+  const std::string text = textOf(geometry());
   // If the store cannot be written, only the place is lost.
   if (defaults_.string(placeKey) != text) static_cast<void>(defaults_.set(placeKey, text));
 }

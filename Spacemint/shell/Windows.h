@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Spacemint/shell/LayerShell.h"
+#include "Spacemint/shell/Placement.h"
 #include "core/host/DefaultsStore.h"
 
 #include <QElapsedTimer>
@@ -43,16 +45,22 @@ class DropdownPanel : public InterfaceWindow {
 
   /// Shows the panel at that place, in front of everything.
   void open(const QRect& place, Look look);
+  /// The same on a Wayland screen. False, and nothing is shown, if the panel cannot be placed.
+  bool open(const LayerPlacement& placement, LayerShell& layers);
 
  Q_SIGNALS:
-  /// The panel lost the keyboard focus, as by a click into another window.
+  /// The panel lost the keyboard focus, as by a click into another window, or the user clicked beside it.
   void left();
 
  private:
+  void showInFront();
+
   QElapsedTimer opened_;
+  /// Where the panel is on a layer: exists from the first time that it is shown.
+  std::unique_ptr<ClickCatcher> catcher_;
 };
 
-/// The interface as an ordinary window, which remembers its place. Main thread only.
+/// The interface as an ordinary window, which remembers its place and size. Main thread only.
 class MainWindow : public InterfaceWindow {
   Q_OBJECT
  public:

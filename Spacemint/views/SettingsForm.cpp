@@ -87,6 +87,10 @@ QString SettingsForm::warningFootnote() {
       "Orange in the status area below this level, red at half. You also get a notification.");
 }
 
+QStringList SettingsForm::itemColours() const {
+  return titles(itemColourChoices);
+}
+
 QString SettingsForm::scanFootnote() const {
   return ShownText::plain(
       SettingsText::scanFootnote(host_.model.hasFullDiskAccess(), host_.model.scans().whyFull()));
@@ -152,6 +156,12 @@ void SettingsForm::setWatched(int index, bool isWatched) {
   std::erase(unwatched, mountPoint);
   if (!isWatched) unwatched.push_back(mountPoint);
   prefs().setUnwatchedVolumes(std::move(unwatched));
+}
+
+void SettingsForm::chooseItemColour(int index) {
+  for (const ItemColour colour : {ItemColour::automatic, ItemColour::light, ItemColour::dark}) {
+    if (index == static_cast<int>(colour)) prefs().setItemColour(colour);
+  }
 }
 
 void SettingsForm::setLaunchesAtLogin(bool launches) {

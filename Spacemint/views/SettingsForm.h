@@ -50,6 +50,8 @@ class SettingsForm : public QObject {
   Q_PROPERTY(int scope READ scope NOTIFY changed)
   Q_PROPERTY(QStringList presences READ presences CONSTANT)
   Q_PROPERTY(int presence READ presence NOTIFY changed)
+  Q_PROPERTY(QStringList itemColours READ itemColours CONSTANT)
+  Q_PROPERTY(int itemColour READ itemColour NOTIFY changed)
   Q_PROPERTY(bool showsFreeSpace READ showsFreeSpace NOTIFY changed)
   /// The volumes besides the home folder's that the user can be warned about: name and mount point.
   Q_PROPERTY(QStringList volumes READ volumes NOTIFY volumesChanged)
@@ -78,6 +80,8 @@ class SettingsForm : public QObject {
   int scope() const { return static_cast<int>(prefs().scope()); }
   QStringList presences() const;
   int presence() const { return static_cast<int>(prefs().presence()); }
+  QStringList itemColours() const;
+  int itemColour() const { return static_cast<int>(prefs().itemColour()); }
   bool showsFreeSpace() const { return prefs().showFreeSpaceInMenuBar(); }
   const QStringList& volumes() const { return volumes_; }
   QList<bool> watched() const;
@@ -96,6 +100,7 @@ class SettingsForm : public QObject {
   Q_INVOKABLE void chooseInterval(int index);
   Q_INVOKABLE void chooseScope(int index);
   Q_INVOKABLE void choosePresence(int index);
+  Q_INVOKABLE void chooseItemColour(int index);
   Q_INVOKABLE void setShowsFreeSpace(bool isShown) { prefs().setShowFreeSpaceInMenuBar(isShown); }
   Q_INVOKABLE void setWatched(int index, bool isWatched);
   Q_INVOKABLE void setLaunchesAtLogin(bool launches);

@@ -142,6 +142,16 @@ Rectangle {
                     checked: root.form.showsFreeSpace
                     onToggled: root.form.setShowsFreeSpace(checked)
                 }
+                SettingsRow {
+                    title: "Colour in the status area"
+
+                    SegmentedPicker {
+                        model: root.form.itemColours
+                        currentIndex: root.form.itemColour
+                        Accessible.name: "Colour in the status area"
+                        onActivated: index => root.form.chooseItemColour(index)
+                    }
+                }
                 SettingsToggle {
                     id: login
 

@@ -15,9 +15,9 @@ namespace spacemint {
 /// settings were never used, and renames the history folder if no history folder of the present name exists.
 namespace Migration {
 
-/// The keys of the copied settings, in this order.
+/// The keys of the copied settings, in this order: those that the former product had.
 inline constexpr auto settingKeys = [] {
-  std::array<std::string_view, settings.size()> keys;
+  std::array<std::string_view, 6> keys;
   for (std::size_t place = 0; place < keys.size(); ++place) keys.at(place) = settings.at(place).key;
   return keys;
 }();

@@ -21,6 +21,9 @@ enum class ScanScope : std::uint8_t { home, disk };
 /// Whether the application is shown in the status area or as a window.
 enum class AppPresence : std::uint8_t { menuBar, dock };
 
+/// The colour that the status item is drawn in. Automatic follows the panel, as far as its colour is known.
+enum class ItemColour : std::uint8_t { automatic, light, dark };
+
 /// The user's settings, in the order in which programs list and copy them.
 enum class Setting : std::uint8_t {
   warningThresholdGB,
@@ -29,7 +32,8 @@ enum class Setting : std::uint8_t {
   showFreeSpaceInMenuBar,
   presence,
   hasStarted,
-  unwatchedVolumes
+  unwatchedVolumes,
+  itemColour
 };
 
 /// An empty list of absolute paths.
@@ -83,9 +87,13 @@ inline constexpr std::array<SettingChoice, 2> scopeChoices{
 inline constexpr std::array<SettingChoice, 2> presenceChoices{
     {{"menuBar", PlatformWords::statusArea}, {"dock", PlatformWords::window}}};
 
+/// In the order of `ItemColour`.
+inline constexpr std::array<SettingChoice, 3> itemColourChoices{
+    {{"automatic", "Automatic"}, {"light", "Light"}, {"dark", "Dark"}}};
+
 /// Every setting, in the order of `Setting`. The maximum of the scan interval is the largest number of hours
 /// whose microseconds fit 64 bits.
-inline constexpr std::array<SettingDescription, 7> settings{{
+inline constexpr std::array<SettingDescription, 8> settings{{
     {.setting = Setting::warningThresholdGB,
      .key = "warningThresholdGB",
      .registeredDefault = 20,
@@ -106,6 +114,10 @@ inline constexpr std::array<SettingDescription, 7> settings{{
      .choices = presenceChoices},
     {.setting = Setting::hasStarted, .key = "hasStarted", .registeredDefault = false},
     {.setting = Setting::unwatchedVolumes, .key = "unwatchedVolumes", .registeredDefault = NoPaths{}},
+    {.setting = Setting::itemColour,
+     .key = "itemColour",
+     .registeredDefault = "automatic",
+     .choices = itemColourChoices},
 }};
 
 constexpr const SettingDescription& describe(Setting setting) {
@@ -118,11 +130,17 @@ constexpr std::string_view rawValue(ScanScope scope) {
 constexpr std::string_view rawValue(AppPresence presence) {
   return std::get<std::string_view>(presenceChoices.at(std::to_underlying(presence)).value);
 }
+constexpr std::string_view rawValue(ItemColour colour) {
+  return std::get<std::string_view>(itemColourChoices.at(std::to_underlying(colour)).value);
+}
 constexpr std::string_view title(ScanScope scope) {
   return scopeChoices.at(std::to_underlying(scope)).label;
 }
 constexpr std::string_view title(AppPresence presence) {
   return presenceChoices.at(std::to_underlying(presence)).label;
+}
+constexpr std::string_view title(ItemColour colour) {
+  return itemColourChoices.at(std::to_underlying(colour)).label;
 }
 
 /// The enumerator with this raw value; the first enumerator for any other text.
@@ -131,6 +149,12 @@ constexpr ScanScope scanScope(std::string_view raw) {
 }
 constexpr AppPresence appPresence(std::string_view raw) {
   return raw == rawValue(AppPresence::dock) ? AppPresence::dock : AppPresence::menuBar;
+}
+constexpr ItemColour itemColour(std::string_view raw) {
+  for (const ItemColour colour : {ItemColour::light, ItemColour::dark}) {
+    if (raw == rawValue(colour)) return colour;
+  }
+  return ItemColour::automatic;
 }
 
 /// The registered defaults of all settings.

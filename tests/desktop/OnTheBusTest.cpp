@@ -2,6 +2,7 @@
 
 #include "Spacemint/desktop/linux/DBusCall.h"
 #include "Spacemint/desktop/linux/DBusNotifier.h"
+#include "Spacemint/desktop/linux/PanelColour.h"
 #include "Spacemint/desktop/linux/RunningInstance.h"
 #include "Spacemint/desktop/linux/StatusNotifierItem.h"
 #include "Spacemint/desktop/linux/XdgOpener.h"
@@ -43,18 +44,81 @@ TEST(RunningInstance, isTheFirstWithWindowsAndElseTheFirst) {
   EXPECT_FALSE((RunningInstance{bus.connection(), Kind::background}.become()));
 }
 
-TEST(RunningInstance, showsItselfWhenItIsAsked) {
+TEST(RunningInstance, doesWhatItIsAsked) {
   support::PrivateBus bus;
   RunningInstance running{bus.connection(), Kind::windows};
-  bool isShown = false;
-  QObject::connect(&running, &RunningInstance::activated, &running, [&] { isShown = true; });
+  std::vector<LaunchAction> asked;
+  QObject::connect(&running, &RunningInstance::asked, &running,
+                   [&](LaunchAction action) { asked.push_back(action); });
   ASSERT_TRUE(running.become());
-  QDBusMessage call = QDBusMessage::createMethodCall(
-      QStringLiteral("app.spacemint.Spacemint"), QStringLiteral("/app/spacemint/Spacemint"),
-      QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
-  call.setArguments({QVariantMap{}});
-  bus.connection().asyncCall(call);
-  EXPECT_TRUE(waitUntil([&] { return isShown; }));
+  const auto call = [&](const char* method, const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QStringLiteral("app.spacemint.Spacemint"), QStringLiteral("/app/spacemint/Spacemint"),
+        QStringLiteral("org.freedesktop.Application"), QLatin1String(method));
+    message.setArguments(arguments);
+    bus.connection().asyncCall(message);
+  };
+  call("Activate", {QVariantMap{}});
+  for (const char* name : {"settings", "scan", "frobnicate"}) {
+    call("ActivateAction", {QLatin1String(name), QVariantList{}, QVariantMap{}});
+  }
+  EXPECT_TRUE(waitUntil([&] { return asked.size() == 4; }));
+  EXPECT_THAT(asked, testing::ElementsAre(LaunchAction::open, LaunchAction::settings, LaunchAction::scan,
+                                          LaunchAction::open));
+}
+
+// Plasma's themes with colours of their own come before the colours of windows; a file may be damaged.
+TEST(PanelColour, followsPlasma) {
+  support::PrivateBus bus;
+  const support::TemporaryFolder folder;
+  const std::string themes = folder / "plasma/desktoptheme";
+  std::filesystem::create_directories(themes + "/ink");
+  const auto write = [](const std::string& file, std::string_view text) { std::ofstream(file) << text; };
+  const auto scheme = [](std::string_view ground) {
+    return "[Colors:Window]\nBackgroundNormal=" + std::string{ground} + "\n";
+  };
+  write(themes + "/ink/colors", scheme("27,30,32"));
+  const QString place = QString::fromStdString(folder.path());
+  struct Case {
+    std::string theme;
+    std::string colours;
+    std::optional<bool> isDark;
+  };
+  for (const Case& one : {Case{"", "", std::nullopt}, Case{"", scheme("239,240,241"), false},
+                          Case{"default", scheme("27,30,32"), true}, Case{"ink", scheme("239,240,241"), true},
+                          Case{"gone", scheme("239,240,241"), false}, Case{"", "\xff[[", std::nullopt}}) {
+    write(folder / "plasmarc", one.theme.empty() ? "" : "[Theme]\nname=" + one.theme + "\n");
+    write(folder / "kdeglobals", one.colours);
+    PanelColour panel{bus.connection(), QStringLiteral("KDE"), {.config = place, .data = {place}}};
+    panel.follow();
+    EXPECT_EQ(panel.isDark(), one.isDark) << one.theme << one.colours;
+  }
+  PanelColour panel{bus.connection(), QStringLiteral("KDE"), {.config = place, .data = {place}}};
+  panel.follow();
+  write(folder / "new", scheme("27,30,32"));
+  std::filesystem::rename(folder / "new", folder / "kdeglobals");
+  EXPECT_TRUE(waitUntil([&] { return panel.isDark() == true; }));
+}
+
+TEST(PanelColour, followsXfceAndIsAGuessElsewhere) {
+  support::PrivateBus bus;
+  const auto guess = [&](const char* desktop) {
+    PanelColour panel{bus.connection(), QLatin1String(desktop), {}};
+    panel.follow();
+    return panel.isDark();
+  };
+  EXPECT_EQ(guess("ubuntu:GNOME"), true);
+  EXPECT_EQ(guess("labwc:wlroots"), true);
+  EXPECT_EQ(guess("MATE"), std::nullopt);
+  EXPECT_EQ(guess(""), std::nullopt);
+  EXPECT_EQ(guess("XFCE"), true) << "until Xfce answers";
+  support::FakeXfconf xfconf{bus.connection()};
+  PanelColour panel{bus.connection(), QStringLiteral("XFCE"), {}};
+  panel.follow();
+  EXPECT_TRUE(waitUntil([&] { return panel.isDark() == false; }));
+  Q_EMIT xfconf.PropertyChanged(QStringLiteral("xfce4-panel"), QStringLiteral("/panels/dark-mode"),
+                                QDBusVariant{true});
+  EXPECT_TRUE(waitUntil([&] { return panel.isDark() == true; }));
 }
 
 using support::PrivateBus;

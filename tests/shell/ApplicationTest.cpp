@@ -4,6 +4,7 @@
 
 #include "support/ModelFixture.h"
 #include "support/Waiting.h"
+#include "ui_kit/Colours.h"
 
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
@@ -150,6 +151,41 @@ TEST_F(ApplicationTest, itemTellsTheLevelByTitleColourAndBadge) {
   EXPECT_EQ(desktop.badge.shown, std::nullopt);
 }
 
+TEST_F(ApplicationTest, itemIsDrawnForThePanelOrAsTheUserSays) {
+  launchAgain();
+  const auto ink = [&](ItemColour colour, bool isDark) {
+    model->prefs().setItemColour(colour);
+    desktop.appearance.dark = isDark;
+    Q_EMIT desktop.appearance.changed();
+    settle();
+    const QImage icon = desktop.statusItem.look.icons.last();
+    const QRgb light = QColor::fromRgb(colourNamed("ink").dark).rgb();
+    for (int i = 0; i < icon.width(); ++i) {
+      if (icon.pixel(i, i) == light) return true;
+    }
+    return false;
+  };
+  for (const bool isDark : {false, true}) {
+    EXPECT_EQ(ink(ItemColour::automatic, isDark), isDark);
+    EXPECT_TRUE(ink(ItemColour::light, isDark));
+    EXPECT_FALSE(ink(ItemColour::dark, isDark));
+  }
+}
+
+TEST_F(ApplicationTest, aLauncherAsksForTheSettingsOrAScan) {
+  launch();
+  application->perform(LaunchAction::scan);
+  EXPECT_TRUE(isPanelShown());
+  EXPECT_FALSE(model->scans().isScanning()) << "the user has not begun";
+  application.reset();
+  launchAgain();
+  while (model->scans().isScanning()) model->scans().cancel();
+  application->perform(LaunchAction::settings);
+  EXPECT_TRUE(model->showingSettings());
+  application->perform(LaunchAction::scan);
+  EXPECT_TRUE(model->scans().isScanning());
+}
+
 // The pages of the welcome and of the settings show no message.
 TEST_F(ApplicationTest, explainsTheWindowWhereTheUserSeesIt) {
   desktop.statusItem.current = StatusItem::Area::absent;
@@ -179,10 +215,10 @@ TEST_F(ApplicationTest, canEndWhileItIsSeen) {
     launchAgain();
     application->showUI();
     ASSERT_TRUE(isPanelShown() || isWindowShown());
-    const QPoint place{120, 90};
-    if (isWindowShown()) application->interface()->window().setPosition(place);
+    const QRect place{120, 90, 600, 540};
+    if (isWindowShown()) application->interface()->window().setGeometry(place);
     application.reset();
-    const bool isKept = defaults.string("SpacemintMainWindow") == "120 90";
+    const bool isKept = defaults.string("SpacemintMainWindow") == "120 90 600 540";
     EXPECT_EQ(isKept, presence == std::string{"dock"});
   }
 }

@@ -64,6 +64,31 @@ TEST(PanelPlacement, isBesideTheItemAndInsideTheUsableArea) {
   for (const auto& c : cases) EXPECT_EQ(panelPlacement(c.item, c.screen), c.place);
 }
 
+// Two screens, also as small as they are at scale 1.25 and 1.5, with the desktop's panel at each edge.
+TEST(PanelPlacement, touchesThePanelOfTheItemAtEveryEdge) {
+  constexpr int thickness = 40;
+  for (const QRect& whole : {QRect{0, 0, 1536, 864}, QRect{1536, 0, 1280, 720}}) {
+    for (const QMargins& taken : {QMargins{0, thickness, 0, 0}, QMargins{0, 0, 0, thickness},
+                                  QMargins{thickness, 0, 0, 0}, QMargins{0, 0, thickness, 0}}) {
+      const QRect usable = whole.marginsRemoved(taken);
+      for (int x = whole.left(); x <= whole.right(); x += 16) {
+        for (int y = whole.top(); y <= whole.bottom(); y += 16) {
+          if (usable.contains(x, y)) continue;
+          const QRect place = panelPlacement(QPoint{x, y}, {whole, usable});
+          ASSERT_TRUE(usable.contains(place)) << x << ' ' << y;
+          // The item is at most as far away as the thickness, the margin and the half of an item.
+          const QRect reach = place.marginsAdded(QMargins{1, 1, 1, 1} * (thickness + 8));
+          ASSERT_TRUE(reach.contains(x, y)) << x << ' ' << y;
+          const LayerPlacement layer = layerPlacement(QPoint{x, y}, whole);
+          ASSERT_EQ(layer.edges.testFlag(Qt::TopEdge) && layer.edges.testFlag(Qt::BottomEdge),
+                    whole.height() < 800);
+          ASSERT_TRUE(whole.contains(QRect{whole.topLeft() + QPoint{layer.margins.left(), 0}, layer.size}));
+        }
+      }
+    }
+  }
+}
+
 TEST(WindowPlace, isTakenBackWhereItWouldBeSeen) {
   const std::array<QRect, 2> screens{QRect{0, 30, 1280, 770}, QRect{1280, 0, 1920, 1050}};
   const QSize size{460, 722};
@@ -72,17 +97,21 @@ TEST(WindowPlace, isTakenBackWhereItWouldBeSeen) {
     std::optional<WindowPlace> place;
   };
   const std::array cases{
-      Case{"100 50", WindowPlace{{100, 50}, screens[0]}},
-      Case{textOf({1500, 10}), WindowPlace{{1500, 10}, screens[1]}},
-      Case{"-200 50", WindowPlace{{-200, 50}, screens[0]}},
+      Case{"100 50", WindowPlace{{{100, 50}, size}, screens[0]}},
+      Case{textOf({1500, 10, 800, 600}), WindowPlace{{1500, 10, 800, 600}, screens[1]}},
+      Case{"-200 50", WindowPlace{{{-200, 50}, size}, screens[0]}},
+      Case{"-300 50 800 600", WindowPlace{{-300, 50, 800, 600}, screens[0]}},
       Case{"-300 50", std::nullopt},  // less than half of it
       Case{"100 10", std::nullopt},   // its title is under a panel
       Case{"100 790", std::nullopt},
       Case{"9000 50", std::nullopt},  // of a screen that is gone
       Case{"", std::nullopt},
       Case{"100", std::nullopt},
+      Case{"100 50 400", std::nullopt},
+      Case{"100 50 -400 -600", std::nullopt},
       Case{"100 5x", std::nullopt},
       Case{"99999999999 5", std::nullopt},
+      Case{"2147483647 5 2147483647 600", std::nullopt},
   };
   for (const auto& c : cases) EXPECT_EQ(windowPlace(c.text, size, screens), c.place) << c.text;
 }

@@ -99,4 +99,24 @@ class FakePortal : public FakeOpenerService {
   }
 };
 
+/// The settings service of Xfce, which knows one setting of its panel.
+class FakeXfconf : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.xfce.Xfconf")
+ public:
+  explicit FakeXfconf(QDBusConnection bus) {
+    bus.registerObject(QStringLiteral("/org/xfce/Xfconf"), this,
+                       QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
+    bus.registerService(QStringLiteral("org.xfce.Xfconf"));
+  }
+
+ public Q_SLOTS:
+  QDBusVariant GetProperty(const QString& channel, const QString& property) {
+    return QDBusVariant{channel + property != QStringLiteral("xfce4-panel/panels/dark-mode")};
+  }
+
+ Q_SIGNALS:
+  void PropertyChanged(const QString& channel, const QString& property, const QDBusVariant& value);
+};
+
 }  // namespace spacemint::support

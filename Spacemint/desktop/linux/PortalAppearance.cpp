@@ -6,8 +6,6 @@
 #include <QGuiApplication>
 #include <QPalette>
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace spacemint {
@@ -24,10 +22,6 @@ const QString colourScheme = QStringLiteral("color-scheme");
 const QString reduced = QStringLiteral("reduced-motion");
 const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 const QString animations = QStringLiteral("enable-animations");
-
-// The panels of these desktops are dark by default, also with light windows.
-constexpr std::array<QLatin1String, 3> darkStatusAreas{QLatin1String{"GNOME"}, QLatin1String{"Unity"},
-                                                       QLatin1String{"XFCE"}};
 
 // Some portals wrap the value in a second variant.
 QVariant unwrapped(QVariant value) {
@@ -54,9 +48,9 @@ bool isPaletteDark() {
 
 PortalAppearance::PortalAppearance(const QDBusConnection& bus, const QString& desktop)
     : bus_(bus),
-      hasDarkStatusArea_(std::ranges::any_of(desktop.split(u':'), [](const QString& name) {
-        return std::ranges::find(darkStatusAreas, name) != darkStatusAreas.end();
-      })) {}
+      panel_(bus, desktop, PanelColour::Places::current()) {
+  connect(&panel_, &PanelColour::changed, this, &Appearance::changed);
+}
 
 void PortalAppearance::follow() {
   qRegisterMetaType<QDBusVariant>("QDBusVariant");  // without it, connect fails
@@ -65,6 +59,7 @@ void PortalAppearance::follow() {
   ask(appearance, colourScheme);
   ask(appearance, reduced);
   ask(gnome, animations);
+  panel_.follow();
 }
 
 bool PortalAppearance::isDark() const {

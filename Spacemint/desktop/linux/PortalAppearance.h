@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Spacemint/desktop/Appearance.h"
+#include "Spacemint/desktop/linux/PanelColour.h"
 #include "Spacemint/desktop/linux/X11.h"
 
 #include <QDBusConnection>
@@ -15,12 +16,12 @@ namespace spacemint {
 class PortalAppearance final : public Appearance {
   Q_OBJECT
  public:
-  /// `desktop`: the value of XDG_CURRENT_DESKTOP. Some desktops have a dark status area by default.
+  /// `desktop`: the value of XDG_CURRENT_DESKTOP, which decides how the colour of the panel is found.
   PortalAppearance(const QDBusConnection& bus, const QString& desktop);
 
   void follow() override;
   bool isDark() const override;
-  bool isStatusAreaDark() const override { return hasDarkStatusArea_ || isDark(); }
+  bool isStatusAreaDark() const override { return panel_.isDark().value_or(isDark()); }
   bool reducedMotion() const override { return reducedMotion_; }
   bool hasTransparency() const override { return isScreenComposited(); }
 
@@ -32,7 +33,7 @@ class PortalAppearance final : public Appearance {
   void take(const QString& group, const QString& key, const QVariant& value);
 
   QDBusConnection bus_;
-  bool hasDarkStatusArea_;
+  PanelColour panel_;
   /// Absent until the portal has answered, and if it has no preference.
   std::optional<bool> isDark_;
   bool reducedMotion_ = false;

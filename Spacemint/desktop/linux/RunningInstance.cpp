@@ -1,5 +1,6 @@
 #include "Spacemint/desktop/linux/RunningInstance.h"
 
+#include "Spacemint/desktop/linux/ActivationToken.h"
 #include "core/base/Log.h"
 
 #include <QDBusConnectionInterface>
@@ -12,6 +13,8 @@ namespace {
 
 const QString name = QStringLiteral("app.spacemint.Spacemint");
 const QString instancePath = QStringLiteral("/app/spacemint/Spacemint");
+// The key of the token in the platform data of org.freedesktop.Application.
+const QString activationToken = QStringLiteral("activation-token");
 const QString applicationInterface = QStringLiteral("org.freedesktop.Application");
 
 }  // namespace
@@ -43,23 +46,29 @@ bool RunningInstance::become() {
   return !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
-void RunningInstance::showOther() const {
-  bus_.call(
-      QDBusMessage::createMethodCall(name, instancePath, applicationInterface, QStringLiteral("Activate"))
-      << QVariantMap{});
+void RunningInstance::askOther(LaunchAction action) const {
+  const QVariantMap platformData{{activationToken, ActivationToken::ofThisProcess()}};
+  bus_.call(QDBusMessage::createMethodCall(name, instancePath, applicationInterface,
+                                           QStringLiteral("ActivateAction"))
+            << QString::fromUtf8(nameOf(action)) << QVariantList{} << platformData);
 }
 
-void RunningInstance::Activate(const QVariantMap& /*platformData*/) {
-  Q_EMIT activated();
+void RunningInstance::Activate(const QVariantMap& platformData) {
+  ask(LaunchAction::open, platformData);
 }
 
-void RunningInstance::Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/) {
-  Q_EMIT activated();
+void RunningInstance::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {
+  ask(LaunchAction::open, platformData);
 }
 
-void RunningInstance::ActivateAction(const QString& /*name*/, const QVariantList& /*parameter*/,
-                                     const QVariantMap& /*platformData*/) {
-  Q_EMIT activated();
+void RunningInstance::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
+                                     const QVariantMap& platformData) {
+  ask(launchActionNamed(name.toStdString()), platformData);
+}
+
+void RunningInstance::ask(LaunchAction action, const QVariantMap& platformData) {
+  ActivationToken::use(platformData.value(activationToken).toString());
+  Q_EMIT asked(action);
 }
 
 }  // namespace spacemint

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Spacemint/desktop/LaunchAction.h"
+
 #include <QDBusConnection>
 #include <QObject>
 
@@ -22,8 +24,9 @@ class RunningInstance : public QObject {
   /// without a bus, because other processes cannot be found then. Blocks until the bus answers.
   bool become();
 
-  /// Makes the other instance show its interface. Blocks until it answers.
-  void showOther() const;
+  /// Asks the other instance for `action`, and hands it the activation token with which the launcher started
+  /// this process. Blocks until it answers.
+  void askOther(LaunchAction action) const;
 
  public Q_SLOTS:
   // The D-Bus interface org.freedesktop.Application. Launchers and other processes of this program call it.
@@ -33,12 +36,14 @@ class RunningInstance : public QObject {
                                    const QVariantMap& platformData);
 
  Q_SIGNALS:
-  /// Another process asks to show the interface.
-  void activated();
+  /// Another process asks for this.
+  void asked(spacemint::LaunchAction action);
   /// Another process is the instance now. This one must end.
   void replaced();
 
  private:
+  void ask(LaunchAction action, const QVariantMap& platformData);
+
   QDBusConnection bus_;
   Kind kind_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/desktop/linux/ActivationToken.h"
 #include "Spacemint/desktop/linux/StatusNotifierTypes.h"
 
 #include <QDBusAbstractAdaptor>
@@ -81,6 +82,8 @@ class StatusNotifierAdaptor final : public QDBusAbstractAdaptor {
  public Q_SLOTS:
   void Activate(int x, int y) { clicked_({x, y}); }
   void SecondaryActivate(int x, int y) { clicked_({x, y}); }
+  // Plasma calls this right before Activate.
+  void ProvideXdgActivationToken(const QString& token) { ActivationToken::use(token); }
   // The host draws the menu itself.
   void ContextMenu(int /*x*/, int /*y*/) {}
   void Scroll(int /*delta*/, const QString& /*orientation*/) {}

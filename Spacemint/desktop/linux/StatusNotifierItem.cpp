@@ -1,6 +1,7 @@
 #include "Spacemint/desktop/linux/StatusNotifierItem.h"
 
 #include "Spacemint/desktop/linux/DBusCall.h"
+#include "Spacemint/desktop/linux/Wayland.h"
 #include "core/base/Log.h"
 
 #include <QCoreApplication>
@@ -55,12 +56,13 @@ StatusPixmaps pixmapsOf(const QList<QImage>& images) {
 }
 
 // The place of a pixel of the desktop in the coordinates of windows; absent where the pixel is on no screen.
-// Both count a screen from the same top left corner. Hosts that do not know the place tell 0, 0.
+// Both count a screen from the same top left corner. Hosts that do not know the place tell 0, 0. On Wayland
+// hosts count as windows do.
 std::optional<QPoint> pointOfPixel(QPoint pixel) {
   if (pixel.isNull()) return std::nullopt;
   for (const QScreen* screen : QGuiApplication::screens()) {
     const QRect place = screen->geometry();
-    const qreal scale = screen->devicePixelRatio();
+    const qreal scale = isOnWayland() ? 1 : screen->devicePixelRatio();
     if (QRect{place.topLeft(), place.size() * scale}.contains(pixel)) {
       return place.topLeft() + (pixel - place.topLeft()) / scale;
     }
