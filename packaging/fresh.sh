@@ -1,40 +1,86 @@
 #!/usr/bin/env bash
-# Tests a package on a fresh Debian 12: creates the system with debootstrap from the mirror that this
-# machine's apt uses, installs the package with its dependencies, starts the program on a virtual screen as an
-# ordinary user, makes a scan with the panel, removes the package and checks that no file is left. Needs root.
+# Builds, tests and installs the program on a fresh Debian. Each system is made by debootstrap from the mirror that this
+# machine's apt uses.
 #
-# usage: fresh.sh PACKAGE.deb
+# In the first system, ./dev tests the last commit and makes the package, which is left in build/fresh/RELEASE. The second
+# system installs only the package with its dependencies, starts the program on a virtual screen as an ordinary user,
+# makes a scan with the panel, removes the package and checks that no file is left. Needs root.
+#
+# usage: fresh.sh [RELEASE [PACKAGE.deb]]   with a package, only the second system
 set -euo pipefail
 
 suite=bookworm
 user=ann
+work=
 
 say() { printf '%s\n' "fresh: $*" >&2; }
 fail() { say "FAILED: $*"; exit 1; }
 
-# Prints the lines of a sources.list with the mirrors that this machine's apt uses.
-sources() {
-  apt-get indextargets --format '$(SITE) $(RELEASE) $(COMPONENT) $(CREATED_BY)' |
-    sed -n "s|^\([^ ]*\) \(${suite}[^ ]*\) main Packages$|deb \1 \2 main|p" | sort -u
+# The mirrors of a release: those that this machine's apt uses.
+mirrors() {
+  local here
+  here=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
+  apt-get indextargets --format '$(SITE) $(RELEASE) $(COMPONENT)' |
+    sed -n "s|^\([^ ]*\) $here\(-[a-z]*\)\{0,1\} main\$|\1 \2|p" | sort -u |
+    while read -r site part; do printf 'deb %s %s%s main\n' "$site" "$suite" "$part"; done
 }
 
 make_system() {
   local root=$1 mirror
-  mirror=$(sources | sed -n "s|^deb \(.*\) $suite main\$|\1|p" | head -n 1)
-  [ -n "$mirror" ] || fail "this machine's apt has no mirror for $suite"
+  mirror=$(mirrors | sed -n "s|^deb \(.*\) $suite main\$|\1|p" | head -n 1)
+  [ -n "$mirror" ] || fail "this machine's apt has no mirror of Debian"
   debootstrap --variant=minbase "$suite" "$root" "$mirror" >"$root.log" 2>&1 ||
     { tail -n 20 "$root.log" >&2; fail "debootstrap"; }
-  sources >"$root/etc/apt/sources.list"
+  mirrors >"$root/etc/apt/sources.list"
   # The system is deleted afterwards, so dpkg need not flush its files.
   echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/fresh"
   # Keep packages from starting services.
   printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
   chmod +x "$root/usr/sbin/policy-rc.d"
+  install -D -m 755 "$0" "$root/fresh/fresh.sh"
+  say "a fresh $suite, $(du -sm "$root" | cut -f1) MB"
 }
 
-apt() {
-  DEBIAN_FRONTEND=noninteractive apt-get -qq -y --no-install-recommends "$@" >/var/log/fresh-apt.log 2>&1 ||
-    { tail -n 20 /var/log/fresh-apt.log >&2; fail "apt-get $*"; }
+# Runs this script in the system. In namespaces of its own, so that all mounts and processes end together.
+enter() {
+  local root=$1
+  shift
+  unshare --mount --pid --fork --kill-child --propagation private bash -euc '
+    root=$1 cache=$2
+    shift 2
+    mount -t proc proc "$root/proc"
+    if [ -n "$cache" ]; then
+      mkdir -p "$root/ccache"
+      mount --bind "$cache" "$root/ccache"
+      mount --rbind /dev "$root/dev"
+      mount -t sysfs sysfs "$root/sys" 2>/dev/null || mount --rbind /sys "$root/sys"
+    fi
+    exec chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 "$@"' - \
+    "$root" "${cache:-}" "SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-}" /bin/bash /fresh/fresh.sh "$@"
+}
+
+# Tests the last commit on a fresh system and makes the package there.
+build() {
+  local root=$work/build cache=$PWD/build/fresh/ccache-$suite
+  make_system "$root"
+  mkdir -p "$root/src" "$cache"
+  git archive HEAD | tar -x -C "$root/src"
+  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct) enter "$root" --build
+  rm -rf "build/fresh/$suite"
+  cp -r "$root/src/build/release/package" "build/fresh/$suite"
+  rm -rf "build/fresh/$suite/_CPack_Packages"
+  rm -rf --one-file-system "$root"
+}
+
+# In the first system, as root.
+build_inside() {
+  apt update
+  # Neither is needed; both save time.
+  apt install ccache mold
+  export CCACHE_DIR=/ccache CCACHE_MAXSIZE=5G
+  cd /src
+  ./dev test
+  ./dev package
 }
 
 # Lists all files except those of users and the kernel, and the files that apt, dpkg and logs write.
@@ -44,9 +90,8 @@ files() {
     -o -print | sort
 }
 
-# Runs in the new system as root.
+# In the second system, as root.
 inside() {
-  mount -t proc proc /proc
   mount -t tmpfs tmpfs /dev/shm 2>/dev/null || { mkdir -p /dev/shm && mount -t tmpfs tmpfs /dev/shm; }
   mkdir -p /fresh
   apt update
@@ -102,22 +147,28 @@ as_user() {
   say "the program ended on SIGTERM"
 }
 
+# Tries the package on a fresh system.
+try() {
+  local root=$work/try
+  make_system "$root"
+  cp "$1" "$root/package.deb"
+  cache='' enter "$root" --inside
+}
+
 case ${1:-} in
+  --build) build_inside ;;
   --inside) inside ;;
   --as-user) as_user ;;
   *)
-    package=$(realpath "${1:?the package to test}")
+    suite=${1:-$suite}
+    case $suite in bookworm | trixie) ;; *) fail "no release $suite; bookworm and trixie are known" ;; esac
     [ "$(id -u)" -eq 0 ] || fail "must run as root"
-    root=$(mktemp -d /var/tmp/spacemint-fresh.XXXXXX)
-    trap 'rm -rf --one-file-system "$root" "$root.log"' EXIT
-    chmod 755 "$root"
-    make_system "$root"
-    say "a fresh $suite, $(du -sm "$root" | cut -f1) MB"
-    install -D -m 755 "$0" "$root/fresh/fresh.sh"
-    cp "$package" "$root/package.deb"
-    # Use separate namespaces, so that all mounts and processes inside end together.
-    unshare --mount --pid --fork --kill-child --propagation private \
-      chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 /bin/bash /fresh/fresh.sh --inside
-    say "all is well"
+    work=$(mktemp -d /var/tmp/spacemint-fresh.XXXXXX)
+    trap 'rm -rf --one-file-system "$work"' EXIT
+    chmod 755 "$work"
+    [ $# -ge 2 ] || build
+    package=${2:-$(echo "build/fresh/$suite"/*.deb)}
+    try "$package"
+    say "all is well: $package"
     ;;
 esac
