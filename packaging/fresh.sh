@@ -83,6 +83,11 @@ build_inside() {
   ./dev package
 }
 
+apt() {
+  DEBIAN_FRONTEND=noninteractive apt-get -qq -y --no-install-recommends "$@" >/var/log/fresh-apt.log 2>&1 ||
+    { tail -n 20 /var/log/fresh-apt.log >&2; fail "apt-get $*"; }
+}
+
 # Lists all files except those of users and the kernel, and the files that apt, dpkg and logs write.
 files() {
   find / \( -path /proc -o -path /sys -o -path /dev -o -path /run -o -path /tmp -o -path /home -o -path /package.deb \
@@ -157,6 +162,7 @@ try() {
 
 case ${1:-} in
   --build) build_inside ;;
+  --make-system) suite=$2 && make_system "$3" ;;
   --inside) inside ;;
   --as-user) as_user ;;
   *)

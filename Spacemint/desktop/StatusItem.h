@@ -50,6 +50,8 @@ class StatusItem : public QObject {
 
   /// Unknown until the item is installed and the desktop has answered.
   virtual Area area() const = 0;
+  /// Whether a click on the item opens its menu, and only a double click activates it. It is so in GNOME.
+  virtual bool opensMenuOnClick() const = 0;
   /// The point of the last click on the item, in the coordinates of windows; absent if it is not known.
   virtual std::optional<QPoint> position() const = 0;
 

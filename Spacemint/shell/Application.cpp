@@ -160,7 +160,10 @@ void Application::explainWindow() {
   if (!interface_ || !interface_->isWindowShown() || host_.model.showingSettings()) return;
   if (!host_.model.history().snapshot() && !host_.model.scans().isScanning()) return;
   if (host_.model.messages().message() || host_.defaults.boolean(explainedWindowKey) == true) return;
-  host_.model.messages().show("This desktop has no status area, so Spacemint lives in this window.");
+  const std::string extension =
+      host_.desktop.statusItem.opensMenuOnClick() ? " GNOME's extension AppIndicator adds one." : "";
+  host_.model.messages().show("This desktop has no status area, so Spacemint lives in this window." +
+                              extension);
   static_cast<void>(host_.defaults.set(explainedWindowKey, true));
 }
 

@@ -91,6 +91,12 @@ QStringList SettingsForm::itemColours() const {
   return titles(itemColourChoices);
 }
 
+QString SettingsForm::itemHelp() const {
+  if (!host_.desktop.statusItem.opensMenuOnClick()) return {};
+  return QStringLiteral(
+      "In GNOME's top bar, a click opens the item's menu and a double click opens the panel.");
+}
+
 QString SettingsForm::scanFootnote() const {
   return ShownText::plain(
       SettingsText::scanFootnote(host_.model.hasFullDiskAccess(), host_.model.scans().whyFull()));

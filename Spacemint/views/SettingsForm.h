@@ -52,6 +52,8 @@ class SettingsForm : public QObject {
   Q_PROPERTY(int presence READ presence NOTIFY changed)
   Q_PROPERTY(QStringList itemColours READ itemColours CONSTANT)
   Q_PROPERTY(int itemColour READ itemColour NOTIFY changed)
+  /// How the status item is used, where it is not by one click; otherwise empty.
+  Q_PROPERTY(QString itemHelp READ itemHelp CONSTANT)
   Q_PROPERTY(bool showsFreeSpace READ showsFreeSpace NOTIFY changed)
   /// The volumes besides the home folder's that the user can be warned about: name and mount point.
   Q_PROPERTY(QStringList volumes READ volumes NOTIFY volumesChanged)
@@ -82,6 +84,7 @@ class SettingsForm : public QObject {
   int presence() const { return static_cast<int>(prefs().presence()); }
   QStringList itemColours() const;
   int itemColour() const { return static_cast<int>(prefs().itemColour()); }
+  QString itemHelp() const;
   bool showsFreeSpace() const { return prefs().showFreeSpaceInMenuBar(); }
   const QStringList& volumes() const { return volumes_; }
   QList<bool> watched() const;

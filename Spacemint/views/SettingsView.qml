@@ -125,7 +125,7 @@ Rectangle {
             }
             SettingsSection {
                 title: "General"
-                footnote: root.form.usageFootnote
+                footnote: [root.form.itemHelp, root.form.usageFootnote].filter(text => text).join("\n")
 
                 SettingsRow {
                     title: "Show Spacemint in"

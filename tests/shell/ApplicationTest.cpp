@@ -189,6 +189,7 @@ TEST_F(ApplicationTest, aLauncherAsksForTheSettingsOrAScan) {
 // The pages of the welcome and of the settings show no message.
 TEST_F(ApplicationTest, explainsTheWindowWhereTheUserSeesIt) {
   desktop.statusItem.current = StatusItem::Area::absent;
+  desktop.statusItem.opensMenu = true;
   launch();
   advance(1s);
   ASSERT_TRUE(isWindowShown()) << "the first start";
@@ -201,7 +202,8 @@ TEST_F(ApplicationTest, explainsTheWindowWhereTheUserSeesIt) {
   settle();
   EXPECT_EQ(message(), "") << "so would the settings";
   model->setShowingSettings(false);
-  EXPECT_THAT(message(), testing::HasSubstr("no status area"));
+  EXPECT_THAT(message(),
+              testing::AllOf(testing::HasSubstr("no status area"), testing::HasSubstr("AppIndicator")));
   model->messages().clear();
   application->interface()->window().close();
   application->showUI();

@@ -147,6 +147,7 @@ class FakeStatusItem final : public StatusItem {
   void setLook(const StatusLook& newLook) override { look = newLook; }
   void setMenu(std::vector<StatusMenuEntry> entries) override { menu = std::move(entries); }
   Area area() const override { return current; }
+  bool opensMenuOnClick() const override { return opensMenu; }
   std::optional<QPoint> position() const override { return clickedAt; }
 
   void click(QPoint at) {
@@ -161,6 +162,7 @@ class FakeStatusItem final : public StatusItem {
   bool installed = false;
   StatusLook look;
   std::vector<StatusMenuEntry> menu;
+  bool opensMenu = false;
   Area current = Area::present;
   std::optional<QPoint> clickedAt;
 };

@@ -79,7 +79,7 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, const QString
       item_(new StatusNotifierAdaptor(&itemObject_, QDBusObjectPath{menuPath},
                                       [this](QPoint pixel) { clicked(pixel); })),
       menu_(new DBusMenu(&menuObject_)),
-      showsTitle_(desktop.contains(QStringLiteral("GNOME"))) {
+      isGnome_(desktop.contains(QStringLiteral("GNOME"))) {
   registerStatusNotifierTypes();
 }
 
@@ -152,7 +152,7 @@ void StatusNotifierItem::setLook(const StatusLook& look) {
 }
 
 void StatusNotifierItem::publish() {
-  const bool isTitleBeside = showsTitle_ || wantsFiles_;
+  const bool isTitleBeside = isGnome_ || wantsFiles_;
   const QString name = QStringLiteral("Spacemint");
   const QString text = QString::fromStdString(look_.toolTip);
   item_->setContent({.title = text.isEmpty() ? name : name + QStringLiteral(": ") + text,

@@ -15,7 +15,7 @@ namespace spacemint {
 class StatusNotifierItem final : public StatusItem {
   Q_OBJECT
  public:
-  /// `desktop`: the value of XDG_CURRENT_DESKTOP. It decides whether the title is shown beside the icon.
+  /// `desktop`: the value of XDG_CURRENT_DESKTOP. It decides how the host is spoken to.
   StatusNotifierItem(const QDBusConnection& bus, const QString& desktop);
   ~StatusNotifierItem() override;
 
@@ -25,6 +25,7 @@ class StatusNotifierItem final : public StatusItem {
   void setLook(const StatusLook& look) override;
   void setMenu(std::vector<StatusMenuEntry> menu) override { menu_->setEntries(std::move(menu)); }
   Area area() const override { return area_; }
+  bool opensMenuOnClick() const override { return isGnome_; }
   std::optional<QPoint> position() const override { return position_; }
 
  private Q_SLOTS:
@@ -46,8 +47,8 @@ class StatusNotifierItem final : public StatusItem {
   StatusNotifierAdaptor* item_;
   DBusMenu* menu_;
   StatusLook look_;
-  /// The host shows the title beside the icon.
-  bool showsTitle_;
+  /// GNOME's host, which shows the title beside the icon.
+  bool isGnome_;
   /// The host reads icons from files only. They are in `files_`, a folder that is made when it is first
   /// needed.
   bool wantsFiles_ = false;

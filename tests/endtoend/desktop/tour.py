@@ -3,18 +3,23 @@
 Desktops differ in how they are started and in how a program moves the pointer. What is on the screen is found by
 comparing pictures, which works on each of them.
 
-usage: tour.py DESKTOP PROGRAM FOLDER     as an ordinary user, on a session bus
+It goes through all steps and says what it saw. It fails where that is not what is expected of the desktop.
+
+usage: tour.py DESKTOP SPACEMINT SPACEMINTCTL FOLDER
+
+The pictures come into FOLDER. Root becomes "nobody", because compositors refuse root.
 """
 
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
-WIDTH, HEIGHT = 1280, 800
 SETTINGS = {"hasStarted": True, "warningThresholdGB": 1, "showFreeSpaceInMenuBar": True}
 WATCHER = "org.kde.StatusNotifierWatcher"
 
@@ -23,20 +28,21 @@ class Screen:
     """A picture of the screen, three bytes a pixel."""
 
     def __init__(self, file):
-        command = ["convert", str(file), "-depth", "8", "rgb:-"]
-        self.pixels = subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
+        header, _, self.pixels = run("convert", str(file), "-depth", "8", "ppm:-").partition(b"\n255\n")
+        self.width, self.height = map(int, header.split()[1:])
 
-    def row(self, y, left=0, right=WIDTH):
-        return self.pixels[(y * WIDTH + left) * 3:(y * WIDTH + right) * 3]
+    def row(self, y, left=0, right=None):
+        right = self.width if right is None else right
+        return self.pixels[(y * self.width + left) * 3:(y * self.width + right) * 3]
 
     def changes(self, other):
         """Boxes (left, top, right, bottom) of what differs, the largest first. What is closer than 24 is one."""
         cell = 8
         cells = set()
-        for y in range(HEIGHT):
+        for y in range(self.height):
             if self.row(y) == other.row(y):
                 continue
-            for x in range(0, WIDTH, cell):
+            for x in range(0, self.width, cell):
                 if (x // cell, y // cell) not in cells and self.row(y, x, x + cell) != other.row(y, x, x + cell):
                     cells.add((x // cell, y // cell))
         boxes = []
@@ -53,53 +59,33 @@ class Screen:
         return sorted(boxes, key=lambda box: -(box[2] - box[0]) * (box[3] - box[1]))
 
 
-class X11:
-    """Pointer, keyboard and pictures of an X server."""
+class Server:
+    """An X server, in which the desktop runs: its pointer, its keyboard, and pictures of it."""
 
     def __init__(self):
         reading, writing = os.pipe()
-        start("Xvfb", "-displayfd", str(writing), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp", "+extension",
-              "GLX", pass_fds=(writing,))
+        start("Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x800x24", "-nolisten", "tcp", "+extension", "GLX",
+              pass_fds=(writing,))
         os.close(writing)
         with os.fdopen(reading) as answer:
             os.environ["DISPLAY"] = ":" + answer.readline().strip()
+        self.environment = dict(os.environ)
+
+    def run(self, *command):
+        return run(*map(str, command), env=self.environment)
 
     def picture(self, file):
-        run("import", "-silent", "-window", "root", str(file))
+        self.run("import", "-silent", "-window", "root", file)
 
     def point(self, x, y):
-        run("xdotool", "mousemove", "--sync", str(x), str(y))
-        run("xdotool", "mousemove_relative", "--sync", "1", "0")
+        self.run("xdotool", "mousemove", "--sync", x, y)
+        self.run("xdotool", "mousemove_relative", "--sync", 1, 0)
 
     def press(self, button):
-        run("xdotool", "click", str(button))
+        self.run("xdotool", "click", button)
 
     def key(self, name):
-        run("xdotool", "key", name)
-
-
-class Wlroots:
-    """The same of a compositor that has the protocols of wlroots."""
-
-    buttons = {1: "left", 2: "middle", 3: "right"}
-
-    def __init__(self):
-        os.environ.update(WLR_BACKENDS="headless", WLR_RENDERER="pixman", WLR_LIBINPUT_NO_DEVICES="1",
-                          XDG_SESSION_TYPE="wayland")
-
-    def picture(self, file):
-        run("grim", str(file))
-
-    def point(self, x, y):
-        # Relative moves only: first into the corner.
-        run("wlrctl", "pointer", "move", "-4000", "-4000")
-        run("wlrctl", "pointer", "move", str(x), str(y))
-
-    def press(self, button):
-        run("wlrctl", "pointer", "click", self.buttons[button])
-
-    def key(self, name):
-        run("wtype", "-k", name)
+        self.run("xdotool", "key", name)
 
 
 def run(*command, **options):
@@ -146,7 +132,7 @@ def environment(**variables):
 # How each desktop is started. Answers what moves its pointer.
 
 def xfce():
-    screen = X11()
+    screen = Server()
     environment(XDG_CURRENT_DESKTOP="XFCE")
     panel = (pathlib.Path(__file__).parent / "xfce4-panel.xml").read_text().format(size=30, icon=22)
     write(".config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", panel)
@@ -156,7 +142,7 @@ def xfce():
 
 
 def lxqt():
-    screen = X11()
+    screen = Server()
     environment(XDG_CURRENT_DESKTOP="LXQt")
     write(".config/lxqt/panel.conf", "[General]\n__userfile__=true\npanels=panel1\n\n[panel1]\nposition=Bottom\n"
           "plugins=mainmenu,taskbar,statusnotifier\n[mainmenu]\ntype=mainmenu\n[taskbar]\ntype=taskbar\n"
@@ -167,7 +153,7 @@ def lxqt():
 
 
 def mate():
-    screen = X11()
+    screen = Server()
     environment(XDG_CURRENT_DESKTOP="MATE")
     start("openbox")
     start("mate-panel")
@@ -175,7 +161,7 @@ def mate():
 
 
 def cinnamon():
-    screen = X11()
+    screen = Server()
     environment(XDG_CURRENT_DESKTOP="X-Cinnamon", LIBGL_ALWAYS_SOFTWARE="1", CINNAMON_SOFTWARE_RENDERING="1")
     run("gsettings", "set", "org.cinnamon.desktop.interface", "enable-animations", "false")
     start("cinnamon", "--sm-disable")
@@ -183,7 +169,7 @@ def cinnamon():
 
 
 def plasma():
-    screen = X11()
+    screen = Server()
     environment(XDG_CURRENT_DESKTOP="KDE", KDE_FULL_SESSION="true", KDE_SESSION_VERSION="6", DESKTOP_SESSION="plasma",
                 XDG_SESSION_TYPE="x11", QT_QUICK_BACKEND="software", LIBGL_ALWAYS_SOFTWARE="1", XDG_MENU_PREFIX="plasma-")
     start("kwin_x11", "--replace")
@@ -193,7 +179,7 @@ def plasma():
 
 
 def gnome():
-    screen = X11()
+    screen = Server()
     os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = run("dbus-daemon", "--session", "--fork", "--print-address=1").decode().strip()
     environment(XDG_CURRENT_DESKTOP="GNOME", XDG_SESSION_DESKTOP="gnome", DESKTOP_SESSION="gnome", XDG_SESSION_TYPE="x11",
                 LIBGL_ALWAYS_SOFTWARE="1", XDG_DATA_DIRS="/usr/local/share:/usr/share")
@@ -205,15 +191,19 @@ def gnome():
     return screen
 
 
-def wlroots(name, arguments=(), position="top"):
-    screen = Wlroots()
-    environment(XDG_CURRENT_DESKTOP=f"{name}:wlroots")
-    write(".config/waybar/config", json.dumps({"layer": "top", "position": position, "height": 30,
+def wlroots(name):
+    """A compositor of the wlroots family in a window of the X server. The programs in it do not know the X server."""
+    screen = Server()
+    environment(XDG_CURRENT_DESKTOP=f"{name}:wlroots", XDG_SESSION_TYPE="wayland", WLR_BACKENDS="x11",
+                WLR_RENDERER="pixman")
+    write(".config/waybar/config", json.dumps({"layer": "top", "position": "top", "height": 30,
                                                "modules-right": ["tray"], "tray": {"spacing": 10}}))
-    start(name, *arguments)
+    start(name)
     runtime = pathlib.Path(os.environ["XDG_RUNTIME_DIR"])
     socket = wait(lambda: sorted(path for path in runtime.glob("wayland-*") if path.suffix != ".lock"), "the compositor")
     os.environ["WAYLAND_DISPLAY"] = socket[-1].name
+    del os.environ["DISPLAY"]
+    run("dbus-update-activation-environment", "WAYLAND_DISPLAY", "DISPLAY=")
     start("waybar")
     return screen
 
@@ -223,23 +213,25 @@ def labwc():
 
 
 def sway():
-    write(".config/sway/config", f"xwayland disable\noutput * resolution {WIDTH}x{HEIGHT}\n")
+    write(".config/sway/config", "xwayland disable\noutput * resolution 1280x800\n")
     return wlroots("sway")
 
 
 DESKTOPS = {function.__name__: function for function in (xfce, lxqt, mate, cinnamon, plasma, gnome, labwc, sway)}
 
+# Where the program cannot place a panel, and opens a window: sway without the QML module of layer shell.
+WINDOWED = [] if pathlib.Path("/usr/lib/x86_64-linux-gnu/qt6/qml/org/kde/layershell").exists() else ["sway", "labwc"]
+
 
 class Tour:
-    def __init__(self, desktop, program, folder):
+    def __init__(self, desktop, program, ctl, folder):
+        self.name = desktop
         self.program = program
         self.folder = folder
-        self.name = desktop
-        self.said = {}
-        self.settings = pathlib.Path.home() / ".config/spacemint/app.spacemint.Spacemint.json"
-        self.settings.parent.mkdir(parents=True, exist_ok=True)
-        self.settings.write_text(json.dumps(SETTINGS))
-        (pathlib.Path.home() / "letter").write_text("Dear Ann")
+        self.surprises = []
+        write(".config/spacemint/app.spacemint.Spacemint.json", json.dumps(SETTINGS))
+        write("Documents/letter", "Dear Ann" * 1_000_000)
+        run(ctl, "scan", "--top", "0")
         self.screen = DESKTOPS[desktop]()
         # GNOME's status area opens the menu on one click.
         self.clicks = 2 if desktop == "gnome" else 1
@@ -261,20 +253,22 @@ class Tour:
             last = now
         return last
 
-    def window(self, screen):
+    def window(self, name):
         """The box of the panel or the window; nothing where there is none."""
-        return next((box for box in screen.changes(self.empty) if box[2] - box[0] >= 380 and box[3] - box[1] >= 450), None)
+        boxes = self.look(name).changes(self.empty)
+        return next((box for box in boxes if box[2] - box[0] >= 380 and box[3] - box[1] >= 450), None)
 
-    def wait_window(self, name):
-        box = wait(lambda: self.window(self.look(name)), "the panel or the window")
-        self.resting(name)
-        return box
+    def is_shown(self, name):
+        return self.changes_to(name, True)
 
-    def wait_none(self, name):
-        """Whether the panel goes."""
-        end = time.monotonic() + 5
+    def is_hidden(self, name):
+        return self.changes_to(name, False)
+
+    def changes_to(self, name, shown):
+        end = time.monotonic() + 8
         while time.monotonic() < end:
-            if not self.window(self.look(name)):
+            if bool(self.window(name)) == shown:
+                self.resting(name, 5)
                 return True
         return False
 
@@ -288,47 +282,55 @@ class Tour:
     def click_item(self):
         self.click(self.item, count=self.clicks)
 
-    def note(self, what, value):
-        self.said[what] = value
+    def note(self, what, value, expected=None):
         print(f"{self.name}: {what}: {value}", flush=True)
+        if expected is not None and value != expected:
+            self.surprises.append(what)
+
+    def find_item(self, before):
+        self.empty = self.resting("item")
+        small = [box for box in self.empty.changes(before) if box[2] - box[0] <= 160 and box[3] - box[1] <= 64]
+        if not small:
+            raise AssertionError("the item is not seen")
+        left, top, right, bottom = min(small, key=lambda box: min(box[1], self.empty.height - box[3]))
+        self.item = ((left + right) // 2, (top + bottom) // 2)
+        self.note("item at", self.item)
 
     def run(self):
         wait(lambda: has_name(WATCHER), "the status area", 120)
-        self.screen.point(WIDTH // 3, HEIGHT // 2)
+        self.screen.point(400, 400)
         before = self.resting("before", 60)
         program = start(self.program)
         wait(lambda: has_name(f"org.kde.StatusNotifierItem-{program.pid}-1"), "the item on the bus")
         time.sleep(3)
-        self.empty = self.resting("item")
-        small = [box for box in self.empty.changes(before) if box[2] - box[0] <= 120 and box[3] - box[1] <= 64]
-        if not small:
-            raise AssertionError("the item is not seen")
-        left, top, right, bottom = min(small, key=lambda box: min(box[1], HEIGHT - box[3]))
-        self.item = ((left + right) // 2, (top + bottom) // 2)
-        self.note("item", f"at {self.item}")
+        self.find_item(before)
         self.click_item()
-        self.note("panel", self.wait_window("panel"))
-        self.screen.key("Escape")
-        self.note("Escape closes", self.wait_none("escape"))
+        self.note("a click opens it", self.is_shown("panel"), True)
+        self.note("place", self.window("panel"))
+        is_panel = self.name not in WINDOWED
+        if is_panel:
+            self.screen.key("Escape")
+            self.note("Escape closes it", self.is_hidden("escape"), True)
+            self.click_item()
+            self.is_shown("again")
         self.click_item()
-        self.wait_window("again")
-        self.click_item()
-        self.note("a second click closes", self.wait_none("second"))
-        self.click_item()
-        self.wait_window("again")
-        self.click((WIDTH // 5, HEIGHT // 2))
-        self.note("a click beside it closes", self.wait_none("beside"))
+        self.note("a second click closes it", self.is_hidden("second"), True)
+        if is_panel:
+            self.click_item()
+            self.is_shown("again")
+            self.click((200, 400))
+            self.note("a click beside closes it", self.is_hidden("beside"), True)
         self.click(self.item, button=3)
-        menu = self.resting("menu", 5).changes(self.empty)
-        self.note("menu", menu[0] if menu else "none")
+        menu = [box for box in self.resting("menu", 5).changes(self.empty) if box[3] - box[1] > 80]
+        self.note("a right click opens the menu", bool(menu), True)
         self.screen.key("Escape")
         time.sleep(1)
         subprocess.run([self.program, "--settings"], check=True, timeout=30)
-        self.note("settings from a launcher", self.wait_window("settings"))
+        self.note("a launcher opens the settings", self.is_shown("settings"), True)
         program.send_signal(signal.SIGTERM)
-        self.note("exit code", program.wait(30))
-        log = (pathlib.Path.home() / (pathlib.Path(self.program).name + ".log")).read_text()
-        self.note("written to standard error", log.strip() or "nothing")
+        self.note("exit code", program.wait(30), 0)
+        log = (pathlib.Path.home() / "spacemint.log").read_text().strip()
+        self.note("written to standard error", log or "nothing", "nothing")
 
 
 def end():
@@ -341,15 +343,44 @@ def end():
             process.wait()
 
 
-if __name__ == "__main__":
+def as_nobody(folder):
+    """Runs this file again as an ordinary user, with a home folder and a bus of its own."""
+    folder.mkdir(parents=True, exist_ok=True)
+    folder.chmod(0o777)
+    home = pathlib.Path(tempfile.mkdtemp(prefix="spacemint-tour-"))
+    (home / "run").mkdir(mode=0o700)
+    for path in (home, home / "run"):
+        shutil.chown(path, "nobody")
+    pathlib.Path("/tmp/.X11-unix").mkdir(mode=0o1777, exist_ok=True)
+    variables = {"HOME": home, "XDG_RUNTIME_DIR": home / "run", "PATH": "/usr/bin:/bin:/usr/games", "LANG": "C.UTF-8",
+                 "NO_AT_BRIDGE": "1", "PYTHONDONTWRITEBYTECODE": "1"}
+    try:
+        return subprocess.run(
+            ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "dbus-run-session", "--", sys.executable,
+             *sys.argv], env={name: str(value) for name, value in variables.items()}, check=False).returncode
+    finally:
+        shutil.rmtree(home, ignore_errors=True)
+
+
+def main(desktop, program, ctl, folder):
+    folder = pathlib.Path(folder)
+    if os.geteuid() == 0:
+        return as_nobody(folder)
     tour = None
     try:
-        tour = Tour(sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3]))
+        tour = Tour(desktop, program, ctl, folder)
         tour.run()
     except Exception as failure:
         if tour:
             tour.look("failed")
-        print(f"{sys.argv[1]}: FAILED: {failure}", flush=True)
-        sys.exit(1)
+        print(f"{desktop}: FAILED: {failure}", flush=True)
+        return 1
     finally:
         end()
+    if tour.surprises:
+        print(f"{desktop}: NOT AS EXPECTED: {', '.join(tour.surprises)}", flush=True)
+    return 1 if tour.surprises else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
