@@ -34,7 +34,7 @@ class LooksTest : public ShownTabs {
 
   // Whether all of the item is inside of the part of the list that is visible.
   bool isInView(const QQuickItem* item, const QQuickItem* list) {
-    const double top = item->mapToItem(list, {}).y();
+    const double top = item->mapToItem(list, QPointF{}).y();
     return top >= 0 && top + item->height() <= list->height();
   }
 
@@ -50,7 +50,7 @@ class LooksTest : public ShownTabs {
 TEST_F(LooksTest, theEdgeOfTheCardIsInViewAtTheBeginningOfAList) {
   showLongFolder();
   // The distance of the first row from the top of the list, where the edge of the card is.
-  const auto edge = [&] { return view->find({}, "ItemRow").first()->mapToItem(list(), {}).y(); };
+  const auto edge = [&] { return view->find({}, "ItemRow").first()->mapToItem(list(), QPointF{}).y(); };
   const double before = edge();
   EXPECT_GE(before, 4);
   press(Qt::Key_Tab);
@@ -147,7 +147,7 @@ TEST_F(LooksTest, theButtonOfTheKeyboardStaysInViewWhenABannerComes) {
   QQuickItem* page = view->find({}, "ScrollColumn").first();
   for (int i = 0; i < 20 && !button("Show all 9")->hasActiveFocus(); ++i) press(Qt::Key_Tab);
   ASSERT_TRUE(button("Show all 9")->hasActiveFocus());
-  page->setProperty("contentY", button("Show all 9")->mapToItem(page, {}).y() + scrolled(page) +
+  page->setProperty("contentY", button("Show all 9")->mapToItem(page, QPointF{}).y() + scrolled(page) +
                                     button("Show all 9")->height() - page->height());
   ASSERT_TRUE(isInView(button("Show all 9"), page));
   tell("Emptied the Trash.");
@@ -203,7 +203,7 @@ TEST_F(LooksTest, figuresStandAtTheEdgeWhereNoRowHasAChevron) {
     const QQuickItem* item = row(title);
     double end = 0;
     for (const QQuickItem* text : view->find({}, "QQuickText")) {
-      if (item->isAncestorOf(text)) end = std::max(end, text->mapToItem(item, {text->width(), 0}).x());
+      if (item->isAncestorOf(text)) end = std::max(end, text->mapToItem(item, QPointF{text->width(), 0}).x());
     }
     return item->width() - end;
   };
