@@ -374,6 +374,8 @@ def main(desktop, program, ctl, folder):
         if tour:
             tour.look("failed")
         print(f"{desktop}: FAILED: {failure}", flush=True)
+        for log in pathlib.Path.home().glob("*.log"):
+            print(f"--- {log.name}", *log.read_text(errors="replace").splitlines()[-12:], sep="\n", file=sys.stderr)
         return 1
     finally:
         end()
