@@ -1,7 +1,5 @@
 #include "AppServices/NoticeText.h"
 
-#include "core/wording/PlatformWords.h"
-
 namespace spacemint {
 
 NoticeText noticeText(const Notice& notice, const std::string& appName) {
@@ -11,8 +9,8 @@ NoticeText noticeText(const Notice& notice, const std::string& appName) {
   }
   return {.title = "Share anonymous usage?",
           .body = "Once a day, " + appName + " would tell us it's in use, with its version and " +
-                  std::string{PlatformWords::systemVersion} +
-                  ". Nothing about you or your files. You can change this in the " + appName + " menu.",
+                  "the version of your system. Nothing about you or your files. You can change this in the " +
+                  appName + " menu.",
           .primary = "Share",
           .secondary = "Don't share"};
 }

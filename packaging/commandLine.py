@@ -37,8 +37,9 @@ class Command:
 def rows(text, section):
     """The pairs of term and help text in a section of --help."""
     found = re.search(rf"^{section}:\n((?:  .*\n)*)", text, re.MULTILINE)
-    lines = found.group(1).splitlines() if found else []
-    return [tuple(re.split(r"\s{2,}| (?=Print this)", line.strip(), maxsplit=1)) for line in lines]
+    # A help text stands in the line of its term, or in the next line if the term is long.
+    lines = re.findall(r"^  (\S.*(?:\n {8,}\S.*)*)", found.group(1), re.MULTILINE) if found else []
+    return [tuple(re.split(r"\s{2,}| (?=Print this)", line, maxsplit=1)) for line in lines]
 
 
 def roff(text):

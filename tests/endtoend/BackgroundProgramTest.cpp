@@ -46,7 +46,7 @@ class BackgroundProgram : public testing::Test {
     }
     environment.insert(QStringLiteral("HOME"), QString::fromStdString(home.path()));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(home / "run"));
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), busAddress);
     program.setProcessEnvironment(environment);
     program.start(QStringLiteral(SPACEMINT), {QStringLiteral("--background")});

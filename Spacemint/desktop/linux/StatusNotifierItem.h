@@ -37,6 +37,7 @@ class StatusNotifierItem final : public StatusItem {
   void setArea(Area area);
   void clicked(QPoint pixel);
   void publish();
+  void publishAgain();
   QString writeIcon();
 
   QDBusConnection bus_;
@@ -47,8 +48,9 @@ class StatusNotifierItem final : public StatusItem {
   StatusNotifierAdaptor* item_;
   DBusMenu* menu_;
   StatusLook look_;
-  /// GNOME's host, which shows the title beside the icon.
   bool isGnome_;
+  /// The host shows the title beside the icon.
+  bool showsTitle_;
   /// The host reads icons from files only. They are in `files_`, a folder that is made when it is first
   /// needed.
   bool wantsFiles_ = false;

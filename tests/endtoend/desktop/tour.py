@@ -162,7 +162,8 @@ def mate():
 
 def cinnamon():
     screen = Server()
-    environment(XDG_CURRENT_DESKTOP="X-Cinnamon", LIBGL_ALWAYS_SOFTWARE="1", CINNAMON_SOFTWARE_RENDERING="1")
+    environment(XDG_CURRENT_DESKTOP="X-Cinnamon", XDG_SESSION_TYPE="x11", LIBGL_ALWAYS_SOFTWARE="1",
+                CINNAMON_SOFTWARE_RENDERING="1")
     run("gsettings", "set", "org.cinnamon.desktop.interface", "enable-animations", "false")
     start("cinnamon", "--sm-disable")
     return screen
@@ -241,15 +242,15 @@ class Tour:
         self.screen.picture(file)
         return Screen(file)
 
-    def resting(self, name, limit=30):
-        """The screen as soon as it has stopped changing."""
+    def resting(self, name, limit=30, looks=1):
+        """The screen as soon as it is not blank and has stayed the same for so many looks."""
         end = time.monotonic() + limit
-        last = self.look(name)
-        while time.monotonic() < end:
+        last, same = self.look(name), 0
+        while time.monotonic() < end and same < looks:
             time.sleep(0.7)
             now = self.look(name)
-            if now.pixels == last.pixels:
-                return now
+            is_blank = len(set(now.pixels[::997])) < 2
+            same = same + 1 if now.pixels == last.pixels and not is_blank else 0
             last = now
         return last
 
@@ -288,7 +289,7 @@ class Tour:
             self.surprises.append(what)
 
     def find_item(self, before):
-        self.empty = self.resting("item")
+        self.empty = self.resting("item", looks=3)
         small = [box for box in self.empty.changes(before) if box[2] - box[0] <= 160 and box[3] - box[1] <= 64]
         if not small:
             raise AssertionError("the item is not seen")
@@ -299,7 +300,9 @@ class Tour:
     def run(self):
         wait(lambda: has_name(WATCHER), "the status area", 120)
         self.screen.point(400, 400)
-        before = self.resting("before", 60)
+        self.resting("before", 60)
+        self.screen.key("Escape")  # out of GNOME's overview
+        before = self.resting("before", 90, looks=8)
         program = start(self.program)
         wait(lambda: has_name(f"org.kde.StatusNotifierItem-{program.pid}-1"), "the item on the bus")
         time.sleep(3)
@@ -351,7 +354,10 @@ def as_nobody(folder):
     (home / "run").mkdir(mode=0o700)
     for path in (home, home / "run"):
         shutil.chown(path, "nobody")
-    pathlib.Path("/tmp/.X11-unix").mkdir(mode=0o1777, exist_ok=True)
+    sockets = pathlib.Path("/tmp/.X11-unix")
+    if not sockets.exists():
+        sockets.mkdir()
+        sockets.chmod(0o1777)
     variables = {"HOME": home, "XDG_RUNTIME_DIR": home / "run", "PATH": "/usr/bin:/bin:/usr/games", "LANG": "C.UTF-8",
                  "NO_AT_BRIDGE": "1", "PYTHONDONTWRITEBYTECODE": "1"}
     try:
