@@ -107,6 +107,12 @@ class Application:
                 continue
         return found
 
+    @staticmethod
+    def role(item):
+        """Newer versions of the reader call a push button a button."""
+        name = item.getRoleName()
+        return "push button" if name == "button" else name
+
     def all(self, name=None, role=None):
         """What is on the screen with that name and role, from top to bottom."""
         found = []
@@ -116,7 +122,7 @@ class Application:
                 states = item.getState()
                 if item.getRoleName() != "application" and not states.contains(self.atspi.STATE_SHOWING):
                     return
-                if (name is None or item.name == name) and (role is None or item.getRoleName() == role):
+                if (name is None or item.name == name) and (role is None or self.role(item) == role):
                     found.append(item)
                 for index in range(item.childCount):
                     child = item.getChildAtIndex(index)
@@ -151,7 +157,7 @@ class Application:
         wait_until(lambda: self.sees_text(part), f"a text with {part!r}", limit)
 
     def names(self):
-        return [(item.getRoleName(), item.name) for item in self.all()]
+        return [(self.role(item), item.name) for item in self.all()]
 
     # What a person does
 
