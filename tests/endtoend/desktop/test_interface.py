@@ -65,7 +65,7 @@ class FirstDay(OnADesktop):
             os.utime(self.home / "shop/.git/worktrees/shop-old" / name, (long_ago, long_ago))
 
     def test_scan_clean_and_quit(self):
-        app = self.app = self.start({"warningThresholdGB": 1}, LC_ALL="en_US.UTF-8")
+        app = self.app = self.start({"warningThresholdGB": 1})
         app.click("Start first scan")
         app.wait_scanned()
         app.find("What changed")
