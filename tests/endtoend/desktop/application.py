@@ -210,6 +210,20 @@ class Application:
     def scroll_to_the_end(self):
         self.point_at_middle()
         self.xdotool("click", "--repeat", 30, "--delay", 20, 5)
+        self.wait_still()
+
+    def wait_still(self):
+        """Until the window has looked the same for a second: a click while a page still moves only stops it."""
+        last = since = None
+
+        def is_still():
+            nonlocal last, since
+            now = self.session.pixels(*self.place())
+            if now != last:
+                last, since = now, time.monotonic()
+            return time.monotonic() - since > 1
+
+        wait_until(is_still, "that nothing moves")
 
     def scroll_to_text(self, part):
         self.scroll_until(lambda: self.sees_text(part), f"a text with {part!r}")

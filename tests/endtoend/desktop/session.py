@@ -55,6 +55,8 @@ class Session:
             "TZ": "UTC",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "NO_AT_BRIDGE": "0",
+            # Qt warns of each question of the reader about an item that is gone.
+            "QT_LOGGING_RULES": "qt.accessibility.atspi.warning=false",
         }
         try:
             self._start_screen()
