@@ -3,6 +3,8 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <tuple>
+
 namespace spacemint {
 
 namespace {
@@ -105,8 +107,8 @@ bool Updates::installAutomatically() const {
 
 void Updates::setInstallAutomatically(bool isOn) {
   // If this cannot be stored, the switch goes back.
-  host_.defaults.set(checkKey, true);
-  host_.defaults.set(downloadKey, isOn);
+  std::ignore = host_.defaults.set(checkKey, true);
+  std::ignore = host_.defaults.set(downloadKey, isOn);
   Q_EMIT changed();
   if (isOn) checkIfDue();
 }
@@ -122,7 +124,7 @@ bool Updates::restore() {
       target_);
   // It is installed by now, or its file is gone.
   if (!update || !*update || !QFile::exists(QFile::decodeName(download_.pathOf(**update).c_str()))) {
-    host_.defaults.remove(readyKey);
+    std::ignore = host_.defaults.remove(readyKey);
     return false;
   }
   state_.version = (*update)->shownVersion;
@@ -137,10 +139,10 @@ void Updates::store(const Update& update) {
   const QByteArray signature{reinterpret_cast<const char*>(update.signature.data()),
                              static_cast<qsizetype>(update.signature.size())};
   // If this cannot be stored, the update is downloaded again after a restart.
-  host_.defaults.set(readyKey,
-                     DefaultsArray{update.version, update.shownVersion,
-                                   update.url.toString(QUrl::FullyEncoded).toStdString(),
-                                   std::to_string(update.length), signature.toBase64().toStdString()});
+  std::ignore = host_.defaults.set(
+      readyKey, DefaultsArray{update.version, update.shownVersion,
+                              update.url.toString(QUrl::FullyEncoded).toStdString(),
+                              std::to_string(update.length), signature.toBase64().toStdString()});
 }
 
 void Updates::checkIfDue() {
@@ -164,7 +166,7 @@ void Updates::feedArrived(const std::optional<WebReply>& reply) {
   if (!reply || reply->status != found) return failed(UpdateProblem::feedUnreachable);
   const auto items = parseUpdateFeed({reply->body.constData(), static_cast<std::size_t>(reply->body.size())});
   if (!items) return failed(UpdateProblem::feedUnreadable);
-  host_.defaults.set(checkedOnKey, host_.today());
+  std::ignore = host_.defaults.set(checkedOnKey, host_.today());
   const auto update = newestUpdate(*items, target_);
   if (!update) return failed(update.error());
   if (!*update) return finish(UpdateState::Result::upToDate);
@@ -177,7 +179,7 @@ void Updates::feedArrived(const std::optional<WebReply>& reply) {
 void Updates::download(const Update& update) {
   // The download removes the files of other versions.
   ready_.reset();
-  host_.defaults.remove(readyKey);
+  std::ignore = host_.defaults.remove(readyKey);
   state_.phase = UpdateState::Phase::downloading;
   Q_EMIT changed();
   download_.start(update, [this, update](const std::expected<void, UpdateProblem>& result) {
@@ -206,7 +208,7 @@ void Updates::verified(const Update& update, std::expected<void, UpdateProblem> 
     return next();
   }
   ready_.reset();
-  host_.defaults.remove(readyKey);
+  std::ignore = host_.defaults.remove(readyKey);
   download_.discard(update);
   failed(result.error());
   checkIfDue();

@@ -4,6 +4,8 @@
 #include <QJsonObject>
 #include <QUuid>
 
+#include <tuple>
+
 namespace spacemint {
 
 namespace {
@@ -42,7 +44,7 @@ Usage::Usage(Host host)
 
 void Usage::setAllowed(bool isAllowed) {
   // If the answer cannot be stored, it stays as it was, and the question comes again.
-  consent_.setAllowed(isAllowed);
+  std::ignore = consent_.setAllowed(isAllowed);
   if (isAllowed) {
     sendIfDue();
   } else {
@@ -64,7 +66,7 @@ void Usage::sendIfDue() {
                        if (!reply || reply->status != received) return;
                        host_.defaults.refresh();
                        if (host_.defaults.string(UsageConsent::installKey) != id) return;
-                       host_.defaults.set(UsageConsent::sentOnKey, today);
+                       std::ignore = host_.defaults.set(UsageConsent::sentOnKey, today);
                      });
 }
 

@@ -55,8 +55,8 @@ Json folderJson(const std::string& path, const Node& folder) {
 }
 
 std::string folderText(const std::string& path, const Node& folder, std::size_t top, const Wording& wording) {
-  std::string text = printable(Paths::display(path, wording.home)) + ": " +
-                     ByteFormat::string(folder.size, wording.locale) + '\n';
+  const std::string text = printable(Paths::display(path, wording.home)) + ": " +
+                           ByteFormat::string(folder.size, wording.locale) + '\n';
   Table table;
   for (const Node& child : folder.children) {
     if (top-- == 0) {

@@ -135,7 +135,7 @@ class Proposer {
     if (ids.empty()) return found;
     for (const std::string& id : ids) {
       if (std::ranges::find(DevTools::cleanups(), id, &CleanupTarget::id) == DevTools::cleanups().end()) {
-        return std::unexpected("no cache has the id \"" + id + "\"; see \"spacemintctl caches --json\"");
+        return std::unexpected("no cache has the id \"" + id + R"("; see "spacemintctl caches --json")");
       }
       if (std::ranges::find(found, id, &DevTools::FoundCleanup::id) == found.end()) {
         return std::unexpected(id + ": not in the newest scan");
@@ -190,19 +190,20 @@ void complainOfFailures(const CleanupPlan& plan, const CleanupReport& report, co
   if (report.steps.size() < plan.steps.size()) complain("the remaining steps were not started");
 }
 
+CleanupReport carryOutWithProgress(const CleanupPlan& plan, const CleanupContext& context,
+                                   bool showsProgress) {
+  ProgressLine line{showsProgress, plan.size(), context.locale};
+  return Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
+    if (soFar.items > 0) line.show([&] { return CleanupText::progressText(plan, soFar, context.locale); });
+    return !wasInterrupted();
+  });
+}
+
 int carryOut(const CleanupPlan& plan, const CleanOptions& options, const CleanupContext& context,
              const Wording& wording) {
   noteInterrupts();
-  CleanupReport report;
-  {
-    ProgressLine line{ProgressLine::canBeSeen() && !options.json, plan.size(), wording.locale};
-    report = Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
-      if (soFar.items > 0) {
-        line.show([&] { return CleanupText::progressText(plan, soFar, wording.locale); });
-      }
-      return !wasInterrupted();
-    });
-  }
+  const CleanupReport report =
+      carryOutWithProgress(plan, context, ProgressLine::canBeSeen() && !options.json);
   const auto remeasured = remeasureInNewestScan(plan.touched);
   complainOfFailures(plan, report, context);
   if (!remeasured) complain("couldn't save changes to the scan: " + printable(remeasured.error().message));

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <iomanip>
@@ -60,9 +61,7 @@ std::string universalTime(Date date) {
 
 std::string percentage(std::int64_t part, std::int64_t whole) {
   if (whole < 1) return "";
-  return std::to_string(
-             static_cast<int>(static_cast<double>(part) / static_cast<double>(whole) * 100 + 0.5)) +
-         " %";
+  return std::to_string(std::lround(static_cast<double>(part) / static_cast<double>(whole) * 100)) + " %";
 }
 
 std::string Table::text() const {

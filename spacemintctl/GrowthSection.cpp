@@ -58,7 +58,7 @@ Json jsonOf(const Snapshot& scan) {
 std::string growthText(const Snapshot& baseline, const std::vector<Growth>& grown, const Scene& scene) {
   const auto& [home, locale] = scene.wording;
   const auto change = Changes::spaceChange(baseline, scene.snapshot, home);
-  std::string text = "Since " + localTime(baseline.date) + " (" +
+  const std::string text = "Since " + localTime(baseline.date) + " (" +
                      RelativeTime::age(baseline.date, scene.now, locale) + ")\n" +
                      FindingText::freeChange(change.value_or(SpaceChange{}), home, locale) + '\n';
   if (grown.empty()) return text + FindingText::nothingGrew(scene.minimum, locale) + '\n';

@@ -52,8 +52,8 @@ Json jsonDate(std::optional<Date> date) {
   return date ? Json(universalTime(*date)) : Json(nullptr);
 }
 
-void addRest(Table& rows, std::size_t count, std::size_t top) {
-  if (count > top) rows.add({"…", "and " + std::to_string(count - top) + " more; --top shows them"});
+void addRest(Table& table, std::size_t count, std::size_t top) {
+  if (count > top) table.add({"…", "and " + std::to_string(count - top) + " more; --top shows them"});
 }
 
 }  // namespace spacemint::ctl

@@ -41,17 +41,17 @@ struct Findings {
 /// A section of the report, which most sections are also a command for.
 struct Section {
   /// The name of the command and of the member in the report's JSON.
-  const char* command;
+  const char* command = nullptr;
   /// The command's description; null if the section is only in the report, or another function adds the
   /// command.
-  const char* description;
+  const char* description = nullptr;
   /// The heading in the report.
-  const char* title;
+  const char* title = nullptr;
   /// The default of --min-size in bytes; absent if the command has no such option.
   std::optional<Bytes> minimum;
   /// False if the section runs a tool and needs no scan.
-  bool looksAtScan;
-  std::expected<Findings, Error> (*find)(const Scene& scene);
+  bool looksAtScan = true;
+  std::expected<Findings, Error> (*find)(const Scene& scene) = nullptr;
 };
 
 /// Every section, in the order of the report.

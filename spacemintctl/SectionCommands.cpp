@@ -47,8 +47,8 @@ std::int64_t warningThreshold() {
 }
 
 std::string volumeText(const VolumeStatus& volume, std::int64_t thresholdGB, const Scene& scene) {
-  std::string text = shownSize(volume.free, scene) + " free of " + shownSize(volume.total, scene) + " on " +
-                     printable(volume.name) + '\n';
+  const std::string text = shownSize(volume.free, scene) + " free of " + shownSize(volume.total, scene) +
+                           " on " + printable(volume.name) + '\n';
   const std::string warning = FindingText::warning(spaceLevel(volume.free, thresholdGB), thresholdGB);
   return warning.empty() ? text : text + warning + '\n';
 }

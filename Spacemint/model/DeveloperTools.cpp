@@ -49,7 +49,7 @@ void DeveloperTools::refreshOllama(std::function<void()> then) {
 template <class State, class Parse>
 void DeveloperTools::ask(const DevTools::ToolQuery& query, State DeveloperTools::*held,
                          void (DeveloperTools::*changed)(), Parse parse, std::function<void()> then) {
-  const auto show = [this, held, changed](State state) {
+  const auto show = [this, held, changed](const State& state) {
     if (std::exchange(this->*held, state) != state) Q_EMIT(this->*changed)();
   };
   // An earlier answer stays while the tool is asked again.

@@ -19,6 +19,7 @@ struct Preferences::Observers {
   // through by number, and each is looked up when its turn comes.
   void tell(Setting changed) {
     std::vector<std::uint64_t> numbers;
+    numbers.reserve(all.size());
     for (const auto& [number, observer] : all) numbers.push_back(number);
     for (const std::uint64_t number : numbers) {
       const auto observer = all.find(number);

@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <tuple>
 #include <utility>
 
 namespace spacemint {
@@ -164,7 +165,7 @@ void Application::explainWindow() {
       host_.desktop.statusItem.opensMenuOnClick() ? " GNOME's extension AppIndicator adds one." : "";
   host_.model.messages().show("This desktop has no status area, so Spacemint lives in this window." +
                               extension);
-  static_cast<void>(host_.defaults.set(explainedWindowKey, true));
+  std::ignore = host_.defaults.set(explainedWindowKey, true);
 }
 
 // The status item

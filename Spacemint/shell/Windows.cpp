@@ -6,6 +6,8 @@
 #include <QQuickItem>
 #include <QScreen>
 
+#include <tuple>
+
 namespace spacemint {
 
 namespace {
@@ -166,7 +168,7 @@ void MainWindow::keepPlace() {
   if (!handle() || (windowStates() & (Qt::WindowMaximized | Qt::WindowFullScreen))) return;
   const std::string text = textOf(geometry());
   // If the store cannot be written, only the place is lost.
-  if (defaults_.string(placeKey) != text) static_cast<void>(defaults_.set(placeKey, text));
+  if (defaults_.string(placeKey) != text) std::ignore = defaults_.set(placeKey, text);
 }
 
 }  // namespace spacemint

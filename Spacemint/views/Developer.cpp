@@ -164,6 +164,7 @@ std::vector<ListItem> Developer::huggingFaceItems() const {
 void Developer::updateOllama() {
   const auto& tool = host_.model.dev().ollama();
   std::vector<ListItem> items;
+  items.reserve(tool.payload.size());
   for (const DevTools::OllamaModel& model : tool.payload) {
     items.push_back({.id = "ollama:" + model.name,
                      .path = Paths::join(host_.home, ollamaModels),

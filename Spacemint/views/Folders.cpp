@@ -120,7 +120,7 @@ void Folders::update() {
 }
 
 void Folders::goBack() {
-  if (parent_) host_.model.setFolderPath(*parent_);
+  if (parent_) host_.model.setFolderPath(parent_);
 }
 
 void Folders::reveal() const {

@@ -52,7 +52,7 @@ std::optional<Date> daysEarlier(Date date, int days, const std::string& timeZone
   calendar.add(UCAL_DATE, change, status);
   const UDate moved = calendar.getTime(status);
   constexpr UDate farthest = 9.2e15;  // milliseconds that fit a Date
-  if (U_FAILURE(status) || !(moved > -farthest && moved < farthest)) return std::nullopt;
+  if (U_FAILURE(status) || moved <= -farthest || moved >= farthest) return std::nullopt;
   const auto belowMillisecond = date - floor<milliseconds>(date);
   return Date{milliseconds{static_cast<std::int64_t>(moved)} + belowMillisecond};
 }

@@ -55,7 +55,7 @@ std::size_t asciiEnd(std::string_view text, std::size_t at) {
 // Returns the character at `at` and moves `at` behind it; negative if the bytes are not UTF-8.
 UChar32 nextCharacter(std::string_view text, std::size_t& at) {
   UChar32 character = 0;
-  U8_NEXT(text.data(), at, text.size(), character);
+  U8_NEXT(text.data(), at, text.size(), character);  // NOLINT(bugprone-inc-dec-in-conditions): the macro
   return character;
 }
 #pragma GCC diagnostic pop

@@ -20,7 +20,7 @@ constexpr Bytes trashThatShows = 1'000'000'000;
 
 // How the guard checks the path of a step.
 struct Rule {
-  Kind kind;
+  Kind kind = {};
   bool asksGuard = true;
   bool outsideHomeAllowed = false;
   bool linkItself = false;

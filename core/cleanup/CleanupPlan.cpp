@@ -111,11 +111,12 @@ class Planner {
     } else {
       step.kind = Kind::deleteItem;
     }
+    std::string note = CleanupText::worktreeNote(worktree, step.worktree);
     return withStep(std::move(step), {.id = worktree.path,
                                       .title = "Remove this worktree?",
                                       .subject = sized(worktree.name(), worktree.size),
                                       .detail = shown(worktree.path),
-                                      .note = CleanupText::worktreeNote(worktree, step.worktree),
+                                      .note = std::move(note),
                                       .button = "Remove worktree",
                                       .touched = {worktree.path}});
   }

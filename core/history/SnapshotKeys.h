@@ -116,7 +116,7 @@ inline Complaint takeModified(const Scalar& value, Date& target) {
 template <class Record>
 struct Key {
   std::string_view name;
-  bool isRequired;
+  bool isRequired = false;
   Complaint (*take)(Record&, const Scalar&);
 };
 

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <limits>
 #include <set>
+#include <tuple>
 #include <type_traits>
 
 namespace spacemint {
@@ -171,7 +172,7 @@ DefaultsStore::DefaultsStore(std::string path, Access access)
   if (!isDamage(readError_) || access_ == Access::readOnly) return;
   // Another process may have moved the damaged file already: read again under the lock. If the file cannot be
   // moved, the file stays in place, readError_ keeps the damage, and the next change fails with the reason.
-  if (const auto locked = lock()) static_cast<void>(readForChange());
+  if (const auto locked = lock()) std::ignore = readForChange();
 }
 
 DefaultsStore::DefaultsStore(DefaultsStore&&) noexcept = default;

@@ -103,7 +103,7 @@ using EntryCheck = std::function<std::optional<std::string>(const std::string& p
 /// Removes the entries of a folder in listing order; the folder itself stays. Removes symbolic links, not
 /// their targets. Stops at the first entry that `check` refuses. Keeps working on the folder that it opened,
 /// even if another folder appears at the path meanwhile.
-std::expected<void, RemovalFailure> emptyFolder(const RemovalTarget& folder, const EntryCheck& check,
+std::expected<void, RemovalFailure> emptyFolder(const RemovalTarget& target, const EntryCheck& check,
                                                 RemovalProgress& progress);
 
 }  // namespace spacemint

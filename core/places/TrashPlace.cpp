@@ -8,7 +8,7 @@ namespace spacemint {
 TrashPlace trashPlace(const Snapshot* scan, std::string_view home, std::string_view data) {
   std::string plain = Paths::join(home, ".Trash");
   if (scan != nullptr && scan->nodeAt(plain) != nullptr) return {.folder = plain, .emptied = {plain}};
-  std::string folder = Paths::join(data, "Trash");
+  const std::string folder = Paths::join(data, "Trash");
   return {.folder = folder,
           .emptied = {Paths::join(folder, "files"), Paths::join(folder, "info"),
                       Paths::join(folder, "expunged")}};

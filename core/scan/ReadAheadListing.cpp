@@ -105,8 +105,9 @@ class ReadAheadListing::Crew {
         foldersAhead_(foldersAhead) {
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { help(); });
-    } catch (const std::system_error&) {
+    } catch (const std::system_error& failure) {
       // The process cannot start more threads. The walk lists all folders that no helper lists.
+      log(LogLevel::debug, std::string{"fewer threads read ahead: "} + failure.what());
     }
   }
 

@@ -28,7 +28,7 @@ class HostVolume final : public StartupVolume {
 /// The signal carries a whole number: free gigabytes (1,000,000,000 bytes), rounded down.
 class LauncherBadge final : public Badge {
  public:
-  explicit LauncherBadge(const QDBusConnection& bus) : bus_(bus) {}
+  explicit LauncherBadge(QDBusConnection bus) : bus_(std::move(bus)) {}
 
   void show(Bytes free) override;
   void clear() override;

@@ -19,7 +19,7 @@ const QString applicationInterface = QStringLiteral("org.freedesktop.Application
 
 }  // namespace
 
-RunningInstance::RunningInstance(const QDBusConnection& bus, Kind kind) : bus_(bus), kind_(kind) {}
+RunningInstance::RunningInstance(QDBusConnection bus, Kind kind) : bus_(std::move(bus)), kind_(kind) {}
 
 RunningInstance::~RunningInstance() {
   if (!bus_.isConnected()) return;

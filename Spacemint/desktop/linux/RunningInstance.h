@@ -17,7 +17,7 @@ class RunningInstance : public QObject {
  public:
   enum class Kind { windows, background };
 
-  RunningInstance(const QDBusConnection& bus, Kind kind);
+  RunningInstance(QDBusConnection bus, Kind kind);
   ~RunningInstance() override;
 
   /// Whether this process is the instance from now on; false if another process stays the instance. True

@@ -44,7 +44,7 @@ StatusPixmap pixmapOf(const QImage& image) {
   for (int y = 0; y < argb.height(); ++y) {
     const auto* row = reinterpret_cast<const QRgb*>(argb.constScanLine(y));
     for (int x = 0; x < argb.width(); ++x) {
-      const quint32 pixel = qToBigEndian<quint32>(row[x]);
+      const auto pixel = qToBigEndian<quint32>(row[x]);
       pixmap.pixels.append(reinterpret_cast<const char*>(&pixel), sizeof pixel);
     }
   }

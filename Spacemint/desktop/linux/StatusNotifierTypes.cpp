@@ -19,7 +19,7 @@ const QDBusArgument& readFields(const QDBusArgument& in, Fields&... fields) {
   in.beginStructure();
   (in >> ... >> fields);
   in.endStructure();
-  return in;
+  return in;  // NOLINT(bugprone-return-const-ref-from-parameter): the form that QtDBus prescribes
 }
 
 // `name` is how the slots and signals of our adaptors write the type. QtDBus looks their arguments up by that

@@ -140,7 +140,7 @@ XdgOpener::Places XdgOpener::Places::current() {
           .start = startDetached};
 }
 
-XdgOpener::XdgOpener(const QDBusConnection& bus, Places places) : bus_(bus), places_(std::move(places)) {}
+XdgOpener::XdgOpener(QDBusConnection bus, Places places) : bus_(std::move(bus)), places_(std::move(places)) {}
 
 void XdgOpener::openUrl(const std::string& url, std::function<void()> failed) {
   if (isFile(url)) return places_.openByProgram(url, std::move(failed));

@@ -52,7 +52,7 @@ class XdgOpener final : public Opener {
     static Places current();
   };
 
-  XdgOpener(const QDBusConnection& bus, Places places);
+  XdgOpener(QDBusConnection bus, Places places);
 
   /// Asks the portal to open web pages. Files are opened by programs: the portal takes no paths of files.
   void openUrl(const std::string& url, std::function<void()> failed) override;

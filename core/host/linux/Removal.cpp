@@ -89,7 +89,8 @@ Done removeEntry(const FileHandle& folder, const std::string& name, const std::s
 
 // The next names of a folder in listing order, without "." and ".."; empty at the end of the folder.
 std::expected<std::vector<std::string>, int> nextNames(const FileHandle& folder) {
-  alignas(8) std::array<std::byte, 32'768> buffer;
+  alignas(8) std::array<std::byte, 32'768>
+      buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the call
   std::vector<std::string> names;
   // A call may return only "." and "..": that is not the end.
   while (names.empty()) {

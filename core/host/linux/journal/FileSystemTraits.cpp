@@ -13,7 +13,7 @@ namespace spacemint {
 namespace {
 
 struct Row {
-  std::uint32_t type;
+  std::uint32_t type = 0;
   FileSystemTraits traits;
 };
 

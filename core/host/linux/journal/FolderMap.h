@@ -101,7 +101,7 @@ class FolderMap {
   void detach(Id id);
   void attach(Id id, Id parent, std::string_view name);
   /// Forgets a folder with everything below it. Returns the watches that were on these folders.
-  std::vector<int> remove(Id id);
+  std::vector<int> remove(Id top);
 
   bool isDetached(Id id) const { return (records_[id].flags & detached) != 0; }
   /// Whether the folder is `above` or somewhere below it.

@@ -61,9 +61,9 @@ class WatchedTree {
   FolderRef rootRef() const { return map_.refTo(map_.root()); }
   /// A scan opened this folder and watched it (or failed to, with an errno), and lists it next. Changes made
   /// in between will be in the listing.
-  FolderRef adopt(FolderRef parent, std::string_view name, std::expected<int, int> watched);
+  FolderRef adopt(FolderRef parentRef, std::string_view name, std::expected<int, int> added);
   /// A scan could not open this folder.
-  void adoptClosed(FolderRef parent, std::string_view name);
+  void adoptClosed(FolderRef parentRef, std::string_view name);
   /// A scan listed this folder to its end after `adopt`.
   void adoptListed(FolderRef folder, const FolderSum& sum);
   /// A scan could not list this folder to its end.
