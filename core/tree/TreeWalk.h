@@ -22,7 +22,7 @@ void walkTree(const Node& root, Visit visit) {
   std::string path = root.name;
   std::vector<Level> levels;
   const auto enter = [&](const Node& node) {
-    bool wanted = true;
+    bool wanted = true;  // NOLINT(misc-const-correctness): not in the other branch
     if constexpr (std::is_void_v<std::invoke_result_t<Visit&, const std::string&, const Node&>>) {
       visit(std::as_const(path), node);
     } else {
