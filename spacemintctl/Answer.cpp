@@ -90,12 +90,21 @@ std::string leftOutTable(const Snapshot& snapshot, std::size_t limit, const Word
   return table.text();
 }
 
-std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
-                       const std::string& whyFull) {
+std::string largestItems(const Snapshot& snapshot, std::size_t top, const Wording& wording) {
   const auto folders = largestFolders(snapshot.root, top);
   const auto files = snapshot.largestFiles(top);
-  const std::string threshold = ByteFormat::string(snapshot.minNodeSize, wording.locale);
+  std::string text;
+  if (!folders.empty()) text += "\nLargest folders\n" + folderTable(folders, snapshot.root.size, wording);
+  if (!files.empty()) text += "\nLargest files\n" + fileTable(files, wording);
+  if (top > 0 && text.empty()) {
+    text =
+        "\nNothing here is as large as " + ByteFormat::string(snapshot.minNodeSize, wording.locale) + ".\n";
+  }
+  return text;
+}
 
+std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
+                       const std::string& whyFull) {
   std::string text =
       printable(snapshot.rootPath()) + ": " +
       FindingText::folderSize(snapshot.root.size, snapshot.coverage.unread.folders > 0, wording.locale) +
@@ -107,10 +116,7 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
     text += "Free on this volume: " + ByteFormat::string(snapshot.volumeFree, wording.locale) + " of " +
             ByteFormat::string(snapshot.volumeTotal, wording.locale) + '\n';
   }
-  if (!folders.empty()) text += "\nLargest folders\n" + folderTable(folders, snapshot.root.size, wording);
-  if (!files.empty()) text += "\nLargest files\n" + fileTable(files, wording);
-  if (top > 0 && folders.empty() && files.empty())
-    text += "\nNothing here is as large as " + threshold + ".\n";
+  text += largestItems(snapshot, top, wording);
   if (!snapshot.coverage.leftOut.empty()) {
     constexpr std::size_t fewest = 5;
     text += "\nNot scanned\n" + leftOutTable(snapshot, std::max(top, fewest), wording);

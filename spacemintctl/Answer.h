@@ -32,6 +32,9 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
 /// is less (`SharedFiles`, which asks the disk).
 std::string fileTable(const std::vector<FileItem>& files, const Wording& wording);
 
+/// The tables of the largest folders and files of a scan, `top` of each.
+std::string largestItems(const Snapshot& snapshot, std::size_t top, const Wording& wording);
+
 /// The text that `spacemintctl scan` prints. `whyFull` as in `ScanPlan`.
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull);

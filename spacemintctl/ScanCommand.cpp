@@ -14,6 +14,7 @@
 #include "spacemintctl/ProgressLine.h"
 #include "spacemintctl/ScanRoot.h"
 #include "spacemintctl/StoredScan.h"
+#include "spacemintctl/TransferCommands.h"
 
 namespace spacemint::ctl {
 
@@ -64,6 +65,7 @@ std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOp
 
 bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& options,
             const Wording& wording) {
+  if (!options.exportTo.empty()) return exportScan(snapshot, options.exportTo);
   if (!options.json) return print(scanAnswer(snapshot, options.top, wording, plan.whyFull));
   auto document = SnapshotCodec::encode(snapshot);
   if (document) return print(withKind(std::move(*document), plan.whyFull) + '\n');

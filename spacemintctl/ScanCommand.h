@@ -18,6 +18,8 @@ struct ScanOptions {
   bool noSave = false;
   bool quiet = false;
   bool json = false;
+  /// The file to export the scan to, "-" for standard output; empty for none.
+  std::string exportTo = {};
 };
 
 /// Scans a folder, prints its largest folders and files, and stores the scan. Returns the exit code.

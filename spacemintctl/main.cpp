@@ -3,11 +3,13 @@
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/ExplainCommand.h"
+#include "spacemintctl/FindCommand.h"
 #include "spacemintctl/HistoryCommand.h"
 #include "spacemintctl/ScanCommand.h"
 #include "spacemintctl/SectionCommands.h"
 #include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StatusCommand.h"
+#include "spacemintctl/TransferCommands.h"
 #include "spacemintctl/UsageCommand.h"
 #include "spacemintctl/WatchCommand.h"
 
@@ -49,7 +51,11 @@ void addScan(CLI::App& app, Action& action) {
   scan->add_flag("--full", options.full, "Scan all folders, also those unchanged since the last scan");
   scan->add_flag("--no-save", options.noSave, "Do not store this scan in the history");
   scan->add_flag("-q,--quiet", options.quiet, "Show no progress and no notes");
-  scan->add_flag("--json", options.json, "Print the whole scan as one JSON object");
+  CLI::Option* json = scan->add_flag("--json", options.json, "Print the whole scan as one JSON object");
+  scan->add_option("--export", options.exportTo,
+                   "Write the scan to FILE for ncdu and \"import\" (\"-\": print it)")
+      ->type_name("FILE")
+      ->excludes(json);
   scan->callback([&] { action = [] { return runScan(options); }; });
 }
 
@@ -116,6 +122,50 @@ void addFilesAndFolders(CLI::App& app, Action& action) {
       addBrowsing(app, "folders", "Show the contents of a folder in the newest scan", folders);
   command->add_option("PATH", folders.path, "The folder; the root of the scan by default");
   command->callback([&] { action = [] { return runFolders(folders); }; });
+}
+
+void addFind(CLI::App& app, Action& action) {
+  static FindOptions find;
+  CLI::App* command =
+      addBrowsing(app, "find", "Find files and folders of the newest scan by name, size, age or kind", find);
+  command
+      ->add_option(
+          "WORDS", find.words,
+          "All must hold: part of the name, \"*.iso\", \">1GB\", \"<10MB\", older:1y, newer:2w (d, w, m, "
+          "y), type:file, type:folder, or type: and a kind: video, pictures, music, archives, images, "
+          "documents, code, packages, models, other")
+      ->required();
+  command
+      ->add_flag("--print0", find.print0,
+                 "Print all paths, each with a null byte behind it, for \"xargs -0\"")
+      ->excludes("--json");
+  command->callback([&] { action = [] { return runFind(find); }; });
+  static BrowseOptions kinds;
+  CLI::App* list = app.add_subcommand("kinds", "Show which kinds of files fill the disk");
+  addScanDate(list, kinds.scan);
+  list->add_flag("--json", kinds.json, "Print JSON");
+  list->callback([&] { action = [] { return runKinds(kinds); }; });
+}
+
+void addTransfer(CLI::App& app, Action& action) {
+  static ExportOptions out;
+  static std::string format = "ncdu";
+  CLI::App* command = app.add_subcommand("export", "Write the newest scan for other programs");
+  addScanDate(command, out.scan);
+  command->add_option("--format", format, "The format")
+      ->check(CLI::IsMember({"ncdu"}))
+      ->capture_default_str();
+  command->add_option("FILE", out.file, "The file; standard output by default");
+  command->callback([&] { action = [] { return runExport(out); }; });
+  static ImportOptions in;
+  CLI::App* import = app.add_subcommand("import", "Show a scan that was exported, also on another computer");
+  import->add_option("FILE", in.file, "The file; \"-\" reads standard input")->required();
+  addTop(import, in.top);
+  import->add_flag("--json", in.json, "Print the whole scan as one JSON object");
+  import->callback([&] { action = [] { return runImport(in);
+};
+}  // namespace
+);
 }
 
 CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
@@ -257,6 +307,8 @@ int run(int argc, char** argv) {
   addWatch(app, action);
   addHistory(app, action);
   addFilesAndFolders(app, action);
+  addFind(app, action);
+  addTransfer(app, action);
   addReport(app, action);
   addSections(app, action);
   addCleaning(app, action);

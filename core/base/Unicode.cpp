@@ -1,5 +1,7 @@
 #include "core/base/Unicode.h"
 
+#include "core/base/AsciiText.h"
+
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
@@ -119,6 +121,16 @@ std::string canonicalForm(std::string_view text) {
   std::string form;
   decomposed(text).toUTF8String(form);
   return form;
+}
+
+std::string caseFolded(std::string_view text) {
+  if (isAscii(text) || !isValidUtf8(text)) return lowerCased(text);
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Normalizer2* composition = icu::Normalizer2::getNFCInstance(status);
+  if (U_FAILURE(status)) return std::string{text};
+  std::string folded;
+  composition->normalize(decomposed(text).foldCase(), status).toUTF8String(folded);
+  return folded;
 }
 
 std::optional<std::size_t> canonicalPrefixLength(std::string_view text, std::string_view prefix) {

@@ -23,6 +23,7 @@ std::string Paths::logical(std::string_view path) {
 
 std::string Paths::display(std::string_view path, std::string_view home) {
   const std::string shortPath = logical(path);
+  if (home.empty()) return shortPath;
   if (canonicallyEqual(shortPath, home)) return "~";
   const auto length = canonicalPrefixLength(shortPath, join(home, ""));
   if (!length) return shortPath;

@@ -1,0 +1,84 @@
+#include "spacemintctl/TransferCommands.h"
+
+#include "core/base/ByteFormat.h"
+#include "core/history/NcduFormat.h"
+#include "core/history/SnapshotCodec.h"
+#include "core/host/AtomicFile.h"
+#include "core/host/UserFolders.h"
+#include "spacemintctl/Answer.h"
+#include "spacemintctl/Console.h"
+#include "spacemintctl/StoredScan.h"
+
+#include <unistd.h>
+
+#include <iostream>
+#include <iterator>
+
+namespace spacemint::ctl {
+
+namespace {
+
+constexpr std::size_t largestImport = 4'000'000'000;
+
+std::string hostName() {
+  std::string name(256, '\0');
+  if (gethostname(name.data(), name.size()) != 0) return "";
+  name.resize(name.find('\0') == std::string::npos ? 0 : name.find('\0'));
+  return name;
+}
+
+std::expected<std::string, Error> textFrom(const std::string& file) {
+  if (file != "-") return readFile(file, largestImport);
+  return std::string{std::istreambuf_iterator<char>{std::cin}, {}};
+}
+
+std::string heading(const NcduFormat::Imported& imported, const std::string& locale) {
+  const std::string host = imported.host.empty() ? "another computer" : printable(imported.host);
+  const bool hasDate = imported.snapshot.date > Date{};
+  return "Scan of " + host + (hasDate ? ", " + localTime(imported.snapshot.date) : "") +
+         ". It is only shown: nothing is stored, and nothing can be cleaned here.\n" +
+         printable(imported.snapshot.rootPath()) + ": " +
+         ByteFormat::string(imported.snapshot.root.size, locale) + " in " +
+         counted(imported.snapshot.fileCount, "file", locale) + '\n';
+}
+
+}  // namespace
+
+bool exportScan(const Snapshot& snapshot, const std::string& file) {
+  const std::string text = NcduFormat::encode(snapshot, hostName(), SPACEMINT_VERSION);
+  if (file.empty() || file == "-") return print(text);
+  const auto written = writeFileAtomically(file, text);
+  if (!written) complain("couldn't write the export: " + printable(written.error().message));
+  return written.has_value();
+}
+
+int runExport(const ExportOptions& options) {
+  const auto scan = storedScan(options.scan);
+  if (!scan) {
+    complain(printable(scan.error().message));
+    return failed;
+  }
+  return exportScan(*scan, options.file) ? done : failed;
+}
+
+int runImport(const ImportOptions& options) {
+  const auto text = textFrom(options.file);
+  const auto imported = text ? NcduFormat::decode(*text) : std::unexpected(text.error());
+  if (!imported) {
+    complain(printable(options.file) + ": " + printable(imported.error().message));
+    return failed;
+  }
+  if (options.json) {
+    const auto document = SnapshotCodec::encode(imported->snapshot);
+    if (document) return print(*document + '\n') ? done : failed;
+    complain(document.error().message);
+    return failed;
+  }
+  // Paths of another computer: its home folder is unknown.
+  const Wording wording{.home = "", .locale = userLocale()};
+  return print(heading(*imported, wording.locale) + largestItems(imported->snapshot, options.top, wording))
+             ? done
+             : failed;
+}
+
+}  // namespace spacemint::ctl
