@@ -25,6 +25,7 @@ AppContext contextOf(DefaultsStore& defaults, EventJournal& journal, const AppIn
           .home = UserFolders::home(),
           .personal = UserFolders::personal(),
           .data = UserFolders::data(),
+          .state = UserFolders::state(),
           .environment = UserFolders::environment,
           .disk = std::string{wholeDisk},
           .locale = userLocale(),

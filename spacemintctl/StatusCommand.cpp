@@ -3,6 +3,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/Unicode.h"
+#include "core/history/FreeSpaceRecord.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeTable.h"
 #include "core/scan/ScanPlan.h"
@@ -10,6 +11,7 @@
 #include "core/volume/Permissions.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/FreeSpaceText.h"
 #include "spacemintctl/ScanCommand.h"
 #include "spacemintctl/StoredScan.h"
 
@@ -201,9 +203,17 @@ Facts verboseFacts(const VolumeStatus& volume) {
   return facts;
 }
 
-std::string jsonOf(const Facts& facts) {
+Json jsonOf(const std::vector<FreeSpaceReading>& readings) {
+  Json list = Json::array();
+  for (const FreeSpaceReading& each : readings)
+    list.push_back({{"date", universalTime(each.date)}, {"free", each.free}, {"total", each.total}});
+  return list;
+}
+
+std::string jsonOf(const Facts& facts, const std::optional<std::vector<FreeSpaceReading>>& history) {
   Json object;
   for (const Fact& fact : facts) object[fact.key] = fact.value;
+  if (history) object["history"] = jsonOf(*history);
   return object.dump() + '\n';
 }
 
@@ -223,7 +233,7 @@ std::string textOf(const Facts& facts, const VolumeStatus& volume, const std::st
 
 }  // namespace
 
-int runStatus(bool json, bool verbose) {
+int runStatus(const StatusOptions& options) {
   const std::string mountPoint = startupVolume();
   const auto volume = VolumeStatus::current(mountPoint);
   if (!volume) {
@@ -231,16 +241,20 @@ int runStatus(bool json, bool verbose) {
     return failed;
   }
   Facts facts = volumeFacts(*volume, mountPoint);
-  if (verbose) std::ranges::move(verboseFacts(*volume), std::back_inserter(facts));
+  if (options.verbose) std::ranges::move(verboseFacts(*volume), std::back_inserter(facts));
+  std::optional<std::vector<FreeSpaceReading>> history;
+  if (options.history)
+    history = FreeSpaceRecord::ofVolume(UserFolders::state(), mountPoint).readings(currentTime());
   const auto readings = readVolumes();
-  if (json) {
+  if (options.json) {
     Json volumes = Json::array();
     for (const VolumeReading& reading : readings) volumes.push_back(jsonOf(reading));
     facts.push_back({"volumes", std::move(volumes), "", ""});
-    return print(jsonOf(facts)) ? done : failed;
+    return print(jsonOf(facts, history)) ? done : failed;
   }
   std::string text = textOf(facts, *volume, mountPoint);
   if (readings.size() > 1) text += "\nVolumes\n" + volumeTable(readings);
+  if (history) text += '\n' + freeSpaceText(*history, userLocale());
   return print(text) ? done : failed;
 }
 

@@ -60,12 +60,12 @@ void addScan(CLI::App& app, Action& action) {
 }
 
 void addStatus(CLI::App& app, Action& action) {
-  static bool json = false;
-  static bool verbose = false;
+  static StatusOptions options;
   CLI::App* status = app.add_subcommand("status", "Show how full the disk is");
-  status->add_flag("--json", json, "Print one JSON object");
-  status->add_flag("--verbose", verbose, "Also show if the next scan is a full one, and why");
-  status->callback([&] { action = [] { return runStatus(json, verbose); }; });
+  status->add_flag("--json", options.json, "Print one JSON object");
+  status->add_flag("--verbose", options.verbose, "Also show if the next scan is a full one, and why");
+  status->add_flag("--history", options.history, "Also show the free space of the last 14 days");
+  status->callback([&] { action = [] { return runStatus(options); }; });
 }
 
 void addExplain(CLI::App& app, Action& action) {

@@ -26,6 +26,8 @@ struct AppContext {
   std::vector<std::string> personal;
   /// Where programs keep their data.
   std::string data;
+  /// Where programs keep their state.
+  std::string state;
   Environment environment;
   /// Root of a scan of the whole disk.
   std::string disk;

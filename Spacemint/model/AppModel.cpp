@@ -1,5 +1,7 @@
 #include "Spacemint/model/AppModel.h"
 
+#include "core/base/Log.h"
+
 #include <algorithm>
 
 namespace spacemint {
@@ -22,6 +24,7 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
       desktop_(desktop),
       prefs_(context_.defaults),
       volume_(desktop),
+      freeSpace_(FreeSpaceRecord::ofVolume(context_.state, context_.disk)),
       history_(context_.store, desktop.tasks, desktop.clock, messages_),
       findings_(history_, desktop.tasks, context_),
       account_(history_, desktop.tasks, desktop.clock, context_),
@@ -47,6 +50,7 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     // Another process may have changed a setting meanwhile.
     prefs_.refresh();
     Q_EMIT statusChanged();
+    recordFreeSpace();
   });
   connect(&volume_, &VolumeWatch::volumesWereRead, this, &AppModel::warnIfDue);
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
@@ -85,6 +89,19 @@ void AppModel::launchCheck() {
   desktop_.clock.after(launchScanDelay, this, [this] {
     if (scans_.isStale(scanInterval())) scans_.scan();
   });
+}
+
+// The home folder may be on a network file system, so the file is written on another thread.
+void AppModel::recordFreeSpace() {
+  const FreeSpaceReading reading{
+      .date = desktop_.clock.now(), .free = volume_.status()->free, .total = volume_.status()->total};
+  const auto hour = std::chrono::floor<std::chrono::hours>(reading.date);
+  if (std::exchange(recordedHour_, hour) == hour) return;
+  desktop_.tasks.run(
+      Tasks::Priority::utility, this, [record = freeSpace_, reading] { return record.add(reading); },
+      [](const std::expected<void, Error>& added) {
+        if (!added) log(LogLevel::info, "the free space could not be recorded: " + added.error().message);
+      });
 }
 
 void AppModel::begin() {

@@ -7,6 +7,7 @@
 #include "Spacemint/model/QuickLook.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/SpaceWarnings.h"
+#include "core/history/FreeSpaceRecord.h"
 
 #include <QObject>
 
@@ -40,6 +41,8 @@ class AppModel : public QObject {
   Preferences& prefs() { return prefs_; }
   Messages& messages() { return messages_; }
   const VolumeWatch& volume() const { return volume_; }
+  /// The free space of the watched volume, hour by hour.
+  const FreeSpaceRecord& freeSpace() const { return freeSpace_; }
   ScanHistory& history() { return history_; }
   const CurrentFindings& currentFindings() const { return findings_; }
   const Findings& findings() const { return findings_.findings(); }
@@ -85,6 +88,7 @@ class AppModel : public QObject {
 
  private:
   void launchCheck();
+  void recordFreeSpace();
   void refreshTrash();
   CleanupContext cleanupContext() const;
   void probeFullDiskAccess();
@@ -96,6 +100,9 @@ class AppModel : public QObject {
   Preferences prefs_;
   Messages messages_;
   VolumeWatch volume_;
+  FreeSpaceRecord freeSpace_;
+  /// The hour of the last reading that was given to `freeSpace_`.
+  std::optional<std::chrono::sys_time<std::chrono::hours>> recordedHour_;
   ScanHistory history_;
   CurrentFindings findings_;
   CurrentAccount account_;

@@ -11,9 +11,7 @@
 #include "core/tree/Paths.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cstdio>
 #include <filesystem>
 #include <set>
 
@@ -38,16 +36,6 @@ std::optional<Date> dateOfFileName(std::string_view name) {
 // Contains one folder for each scanned root other than the home folder and the whole disk.
 std::string otherRoots() {
   return Paths::join(UserFolders::data(), "Spacemint/Other Snapshots");
-}
-
-// The folder name for a root: the path's 64-bit FNV-1a hash in hexadecimal digits, so that the length is
-// fixed.
-std::string folderNameOf(const std::string& root) {
-  std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
-  for (const char byte : root) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100'0000'01b3;
-  std::array<char, 17> digits{};
-  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
-  return digits.data();
 }
 
 std::vector<std::string> foldersIn(const std::string& path) {
@@ -78,7 +66,7 @@ SnapshotStore SnapshotStore::ofRoot(const std::string& root) {
   if (canonicallyEqual(root, UserFolders::home()) || root == wholeDisk) {
     return standard();
   }
-  return {.directory = Paths::join(otherRoots(), folderNameOf(root))};
+  return {.directory = Paths::join(otherRoots(), Paths::hash(root))};
 }
 
 std::vector<SnapshotStore> SnapshotStore::all() {

@@ -21,6 +21,10 @@ std::expected<void, Error> createPrivateFolders(const std::string& path);
 std::expected<void, Error> writeFileAtomically(const std::string& path, std::string_view contents);
 inline constexpr std::chrono::hours leftOverAge{1};
 
+/// Overwrites a part of an existing file with one system call, neither atomically nor durably. Fails with
+/// ENOENT if the file is missing. Any thread.
+std::expected<void, Error> overwritePart(const std::string& path, std::size_t offset, std::string_view part);
+
 /// Reads the whole regular file at `path`. Fails with EFBIG if the file is larger than `limit` bytes, with
 /// EISDIR for a folder and with EINVAL for a pipe or device, which it does not wait for. Any thread.
 std::expected<std::string, Error> readFile(const std::string& path, std::size_t limit);

@@ -3,6 +3,10 @@
 #include "core/base/AsciiText.h"
 #include "core/base/Unicode.h"
 
+#include <array>
+#include <cstdint>
+#include <cstdio>
+
 namespace spacemint {
 
 std::string Paths::join(std::string_view base, std::string_view name) {
@@ -43,6 +47,14 @@ std::string Paths::lastComponent(std::string_view path) {
   const std::size_t slash = trimmed.rfind('/');
   if (slash == std::string_view::npos || trimmed == "/") return std::string{trimmed};
   return std::string{trimmed.substr(slash + 1)};
+}
+
+std::string Paths::hash(std::string_view path) {
+  std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
+  for (const char byte : path) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100'0000'01b3;
+  std::array<char, 17> digits{};
+  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
+  return digits.data();
 }
 
 std::string_view Paths::withoutTrailingSlash(std::string_view path) {

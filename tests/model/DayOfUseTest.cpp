@@ -97,6 +97,11 @@ TEST_F(DayOfUse, hasExactlyTheseScansWarningsAndMessages) {
           "410 MB recently. Click to see what's using space.",
           "22:00 scan", "26:00 scan", "32:00 scan"));
 
+  const auto free = model->freeSpace().readings(desktop.clock.now());
+  ASSERT_EQ(free.size(), 25U);
+  EXPECT_EQ(free.front(), (FreeSpaceReading{.date = morning, .free = 100 * GB, .total = 500 * GB}));
+  EXPECT_EQ(free.back(), (FreeSpaceReading{.date = morning + 24h, .free = 15 * GB, .total = 500 * GB}));
+
   std::vector<Date> stored;
   for (const auto& entry : store.entries()) stored.push_back(entry.date);
   EXPECT_THAT(stored, ElementsAre(morning + 24h, morning + 18h, morning + 14h))

@@ -3,7 +3,10 @@
 #include "support/Program.h"
 
 #include "AppServices/consent/UsageConsent.h"
+#include "core/history/FreeSpaceRecord.h"
 #include "core/history/SnapshotCodec.h"
+#include "core/host/VolumeInfo.h"
+#include "spacemintctl/Console.h"
 #include "support/TreeBuilder.h"
 
 #include <gmock/gmock.h>
@@ -102,6 +105,24 @@ TEST_F(SpacemintctlTest, statusSaysHowFullTheDiskIs) {
   EXPECT_THAT(program.run({"status", "--json"}).out,
               AllOf(testing::MatchesRegex(R"(\{"name":".*,"total":[0-9]+,.*\}.)"),
                     HasSubstr(R"("volumes":[{"name":")"), HasSubstr(R"("mountPoints":["/)")));
+}
+
+TEST_F(SpacemintctlTest, statusShowsTheFreeSpaceOfTheLastDays) {
+  setenv("TZ", "UTC", 1);
+  EXPECT_THAT(program.run({"status", "--history"}).out, HasSubstr("No free space is recorded yet"));
+  const std::string home = program.home().path();
+  const auto record = FreeSpaceRecord::ofVolume(home + "/.local/state", mountPointOf(home).value_or("/"));
+  const Date noon = std::chrono::floor<std::chrono::days>(now) - std::chrono::hours{36};
+  constexpr Bytes free[]{60'000'000'000, 40'000'000'000, 50'000'000'000, 41'000'000'000};
+  for (int i = 0; i < 4; ++i)
+    ASSERT_TRUE(record.add({.date = noon + std::chrono::hours{7 * i}, .free = free[i], .total = 1}));
+  const Outcome outcome = program.run({"status", "--history"});
+  const std::string day = ctl::universalTime(noon).substr(0, 10);
+  EXPECT_THAT(outcome.out, AllOf(HasSubstr("from 40 GB (▁) to 60 GB (█)\n"),
+                                 HasSubstr("\n  " + day + "              █      ▁      40 GB  to 60 GB\n"),
+                                 HasSubstr("    ▅      ▁                41 GB  to 50 GB\n")));
+  EXPECT_THAT(program.run({"status", "--history", "--json"}).out,
+              HasSubstr(ctl::universalTime(noon) + R"(","free":60000000000,"total":1},{"date":)"));
 }
 
 TEST_F(SpacemintctlTest, statusSaysHowTheNextScanWillBeMade) {

@@ -156,6 +156,19 @@ std::expected<void, Error> writeFileAtomically(const std::string& path, std::str
   return {};
 }
 
+std::expected<void, Error> overwritePart(const std::string& path, std::size_t offset, std::string_view part) {
+  const FileHandle file{open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)};
+  ssize_t written = -1;
+  if (file) {
+    do {
+      written = pwrite(file.get(), part.data(), part.size(), static_cast<off_t>(offset));
+    } while (written < 0 && errno == EINTR);
+  }
+  if (written < 0) return std::unexpected(systemError(path, errno));
+  if (static_cast<std::size_t>(written) < part.size()) return std::unexpected(systemError(path, EIO));
+  return {};
+}
+
 std::expected<std::string, Error> readFile(const std::string& path, std::size_t limit) {
   // O_NONBLOCK: do not wait for a writer if the file was replaced by a pipe.
   const FileHandle file{open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
