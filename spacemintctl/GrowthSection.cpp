@@ -1,6 +1,7 @@
 #include "core/analysis/Changes.h"
 #include "core/base/RelativeTime.h"
 #include "core/history/Baseline.h"
+#include "core/host/FileStamp.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -34,18 +35,39 @@ Baseline usualBaseline(const Snapshot& current) {
 Baseline namedBaseline(const Scene& scene) {
   auto named = storedScan(SnapshotStore::ofRoot(scene.snapshot.rootPath()), scene.since);
   if (!named) return std::unexpected(std::move(named).error());
-  if (isOfTheSameFolder(*named, scene.snapshot)) return std::move(*named);
-  return std::unexpected(
-      Error{.domain = "history",
-            .message = "the scan of \"" + scene.since + "\" is of another folder, " + named->rootPath()});
+  const auto refused = [&](const std::string& reason) {
+    return std::unexpected(
+        Error{.domain = "history", .message = "the scan of \"" + scene.since + "\" " + reason});
+  };
+  if (!isOfTheSameFolder(*named, scene.snapshot))
+    return refused("is of another folder, " + named->rootPath());
+  if (named->date > scene.snapshot.date) return refused("is later than the one to compare with it");
+  return std::move(*named);
 }
 
+// What a comparison of two scans finds.
+struct Comparison {
+  const Snapshot& from;
+  const Snapshot& to;
+  std::vector<Growth> growth;
+  std::vector<Shrinkage> shrinkage;
+
+  std::chrono::microseconds between() const { return timeBetween(from.date, to.date); }
+};
+
 Json jsonOf(const Growth& growth) {
-  return {{"path", jsonText(growth.path)},
-          {"delta", growth.delta},
-          {"size", growth.size},
-          {"isDirectory", growth.isDirectory},
-          {"isNew", growth.isNew}};
+  Json inside = Json::array();
+  for (const Growth& each : growth.inside) inside.push_back(jsonOf(each));
+  return {{"path", jsonText(growth.path)},     {"delta", growth.delta}, {"size", growth.size},
+          {"isDirectory", growth.isDirectory}, {"isNew", growth.isNew}, {"inside", std::move(inside)}};
+}
+
+Json jsonOf(const Shrinkage& shrinkage) {
+  return {{"path", jsonText(shrinkage.path)},
+          {"delta", -shrinkage.delta},
+          {"size", shrinkage.size},
+          {"isDirectory", shrinkage.isDirectory},
+          {"isGone", shrinkage.isGone}};
 }
 
 Json jsonOf(const Snapshot& scan) {
@@ -55,19 +77,65 @@ Json jsonOf(const Snapshot& scan) {
           {"volumeFree", scan.volumeFree}};
 }
 
-std::string growthText(const Snapshot& baseline, const std::vector<Growth>& grown, const Scene& scene) {
-  const auto& [home, locale] = scene.wording;
-  const auto change = Changes::spaceChange(baseline, scene.snapshot, home);
-  const std::string text = "Since " + localTime(baseline.date) + " (" +
-                     RelativeTime::age(baseline.date, scene.now, locale) + ")\n" +
-                     FindingText::freeChange(change.value_or(SpaceChange{}), home, locale) + '\n';
-  if (grown.empty()) return text + FindingText::nothingGrew(scene.minimum, locale) + '\n';
+template <class Change>
+Json jsonOf(const std::vector<Change>& changes) {
+  Json list = Json::array();
+  for (const Change& each : changes) list.push_back(jsonOf(each));
+  return list;
+}
+
+// An item in a folder is shown below it, by its path from there on.
+std::vector<std::string> rowOf(const Growth& growth, const Comparison& comparison, const Scene& scene,
+                               const std::string& path) {
+  const std::string perDay = FindingText::perDay(growth.delta, comparison.between(), scene.wording.locale);
+  std::vector<std::string> row{"+" + shownSize(growth.delta, scene)};
+  if (!perDay.empty()) row.push_back(perDay);
+  row.push_back(growth.isNew ? "new" : "of " + shownSize(growth.size, scene));
+  row.push_back(path + (growth.isDirectory ? "/" : ""));
+  return row;
+}
+
+std::string growthTable(const Comparison& comparison, const Scene& scene) {
+  Table table{comparison.growth.empty() ? 0
+                                        : rowOf(comparison.growth.front(), comparison, scene, "").size() - 1};
+  for (const Growth& each : comparison.growth) {
+    table.add(rowOf(each, comparison, scene, shownPath(each.path, scene)));
+    for (const Growth& part : each.inside) {
+      const std::string below = printable(part.path.substr(Paths::join(each.path, "").size()));
+      table.add(rowOf(part, comparison, scene, "  … " + below));
+    }
+  }
+  return table.text();
+}
+
+std::string shrinkageTable(const Comparison& comparison, const Scene& scene) {
   Table table{2};
-  for (const Growth& each : grown) {
-    table.add({"+" + shownSize(each.delta, scene), each.isNew ? "new" : "of " + shownSize(each.size, scene),
+  for (const Shrinkage& each : comparison.shrinkage) {
+    table.add({FindingText::lost(each.delta, scene.wording.locale),
+               FindingText::left(each, comparison.to.minNodeSize, scene.wording.locale),
                shownPath(each.path, scene) + (each.isDirectory ? "/" : "")});
   }
-  return text + table.text();
+  return table.text();
+}
+
+std::string comparisonText(const Comparison& comparison, const Scene& scene) {
+  const auto& [home, locale] = scene.wording;
+  std::string text = "Since " + localTime(comparison.from.date) + " (" +
+                     RelativeTime::age(comparison.from.date, scene.now, locale) + ")";
+  if (!scene.isNewest) text += " until " + localTime(comparison.to.date);
+  const auto change = Changes::spaceChange(comparison.from, comparison.to, home);
+  text += '\n' + FindingText::freeChange(change.value_or(SpaceChange{}), home, locale) + '\n';
+  text += comparison.growth.empty() ? FindingText::nothingGrew(scene.minimum, locale) + '\n'
+                                    : growthTable(comparison, scene);
+  if (comparison.shrinkage.empty()) return text;
+  return text + std::string{FindingText::shrunkTitle} + '\n' + shrinkageTable(comparison, scene);
+}
+
+Json jsonOf(const Comparison& comparison) {
+  return {{"from", jsonOf(comparison.from)},
+          {"to", jsonOf(comparison.to)},
+          {"growth", jsonOf(comparison.growth)},
+          {"shrinkage", jsonOf(comparison.shrinkage)}};
 }
 
 }  // namespace
@@ -78,15 +146,18 @@ std::expected<Findings, Error> growthFindings(const Scene& scene) {
   const auto& earlier = *baseline;
   if (!earlier) {
     return Findings{.text = std::string{FindingText::nothingToCompare} + '\n',
-                    .json = {{"from", nullptr}, {"to", jsonOf(scene.snapshot)}, {"growth", Json::array()}}};
+                    .json = {{"from", nullptr},
+                             {"to", jsonOf(scene.snapshot)},
+                             {"growth", Json::array()},
+                             {"shrinkage", Json::array()}}};
   }
-  const auto grown =
-      Changes::growth({.from = *earlier, .to = scene.snapshot, .minimum = scene.minimum, .limit = scene.top});
-  Json list = Json::array();
-  for (const Growth& each : grown) list.push_back(jsonOf(each));
-  return Findings{
-      .text = growthText(*earlier, grown, scene),
-      .json = {{"from", jsonOf(*earlier)}, {"to", jsonOf(scene.snapshot)}, {"growth", std::move(list)}}};
+  const Changes::GrowthArguments arguments{
+      .from = *earlier, .to = scene.snapshot, .minimum = scene.minimum, .limit = scene.top};
+  const Comparison comparison{.from = *earlier,
+                              .to = scene.snapshot,
+                              .growth = Changes::growth(arguments),
+                              .shrinkage = Changes::shrinkage(arguments, mayExist)};
+  return Findings{.text = comparisonText(comparison, scene), .json = jsonOf(comparison)};
 }
 
 }  // namespace spacemint::ctl

@@ -12,7 +12,7 @@ namespace {
 
 // clang-format off
 constexpr auto table = std::to_array<Section>({
-    {"growth", "Show what grew since an earlier scan", "What grew", 100'000'000, true, growthFindings},
+    {"growth", "Show what grew and what shrank between two scans", "What grew", 100'000'000, true, growthFindings},
     {"trash", "Show how much is in the Trash", "Trash", std::nullopt, true, trashFindings},
     {"backups", "List the backups of phones and tablets", "Device backups", std::nullopt, true, backupFindings},
     {"suggest", "Show where to free up space", "Where to free up space", 500'000'000, true, suggestionFindings},

@@ -24,6 +24,8 @@ struct Scene {
   Date now;
   /// The date of the scan to compare with, as for `storedScan`; empty for the default.
   std::string since = {};
+  /// True if no date was given for `snapshot`.
+  bool isNewest = true;
   /// The largest number of findings in a text.
   std::size_t top = 10;
   /// Findings smaller than this (in bytes) are left out.

@@ -26,6 +26,7 @@ std::expected<Scene, Error> sceneFor(const SectionOptions& options, bool looksAt
                .environment = UserFolders::environment,
                .now = currentTime(),
                .since = options.since,
+               .isNewest = options.scan.empty(),
                .top = options.top};
 }
 

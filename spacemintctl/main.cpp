@@ -92,8 +92,8 @@ void addHistory(CLI::App& app, Action& action) {
   history->callback([&] { action = [] { return runHistory(json); }; });
 }
 
-void addScanDate(CLI::App* command, std::string& date) {
-  command->add_option("--scan", date, "Use the scan whose date begins with DATE, not the newest")
+void addScanDate(CLI::App* command, std::string& date, const char* names = "--scan") {
+  command->add_option(names, date, "Use the scan whose date begins with DATE, not the newest")
       ->type_name("DATE");
 }
 
@@ -168,8 +168,8 @@ void addTransfer(CLI::App& app, Action& action) {
 );
 }
 
-CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options) {
-  addScanDate(command, options.scan);
+CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options, const char* scanNames = "--scan") {
+  addScanDate(command, options.scan, scanNames);
   addTop(command, options.top);
   command->add_flag("--json", options.json, "Print JSON");
   return command;
@@ -187,8 +187,10 @@ void addSections(CLI::App& app, Action& action) {
   for (const Section& section : sections()) {
     if (section.description == nullptr) continue;
     SectionOptions& own = options.emplace_back();
-    CLI::App* command = addSectionOptions(app.add_subcommand(section.command, section.description), own);
-    if (section.find == growthFindings) addSince(command, own);
+    const bool compares = section.find == growthFindings;
+    CLI::App* command = addSectionOptions(app.add_subcommand(section.command, section.description), own,
+                                          compares ? "--until,--scan" : "--scan");
+    if (compares) addSince(command, own);
     if (section.minimum) {
       own.minimum = section.minimum;
       command->add_option("--min-size", own.minimum, "Show only results of at least this many bytes")

@@ -1,5 +1,6 @@
 #include "Spacemint/model/Findings.h"
 
+#include "core/host/FileStamp.h"
 #include "core/tree/Paths.h"
 #include "core/volume/SharedFiles.h"
 
@@ -31,10 +32,13 @@ void compare(const Findings::Question& question, Findings& findings) {
   const auto baseline = question.store.load(*question.baselineEntry);
   findings.baselineUnavailable = !baseline;
   if (!baseline) return;
-  findings.growth = Changes::growth({.from = *baseline,
-                                     .to = question.snapshot,
-                                     .minimum = Findings::growthMinimum,
-                                     .limit = Findings::growthLimit});
+  const Changes::GrowthArguments arguments{.from = *baseline,
+                                           .to = question.snapshot,
+                                           .minimum = Findings::growthMinimum,
+                                           .limit = Findings::growthLimit};
+  findings.growth = Changes::growth(arguments);
+  findings.shrinkage = Changes::shrinkage(arguments, mayExist);
+  findings.comparedTime = timeBetween(baseline->date, question.snapshot.date);
   findings.spaceChange = Changes::spaceChange(*baseline, question.snapshot, question.home);
 }
 
@@ -91,7 +95,7 @@ void CurrentFindings::recompute() {
 void CurrentFindings::assign(Findings findings) {
   const Findings before = std::exchange(findings_, std::move(findings));
   const Findings& now = findings_;
-  if (before.growth != now.growth) Q_EMIT growthChanged();
+  if (before.growth != now.growth || before.shrinkage != now.shrinkage) Q_EMIT growthChanged();
   if (before.suggestions != now.suggestions) Q_EMIT suggestionsChanged();
   if (before.trash != now.trash) Q_EMIT trashChanged();
   if (before.deviceBackups != now.deviceBackups) Q_EMIT deviceBackupsChanged();

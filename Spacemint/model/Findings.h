@@ -22,6 +22,10 @@ namespace spacemint {
 struct Findings {
   /// Folders that grew since the baseline.
   std::vector<Growth> growth = {};
+  /// Folders and files that shrank since the baseline or are gone.
+  std::vector<Shrinkage> shrinkage = {};
+  /// The time from the baseline to the scan.
+  std::chrono::microseconds comparedTime{0};
   std::vector<Suggestion> suggestions = {};
   /// The Trash, when it is large enough for a card of its own.
   std::optional<Suggestions::TrashInfo> trash = {};

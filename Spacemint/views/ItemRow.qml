@@ -17,6 +17,10 @@ FocusScope {
     required property string symbol
     /// The share of a whole from 0 to 1, or -1 for no bar.
     required property real fraction
+    required property bool hasShrunk
+    required property int depth
+    required property bool unfolds
+    required property bool isUnfolded
     required property bool hasPath
     required property bool showsChevron
     required property bool canTrash
@@ -40,21 +44,32 @@ FocusScope {
     signal menuWanted
 
     function open() {
-        if (showsChevron)
+        if (unfolds)
+            rows.toggle(rowId);
+        else if (showsChevron)
             rows.showInFolders(rowId);
+    }
+
+    /// Unfolds the row or folds it up, if that changes anything.
+    function turn(event, unfolded: bool) {
+        event.accepted = unfolds && isUnfolded !== unfolded;
+        if (event.accepted)
+            rows.toggle(rowId);
     }
 
     implicitWidth: 300
     implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
     Accessible.role: Accessible.ListItem
     Accessible.name: sizeText ? `${title}, ${sizeText}` : title
-    Accessible.description: subtitle
+    Accessible.description: [subtitle, unfolds ? (isUnfolded ? "open" : "closed") : ""].filter(Boolean).join(", ")
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Accessible.onPressAction: open()
     Keys.onReturnPressed: open()
     Keys.onEnterPressed: open()
     Keys.onMenuPressed: menuWanted()
+    Keys.onRightPressed: event => turn(event, !mirrored)
+    Keys.onLeftPressed: event => turn(event, mirrored)
     Keys.onPressed: event => {
         if (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier) {
             event.accepted = true;
@@ -91,7 +106,7 @@ FocusScope {
         anchors {
             left: parent.left
             right: parent.right
-            leftMargin: 10
+            leftMargin: 10 + Theme.scaled(18) * root.depth
             rightMargin: 10
             verticalCenter: parent.verticalCenter
         }
@@ -178,7 +193,7 @@ FocusScope {
             Layout.minimumWidth: root.fraction >= 0 ? Theme.scaled(58) : 0
             visible: root.sizeText
             text: root.sizeText
-            color: root.sizeColor
+            color: root.hasShrunk ? Theme.teal : root.sizeColor
             horizontalAlignment: Text.AlignRight
             Accessible.ignored: true
         }
@@ -197,10 +212,18 @@ FocusScope {
 
             Symbol {
                 anchors.centerIn: parent
-                visible: root.showsChevron
-                symbol: root.mirrored ? "chevron.left" : "chevron.right"
+                visible: root.showsChevron || root.unfolds
+                symbol: root.unfolds ? "chevron.down" : root.mirrored ? "chevron.left" : "chevron.right"
                 size: 13
-                color: hover.hovered ? Theme.ink : Theme.tertiary
+                color: hover.hovered ? Theme.ink : Theme.secondary
+                rotation: root.isUnfolded ? 180 : 0
+
+                Behavior on rotation {
+                    NumberAnimation {
+                        duration: Theme.duration(180)
+                        easing.type: Easing.OutCubic
+                    }
+                }
             }
         }
     }

@@ -42,8 +42,8 @@ std::string folderOf(const std::string& path) {
 bool looksLike(const ListItem& one, const ListItem& other) {
   const auto look = [](const ListItem& item) {
     return std::tie(item.path, item.size, item.isDirectory, item.title, item.subtitle, item.sizeText,
-                    item.symbol, item.fraction, item.showsChevron, item.canTrash, item.buttonTitle,
-                    item.busyTitle);
+                    item.symbol, item.fraction, item.hasShrunk, item.depth, item.isUnfolded,
+                    item.showsChevron, item.canTrash, item.buttonTitle, item.busyTitle);
   };
   return look(one) == look(other);
 }
@@ -92,20 +92,12 @@ int ItemRows::rowCount(const QModelIndex& parent) const {
 }
 
 QHash<int, QByteArray> ItemRows::roleNames() const {
-  return {{RowIdRole, "rowId"},
-          {TitleRole, "title"},
-          {SubtitleRole, "subtitle"},
-          {SizeTextRole, "sizeText"},
-          {SymbolRole, "symbol"},
-          {FractionRole, "fraction"},
-          {HasPathRole, "hasPath"},
-          {ShowsChevronRole, "showsChevron"},
-          {CanTrashRole, "canTrash"},
-          {IsInTrashRole, "isInTrash"},
-          {ButtonTitleRole, "buttonTitle"},
-          {BusyTitleRole, "busyTitle"},
-          {IsBusyRole, "isBusy"},
-          {PartsRole, "parts"}};
+  return {{RowIdRole, "rowId"},           {TitleRole, "title"},         {SubtitleRole, "subtitle"},
+          {SizeTextRole, "sizeText"},     {SymbolRole, "symbol"},       {FractionRole, "fraction"},
+          {HasShrunkRole, "hasShrunk"},   {DepthRole, "depth"},         {UnfoldsRole, "unfolds"},
+          {IsUnfoldedRole, "isUnfolded"}, {HasPathRole, "hasPath"},     {ShowsChevronRole, "showsChevron"},
+          {CanTrashRole, "canTrash"},     {IsInTrashRole, "isInTrash"}, {ButtonTitleRole, "buttonTitle"},
+          {BusyTitleRole, "busyTitle"},   {IsBusyRole, "isBusy"},       {PartsRole, "parts"}};
 }
 
 QVariant ItemRows::data(const QModelIndex& index, int role) const {
@@ -117,6 +109,14 @@ QVariant ItemRows::data(const QModelIndex& index, int role) const {
       return entry.id;
     case FractionRole:
       return item.fraction.value_or(-1);
+    case HasShrunkRole:
+      return item.hasShrunk;
+    case DepthRole:
+      return item.depth;
+    case UnfoldsRole:
+      return item.isUnfolded.has_value();
+    case IsUnfoldedRole:
+      return item.isUnfolded.value_or(false);
     case HasPathRole:
       return !item.path.empty();
     case ShowsChevronRole:
@@ -179,8 +179,8 @@ void ItemRows::assign(std::vector<ListItem> items, const ListStatus& status) {
 }
 
 void ItemRows::setStatus(const ListStatus& status) {
-  const bool hasChevrons =
-      std::ranges::any_of(entries_, [](const Entry& entry) { return entry.item.showsChevron; });
+  const bool hasChevrons = std::ranges::any_of(
+      entries_, [](const Entry& entry) { return entry.item.showsChevron || entry.item.isUnfolded; });
   const auto before = std::tuple{hasChevrons_, text_, isWaiting_, isShown_};
   hasChevrons_ = hasChevrons;
   text_ = ShownText::sentence(status.text);
@@ -290,6 +290,13 @@ void ItemRows::pressButton(int rowId) const {
   const ListItem* item = find(rowId);
   if (item == nullptr || !item->onButton || isBusy(*item)) return;
   const auto action = item->onButton;  // a copy: the action may replace the list
+  action();
+}
+
+void ItemRows::toggle(int rowId) const {
+  const ListItem* item = find(rowId);
+  if (item == nullptr || !item->onUnfold) return;
+  const auto action = item->onUnfold;  // a copy: the action replaces the list
   action();
 }
 

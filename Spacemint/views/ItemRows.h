@@ -43,6 +43,10 @@ class ItemRows : public QAbstractListModel {
     SizeTextRole,
     SymbolRole,
     FractionRole,
+    HasShrunkRole,
+    DepthRole,
+    UnfoldsRole,
+    IsUnfoldedRole,
     HasPathRole,
     ShowsChevronRole,
     CanTrashRole,
@@ -82,6 +86,8 @@ class ItemRows : public QAbstractListModel {
   /// Asks whether to move the item to the Trash, or to delete it if it already is in the Trash.
   Q_INVOKABLE void remove(int rowId) const;
   Q_INVOKABLE void pressButton(int rowId) const;
+  /// Shows the items that this one unfolds to, or hides them.
+  Q_INVOKABLE void toggle(int rowId) const;
 
  Q_SIGNALS:
   void countChanged();

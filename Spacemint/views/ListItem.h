@@ -26,6 +26,13 @@ struct ListItem {
   std::string symbol = {};
   /// The item's share of a whole, from 0 to 1.
   std::optional<double> fraction = {};
+  /// The item shrank: its size is shown in the colour for that.
+  bool hasShrunk = false;
+  /// How many items of the list this one is a part of.
+  int depth = 0;
+  /// For an item that unfolds to further items of the list: whether these are in the list now.
+  std::optional<bool> isUnfolded = {};
+  std::function<void()> onUnfold = {};
   /// Whether a click opens the item in the list of folders.
   bool showsChevron = false;
   /// Whether the list offers to remove the item. The deletion guard decides as well.

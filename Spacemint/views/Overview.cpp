@@ -1,6 +1,7 @@
 #include "Spacemint/views/Overview.h"
 
 #include "Spacemint/views/FolderText.h"
+#include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
@@ -11,6 +12,7 @@
 #include <QTimeZone>
 
 #include <algorithm>
+#include <ranges>
 
 namespace spacemint {
 
@@ -91,10 +93,9 @@ void Overview::update() {
   // While the analysis of a scan runs, an empty finding does not mean that there is nothing.
   const bool isReady = host_.model.currentFindings().isReady();
   freeChange_ = ShownText::sentence(freeChangeText(findings, host_));
-  auto grown = growthItems();
-  const auto first = std::min(grown.size(), std::size_t{growthShown});
-  firstGrowth_.assign({grown.begin(), grown.begin() + static_cast<std::ptrdiff_t>(first)});
-  growth_.assign(std::move(grown), {.text = isReady ? growthText(findings, host_.locale) : ""});
+  firstGrowth_.assign(growthItems(growthShown));
+  growth_.assign(growthItems(findings.growth.size()),
+                 {.text = isReady ? growthText(findings, host_.locale) : ""});
   trash_.assign(trashItems());
   backups_.assign(backupItems());
   const bool isClean =
@@ -119,22 +120,78 @@ void Overview::updateBaselines() {
   Q_EMIT baselinesChanged();
 }
 
-std::vector<ListItem> Overview::growthItems() const {
+std::vector<ListItem> Overview::growthItems(std::size_t limit) {
+  std::vector<ListItem> items;
+  for (const Growth& growth : host_.model.findings().growth | std::views::take(limit)) {
+    ListItem item = growthItem(growth, 0);
+    if (!growth.inside.empty()) setUnfolding(item);
+    const bool isUnfolded = item.isUnfolded.value_or(false);
+    items.push_back(std::move(item));
+    if (!isUnfolded) continue;
+    for (const Growth& inside : growth.inside) items.push_back(growthItem(inside, 1));
+  }
+  addShrinkage(items);
+  return items;
+}
+
+ListItem Overview::growthItem(const Growth& growth, int depth) const {
   const SharedSnapshot& snapshot = host_.model.history().snapshot();
   const std::string root = snapshot ? snapshot->rootPath() : "";
-  std::vector<ListItem> items;
-  for (const Growth& growth : host_.model.findings().growth) {
-    items.push_back({.id = growth.path,
-                     .path = growth.path,
-                     .size = growth.size,
-                     .isDirectory = growth.isDirectory,
-                     .title = FolderText::title(growth.path, root, host_.home),
-                     .subtitle = Paths::display(growth.path, host_.home),
-                     .sizeText = "+" + ByteFormat::string(growth.delta, host_.locale),
-                     .showsChevron = growth.isDirectory,
-                     .canTrash = growth.path != root});
+  const std::string perDay =
+      FindingText::perDay(growth.delta, host_.model.findings().comparedTime, host_.locale);
+  const std::string place = Paths::display(growth.path, host_.home);
+  return {.id = growth.path,
+          .path = growth.path,
+          .size = growth.size,
+          .isDirectory = growth.isDirectory,
+          .title = FolderText::title(growth.path, root, host_.home),
+          .subtitle = perDay.empty() ? place : perDay + " · " + place,
+          .sizeText = "+" + ByteFormat::string(growth.delta, host_.locale),
+          .depth = depth,
+          .showsChevron = growth.isDirectory,
+          .canTrash = growth.path != root};
+}
+
+void Overview::addShrinkage(std::vector<ListItem>& items) {
+  const auto& shrinkage = host_.model.findings().shrinkage;
+  if (shrinkage.empty()) return;
+  Bytes sum = 0;
+  for (const Shrinkage& each : shrinkage) sum = saturatingAdd(sum, each.delta);
+  ListItem all{.id = "shrunk or gone",
+               .title = std::string{FindingText::shrunkTitle},
+               .sizeText = FindingText::lost(sum, host_.locale),
+               .symbol = "arrow.down.circle",
+               .hasShrunk = true};
+  setUnfolding(all);
+  const bool isUnfolded = *all.isUnfolded;
+  items.push_back(std::move(all));
+  if (!isUnfolded) return;
+  const SharedSnapshot& snapshot = host_.model.history().snapshot();
+  const Bytes minNodeSize = snapshot ? snapshot->minNodeSize : 0;
+  for (const Shrinkage& each : shrinkage) {
+    const bool isListed = each.size > 0;
+    items.push_back({.id = "shrunk " + each.path,
+                     .path = isListed ? each.path : "",
+                     .size = each.size,
+                     .isDirectory = each.isDirectory,
+                     .title = Paths::lastComponent(each.path),
+                     .subtitle = FindingText::left(each, minNodeSize, host_.locale) + " · " +
+                                 Paths::display(each.path, host_.home),
+                     .sizeText = FindingText::lost(each.delta, host_.locale),
+                     .symbol = std::string{Icons::symbol(Paths::lastComponent(each.path), each.isDirectory)},
+                     .hasShrunk = true,
+                     .depth = 1,
+                     .showsChevron = isListed && each.isDirectory});
   }
-  return items;
+}
+
+void Overview::setUnfolding(ListItem& item) {
+  item.showsChevron = false;
+  item.isUnfolded = unfolded_.contains(item.id);
+  item.onUnfold = [this, id = item.id] {
+    if (unfolded_.erase(id) == 0) unfolded_.insert(id);
+    update();
+  };
 }
 
 std::vector<ListItem> Overview::trashItems() const {

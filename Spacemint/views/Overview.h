@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QTimeZone>
 
+#include <set>
+
 namespace spacemint {
 
 /// The tab with what grew since an earlier scan and where space can be freed. Main thread only.
@@ -14,6 +16,7 @@ class Overview : public QObject {
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(spacemint::ItemRows* growth READ growth CONSTANT)
   Q_PROPERTY(spacemint::ItemRows* firstGrowth READ firstGrowth CONSTANT)
+  Q_PROPERTY(int growthCount READ growthCount NOTIFY changed)
   Q_PROPERTY(QString freeChange READ freeChange NOTIFY changed)
   Q_PROPERTY(QStringList baselines READ baselines NOTIFY baselinesChanged)
   Q_PROPERTY(int baselineIndex READ baselineIndex NOTIFY baselinesChanged)
@@ -26,8 +29,12 @@ class Overview : public QObject {
  public:
   explicit Overview(const UiHost& host);
 
+  /// What grew; an item whose growth is spread unfolds to what grew in it. Then what shrank, under one item
+  /// that unfolds.
   ItemRows* growth() { return &growth_; }
-  /// The part of `growth` that is shown until the person asks for all.
+  /// How many items grew.
+  int growthCount() const { return static_cast<int>(host_.model.findings().growth.size()); }
+  /// `growth` with only the largest of what grew, until the person asks for all.
   ItemRows* firstGrowth() { return &firstGrowth_; }
   const QString& freeChange() const { return freeChange_; }
   /// The earlier scans, newest first.
@@ -53,7 +60,10 @@ class Overview : public QObject {
  private:
   void update();
   void updateBaselines();
-  std::vector<ListItem> growthItems() const;
+  std::vector<ListItem> growthItems(std::size_t limit);
+  ListItem growthItem(const Growth& growth, int depth) const;
+  void addShrinkage(std::vector<ListItem>& items);
+  void setUnfolding(ListItem& item);
   std::vector<ListItem> trashItems() const;
   std::vector<ListItem> backupItems() const;
   std::vector<ListItem> suggestionItems() const;
@@ -63,6 +73,8 @@ class Overview : public QObject {
   const UiHost& host_;
   ItemRows growth_;
   ItemRows firstGrowth_;
+  /// The ids of the items that are unfolded.
+  std::set<std::string> unfolded_;
   QString freeChange_;
   std::vector<SnapshotStore::Entry> entries_;
   QStringList baselines_;

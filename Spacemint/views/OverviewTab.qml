@@ -13,7 +13,7 @@ ScrollColumn {
     property bool showAllGrowth: false
 
     readonly property Overview overview: ui.overview
-    readonly property string growthToggle: overview.growthToggle(overview.growth.count, showAllGrowth)
+    readonly property string growthToggle: overview.growthToggle(overview.growthCount, showAllGrowth)
 
     padding: 20
     spacing: 10
@@ -49,7 +49,7 @@ ScrollColumn {
         RowList {
             Layout.fillWidth: true
             rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
-            name: "What grew"
+            name: "What changed"
             sizeColor: Theme.amberInk
         }
         QuietButtonStyle {

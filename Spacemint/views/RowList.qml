@@ -91,9 +91,8 @@ ListView {
                 return;
             root.currentIndex = row.index;
             row.forceActiveFocus(Qt.MouseFocusReason);
-            if (!row.showsChevron)
-                return;
-            root.openedAt = time;
+            if (row.showsChevron)
+                root.openedAt = time;
             row.open();
         }
         onMenuWanted: {

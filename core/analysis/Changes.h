@@ -2,6 +2,7 @@
 
 #include "core/tree/Snapshot.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,9 @@ struct Growth {
   bool isDirectory = false;
   /// The earlier scan has no entry for the path.
   bool isNew = false;
+  /// For a folder whose growth is spread: what grew in it, by at least 5 % of the folder's growth each,
+  /// largest growth first, at most `Changes::insideLimit`. These have no `inside` of their own.
+  std::vector<Growth> inside = {};
 
   const std::string& id() const { return path; }
   bool operator==(const Growth&) const = default;
@@ -37,9 +41,25 @@ struct SpaceChange {
   bool operator==(const SpaceChange&) const = default;
 };
 
+/// A folder or file that shrank between two scans, or is gone. Sizes are in bytes.
+struct Shrinkage {
+  std::string path;
+  /// Old size minus new size.
+  Bytes delta = 0;
+  /// The new size; 0 if the newer scan has no entry.
+  Bytes size = 0;
+  bool isDirectory = false;
+  /// False also for an item that still exists, but is too small for an entry in the newer scan.
+  bool isGone = false;
+
+  bool operator==(const Shrinkage&) const = default;
+};
+
 /// Compares two scans of the same folder. What only one of them could see has neither grown nor shrunk: a
 /// folder that could not be read, a volume that was not mounted. Pure; any thread.
 namespace Changes {
+
+inline constexpr std::size_t insideLimit = 8;
 
 struct GrowthArguments {
   const Snapshot& from;
@@ -53,6 +73,13 @@ struct GrowthArguments {
 /// result never contains another result. Empty if the scans have different roots, or if the root grew by less
 /// than `minimum`.
 std::vector<Growth> growth(const GrowthArguments& arguments);
+
+/// The folders and files that shrank by at least `minimum` bytes or are gone, largest first, at most `limit`.
+/// Found by the same rule as `growth`, but also in folders that grew as a whole. Of a folder that is gone,
+/// only the folder is listed. `exists` is asked whether there is still something at a path that the newer
+/// scan has no entry for.
+std::vector<Shrinkage> shrinkage(const GrowthArguments& arguments,
+                                 const std::function<bool(const std::string& path)>& exists);
 
 /// What became of the free space that the scans were stored with. `home` is the home folder, whose volume
 /// that is in scans of the whole disk. Absent if the scans have different roots.

@@ -28,4 +28,8 @@ struct FileStamp {
 /// The stamp of the file at `path`. Follows symbolic links. Any thread.
 FileStamp fileStamp(const std::string& path);
 
+/// True if there is something at `path`, also a broken symbolic link, or if that cannot be found out. Any
+/// thread.
+bool mayExist(const std::string& path);
+
 }  // namespace spacemint

@@ -7,6 +7,9 @@
 
 #include <cstdlib>
 
+#include <algorithm>
+#include <cmath>
+
 namespace spacemint {
 
 std::string FindingText::freeChange(Bytes before, Bytes after, const std::string& locale) {
@@ -58,6 +61,23 @@ std::string FindingText::folderSize(Bytes size, bool isLowerBound, const std::st
 
 std::string FindingText::nothingGrew(Bytes minimum, const std::string& locale) {
   return "Nothing grew by more than " + ByteFormat::string(minimum, locale) + ".";
+}
+
+std::string FindingText::perDay(Bytes growth, std::chrono::microseconds between, const std::string& locale) {
+  constexpr std::chrono::days shortest{2};
+  if (between <= shortest) return "";
+  const double days = std::chrono::duration<double, std::chrono::days::period>{between}.count();
+  return ByteFormat::string(std::llround(static_cast<double>(growth) / days), locale) + " a day";
+}
+
+std::string FindingText::lost(Bytes bytes, const std::string& locale) {
+  return "\u2212" + ByteFormat::string(bytes, locale);
+}
+
+std::string FindingText::left(const Shrinkage& shrinkage, Bytes minNodeSize, const std::string& locale) {
+  if (shrinkage.isGone) return "gone";
+  if (shrinkage.size > 0) return ByteFormat::string(shrinkage.size, locale) + " left";
+  return "under " + ByteFormat::string(std::max<Bytes>(minNodeSize, 1), locale) + " left";
 }
 
 std::string FindingText::noCaches(Bytes minimum, const std::string& locale) {

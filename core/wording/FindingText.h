@@ -17,6 +17,7 @@ namespace spacemint {
 namespace FindingText {
 
 inline constexpr std::string_view nothingToCompare = "After the next scan, this shows where new space went.";
+inline constexpr std::string_view shrunkTitle = "Shrunk or gone";
 inline constexpr std::string_view nothingToClean = "Nothing obvious to clean up.";
 inline constexpr std::string_view noOldWorktrees = "No worktrees untouched for a month.";
 inline constexpr std::string_view repositoryIsGone = "Repository is gone";
@@ -39,6 +40,13 @@ std::string folderSize(Bytes size, bool isLowerBound, const std::string& locale)
 
 /// "Nothing grew by more than 100 MB."
 std::string nothingGrew(Bytes minimum, const std::string& locale);
+/// "120 MB a day"; empty if the scans are at most two days apart.
+std::string perDay(Bytes growth, std::chrono::microseconds between, const std::string& locale);
+/// "−1.2 GB", with a true minus sign.
+std::string lost(Bytes bytes, const std::string& locale);
+/// What is left of something that shrank: "gone", "1.2 GB left" or "under 20 MB left". `minNodeSize` is that
+/// of the newer scan.
+std::string left(const Shrinkage& shrinkage, Bytes minNodeSize, const std::string& locale);
 /// "No package or build caches over 50 MB."
 std::string noCaches(Bytes minimum, const std::string& locale);
 

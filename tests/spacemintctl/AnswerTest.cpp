@@ -175,6 +175,27 @@ TEST_F(ReportTest, saysWhatGrewSinceAnEarlierScanOfTheSameFolder) {
               HasSubstr("+1.4 MB  of 1.5 MB  ~/Movies/\n"));
   EXPECT_THAT(program.run({"growth"}).out, HasSubstr("Nothing grew by more than 100 MB.\n"));
   EXPECT_EQ(program.run({"growth", "--since", "1999"}).exitCode, 1);
+
+  makeScansOlder(std::chrono::days{1});
+  fs::remove(program.home() / "Movies/b");
+  scan();
+  const auto shrinkage = asJson({"growth", "--min-size", "600000"})["shrinkage"];
+  ASSERT_EQ(shrinkage.size(), 1U);
+  EXPECT_EQ(shrinkage[0]["path"], program.home() / "Movies/b");
+  EXPECT_EQ(shrinkage[0]["isGone"], true);
+  EXPECT_THAT(
+      program.run({"growth", "--min-size", "600000"}).out,
+      HasSubstr("Nothing grew by more than 600 KB.\nShrunk or gone\n  \u2212700 KB  gone  ~/Movies/b\n"));
+
+  std::vector<std::string> dates;
+  for (const auto& entry : program.scans().entries())
+    dates.push_back(
+        std::to_string(std::chrono::floor<std::chrono::seconds>(entry.date).time_since_epoch().count()));
+  ASSERT_EQ(dates.size(), 3U);
+  EXPECT_THAT(program.run({"growth", "--since", dates[2], "--until", dates[1], "--min-size", "600000"}).out,
+              AllOf(HasSubstr(" until 20"), HasSubstr("~/Movies/\n  +700 KB  of 803 KB    … a\n")));
+  EXPECT_THAT(program.run({"growth", "--since", dates[1], "--until", dates[2]}).err,
+              HasSubstr("is later than the one to compare with it"));
 }
 
 TEST_F(ReportTest, asksOllamaThroughTheSearchPath) {

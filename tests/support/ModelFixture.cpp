@@ -109,6 +109,24 @@ void ModelFixture::storeGrowth(int folders) const {
   storeHome(morning - 1h, std::move(after));
 }
 
+void ModelFixture::storeChanges() const {
+  const auto code = [](Bytes shop, Bytes site) {
+    return support::folder("code", {nested("shop/target", {file("app", shop)}),
+                                    nested("site/node_modules", {file("pack", site)}),
+                                    support::folder("notes", {file("all", (shop + site) / 3)})});
+  };
+  storeHome(
+      morning - 73h,
+      {code(200 * MB, 100 * MB), support::folder("Downloads", {file("film.mkv", 4 * GB), file("a", GB)}),
+       support::folder("Music", {}, {.unlisted = 3 * GB, .unlistedFiles = 900})},
+      120 * GB);
+  storeHome(morning - 1h,
+            {code(2'200 * MB, 1'300 * MB), support::folder("Downloads", {file("a", GB)}),
+             support::folder("Music", {}, {.unlisted = 2 * GB, .unlistedFiles = 600}),
+             support::folder("vm", {file("disk.img", 12 * GB)})},
+            108 * GB);
+}
+
 Node ModelFixture::nested(std::string_view path, std::vector<Node> children) {
   const std::size_t slash = path.rfind('/');
   Node inner = support::folder(std::string{path.substr(slash + 1)}, std::move(children));  // npos + 1 is 0

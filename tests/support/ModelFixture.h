@@ -69,6 +69,9 @@ class ModelFixture : public testing::Test {
   void storeHome(Date date, std::vector<Node> children, Bytes free = 120 * GB, Coverage coverage = {}) const;
   /// Stores two scans between which this many folders grew, each less than the one before it.
   void storeGrowth(int folders) const;
+  /// Stores two scans, three days apart, with all kinds of changes: a file that is new, a folder whose growth
+  /// is spread, a folder that shrank, a file that is gone.
+  void storeChanges() const;
   /// A chain of folders; the innermost has these children.
   static Node nested(std::string_view path, std::vector<Node> children);
   static std::vector<Node> numbered(const std::string& name, int count, Bytes largest, Bytes step = MB);

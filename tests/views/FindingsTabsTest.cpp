@@ -197,6 +197,25 @@ TEST_F(OverviewTabTest, ofMoreThanFiveGrownFoldersTheRestIsShownOnDemand) {
   EXPECT_TRUE(view->find({}, "QuietButtonStyle").isEmpty());
 }
 
+TEST_F(OverviewTabTest, spreadGrowthAndWhatShrankUnfold) {
+  storeChanges();
+  addFile("Music/left", MB);
+  show(Tab::overview);
+  EXPECT_THAT(rows(), ElementsAre("disk.img", "code", "Shrunk or gone"));
+  EXPECT_TRUE(shows("4 GB a day · ~/vm/disk.img"));
+  click(row("code"));
+  EXPECT_THAT(rows(), ElementsAre("disk.img", "code", "app", "pack", "all", "Shrunk or gone"));
+  click(row("code"));
+  row("Shrunk or gone")->forceActiveFocus();
+  press(Qt::Key_Right);
+  EXPECT_THAT(rows(), ElementsAre("disk.img", "code", "Shrunk or gone", "film.mkv", "Music"));
+  EXPECT_TRUE(shows("gone · ~/Downloads/film.mkv"));
+  EXPECT_TRUE(shows("2 GB left · ~/Music"));
+  click(row("film.mkv"), Qt::RightButton);
+  EXPECT_TRUE(view->find(QStringLiteral("Copy Path")).isEmpty()) << "there is nothing to show any more";
+  press(Qt::Key_Left);
+}
+
 TEST_F(OverviewTabTest, theMenuOfAGrownFolderIsThatFoldersAlsoAfterAllAreShown) {
   storeGrowth(7);
   show(Tab::overview);

@@ -17,6 +17,7 @@ using namespace std::chrono_literals;
 /// A model in one state, with its tabs.
 class TabScene final : public support::ModelFixture {
  public:
+  using ModelFixture::storeChanges;
   using Step = void (*)(TabScene&);
 
   TabScene(Tab tab, Step before, Step after) {
@@ -40,6 +41,13 @@ class TabScene final : public support::ModelFixture {
 
   void little() { storeHome(morning - 1h, {file("letters", 300 * MB)}); }
   void grown(int folders) { storeGrowth(folders); }
+  void unfoldChanges() {
+    ItemRows& rows = *ui_->overview()->firstGrowth();
+    for (int i = 0; i < rows.count(); ++i) {
+      if (rows.data(rows.index(i), ItemRows::UnfoldsRole).toBool())
+        rows.toggle(rows.data(rows.index(i), ItemRows::RowIdRole).toInt());
+    }
+  }
   void noBaseline() {
     storeGrowth(2);
     std::ofstream{store.entries().back().path} << "{";
@@ -189,6 +197,9 @@ const TabPage tabPages[] = {
     {"overview-grown-5", Tab::overview, grown<5>, "", "", nullptr, 560},
     {"overview-grown-6", Tab::overview, grown<6>, "", "", nullptr, 560},
     {"overview-grown-6-all", Tab::overview, grown<6>, "showAll", "", nullptr, 600},
+    {"overview-changes", Tab::overview, [](TabScene& s) { s.storeChanges(); }, "point", "code", nullptr, 520},
+    {"overview-changes-unfolded", Tab::overview, [](TabScene& s) { s.storeChanges(); }, "", "",
+     [](TabScene& s) { s.unfoldChanges(); }, 760},
     {"overview-no-access", Tab::overview,
      [](TabScene& s) {
        s.little();

@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
+
 namespace spacemint {
 
 FileStamp fileStamp(const std::string& path) {
@@ -12,6 +14,11 @@ FileStamp fileStamp(const std::string& path) {
           .size = status.st_size,
           .modifiedSeconds = status.st_mtim.tv_sec,
           .modifiedNanoseconds = status.st_mtim.tv_nsec};
+}
+
+bool mayExist(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 }  // namespace spacemint
