@@ -9,6 +9,7 @@
 #include "spacemintctl/SectionCommands.h"
 #include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StatusCommand.h"
+#include "spacemintctl/TopCommand.h"
 #include "spacemintctl/TransferCommands.h"
 #include "spacemintctl/UsageCommand.h"
 #include "spacemintctl/WatchCommand.h"
@@ -83,6 +84,14 @@ void addWatch(CLI::App& app, Action& action) {
       app.add_subcommand("watch", "Record which folders change, so that later scans visit only these");
   watch->add_option("PATH", path, "The folder that you scan; your home folder by default");
   watch->callback([&] { action = [] { return runWatch(path); }; });
+}
+
+void addTopCommand(CLI::App& app, Action& action) {
+  static TopOptions options;
+  CLI::App* top = app.add_subcommand("top", "Show what grows now, and how fast");
+  top->add_option("PATH", options.path, "The folder; your home folder by default");
+  top->add_flag("--json", options.json, "Print one JSON object at every refresh");
+  top->callback([&] { action = [] { return runTop(options); }; });
 }
 
 void addHistory(CLI::App& app, Action& action) {
@@ -307,6 +316,7 @@ int run(int argc, char** argv) {
   Action action;
   addScan(app, action);
   addWatch(app, action);
+  addTopCommand(app, action);
   addHistory(app, action);
   addFilesAndFolders(app, action);
   addFind(app, action);

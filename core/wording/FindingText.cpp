@@ -12,6 +12,19 @@
 
 namespace spacemint {
 
+namespace {
+
+// "less than a minute", "1 minute", "3 hours"
+std::string lengthText(std::chrono::seconds length) {
+  const auto minutes = std::chrono::floor<std::chrono::minutes>(length).count();
+  if (minutes < 1) return "less than a minute";
+  const auto number = minutes < 120 ? minutes : minutes / 60;
+  const std::string unit = minutes < 120 ? " minute" : " hour";
+  return std::to_string(number) + unit + (number == 1 ? "" : "s");
+}
+
+}  // namespace
+
 std::string FindingText::freeChange(Bytes before, Bytes after, const std::string& locale) {
   const Bytes change = saturatingSubtract(after, before);
   const auto text = [&](Bytes bytes) { return ByteFormat::string(bytes, locale); };
@@ -78,6 +91,29 @@ std::string FindingText::left(const Shrinkage& shrinkage, Bytes minNodeSize, con
   if (shrinkage.isGone) return "gone";
   if (shrinkage.size > 0) return ByteFormat::string(shrinkage.size, locale) + " left";
   return "under " + ByteFormat::string(std::max<Bytes>(minNodeSize, 1), locale) + " left";
+}
+
+std::string FindingText::pace(const GrowthLine& line, const std::string& locale) {
+  const std::string length = lengthText(line.duration);
+  if (!line.isGoingOn) return "Stopped after " + length;
+  return "For " + length + ", " + ByteFormat::string(line.perSecond(), locale) + " a second";
+}
+
+std::string FindingText::inTheLastMinute(const GrowthLine& line, const std::string& locale) {
+  return "+" + ByteFormat::string(line.figures.minute, locale) + " in 1 min";
+}
+
+std::string FindingText::fullIn(std::chrono::seconds time) {
+  const auto minutes = std::max<std::int64_t>(std::chrono::round<std::chrono::minutes>(time).count(), 1);
+  const std::string length = minutes < 120       ? std::to_string(minutes) + " min"
+                             : minutes < 48 * 60 ? std::to_string(minutes / 60) + " hours"
+                                                 : std::to_string(minutes / (24 * 60)) + " days";
+  return "full in " + length + " at this pace";
+}
+
+std::string FindingText::culprit(const GrowthLine& line, const std::string& path, const std::string& locale) {
+  return path + " grew by " + ByteFormat::string(line.figures.tenMinutes, locale) +
+         " in the last 10 minutes.";
 }
 
 std::string FindingText::noCaches(Bytes minimum, const std::string& locale) {

@@ -3,6 +3,7 @@
 #include "core/analysis/Changes.h"
 #include "core/analysis/DeviceBackups.h"
 #include "core/analysis/GitWorktrees.h"
+#include "core/analysis/GrowthWatch.h"
 #include "core/analysis/Suggestions.h"
 #include "core/volume/SpaceLevel.h"
 #include "core/wording/PlatformWords.h"
@@ -47,6 +48,14 @@ std::string lost(Bytes bytes, const std::string& locale);
 /// What is left of something that shrank: "gone", "1.2 GB left" or "under 20 MB left". `minNodeSize` is that
 /// of the newer scan.
 std::string left(const Shrinkage& shrinkage, Bytes minNodeSize, const std::string& locale);
+/// "For 3 minutes, 7.4 MB a second", or "Stopped after 3 minutes".
+std::string pace(const GrowthLine& line, const std::string& locale);
+/// "+2.1 GB in 1 min"
+std::string inTheLastMinute(const GrowthLine& line, const std::string& locale);
+/// "full in 5 min at this pace"
+std::string fullIn(std::chrono::seconds time);
+/// "~/vm/disk.img grew by 12 GB in the last 10 minutes." `path` is the line's path as users read it.
+std::string culprit(const GrowthLine& line, const std::string& path, const std::string& locale);
 /// "No package or build caches over 50 MB."
 std::string noCaches(Bytes minimum, const std::string& locale);
 
