@@ -30,11 +30,13 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
       account_(history_, desktop.tasks, desktop.clock, context_),
       scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, context_,
              desktop),
+      growing_(context_, desktop, [this] { return scans_.root(); }),
       warnings_({.volume = volume_,
                  .findings = findings_,
                  .history = history_,
                  .preferences = prefs_,
-                 .scans = scans_},
+                 .scans = scans_,
+                 .growing = growing_},
                 context_, desktop),
       looks_({.history = history_,
               .findings = findings_,
@@ -51,6 +53,7 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     prefs_.refresh();
     Q_EMIT statusChanged();
     recordFreeSpace();
+    if (prefs_.hasStarted()) growing_.refresh();
   });
   connect(&volume_, &VolumeWatch::volumesWereRead, this, &AppModel::warnIfDue);
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
@@ -152,6 +155,14 @@ Seconds AppModel::scanInterval() const {
 
 void AppModel::setTab(Tab tab) {
   if (std::exchange(tab_, tab) != tab) Q_EMIT tabChanged();
+}
+
+void AppModel::followWarning() {
+  const std::string& folder = warnings_.namedFolder();
+  const SharedSnapshot& scan = history_.snapshot();
+  const bool isInScan = !folder.empty() && scan && scan->nodeAt(folder) != nullptr;
+  if (isInScan) setFolderPath(folder);
+  setTab(isInScan ? Tab::folders : Tab::overview);
 }
 
 void AppModel::setFolderPath(std::optional<std::string> path) {

@@ -4,6 +4,7 @@
 #include "Spacemint/model/Cleanups.h"
 #include "Spacemint/model/CurrentAccount.h"
 #include "Spacemint/model/Findings.h"
+#include "Spacemint/model/GrowthNow.h"
 #include "Spacemint/model/QuickLook.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/SpaceWarnings.h"
@@ -48,6 +49,7 @@ class AppModel : public QObject {
   const Findings& findings() const { return findings_.findings(); }
   CurrentAccount& account() { return account_; }
   ScanLifecycle& scans() { return scans_; }
+  GrowthNow& growing() { return growing_; }
   SpaceWarnings& warnings() { return warnings_; }
   DeveloperTools& dev() { return dev_; }
   Cleanups& cleanups() { return cleanups_; }
@@ -73,6 +75,9 @@ class AppModel : public QObject {
   /// The first start.
   void begin();
   void setTab(Tab tab);
+  /// Shows what the last warning was about: the folder that it named if the scan has it, or else the
+  /// overview.
+  void followWarning();
   void setFolderPath(std::optional<std::string> path);
   void setShowingSettings(bool isShowing);
   /// Asks whether to empty the Trash.
@@ -107,6 +112,7 @@ class AppModel : public QObject {
   CurrentFindings findings_;
   CurrentAccount account_;
   ScanLifecycle scans_;
+  GrowthNow growing_;
   SpaceWarnings warnings_;
   QuickLook looks_;
   DeveloperTools dev_;

@@ -4,6 +4,7 @@
 #include "core/base/Isolate.h"
 #include "core/base/Log.h"
 #include "core/tree/Paths.h"
+#include "core/wording/FindingText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -86,7 +87,10 @@ Notification WarningText::warning(const Arguments& arguments) {
   std::string body;
   for (const Supply& supply : supplies) body += sentence(supply, arguments.locale) + " ";
   const bool isAboutHome = std::ranges::any_of(supplies, &Supply::isHome);
-  if (isAboutHome && !arguments.growth.empty()) {
+  if (isAboutHome && arguments.culprit) {
+    const std::string path = isolatedPath(Paths::display(arguments.culprit->path, arguments.home));
+    body += FindingText::culprit(*arguments.culprit, path, arguments.locale) + " ";
+  } else if (isAboutHome && !arguments.growth.empty()) {
     const Growth& first = arguments.growth.front();
     body += isolatedPath(Paths::display(first.path, arguments.home)) + " grew by " +
             ByteFormat::string(first.delta, arguments.locale) + " recently. ";
@@ -172,8 +176,18 @@ void SpaceWarnings::evaluate() {
 void SpaceWarnings::warn(const std::vector<Supply>& supplies, const Warnings& warnings) {
   if (!context_.mayNotify) return finish(warnings, true);
   attempt_ = Attempt::running;
+  if (!parts_.growing.isKnown()) return show(supplies, warnings);
+  // The warning names what grew until now.
+  parts_.growing.refresh([this, supplies, warnings] { show(supplies, warnings); });
+}
+
+void SpaceWarnings::show(const std::vector<Supply>& supplies, const Warnings& warnings) {
+  const auto& culprit = parts_.growing.culprit();
+  namedFolder_ = culprit ? culprit->path : "";
+  if (culprit && !culprit->isDirectory) namedFolder_.resize(namedFolder_.rfind('/'));
   desktop_.notifier.show(WarningText::warning({.supplies = supplies,
                                                .growth = parts_.findings.findings().growth,
+                                               .culprit = culprit,
                                                .home = context_.home,
                                                .locale = context_.locale}),
                          this, [this, warnings](bool isAccepted) { finish(warnings, isAccepted); });

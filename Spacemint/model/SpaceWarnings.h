@@ -2,6 +2,7 @@
 
 #include "Spacemint/model/AppContext.h"
 #include "Spacemint/model/Findings.h"
+#include "Spacemint/model/GrowthNow.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/VolumeWatch.h"
 #include "core/volume/SpaceLevel.h"
@@ -87,6 +88,8 @@ struct Arguments {
   /// What to warn about; not empty.
   const std::vector<Supply>& supplies;
   const std::vector<Growth>& growth;
+  /// What filled the disk in the last ten minutes, if that is known; named in place of `growth`.
+  const std::optional<GrowthLine>& culprit;
   std::string_view home;
   const std::string& locale;
 };
@@ -118,6 +121,7 @@ class SpaceWarnings : public QObject {
     const ScanHistory& history;
     const Preferences& preferences;
     ScanLifecycle& scans;
+    GrowthNow& growing;
   };
 
   /// Unless `AppContext::mayNotify`, no notification is shown and no permission is requested.
@@ -126,6 +130,8 @@ class SpaceWarnings : public QObject {
   /// Of the space of the volume with the home folder.
   SpaceLevel level() const;
   bool notificationsAllowed() const { return notificationsAllowed_; }
+  /// The folder that the last warning named, or that holds the file which it named; empty if it named none.
+  const std::string& namedFolder() const { return namedFolder_; }
 
   /// Whether `evaluate` would warn now.
   bool isDue() const;
@@ -162,6 +168,7 @@ class SpaceWarnings : public QObject {
   Assessment assess() const;
   std::optional<Warning> lastOf(const Key& key) const;
   void warn(const std::vector<Supply>& supplies, const Warnings& warnings);
+  void show(const std::vector<Supply>& supplies, const Warnings& warnings);
   void finish(const Warnings& warnings, bool isAccepted);
   void tryAgain();
 
@@ -172,6 +179,7 @@ class SpaceWarnings : public QObject {
   /// The last warnings that a notification service accepted.
   Warnings lastWarnings_;
   Attempt attempt_ = Attempt::none;
+  std::string namedFolder_;
   /// True from the first attempt to give a warning until it is given or no longer due.
   bool isDue_ = false;
 };

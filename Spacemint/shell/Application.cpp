@@ -69,7 +69,7 @@ void Application::start() {
   connect(&host_.model, &AppModel::statusChanged, this, &Application::updateStatusItem);
   if (host_.hasBundleIdentifier) {
     connect(&host_.desktop.notifier, &Notifier::activated, this, [this] {
-      host_.model.setTab(Tab::overview);
+      host_.model.followWarning();
       showUI();
     });
   }

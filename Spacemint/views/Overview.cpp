@@ -20,6 +20,8 @@ namespace {
 
 constexpr std::string_view baselineUnreadable = "The earlier scan couldn't be read. Pick another one above.";
 
+constexpr std::size_t growingShown = 3;
+
 // If more folders grew, the rest is shown on demand.
 constexpr int growthShown = 5;
 
@@ -48,6 +50,7 @@ QString baselineTitle(Date date, Date now, const std::string& locale) {
 
 Overview::Overview(const UiHost& host)
     : host_(host),
+      growing_(host),
       growth_(host),
       firstGrowth_(host),
       trash_(host),
@@ -55,6 +58,7 @@ Overview::Overview(const UiHost& host)
       suggestions_(host) {
   AppModel& model = host_.model;
   connect(&model.currentFindings(), &CurrentFindings::updated, this, &Overview::update);
+  connect(&model.growing(), &GrowthNow::changed, this, &Overview::updateGrowing);
   connect(&model, &AppModel::hasFullDiskAccessChanged, this, &Overview::update);
   connect(&model.history(), &ScanHistory::entriesChanged, this, &Overview::updateBaselines);
   connect(&model.history(), &ScanHistory::baselineEntryChanged, this, &Overview::updateBaselines);
@@ -62,6 +66,7 @@ Overview::Overview(const UiHost& host)
   connect(&model, &AppModel::statusChanged, this, &Overview::update);
   connect(&model, &AppModel::statusChanged, this, &Overview::updateBaselines);
   update();
+  updateGrowing();
   updateBaselines();
 }
 
@@ -102,6 +107,32 @@ void Overview::update() {
       isReady && hasAccess() && trash_.count() == 0 && backups_.count() == 0 && findings.suggestions.empty();
   suggestions_.assign(suggestionItems(), {.text = std::string{isClean ? FindingText::nothingToClean : ""}});
   Q_EMIT changed();
+}
+
+void Overview::setSeen(bool isSeen) {
+  isSeen_ = isSeen;
+  host_.model.growing().setSeen(isSeen);
+}
+
+void Overview::updateGrowing() {
+  const GrowthNow& growing = host_.model.growing();
+  std::vector<ListItem> items;
+  for (const GrowthLine& line : growing.lines() | std::views::take(growingShown)) {
+    const std::string place = Paths::display(line.path, host_.home);
+    items.push_back({.id = line.path,
+                     .path = line.path,
+                     .size = line.figures.minute,
+                     .isDirectory = line.isDirectory,
+                     .title = FolderText::title(line.path, host_.model.scans().root(), host_.home),
+                     .subtitle = FindingText::pace(line, host_.locale) + " · " + place,
+                     .sizeText = FindingText::inTheLastMinute(line, host_.locale),
+                     .showsChevron = line.isDirectory});
+  }
+  growing_.assign(std::move(items));
+  const auto until = growing.untilFull();
+  fullIn_ =
+      until && growing_.count() > 0 ? ShownText::sentence("Disk " + FindingText::fullIn(*until)) : QString{};
+  Q_EMIT growingChanged();
 }
 
 void Overview::updateBaselines() {

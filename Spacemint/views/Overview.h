@@ -14,6 +14,10 @@ class Overview : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
+  /// Whether the tab is on the screen now. The view sets it.
+  Q_PROPERTY(bool isSeen MEMBER isSeen_ WRITE setSeen)
+  Q_PROPERTY(spacemint::ItemRows* growing READ growing CONSTANT)
+  Q_PROPERTY(QString fullIn READ fullIn NOTIFY growingChanged)
   Q_PROPERTY(spacemint::ItemRows* growth READ growth CONSTANT)
   Q_PROPERTY(spacemint::ItemRows* firstGrowth READ firstGrowth CONSTANT)
   Q_PROPERTY(int growthCount READ growthCount NOTIFY changed)
@@ -29,6 +33,11 @@ class Overview : public QObject {
  public:
   explicit Overview(const UiHost& host);
 
+  void setSeen(bool isSeen);
+  /// What grows now.
+  ItemRows* growing() { return &growing_; }
+  /// When the disk is full at this pace; empty if that is not known.
+  const QString& fullIn() const { return fullIn_; }
   /// What grew; an item whose growth is spread unfolds to what grew in it. Then what shrank, under one item
   /// that unfolds.
   ItemRows* growth() { return &growth_; }
@@ -55,10 +64,12 @@ class Overview : public QObject {
 
  Q_SIGNALS:
   void changed();
+  void growingChanged();
   void baselinesChanged();
 
  private:
   void update();
+  void updateGrowing();
   void updateBaselines();
   std::vector<ListItem> growthItems(std::size_t limit);
   ListItem growthItem(const Growth& growth, int depth) const;
@@ -71,6 +82,9 @@ class Overview : public QObject {
   Date now() const { return host_.desktop.clock.now(); }
 
   const UiHost& host_;
+  bool isSeen_ = false;
+  ItemRows growing_;
+  QString fullIn_;
   ItemRows growth_;
   ItemRows firstGrowth_;
   /// The ids of the items that are unfolded.

@@ -18,6 +18,45 @@ ScrollColumn {
     padding: 20
     spacing: 10
 
+    Binding {
+        target: root.overview
+        property: "isSeen"
+        value: root.visible && root.Window.visibility !== Window.Hidden && root.Window.visibility !== Window.Minimized
+        restoreMode: Binding.RestoreNone
+    }
+    Component.onDestruction: overview.isSeen = false
+
+    // Keeps its height while its figures change.
+    ColumnLayout {
+        Layout.fillWidth: true
+        Layout.bottomMargin: 10
+        visible: root.overview.growing.count > 0
+        spacing: 10
+
+        SectionHeader {
+            title: "Growing now"
+
+            Label {
+                visible: text
+                text: root.overview.fullIn
+                color: Theme.amberInk
+                size: 12
+            }
+        }
+        Card {
+            Layout.fillWidth: true
+            padding: 4
+            spacing: 0
+
+            RowList {
+                Layout.fillWidth: true
+                rows: root.overview.growing
+                name: "Growing now"
+                sizeColor: Theme.amberInk
+            }
+        }
+    }
+
     SectionHeader {
         title: "What changed"
 

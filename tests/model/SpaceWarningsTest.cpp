@@ -168,6 +168,33 @@ TEST_F(SpaceWarningsTest, warnsAsSoonAsAServiceAcceptsTheWarning) {
   EXPECT_THAT(desktop.notifier.posted, SizeIs(1)) << "once";
 }
 
+TEST_F(SpaceWarningsTest, namesWhatFillsTheDiskAndAClickOpensItsFolder) {
+  Preferences{defaults}.setHasStarted(true);
+  storeHome(morning - 1min, {support::folder("vm", {file("disk.img", GB)}), file("letters", GB)});
+  startModel();
+  growFile("vm", "disk.img", 5, 4 * MB);
+  desktop.volume.current->free = 15 * GB;
+  growFile("vm", "disk.img", 5, 8 * MB);
+  desktop.volume.current->free = 15 * GB;
+  desktop.advance(1min);
+  ASSERT_THAT(desktop.notifier.posted, SizeIs(1));
+  EXPECT_EQ(desktop.notifier.posted[0].body, "Only 15 GB left on Disk. Click to see what's using space.")
+      << "it is not the file that took 85 GB";
+
+  desktop.volume.current->free = 100 * GB;
+  desktop.advance(30min);
+  growFile("vm", "disk.img", 10, 4 * MB);
+  model->prefs().setWarningThresholdGB(1'000);
+  desktop.advance(1min);
+  ASSERT_THAT(desktop.notifier.posted, SizeIs(2));
+  EXPECT_THAT(desktop.notifier.posted[1].body,
+              AllOf(testing::HasSubstr("~/vm/disk.img"), testing::HasSubstr(" grew by "),
+                    testing::EndsWith(" in the last 10 minutes. Click to see what's using space.")));
+  model->followWarning();
+  EXPECT_EQ(model->tab(), Tab::folders);
+  EXPECT_EQ(model->folderPath(), inHome("vm"));
+}
+
 TEST_F(SpaceWarningsTest, aWarningThatIsNoLongerDueIsNotGiven) {
   desktop.notifier.hasService = false;
   desktop.volume.current->free = 15 * GB;

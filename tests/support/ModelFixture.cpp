@@ -127,6 +127,21 @@ void ModelFixture::storeChanges() const {
             108 * GB);
 }
 
+void ModelFixture::growFile(const std::string& folderName, const std::string& name, int refreshes,
+                            Bytes each) {
+  journal.id = 1;
+  journal.answer = FolderChanges{.directories = {inHome(folderName)}, .trees = {}};
+  model->growing().refresh();
+  desktop.settle();
+  for (int i = 1; i <= refreshes; ++i) {
+    addFile(folderName + "/" + name, i * each);
+    desktop.volume.current->free -= each;
+    desktop.advance(2s);
+    model->growing().refresh();
+    desktop.settle();
+  }
+}
+
 Node ModelFixture::nested(std::string_view path, std::vector<Node> children) {
   const std::size_t slash = path.rfind('/');
   Node inner = support::folder(std::string{path.substr(slash + 1)}, std::move(children));  // npos + 1 is 0

@@ -72,6 +72,9 @@ class ModelFixture : public testing::Test {
   /// Stores two scans, three days apart, with all kinds of changes: a file that is new, a folder whose growth
   /// is spread, a folder that shrank, a file that is gone.
   void storeChanges() const;
+  /// Grows a file of the home folder for so many refreshes of two seconds, and takes as much from the volume.
+  /// A fake recorder reports the folder.
+  void growFile(const std::string& folderName, const std::string& name, int refreshes, Bytes each);
   /// A chain of folders; the innermost has these children.
   static Node nested(std::string_view path, std::vector<Node> children);
   static std::vector<Node> numbered(const std::string& name, int count, Bytes largest, Bytes step = MB);

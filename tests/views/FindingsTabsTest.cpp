@@ -197,6 +197,24 @@ TEST_F(OverviewTabTest, ofMoreThanFiveGrownFoldersTheRestIsShownOnDemand) {
   EXPECT_TRUE(view->find({}, "QuietButtonStyle").isEmpty());
 }
 
+TEST_F(OverviewTabTest, whatGrowsNowIsThereWhileItGrows) {
+  storeHome(morning - 1h, {file("letters", 300 * MB)});
+  show(Tab::overview);
+  EXPECT_FALSE(shows("Growing now"));
+  growFile("Videos", "film.mkv", 9, 3 * MB);
+  view->settle();
+  EXPECT_TRUE(shows("Growing now"));
+  EXPECT_THAT(rows(), ElementsAre("film.mkv"));
+  EXPECT_THAT(subtitle("film.mkv"), testing::StartsWith("For less than a minute, 1.5 MB a second · "));
+  desktop.advance(12s);
+  view->settle();
+  EXPECT_THAT(subtitle("film.mkv"), testing::StartsWith("Stopped after less than a minute · "));
+  desktop.advance(40s);
+  view->settle();
+  EXPECT_THAT(rows(), IsEmpty());
+  EXPECT_FALSE(shows("Growing now"));
+}
+
 TEST_F(OverviewTabTest, spreadGrowthAndWhatShrankUnfold) {
   storeChanges();
   addFile("Music/left", MB);

@@ -41,6 +41,15 @@ class TabScene final : public support::ModelFixture {
 
   void little() { storeHome(morning - 1h, {file("letters", 300 * MB)}); }
   void grown(int folders) { storeGrowth(folders); }
+  // One file grows for minutes, another stopped; the disk fills up.
+  void growing() {
+    desktop.volume.current->free = 6 * GB;
+    model->growing().setSeen(true);
+    growFile("Videos", "recording.mkv", 60, 3 * MB);
+    growFile("code/target", "app", 6, 4 * MB);
+    desktop.volume.current->free -= 60 * MB;
+    growFile("Videos", "recording.mkv", 4, 50 * MB);
+  }
   void unfoldChanges() {
     ItemRows& rows = *ui_->overview()->firstGrowth();
     for (int i = 0; i < rows.count(); ++i) {
@@ -200,6 +209,8 @@ const TabPage tabPages[] = {
     {"overview-changes", Tab::overview, [](TabScene& s) { s.storeChanges(); }, "point", "code", nullptr, 520},
     {"overview-changes-unfolded", Tab::overview, [](TabScene& s) { s.storeChanges(); }, "", "",
      [](TabScene& s) { s.unfoldChanges(); }, 760},
+    {"overview-growing", Tab::overview, [](TabScene& s) { s.storeChanges(); }, "", "",
+     [](TabScene& s) { s.growing(); }, 620},
     {"overview-no-access", Tab::overview,
      [](TabScene& s) {
        s.little();
