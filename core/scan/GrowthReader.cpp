@@ -62,10 +62,12 @@ std::expected<void, JournalError> GrowthReader::noteChanges(Date date) {
 }
 
 void GrowthReader::lookAtDue(Time now, Date date) {
+  const bool isQuietDue = now >= quietRestUntil_;
   for (auto& [folder, until] : hotUntil_) {
     if (until == Time::min()) until = now + hotTime;
-    due_.try_emplace(folder, Due{.lookedBefore = std::min(dateBefore_, date)});
+    if (isQuietDue) due_.try_emplace(folder, Due{.lookedBefore = std::min(dateBefore_, date)});
   }
+  const auto begun = std::chrono::steady_clock::now();
   std::erase_if(hotUntil_, [&](const auto& each) { return each.second <= now; });
   std::erase_if(restUntil_, [&](const auto& each) { return each.second <= now; });
   for (auto at = due_.begin(); at != due_.end();) {
@@ -76,6 +78,7 @@ void GrowthReader::lookAtDue(Time now, Date date) {
     look(at->first, at->second, now);
     at = due_.erase(at);
   }
+  if (isQuietDue) quietRestUntil_ = now + (std::chrono::steady_clock::now() - begun) * restFactor;
 }
 
 void GrowthReader::look(const std::string& top, const Due& due, Time now) {

@@ -61,6 +61,8 @@ class GrowthReader {
   // Folders of which events may be missing: files that are written through a mapping report nothing until
   // they are closed.
   std::map<std::string, Time> hotUntil_;
+  // When folders without new events may be looked at again.
+  Time quietRestUntil_ = Time::min();
 };
 
 }  // namespace spacemint

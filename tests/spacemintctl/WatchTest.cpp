@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 
 namespace spacemint {
 namespace {
@@ -123,6 +124,23 @@ TEST_F(WatchTest, saysOnceHowMoreFoldersCanBeWatched) {
   const std::string lines = support::readText(said);
   EXPECT_THAT(lines, HasSubstr(R"(as an administrator, "sysctl fs.inotify.max_user_watches=)"));
   EXPECT_EQ(std::ranges::count(lines, '\n'), 1) << lines;
+}
+
+// With a recorder of its own, and with one of another process.
+TEST_F(WatchTest, topNamesTheFileThatGrowsNow) {
+  const std::string file = program.home() / "Music/new song";
+  for (const bool isWatched : {false, true}) {
+    std::optional<Program::Running> watch;
+    if (isWatched) watch.emplace(program.begin({"watch"})).line();
+    auto top = program.begin({"top", "--json"});
+    EXPECT_THAT(top.line(), HasSubstr(R"("lines":[])"));
+    ASSERT_TRUE(support::allocateFile(file, 120'000'000));
+    std::string line;
+    for (int i = 0; i < 5 && line.find("new song") == std::string::npos; ++i) line = top.line();
+    EXPECT_THAT(line, HasSubstr(R"("lines":[{"path":")" + file + R"(","isDirectory":false,"isFreed":false)"));
+    EXPECT_EQ(top.end(SIGINT), 0);
+    fs::remove(file);
+  }
 }
 
 }  // namespace
