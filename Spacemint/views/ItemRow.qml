@@ -61,7 +61,7 @@ FocusScope {
     implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
     Accessible.role: Accessible.ListItem
     Accessible.name: sizeText ? `${title}, ${sizeText}` : title
-    Accessible.description: [subtitle, unfolds ? (isUnfolded ? "open" : "closed") : ""].filter(Boolean).join(", ")
+    Accessible.description: unfolds ? `${subtitle ? subtitle + ", " : ""}${isUnfolded ? "open" : "closed"}` : subtitle
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Accessible.onPressAction: open()
