@@ -227,12 +227,13 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
 }  // namespace
 
 ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
-  const std::string root = arguments.root;
+  const std::string scan = "the scan of " + arguments.root;
+  const bool mayWalk = arguments.mayWalk;
   ScanPlan plan = planned(journal, std::move(arguments));
-  log(LogLevel::info, plan.update ? "the scan of " + root + " lists the changed folders only"
-                      : plan.reuse
-                          ? "the scan of " + root + " takes the folders without changes from the last scan"
-                          : "the scan of " + root + " is a full scan, because " + plan.whyFull);
+  log(LogLevel::info, plan.update  ? scan + " is updated with the folders that changed"
+                      : plan.reuse ? scan + " takes the folders without changes from the last scan"
+                      : mayWalk    ? scan + " is a full scan, because " + plan.whyFull
+                                   : scan + " is not updated, because " + plan.whyFull);
   return plan;
 }
 

@@ -141,6 +141,7 @@ constexpr PanelPage panelPages[] = {
     {"panel-scanning", scanned, [](Scene& s) { s.startScan(); }},
     {"panel-ok"},
     {"panel-window", scanned, nullptr, true},
+    {"panel-updated", scanned, [](Scene& s) { s.app().history().update(*s.app().history().snapshot()); }},
     {"panel-low",
      [](Scene& s) {
        s.scanned();
