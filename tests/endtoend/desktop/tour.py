@@ -166,6 +166,7 @@ def cinnamon():
                 CINNAMON_SOFTWARE_RENDERING="1")
     run("gsettings", "set", "org.cinnamon.desktop.interface", "enable-animations", "false")
     start("cinnamon", "--sm-disable")
+    start("/usr/lib/x86_64-linux-gnu/xapps/xapp-sn-watcher")
     return screen
 
 
