@@ -347,13 +347,16 @@ def end():
             process.wait()
 
 
-def as_nobody(folder):
-    """Runs this file again as an ordinary user, with a home folder and a bus of its own."""
-    folder.mkdir(parents=True, exist_ok=True)
-    folder.chmod(0o777)
+def as_nobody(desktop, program, ctl, folder):
+    """Runs this file again as an ordinary user, with a home folder and a bus of its own. Everything is copied there,
+    because "nobody" may not enter every folder that root works in."""
     home = pathlib.Path(tempfile.mkdtemp(prefix="spacemint-tour-"))
-    (home / "run").mkdir(mode=0o700)
-    for path in (home, home / "run"):
+    shutil.copytree(pathlib.Path(__file__).parent, home / "tour")
+    for file in (program, ctl):
+        shutil.copy(file, home)
+    for path in (home / "run", home / "pictures"):
+        path.mkdir(mode=0o700)
+    for path in (home, home / "run", home / "pictures"):
         shutil.chown(path, "nobody")
     sockets = pathlib.Path("/tmp/.X11-unix")
     if not sockets.exists():
@@ -361,18 +364,21 @@ def as_nobody(folder):
         sockets.chmod(0o1777)
     variables = {"HOME": home, "XDG_RUNTIME_DIR": home / "run", "PATH": "/usr/bin:/bin:/usr/games", "LANG": "C.UTF-8",
                  "NO_AT_BRIDGE": "1", "PYTHONDONTWRITEBYTECODE": "1"}
+    command = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "dbus-run-session", "--", sys.executable,
+               home / "tour/tour.py", desktop, home / pathlib.Path(program).name, home / pathlib.Path(ctl).name,
+               home / "pictures"]
     try:
-        return subprocess.run(
-            ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "dbus-run-session", "--", sys.executable,
-             *sys.argv], env={name: str(value) for name, value in variables.items()}, check=False).returncode
+        return subprocess.run([str(word) for word in command], cwd=home, check=False,
+                              env={name: str(value) for name, value in variables.items()}).returncode
     finally:
+        shutil.copytree(home / "pictures", folder, dirs_exist_ok=True)
         shutil.rmtree(home, ignore_errors=True)
 
 
 def main(desktop, program, ctl, folder):
     folder = pathlib.Path(folder)
     if os.geteuid() == 0:
-        return as_nobody(folder)
+        return as_nobody(desktop, program, ctl, folder)
     tour = None
     try:
         tour = Tour(desktop, program, ctl, folder)
