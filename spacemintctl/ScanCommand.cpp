@@ -123,8 +123,8 @@ int runScan(const ScanOptions& options) {
 
 std::optional<Snapshot> measuredScan(const ScanOptions& options) {
   const Date start = currentTime();
-  const ScanPlan plan{.fullScanDate = start};
-  auto result = measure(options.path, options, {});
+  ScanPlan plan{.fullScanDate = start};
+  auto result = measure(options.path, options, plan);
   if (!result) return std::nullopt;
   return FinishedScan{.result = std::move(*result),
                       .plan = plan,

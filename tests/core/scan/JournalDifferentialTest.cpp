@@ -268,9 +268,9 @@ class Differential {
   }
 
   void compare(Client& client, const DiskScanner::Result& full) {
-    const bool hasReadAll = client.unread.folders == full.unread.folders &&
-                            client.unread.entries == full.unread.entries &&
-                            client.unread.hasFailures == full.unread.hasFailures;
+    const bool hasReadAll = client.unread.folders == full.coverage.unread.folders &&
+                            client.unread.entries == full.coverage.unread.entries &&
+                            client.unread.hasFailures == full.coverage.unread.hasFailures;
     if (!hasReadAll) tally_.differences.push_back("other items could not be read");
     const bool isSame = client.updates ? withNamesSorted(client.last.root) == withNamesSorted(full.root)
                                        : client.last.root == full.root;
