@@ -94,7 +94,6 @@ void Overview::openAccessSettings() const {
 
 void Overview::update() {
   const Findings& findings = host_.model.findings();
-  const SharedSnapshot& snapshot = host_.model.history().snapshot();
   // While the analysis of a scan runs, an empty finding does not mean that there is nothing.
   const bool isReady = host_.model.currentFindings().isReady();
   freeChange_ = ShownText::sentence(freeChangeText(findings, host_));
