@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/base/Bytes.h"
+#include "core/host/Removal.h"
 
 #include <cstdint>
 #include <optional>
@@ -21,6 +22,8 @@ struct BlockRange {
 
 /// Where the content of a file is stored.
 struct FileBlocks {
+  /// The same for all names of the file.
+  FileIdentity identity;
   /// In the order of the file. A compressed part is shown as long as its content, so such ranges overlap.
   std::vector<BlockRange> ranges;
   /// The bytes of the file that are stored anywhere, without holes.

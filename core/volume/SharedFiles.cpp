@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
+#include <utility>
 
 namespace spacemint {
 
@@ -25,6 +27,7 @@ std::optional<Bytes> SharedFiles::freesAtMost(const std::string& path) {
 
 Bytes SharedFiles::saved(const Snapshot& scan, const std::function<bool(const std::string&)>& isOnVolume) {
   std::vector<BlockRange> ranges;
+  std::set<std::pair<std::uint64_t, std::uint64_t>> seen;
   Bytes mapped = 0;
   walkTree(scan.root, [&](const std::string& path, const Node& node) {
     if (node.isDirectory) return true;
@@ -32,6 +35,8 @@ Bytes SharedFiles::saved(const Snapshot& scan, const std::function<bool(const st
     const auto blocks = fileBlocks(path);
     // A file that neither shares nor compresses cannot overlap another.
     if (!blocks || !saves(*blocks)) return false;
+    // The names of a file share its size already.
+    if (!seen.emplace(blocks->identity.device, blocks->identity.inode).second) return false;
     for (const BlockRange& range : blocks->ranges)
       mapped = saturatingAdd(mapped, static_cast<Bytes>(range.end - range.begin));
     std::ranges::copy(blocks->ranges, std::back_inserter(ranges));

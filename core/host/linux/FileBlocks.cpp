@@ -1,13 +1,13 @@
 #include "core/host/FileBlocks.h"
 
 #include "core/host/FileHandle.h"
+#include "core/host/linux/HandleFacts.h"
 
 #include <fcntl.h>
 #include <linux/fiemap.h>
 #include <linux/fs.h>
 #include <linux/magic.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <sys/vfs.h>
 
 #include <algorithm>
@@ -21,9 +21,7 @@ namespace {
 constexpr std::size_t maximumRanges = 100'000;
 
 bool canShareBlocks(const FileHandle& file) {
-  struct stat status {};
   struct statfs system {};
-  if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   return fstatfs(file.get(), &system) == 0 &&
          (system.f_type == BTRFS_SUPER_MAGIC || system.f_type == XFS_SUPER_MAGIC);
 }
@@ -62,7 +60,9 @@ void take(const fiemap_extent& extent, FileBlocks& blocks) {
 std::optional<FileBlocks> fileBlocks(const std::string& path) {
   const FileHandle file{open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)};
   if (!file || !canShareBlocks(file)) return std::nullopt;
-  FileBlocks blocks;
+  const auto facts = factsOf(file);
+  if (!facts || !S_ISREG(facts->mode)) return std::nullopt;
+  FileBlocks blocks{.identity = facts->identity()};
   ExtentMap map;
   for (std::uint64_t at = 0; blocks.ranges.size() <= maximumRanges;) {
     const auto extents = map.ask(file, at);

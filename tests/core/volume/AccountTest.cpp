@@ -41,7 +41,8 @@ TEST(Account, addsUpWhateverTheFigures) {
     Bytes held = 0;
     for (std::uint64_t i = 0; i < random() % 6; ++i) {
       const bool isHere = random() % 2 == 0;
-      const std::optional<Bytes> size = random() % 4 == 0 ? std::nullopt : std::optional{std::abs(figure() / 8)};
+      const std::optional<Bytes> size =
+          random() % 4 == 0 ? std::nullopt : std::optional{std::abs(figure() / 8)};
       deleted.files.push_back({.size = size,
                                .pool = isHere ? 1ULL : 2ULL,
                                .programs = {{1, "a"}, {static_cast<int>(random() % 3), "b"}}});
@@ -219,8 +220,9 @@ TEST(SharedFiles, freeOnlyWhatIsTheirOwn) {
       const std::string root = support::enterOwnMounts() ? support::mountDisk(folder, type, "") : "";
       const bool canShare = std::string{type} != "ext4";
       const std::string copy = canShare ? "cp --reflink=always" : "cp";
-      if (root.empty() || !shell("cd " + root + " && head -c 40000000 /dev/urandom > one && " + copy +
-                                 " one two && head -c 25000000 /dev/urandom > alone && sync")) {
+      if (root.empty() ||
+          !shell("cd " + root + " && head -c 40000000 /dev/urandom > one && " + copy +
+                 " one two && ln one linked && head -c 25000000 /dev/urandom > alone && sync")) {
         return false;
       }
       // A new part of the copy is its own.
