@@ -52,10 +52,12 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     // Another process may have changed a setting meanwhile.
     prefs_.refresh();
     Q_EMIT statusChanged();
-    recordFreeSpace();
     if (prefs_.hasStarted()) growing_.refresh();
   });
-  connect(&volume_, &VolumeWatch::volumesWereRead, this, &AppModel::warnIfDue);
+  connect(&volume_, &VolumeWatch::volumesWereRead, this, [this] {
+    recordFreeSpace();
+    warnIfDue();
+  });
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
 }
 
@@ -96,15 +98,26 @@ void AppModel::launchCheck() {
 
 // The home folder may be on a network file system, so the file is written on another thread.
 void AppModel::recordFreeSpace() {
-  const FreeSpaceReading reading{
-      .date = desktop_.clock.now(), .free = volume_.status()->free, .total = volume_.status()->total};
-  const auto hour = std::chrono::floor<std::chrono::hours>(reading.date);
-  if (std::exchange(recordedHour_, hour) == hour) return;
-  desktop_.tasks.run(
-      Tasks::Priority::utility, this, [record = freeSpace_, reading] { return record.add(reading); },
-      [](const std::expected<void, Error>& added) {
-        if (!added) log(LogLevel::info, "the free space could not be recorded: " + added.error().message);
-      });
+  const auto& home = volume_.status();
+  const Date now = desktop_.clock.now();
+  const auto hour = std::chrono::floor<std::chrono::hours>(now);
+  if (!home || std::exchange(recordedHour_, hour) == hour) return;
+  using Addition = std::pair<FreeSpaceRecord, FreeSpaceReading>;
+  std::vector<Addition> additions{{freeSpace_, {.date = now, .free = home->free, .total = home->total}}};
+  for (const VolumeReading& other : volume_.volumes()) {
+    if (other.volume.holdsHome || !other.volume.canFillUp() || !other.space) continue;
+    additions.emplace_back(
+        FreeSpaceRecord::ofVolume(context_.state, other.volume.mountPoint()),
+        FreeSpaceReading{.date = now, .free = other.space->free, .total = other.space->total});
+  }
+  desktop_.tasks.start({.priority = Tasks::Priority::utility, .work = [additions = std::move(additions)] {
+                          for (const auto& [record, reading] : additions) {
+                            const auto added = record.add(reading);
+                            if (!added)
+                              log(LogLevel::info,
+                                  "the free space could not be recorded: " + added.error().message);
+                          }
+                        }});
 }
 
 void AppModel::begin() {
