@@ -25,8 +25,8 @@ struct ScanOptions {
 /// Scans a folder, prints its largest folders and files, and stores the scan. Returns the exit code.
 int runScan(const ScanOptions& options);
 
-/// Scans all of the folder at `ScanOptions::path`, an absolute path, with a line of progress; stores and prints
-/// nothing. Absent if the folder cannot be opened or the user interrupted the scan.
+/// Scans all of the folder at `ScanOptions::path`, an absolute path, with a line of progress; stores and
+/// prints nothing. Absent if the folder cannot be opened or the user interrupted the scan.
 std::optional<Snapshot> measuredScan(const ScanOptions& options);
 
 }  // namespace spacemint::ctl
