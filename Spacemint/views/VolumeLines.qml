@@ -24,6 +24,8 @@ ColumnLayout {
 
             required property var modelData
             readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][modelData.level]
+            // With large letters there is no room for the total.
+            readonly property bool isNarrow: root.width < Theme.scaled(300)
 
             Layout.fillWidth: true
             Layout.minimumHeight: Theme.scaled(22)
@@ -37,10 +39,12 @@ ColumnLayout {
                 color: line.modelData.level > 0 ? line.levelColor : Theme.secondary
             }
             Label {
-                Layout.preferredWidth: Theme.scaled(84)
+                Layout.fillWidth: true
+                Layout.minimumWidth: Theme.scaled(40)
+                Layout.maximumWidth: Theme.scaled(84)
                 text: line.modelData.name
                 size: 12
-                elide: Text.ElideMiddle
+                elide: Text.ElideRight
                 Accessible.ignored: true
             }
             UsageBar {
@@ -60,9 +64,11 @@ ColumnLayout {
             }
             Label {
                 Layout.preferredWidth: Theme.scaled(62)
+                visible: !line.isNarrow
                 text: line.modelData.total
                 size: 12
                 color: Theme.secondary
+                horizontalAlignment: Text.AlignRight
                 Accessible.ignored: true
             }
         }
