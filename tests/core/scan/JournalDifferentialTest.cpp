@@ -180,10 +180,14 @@ class Differential {
 
   void scanThatSetsUp() {
     const auto crawl = recorder_->beginCrawl(root_.path());
-    std::thread changing([this] { disk_.steps(100); });
+    std::atomic<bool> isScanned = false;
+    std::thread changing([&] {
+      for (int step = 0; step < 3'000 && !isScanned; ++step) disk_.steps(1);
+    });
     ReadAheadListing ahead{*crawl, 4};
     const auto result =
         DiskScanner::scan({.root = root_.path(), .minNodeSize = settings_.minNodeSize, .listing = &ahead});
+    isScanned = true;
     changing.join();
     crawl->finish();
     for (Client& client : clients_) {
