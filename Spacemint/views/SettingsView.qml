@@ -125,7 +125,7 @@ Rectangle {
             }
             SettingsSection {
                 title: "General"
-                footnote: [root.form.itemHelp, root.form.usageFootnote].filter(text => text).join("\n")
+                footnote: root.form.itemHelp + (root.form.itemHelp && root.form.usageFootnote ? "\n" : "") + root.form.usageFootnote
 
                 SettingsRow {
                     title: "Show Spacemint in"
