@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QTimer>
 #include <QtEndian>
 
 #include <utility>
@@ -133,16 +132,7 @@ void StatusNotifierItem::registerItem() {
   if (!isInstalled_) return;
   QDBusMessage call = QDBusMessage::createMethodCall(watcherName, watcherPath, watcherName,
                                                      QStringLiteral("RegisterStatusNotifierItem"));
-  callAsync(bus_, call << service_, this, [this](const QDBusMessage&) {
-    askForHost();
-    publishAgain();
-  });
-}
-
-// GNOME's host misses changes while it reads a new item.
-void StatusNotifierItem::publishAgain() {
-  constexpr std::chrono::seconds untilItIsRead{3};
-  QTimer::singleShot(untilItIsRead, this, &StatusNotifierItem::publish);
+  callAsync(bus_, call << service_, this, [this](const QDBusMessage&) { askForHost(); });
 }
 
 void StatusNotifierItem::askForHost() {

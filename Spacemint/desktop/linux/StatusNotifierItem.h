@@ -37,7 +37,6 @@ class StatusNotifierItem final : public StatusItem {
   void setArea(Area area);
   void clicked(QPoint pixel);
   void publish();
-  void publishAgain();
   QString writeIcon();
 
   QDBusConnection bus_;
