@@ -25,7 +25,7 @@ ColumnLayout {
             required property var modelData
             readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][modelData.level]
             // With large letters there is no room for the total.
-            readonly property bool isNarrow: root.width < Theme.scaled(300)
+            readonly property bool isLarge: Theme.scaled(100) > 140
 
             Layout.fillWidth: true
             Layout.minimumHeight: Theme.scaled(22)
@@ -39,9 +39,7 @@ ColumnLayout {
                 color: line.modelData.level > 0 ? line.levelColor : Theme.secondary
             }
             Label {
-                Layout.fillWidth: true
-                Layout.minimumWidth: Theme.scaled(40)
-                Layout.maximumWidth: Theme.scaled(84)
+                Layout.preferredWidth: Theme.scaled(line.isLarge ? 64 : 84)
                 text: line.modelData.name
                 size: 12
                 elide: Text.ElideRight
@@ -64,7 +62,7 @@ ColumnLayout {
             }
             Label {
                 Layout.preferredWidth: Theme.scaled(62)
-                visible: !line.isNarrow
+                visible: !line.isLarge
                 text: line.modelData.total
                 size: 12
                 color: Theme.secondary
