@@ -34,4 +34,4 @@ expect() {
 expect '1.5 MB' en_US.UTF-8 scan --min-size 1000
 expect 'music/song' en_US.UTF-8 files
 expect '1,5' de_DE.UTF-8 files
-expect 'just now' en_US.UTF-8 history
+expect 'Scanned just now' en_US.UTF-8 report
