@@ -4,7 +4,6 @@
 // repeated with hundreds of mounts in a namespace of its own, as on a computer with many containers.
 
 #include "core/host/VolumeTable.h"
-#include "core/host/linux/MountTable.h"
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -16,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -36,17 +36,24 @@ double medianMilliseconds(int rounds, const std::function<void()>& work) {
   return times[times.size() / 2];
 }
 
+std::size_t countMounts() {
+  std::ifstream table{"/proc/self/mountinfo"};
+  std::size_t lines = 0;
+  for (std::string line; std::getline(table, line);) ++lines;
+  return lines;
+}
+
 void compare(int rounds) {
   const auto readings = readVolumes();
   const double floor = medianMilliseconds(rounds, [&] {
-    currentMounts();
+    countMounts();
     for (const VolumeReading& reading : readings) {
       struct statvfs status {};
       statvfs(reading.volume.mountPoint().c_str(), &status);
     }
   });
   const double list = medianMilliseconds(rounds, [] { readVolumes(); });
-  std::printf("%4zu mounts, %zu volumes: floor %.3f ms, list %.3f ms, ratio %.2f\n", currentMounts().size(),
+  std::printf("%4zu mounts, %zu volumes: floor %.3f ms, list %.3f ms, ratio %.2f\n", countMounts(),
               readings.size(), floor, list, list / floor);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Spacemint/views/ShownText.h"
-#include "core/wording/PlatformWords.h"
+#include "core/base/PlatformWords.h"
 
 #include <QObject>
 #include <QQmlEngine>

@@ -1,7 +1,7 @@
 #include "Spacemint/views/Page.h"
 
 #include "Spacemint/views/ShownText.h"
-#include "core/wording/PlatformWords.h"
+#include "core/base/PlatformWords.h"
 
 namespace spacemint {
 

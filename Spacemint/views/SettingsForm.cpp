@@ -2,8 +2,8 @@
 
 #include "Spacemint/views/ShownText.h"
 #include "core/base/Isolate.h"
+#include "core/base/PlatformWords.h"
 #include "core/tree/Paths.h"
-#include "core/wording/PlatformWords.h"
 
 #include <algorithm>
 

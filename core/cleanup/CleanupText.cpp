@@ -2,8 +2,8 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
+#include "core/base/PlatformWords.h"
 #include "core/wording/FindingText.h"
-#include "core/wording/PlatformWords.h"
 
 #include <algorithm>
 

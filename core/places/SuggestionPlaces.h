@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/base/PlatformWords.h"
 #include "core/places/Place.h"
-#include "core/wording/PlatformWords.h"
 
 #include <array>
 #include <string_view>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/base/Error.h"
+#include "core/base/PlatformWords.h"
 #include "core/host/DefaultsStore.h"
 #include "core/volume/SpaceLevel.h"
-#include "core/wording/PlatformWords.h"
 
 #include <array>
 #include <cstdint>

@@ -5,8 +5,8 @@
 #include "core/analysis/GitWorktrees.h"
 #include "core/analysis/GrowthWatch.h"
 #include "core/analysis/Suggestions.h"
+#include "core/base/PlatformWords.h"
 #include "core/volume/SpaceLevel.h"
-#include "core/wording/PlatformWords.h"
 
 #include <string>
 #include <string_view>
