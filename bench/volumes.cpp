@@ -24,6 +24,14 @@ namespace {
 
 using namespace spacemint;
 
+// Reads the mount table; returns its number of lines.
+std::size_t readMountTable() {
+  std::ifstream file("/proc/self/mountinfo");
+  std::size_t lines = 0;
+  for (std::string line; std::getline(file, line);) ++lines;
+  return lines;
+}
+
 double medianMilliseconds(int rounds, const std::function<void()>& work) {
   std::vector<double> times;
   for (int round = 0; round < rounds; ++round) {
@@ -36,24 +44,17 @@ double medianMilliseconds(int rounds, const std::function<void()>& work) {
   return times[times.size() / 2];
 }
 
-std::size_t countMounts() {
-  std::ifstream table{"/proc/self/mountinfo"};
-  std::size_t lines = 0;
-  for (std::string line; std::getline(table, line);) ++lines;
-  return lines;
-}
-
 void compare(int rounds) {
   const auto readings = readVolumes();
   const double floor = medianMilliseconds(rounds, [&] {
-    countMounts();
+    readMountTable();
     for (const VolumeReading& reading : readings) {
       struct statvfs status {};
       statvfs(reading.volume.mountPoint().c_str(), &status);
     }
   });
   const double list = medianMilliseconds(rounds, [] { readVolumes(); });
-  std::printf("%4zu mounts, %zu volumes: floor %.3f ms, list %.3f ms, ratio %.2f\n", countMounts(),
+  std::printf("%4zu mounts, %zu volumes: floor %.3f ms, list %.3f ms, ratio %.2f\n", readMountTable(),
               readings.size(), floor, list, list / floor);
 }
 
