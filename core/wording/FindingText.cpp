@@ -96,7 +96,8 @@ std::string FindingText::left(const Shrinkage& shrinkage, Bytes minNodeSize, con
 std::string FindingText::pace(const GrowthLine& line, const std::string& locale) {
   const std::string length = lengthText(line.duration);
   if (!line.isGoingOn) return "Stopped after " + length;
-  return "For " + length + ", " + ByteFormat::string(line.perSecond(), locale) + " a second";
+  const std::string rate = ByteFormat::string(line.perSecond(), locale) + "/s";
+  return line.duration < std::chrono::minutes{1} ? rate : rate + " for " + length;
 }
 
 std::string FindingText::inTheLastMinute(const GrowthLine& line, const std::string& locale) {

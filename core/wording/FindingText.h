@@ -48,7 +48,7 @@ std::string lost(Bytes bytes, const std::string& locale);
 /// What is left of something that shrank: "gone", "1.2 GB left" or "under 20 MB left". `minNodeSize` is that
 /// of the newer scan.
 std::string left(const Shrinkage& shrinkage, Bytes minNodeSize, const std::string& locale);
-/// "For 3 minutes, 7.4 MB a second", or "Stopped after 3 minutes".
+/// "7.4 MB/s for 3 minutes", in the first minute "7.4 MB/s"; or "Stopped after 3 minutes".
 std::string pace(const GrowthLine& line, const std::string& locale);
 /// "+2.1 GB in 1 min"
 std::string inTheLastMinute(const GrowthLine& line, const std::string& locale);
