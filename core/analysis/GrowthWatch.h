@@ -42,7 +42,8 @@ class GrowthWatch {
   /// minutes.
   static constexpr Bytes lineMinimum = 10'000'000;
   static constexpr Bytes goneBelow = 1'000'000;
-  /// Beyond so many folders, those with the least growth count in their parents.
+  /// Beyond so many folders, those with the least growth count in their parents. What then changes in one of
+  /// them before its next look is not noticed.
   static constexpr std::size_t folderLimit = 1'024;
   /// The files of a larger folder are not told apart.
   static constexpr std::size_t fileLimit = 4'096;
