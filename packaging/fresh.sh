@@ -56,7 +56,7 @@ enter() {
       mount -t sysfs sysfs "$root/sys" 2>/dev/null || mount --rbind /sys "$root/sys"
     fi
     exec chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 "$@"' - \
-    "$root" "${cache:-}" "SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-}" /bin/bash /fresh/fresh.sh "$@"
+    "$root" "${cache:-}" ${SOURCE_DATE_EPOCH:+"SOURCE_DATE_EPOCH=$SOURCE_DATE_EPOCH"} /bin/bash /fresh/fresh.sh "$@"
 }
 
 # Tests the last commit on a fresh system and makes the package there.
