@@ -361,7 +361,7 @@ TEST(ScanUpdate, keepsTheOrderOfEqualsAndScansWhatItCannotTakeOver) {
   EXPECT_EQ(names(result->root), (Names{"large", "other", "b", "a", "new", "bad\xff"}));
   EXPECT_EQ(result->root.size, 36 - 9 - 3 + 8 + 2);
   EXPECT_EQ(result->fileCount, 6);
-  EXPECT_EQ(result->unread, (DiskScanner::Unread{.folders = 1, .paths = {"/r/closed"}}));
+  EXPECT_EQ(result->coverage.unread, (Unread{.folders = 1, .paths = {"/r/closed"}}));
 }
 
 TEST_F(ScanPlanTest, everyDoubtIsAFullScanThatSaysWhy) {
