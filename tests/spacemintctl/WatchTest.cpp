@@ -14,7 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <optional>
+#include <memory>
 
 namespace spacemint {
 namespace {
@@ -130,8 +130,9 @@ TEST_F(WatchTest, saysOnceHowMoreFoldersCanBeWatched) {
 TEST_F(WatchTest, topNamesTheFileThatGrowsNow) {
   const std::string file = program.home() / "Music/new song";
   for (const bool isWatched : {false, true}) {
-    std::optional<Program::Running> watch;
-    if (isWatched) watch.emplace(program.begin({"watch"})).line();
+    const std::unique_ptr<Program::Running> watch{
+        isWatched ? new Program::Running{program.begin({"watch"})} : nullptr};
+    if (watch) watch->line();
     auto top = program.begin({"top", "--json"});
     EXPECT_THAT(top.line(), HasSubstr(R"("lines":[])"));
     ASSERT_TRUE(support::allocateFile(file, 120'000'000));
