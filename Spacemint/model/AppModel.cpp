@@ -110,14 +110,13 @@ void AppModel::recordFreeSpace() {
         FreeSpaceRecord::ofVolume(context_.state, other.volume.mountPoint()),
         FreeSpaceReading{.date = now, .free = other.space->free, .total = other.space->total});
   }
-  desktop_.tasks.start({.priority = Tasks::Priority::utility, .work = [additions = std::move(additions)] {
-                          for (const auto& [record, reading] : additions) {
-                            const auto added = record.add(reading);
-                            if (!added)
-                              log(LogLevel::info,
-                                  "the free space could not be recorded: " + added.error().message);
-                          }
-                        }});
+  const auto record = [additions = std::move(additions)] {
+    for (const auto& [file, reading] : additions) {
+      const auto added = file.add(reading);
+      if (!added) log(LogLevel::info, "the free space could not be recorded: " + added.error().message);
+    }
+  };
+  desktop_.tasks.start({.priority = Tasks::Priority::utility, .work = record, .done = [] {}});
 }
 
 void AppModel::begin() {

@@ -44,7 +44,10 @@ Item {
             anchors.fill: parent
             anchors.margins: 1
             symbol: "hatch"
-            sourceSize: Qt.size(7, 7)
+            sourceSize {
+                width: 7
+                height: 7
+            }
             fillMode: Image.Tile
             horizontalAlignment: Image.AlignLeft
             verticalAlignment: Image.AlignTop

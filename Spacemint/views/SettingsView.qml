@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
@@ -63,12 +65,14 @@ Rectangle {
                     model: root.form.volumes
 
                     SettingsToggle {
+                        id: watch
+
                         required property string modelData
                         required property int index
 
-                        text: "Also watch " + modelData
-                        checked: root.form.watched[index] ?? true
-                        onToggled: root.form.setWatched(index, checked)
+                        text: "Also watch " + watch.modelData
+                        checked: root.form.watched[watch.index] ?? true
+                        onToggled: root.form.setWatched(watch.index, watch.checked)
                     }
                 }
                 SettingsRow {

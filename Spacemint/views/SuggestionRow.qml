@@ -73,17 +73,20 @@ Item {
                     size: 18
                     color: Theme.secondary
                 }
-                ColumnLayout {
+                // A positioner: in a layout, a text that wraps would change the layout's height while it is made.
+                Column {
+                    Layout.fillWidth: true
                     spacing: 2
 
                     Label {
-                        Layout.fillWidth: true
+                        width: parent.width
                         text: root.title
                         elide: Text.ElideRight
                         Accessible.ignored: true
                     }
                     Label {
-                        Layout.fillWidth: true
+                        width: parent.width
+                        visible: text
                         text: root.subtitle
                         size: 11
                         color: Theme.secondary

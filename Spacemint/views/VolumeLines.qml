@@ -17,13 +17,14 @@ ColumnLayout {
     spacing: 4
 
     Repeater {
-        model: root.showsAll ? root.volumes : root.volumes.slice(0, root.shown)
+        model: root.showsAll ? root.volumes.length : Math.min(root.volumes.length, root.shown)
 
         RowLayout {
             id: line
 
-            required property var modelData
-            readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][modelData.level]
+            required property int index
+            readonly property var volume: root.volumes[index]
+            readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][volume.level]
             // With large letters there is no room for the total.
             readonly property bool isLarge: Theme.scaled(100) > 140
 
@@ -31,16 +32,16 @@ ColumnLayout {
             Layout.minimumHeight: Theme.scaled(22)
             spacing: 8
             Accessible.role: Accessible.StaticText
-            Accessible.name: modelData.spoken
+            Accessible.name: volume.spoken
 
             Symbol {
-                symbol: line.modelData.level > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
+                symbol: line.volume.level > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
                 size: 14
-                color: line.modelData.level > 0 ? line.levelColor : Theme.secondary
+                color: line.volume.level > 0 ? line.levelColor : Theme.secondary
             }
             Label {
                 Layout.preferredWidth: Theme.scaled(line.isLarge ? 64 : 84)
-                text: line.modelData.name
+                text: line.volume.name
                 size: 12
                 elide: Text.ElideRight
                 Accessible.ignored: true
@@ -48,13 +49,13 @@ ColumnLayout {
             UsageBar {
                 Layout.fillWidth: true
                 implicitHeight: 4
-                fraction: line.modelData.usedFraction
-                color: line.modelData.level > 0 ? line.levelColor : Theme.secondary
+                fraction: line.volume.usedFraction
+                color: line.volume.level > 0 ? line.levelColor : Theme.secondary
                 Accessible.ignored: true
             }
             Label {
                 Layout.preferredWidth: Theme.scaled(58)
-                text: line.modelData.free
+                text: line.volume.free
                 size: 12
                 color: line.levelColor
                 horizontalAlignment: Text.AlignRight
@@ -63,7 +64,7 @@ ColumnLayout {
             Label {
                 Layout.preferredWidth: Theme.scaled(62)
                 visible: !line.isLarge
-                text: line.modelData.total
+                text: line.volume.total
                 size: 12
                 color: Theme.secondary
                 horizontalAlignment: Text.AlignRight

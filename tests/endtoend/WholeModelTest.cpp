@@ -137,7 +137,7 @@ TEST_F(WholeModel, scansRecordsComparesAndCleans) {
   ASSERT_THAT(model->findings().devCleanups, SizeIs(1));
   model->cleanups().ask(model->findings().devCleanups.front());
   confirm();
-  ASSERT_TRUE(waitForMessage("Cleaned Thumbnails.")) << message();
+  ASSERT_TRUE(waitForMessage("Cleaned Thumbnails")) << message();
   EXPECT_FALSE(exists(".cache/thumbnails/a"));
   EXPECT_EQ(sizeInScan(".cache/thumbnails"), 0);
   EXPECT_TRUE(waitForStoredScan());
@@ -156,7 +156,7 @@ TEST_F(WholeModel, neverHoldsUpTheInterface) {
   EXPECT_EQ(model->history().snapshot()->fileCount, files + 1);
   model->cleanups().ask(DeleteRequest{inHome("many"), "many", 30 * MB, ""});
   confirm();
-  ASSERT_TRUE(waitForMessage("Deleted many.")) << message();
+  ASSERT_TRUE(waitForMessage("Deleted many")) << message();
   EXPECT_FALSE(exists("many"));
   const auto longest = std::chrono::duration_cast<std::chrono::microseconds>(watch.longest());
   RecordProperty("longestGapMicroseconds", static_cast<int>(longest.count()));

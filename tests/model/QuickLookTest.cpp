@@ -17,6 +17,7 @@ class QuickLookTest : public ModelFixture {
     storeScan(morning - 30min);
     Snapshot scan = store.load(store.entries().front()).value();
     scan.eventID = 5;
+    for (const ListedPlace& place : hostListingPlaces(home)) scan.coverage.places.push_back({place, 0});
     ASSERT_TRUE(store.save(scan));
     journal.measured = MeasuredChanges{};
     startModel();

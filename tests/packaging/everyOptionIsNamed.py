@@ -14,7 +14,7 @@ program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
 def words(path=()):
     """What --help lists at the start of its indented lines: commands and spellings of options."""
     text = subprocess.run([program, *path, "--help"], check=True, capture_output=True, text=True).stdout
-    found = set(re.findall(r"(?:^  |,)(--?[a-z][a-z-]*)", text, re.MULTILINE))
+    found = set(re.findall(r"(?:^  |,)(--?[a-z][a-z0-9-]*)", text, re.MULTILINE))
     for command in re.findall(r"^  ([a-z]+) ", text.partition("Subcommands:")[2], re.MULTILINE):
         found |= {command} | words((*path, command))
     return found

@@ -41,7 +41,7 @@ AppModel& ModelFixture::makeModel(EventJournal& events, const Desktop& on) {
                                                 .home = home,
                                                 .personal = {},
                                                 .data = inHome(".local/share"),
-                                                .state = inHome(".local/state"),
+                                                .state = folder / "state",
                                                 .environment = {},
                                                 .disk = disk,
                                                 .locale = locale,

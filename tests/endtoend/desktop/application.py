@@ -151,7 +151,7 @@ class Application:
 
     def wait_scanned(self):
         """A scan has time: it yields to everything else."""
-        wait_until(lambda: self.sees_text("Scanned"), "the end of the scan", 240)
+        wait_until(lambda: self.sees_text("Scanned") or self.sees_text("Updated"), "the end of the scan", 240)
 
     def wait_text(self, part, limit=30):
         wait_until(lambda: self.sees_text(part), f"a text with {part!r}", limit)

@@ -70,6 +70,7 @@ class FirstDay(OnADesktop):
         app.wait_scanned()
         app.find("What changed")
         self.picture("overview")
+        self.chooses_the_home_folder()
         self.looks_at_the_folders()
         self.moves_a_file_to_the_trash()
         self.empties_the_trash()
@@ -82,6 +83,15 @@ class FirstDay(OnADesktop):
         self.assertTrue(snapshots, "the history is on the disk")
         self.assertTrue((self.home / "Videos/holiday.mp4").exists(), "what nobody chose is there")
         self.assertTrue((self.home / "shop/.gitignore").exists())
+
+    def chooses_the_home_folder(self):
+        """The first scan was of the whole disk, in which the home folder of this test lies deep."""
+        app = self.app
+        app.click("Settings", "push button")
+        app.click_item(app.find("Scan", "combo box"))
+        app.press("Up")
+        app.press("Return")
+        app.click("Back", "push button")
 
     def looks_at_the_folders(self):
         app = self.app
