@@ -157,7 +157,8 @@ class SpaceWarnings : public QObject {
   };
   using Warnings = std::map<Key, Warning>;
 
-  /// What the last readings mean: the states that stay, and the supplies to warn of now with their new states.
+  /// What the last readings mean: the states that stay, and the supplies to warn of now with their new
+  /// states.
   struct Assessment {
     Warnings held;
     Warnings due;

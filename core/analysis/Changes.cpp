@@ -156,7 +156,8 @@ std::vector<Growth> insideOf(const Pair& folder, std::vector<Pair>& children, co
 }
 
 // What explains the growth of `pending`, in the order of the tree. `pending` is a stack.
-std::vector<Growth> explain(std::vector<Pair> pending, const Revealed& revealed, Bytes minimum, bool unfolds) {
+std::vector<Growth> explain(std::vector<Pair> pending, const Revealed& revealed, Bytes minimum,
+                            bool unfolds) {
   std::vector<Growth> found;
   while (!pending.empty()) {
     const Pair pair = std::move(pending.back());

@@ -26,8 +26,8 @@ bool canonicallyEqual(std::string_view a, std::string_view b);
 /// A form that is the same for all canonically equal texts. Text that is not valid UTF-8 stays as it is.
 std::string canonicalForm(std::string_view text);
 
-/// A form that is the same for all texts that differ only in letter case or in canonically equal characters. Text
-/// that is not valid UTF-8 stays as it is, but for its ASCII letters.
+/// A form that is the same for all texts that differ only in letter case or in canonically equal characters.
+/// Text that is not valid UTF-8 stays as it is, but for its ASCII letters.
 std::string caseFolded(std::string_view text);
 
 /// The number of bytes at the start of `text` that are canonically equal to `prefix`; absent if `text` does

@@ -5,10 +5,9 @@
 #include "core/host/FolderListing.h"
 #include "core/tree/Paths.h"
 
-#include <cstdlib>
-
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace spacemint {
 

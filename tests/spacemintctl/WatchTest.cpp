@@ -130,8 +130,8 @@ TEST_F(WatchTest, saysOnceHowMoreFoldersCanBeWatched) {
 TEST_F(WatchTest, topNamesTheFileThatGrowsNow) {
   const std::string file = program.home() / "Music/new song";
   for (const bool isWatched : {false, true}) {
-    const std::unique_ptr<Program::Running> watch{
-        isWatched ? new Program::Running{program.begin({"watch"})} : nullptr};
+    const std::unique_ptr<Program::Running> watch{isWatched ? new Program::Running{program.begin({"watch"})}
+                                                            : nullptr};
     if (watch) watch->line();
     auto top = program.begin({"top", "--json"});
     EXPECT_THAT(top.line(), HasSubstr(R"("lines":[])"));

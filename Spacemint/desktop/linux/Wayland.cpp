@@ -1,6 +1,7 @@
 #include "Spacemint/desktop/linux/Wayland.h"
 
 #include <QGuiApplication>
+
 #include <wayland-client.h>
 
 #include <memory>
