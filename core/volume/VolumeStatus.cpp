@@ -19,7 +19,7 @@ std::optional<VolumeStatus> VolumeStatus::current(const std::string& path) {
 
 std::optional<VolumeStatus> VolumeStatus::from(const VolumeInfo& info) {
   if (!info.total) return std::nullopt;
-  return VolumeStatus{.name = info.name.value_or("Macintosh HD"),
+  return VolumeStatus{.name = info.name.value_or("System"),
                       .total = *info.total,
                       .free = info.availableForImportantUsage ? *info.availableForImportantUsage
                                                               : info.available.value_or(0)};

@@ -19,7 +19,7 @@ namespace {
 
 TEST(VolumeStatus, choosesTheFigureForFreeSpaceInOrder) {
   EXPECT_FALSE(VolumeStatus::from({.name = "x", .available = 5}));
-  EXPECT_EQ(VolumeStatus::from({.total = 9}), (VolumeStatus{"Macintosh HD", 9, 0}));
+  EXPECT_EQ(VolumeStatus::from({.total = 9}), (VolumeStatus{"System", 9, 0}));
   EXPECT_EQ(VolumeStatus::from({.name = "x", .total = 9, .available = 5}), (VolumeStatus{"x", 9, 5}));
   EXPECT_EQ(
       VolumeStatus::from({.name = "x", .total = 9, .availableForImportantUsage = 7, .available = 5})->free,
