@@ -69,11 +69,11 @@ bool setType(SearchQuery& query, std::string_view word) {
   return assign<FileKind>(query.kind, static_cast<FileKind>(row - fileKindRows.begin()));
 }
 
-struct Rule {
+struct Condition {
   std::string_view prefix;
   bool (*set)(SearchQuery& query, std::string_view value);
 };
-constexpr Rule rules[] = {
+constexpr Condition conditions[] = {
     {">", [](SearchQuery& query, std::string_view value) { return setSize(query.above, value); }},
     {"<", [](SearchQuery& query, std::string_view value) { return setSize(query.below, value); }},
     {"older:",
@@ -85,9 +85,9 @@ constexpr Rule rules[] = {
 
 // False if the word has the form of a condition, but says nothing, or what another word said already.
 bool add(SearchQuery& query, const Word& word) {
-  const auto* rule =
-      std::ranges::find_if(rules, [&](const Rule& each) { return word.text.starts_with(each.prefix); });
-  if (!word.isQuoted && rule != std::end(rules)) {
+  const auto* rule = std::ranges::find_if(
+      conditions, [&](const Condition& each) { return word.text.starts_with(each.prefix); });
+  if (!word.isQuoted && rule != std::end(conditions)) {
     return rule->set(query, std::string_view{word.text}.substr(rule->prefix.size()));
   }
   const bool isPattern = !word.isQuoted && word.text.find_first_of("*?") != std::string::npos;

@@ -12,7 +12,7 @@ namespace spacemint {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 // Keys of our own, which other programs ignore: how many files a folder's item for small things stands for,
 // and whether a folder is a git worktree.
@@ -25,12 +25,12 @@ std::int64_t unixSeconds(Date date) {
   return std::chrono::floor<std::chrono::seconds>(date.time_since_epoch()).count();
 }
 
-std::string dumped(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+std::string dumped(const OrderedJson& json) {
+  return json.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
-Json infoOf(const Node& node) {
-  Json info{{"name", withInvalidUtf8Replaced(node.name)}};
+OrderedJson infoOf(const Node& node) {
+  OrderedJson info{{"name", withInvalidUtf8Replaced(node.name)}};
   if (!node.isDirectory) info["dsize"] = node.size;
   if (node.modified) info["mtime"] = unixSeconds(*node.modified);
   if (node.isWorktree) info[worktreeKey] = true;
@@ -38,7 +38,7 @@ Json infoOf(const Node& node) {
 }
 
 // What the folder contains beyond its children.
-Json smallThingsOf(const Node& folder) {
+OrderedJson smallThingsOf(const Node& folder) {
   std::int64_t files = folder.fileCount;
   for (const Node& child : folder.children) {
     files = saturatingSubtract(files, child.isDirectory ? child.fileCount : 1);
@@ -56,7 +56,7 @@ void writeTree(const Node& root, std::string& text) {
   std::vector<Level> levels;
   const auto open = [&](const Node& folder) {
     text += '[' + dumped(infoOf(folder));
-    if (const Json rest = smallThingsOf(folder); !rest.is_null()) text += ",\n" + dumped(rest);
+    if (const OrderedJson rest = smallThingsOf(folder); !rest.is_null()) text += ",\n" + dumped(rest);
     levels.push_back({&folder});
   };
   open(root);
@@ -96,7 +96,7 @@ struct Info {
 };
 
 // An event-based parser (SAX): [major, minor, {header}, [{folder}, {file}, [{folder}, …], …]]
-class Reader final : public nlohmann::json_sax<Json> {
+class Reader final : public nlohmann::json_sax<OrderedJson> {
  public:
   NcduFormat::Imported result;
   std::string problem;
@@ -120,7 +120,7 @@ class Reader final : public nlohmann::json_sax<Json> {
     if (info_ && key_ == "progname") info_->program = std::move(text);
     return value();
   }
-  bool binary(Json::binary_t& /*value*/) override { return false; }
+  bool binary(OrderedJson::binary_t& /*value*/) override { return false; }
   bool key(std::string& name) override {
     if (ignored_ == 0) key_ = name;
     return true;
@@ -151,7 +151,7 @@ class Reader final : public nlohmann::json_sax<Json> {
     return true;
   }
   bool parse_error(std::size_t position, const std::string& /*token*/,
-                   const Json::exception& /*failure*/) override {
+                   const OrderedJson::exception& /*failure*/) override {
     return fail("no JSON at byte " + std::to_string(position));
   }
 
@@ -252,11 +252,11 @@ class Reader final : public nlohmann::json_sax<Json> {
 
 std::string NcduFormat::encode(const Snapshot& snapshot, std::string_view host,
                                std::string_view programVersion) {
-  const Json header{{"progname", "spacemint"},
-                    {"progver", std::string{programVersion}},
-                    {"timestamp", unixSeconds(snapshot.date)},
-                    {"host", withInvalidUtf8Replaced(host)},
-                    {minimumKey, snapshot.minNodeSize}};
+  const OrderedJson header{{"progname", "spacemint"},
+                           {"progver", std::string{programVersion}},
+                           {"timestamp", unixSeconds(snapshot.date)},
+                           {"host", withInvalidUtf8Replaced(host)},
+                           {minimumKey, snapshot.minNodeSize}};
   std::string text = "[1,2," + dumped(header) + ",\n";
   writeTree(snapshot.root, text);
   return text + "]\n";
@@ -267,7 +267,7 @@ std::expected<NcduFormat::Imported, Error> NcduFormat::decode(std::string_view t
   if (!isValidUtf8(text)) return decode(withInvalidUtf8Replaced(text));
   Reader reader;
   try {
-    const bool isRead = Json::sax_parse(text, &reader);
+    const bool isRead = OrderedJson::sax_parse(text, &reader);
     if (isRead && reader.isComplete()) return std::move(reader.result);
   } catch (const std::exception& exception) {
     reader.problem = exception.what();

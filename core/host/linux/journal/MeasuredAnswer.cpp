@@ -13,9 +13,9 @@ bool isUnknown(const FolderMap::Record& record) {
   return (record.flags & FolderMap::unknown) != 0;
 }
 
-class Answer {
+class AnswerTable {
  public:
-  Answer(const FolderMap& map, const JournalQuery& query, MeasuredFiles files)
+  AnswerTable(const FolderMap& map, const JournalQuery& query, MeasuredFiles files)
       : map_(map),
         query_(query),
         files_(std::move(files)) {}
@@ -121,7 +121,7 @@ class Answer {
 
 std::optional<MeasuredChanges> measuredAnswer(const FolderMap& map, const JournalQuery& query,
                                               MeasuredFiles files) {
-  return Answer{map, query, std::move(files)}.make();
+  return AnswerTable{map, query, std::move(files)}.make();
 }
 
 }  // namespace spacemint
