@@ -15,7 +15,7 @@ namespace {
 
 using Results = std::vector<SearchResult>;
 
-std::optional<Snapshot> scanFor(const BrowseOptions& options) {
+std::optional<Snapshot> scanOf(const BrowseOptions& options) {
   auto scan = storedScan(options.scan);
   if (scan) return std::move(*scan);
   complain(printable(scan.error().message));
@@ -75,7 +75,7 @@ int runFind(const FindOptions& options) {
     complain(printable(query.error().message) + "; \"spacemintctl find --help\" lists the words");
     return wrongUsage;
   }
-  const auto scan = scanFor(options);
+  const auto scan = scanOf(options);
   if (!scan) return failed;
   std::size_t count = 0;
   const std::size_t limit = options.print0 ? std::numeric_limits<std::size_t>::max() : options.top;
@@ -87,7 +87,7 @@ int runFind(const FindOptions& options) {
 }
 
 int runKinds(const BrowseOptions& options) {
-  const auto scan = scanFor(options);
+  const auto scan = scanOf(options);
   if (!scan) return failed;
   const auto totals = kindTotals(scan->root, FileKinds::ofThisSystem());
   const std::string locale = userLocale();

@@ -41,7 +41,7 @@ int fail(const Error& error) {
   return failed;
 }
 
-std::int64_t warningThreshold() {
+std::int64_t storedThreshold() {
   DefaultsStore store = DefaultsStore::standard();
   store.registerDefaults(registeredSettings());
   return store.integer(describe(Setting::warningThresholdGB).key).value_or(0);
@@ -70,7 +70,7 @@ const char* name(SpaceLevel level) {
 // Adds the current free space (not that at the time of the scan), the warning level and the scan's facts.
 void addHead(Findings& report, const Scene& scene) {
   const auto volume = VolumeStatus::current(startupVolume());
-  const std::int64_t thresholdGB = warningThreshold();
+  const std::int64_t thresholdGB = storedThreshold();
   if (volume) {
     report.text += volumeText(*volume, thresholdGB, scene);
     report.json["volume"] = {
