@@ -15,13 +15,6 @@ namespace spacemint::ctl {
 
 namespace {
 
-std::optional<Snapshot> scanFor(const BrowseOptions& options) {
-  auto scan = storedScan(options.scan);
-  if (scan) return std::move(*scan);
-  complain(printable(scan.error().message));
-  return std::nullopt;
-}
-
 Wording userWording() {
   return {.home = UserFolders::home(), .locale = userLocale()};
 }
@@ -96,7 +89,7 @@ std::expected<Findings, Error> largestFileFindings(const Scene& scene) {
 }
 
 int runFiles(const BrowseOptions& options) {
-  const auto snapshot = scanFor(options);
+  const auto snapshot = storedScanOrComplaint(options.scan);
   if (!snapshot) return failed;
   const auto files = snapshot->largestFiles(options.top);
   if (!options.json) return print(fileTable(files, userWording())) ? done : failed;
@@ -106,7 +99,7 @@ int runFiles(const BrowseOptions& options) {
 }
 
 int runFolders(const BrowseOptions& options) {
-  const auto snapshot = scanFor(options);
+  const auto snapshot = storedScanOrComplaint(options.scan);
   if (!snapshot) return failed;
   const std::string path = options.path.empty()
                                ? snapshot->rootPath()

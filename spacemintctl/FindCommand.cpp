@@ -15,13 +15,6 @@ namespace {
 
 using Results = std::vector<SearchResult>;
 
-std::optional<Snapshot> scanOf(const BrowseOptions& options) {
-  auto scan = storedScan(options.scan);
-  if (scan) return std::move(*scan);
-  complain(printable(scan.error().message));
-  return std::nullopt;
-}
-
 // The shell has already taken the quotes of a word with spaces away.
 std::string searchText(const std::vector<std::string>& words) {
   std::string text;
@@ -75,7 +68,7 @@ int runFind(const FindOptions& options) {
     complain(printable(query.error().message) + "; \"spacemintctl find --help\" lists the words");
     return wrongUsage;
   }
-  const auto scan = scanOf(options);
+  const auto scan = storedScanOrComplaint(options.scan);
   if (!scan) return failed;
   std::size_t count = 0;
   const std::size_t limit = options.print0 ? std::numeric_limits<std::size_t>::max() : options.top;
@@ -87,7 +80,7 @@ int runFind(const FindOptions& options) {
 }
 
 int runKinds(const BrowseOptions& options) {
-  const auto scan = scanOf(options);
+  const auto scan = storedScanOrComplaint(options.scan);
   if (!scan) return failed;
   const auto totals = kindTotals(scan->root, FileKinds::ofThisSystem());
   const std::string locale = userLocale();

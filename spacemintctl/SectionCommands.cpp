@@ -8,6 +8,7 @@
 #include "core/volume/VolumeStatus.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StoredScan.h"
 
 #include <utility>
@@ -41,12 +42,6 @@ int fail(const Error& error) {
   return failed;
 }
 
-std::int64_t storedThreshold() {
-  DefaultsStore store = DefaultsStore::standard();
-  store.registerDefaults(registeredSettings());
-  return store.integer(describe(Setting::warningThresholdGB).key).value_or(0);
-}
-
 std::string volumeText(const VolumeStatus& volume, std::int64_t thresholdGB, const Scene& scene) {
   const std::string text = shownSize(volume.free, scene) + " free of " + shownSize(volume.total, scene) +
                            " on " + printable(volume.name) + '\n';
@@ -70,7 +65,7 @@ const char* name(SpaceLevel level) {
 // Adds the current free space (not that at the time of the scan), the warning level and the scan's facts.
 void addHead(Findings& report, const Scene& scene) {
   const auto volume = VolumeStatus::current(startupVolume());
-  const std::int64_t thresholdGB = storedThreshold();
+  const std::int64_t thresholdGB = storedSettings().thresholdGB;
   if (volume) {
     report.text += volumeText(*volume, thresholdGB, scene);
     report.json["volume"] = {

@@ -45,6 +45,13 @@ std::string textOf(const Json& value) {
 
 }  // namespace
 
+StoredSettings storedSettings() {
+  DefaultsStore store = DefaultsStore::standard();
+  store.registerDefaults(registeredSettings());
+  return {.thresholdGB = store.integer(describe(Setting::warningThresholdGB).key).value_or(0),
+          .scope = scanScope(store.string(describe(Setting::scope).key).value_or(""))};
+}
+
 int listSettings(bool json) {
   const DefaultsStore store = settingsStore();
   Json object = Json::object();

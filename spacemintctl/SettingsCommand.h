@@ -1,8 +1,18 @@
 #pragma once
 
+#include "core/settings/Settings.h"
+
 #include <string>
 
 namespace spacemint::ctl {
+
+/// The settings that answers depend on, as they are stored or by default.
+struct StoredSettings {
+  std::int64_t thresholdGB = 0;
+  ScanScope scope = ScanScope::home;
+};
+
+StoredSettings storedSettings();
 
 /// Prints all settings with their values; returns the exit code.
 int listSettings(bool json);

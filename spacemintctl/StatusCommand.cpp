@@ -13,6 +13,7 @@
 #include "spacemintctl/Console.h"
 #include "spacemintctl/FreeSpaceText.h"
 #include "spacemintctl/ScanCommand.h"
+#include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StoredScan.h"
 
 #include <nlohmann/json.hpp>
@@ -121,18 +122,6 @@ Facts volumeFacts(const VolumeStatus& volume, const std::string& mountPoint) {
           heldBackFact(space),
           {"usedFraction", volume.usedFraction(), "", ""},
           {"fullDiskAccess", Permissions::hasFullDiskAccess(), "", ""}};
-}
-
-struct StoredSettings {
-  std::int64_t thresholdGB = 0;
-  ScanScope scope = ScanScope::home;
-};
-
-StoredSettings storedSettings() {
-  DefaultsStore store = DefaultsStore::standard();
-  store.registerDefaults(registeredSettings());
-  return {.thresholdGB = store.integer(describe(Setting::warningThresholdGB).key).value_or(0),
-          .scope = scanScope(store.string(describe(Setting::scope).key).value_or(""))};
 }
 
 Fact levelFact(const VolumeStatus& volume, std::int64_t thresholdGB) {

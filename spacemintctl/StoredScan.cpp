@@ -60,6 +60,13 @@ std::expected<Snapshot, Error> storedScan(std::string_view date) {
   return scanAmong(storedScans(), date);
 }
 
+std::optional<Snapshot> storedScanOrComplaint(std::string_view date) {
+  auto scan = storedScan(date);
+  if (scan) return std::move(*scan);
+  complain(printable(scan.error().message));
+  return std::nullopt;
+}
+
 std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::string_view date) {
   return scanAmong(store.entries(currentTime()), date);
 }

@@ -4,6 +4,7 @@
 #include "core/history/SnapshotStore.h"
 
 #include <expected>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ std::vector<SnapshotStore::Entry> storedScans();
 std::expected<Snapshot, Error> storedScan(std::string_view date);
 /// Like the function above, among the scans of one store.
 std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::string_view date);
+
+/// Like `storedScan`, but prints the reason on standard error where there is no such scan.
+std::optional<Snapshot> storedScanOrComplaint(std::string_view date);
 
 /// True if `date` matches a scan made at `scanned`.
 bool namesScan(std::string_view date, Date scanned);

@@ -53,12 +53,8 @@ bool exportScan(const Snapshot& snapshot, const std::string& file) {
 }
 
 int runExport(const ExportOptions& options) {
-  const auto scan = storedScan(options.scan);
-  if (!scan) {
-    complain(printable(scan.error().message));
-    return failed;
-  }
-  return exportScan(*scan, options.file) ? done : failed;
+  const auto scan = storedScanOrComplaint(options.scan);
+  return scan && exportScan(*scan, options.file) ? done : failed;
 }
 
 int runImport(const ImportOptions& options) {

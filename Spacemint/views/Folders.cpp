@@ -34,10 +34,6 @@ Folder findFolder(const Snapshot& snapshot, const std::optional<std::string>& wa
   return found;
 }
 
-double share(Bytes part, Bytes whole) {
-  return whole > 0 ? static_cast<double>(part) / static_cast<double>(whole) : 0;
-}
-
 std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
   std::vector<ListItem> items;
   items.reserve(folder.node->children.size() + 1);
@@ -47,7 +43,7 @@ std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
                      .path = std::move(path),
                      .size = child.size,
                      .isDirectory = child.isDirectory,
-                     .fraction = share(child.size, folder.node->size),
+                     .fraction = ShownText::share(child.size, folder.node->size),
                      .showsChevron = child.isDirectory,
                      .canTrash = true});
   }
@@ -56,7 +52,7 @@ std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
                      .size = rest,
                      .title = FolderText::smallItems(!items.empty(), host.locale),
                      .symbol = "doc",
-                     .fraction = share(rest, folder.node->size)});
+                     .fraction = ShownText::share(rest, folder.node->size)});
   }
   return items;
 }

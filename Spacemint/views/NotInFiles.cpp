@@ -25,10 +25,6 @@ bool isShown(const AccountLine& line, bool isWhole) {
          (line.part != AccountPart::rest || isWhole);
 }
 
-double shareOfTotal(Bytes part, Bytes whole) {
-  return whole < 1 ? 0 : std::clamp(static_cast<double>(part) / static_cast<double>(whole), 0.0, 1.0);
-}
-
 std::string sizeText(std::optional<Bytes> size, const std::string& locale) {
   return size ? ByteFormat::string(*size, locale) : "";
 }
@@ -89,8 +85,8 @@ void NotInFiles::show(const Account& account) {
   size_ = ShownText::plain(ByteFormat::string(known, locale));
   sum_ = ShownText::sentence(AccountText::sum(account, locale));
   const Bytes total = account.space.total;
-  shares_ = {shareOfTotal(account.scanned.files, total), shareOfTotal(known, total),
-             account.scanned.isWhole ? 0 : shareOfTotal(account.rest, total)};
+  shares_ = {ShownText::share(account.scanned.files, total), ShownText::share(known, total),
+             account.scanned.isWhole ? 0 : ShownText::share(account.rest, total)};
   auto lines = AccountText::lines(account, host_.home, locale, host_.desktop.clock.now());
   std::erase_if(lines, [&](const AccountLine& line) { return !isShown(line, account.scanned.isWhole); });
   std::ranges::sort(lines, {},

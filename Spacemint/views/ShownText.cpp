@@ -4,6 +4,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace spacemint {
 
 QString ShownText::plain(std::string_view text) {
@@ -18,6 +20,10 @@ QString ShownText::sentence(std::string_view text) {
 
 std::string ShownText::counted(long long count, std::string_view noun, const std::string& locale) {
   return groupedNumber(count, locale) + " " + std::string{noun} + (count == 1 ? "" : "s");
+}
+
+double ShownText::share(Bytes part, Bytes whole) {
+  return whole < 1 ? 0 : std::clamp(static_cast<double>(part) / static_cast<double>(whole), 0.0, 1.0);
 }
 
 }  // namespace spacemint

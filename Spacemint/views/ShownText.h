@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/base/Bytes.h"
+
 #include <QString>
 
 #include <string>
@@ -18,6 +20,9 @@ QString plain(std::string_view text);
 
 /// A sentence in which a line never breaks between a figure and its unit: "1.2 GB" has a no-break space.
 QString sentence(std::string_view text);
+
+/// `part` as a share of `whole` for a bar, between 0 and 1; 0 if `whole` is below 1.
+double share(Bytes part, Bytes whole);
 
 /// A count with its noun, such as "1 file" or "600,000 files".
 std::string counted(long long count, std::string_view noun, const std::string& locale);
