@@ -11,8 +11,9 @@
 
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <iostream>
-#include <iterator>
 
 namespace spacemint::ctl {
 
@@ -29,7 +30,13 @@ std::string hostName() {
 
 std::expected<std::string, Error> textFrom(const std::string& file) {
   if (file != "-") return readFile(file, largestImport);
-  return std::string{std::istreambuf_iterator<char>{std::cin}, {}};
+  std::string text;
+  std::array<char, 65'536> part{};
+  while (std::cin.read(part.data(), part.size()) || std::cin.gcount() > 0) {
+    text.append(part.data(), static_cast<std::size_t>(std::cin.gcount()));
+    if (text.size() > largestImport) return std::unexpected(systemError("standard input", EFBIG));
+  }
+  return text;
 }
 
 std::string heading(const NcduFormat::Imported& imported, const std::string& locale) {
