@@ -15,7 +15,7 @@
 namespace spacemint {
 namespace {
 
-constexpr off_t MB = 1'048'576;
+constexpr off_t MiB = 1'048'576;
 
 TEST(ProcText, findsDeletedFilesInAnyText) {
   EXPECT_EQ(deletedPath("/home/ann/a (deleted) (deleted)"), "/home/ann/a (deleted)");
@@ -51,7 +51,7 @@ TEST(DeletedFiles, areFoundOnceWithEveryProgramThatKeepsThem) {
   const std::string shared = folder / "log (deleted)";
   for (const std::string& path :
        {shared, folder / "library", folder / "linked", folder / "there (deleted)"}) {
-    ASSERT_TRUE(support::allocateFile(path, 3 * MB));
+    ASSERT_TRUE(support::allocateFile(path, 3 * MiB));
   }
   std::filesystem::create_hard_link(folder / "linked", folder / "other name");
   const support::HoldingProcess first{[&] {
@@ -74,8 +74,8 @@ TEST(DeletedFiles, areFoundOnceWithEveryProgramThatKeepsThem) {
   const DeletedFiles deleted = deletedFilesInUse();
   const DeletedFile* log = fileAt(deleted, shared);
   ASSERT_NE(log, nullptr);
-  EXPECT_GE(log->size, 3 * MB);
-  EXPECT_LT(log->size, 4 * MB);
+  EXPECT_GE(log->size, 3 * MiB);
+  EXPECT_LT(log->size, 4 * MiB);
   std::vector<RunningProgram> both{{first.pid(), "first \xff"}, {second.pid(), "second"}};
   std::ranges::sort(both);
   EXPECT_EQ(log->programs, both);
@@ -92,7 +92,7 @@ TEST(DeletedFiles, areFoundOnceWithEveryProgramThatKeepsThem) {
 TEST(DeletedFiles, ofOthersAreRefusedAndCounted) {
   if (geteuid() != 0) GTEST_SKIP() << "needs root to become another user";
   const support::TemporaryFolder folder;
-  ASSERT_TRUE(support::allocateFile(folder / "secret", MB));
+  ASSERT_TRUE(support::allocateFile(folder / "secret", MiB));
   const support::HoldingProcess other{[&] { holdOpen(folder / "secret"); }};
   std::filesystem::remove(folder / "secret");
   ASSERT_NE(fileAt(deletedFilesInUse(), folder / "secret"), nullptr);
