@@ -79,7 +79,7 @@ int runFind(const FindOptions& options) {
   return print(answer) ? done : failed;
 }
 
-int runKinds(const BrowseOptions& options) {
+int runKinds(const ListOptions& options) {
   const auto scan = storedScanOrComplaint(options.scan);
   if (!scan) return failed;
   const auto totals = kindTotals(scan->root, FileKinds::ofThisSystem());

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "spacemintctl/BrowseCommands.h"
+#include "spacemintctl/ListCommands.h"
 
 #include <string>
 #include <vector>
 
 namespace spacemint::ctl {
 
-struct FindOptions : BrowseOptions {
+struct FindOptions : ListOptions {
   std::vector<std::string> words;
   /// Print only the paths, each with a null byte behind it, all of them.
   bool print0 = false;
@@ -17,6 +17,6 @@ struct FindOptions : BrowseOptions {
 int runFind(const FindOptions& options);
 
 /// Runs `spacemintctl kinds` and returns the exit code.
-int runKinds(const BrowseOptions& options);
+int runKinds(const ListOptions& options);
 
 }  // namespace spacemint::ctl

@@ -1,10 +1,10 @@
 #include "core/history/Migration.h"
-#include "spacemintctl/BrowseCommands.h"
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/ExplainCommand.h"
 #include "spacemintctl/FindCommand.h"
 #include "spacemintctl/HistoryCommand.h"
+#include "spacemintctl/ListCommands.h"
 #include "spacemintctl/ScanCommand.h"
 #include "spacemintctl/SectionCommands.h"
 #include "spacemintctl/SettingsCommand.h"
@@ -113,7 +113,7 @@ void addTop(CLI::App* command, std::size_t& top) {
       ->capture_default_str();
 }
 
-CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, BrowseOptions& options) {
+CLI::App* addList(CLI::App& app, const char* name, const char* description, ListOptions& options) {
   CLI::App* command = app.add_subcommand(name, description);
   addScanDate(command, options.scan);
   addTop(command, options.top);
@@ -122,13 +122,12 @@ CLI::App* addBrowsing(CLI::App& app, const char* name, const char* description, 
 }
 
 void addFilesAndFolders(CLI::App& app, Action& action) {
-  static BrowseOptions files;
-  addBrowsing(app, "files", "Show the largest files of the newest scan", files)->callback([&] {
+  static ListOptions files;
+  addList(app, "files", "Show the largest files of the newest scan", files)->callback([&] {
     action = [] { return runFiles(files); };
   });
-  static BrowseOptions folders;
-  CLI::App* command =
-      addBrowsing(app, "folders", "Show the contents of a folder in the newest scan", folders);
+  static ListOptions folders;
+  CLI::App* command = addList(app, "folders", "Show the contents of a folder in the newest scan", folders);
   command->add_option("PATH", folders.path, "The folder; the root of the scan by default");
   command->callback([&] { action = [] { return runFolders(folders); }; });
 }
@@ -136,7 +135,7 @@ void addFilesAndFolders(CLI::App& app, Action& action) {
 void addFind(CLI::App& app, Action& action) {
   static FindOptions find;
   CLI::App* command =
-      addBrowsing(app, "find", "Find files and folders of the newest scan by name, size, age or kind", find);
+      addList(app, "find", "Find files and folders of the newest scan by name, size, age or kind", find);
   command
       ->add_option(
           "WORDS", find.words,
@@ -149,7 +148,7 @@ void addFind(CLI::App& app, Action& action) {
                  "Print all paths, each with a null byte behind it, for \"xargs -0\"")
       ->excludes("--json");
   command->callback([&] { action = [] { return runFind(find); }; });
-  static BrowseOptions kinds;
+  static ListOptions kinds;
   CLI::App* list = app.add_subcommand("kinds", "Show which kinds of files fill the disk");
   addScanDate(list, kinds.scan);
   list->add_flag("--json", kinds.json, "Print JSON");
@@ -167,14 +166,12 @@ void addTransfer(CLI::App& app, Action& action) {
   command->add_option("FILE", out.file, "The file; standard output by default");
   command->callback([&] { action = [] { return runExport(out); }; });
   static ImportOptions in;
-  CLI::App* import = app.add_subcommand("import", "Show a scan that was exported, also on another computer");
-  import->add_option("FILE", in.file, "The file; \"-\" reads standard input")->required();
-  addTop(import, in.top);
-  import->add_flag("--json", in.json, "Print the whole scan as one JSON object");
-  import->callback([&] { action = [] { return runImport(in);
-};
-}  // namespace
-);
+  CLI::App* incoming =
+      app.add_subcommand("import", "Show a scan that was exported, also on another computer");
+  incoming->add_option("FILE", in.file, "The file; \"-\" reads standard input")->required();
+  addTop(incoming, in.top);
+  incoming->add_flag("--json", in.json, "Print the whole scan as one JSON object");
+  incoming->callback([&] { action = [] { return runImport(in); }; });
 }
 
 CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options, const char* scanNames = "--scan") {

@@ -1,4 +1,4 @@
-#include "spacemintctl/BrowseCommands.h"
+#include "spacemintctl/ListCommands.h"
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Unicode.h"
@@ -88,7 +88,7 @@ std::expected<Findings, Error> largestFileFindings(const Scene& scene) {
       .text = fileTable(files, scene.wording), .json = std::move(list), .isWorthReporting = !files.empty()};
 }
 
-int runFiles(const BrowseOptions& options) {
+int runFiles(const ListOptions& options) {
   const auto snapshot = storedScanOrComplaint(options.scan);
   if (!snapshot) return failed;
   const auto files = snapshot->largestFiles(options.top);
@@ -98,7 +98,7 @@ int runFiles(const BrowseOptions& options) {
   return print(list.dump() + '\n') ? done : failed;
 }
 
-int runFolders(const BrowseOptions& options) {
+int runFolders(const ListOptions& options) {
   const auto snapshot = storedScanOrComplaint(options.scan);
   if (!snapshot) return failed;
   const std::string path = options.path.empty()

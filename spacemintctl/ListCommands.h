@@ -6,7 +6,7 @@
 namespace spacemint::ctl {
 
 /// Options of the commands "files" and "folders".
-struct BrowseOptions {
+struct ListOptions {
   /// The date of the stored scan, as for `storedScan`; empty for the newest scan.
   std::string scan;
   /// The folder to list; empty for the root of the scan.
@@ -16,9 +16,9 @@ struct BrowseOptions {
 };
 
 /// Prints the largest files of a stored scan; returns the exit code.
-int runFiles(const BrowseOptions& options);
+int runFiles(const ListOptions& options);
 
 /// Prints the contents of a folder in a stored scan, largest first; returns the exit code.
-int runFolders(const BrowseOptions& options);
+int runFolders(const ListOptions& options);
 
 }  // namespace spacemint::ctl
