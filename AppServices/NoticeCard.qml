@@ -11,6 +11,8 @@ Card {
     /// The titles of the buttons. A button without a title is not shown.
     property string primary
     property string secondary
+    /// The tool tip of the button that closes the card.
+    property string closeHelp
     signal closed
     signal primaryChosen
     signal secondaryChosen
@@ -38,7 +40,7 @@ Card {
             Layout.alignment: Qt.AlignTop
             symbol: "xmark"
             size: 12
-            help: "Close"
+            help: card.closeHelp
             onClicked: card.closed()
         }
     }

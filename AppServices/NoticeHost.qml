@@ -46,6 +46,7 @@ Item {
         body: host.notices ? host.notices.body : ""
         primary: host.notices ? host.notices.primary : ""
         secondary: host.notices ? host.notices.secondary : ""
+        closeHelp: host.notices ? host.notices.closeHelp : ""
         onClosed: host.notices.dismiss()
         onPrimaryChosen: host.notices.choosePrimary()
         onSecondaryChosen: host.notices.chooseSecondary()

@@ -22,6 +22,7 @@ class Notices : public QObject {
   Q_PROPERTY(QString body READ body NOTIFY currentChanged)
   Q_PROPERTY(QString primary READ primary NOTIFY currentChanged)
   Q_PROPERTY(QString secondary READ secondary NOTIFY currentChanged)
+  Q_PROPERTY(QString closeHelp READ closeHelp CONSTANT)
  public:
   /// The referenced objects outlive the notices.
   struct Host {
@@ -59,6 +60,7 @@ class Notices : public QObject {
   QString body() const { return QString::fromStdString(text_.body); }
   QString primary() const { return QString::fromStdString(text_.primary); }
   QString secondary() const { return QString::fromStdString(text_.secondary); }
+  static QString closeHelp() { return QStringLiteral("Close"); }
 
  Q_SIGNALS:
   void currentChanged();

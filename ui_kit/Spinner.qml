@@ -5,12 +5,14 @@ Symbol {
     id: root
 
     property bool running: true
+    /// What runs, for screen readers.
+    property string what
 
     symbol: "progress"
     color: Theme.secondary
     Accessible.ignored: false
     Accessible.role: Accessible.Animation
-    Accessible.name: "Working"
+    Accessible.name: what
 
     RotationAnimation on rotation {
         running: root.running && Theme.isSeen(root) && !Theme.reducedMotion

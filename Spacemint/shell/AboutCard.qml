@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// Says what the product is, and which keys it understands.
 FocusScope {
@@ -19,7 +20,7 @@ FocusScope {
 
     focus: true
     Accessible.role: Accessible.Dialog
-    Accessible.name: "About " + name
+    Accessible.name: Words.aboutProduct(name)
     Keys.onEscapePressed: closed()
 
     Rectangle {
@@ -68,7 +69,7 @@ FocusScope {
             Label {
                 Layout.fillWidth: true
                 horizontalAlignment: Text.AlignHCenter
-                text: "Version " + root.version
+                text: Words.version(root.version)
                 size: 12
                 color: Theme.secondary
             }
@@ -77,7 +78,7 @@ FocusScope {
                 Layout.topMargin: 6
                 horizontalAlignment: Text.AlignHCenter
                 wrapMode: Text.Wrap
-                text: "Watches free space and says what takes it. Free software under the MIT licence."
+                text: Words.aboutLine
                 size: 12
                 color: Theme.secondary
             }
@@ -123,7 +124,7 @@ FocusScope {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 10
                 focus: true
-                text: "Close"
+                text: Words.close
                 onClicked: root.closed()
             }
         }

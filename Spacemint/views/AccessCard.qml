@@ -15,7 +15,7 @@ ActionCard {
     ink: Theme.lavenderInk
 
     SecondaryButtonStyle {
-        text: "Open Settings"
+        text: Words.openSettings
         onClicked: root.ui.overview.openAccessSettings()
     }
 }

@@ -28,7 +28,7 @@ Column {
             width: root.width
             height: Theme.scaled(28)
             Accessible.role: Accessible.ListItem
-            Accessible.name: title + (subtitle ? ", " + subtitle : "") + (sizeText ? ", " + sizeText : "")
+            Accessible.name: Words.spoken([title, subtitle, sizeText])
 
             RowLayout {
                 anchors {

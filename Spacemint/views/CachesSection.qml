@@ -15,7 +15,7 @@ ColumnLayout {
     SectionHeader {
         id: header
 
-        title: "Leftover caches and build files"
+        title: Words.caches
     }
     StatusCard {
         text: root.caches.text

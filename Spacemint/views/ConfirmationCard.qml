@@ -92,7 +92,7 @@ FocusScope {
 
                     Layout.fillHeight: true
                     focus: true
-                    text: "Cancel"
+                    text: Words.cancel
                     onClicked: root.ui.confirmation.dismiss()
                 }
                 PrimaryButtonStyle {

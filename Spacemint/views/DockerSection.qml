@@ -17,7 +17,7 @@ ColumnLayout {
     spacing: 10
 
     SectionHeader {
-        title: "Unused Docker data"
+        title: Words.docker
     }
     StatusCard {
         text: root.docker.text
@@ -81,6 +81,7 @@ ColumnLayout {
                         anchors.rightMargin: prune.isBusy ? 10 : 0
                         anchors.verticalCenter: parent.verticalCenter
                         visible: prune.isBusy
+                        what: Words.working
                         width: prune.isBusy ? size : 0
                         size: 14
                     }

@@ -14,7 +14,7 @@ ColumnLayout {
     SectionHeader {
         Layout.margins: 20
         Layout.bottomMargin: 10
-        title: "Largest files"
+        title: Words.largestFiles
     }
     Placeholder {
         Layout.leftMargin: 20
@@ -25,7 +25,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.fillHeight: true
         rows: root.ui.files.largest
-        name: "Largest files"
+        name: Words.largestFiles
         focus: true
     }
 }

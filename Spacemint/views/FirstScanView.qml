@@ -39,7 +39,7 @@ Item {
         }
         Label {
             Layout.fillWidth: true
-            text: "Taking stock of your disk…"
+            text: Words.firstScanTitle
             font: Theme.display(24)
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
@@ -52,7 +52,7 @@ Item {
         }
         Label {
             Layout.fillWidth: true
-            text: "This first scan runs quietly and takes a few minutes."
+            text: Words.firstScanLine
             size: 12
             color: Theme.secondary
             horizontalAlignment: Text.AlignHCenter
@@ -60,7 +60,7 @@ Item {
         }
         SecondaryButtonStyle {
             Layout.alignment: Qt.AlignHCenter
-            text: "Stop"
+            text: Words.stop
             onClicked: root.ui.scan.stop()
         }
     }

@@ -45,7 +45,7 @@ RowLayout {
         Layout.rightMargin: 20
         Layout.topMargin: 10
         Layout.bottomMargin: 10
-        text: root.ui.scan.scanning ? "Stop" : "Scan now"
+        text: root.ui.scan.scanning ? Words.stop : Words.scanNow
         symbol: root.ui.scan.scanning ? "" : "arrow.clockwise"
         onClicked: root.ui.scan.scanning ? root.ui.scan.stop() : root.ui.scan.scan()
     }

@@ -16,7 +16,7 @@ ColumnLayout {
     SectionHeader {
         id: header
 
-        title: "Cached Hugging Face models"
+        title: Words.huggingFace
     }
     SectionRows {
         rows: root.huggingFace

@@ -60,8 +60,8 @@ FocusScope {
     implicitWidth: 300
     implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
     Accessible.role: Accessible.ListItem
-    Accessible.name: sizeText ? `${title}, ${sizeText}` : title
-    Accessible.description: unfolds ? `${subtitle ? subtitle + ", " : ""}${isUnfolded ? "open" : "closed"}` : subtitle
+    Accessible.name: Words.spoken([title, sizeText])
+    Accessible.description: unfolds ? Words.spokenUnfolding(subtitle, isUnfolded) : subtitle
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Accessible.onPressAction: open()
@@ -127,6 +127,9 @@ FocusScope {
                 anchors.centerIn: parent
                 view: "qrc:/qt/qml/Spacemint/UiKit/Spinner.qml"
                 wanted: root.isBusy
+                properties: ({
+                        what: Words.working
+                    })
             }
         }
         Item {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// A message about what happened, with a button to dismiss it.
 Rectangle {
@@ -59,7 +60,7 @@ Rectangle {
             Layout.row: 0
             Layout.column: 2
             symbol: "xmark"
-            help: "Dismiss"
+            help: Words.dismiss
             size: 13
             onClicked: root.dismissed()
         }

@@ -19,7 +19,7 @@ Column {
     QuietButtonStyle {
         anchors.horizontalCenter: parent.horizontalCenter
         visible: !root.isShown
-        text: "Show what is not in files"
+        text: Words.showNotInFiles
         onClicked: {
             root.isOpened = true;
             root.account.refresh();
@@ -28,7 +28,7 @@ Column {
     SectionHeader {
         width: parent.width
         visible: root.isShown
-        title: "Not in files"
+        title: Words.notInFiles
 
         Label {
             visible: text

@@ -16,7 +16,7 @@ ColumnLayout {
     SectionHeader {
         id: header
 
-        title: "Local Ollama models"
+        title: Words.ollama
     }
     StatusCard {
         text: root.ollama.text

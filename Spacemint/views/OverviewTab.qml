@@ -34,7 +34,7 @@ ScrollColumn {
         spacing: 10
 
         SectionHeader {
-            title: "Growing now"
+            title: Words.growingNow
 
             Label {
                 visible: text
@@ -51,20 +51,20 @@ ScrollColumn {
             RowList {
                 Layout.fillWidth: true
                 rows: root.overview.growing
-                name: "Growing now"
+                name: Words.growingNow
                 sizeColor: Theme.amberInk
             }
         }
     }
 
     SectionHeader {
-        title: "What changed"
+        title: Words.whatChanged
 
         Picker {
             visible: root.overview.baselines.length > 0
             model: root.overview.baselines
             currentIndex: root.overview.baselineIndex
-            Accessible.name: "Compared with the scan of"
+            Accessible.name: Words.comparedWith
             onActivated: index => root.overview.chooseBaseline(index)
         }
     }
@@ -88,7 +88,7 @@ ScrollColumn {
         RowList {
             Layout.fillWidth: true
             rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
-            name: "What changed"
+            name: Words.whatChanged
             sizeColor: Theme.amberInk
         }
         QuietButtonStyle {
@@ -103,7 +103,7 @@ ScrollColumn {
 
     SectionHeader {
         Layout.topMargin: 10
-        title: "Where to free up space"
+        title: Words.whereToFree
     }
     AccessCard {
         ui: root.ui
@@ -113,7 +113,7 @@ ScrollColumn {
         items: root.overview.trash
         row: RemovalCard {
             rows: root.overview.trash
-            revealTitle: "Show contents"
+            revealTitle: Words.showContents
         }
     }
     CardList {

@@ -39,6 +39,11 @@ QString Page::accessTitle() const {
   return ShownText::plain(hasAccess() ? PlatformWords::accessIsComplete : PlatformWords::foldersAreClosed);
 }
 
+QString Page::accessLine() const {
+  return hasAccess() ? QStringLiteral("Spacemint can see your whole disk.")
+                     : QStringLiteral("Some sizes will be too small.");
+}
+
 QString Page::message() const {
   return ShownText::sentence(host_.model.messages().message().value_or(""));
 }

@@ -18,6 +18,7 @@ class Page : public QObject {
   Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY showingSettingsChanged)
   Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY hasAccessChanged)
   Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY hasAccessChanged)
+  Q_PROPERTY(QString accessLine READ accessLine NOTIFY hasAccessChanged)
   Q_PROPERTY(QString message READ message NOTIFY messageChanged)
   /// The title of the message's button; empty if it has none.
   Q_PROPERTY(QString messageAction READ messageAction NOTIFY messageChanged)
@@ -39,6 +40,8 @@ class Page : public QObject {
   void setShowingSettings(bool isShowing) { host_.model.setShowingSettings(isShowing); }
   bool hasAccess() const { return host_.model.hasFullDiskAccess(); }
   QString accessTitle() const;
+  /// What that means for the sizes.
+  QString accessLine() const;
   QString message() const;
   QString messageAction() const;
 

@@ -91,25 +91,23 @@ QStringList SettingsForm::itemColours() const {
   return titles(itemColourChoices);
 }
 
-QString SettingsForm::itemHelp() const {
-  if (!host_.desktop.statusItem.opensMenuOnClick()) return {};
-  return QStringLiteral(
-      "In GNOME's top bar, a click opens the item's menu and a double click opens the panel.");
-}
-
 QString SettingsForm::scanFootnote() const {
   return ShownText::plain(
       SettingsText::scanFootnote(host_.model.hasFullDiskAccess(), host_.model.scans().whyFull()));
 }
 
-QString SettingsForm::usageFootnote() const {
-  if (host_.usage == nullptr) return {};
-  return ShownText::plain("Once a day, Spacemint tells us it's in use, with its version and " +
-                          std::string{PlatformWords::systemVersion} + ". Nothing about you or your files.");
-}
-
-QString SettingsForm::freeSpaceTitle() {
-  return QStringLiteral("Show free space in the status area");
+QString SettingsForm::generalFootnote() const {
+  QStringList lines;
+  if (host_.desktop.statusItem.opensMenuOnClick()) {
+    lines << QStringLiteral(
+        "In GNOME's top bar, a click opens the item's menu and a double click opens the panel.");
+  }
+  if (host_.usage != nullptr) {
+    lines << ShownText::plain("Once a day, Spacemint tells us it's in use, with its version and " +
+                              std::string{PlatformWords::systemVersion} +
+                              ". Nothing about you or your files.");
+  }
+  return lines.join(u'\n');
 }
 
 void SettingsForm::chooseThreshold(int index) {
@@ -132,16 +130,17 @@ void SettingsForm::choosePresence(int index) {
 }
 
 void SettingsForm::updateVolumes() {
-  QStringList names;
+  QStringList titles;
   std::vector<std::string> mountPoints;
   for (const VolumeReading& reading : host_.model.volume().volumes()) {
     if (reading.volume.holdsHome || !mayWarnAbout(reading)) continue;
     const std::string& mountPoint = reading.volume.mountPoint();
-    names << ShownText::plain(isolatedName(reading.volume.name) + " (" + isolatedPath(mountPoint) + ")");
+    titles << ShownText::plain("Also watch " + isolatedName(reading.volume.name) + " (" +
+                               isolatedPath(mountPoint) + ")");
     mountPoints.push_back(mountPoint);
   }
-  if (names == volumes_ && mountPoints == mountPoints_) return;
-  volumes_ = std::move(names);
+  if (titles == watchTitles_ && mountPoints == mountPoints_) return;
+  watchTitles_ = std::move(titles);
   mountPoints_ = std::move(mountPoints);
   Q_EMIT changed();
   Q_EMIT volumesChanged();

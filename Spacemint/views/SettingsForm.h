@@ -52,12 +52,10 @@ class SettingsForm : public QObject {
   Q_PROPERTY(int presence READ presence NOTIFY changed)
   Q_PROPERTY(QStringList itemColours READ itemColours CONSTANT)
   Q_PROPERTY(int itemColour READ itemColour NOTIFY changed)
-  /// How the status item is used, where it is not by one click; otherwise empty.
-  Q_PROPERTY(QString itemHelp READ itemHelp CONSTANT)
   Q_PROPERTY(bool showsFreeSpace READ showsFreeSpace NOTIFY changed)
-  /// The volumes besides the home folder's that the user can be warned about: name and mount point.
-  Q_PROPERTY(QStringList volumes READ volumes NOTIFY volumesChanged)
-  /// Whether the user is warned about each of `volumes`.
+  /// The titles of the switches of the volumes besides the home folder's that the user can be warned about.
+  Q_PROPERTY(QStringList watchTitles READ watchTitles NOTIFY volumesChanged)
+  /// Whether the user is warned about each of these volumes.
   Q_PROPERTY(QList<bool> watched READ watched NOTIFY changed)
   Q_PROPERTY(bool notificationsAllowed READ notificationsAllowed NOTIFY notificationsAllowedChanged)
   Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY scanFootnoteChanged)
@@ -68,8 +66,8 @@ class SettingsForm : public QObject {
   Q_PROPERTY(spacemint::Usage* usage READ usage CONSTANT)
   Q_PROPERTY(spacemint::Updates* updates READ updates CONSTANT)
   Q_PROPERTY(QString warningFootnote READ warningFootnote CONSTANT)
-  Q_PROPERTY(QString usageFootnote READ usageFootnote CONSTANT)
-  Q_PROPERTY(QString freeSpaceTitle READ freeSpaceTitle CONSTANT)
+  /// How the status item is used, where it is not by one click, and what a usage report contains.
+  Q_PROPERTY(QString generalFootnote READ generalFootnote CONSTANT)
   Q_PROPERTY(bool sharesUsage READ sharesUsage NOTIFY sharesUsageChanged)
  public:
   explicit SettingsForm(const UiHost& host);
@@ -84,15 +82,13 @@ class SettingsForm : public QObject {
   int presence() const { return static_cast<int>(prefs().presence()); }
   QStringList itemColours() const;
   int itemColour() const { return static_cast<int>(prefs().itemColour()); }
-  QString itemHelp() const;
   bool showsFreeSpace() const { return prefs().showFreeSpaceInMenuBar(); }
-  const QStringList& volumes() const { return volumes_; }
+  const QStringList& watchTitles() const { return watchTitles_; }
   QList<bool> watched() const;
   bool notificationsAllowed() const { return host_.model.warnings().notificationsAllowed(); }
   static QString warningFootnote();
   QString scanFootnote() const;
-  QString usageFootnote() const;
-  static QString freeSpaceTitle();
+  QString generalFootnote() const;
   bool launchesAtLogin() const { return host_.loginItem != nullptr && host_.loginItem->isEnabled(); }
   const QString& loginError() const { return loginError_; }
   Usage* usage() const { return host_.usage; }
@@ -133,7 +129,7 @@ class SettingsForm : public QObject {
 
   const UiHost& host_;
   Preferences::Subscription subscription_;
-  QStringList volumes_;
+  QStringList watchTitles_;
   std::vector<std::string> mountPoints_;
   QString loginError_;
 };

@@ -28,11 +28,11 @@ Rectangle {
 
             IconButton {
                 symbol: "chevron.left"
-                help: "Back"
+                help: Words.back
                 onClicked: root.ui.page.showingSettings = false
             }
             Label {
-                text: "Settings"
+                text: Words.settings
                 size: 15
                 weight: Font.DemiBold
                 Accessible.role: Accessible.Heading
@@ -48,21 +48,21 @@ Rectangle {
             spacing: 12
 
             SettingsSection {
-                title: "Warning"
+                title: Words.warning
                 footnote: root.form.warningFootnote
 
                 SettingsRow {
-                    title: "Warn me below"
+                    title: Words.warnBelow
 
                     Picker {
                         model: root.form.thresholds
                         currentIndex: root.form.threshold
-                        Accessible.name: "Warn me below"
+                        Accessible.name: Words.warnBelow
                         onActivated: index => root.form.chooseThreshold(index)
                     }
                 }
                 Repeater {
-                    model: root.form.volumes
+                    model: root.form.watchTitles
 
                     SettingsToggle {
                         id: watch
@@ -70,46 +70,46 @@ Rectangle {
                         required property string modelData
                         required property int index
 
-                        text: "Also watch " + watch.modelData
+                        text: watch.modelData
                         checked: root.form.watched[watch.index] ?? true
                         onToggled: root.form.setWatched(watch.index, watch.checked)
                     }
                 }
                 SettingsRow {
-                    title: "Notifications"
+                    title: Words.notifications
 
                     SecondaryButtonStyle {
-                        text: root.form.notificationsAllowed ? "Send test" : "Turned off · Open Settings"
+                        text: root.form.notificationsAllowed ? Words.sendTest : Words.notificationsOff
                         onClicked: root.form.notificationsAllowed ? root.form.sendTestNotification() : root.form.openNotificationSettings()
                     }
                 }
             }
             SettingsSection {
-                title: "Background scan"
+                title: Words.backgroundScan
                 footnote: root.form.scanFootnote
 
                 SettingsRow {
-                    title: "Scan"
+                    title: Words.scan
 
                     Picker {
                         model: root.form.scopes
                         currentIndex: root.form.scope
-                        Accessible.name: "Scan"
+                        Accessible.name: Words.scan
                         onActivated: index => root.form.chooseScope(index)
                     }
                 }
                 SettingsRow {
-                    title: "How often"
+                    title: Words.howOften
 
                     Picker {
                         model: root.form.intervals
                         currentIndex: root.form.interval
-                        Accessible.name: "How often"
+                        Accessible.name: Words.howOften
                         onActivated: index => root.form.chooseInterval(index)
                     }
                 }
                 SettingsRow {
-                    title: "File access"
+                    title: Words.fileAccess
 
                     Symbol {
                         visible: root.ui.page.hasAccess
@@ -118,48 +118,48 @@ Rectangle {
                         color: Theme.teal
                         Accessible.ignored: false
                         Accessible.role: Accessible.StaticText
-                        Accessible.name: "Complete"
+                        Accessible.name: Words.accessComplete
                     }
                     SecondaryButtonStyle {
                         visible: !root.ui.page.hasAccess
-                        text: "Open Settings"
+                        text: Words.openSettings
                         onClicked: root.ui.page.openAccessSettings()
                     }
                 }
             }
             SettingsSection {
-                title: "General"
-                footnote: root.form.itemHelp + (root.form.itemHelp && root.form.usageFootnote ? "\n" : "") + root.form.usageFootnote
+                title: Words.general
+                footnote: root.form.generalFootnote
 
                 SettingsRow {
-                    title: "Show Spacemint in"
+                    title: Words.showIn
 
                     SegmentedPicker {
                         model: root.form.presences
                         currentIndex: root.form.presence
-                        Accessible.name: "Show Spacemint in"
+                        Accessible.name: Words.showIn
                         onActivated: index => root.form.choosePresence(index)
                     }
                 }
                 SettingsToggle {
-                    text: root.form.freeSpaceTitle
+                    text: Words.freeSpaceInItem
                     checked: root.form.showsFreeSpace
                     onToggled: root.form.setShowsFreeSpace(checked)
                 }
                 SettingsRow {
-                    title: "Colour in the status area"
+                    title: Words.itemColour
 
                     SegmentedPicker {
                         model: root.form.itemColours
                         currentIndex: root.form.itemColour
-                        Accessible.name: "Colour in the status area"
+                        Accessible.name: Words.itemColour
                         onActivated: index => root.form.chooseItemColour(index)
                     }
                 }
                 SettingsToggle {
                     id: login
 
-                    text: "Open at login"
+                    text: Words.openAtLogin
                     checked: root.form.launchesAtLogin
                     onToggled: {
                         root.form.setLaunchesAtLogin(checked);
@@ -175,7 +175,7 @@ Rectangle {
                     wrapMode: Text.Wrap
                 }
                 SettingsToggle {
-                    text: "Share anonymous usage"
+                    text: Words.shareUsage
                     visible: root.form.usage
                     checked: root.form.sharesUsage
                     onToggled: root.form.setSharesUsage(checked)
@@ -202,11 +202,11 @@ Rectangle {
                     color: Theme.secondary
                 }
                 SecondaryButtonStyle {
-                    text: "About"
+                    text: Words.about
                     onClicked: root.ui.about()
                 }
                 SecondaryButtonStyle {
-                    text: "Quit Spacemint"
+                    text: Words.quit
                     onClicked: root.ui.quit()
                 }
             }

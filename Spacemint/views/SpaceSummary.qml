@@ -14,24 +14,33 @@ ColumnLayout {
 
     Item {
         // With large letters the total is on a second line.
-        readonly property bool isNarrow: word.x + word.width + 12 + total.width > width
+        readonly property bool isNarrow: after.x + after.width + 12 + total.width > width
 
         Layout.fillWidth: true
         implicitHeight: free.implicitHeight + (isNarrow ? total.implicitHeight : 0)
 
         Label {
+            id: before
+
+            anchors.baseline: free.baseline
+            text: root.ui.summary.beforeFree
+            font: Theme.display(20)
+            color: root.levelColor
+        }
+        Label {
             id: free
 
+            anchors.left: before.right
             text: root.ui.summary.free
             font: Theme.display(44)
             color: root.levelColor
         }
         Label {
-            id: word
+            id: after
 
             anchors.left: free.right
             anchors.baseline: free.baseline
-            text: " free"
+            text: root.ui.summary.afterFree
             font: Theme.display(20)
             color: root.levelColor
         }
@@ -51,7 +60,7 @@ ColumnLayout {
         Layout.fillWidth: true
         fraction: root.ui.summary.usedFraction
         color: root.levelColor
-        Accessible.name: `${root.ui.summary.free} free ${root.ui.summary.total}`
+        Accessible.name: root.ui.summary.spoken
         Accessible.description: root.ui.summary.tickHelp
 
         Rectangle {

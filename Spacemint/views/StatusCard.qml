@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// A card in place of a list that is loading, has failed or is unavailable.
 Card {
@@ -19,6 +20,7 @@ Card {
 
         Spinner {
             visible: root.busy
+            what: Words.working
             size: 14
         }
         Label {

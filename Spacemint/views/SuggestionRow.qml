@@ -42,7 +42,7 @@ Item {
         focusPolicy: root.canExpand ? Qt.StrongFocus : Qt.NoFocus
         implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
         Accessible.role: root.canExpand ? Accessible.Button : Accessible.StaticText
-        Accessible.name: root.sizeText ? `${root.title}, ${root.sizeText}` : root.title
+        Accessible.name: Words.spoken([root.title, root.sizeText])
         Accessible.description: root.subtitle
         Accessible.checkable: root.canExpand
         Accessible.checked: root.expanded

@@ -11,6 +11,13 @@
 
 namespace spacemint {
 
+namespace {
+
+const QString sizePlace = QStringLiteral("{size}");
+const QString freeSentence = QStringLiteral("{size} free");
+
+}  // namespace
+
 double warningFraction(const VolumeStatus& volume, std::int64_t thresholdGB) {
   if (volume.total < 1) return 0;
   const double warning = static_cast<double>(thresholdGB) * static_cast<double>(gigabyte);
@@ -65,6 +72,18 @@ void Summary::updateVolumes() {
 
 QString Summary::free() const {
   return volume() ? ShownText::plain(ByteFormat::string(volume()->free, host_.locale)) : QString{};
+}
+
+QString Summary::beforeFree() {
+  return freeSentence.section(sizePlace, 0, 0);
+}
+
+QString Summary::afterFree() {
+  return freeSentence.section(sizePlace, 1);
+}
+
+QString Summary::spoken() const {
+  return volume() ? free() + QStringLiteral(" free ") + total() : QString{};
 }
 
 QString Summary::total() const {

@@ -46,8 +46,13 @@ class Summary : public QObject {
   /// False until the volume was read.
   Q_PROPERTY(bool known READ isKnown NOTIFY changed)
   Q_PROPERTY(Level level READ level NOTIFY changed)
+  /// The free space, and what stands before and after it in the sentence that says so.
   Q_PROPERTY(QString free READ free NOTIFY changed)
+  Q_PROPERTY(QString beforeFree READ beforeFree CONSTANT)
+  Q_PROPERTY(QString afterFree READ afterFree CONSTANT)
   Q_PROPERTY(QString total READ total NOTIFY changed)
+  /// "100 GB free of 500 GB"
+  Q_PROPERTY(QString spoken READ spoken NOTIFY changed)
   Q_PROPERTY(double usedFraction READ usedFraction NOTIFY changed)
   Q_PROPERTY(double tickFraction READ tickFraction NOTIFY changed)
   Q_PROPERTY(QString tickHelp READ tickHelp NOTIFY changed)
@@ -64,7 +69,10 @@ class Summary : public QObject {
   bool isKnown() const { return volume().has_value(); }
   Level level() const { return static_cast<Level>(host_.model.warnings().level()); }
   QString free() const;
+  static QString beforeFree();
+  static QString afterFree();
   QString total() const;
+  QString spoken() const;
   double usedFraction() const { return volume() ? volume()->usedFraction() : 0; }
   double tickFraction() const;
   QString tickHelp() const;

@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The bar that chooses a page.
 Item {
@@ -22,7 +23,7 @@ Item {
     implicitWidth: row.implicitWidth
     activeFocusOnTab: true
     Accessible.role: Accessible.PageTabList
-    Accessible.name: "Pages"
+    Accessible.name: Words.pages
     Keys.onLeftPressed: show(currentIndex - 1)
     Keys.onRightPressed: show(currentIndex + 1)
 

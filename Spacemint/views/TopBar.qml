@@ -20,7 +20,7 @@ RowLayout {
     IconButton {
         Layout.rightMargin: 14
         symbol: "gearshape"
-        help: "Settings"
+        help: Words.settings
         onClicked: root.ui.page.showingSettings = true
     }
 }

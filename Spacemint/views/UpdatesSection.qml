@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Spacemint.Services
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The settings of updates, and the state of the next update.
 SettingsSection {
@@ -9,24 +10,24 @@ SettingsSection {
 
     required property Updates updates
 
-    title: "Updates"
+    title: Words.updates
     footnote: updates.status
 
     SettingsToggle {
-        text: "Install updates automatically"
+        text: Words.installAutomatically
         checked: root.updates.installAutomatically
         onToggled: root.updates.installAutomatically = checked
     }
     SettingsRow {
-        title: "Version " + root.updates.version
+        title: Words.version(root.updates.version)
 
         PrimaryButtonStyle {
             visible: root.updates.available
-            text: "Install"
+            text: Words.install
             onClicked: root.updates.install()
         }
         SecondaryButtonStyle {
-            text: "Check now"
+            text: Words.checkNow
             enabled: root.updates.canCheck
             onClicked: root.updates.checkNow()
         }

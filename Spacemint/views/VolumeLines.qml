@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
+import Spacemint.Views
 
 /// The volumes besides the home folder's: the three fullest ones, the rest on demand.
 ColumnLayout {
@@ -75,7 +76,7 @@ ColumnLayout {
     QuietButtonStyle {
         Layout.alignment: Qt.AlignHCenter
         visible: root.volumes.length > root.shown
-        text: root.showsAll ? "Show fewer disks" : `${root.volumes.length - root.shown} more`
+        text: root.showsAll ? Words.showFewerDisks : Words.moreDisks(root.volumes.length - root.shown)
         onClicked: root.showsAll = !root.showsAll
     }
 }

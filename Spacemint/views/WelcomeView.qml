@@ -19,14 +19,14 @@ ColumnLayout {
 
         Label {
             Layout.fillWidth: true
-            text: "Never be surprised by a full disk again."
+            text: Words.welcomeTitle
             font: Theme.display(30)
             wrapMode: Text.Wrap
             Accessible.role: Accessible.Heading
         }
         Label {
             Layout.fillWidth: true
-            text: "Spacemint watches your free space and quietly keeps track of what's using it."
+            text: Words.welcomeLine
             size: 14
             color: Theme.secondary
             wrapMode: Text.Wrap
@@ -35,18 +35,18 @@ ColumnLayout {
         WelcomePoint {
             Layout.topMargin: 14
             symbol: "bell"
-            title: "A heads-up before you run out"
-            line: "You choose the level. 20 GB free by default."
+            title: Words.warningPoint
+            line: Words.warningPointLine
         }
         WelcomePoint {
             symbol: "leaf"
-            title: "Scans you'll never notice"
-            line: "Low priority, every few hours."
+            title: Words.scansPoint
+            line: Words.scansPointLine
         }
         WelcomePoint {
             symbol: "sparkle.magnifyingglass"
-            title: "Answers ready instantly"
-            line: "What grew, what's big, and what's safe to clean."
+            title: Words.answersPoint
+            line: Words.answersPointLine
         }
         Card {
             Layout.fillWidth: true
@@ -56,12 +56,12 @@ ColumnLayout {
                 symbol: root.ui.page.hasAccess ? "checkmark.circle.fill" : "lock"
                 tint: root.ui.page.hasAccess ? Theme.teal : Theme.lavenderInk
                 title: root.ui.page.accessTitle
-                line: root.ui.page.hasAccess ? "Spacemint can see your whole disk." : "Some sizes will be too small."
+                line: root.ui.page.accessLine
             }
             SecondaryButtonStyle {
                 Layout.leftMargin: Theme.scaled(22) + 14
                 visible: !root.ui.page.hasAccess
-                text: "Open Settings"
+                text: Words.openSettings
                 onClicked: root.ui.page.openAccessSettings()
             }
         }
@@ -71,7 +71,7 @@ ColumnLayout {
         Layout.margins: 20
         Layout.topMargin: 8
         fullWidth: true
-        text: "Start first scan"
+        text: Words.startFirstScan
         onClicked: root.ui.page.begin()
     }
     Shortcut {

@@ -17,7 +17,7 @@ ColumnLayout {
     SectionHeader {
         id: header
 
-        title: "Stale Git worktrees"
+        title: Words.worktrees
     }
     StatusCard {
         text: root.developer.worktrees.text

@@ -1,4 +1,4 @@
-#include "AppServices/NoticeText.h"
+#include "AppServices/Notices.h"
 #include "AppServices/Updates.h"
 #include "AppServices/Usage.h"
 #include "Pages.h"
@@ -248,7 +248,8 @@ QVariantMap notices() {
     cards << QVariantMap{{QStringLiteral("title"), QString::fromStdString(text.title)},
                          {QStringLiteral("body"), QString::fromStdString(text.body)},
                          {QStringLiteral("primary"), QString::fromStdString(text.primary)},
-                         {QStringLiteral("secondary"), QString::fromStdString(text.secondary)}};
+                         {QStringLiteral("secondary"), QString::fromStdString(text.secondary)},
+                         {QStringLiteral("closeHelp"), Notices::closeHelp()}};
   }
   return {{QStringLiteral("notices"), cards}};
 }

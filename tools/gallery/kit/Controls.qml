@@ -88,7 +88,9 @@ RowLayout {
         RowLayout {
             spacing: 8
 
-            Spinner {}
+            Spinner {
+                what: "Working"
+            }
             Label {
                 text: "Reading the home folder…"
                 color: Theme.secondary

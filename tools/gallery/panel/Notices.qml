@@ -23,6 +23,7 @@ ColumnLayout {
             body: modelData.body
             primary: modelData.primary
             secondary: modelData.secondary
+            closeHelp: modelData.closeHelp
         }
     }
 }
