@@ -1,12 +1,11 @@
 #include "core/analysis/Changes.h"
 
-#include "core/base/AsciiText.h"
+#include "core/analysis/ComparedScans.h"
 #include "core/base/Unicode.h"
 
 #include <algorithm>
 #include <functional>
 #include <ranges>
-#include <unordered_map>
 
 namespace spacemint {
 
@@ -16,84 +15,6 @@ constexpr double explainingShare = 0.6;
 
 // A child of a growth that is spread is listed from this share of the folder's growth on.
 constexpr double insideShare = 0.05;
-
-// The children of a folder, by name. The map is built only for folders that changed, which is much cheaper
-// than one map of a whole tree.
-class ChildrenByName {
- public:
-  explicit ChildrenByName(const Node* folder) {
-    if (folder == nullptr) return;
-    byName_.reserve(folder->children.size());
-    for (const Node& child : folder->children) {
-      byName_.emplace(child.name, &child);
-      if (!isAscii(child.name)) byCanonicalName_.emplace(canonicalForm(child.name), &child);
-    }
-  }
-
-  // The child whose name has exactly these bytes; otherwise a child whose name is canonically equal.
-  const Node* find(const std::string& name) const {
-    if (const auto found = byName_.find(name); found != byName_.end()) return found->second;
-    if (isAscii(name) || byCanonicalName_.empty()) return nullptr;
-    const auto found = byCanonicalName_.find(canonicalForm(name));
-    return found == byCanonicalName_.end() ? nullptr : found->second;
-  }
-
- private:
-  std::unordered_map<std::string_view, const Node*> byName_;
-  std::unordered_map<std::string, const Node*> byCanonicalName_;
-};
-
-// The bytes that only one of two scans could see, by the path of their folder and of all folders above it.
-class Revealed {
- public:
-  Revealed(const Snapshot& blind, const Snapshot& seeing) : root_(seeing.rootPath()) {
-    for (const CoveredPlace& covered : seeing.coverage.places | std::views::drop(1)) {
-      if (placeLike(blind, covered) == nullptr) add(covered.place.mountPoint, covered.size);
-    }
-    for (const std::string& path : blind.coverage.unread.paths) {
-      const bool isUnreadInBoth =
-          std::ranges::find(seeing.coverage.unread.paths, path) != seeing.coverage.unread.paths.end();
-      const Node* node = isUnreadInBoth || bytes_.contains(path) ? nullptr : seeing.nodeAt(path);
-      if (node == nullptr) continue;
-      add(path, node->size);
-      folders_.emplace_back(path, node->size);
-    }
-  }
-
-  bool empty() const { return bytes_.empty(); }
-  Bytes at(const std::string& path) const {
-    const auto found = bytes_.find(path);
-    return found != bytes_.end() ? found->second : 0;
-  }
-  // The folders that could not be read, with the bytes in them.
-  const std::vector<std::pair<std::string, Bytes>>& folders() const { return folders_; }
-
-  // The mount of another scan that shows the same folder at the same path; null if there is none. The numbers
-  // of volumes change when the computer starts.
-  static const CoveredPlace* placeLike(const Snapshot& scan, const CoveredPlace& covered) {
-    const auto found = std::ranges::find_if(scan.coverage.places, [&](const CoveredPlace& other) {
-      return other.place.mountPoint == covered.place.mountPoint && other.place.root == covered.place.root &&
-             other.place.fileSystem == covered.place.fileSystem;
-    });
-    return found != scan.coverage.places.end() ? &*found : nullptr;
-  }
-
- private:
-  void add(const std::string& path, Bytes size) {
-    if (!isAtOrBelow(path, root_)) return;
-    std::string_view at = path;
-    while (at.size() > root_.size()) {
-      Bytes& bytes = bytes_[std::string{at}];
-      bytes = saturatingAdd(bytes, size);
-      at = at.substr(0, at.rfind('/'));
-    }
-    bytes_[root_] = saturatingAdd(bytes_[root_], size);
-  }
-
-  std::string root_;
-  std::unordered_map<std::string, Bytes> bytes_;
-  std::vector<std::pair<std::string, Bytes>> folders_;
-};
 
 // A node of one tree and the node at the same path in the other tree (null if there is none). `delta` is how
 // much larger the first one is.

@@ -104,7 +104,7 @@ std::string mountBtrfs(const TemporaryFolder& folder, const std::string& subvolu
   return isMounted ? root : "";
 }
 
-void write(const std::string& path, Bytes size) {
+void fillFile(const std::string& path, Bytes size) {
   support::writeText(path, std::string(static_cast<std::size_t>(size), 'x'));
 }
 
@@ -135,19 +135,19 @@ const Layout layouts[] = {
 
 // Files of every kind, and a deleted one of 21 MB that two processes hold.
 void fill(const std::string& root) {
-  write(root + "/plain", 31 * MB);
+  fillFile(root + "/plain", 31 * MB);
   fs::create_hard_link(root + "/plain", root + "/again");
-  write(root + "/sparse", 1'000'000);
+  fillFile(root + "/sparse", 1'000'000);
   fs::resize_file(root + "/sparse", 9'000 * MB);
   support::allocateFile(root + "/allocated", 12 * MB);
   for (int i = 0; i < 300; ++i)
-    write(root + "/many/" + std::to_string(i % 30) + "/" + std::to_string(i), 9'000);
+    fillFile(root + "/many/" + std::to_string(i % 30) + "/" + std::to_string(i), 9'000);
   for (int i = 0; i < 3'000; ++i)
     support::writeText(root + "/names/a quite long name of an empty file " + std::to_string(i), "");
   fs::create_symlink(std::string(900, 'x'), root + "/link");
-  write(root + "/secret/inside", 24 * MB);
+  fillFile(root + "/secret/inside", 24 * MB);
   chmod((root + "/secret").c_str(), 0700);
-  write(root + "/log", 21 * MB);
+  fillFile(root + "/log", 21 * MB);
 }
 
 std::optional<Account> accountIn(const std::string& root) {
