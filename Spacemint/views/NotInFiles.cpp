@@ -15,9 +15,10 @@ namespace {
 constexpr std::size_t shownDetails = 10;
 
 // The order of the rows: first what can be changed. The other parts are in the sentence above the list.
-constexpr std::array rowOrder{AccountPart::deleted, AccountPart::heldBack,     AccountPart::ownBytes,
-                              AccountPart::folders, AccountPart::saved,        AccountPart::snapshots,
-                              AccountPart::unread,  AccountPart::otherVolumes, AccountPart::rest};
+constexpr std::array rowOrder{AccountPart::deleted,   AccountPart::heldBack, AccountPart::ownBytes,
+                              AccountPart::folders,   AccountPart::inlined,  AccountPart::saved,
+                              AccountPart::snapshots, AccountPart::unread,   AccountPart::otherVolumes,
+                              AccountPart::rest};
 
 // What lies outside of the scanned folder is in the sentence, too.
 bool isShown(const AccountLine& line, bool isWhole) {

@@ -149,6 +149,7 @@ void appendPlace(std::string& text, const CoveredPlace& covered) {
   appendField(text, "fileCount", covered.fileCount);
   appendField(text, "volumeTotal", covered.volumeTotal);
   appendField(text, "volumeFree", covered.volumeFree);
+  if (covered.inlineBytes != 0) appendField(text, "inlineBytes", covered.inlineBytes);
 }
 
 void appendLeftOut(std::string& text, const LeftOut& item) {

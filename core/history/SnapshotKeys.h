@@ -175,6 +175,8 @@ inline constexpr Key<Snapshot> placeKeys[]{
     {"volumeTotal", true,
      [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).volumeTotal); }},
     {"volumeFree", true, [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).volumeFree); }},
+    {"inlineBytes", false,
+     [](Snapshot& s, const Scalar& v) { return takeCount(v, lastPlace(s).inlineBytes); }},
 };
 inline constexpr Key<Snapshot> leftOutKeys[]{
     {"path", true, [](Snapshot& s, const Scalar& v) { return take(v, lastLeftOut(s).path); }},

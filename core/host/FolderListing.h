@@ -62,6 +62,9 @@ struct Entry {
   /// When the content last changed, in seconds since 1970-01-01 00:00:00 UTC.
   std::int64_t modified = 0;
   Bytes allocated = 0;
+  /// Of the content, in bytes. Unlike `allocated`, it counts holes and does not count the rest of the last
+  /// block.
+  Bytes length = 0;
 
   static constexpr std::uint64_t otherVolume = ~std::uint64_t{0};
 };

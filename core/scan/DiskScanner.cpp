@@ -25,10 +25,15 @@ struct Frame {
   Bytes size = 0;
   std::int64_t files = 0;
   bool isWorktree = false;
+  // Whether the file system keeps small files among its own data.
+  bool inlinesSmallFiles = false;
   std::vector<Node> children;
   // Subfolders that were listed but not visited yet. The walk visits the last one next.
   NameList subdirectories;
 };
+
+// Btrfs does so with files up to this length, unless it is mounted with another limit.
+constexpr Bytes longestInlineFile = 2'048;
 
 bool isGone(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP;
@@ -65,6 +70,7 @@ class Walk {
         {.folder = std::move(folder), .name = std::move(name), .pathLength = path_.size(), .facts = facts});
     if (CoveredPlace* place = placeAt(facts.place)) {
       place->folderBytes = saturatingAdd(place->folderBytes, facts.ownSize);
+      stack_.back().inlinesSmallFiles = place->place.fileSystem == "btrfs";
     }
     list(stack_.back());
   }
@@ -93,6 +99,10 @@ class Walk {
   void count(Frame& frame, const Entry& entry, Bytes size) {
     add(counted_.bytes, counted_.files, size, 1);
     add(frame.size, frame.files, size, 1);
+    if (frame.inlinesSmallFiles && entry.length <= longestInlineFile) {
+      CoveredPlace& place = coverage_.places[frame.facts.place];
+      place.inlineBytes = saturatingAdd(place.inlineBytes, size);
+    }
     if (size >= arguments_.minNodeSize && !entry.name.empty()) {
       frame.children.push_back(
           {.name = std::string{entry.name}, .size = size, .modified = dateFromUnixSeconds(entry.modified)});

@@ -254,16 +254,18 @@ void readSpaces(Coverage& coverage) {
   }
 }
 
-// Folders that were not visited have the blocks that they had.
-void takeFolderBytes(std::vector<CoveredPlace>& places, const std::vector<CoveredPlace>& earlier) {
+// What a full scan alone can measure stays as it was.
+void takeFullScanBytes(std::vector<CoveredPlace>& places, const std::vector<CoveredPlace>& earlier) {
   for (CoveredPlace& covered : places) {
     const auto before = std::ranges::find(earlier, covered.place, &CoveredPlace::place);
-    if (before != earlier.end()) covered.folderBytes = before->folderBytes;
+    if (before == earlier.end()) continue;
+    covered.folderBytes = before->folderBytes;
+    covered.inlineBytes = before->inlineBytes;
   }
 }
 
 void add(Coverage& coverage, const Coverage& more) {
-  takeFolderBytes(coverage.places, more.places);
+  takeFullScanBytes(coverage.places, more.places);
   Unread& unread = coverage.unread;
   unread.folders += more.unread.folders;
   unread.paths.insert(unread.paths.end(), more.unread.paths.begin(), more.unread.paths.end());

@@ -16,6 +16,9 @@ struct CoveredPlace {
   /// Allocated for the folders themselves, that is, for their tables of names, as of the last full scan; not
   /// part of `size`.
   Bytes folderBytes = 0;
+  /// Of `size`, as of the last full scan: small files whose content lies in the file system's own data, where
+  /// it takes less than their blocks.
+  Bytes inlineBytes = 0;
   std::int64_t fileCount = 0;
   /// Of the volume, at the end of the scan; 0 if unknown.
   Bytes volumeTotal = 0;

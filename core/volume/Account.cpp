@@ -63,6 +63,12 @@ bool sharesBlocks(const Volume& volume) {
   return volume.fileSystem == "btrfs" || volume.fileSystem == "xfs";
 }
 
+// Whether subvolumes of Btrfs may lie beside the mounted ones. Tools keep snapshots there.
+bool hasUnmountedSubvolumes(const Volume& volume) {
+  return volume.fileSystem == "btrfs" &&
+         std::ranges::find(volume.places, "/", &VolumePlace::root) == volume.places.end();
+}
+
 const Volume* volumeAt(const std::vector<Volume>& volumes, const std::string& mountPoint) {
   const auto found = std::ranges::find_if(volumes, [&](const Volume& volume) {
     return std::ranges::find(volume.places, mountPoint, &VolumePlace::mountPoint) != volume.places.end();
@@ -138,12 +144,12 @@ std::vector<RestCause> Account::causes() const {
   const std::pair<RestCause, bool> possible[] = {
       {RestCause::unreadItems, isMissing && scanned.unread > 0},
       {RestCause::snapshots, isMissing && !scanned.snapshots.empty()},
+      {RestCause::unmountedSubvolumes, isMissing && hasUnmountedSubvolumes(volume)},
       {RestCause::othersPrograms, isMissing && refusedPrograms > 0},
       {RestCause::mappedFiles, isMissing && hasUnsized},
       {RestCause::unknownFileSystem, isMissing && !ownBytes},
       {RestCause::hiddenUnderMounts, isMissing && !scanned.otherVolumes.empty()},
       {RestCause::sharedBlocks, !isMissing && sharesBlocks(volume)},
-      {RestCause::smallFilesInMetadata, !isMissing && volume.fileSystem == "btrfs"},
       {RestCause::changesSinceScan, true}};
   std::vector<RestCause> causes;
   for (const auto& [cause, applies] : possible) {
@@ -160,6 +166,7 @@ std::optional<ScannedVolume> scannedVolume(const Snapshot& scan, const Volume& v
     isCovered = true;
     scanned.files = saturatingAdd(scanned.files, covered.size);
     scanned.folders = saturatingAdd(scanned.folders, covered.folderBytes);
+    scanned.inlined = saturatingAdd(scanned.inlined, covered.inlineBytes);
   }
   if (!isCovered) return std::nullopt;
   addUnread(scanned, scan, volume);
@@ -181,7 +188,7 @@ Account accountOf(VolumeFacts facts, ScannedVolume scanned) {
                   .saved = facts.saved};
   account.held = heldByPrograms(facts.deleted.files, account.volume.pool);
   account.deleted = sumOf(account.held);
-  account.rest = saturatingAdd(account.space.used, account.saved);
+  account.rest = saturatingAdd(saturatingAdd(account.space.used, account.saved), account.scanned.inlined);
   for (const Bytes part :
        {account.scanned.files, account.scanned.folders, account.deleted, account.ownBytes.value_or(0)}) {
     account.rest = saturatingSubtract(account.rest, part);

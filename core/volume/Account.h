@@ -23,6 +23,8 @@ struct ScannedVolume {
   Bytes files = 0;
   /// The blocks of the folders themselves, in bytes.
   Bytes folders = 0;
+  /// Of `files`: small files that lie in the file system's own data (`CoveredPlace::inlineBytes`).
+  Bytes inlined = 0;
   /// False if a part of the volume lies outside of the scanned folder.
   bool isWhole = false;
   /// Items that could not be read, and the paths of the first of them.
@@ -64,20 +66,20 @@ enum class RestCause : std::uint8_t {
   /// More is used than was found.
   unreadItems,
   snapshots,
+  unmountedSubvolumes,
   othersPrograms,
   mappedFiles,
   unknownFileSystem,
   hiddenUnderMounts,
   /// Less is used than was found.
   sharedBlocks,
-  smallFilesInMetadata,
   /// Both.
   changesSinceScan
 };
 
 /// Where the space of a volume is:
 ///
-///     used = files + folders + deleted + own - saved + rest
+///     used = files + folders + deleted + own - inlined - saved + rest
 ///     total = used + held back + free
 ///
 /// All figures are in bytes.

@@ -27,19 +27,13 @@ struct Scene {
   }
 };
 
-constexpr std::array<std::string_view, 11> partKeys{
-    "files",     "folders",      "deletedButOpen", "fileSystem", "saved", "unread",
-    "snapshots", "otherVolumes", "unexplained",    "heldBack",   "free"};
+constexpr std::array<std::string_view, 12> partKeys{
+    "files",  "folders",   "deletedButOpen", "fileSystem",  "smallFiles", "saved",
+    "unread", "snapshots", "otherVolumes",   "unexplained", "heldBack",   "free"};
 
-constexpr std::array<std::string_view, 9> causeKeys{"unread",
-                                                    "snapshots",
-                                                    "programsOfOthers",
-                                                    "mappedFiles",
-                                                    "unknownFileSystem",
-                                                    "hiddenUnderMounts",
-                                                    "sharedBlocks",
-                                                    "smallFilesInMetadata",
-                                                    "changesSinceScan"};
+constexpr std::array<std::string_view, 9> causeKeys{"unread",       "snapshots",         "programsOfOthers",
+                                                    "mappedFiles",  "unknownFileSystem", "hiddenUnderMounts",
+                                                    "sharedBlocks", "changesSinceScan"};
 
 // "a, b and c"
 std::string listed(const std::vector<std::string>& words) {
@@ -112,8 +106,6 @@ std::string causeText(RestCause cause, const Scene& scene) {
       return "files hidden under other volumes";
     case RestCause::sharedBlocks:
       return "files that share blocks or are compressed";
-    case RestCause::smallFilesInMetadata:
-      return "small files within the file system's own data";
     case RestCause::changesSinceScan:
       return "changes since the scan";
   }
@@ -169,6 +161,11 @@ void addMeasured(Lines& lines, const Scene& scene) {
                         .note = "Its records of files and free space",
                         .size = account.ownBytes.value_or(0),
                         .symbol = "cylinder"});
+  addUnlessZero(lines, {.part = AccountPart::inlined,
+                        .title = "Small files inside that data",
+                        .note = "Counted above as whole blocks, but stored in the file system's records",
+                        .size = saturatingSubtract(0, account.scanned.inlined),
+                        .symbol = "doc"});
   addUnlessZero(lines, {.part = AccountPart::saved,
                         .title = "Saved by sharing and compression",
                         .note = "Counted above, but stored only once or smaller",

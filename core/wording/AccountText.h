@@ -16,6 +16,7 @@ enum class AccountPart : std::uint8_t {
   folders,
   deleted,
   ownBytes,
+  inlined,
   saved,
   unread,
   snapshots,

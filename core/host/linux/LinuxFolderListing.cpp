@@ -15,13 +15,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <mutex>
 
 namespace spacemint {
 
 namespace {
 
-constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_BLOCKS;
+constexpr unsigned entryMask = STATX_TYPE | STATX_NLINK | STATX_MTIME | STATX_SIZE | STATX_BLOCKS;
 constexpr int entryFlags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 constexpr Bytes blockSize = 512;
 // Where tools keep snapshots; ordinary users often may not open it.
@@ -232,6 +233,8 @@ Entry readEntry(const FileHandle& folder, std::string_view name, unsigned char k
   entry.type = typeOf(status);
   entry.links = status.stx_nlink;
   entry.modified = status.stx_mtime.tv_sec;
+  entry.length =
+      static_cast<Bytes>(std::min<std::uint64_t>(status.stx_size, std::numeric_limits<Bytes>::max()));
   if (status.stx_blocks > largestBlockCount) {
     entry.error = EOVERFLOW;
   } else {

@@ -143,7 +143,7 @@ void fill(const std::string& root) {
   for (int i = 0; i < 300; ++i)
     fillFile(root + "/many/" + std::to_string(i % 30) + "/" + std::to_string(i), 9'000);
   for (int i = 0; i < 3'000; ++i)
-    support::writeText(root + "/names/a quite long name of an empty file " + std::to_string(i), "");
+    support::writeText(root + "/names/a quite long name of a short file " + std::to_string(i), "short");
   fs::create_symlink(std::string(900, 'x'), root + "/link");
   fillFile(root + "/secret/inside", 24 * MB);
   chmod((root + "/secret").c_str(), 0700);
