@@ -31,9 +31,10 @@ constexpr std::array<std::string_view, 12> partKeys{
     "files",  "folders",   "deletedButOpen", "fileSystem",  "smallFiles", "saved",
     "unread", "snapshots", "otherVolumes",   "unexplained", "heldBack",   "free"};
 
-constexpr std::array<std::string_view, 9> causeKeys{"unread",       "snapshots",         "programsOfOthers",
-                                                    "mappedFiles",  "unknownFileSystem", "hiddenUnderMounts",
-                                                    "sharedBlocks", "changesSinceScan"};
+constexpr std::array<std::string_view, 9> causeKeys{
+    "unread",          "snapshots",         "unmountedSubvolumes", "programsOfOthers",
+    "mappedFiles",     "unknownFileSystem", "hiddenUnderMounts",   "sharedBlocks",
+    "changesSinceScan"};
 
 // "a, b and c"
 std::string listed(const std::vector<std::string>& words) {
@@ -95,6 +96,8 @@ std::string causeText(RestCause cause, const Scene& scene) {
       return "unread folders";
     case RestCause::snapshots:
       return "snapshots";
+    case RestCause::unmountedSubvolumes:
+      return "snapshots or subvolumes that are not mounted";
     case RestCause::othersPrograms:
       return "deleted files of " + scene.counted(scene.account.refusedPrograms, "program") +
              " of other users";
