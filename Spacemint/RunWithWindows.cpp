@@ -5,11 +5,14 @@
 #include "Spacemint/desktop/linux/Termination.h"
 #include "Spacemint/desktop/linux/Wayland.h"
 #include "Spacemint/shell/Application.h"
+#include "core/base/Translation.h"
+#include "core/host/InstalledFolder.h"
 #include "core/host/UserFolders.h"
 #include "core/host/UserTimeZone.h"
 
 #include <QDir>
 #include <QGuiApplication>
+#include <QLocale>
 #include <QQmlExtensionPlugin>
 #include <QQuickWindow>
 
@@ -107,6 +110,8 @@ int runWithWindows(char* program, Launch launch) {
   const QGuiApplication qtApplication{count, arguments.data()};
   qInstallMessageHandler(usualHandler);
   for (const QByteArray& line : std::as_const(heldBack)) std::fprintf(stderr, "%s\n", line.constData());
+  setUpTranslation(InstalledFolder::translations());  // again, because Qt sets the locale of the process
+  QGuiApplication::setLayoutDirection(QLocale{QString::fromStdString(sentenceLanguage())}.textDirection());
   QGuiApplication::setDesktopFileName(QStringLiteral("app.spacemint.Spacemint"));
   QGuiApplication::setQuitOnLastWindowClosed(false);
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::windows};

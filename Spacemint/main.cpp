@@ -1,6 +1,8 @@
 #include "Spacemint/Process.h"
 #include "Spacemint/desktop/linux/RunningInstance.h"
 #include "Spacemint/desktop/linux/Termination.h"
+#include "core/base/Translation.h"
+#include "core/host/InstalledFolder.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -13,6 +15,7 @@ namespace {
 
 int runInBackground(int argc, char** argv) {
   const QCoreApplication application{argc, argv};
+  setUpTranslation(InstalledFolder::translations());  // again, because Qt sets the locale of the process
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::background};
   if (!instance.become()) {
     complain("it is running already");
@@ -32,6 +35,7 @@ int runInBackground(int argc, char** argv) {
 }  // namespace spacemint
 
 int main(int argc, char** argv) {
+  spacemint::setUpTranslation(spacemint::InstalledFolder::translations());
   QCoreApplication::setApplicationName(QStringLiteral("spacemint"));
   QCoreApplication::setApplicationVersion(QStringLiteral(SPACEMINT_VERSION));
 

@@ -1,4 +1,6 @@
+#include "core/base/Translation.h"
 #include "core/history/Migration.h"
+#include "core/host/InstalledFolder.h"
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/ExplainCommand.h"
@@ -338,6 +340,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
+    setUpTranslation(InstalledFolder::translations());
     return run(argc, argv);
   } catch (const std::exception& problem) {
     complain(problem.what());

@@ -2,6 +2,7 @@
 
 #include "Spacemint/desktop/linux/InstalledFiles.h"
 #include "core/host/AtomicFile.h"
+#include "core/host/InstalledFolder.h"
 #include "core/host/UserFolders.h"
 
 #include <cerrno>
@@ -49,7 +50,7 @@ bool hasLine(std::string_view text, std::string_view line) {
 
 AutostartEntry::Places AutostartEntry::Places::current() {
   return {.entry = UserFolders::config() + "/autostart/app.spacemint.Spacemint.desktop",
-          .program = InstalledFiles::program(),
+          .program = InstalledFolder::program(),
           .desktopEntry = InstalledFiles::desktopEntry()};
 }
 
