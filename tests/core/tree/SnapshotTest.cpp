@@ -17,9 +17,9 @@ using support::folder;
 using support::names;
 using Names = std::vector<std::string>;
 
-constexpr Bytes mega = 1'000'000;
+constexpr Bytes million = 1'000'000;
 
-Snapshot snapshotOf(Node root, Bytes minNodeSize = 20 * mega) {
+Snapshot snapshotOf(Node root, Bytes minNodeSize = 20 * million) {
   Snapshot snapshot{.root = std::move(root), .minNodeSize = minNodeSize};
   snapshot.fileCount = snapshot.root.fileCount;
   return snapshot;
@@ -29,9 +29,9 @@ Snapshot snapshotOf(Node root, Bytes minNodeSize = 20 * mega) {
 Snapshot home() {
   return snapshotOf(
       folder("/home/ann",
-             {folder("Movies", {file("b.mov", 90 * mega), file("a.mov", 90 * mega)}),
-              folder("Code", {folder("app", {file("core", 60 * mega)})}), file("disk.img", 50 * mega)},
-             {.unlisted = 10 * mega, .unlistedFiles = 3}));
+             {folder("Movies", {file("b.mov", 90 * million), file("a.mov", 90 * million)}),
+              folder("Code", {folder("app", {file("core", 60 * million)})}), file("disk.img", 50 * million)},
+             {.unlisted = 10 * million, .unlistedFiles = 3}));
 }
 
 TEST(Snapshot, splitsAPathIntoNamesBelowTheRoot) {
@@ -59,26 +59,27 @@ TEST(Snapshot, splitsAPathIntoNamesBelowTheRoot) {
 
 TEST(Snapshot, findsNodesByThePathPeopleUse) {
   const Snapshot whole = snapshotOf(
-      folder("/System/Volumes/Data", {folder("Users", {folder("ann", {file("caf\u00e9", 30 * mega)})})}));
-  EXPECT_EQ(whole.nodeAt("/Users/ann/cafe\u0301")->size, 30 * mega);
+      folder("/System/Volumes/Data", {folder("Users", {folder("ann", {file("caf\u00e9", 30 * million)})})}));
+  EXPECT_EQ(whole.nodeAt("/Users/ann/cafe\u0301")->size, 30 * million);
   EXPECT_EQ(whole.nodeAt("/Users/bob"), nullptr);
   EXPECT_EQ(whole.nodeAt("/System/Volumes/Data"), &whole.root);
   EXPECT_EQ(whole.resolve("/Users"), "/System/Volumes/Data/Users");
   EXPECT_EQ(home().resolve("/Users"), "/Users");
 
   // Where the disk holds both spellings, each path finds its own.
-  const Snapshot both = snapshotOf(folder("/r", {file("e\u0301", 40 * mega), file("\u00e9", 30 * mega)}));
-  EXPECT_EQ(both.nodeAt("/r/\u00e9")->size, 30 * mega);
-  EXPECT_EQ(both.nodeAt("/r/e\u0301")->size, 40 * mega);
+  const Snapshot both =
+      snapshotOf(folder("/r", {file("e\u0301", 40 * million), file("\u00e9", 30 * million)}));
+  EXPECT_EQ(both.nodeAt("/r/\u00e9")->size, 30 * million);
+  EXPECT_EQ(both.nodeAt("/r/e\u0301")->size, 40 * million);
 }
 
 TEST(Snapshot, listsEveryNodeAndTheLargestFiles) {
   const Snapshot snapshot = home();
   const auto sizes = snapshot.flattened();
   EXPECT_EQ(sizes.size(), 8U);
-  EXPECT_EQ(sizes.at("/home/ann"), 300 * mega);
-  EXPECT_EQ(sizes.at("/home/ann/Code/app/core"), 60 * mega);
-  EXPECT_EQ(snapshotOf(folder("/", {file("x", mega)})).flattened().count("/x"), 1U);
+  EXPECT_EQ(sizes.at("/home/ann"), 300 * million);
+  EXPECT_EQ(sizes.at("/home/ann/Code/app/core"), 60 * million);
+  EXPECT_EQ(snapshotOf(folder("/", {file("x", million)})).flattened().count("/x"), 1U);
 
   const auto largest = snapshot.largestFiles(3);
   ASSERT_EQ(largest.size(), 3U);
@@ -91,18 +92,18 @@ TEST(Snapshot, listsEveryNodeAndTheLargestFiles) {
 
 TEST(Snapshot, replacingKeepsEveryTotalTrue) {
   Snapshot snapshot = home();
-  Node measured = folder("/home/ann/Code", {file("core", 200 * mega)}, {.unlistedFiles = 6});
+  Node measured = folder("/home/ann/Code", {file("core", 200 * million)}, {.unlistedFiles = 6});
   EXPECT_TRUE(snapshot.replace("/home/ann/Code", measured));
-  EXPECT_EQ(snapshot.root.size, 440 * mega);
+  EXPECT_EQ(snapshot.root.size, 440 * million);
   EXPECT_EQ(snapshot.root.fileCount, 13);
   EXPECT_EQ(snapshot.fileCount, 13);
   EXPECT_EQ(names(snapshot.root), (Names{"Code", "Movies", "disk.img"}));
-  EXPECT_EQ(snapshot.nodeAt("/home/ann/Code/core")->size, 200 * mega);
+  EXPECT_EQ(snapshot.nodeAt("/home/ann/Code/core")->size, 200 * million);
 
   EXPECT_TRUE(snapshot.replace("/home/ann/Code", folder("x", {}, {.unlisted = 1'000})));
   EXPECT_EQ(snapshot.nodeAt("/home/ann/Code"), nullptr);
-  EXPECT_EQ(snapshot.root.size, 240 * mega + 1'000);
-  EXPECT_EQ(snapshot.root.unlistedSize(), 10 * mega + 1'000);
+  EXPECT_EQ(snapshot.root.size, 240 * million + 1'000);
+  EXPECT_EQ(snapshot.root.unlistedSize(), 10 * million + 1'000);
 
   const Snapshot before = snapshot;
   EXPECT_FALSE(snapshot.replace("/home/ann/Nothing", measured));
@@ -114,16 +115,16 @@ TEST(Snapshot, replacingKeepsEveryTotalTrue) {
 TEST(Snapshot, upsertingInsertsOnlyWhatIsLargeEnoughUnderAKnownFolder) {
   Snapshot snapshot = home();
   const Snapshot before = snapshot;
-  EXPECT_FALSE(snapshot.upsert("/home/ann/small", file("small", 20 * mega - 1)));
-  EXPECT_FALSE(snapshot.upsert("/home/ann/none/new", file("new", 30 * mega)));
-  EXPECT_FALSE(snapshot.upsert("/home/ann", file("new", 30 * mega)));
+  EXPECT_FALSE(snapshot.upsert("/home/ann/small", file("small", 20 * million - 1)));
+  EXPECT_FALSE(snapshot.upsert("/home/ann/none/new", file("new", 30 * million)));
+  EXPECT_FALSE(snapshot.upsert("/home/ann", file("new", 30 * million)));
   EXPECT_EQ(snapshot, before);
 
-  EXPECT_TRUE(snapshot.upsert("/home/ann/Code/new", folder("/tmp/measured", {file("f", 70 * mega)})));
-  EXPECT_EQ(snapshot.root.size, 370 * mega);
+  EXPECT_TRUE(snapshot.upsert("/home/ann/Code/new", folder("/tmp/measured", {file("f", 70 * million)})));
+  EXPECT_EQ(snapshot.root.size, 370 * million);
   EXPECT_EQ(snapshot.fileCount, before.fileCount + 1);
   EXPECT_EQ(names(*snapshot.nodeAt("/home/ann/Code")), (Names{"new", "app"}));
-  EXPECT_TRUE(snapshot.upsert("/home/ann/Code/new", folder("new", {file("f", 30 * mega)})));
+  EXPECT_TRUE(snapshot.upsert("/home/ann/Code/new", folder("new", {file("f", 30 * million)})));
   EXPECT_EQ(names(*snapshot.nodeAt("/home/ann/Code")), (Names{"app", "new"}));
 }
 
@@ -132,7 +133,7 @@ TEST(Snapshot, removingTakesAFolderWithItsFilesAndAFileAsOne) {
   EXPECT_EQ(snapshot.fileCount, 7);
   EXPECT_TRUE(snapshot.remove("/home/ann/Movies/b.mov"));
   EXPECT_EQ(snapshot.nodeAt("/home/ann/Movies")->fileCount, 1);
-  EXPECT_EQ(snapshot.root.size, 210 * mega);
+  EXPECT_EQ(snapshot.root.size, 210 * million);
   EXPECT_EQ(names(snapshot.root), (Names{"Movies", "Code", "disk.img"}));
   EXPECT_TRUE(snapshot.remove("/home/ann/Code"));
   EXPECT_EQ(snapshot.fileCount, 5);
@@ -141,8 +142,8 @@ TEST(Snapshot, removingTakesAFolderWithItsFilesAndAFileAsOne) {
 }
 
 TEST(Snapshot, editsKeepTheSpellingThatIsOnTheDisk) {
-  Snapshot snapshot = snapshotOf(folder("/r", {file("caf\u00e9", 30 * mega)}));
-  EXPECT_TRUE(snapshot.replace("/r/cafe\u0301", file("x", 40 * mega)));
+  Snapshot snapshot = snapshotOf(folder("/r", {file("caf\u00e9", 30 * million)}));
+  EXPECT_TRUE(snapshot.replace("/r/cafe\u0301", file("x", 40 * million)));
   EXPECT_EQ(names(snapshot.root), Names{"caf\u00e9"});
 }
 
