@@ -1,5 +1,6 @@
 #include "core/scan/DiskScanner.h"
 
+#include "core/base/AsciiText.h"
 #include "core/host/FolderSum.h"
 #include "core/host/IoPriority.h"
 #include "core/host/VolumeInfo.h"
@@ -7,6 +8,7 @@
 #include "core/scan/ReadAheadListing.h"
 #include "core/tree/Paths.h"
 
+#include <algorithm>
 #include <cerrno>
 
 namespace spacemint {
@@ -39,7 +41,29 @@ bool isGone(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP;
 }
 
-class Walk {
+// A copy without the children.
+Node withoutChildren(const Node& node) {
+  return {.name = node.name,
+          .size = node.size,
+          .isDirectory = node.isDirectory,
+          .modified = node.modified,
+          .fileCount = node.fileCount,
+          .isWorktree = node.isWorktree};
+}
+
+// The finished folder at `path`, relative to the folder with these children; null if there is none.
+const Node* finishedFolder(const std::vector<Node>* children, std::string_view path) {
+  const Node* found = nullptr;
+  for (const std::string_view name : pieces(path, '/')) {
+    const auto next = std::ranges::find(*children, name, &Node::name);
+    if (next == children->end() || !next->isDirectory) return nullptr;
+    found = &*next;
+    children = &found->children;
+  }
+  return found;
+}
+
+class Walk final : public Unfinished {
  public:
   Walk(const Arguments& arguments, const FolderListing& listing)
       : arguments_(arguments),
@@ -63,7 +87,53 @@ class Walk {
     return std::nullopt;
   }
 
+  std::optional<Node> folder(std::string_view path) const override {
+    for (std::size_t i = stack_.size(); i-- > 0;) {
+      const std::string_view own{path_.data(), stack_[i].pathLength};
+      if (!isAtOrBelow(path, own)) continue;
+      if (path.size() == own.size()) return openFolder(i);
+      const Node* found = finishedFolder(&stack_[i].children, path.substr(own.size()));
+      if (found == nullptr) return std::nullopt;
+      Node copy = withoutChildren(*found);
+      for (const Node& child : found->children) copy.children.push_back(withoutChildren(child));
+      return copy;
+    }
+    return std::nullopt;
+  }
+
+  Result soFar() const override {
+    std::optional<Node> inner;
+    for (std::size_t i = stack_.size(); i-- > 0;) {
+      Node node = measured(i);
+      node.children = stack_[i].children;
+      if (inner && inner->size >= arguments_.minNodeSize) node.children.push_back(std::move(*inner));
+      sortBySize(node.children);
+      inner = std::move(node);
+    }
+    return {.root = std::move(*inner), .fileCount = counted_.files, .coverage = coverage_};
+  }
+
  private:
+  // The counts of an open folder, with the open folders below it; no children.
+  Node measured(std::size_t index) const {
+    const Frame& frame = stack_[index];
+    Node node{.name = frame.name, .isDirectory = true, .isWorktree = frame.isWorktree};
+    for (std::size_t i = index; i < stack_.size(); ++i)
+      add(node.size, node.fileCount, stack_[i].size, stack_[i].files);
+    return node;
+  }
+
+  Node openFolder(std::size_t index) const {
+    constexpr std::size_t namesWaiting = 10'000;
+    const Frame& frame = stack_[index];
+    Node node = measured(index);
+    for (const Node& child : frame.children) node.children.push_back(withoutChildren(child));
+    if (index + 1 < stack_.size()) node.children.push_back(measured(index + 1));
+    for (const std::string_view name : frame.subdirectories.newest(namesWaiting))
+      node.children.push_back({.name = std::string{name}, .isDirectory = true});
+    return node;
+  }
+
   void enter(std::unique_ptr<OpenFolder> folder, std::string name) {
     const OpenFolder::Facts facts = folder->facts();
     stack_.push_back(
@@ -103,10 +173,16 @@ class Walk {
       CoveredPlace& place = coverage_.places[frame.facts.place];
       place.inlineBytes = saturatingAdd(place.inlineBytes, size);
     }
-    if (size >= arguments_.minNodeSize && !entry.name.empty()) {
+    if (!entry.name.empty() && keeps(size)) {
       frame.children.push_back(
           {.name = std::string{entry.name}, .size = size, .modified = dateFromUnixSeconds(entry.modified)});
     }
+  }
+
+  // Whether an item in the innermost folder gets a node.
+  bool keeps(Bytes size) {
+    if (size >= arguments_.minNodeSize) return true;
+    return stack_.size() == 1 && smallEntriesKept_++ < arguments_.smallEntriesOfRoot;
   }
 
   static void add(Bytes& bytes, std::int64_t& files, Bytes moreBytes, std::int64_t moreFiles) {
@@ -117,6 +193,7 @@ class Walk {
   void poll(std::int64_t listed) {
     listedSincePoll_ += listed;
     if (listedSincePoll_ < entriesPerPoll) return;
+    if (arguments_.look) arguments_.look(*this);
     if (arguments_.shouldCancel && arguments_.shouldCancel()) {
       cancelled_ = true;
       return;
@@ -188,9 +265,10 @@ class Walk {
     return index < coverage_.places.size() ? &coverage_.places[index] : nullptr;
   }
 
-  void adopt(Frame& parent, Node node) const {
+  // `parent` is the innermost folder.
+  void adopt(Frame& parent, Node node) {
     add(parent.size, parent.files, node.size, node.fileCount);
-    if (node.size >= arguments_.minNodeSize) parent.children.push_back(std::move(node));
+    if (keeps(node.size)) parent.children.push_back(std::move(node));
   }
 
   Unread& unread() { return coverage_.unread; }
@@ -219,6 +297,7 @@ class Walk {
   std::vector<Frame> stack_;
   Progress counted_;
   std::int64_t listedSincePoll_ = 0;
+  std::size_t smallEntriesKept_ = 0;
   bool cancelled_ = false;
   Coverage coverage_;
 };

@@ -35,6 +35,24 @@ struct Result {
   bool operator==(const Result&) const = default;
 };
 
+/// A scan that has not ended, as far as it got. Valid only during the call of `Arguments::look`.
+class Unfinished {
+ public:
+  Unfinished() = default;
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  /// The folder at `path` with its children in any order, but without what is below these. A folder that the
+  /// walk has not reached yet is empty. Absent if the walk has not found this folder, or found it too small
+  /// to keep.
+  virtual std::optional<Node> folder(std::string_view path) const = 0;
+  /// Everything measured so far, as if the scan ended here; without the folders that it has not reached.
+  virtual Result soFar() const = 0;
+
+ protected:
+  ~Unfinished() = default;
+};
+
 /// Returns an earlier scan's measurement of the folder at a full path, or nothing if the folder must be
 /// walked.
 using Reuse = std::function<std::optional<Node>(const std::string& path)>;
@@ -54,6 +72,10 @@ struct Arguments {
   std::function<bool()> shouldCancel;
   /// Called as often as `shouldCancel`, and once at the end. May be empty.
   std::function<void(const Progress&)> progress;
+  /// Called before `shouldCancel`, as often. May be empty.
+  std::function<void(const Unfinished&)> look;
+  /// How many entries of the root itself get a node although they are smaller than `minNodeSize`.
+  std::size_t smallEntriesOfRoot = 0;
   /// The source of the entries. Null means the host's listing, with reading ahead where that is faster. Must
   /// outlive the call.
   FolderListing* listing = nullptr;

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace spacemint {
 
@@ -21,6 +22,20 @@ class NameList {
     const std::string_view text{text_.data(), text_.size() - 1};
     const std::size_t before = text.rfind('\0');
     return before == std::string_view::npos ? text : text.substr(before + 1);
+  }
+
+  /// The newest `limit` names, the newest first.
+  std::vector<std::string_view> newest(std::size_t limit) const {
+    std::vector<std::string_view> names;
+    std::string_view rest = text_;
+    while (!rest.empty() && names.size() < limit) {
+      rest.remove_suffix(1);
+      const std::size_t before = rest.rfind('\0');
+      const std::size_t start = before == std::string_view::npos ? 0 : before + 1;
+      names.push_back(rest.substr(start));
+      rest = rest.substr(0, start);
+    }
+    return names;
   }
 
   void popLast() { text_.resize(text_.size() - last().size() - 1); }

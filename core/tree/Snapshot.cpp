@@ -176,4 +176,17 @@ bool Snapshot::remove(std::string_view path) {
   return true;
 }
 
+bool Snapshot::addUnlisted(std::string_view path, Bytes bytes, std::int64_t files) {
+  const auto names = components(path);
+  if (!names) return false;
+  std::vector<Node*> chain{&root};
+  for (const std::string& name : *names) {
+    Node* next = mutableChild(*chain.back(), name);
+    if (next == nullptr) return false;
+    chain.push_back(next);
+  }
+  apply({.size = bytes, .files = files}, chain, *this, path);
+  return true;
+}
+
 }  // namespace spacemint

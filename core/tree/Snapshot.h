@@ -79,6 +79,10 @@ struct Snapshot {
   /// changes nothing if `path` is the root or has no node.
   bool remove(std::string_view path);
 
+  /// Adds bytes and files, either may be negative, to the folder at `path` and to all its ancestors: for
+  /// items in it that are too small to have a node. Returns false and changes nothing if `path` has no node.
+  bool addUnlisted(std::string_view path, Bytes bytes, std::int64_t files);
+
   bool operator==(const Snapshot&) const = default;
 };
 
