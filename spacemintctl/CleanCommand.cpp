@@ -166,21 +166,6 @@ bool confirmed(const Proposal& proposal, const CleanOptions& options, const Word
   return false;
 }
 
-// Measures `paths` again and updates the newest stored scan, if there is one.
-std::expected<void, Error> remeasureInNewestScan(const std::vector<std::string>& paths) {
-  const SnapshotStore store = SnapshotStore::standard();
-  auto scan = storedScan(store, "");
-  if (!scan) return {};
-  bool isChanged = false;
-  for (const std::string& path : paths) {
-    if (scan->nodeAt(path) != nullptr) isChanged |= putInto(*scan, measureAgain(path, scan->minNodeSize));
-  }
-  if (!isChanged) return {};
-  const auto saved = SnapshotWriter{store}.save(*scan, 1);
-  if (!saved) return std::unexpected(saved.error());
-  return {};
-}
-
 void complainOfFailures(const CleanupPlan& plan, const CleanupReport& report, const CleanupContext& context) {
   for (std::size_t i = 0; i < report.steps.size(); ++i) {
     if (!report.steps[i].failure) continue;
@@ -215,13 +200,32 @@ int carryOut(const CleanupPlan& plan, const CleanOptions& options, const Cleanup
 
 }  // namespace
 
-int runClean(CleanKind kind, const CleanOptions& options) {
-  const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
+CleanupContext cleanupContext(const Wording& wording) {
   CleanupContext context{.guard = DeletionGuard{wording.home, UserFolders::personal()},
                          .data = UserFolders::data(),
                          .locale = wording.locale,
                          .freeBytes = freeBytes};
   ToolRuns{Shell{}}.serve(context);
+  return context;
+}
+
+std::expected<void, Error> remeasureInNewestScan(const std::vector<std::string>& paths) {
+  const SnapshotStore store = SnapshotStore::standard();
+  auto scan = storedScan(store, "");
+  if (!scan) return {};
+  bool isChanged = false;
+  for (const std::string& path : paths) {
+    if (scan->nodeAt(path) != nullptr) isChanged |= putInto(*scan, measureAgain(path, scan->minNodeSize));
+  }
+  if (!isChanged) return {};
+  const auto saved = SnapshotWriter{store}.save(*scan, 1);
+  if (!saved) return std::unexpected(saved.error());
+  return {};
+}
+
+int runClean(CleanKind kind, const CleanOptions& options) {
+  const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
+  const CleanupContext context = cleanupContext(wording);
   auto proposal = Proposer{options, context}.propose(kind);
   if (!proposal) {
     complain(printable(proposal.error()));

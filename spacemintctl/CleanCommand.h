@@ -1,5 +1,10 @@
 #pragma once
 
+#include "core/base/Error.h"
+#include "core/cleanup/CleanupPlan.h"
+#include "spacemintctl/Answer.h"
+
+#include <expected>
 #include <string>
 #include <vector>
 
@@ -22,5 +27,12 @@ enum class CleanKind { caches, trash, backup, worktree, path };
 /// Shows what will be removed, asks for confirmation, removes it and prints the result. Returns the exit
 /// code.
 int runClean(CleanKind kind, const CleanOptions& options);
+
+/// What clean-ups of this user need: the guard, the tools, the free space. Has no Trash.
+CleanupContext cleanupContext(const Wording& wording);
+
+/// Measures `paths` again and updates the newest scan of the history that the application shows, if there is
+/// one and it holds them. Blocks; any thread.
+std::expected<void, Error> remeasureInNewestScan(const std::vector<std::string>& paths);
 
 }  // namespace spacemint::ctl

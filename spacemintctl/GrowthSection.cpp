@@ -1,6 +1,5 @@
 #include "core/analysis/Changes.h"
 #include "core/base/RelativeTime.h"
-#include "core/history/Baseline.h"
 #include "core/host/FileStamp.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
@@ -11,26 +10,8 @@ namespace spacemint::ctl {
 
 namespace {
 
-bool isOfTheSameFolder(const Snapshot& a, const Snapshot& b) {
-  return a.rootPath() == b.rootPath();
-}
-
 // The earlier scan to compare with; absent if there is none.
 using Baseline = std::expected<std::optional<Snapshot>, Error>;
-
-// The best earlier scan of the same folder.
-Baseline usualBaseline(const Snapshot& current) {
-  const SnapshotStore store = SnapshotStore::ofRoot(current.rootPath());
-  auto history = store.entries();
-  std::erase_if(history, [&](const SnapshotStore::Entry& entry) {
-    return entry.date > std::chrono::floor<std::chrono::seconds>(current.date);
-  });
-  for (const auto& entry : baselineCandidates(history)) {
-    auto scan = store.load(entry);
-    if (scan && isOfTheSameFolder(*scan, current)) return std::move(*scan);
-  }
-  return std::nullopt;
-}
 
 Baseline namedBaseline(const Scene& scene) {
   auto named = storedScan(SnapshotStore::ofRoot(scene.snapshot.rootPath()), scene.since);
@@ -39,7 +20,7 @@ Baseline namedBaseline(const Scene& scene) {
     return std::unexpected(
         Error{.domain = "history", .message = "the scan of \"" + scene.since + "\" " + reason});
   };
-  if (!isOfTheSameFolder(*named, scene.snapshot))
+  if (named->rootPath() != scene.snapshot.rootPath())
     return refused("is of another folder, " + named->rootPath());
   if (named->date > scene.snapshot.date) return refused("is later than the one to compare with it");
   return std::move(*named);
@@ -141,7 +122,7 @@ Json jsonOf(const Comparison& comparison) {
 }  // namespace
 
 std::expected<Findings, Error> growthFindings(const Scene& scene) {
-  auto baseline = scene.since.empty() ? usualBaseline(scene.snapshot) : namedBaseline(scene);
+  auto baseline = scene.since.empty() ? Baseline{usualBaseline(scene.snapshot)} : namedBaseline(scene);
   if (!baseline) return std::unexpected(baseline.error());
   const auto& earlier = *baseline;
   if (!earlier) {

@@ -22,36 +22,6 @@ namespace {
 
 constexpr int historyDays = 14;
 
-// Plans the scan from the newest scan of the same folder and the changes recorded since.
-ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start) {
-  auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::ofRoot(root), "")};
-  return ScanPlan::make(*hostEventJournal(),
-                        {.root = root,
-                         .minNodeSize = options.minSize,
-                         .now = start,
-                         .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
-                         .mayReuse = !options.full,
-                         .shouldCancel = wasInterrupted});
-}
-
-// Why `root` cannot be scanned; absent if it can.
-std::optional<Error> obstacle(const std::string& root) {
-  auto folder = hostFolderListing()->open(root);
-  if (folder) return std::nullopt;
-  return std::move(folder).error();
-}
-
-// The expected size of `root` in bytes: the size in the last scan of `root`; otherwise, if `root` is a mount
-// point, the used space of the volume.
-std::optional<Bytes> expectedBytes(const std::string& root) {
-  const auto last = storedScan(SnapshotStore::ofRoot(root), "");
-  if (last && last->rootPath() == root) return last->root.size;
-  if (root == wholeDisk) return ScanTiming::expectedBytes(nullptr, root, std::nullopt, readVolumes());
-  if (mountPointOf(root) != root) return std::nullopt;
-  const auto volume = VolumeStatus::current(root);
-  return volume ? std::optional{volume->used()} : std::nullopt;
-}
-
 std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options,
                                            ScanPlan& plan) {
   const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
@@ -73,33 +43,62 @@ bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& o
   return false;
 }
 
-// Stores the scan and prunes older scans.
 bool save(const Snapshot& snapshot) {
-  const SnapshotStore store = SnapshotStore::ofRoot(snapshot.rootPath());
-  const auto entry = store.save(snapshot);
-  if (!entry) {
-    complain("couldn't save the scan: " + printable(entry.error().message));
-    return false;
-  }
-  const SnapshotStore::Retention retention{
-      .days = historyDays, .now = currentTime(), .timeZone = userTimeZone()};
-  if (store.directory == SnapshotStore::standard().directory) store.prune(retention);
-  SnapshotStore::pruneOthers(retention);
-  return true;
+  const auto kept = keepScan(snapshot);
+  if (!kept) complain("couldn't save the scan: " + printable(kept.error().message));
+  return kept.has_value();
 }
 
 }  // namespace
 
+ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start,
+                 const std::function<bool()>& shouldCancel) {
+  auto earlier = options.full ? std::nullopt : std::optional{storedScan(SnapshotStore::ofRoot(root), "")};
+  return ScanPlan::make(*hostEventJournal(),
+                        {.root = root,
+                         .minNodeSize = options.minSize,
+                         .now = start,
+                         .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
+                         .mayReuse = !options.full,
+                         .shouldCancel = shouldCancel});
+}
+
+std::optional<Error> scanObstacle(const std::string& root) {
+  auto folder = hostFolderListing()->open(root);
+  if (folder) return std::nullopt;
+  return std::move(folder).error();
+}
+
+std::optional<Bytes> expectedBytes(const std::string& root) {
+  const auto last = storedScan(SnapshotStore::ofRoot(root), "");
+  if (last && last->rootPath() == root) return last->root.size;
+  if (root == wholeDisk) return ScanTiming::expectedBytes(nullptr, root, std::nullopt, readVolumes());
+  if (mountPointOf(root) != root) return std::nullopt;
+  const auto volume = VolumeStatus::current(root);
+  return volume ? std::optional{volume->used()} : std::nullopt;
+}
+
+std::expected<void, Error> keepScan(const Snapshot& snapshot) {
+  const SnapshotStore store = SnapshotStore::ofRoot(snapshot.rootPath());
+  auto entry = store.save(snapshot);
+  if (!entry) return std::unexpected(std::move(entry).error());
+  const SnapshotStore::Retention retention{
+      .days = historyDays, .now = currentTime(), .timeZone = userTimeZone()};
+  if (store.directory == SnapshotStore::standard().directory) store.prune(retention);
+  SnapshotStore::pruneOthers(retention);
+  return {};
+}
+
 int runScan(const ScanOptions& options) {
   const auto root = scanRoot(options.path);
-  const auto problem = root ? obstacle(*root) : std::optional{root.error()};
+  const auto problem = root ? scanObstacle(*root) : std::optional{root.error()};
   if (problem) {
     complain(printable(problem->message));
     return failed;
   }
   noteInterrupts();
   const Date start = currentTime();
-  ScanPlan plan = planFor(*root, options, start);
+  ScanPlan plan = planFor(*root, options, start, wasInterrupted);
   auto result = wasInterrupted() ? std::nullopt : measure(*root, options, plan);
   if (!result) {
     complain(wasInterrupted() ? "interrupted" : printable(*root) + ": could not be scanned");

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "core/base/Error.h"
+#include "core/scan/ScanPlan.h"
 #include "core/tree/Snapshot.h"
 
+#include <expected>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -28,5 +32,20 @@ int runScan(const ScanOptions& options);
 /// Scans all of the folder at `ScanOptions::path`, an absolute path, with a line of progress; stores and
 /// prints nothing. Absent if the folder cannot be opened or the user interrupted the scan.
 std::optional<Snapshot> measuredScan(const ScanOptions& options);
+
+/// Plans a scan of `root` from its newest stored scan and the changes recorded since. Blocks for the
+/// recorder's answer, or until `shouldCancel` returns true. Any thread.
+ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start,
+                 const std::function<bool()>& shouldCancel);
+
+/// Why `root` cannot be scanned; absent if it can.
+std::optional<Error> scanObstacle(const std::string& root);
+
+/// The expected size of `root` in bytes: the size in the last scan of `root`; otherwise, if `root` is a mount
+/// point, the used space of the volume.
+std::optional<Bytes> expectedBytes(const std::string& root);
+
+/// Stores a finished scan in the history of its root, and removes scans that the history does not keep.
+std::expected<void, Error> keepScan(const Snapshot& snapshot);
 
 }  // namespace spacemint::ctl

@@ -1,5 +1,6 @@
 #include "spacemintctl/StoredScan.h"
 
+#include "core/history/Baseline.h"
 #include "spacemintctl/Console.h"
 
 #include <algorithm>
@@ -69,6 +70,19 @@ std::optional<Snapshot> storedScanOrComplaint(std::string_view date) {
 
 std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::string_view date) {
   return scanAmong(store.entries(currentTime()), date);
+}
+
+std::optional<Snapshot> usualBaseline(const Snapshot& current) {
+  const SnapshotStore store = SnapshotStore::ofRoot(current.rootPath());
+  auto history = store.entries();
+  std::erase_if(history, [&](const SnapshotStore::Entry& entry) {
+    return entry.date > std::chrono::floor<std::chrono::seconds>(current.date);
+  });
+  for (const auto& entry : baselineCandidates(history)) {
+    auto scan = store.load(entry);
+    if (scan && scan->rootPath() == current.rootPath()) return std::move(*scan);
+  }
+  return std::nullopt;
 }
 
 }  // namespace spacemint::ctl

@@ -51,8 +51,17 @@ std::string heading(const NcduFormat::Imported& imported, const std::string& loc
 
 }  // namespace
 
+std::string exported(const Snapshot& snapshot) {
+  return NcduFormat::encode(snapshot, hostName(), SPACEMINT_VERSION);
+}
+
+std::expected<NcduFormat::Imported, Error> importedFrom(const std::string& file) {
+  const auto text = textFrom(file);
+  return text ? NcduFormat::decode(*text) : std::unexpected(text.error());
+}
+
 bool exportScan(const Snapshot& snapshot, const std::string& file) {
-  const std::string text = NcduFormat::encode(snapshot, hostName(), SPACEMINT_VERSION);
+  const std::string text = exported(snapshot);
   if (file.empty() || file == "-") return print(text);
   const auto written = writeFileAtomically(file, text);
   if (!written) complain("couldn't write the export: " + printable(written.error().message));
@@ -65,8 +74,7 @@ int runExport(const ExportOptions& options) {
 }
 
 int runImport(const ImportOptions& options) {
-  const auto text = textFrom(options.file);
-  const auto imported = text ? NcduFormat::decode(*text) : std::unexpected(text.error());
+  const auto imported = importedFrom(options.file);
   if (!imported) {
     complain(printable(options.file) + ": " + printable(imported.error().message));
     return failed;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/tree/Snapshot.h"
+#include "core/history/NcduFormat.h"
 
 #include <cstddef>
 #include <string>
@@ -30,5 +30,11 @@ int runImport(const ImportOptions& options);
 /// Writes a scan for other programs to `file`, or to standard output for "-"; prints the reason of a failure
 /// and returns false.
 bool exportScan(const Snapshot& snapshot, const std::string& file);
+
+/// The text of a scan for other programs.
+std::string exported(const Snapshot& snapshot);
+
+/// Reads a scan of this or another program from `file`, or from standard input for "-".
+std::expected<NcduFormat::Imported, Error> importedFrom(const std::string& file);
 
 }  // namespace spacemint::ctl
