@@ -15,12 +15,16 @@
 #include "spacemintctl/TransferCommands.h"
 #include "spacemintctl/UsageCommand.h"
 #include "spacemintctl/WatchCommand.h"
+#include "spacemintctl/browse/BrowseCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <deque>
 #include <exception>
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -176,6 +180,23 @@ void addTransfer(CLI::App& app, Action& action) {
   incoming->callback([&] { action = [] { return runImport(in); }; });
 }
 
+void addBrowse(CLI::App& app, Action& action) {
+  static BrowseOptions options;
+  CLI::App* browse = app.add_subcommand(
+      "browse",
+      "Walk through a folder on the full screen, and remove what you do not need; \"?\" shows the keys");
+  CLI::Option* path = browse->add_option("PATH", options.path, "The folder; your home folder by default");
+  browse
+      ->add_option("-f,--import", options.importFile,
+                   "Show a scan that was exported, also on another computer; \"-\" reads standard input")
+      ->type_name("FILE")
+      ->excludes(path);
+  browse->add_flag("-r,--read-only", options.readOnly, "Remove nothing");
+  browse->add_flag("--allow-removal", options.allowRemoval, "Let root remove files and folders");
+  browse->add_flag("--json", options.json, "Not here: \"folders --json\" and \"scan --json\" print JSON");
+  browse->callback([&] { action = [] { return runBrowse(options); }; });
+}
+
 CLI::App* addSectionOptions(CLI::App* command, SectionOptions& options, const char* scanNames = "--scan") {
   addScanDate(command, options.scan, scanNames);
   addTop(command, options.top);
@@ -305,6 +326,11 @@ void openUserData() {
   if (migrated.error) complain(printable(*migrated.error));
 }
 
+bool hasCommand(const CLI::App& app, const std::string& name) {
+  return std::ranges::any_of(app.get_subcommands([](const CLI::App*) { return true; }),
+                             [&](const CLI::App* command) { return command->get_name() == name; });
+}
+
 int run(int argc, char** argv) {
   CLI::App app{"Spacemint: what is big on your disk, what grew, and what is safe to clean", "spacemintctl"};
   app.require_subcommand(1);
@@ -319,6 +345,7 @@ int run(int argc, char** argv) {
   addHistory(app, action);
   addFilesAndFolders(app, action);
   addFind(app, action);
+  addBrowse(app, action);
   addTransfer(app, action);
   addReport(app, action);
   addSections(app, action);
@@ -327,8 +354,13 @@ int run(int argc, char** argv) {
   addExplain(app, action);
   addSettings(app, action);
   addUsage(app, action);
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  // "spacemintctl PATH"
+  if (!arguments.empty() && !hasCommand(app, arguments.front()) && namesFolder(arguments.front()))
+    arguments.insert(arguments.begin(), "browse");
+  std::ranges::reverse(arguments);  // as the parser wants them
   try {
-    app.parse(argc, argv);
+    app.parse(arguments);
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem) == 0 ? done : wrongUsage;
   }

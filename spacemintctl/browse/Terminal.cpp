@@ -1,0 +1,258 @@
+#include "spacemintctl/browse/Terminal.h"
+
+#include <langinfo.h>
+#define NCURSES_NOMACROS 1
+#include <ncurses.h>
+#include <poll.h>
+#include <term.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+// The library's macros have the names of ordinary words.
+#undef lines
+#undef columns
+
+namespace spacemint::ctl {
+
+namespace {
+
+constexpr std::array<int, 6> faults{SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGQUIT};
+
+// What a signal handler needs to give the terminal back.
+struct Before {
+  int descriptor = -1;
+  termios settings{};
+  char leave[256] = {};
+  std::size_t leaveLength = 0;
+};
+Before before;
+
+void noteLeaving(const char* text) {
+  if (text == nullptr || text == reinterpret_cast<const char*>(-1)) return;
+  const std::size_t length = std::strlen(text);
+  if (before.leaveLength + length > sizeof before.leave) return;
+  std::memcpy(before.leave + before.leaveLength, text, length);
+  before.leaveLength += length;
+}
+
+// Only calls that a signal handler may make. SA_RESETHAND has set back the signal, which then ends the
+// process.
+void giveBackAndDie(int signal) {
+  tcsetattr(before.descriptor, TCSANOW, &before.settings);
+  [[maybe_unused]] const auto written = write(STDOUT_FILENO, before.leave, before.leaveLength);
+  raise(signal);
+}
+
+void catchFaults() {
+  // A stack of its own: the fault may be that the usual one is full.
+  static std::array<char, 65'536> stack;
+  stack_t other{};
+  other.ss_sp = stack.data();
+  other.ss_size = stack.size();
+  sigaltstack(&other, nullptr);
+  struct sigaction action {};
+  action.sa_handler = giveBackAndDie;
+  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_ONSTACK);
+  for (const int fault : faults) sigaction(fault, &action, nullptr);
+}
+
+void useUtf8() {
+  std::setlocale(LC_CTYPE, "");
+  if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+struct Look {
+  Style style;
+  short colour;      // of 8
+  short fineColour;  // of 256
+  attr_t attributes;
+  // Without colours.
+  attr_t plainAttributes;
+};
+
+constexpr std::array<Look, 10> looks{{
+    {Style::plain, -1, -1, A_NORMAL, A_NORMAL},
+    {Style::dim, -1, 244, A_NORMAL, A_NORMAL},
+    {Style::strong, -1, -1, A_BOLD, A_BOLD},
+    {Style::heading, -1, -1, A_REVERSE, A_REVERSE},
+    {Style::folder, COLOR_BLUE, 75, A_BOLD, A_BOLD},
+    {Style::bar, COLOR_GREEN, 72, A_NORMAL, A_NORMAL},
+    {Style::grew, COLOR_RED, 209, A_NORMAL, A_BOLD},
+    {Style::shrank, COLOR_GREEN, 114, A_NORMAL, A_NORMAL},
+    {Style::marked, COLOR_YELLOW, 221, A_BOLD, A_BOLD},
+    {Style::warning, COLOR_YELLOW, 221, A_BOLD, A_BOLD},
+}};
+
+bool wantsColours() {
+  const char* no = std::getenv("NO_COLOR");
+  return (no == nullptr || *no == '\0') && has_colors();
+}
+
+void prepareColours() {
+  start_color();
+  use_default_colors();
+  for (std::size_t i = 0; i < looks.size(); ++i)
+    init_pair(static_cast<short>(i + 1), COLORS >= 256 ? looks[i].fineColour : looks[i].colour, -1);
+}
+
+Key keyOf(int code) {
+  using Kind = Key::Kind;
+  switch (code) {
+    case KEY_UP:
+      return {Kind::up};
+    case KEY_DOWN:
+      return {Kind::down};
+    case KEY_LEFT:
+      return {Kind::left};
+    case KEY_RIGHT:
+      return {Kind::right};
+    case KEY_PPAGE:
+      return {Kind::pageUp};
+    case KEY_NPAGE:
+      return {Kind::pageDown};
+    case KEY_HOME:
+      return {Kind::home};
+    case KEY_END:
+      return {Kind::end};
+    case KEY_ENTER:
+      return {Kind::enter};
+    case KEY_BACKSPACE:
+      return {Kind::backspace};
+    case KEY_DC:
+      return {Kind::remove};
+    default:
+      return {};
+  }
+}
+
+Key characterKey(char32_t character) {
+  using Kind = Key::Kind;
+  switch (character) {
+    case '\r':
+    case '\n':
+      return {Kind::enter};
+    case 0x1b:
+      return {Kind::escape};
+    case 0x7f:
+    case '\b':
+      return {Kind::backspace};
+    default:
+      return {.kind = character < 0x20 ? Kind::other : Kind::character, .character = character};
+  }
+}
+
+Key mouseKey() {
+  MEVENT event{};
+  if (getmouse(&event) != OK) return {};
+  if ((event.bstate & BUTTON4_PRESSED) != 0) return {Key::Kind::wheelUp};
+  if ((event.bstate & BUTTON5_PRESSED) != 0) return {Key::Kind::wheelDown};
+  if ((event.bstate & BUTTON1_PRESSED) == 0 || event.y < 0) return {};
+  return {.kind = Key::Kind::click, .row = static_cast<std::size_t>(event.y)};
+}
+
+}  // namespace
+
+struct Terminal::Parts {
+  std::FILE* input = nullptr;
+  SCREEN* screen = nullptr;
+  bool hasColours = false;
+
+  ~Parts() {
+    if (screen != nullptr) {
+      endwin();
+      delscreen(screen);
+    }
+    if (input != nullptr && input != stdin) std::fclose(input);
+    for (const int fault : faults) std::signal(fault, SIG_DFL);
+  }
+
+  void set(Style style) const {
+    const auto index = static_cast<std::size_t>(style);
+    const Look& look = looks[index];
+    attr_set(hasColours ? look.attributes : look.plainAttributes,
+             static_cast<short>(hasColours ? index + 1 : 0), nullptr);
+  }
+};
+
+Terminal::Terminal(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+Terminal::~Terminal() = default;
+
+bool Terminal::canBeUsed(bool keysFromTerminal) {
+  return isatty(STDOUT_FILENO) == 1 && (keysFromTerminal || isatty(STDIN_FILENO) == 1);
+}
+
+std::expected<std::unique_ptr<Terminal>, Error> Terminal::open(bool keysFromTerminal) {
+  auto parts = std::make_unique<Parts>();
+  parts->input = keysFromTerminal ? std::fopen("/dev/tty", "re") : stdin;
+  if (parts->input == nullptr) return std::unexpected(systemError("/dev/tty", errno));
+  before = {.descriptor = fileno(parts->input)};
+  tcgetattr(before.descriptor, &before.settings);
+  useUtf8();
+  parts->screen = newterm(nullptr, stdout, parts->input);
+  if (parts->screen == nullptr) {
+    const char* kind = std::getenv("TERM");
+    return std::unexpected(Error{.domain = "terminal",
+                                 .message = "the kind of this terminal is not known: TERM is \"" +
+                                            std::string{kind == nullptr ? "" : kind} + "\""});
+  }
+  noteLeaving("\x1b[?1006l\x1b[?1000l");  // no more mouse
+  for (const char* capability : {"sgr0", "rmkx", "cnorm", "rmcup"}) noteLeaving(tigetstr(capability));
+  catchFaults();
+  set_escdelay(25);
+  cbreak();
+  noecho();
+  nonl();
+  keypad(stdscr, TRUE);
+  nodelay(stdscr, TRUE);
+  curs_set(0);
+  mouseinterval(0);
+  mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
+  parts->hasColours = wantsColours();
+  if (parts->hasColours) prepareColours();
+  return std::unique_ptr<Terminal>(new Terminal(std::move(parts)));
+}
+
+ScreenSize Terminal::size() const {
+  return {.columns = static_cast<std::size_t>(COLS), .rows = static_cast<std::size_t>(LINES)};
+}
+
+void Terminal::draw(const Screen& screen) {
+  erase();
+  int row = 0;
+  for (const Line& line : screen.lines) {
+    move(row++, 0);
+    for (const Span& span : line.spans) {
+      parts_->set(span.style);
+      if (line.isChosen) attr_on(A_REVERSE, nullptr);
+      addstr(span.text.c_str());
+    }
+  }
+  refresh();
+}
+
+std::optional<Key> Terminal::key() {
+  wint_t character = 0;
+  const int result = get_wch(&character);
+  if (result == OK) return characterKey(static_cast<char32_t>(character));
+  if (result == KEY_CODE_YES) {
+    if (character == KEY_MOUSE) return mouseKey();
+    return keyOf(static_cast<int>(character));
+  }
+  pollfd input{keys(), POLLIN, 0};
+  if (poll(&input, 1, 0) == 1 && (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) hasGone_ = true;
+  return std::nullopt;
+}
+
+int Terminal::keys() const {
+  return fileno(parts_->input);
+}
+
+}  // namespace spacemint::ctl
