@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QGuiApplication>
+#include <QRawFont>
 
 #include <algorithm>
 
@@ -21,6 +22,14 @@ Theme::Theme(QObject* parent)
     : QObject(parent),
       sansFamily_(familyOr(QStringLiteral("Inter"))),
       serifFamily_(familyOr(QStringLiteral("Source Serif 4"))) {}
+
+QString Theme::displayFamily(const QString& text) const {
+  const auto font = QRawFont::fromFont(QFont{serifFamily_});
+  const auto letters = text.toUcs4();
+  return std::ranges::all_of(letters, [&](uint letter) { return font.supportsCharacter(letter); })
+             ? serifFamily_
+             : sansFamily_;
+}
 
 void Theme::setDark(bool isDark) {
   if (isDark == isDark_) return;

@@ -28,7 +28,6 @@ class Theme : public QObject {
   /// Whether the desktop wants no animations.
   Q_PROPERTY(bool reducedMotion READ reducedMotion WRITE setReducedMotion NOTIFY reducedMotionChanged)
   Q_PROPERTY(QString sansFamily READ sansFamily CONSTANT)
-  Q_PROPERTY(QString serifFamily READ serifFamily CONSTANT)
 
   SPACEMINT_THEME_COLOUR(chrome)
   SPACEMINT_THEME_COLOUR(canvas)
@@ -72,7 +71,9 @@ class Theme : public QObject {
   void setReducedMotion(bool isReduced);
 
   QString sansFamily() const { return sansFamily_; }
-  QString serifFamily() const { return serifFamily_; }
+  /// The family for a headline: the serif family if it has all letters of the text, else the sans family. A
+  /// text with letters of two fonts looks broken.
+  Q_INVOKABLE QString displayFamily(const QString& text) const;
 
  Q_SIGNALS:
   void isDarkChanged();

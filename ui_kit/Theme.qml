@@ -13,9 +13,9 @@ ThemeBase {
     /// Whether the person used the keyboard last, and not the pointer. Read here, so that it is known from the start.
     readonly property bool isKeyboardInUse: LastInput.isKeyboard
 
-    /// The font of figures and headlines.
-    function display(size: real) : font {
-        return scaledFont(serifFamily, size, Font.Normal);
+    /// The font of figures and headlines, for one such text.
+    function display(size: real, shown: string) : font {
+        return scaledFont(displayFamily(shown), size, Font.Normal);
     }
 
     /// The font of all other texts. `weight` is a value of Font and may be left out.

@@ -40,7 +40,7 @@ Item {
         Label {
             Layout.fillWidth: true
             text: Words.firstScanTitle
-            font: Theme.display(24)
+            font: Theme.display(24, text)
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             Accessible.role: Accessible.Heading

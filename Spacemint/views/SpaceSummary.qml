@@ -24,7 +24,7 @@ ColumnLayout {
 
             anchors.baseline: free.baseline
             text: root.ui.summary.beforeFree
-            font: Theme.display(20)
+            font: Theme.display(20, text)
             color: root.levelColor
         }
         Label {
@@ -32,7 +32,7 @@ ColumnLayout {
 
             anchors.left: before.right
             text: root.ui.summary.free
-            font: Theme.display(44)
+            font: Theme.display(44, text)
             color: root.levelColor
         }
         Label {
@@ -41,7 +41,7 @@ ColumnLayout {
             anchors.left: free.right
             anchors.baseline: free.baseline
             text: root.ui.summary.afterFree
-            font: Theme.display(20)
+            font: Theme.display(20, text)
             color: root.levelColor
         }
         Label {

@@ -20,7 +20,7 @@ ColumnLayout {
         Label {
             Layout.fillWidth: true
             text: Words.welcomeTitle
-            font: Theme.display(30)
+            font: Theme.display(30, text)
             wrapMode: Text.Wrap
             Accessible.role: Accessible.Heading
         }

@@ -80,7 +80,9 @@ TEST(UiKit, BringsItsSerif) {
   UiKit::install(engine);
   const QString serif = QStringLiteral("Source Serif 4");
   EXPECT_TRUE(QFontDatabase::hasFamily(serif));
-  EXPECT_EQ(UiKit::theme(engine).serifFamily(), serif);
+  const Theme& theme = UiKit::theme(engine);
+  EXPECT_EQ(theme.displayFamily(QStringLiteral("57.1 GB für Ærø")), serif);
+  EXPECT_EQ(theme.displayFamily(QStringLiteral("Łódź")), theme.sansFamily());
 }
 
 QString qString(std::string_view text) {

@@ -8,7 +8,7 @@ Item {
     readonly property color own: Theme.dynamic(0x112233, 0xFFEEDD)
     readonly property int transition: Theme.duration(150)
     readonly property font small: Theme.text(10)
-    readonly property font figure: Theme.display(40)
+    readonly property font figure: Theme.display(40, "57.1 GB")
 
     width: 400
     height: 300

@@ -12,11 +12,11 @@ Column {
     }
     Label {
         text: "17.34 GB"
-        font: Theme.display(40)
+        font: Theme.display(40, text)
     }
     Label {
         text: "used of 256 GB, Ünlüler, Łódź"
-        font: Theme.display(20)
+        font: Theme.display(20, text)
     }
     Repeater {
         model: [10, 11, 12, 13, 15, 17]
