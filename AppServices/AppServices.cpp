@@ -1,5 +1,7 @@
 #include "AppServices/AppServices.h"
 
+#include "core/base/Translation.h"
+
 #include <QCoreApplication>
 
 namespace spacemint {
@@ -43,11 +45,11 @@ void AppServices::start(bool withUpdates) {
 std::vector<AppServices::MenuItem> AppServices::menuItems() const {
   std::vector<MenuItem> items;
   if (updates_) {
-    items.push_back({.title = QStringLiteral("Check for Updates…"),
+    items.push_back({.title = QString::fromStdString(i18n("Check for Updates…")),
                      .choose = [updates = updates_.get()] { updates->checkNow(); }});
   }
   if (usage_ && usage_->isOffered()) {
-    items.push_back({.title = QStringLiteral("Share Anonymous Usage"),
+    items.push_back({.title = QString::fromStdString(i18n("Share Anonymous Usage")),
                      .choose = [usage = usage_.get()] { usage->toggle(); },
                      .isOn = [usage = usage_.get()] { return usage->isShared(); }});
   }

@@ -1,5 +1,7 @@
 #include "AppServices/NoticeText.h"
 
+#include "core/base/Translation.h"
+
 namespace spacemint {
 
 NoticeText noticeText(const Notice& notice, const std::string& appName) {
@@ -7,12 +9,14 @@ NoticeText noticeText(const Notice& notice, const std::string& appName) {
     return {
         .title = message->title, .body = message->body, .primary = message->link ? message->link->title : ""};
   }
-  return {.title = "Share anonymous usage?",
-          .body = "Once a day, " + appName + " would tell us it's in use, with its version and " +
-                  "the version of your system. Nothing about you or your files. You can change this in the " +
-                  appName + " menu.",
-          .primary = "Share",
-          .secondary = "Don't share"};
+  return {
+      .title = i18n("Share anonymous usage?"),
+      .body = i18n("Once a day, {application} would tell us it's in use, with its version and the version of "
+                   "your system. Nothing about you or your files. You can change this in the {application} "
+                   "menu.",
+                   {{"application", appName}}),
+      .primary = i18nc("anonymous usage", "Share"),
+      .secondary = i18nc("anonymous usage", "Don't share")};
 }
 
 }  // namespace spacemint

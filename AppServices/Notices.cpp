@@ -1,5 +1,7 @@
 #include "AppServices/Notices.h"
 
+#include "core/base/Translation.h"
+
 #include <QTimer>
 
 #include <algorithm>
@@ -57,6 +59,10 @@ void Notices::showFrom(const std::optional<WebReply>& reply) {
                                           .today = host_.today(),
                                           .seen = std::move(seen)});
   if (message) show(*message);
+}
+
+QString Notices::closeHelp() {
+  return QString::fromStdString(i18nc("button", "Close"));
 }
 
 void Notices::dismiss() {

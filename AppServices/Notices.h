@@ -60,7 +60,7 @@ class Notices : public QObject {
   QString body() const { return QString::fromStdString(text_.body); }
   QString primary() const { return QString::fromStdString(text_.primary); }
   QString secondary() const { return QString::fromStdString(text_.secondary); }
-  static QString closeHelp() { return QStringLiteral("Close"); }
+  static QString closeHelp();
 
  Q_SIGNALS:
   void currentChanged();

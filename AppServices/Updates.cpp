@@ -1,5 +1,7 @@
 #include "AppServices/Updates.h"
 
+#include "core/base/Translation.h"
+
 #include <QPointer>
 #include <QTimer>
 
@@ -12,23 +14,23 @@ namespace {
 std::string problemText(const UpdateState& state) {
   switch (state.problem) {
     case UpdateProblem::noKey:
-      return "This copy cannot check whether an update is genuine.";
+      return i18n("This copy cannot check whether an update is genuine.");
     case UpdateProblem::feedUnreachable:
-      return "The list of updates could not be reached.";
+      return i18n("The list of updates could not be reached.");
     case UpdateProblem::feedUnreadable:
-      return "The list of updates could not be read.";
+      return i18n("The list of updates could not be read.");
     case UpdateProblem::downloadFailed:
-      return "The update could not be downloaded. Try again later.";
+      return i18n("The update could not be downloaded. Try again later.");
     case UpdateProblem::cannotStore:
-      return "The update could not be stored.";
+      return i18n("The update could not be stored.");
     case UpdateProblem::noInstaller:
-      return "No program opened the update. To install it, run in a terminal: sudo apt install '" +
-             state.package + "'";
+      return i18n("No program opened the update. To install it, run in a terminal: {command}",
+                  {{"command", "sudo apt install '" + state.package + "'"}});
     case UpdateProblem::feedRefused:
     case UpdateProblem::fileRefused:
     case UpdateProblem::signatureRefused:
     case UpdateProblem::packageRefused:
-      return "The update is not genuine and was not installed.";
+      return i18n("The update is not genuine and was not installed.");
   }
   return {};
 }
@@ -38,11 +40,11 @@ std::string resultText(const UpdateState& state, const std::string& appName) {
     case UpdateState::Result::none:
       return {};
     case UpdateState::Result::upToDate:
-      return state.isAsked ? appName + " is up to date." : "";
+      return state.isAsked ? i18n("{application} is up to date.", {{"application", appName}}) : "";
     case UpdateState::Result::found:
-      return "Version " + state.version + " is available.";
+      return i18n("Version {version} is available.", {{"version", state.version}});
     case UpdateState::Result::ready:
-      return "Version " + state.version + " is ready to install.";
+      return i18n("Version {version} is ready to install.", {{"version", state.version}});
     case UpdateState::Result::failed:
       return state.isAsked ? problemText(state) : "";
   }
@@ -56,11 +58,11 @@ std::string updateStatus(const UpdateState& state, const std::string& appName) {
     case UpdateState::Phase::idle:
       return resultText(state, appName);
     case UpdateState::Phase::checking:
-      return state.isAsked ? "Checking for updates…" : "";
+      return state.isAsked ? i18n("Checking for updates…") : "";
     case UpdateState::Phase::downloading:
-      return "Downloading version " + state.version + "…";
+      return i18n("Downloading version {version}…", {{"version", state.version}});
     case UpdateState::Phase::verifying:
-      return "Checking version " + state.version + "…";
+      return i18n("Checking version {version}…", {{"version", state.version}});
   }
   return {};
 }

@@ -1,6 +1,7 @@
 #include "Spacemint/model/AppModel.h"
 
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 
 #include <algorithm>
 
@@ -14,9 +15,10 @@ constexpr double oldBackupDays = 90;
 
 }  // namespace
 
-std::string_view titleOf(Tab tab) {
-  constexpr std::array<std::string_view, 4> titles{"Overview", "Folders", "Large files", "Developer"};
-  return titles.at(static_cast<std::size_t>(tab));
+std::string titleOf(Tab tab) {
+  constexpr std::array titles{i18nMark("Overview"), i18nMark("Folders"), i18nMark("Large files"),
+                              i18nMark("Developer")};
+  return i18n(titles.at(static_cast<std::size_t>(tab)));
 }
 
 AppModel::AppModel(AppContext context, const Desktop& desktop)

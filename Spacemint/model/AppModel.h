@@ -24,7 +24,7 @@ enum class Tab : std::uint8_t { overview, folders, files, developer };
 inline constexpr std::array<Tab, 4> allTabs{Tab::overview, Tab::folders, Tab::files, Tab::developer};
 
 /// What a tab is called.
-std::string_view titleOf(Tab tab);
+std::string titleOf(Tab tab);
 
 /// The application without its windows: owns all parts of the model. Main thread only.
 class AppModel : public QObject {

@@ -1,5 +1,6 @@
 #include "Spacemint/model/Cleanups.h"
 
+#include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/places/TrashPlace.h"
 
@@ -68,9 +69,10 @@ void Cleanups::perform(CleanupPlan plan) {
   const auto touching = std::ranges::find_if(
       runs_, [&](const auto& each) { return Cleanup::touchEachOther(each.second->plan, plan); });
   if (touching != runs_.end()) {
-    return parts_.messages.show("Spacemint didn't delete anything: another clean-up of the same items runs.");
+    return parts_.messages.show(
+        i18n("Spacemint didn't delete anything: another clean-up of the same items runs."));
   }
-  if (plan.steps.empty()) return parts_.messages.show("There is no Trash.");
+  if (plan.steps.empty()) return parts_.messages.show(i18n("There is no Trash."));
   const auto run = std::make_shared<Run>(std::move(plan));
   runs_.emplace(run->plan.id, run);
   Q_EMIT runningChanged();
@@ -108,8 +110,8 @@ void Cleanups::showProgress(const SharedRun& run) {
   if (run->isHidden) return;
   run->shown = CleanupText::progressText(run->plan, {run->items, run->bytes}, context_.locale);
   if (run->shown == current) return;
-  parts_.messages.show(*run->shown,
-                       MessageAction{.title = "Stop", .perform = [this, id = run->plan.id] { stop(id); }});
+  parts_.messages.show(*run->shown, MessageAction{.title = i18nc("button", "Stop"),
+                                                  .perform = [this, id = run->plan.id] { stop(id); }});
 }
 
 void Cleanups::showHiddenProgress() {
@@ -153,7 +155,7 @@ void Cleanups::finish(const SharedRun& run, std::optional<Bytes> freeAfter) {
   // A sandbox hides items; a message that names an item says all there is to do.
   if (failure != nullptr && failure->kind == CleanupFailure::Kind::needsFullDiskAccess &&
       failure->message.empty()) {
-    action = MessageAction{.title = "Open Settings", .perform = [&opener = desktop_.opener] {
+    action = MessageAction{.title = i18n("Open Settings"), .perform = [&opener = desktop_.opener] {
                              opener.openSettings(Opener::SettingsPage::fullDiskAccess);
                            }};
   }

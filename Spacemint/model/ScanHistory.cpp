@@ -1,6 +1,7 @@
 #include "Spacemint/model/ScanHistory.h"
 
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 #include "core/cleanup/Remeasure.h"
 #include "core/history/Baseline.h"
 
@@ -53,7 +54,7 @@ void ScanHistory::take(Loaded loaded) {
     assignBaseline(defaultBaseline(entries_));
     Q_EMIT changed();
   }
-  if (hasSkipped) messages_.show("The latest scan couldn't be read, so an earlier one is shown.");
+  if (hasSkipped) messages_.show(i18n("The latest scan couldn't be read, so an earlier one is shown."));
   isLoaded_ = true;
 }
 
@@ -136,7 +137,9 @@ void ScanHistory::save() {
         return writer->save(*snapshot, revision);
       },
       [this](const std::expected<bool, Error>& saved) {
-        if (!saved) messages_.show("Couldn't save changes to the scan: " + saved.error().message);
+        if (!saved)
+          messages_.show(
+              i18n("Couldn't save changes to the scan: {reason}", {{"reason", saved.error().message}}));
       });
 }
 

@@ -1,5 +1,7 @@
 #include "Spacemint/model/ScanJob.h"
 
+#include "core/base/Isolate.h"
+#include "core/base/Translation.h"
 #include "core/scan/ScanPlan.h"
 #include "core/tree/Paths.h"
 
@@ -42,7 +44,8 @@ ScanJob::Report ScanJob::run() const {
                            .listing = crawl.get()});
   if (isCancelled()) return {};
   if (crawl && result) crawl->finish();
-  if (!result) return {.failure = "Couldn't scan " + Paths::display(root, home) + "."};
+  if (!result)
+    return {.failure = i18n("Couldn't scan {path}.", {{"path", isolatedPath(Paths::display(root, home))}})};
   Report report = save(FinishedScan{.result = std::move(*result),
                                     .plan = plan,
                                     .minNodeSize = minNodeSize,
@@ -60,7 +63,7 @@ ScanJob::Report ScanJob::save(Snapshot snapshot) const {
   if (saved) {
     store.prune({.days = historyDays, .now = clock.now(), .timeZone = timeZone});
   } else {
-    report.failure = "Couldn't save scan results: " + saved.error().message;
+    report.failure = i18n("Couldn't save scan results: {reason}", {{"reason", saved.error().message}});
   }
   report.snapshot = std::move(snapshot);
   report.entries = store.entries(clock.now());

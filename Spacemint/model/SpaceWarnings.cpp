@@ -3,6 +3,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
 
@@ -25,22 +26,26 @@ bool countsFiles(const VolumeReading& reading) {
 
 std::string titleOf(const Supply& supply) {
   const bool isCritical = supply.level() == SpaceLevel::critical;
+  const std::string volume = isolatedName(supply.name);
   if (supply.resource == Resource::files) {
-    return (isCritical ? "Almost no room for more files on " : "Room for files is running low on ") +
-           isolatedName(supply.name);
+    return isCritical ? i18n("Almost no room for more files on {volume}", {{"volume", volume}})
+                      : i18n("Room for files is running low on {volume}", {{"volume", volume}});
   }
-  if (supply.isHome()) return isCritical ? "Your disk is almost full" : "Disk space is running low";
-  return isCritical ? isolatedName(supply.name) + " is almost full"
-                    : "Disk space is running low on " + isolatedName(supply.name);
+  if (supply.isHome())
+    return isCritical ? i18n("Your disk is almost full") : i18n("Disk space is running low");
+  return isCritical ? i18n("{volume} is almost full", {{"volume", volume}})
+                    : i18n("Disk space is running low on {volume}", {{"volume", volume}});
 }
 
 std::string sentence(const Supply& supply, const std::string& locale) {
-  const std::string name = isolatedName(supply.name);
+  const std::string volume = isolatedName(supply.name);
   if (supply.resource == Resource::space) {
-    return "Only " + ByteFormat::string(supply.free, locale) + " left on " + name + ".";
+    return i18n("Only {size} left on {volume}.",
+                {{"size", ByteFormat::string(supply.free, locale)}, {"volume", volume}});
   }
-  return "Only " + counted(supply.free, "more file", locale) + " can be stored on " + name +
-         ", even if it has free space.";
+  return i18np("Only {count} more file can be stored on {volume}, even if it has free space.",
+               "Only {count} more files can be stored on {volume}, even if it has free space.", supply.free,
+               {{"count", groupedNumber(supply.free, locale)}, {"volume", volume}});
 }
 
 }  // namespace
@@ -92,20 +97,23 @@ Notification WarningText::warning(const Arguments& arguments) {
     body += FindingText::culprit(*arguments.culprit, path, arguments.locale) + " ";
   } else if (isAboutHome && !arguments.growth.empty()) {
     const Growth& first = arguments.growth.front();
-    body += isolatedPath(Paths::display(first.path, arguments.home)) + " grew by " +
-            ByteFormat::string(first.delta, arguments.locale) + " recently. ";
+    body += i18n("{path} grew by {size} recently.",
+                 {{"path", isolatedPath(Paths::display(first.path, arguments.home))},
+                  {"size", ByteFormat::string(first.delta, arguments.locale)}}) +
+            " ";
   }
   return {.title = supplies.size() == 1 ? titleOf(supplies.front())
-                   : isCritical         ? "Your disks are almost full"
-                                        : "Disk space is running low",
-          .body = body + "Click to see what's using space.",
+                   : isCritical         ? i18n("Your disks are almost full")
+                                        : i18n("Disk space is running low"),
+          .body = body + i18n("Click to see what's using space."),
           .isCritical = isCritical,
           .hasSound = true};
 }
 
-Notification WarningText::test(std::int64_t thresholdGB) {
-  return {.title = "Spacemint notifications work",
-          .body = "You'll be warned when free space drops below " + std::to_string(thresholdGB) + " GB."};
+Notification WarningText::test(std::int64_t thresholdGB, const std::string& locale) {
+  return {.title = i18n("Spacemint notifications work"),
+          .body = i18n("You'll be warned when free space drops below {number} GB.",
+                       {{"number", groupedNumber(thresholdGB, locale)}})};
 }
 
 SpaceWarnings::SpaceWarnings(const Parts& parts, const AppContext& context, const Desktop& desktop)
@@ -215,7 +223,8 @@ void SpaceWarnings::tryAgain() {
 
 void SpaceWarnings::sendTestNotification() {
   if (!context_.mayNotify) return;
-  desktop_.notifier.show(WarningText::test(parts_.preferences.warningThresholdGB()), this, [](bool) {});
+  desktop_.notifier.show(WarningText::test(parts_.preferences.warningThresholdGB(), context_.locale), this,
+                         [](bool) {});
 }
 
 void SpaceWarnings::requestAuthorization() {

@@ -98,7 +98,7 @@ struct Arguments {
 Notification warning(const Arguments& arguments);
 
 /// Shows the user that notifications arrive.
-Notification test(std::int64_t thresholdGB);
+Notification test(std::int64_t thresholdGB, const std::string& locale);
 
 }  // namespace WarningText
 

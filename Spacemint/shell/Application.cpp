@@ -1,6 +1,7 @@
 #include "Spacemint/shell/Application.h"
 
 #include "Spacemint/shell/Placement.h"
+#include "core/base/Translation.h"
 #include "core/host/FreedMemory.h"
 #include "ui_kit/Colours.h"
 
@@ -161,10 +162,11 @@ void Application::explainWindow() {
   if (!interface_ || !interface_->isWindowShown() || host_.model.showingSettings()) return;
   if (!host_.model.history().snapshot() && !host_.model.scans().isScanning()) return;
   if (host_.model.messages().message() || host_.defaults.boolean(explainedWindowKey) == true) return;
-  const std::string extension =
-      host_.desktop.statusItem.opensMenuOnClick() ? " GNOME's extension AppIndicator adds one." : "";
-  host_.model.messages().show("This desktop has no status area, so Spacemint lives in this window." +
-                              extension);
+  host_.model.messages().show(
+      host_.desktop.statusItem.opensMenuOnClick()
+          ? i18n("This desktop has no status area, so Spacemint lives in this window. GNOME's extension "
+                 "AppIndicator adds one.")
+          : i18n("This desktop has no status area, so Spacemint lives in this window."));
   std::ignore = host_.defaults.set(explainedWindowKey, true);
 }
 
@@ -229,14 +231,23 @@ Commands Application::makeCommands() {
     if (interface_ && interface_->isWindowShown()) interface_->window().showMinimized();
   };
   return {
-      {{.title = "Open Spacemint", .key = {}, .run = [this] { showUI(); }}},
-      {{.title = "About Spacemint", .key = QKeyCombination{Qt::Key_F1}, .run = [this] { showAbout(); }},
-       {.title = "Settings…", .key = Qt::CTRL | Qt::Key_Comma, .run = [this] { openSettings(); }}},
+      {{.title = i18n("Open Spacemint"), .key = {}, .run = [this] { showUI(); }}},
+      {{.title = i18n("About Spacemint"), .key = QKeyCombination{Qt::Key_F1}, .run = [this] { showAbout(); }},
+       {.title = i18n("Settings…"), .key = Qt::CTRL | Qt::Key_Comma, .run = [this] { openSettings(); }}},
       serviceCommands(),
-      {{.title = "Quit Spacemint", .key = Qt::CTRL | Qt::Key_Q, .run = host_.quit}},
-      {{.title = "Hide", .key = Qt::CTRL | Qt::Key_H, .run = [this] { hideShown(); }, .isInMenu = false},
-       {.title = "Close", .key = Qt::CTRL | Qt::Key_W, .run = [this] { hideShown(); }, .isInMenu = false},
-       {.title = "Minimize", .key = Qt::CTRL | Qt::Key_M, .run = minimize, .isInMenu = false}},
+      {{.title = i18n("Quit Spacemint"), .key = Qt::CTRL | Qt::Key_Q, .run = host_.quit}},
+      {{.title = i18nc("the window", "Hide"),
+        .key = Qt::CTRL | Qt::Key_H,
+        .run = [this] { hideShown(); },
+        .isInMenu = false},
+       {.title = i18nc("the window", "Close"),
+        .key = Qt::CTRL | Qt::Key_W,
+        .run = [this] { hideShown(); },
+        .isInMenu = false},
+       {.title = i18nc("the window", "Minimize"),
+        .key = Qt::CTRL | Qt::Key_M,
+        .run = minimize,
+        .isInMenu = false}},
   };
 }
 

@@ -1,5 +1,7 @@
 #include "Spacemint/shell/Commands.h"
 
+#include "core/base/Translation.h"
+
 #include <QKeyEvent>
 #include <QKeySequence>
 
@@ -8,13 +10,17 @@ namespace spacemint {
 namespace {
 
 // Keys that the views handle themselves: key and meaning in turn.
-const QStringList keysOfViews{
-    QStringLiteral("Tab, arrows"), QStringLiteral("Move through buttons and lists"),
-    QStringLiteral("Return"),      QStringLiteral("Open the folder, press the button"),
-    QStringLiteral("Backspace"),   QStringLiteral("Back to the folder above"),
-    QStringLiteral("Shift+F10"),   QStringLiteral("Show the menu of a row"),
-    QStringLiteral("Escape"),      QStringLiteral("Close the question, the settings, the panel"),
-};
+QStringList keysOfViews() {
+  QStringList help;
+  for (const std::string& text :
+       {i18nc("keys", "Tab, arrows"), i18n("Move through buttons and lists"), i18nc("a key", "Return"),
+        i18n("Open the folder, press the button"), i18nc("a key", "Backspace"),
+        i18n("Back to the folder above"), i18nc("keys", "Shift+F10"), i18n("Show the menu of a row"),
+        i18nc("a key", "Escape"), i18n("Close the question, the settings, the panel")}) {
+    help << QString::fromStdString(text);
+  }
+  return help;
+}
 
 }  // namespace
 
@@ -47,11 +53,12 @@ bool runKey(const Commands& commands, const QKeyEvent& event) {
 }
 
 QStringList keyHelp(const Commands& commands) {
-  QStringList help = keysOfViews;
+  QStringList help = keysOfViews();
+  const QString control = QString::fromStdString(i18nc("a key", "Ctrl"));
   for (const auto& group : commands) {
     for (const auto& command : group) {
       if (!command.key) continue;
-      help << QKeySequence{*command.key}.toString(QKeySequence::NativeText)
+      help << QKeySequence{*command.key}.toString().replace(QStringLiteral("Ctrl"), control)
            << QString::fromStdString(command.title).remove(u'…');
     }
   }

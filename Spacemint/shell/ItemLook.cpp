@@ -1,6 +1,7 @@
 #include "Spacemint/shell/ItemLook.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "ui_kit/LogoGeometry.h"
 
 #include <QFont>
@@ -73,8 +74,10 @@ StatusText statusText(const StatusFacts& facts) {
   if (!facts.volume) return {};
   const std::string free = ByteFormat::string(facts.volume->free, facts.locale);
   const bool isShown = facts.showsFreeSpace || facts.level != SpaceLevel::ok;
-  return {.title = isShown ? " " + free : "",
-          .toolTip = free + " free of " + ByteFormat::string(facts.volume->total, facts.locale)};
+  return {
+      .title = isShown ? " " + free : "",
+      .toolTip = i18n("{free} free of {total}",
+                      {{"free", free}, {"total", ByteFormat::string(facts.volume->total, facts.locale)}})};
 }
 
 std::optional<Bytes> badgeOf(const StatusFacts& facts) {

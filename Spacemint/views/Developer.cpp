@@ -1,6 +1,8 @@
 #include "Spacemint/views/Developer.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 
 #include <algorithm>
@@ -12,23 +14,17 @@ namespace {
 
 constexpr std::string_view ollamaModels = ".ollama/models";
 
-constexpr std::string_view checkingDocker = "Checking Docker…";
-constexpr std::string_view checkingOllama = "Checking Ollama…";
-constexpr std::string_view pruneLine =
-    "Removes stopped containers, unused images and build cache. Keeps volumes.";
-constexpr std::string_view downloadsAgain = "It downloads again when needed.";
-
 // The texts about a tool while it has nothing to list.
 struct ToolTexts {
-  std::string_view checking;
+  const char* checking;
   std::string_view notRunning;
   std::string_view empty;
   std::string (*failed)(const std::string& reason);
 };
-constexpr ToolTexts dockerTexts{checkingDocker, FindingText::startDocker, FindingText::noDockerData,
-                                FindingText::dockerFailed};
-constexpr ToolTexts ollamaTexts{checkingOllama, FindingText::openOllama, FindingText::noOllamaModels,
-                                FindingText::ollamaFailed};
+constexpr ToolTexts dockerTexts{i18nMark("Checking Docker…"), FindingText::startDocker,
+                                FindingText::noDockerData, FindingText::dockerFailed};
+constexpr ToolTexts ollamaTexts{i18nMark("Checking Ollama…"), FindingText::openOllama,
+                                FindingText::noOllamaModels, FindingText::ollamaFailed};
 
 template <class ToolState>
 ListStatus statusOf(const ToolState& tool, const ToolTexts& texts) {
@@ -40,7 +36,7 @@ ListStatus statusOf(const ToolState& tool, const ToolTexts& texts) {
       return {.text = texts.failed(tool.error)};
     case Kind::unknown:
     case Kind::checking:
-      return {.text = std::string{texts.checking}, .isWaiting = true};
+      return {.text = i18n(texts.checking), .isWaiting = true};
     case Kind::notInstalled:
       return {.isShown = false};
     case Kind::notRunning:
@@ -49,41 +45,48 @@ ListStatus statusOf(const ToolState& tool, const ToolTexts& texts) {
   return {};
 }
 
-// A kind of Docker's data. A kind that is not in the table keeps Docker's name.
 struct DockerKind {
   std::string_view type;
-  std::string_view title;
-  std::string_view symbol;
+  const char* title;
+  const char* symbol;
 };
-constexpr std::array<DockerKind, 4> dockerKinds{{{"Images", "Unused images", "square.stack.3d.up"},
-                                                 {"Containers", "Stopped containers", "shippingbox"},
-                                                 {"Build Cache", "Unused build cache", "hammer"},
-                                                 {"Local Volumes", "Local Volumes", "cylinder"}}};
+constexpr std::array<DockerKind, 4> dockerKinds{
+    {{"Images", i18nMark("Unused images"), "square.stack.3d.up"},
+     {"Containers", i18nMark("Stopped containers"), "shippingbox"},
+     {"Build Cache", i18nMark("Unused build cache"), "hammer"},
+     {"Local Volumes", i18nMark("Local Volumes"), "cylinder"}}};
 
-DockerKind dockerKind(std::string_view type) {
-  const auto* known = std::ranges::find(dockerKinds, type, &DockerKind::type);
-  return known != dockerKinds.end() ? *known : DockerKind{.type = type, .title = type, .symbol = "cube"};
+// Sets the title and the symbol for a kind of Docker's data. A kind that is not in the table keeps Docker's
+// name.
+void describe(ListItem& item, const DevTools::DockerUsage& usage) {
+  const auto* known = std::ranges::find(dockerKinds, usage.type, &DockerKind::type);
+  const bool isKnown = known != dockerKinds.end();
+  item.title = isKnown ? i18n(known->title) : usage.type;
+  item.symbol = isKnown ? known->symbol : "cube";
 }
 
 struct RepositoryKind {
   std::string_view kind;
-  std::string_view symbol;
+  const char* title;
+  const char* symbol;
 };
 constexpr std::array<RepositoryKind, 3> repositoryKinds{
-    {{"Model", "brain"}, {"Dataset", "square.stack.3d.up"}, {"Space", "cube"}}};
+    {{"Model", i18nMark("Model"), "brain"},
+     {"Dataset", i18nMark("Dataset"), "square.stack.3d.up"},
+     {"Space", i18nMark("Space"), "cube"}}};
 
 // Sets the title, the subtitle and the symbol for an item of the Hugging Face cache.
 void describe(ListItem& item, const DevTools::HuggingFaceItem& found) {
   const auto* known = std::ranges::find(repositoryKinds, found.kind, &RepositoryKind::kind);
   if (known == repositoryKinds.end()) {
-    item.title = "Other cached files";
+    item.title = i18n("Other cached files");
     item.subtitle = found.kind + " · " + found.repo;
     item.symbol = "cube.transparent";
     return;
   }
   const auto owner = found.owner();
   item.title = found.name();
-  item.subtitle = owner ? found.kind + " · " + *owner : found.kind;
+  item.subtitle = i18n(known->title) + (owner ? " · " + *owner : "");
   item.symbol = known->symbol;
 }
 
@@ -115,8 +118,9 @@ void Developer::appeared() {
 
 QString Developer::activeToggle(int count, bool showsAll) const {
   if (count == 0) return {};
-  if (showsAll) return QStringLiteral("Hide active worktrees");
-  return ShownText::plain("Show " + ShownText::counted(count, "active worktree", host_.locale));
+  if (showsAll) return ShownText::plain(i18n("Hide active worktrees"));
+  return ShownText::plain(i18np("Show {count} active worktree", "Show {count} active worktrees", count,
+                                {{"count", groupedNumber(count, host_.locale)}}));
 }
 
 void Developer::updateFound() {
@@ -139,7 +143,7 @@ std::vector<ListItem> Developer::cacheItems() const {
                      .title = std::string{found.target->title},
                      .subtitle = std::string{found.target->advice},
                      .symbol = std::string{found.target->symbol},
-                     .buttonTitle = "Clean up",
+                     .buttonTitle = i18n("Clean up"),
                      .onButton = [&model = host_.model, found] { model.cleanups().ask(found); }});
   }
   return items;
@@ -151,9 +155,10 @@ std::vector<ListItem> Developer::huggingFaceItems() const {
     ListItem item{.id = found.path, .path = found.path, .size = found.size, .isDirectory = true};
     describe(item, found);
     if (host_.mayRemove(found.path, false)) {
-      item.buttonTitle = "Delete";
+      item.buttonTitle = i18n("Delete");
       item.onButton = [&model = host_.model, found] {
-        model.cleanups().ask(DeleteRequest{found.path, found.repo, found.size, std::string{downloadsAgain}});
+        model.cleanups().ask(
+            DeleteRequest{found.path, found.repo, found.size, i18n("It downloads again when needed.")});
       };
     }
     items.push_back(std::move(item));
@@ -173,7 +178,7 @@ void Developer::updateOllama() {
                      .title = model.name,
                      .subtitle = model.modified,
                      .symbol = "brain",
-                     .buttonTitle = "Remove",
+                     .buttonTitle = i18n("Remove"),
                      .onButton = [&app = host_.model, model] { app.cleanups().ask(model); }});
   }
   ollama_.assign(std::move(items), statusOf(tool, ollamaTexts));
@@ -183,15 +188,13 @@ void Developer::updateDocker() {
   DeveloperTools& tools = host_.model.dev();
   std::vector<ListItem> items;
   for (const DevTools::DockerUsage& usage : tools.docker().payload) {
-    const DockerKind kind = dockerKind(usage.type);
     ListItem item{.id = usage.type,
                   .size = usage.reclaimable,
-                  .title = std::string{kind.title},
-                  .subtitle = FindingText::inUse(usage.active, usage.count),
-                  .symbol = std::string{kind.symbol}};
+                  .subtitle = FindingText::inUse(usage.active, usage.count)};
+    describe(item, usage);
     if (usage.isVolumes() && usage.reclaimable > 0) {
       item.id = "docker-volumes";
-      item.buttonTitle = "Remove";
+      item.buttonTitle = i18n("Remove");
       item.onButton = [&model = host_.model] {
         model.cleanups().ask(DockerPruneRequest{true, model.dev().dockerVolumesReclaimable()});
       };
@@ -202,8 +205,8 @@ void Developer::updateDocker() {
   if (tools.dockerReclaimable() <= 0) return dockerPrune_.assign({});
   std::vector<ListItem> prune;
   prune.push_back({.id = "docker",
-                   .title = std::string{pruneLine},
-                   .buttonTitle = "Clean up",
+                   .title = i18n("Removes stopped containers, unused images and build cache. Keeps volumes."),
+                   .buttonTitle = i18n("Clean up"),
                    .onButton = [&model = host_.model] {
                      model.cleanups().ask(DockerPruneRequest{false, model.dev().dockerReclaimable()});
                    }});
@@ -237,7 +240,7 @@ ListItem Developer::worktreeItem(const GitWorktree& worktree) const {
   }
   // Git removes a worktree at any place; an orphan is deleted by the application.
   if (host_.mayRemove(worktree.path, !worktree.isOrphaned)) {
-    item.buttonTitle = "Remove";
+    item.buttonTitle = i18n("Remove");
     item.onButton = [&model = host_.model, worktree] { model.cleanups().ask(worktree); };
   }
   return item;

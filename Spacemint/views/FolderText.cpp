@@ -2,6 +2,7 @@
 
 #include "Spacemint/model/ScanLifecycle.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 
 namespace spacemint {
@@ -16,15 +17,16 @@ std::string minimum(const std::string& locale) {
 
 std::string FolderText::title(std::string_view path, std::string_view root, std::string_view home) {
   if (path != root && path != Paths::dataVolume) return Paths::lastComponent(path);
-  return canonicallyEqual(path, home) ? "Home folder" : "Entire disk";
+  return canonicallyEqual(path, home) ? i18n("Home folder") : i18n("Entire disk");
 }
 
 std::string FolderText::smallItems(bool hasChildren, const std::string& locale) {
-  return hasChildren ? "Other small items" : "Only small items, each under " + minimum(locale);
+  return hasChildren ? i18n("Other small items")
+                     : i18n("Only small items, each under {size}", {{"size", minimum(locale)}});
 }
 
 std::string FolderText::noLargeFiles(const std::string& locale) {
-  return "No files over " + minimum(locale) + ".";
+  return i18n("No files over {size}.", {{"size", minimum(locale)}});
 }
 
 }  // namespace spacemint

@@ -10,8 +10,6 @@ namespace spacemint {
 /// The names of folders and the texts about small items, for several tabs.
 namespace FolderText {
 
-inline constexpr std::string_view empty = "Nothing is in here.";
-
 /// The name of a folder in a scan of `root`: "Home folder", "Entire disk", or its last component.
 std::string title(std::string_view path, std::string_view root, std::string_view home);
 

@@ -2,6 +2,7 @@
 
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownText.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 
 #include <algorithm>
@@ -65,8 +66,9 @@ std::vector<ListItem> leftOutItems(const Folder& folder, const Snapshot& snapsho
     items.push_back(
         {.id = "left out " + item.path,
          .title = Paths::display(item.path, host.home),
-         .subtitle = FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale) +
-                     ", not scanned",
+         .subtitle = i18n(
+             "{item}, not scanned",
+             {{"item", FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale)}}),
          .sizeText = "",
          .symbol = item.kind == LeftOut::Kind::snapshot ? "square.stack.3d.up" : "externaldrive"});
   }
@@ -102,7 +104,7 @@ void Folders::update() {
   auto items = itemsOf(folder, host_);
   const Coverage& coverage = snapshot->coverage;
   std::ranges::move(leftOutItems(folder, *snapshot, host_), std::back_inserter(items));
-  std::string text{items.empty() ? FolderText::empty : ""};
+  std::string text = items.empty() ? i18n("Nothing is in here.") : "";
   content_.assign(std::move(items), {.text = std::move(text)});
   const std::string before = std::exchange(path_, folder.path);
   parent_ = folder.parent;

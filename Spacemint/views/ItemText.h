@@ -2,6 +2,7 @@
 
 #include "Spacemint/views/ShownText.h"
 #include "core/base/PlatformWords.h"
+#include "core/base/Translation.h"
 
 #include <QObject>
 #include <QQmlEngine>
@@ -22,20 +23,20 @@ class ItemText : public QObject {
   const QString& showInFileManager() const { return showInFileManager_; }
   /// The name of the file manager in the user's language.
   void setFileManager(const std::string& name) {
-    showInFileManager_ = QStringLiteral("Show in ") + ShownText::plain(name);
+    showInFileManager_ = ShownText::plain(i18n("Show in {application}", {{"application", name}}));
     Q_EMIT fileManagerChanged();
   }
 
-  QString showInFolders() const { return QStringLiteral("Show in Folders"); }
-  QString copyPath() const { return QStringLiteral("Copy Path"); }
+  QString showInFolders() const { return ShownText::plain(i18n("Show in Folders")); }
+  QString copyPath() const { return ShownText::plain(i18n("Copy Path")); }
 
   /// The tool tip of the button that removes an item.
   Q_INVOKABLE QString removeHelp(bool isInTrash) const {
-    return isInTrash ? QStringLiteral("Delete permanently…") : QStringLiteral("Move to Trash…");
+    return ShownText::plain(isInTrash ? i18n("Delete permanently…") : i18n("Move to Trash…"));
   }
   /// The menu entry that removes an item.
   Q_INVOKABLE QString removeEntry(bool isInTrash) const {
-    return isInTrash ? QStringLiteral("Delete Permanently…") : QStringLiteral("Move to Trash…");
+    return ShownText::plain(isInTrash ? i18n("Delete Permanently…") : i18n("Move to Trash…"));
   }
 
  Q_SIGNALS:

@@ -3,6 +3,7 @@
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
+#include "core/base/Translation.h"
 #include "core/wording/AccountText.h"
 
 #include <algorithm>
@@ -39,7 +40,9 @@ ListItem itemOf(const AccountLine& line, const std::string& locale) {
   for (const AccountLine::Detail& detail : line.details) {
     if (item.parts.size() == shownDetails) {
       const auto rest = static_cast<std::int64_t>(line.details.size() - shownDetails);
-      item.parts.push_back({.id = "more", .title = std::to_string(rest) + " more", .sizeText = ""});
+      item.parts.push_back({.id = "more",
+                            .title = i18n("{count} more", {{"count", groupedNumber(rest, locale)}}),
+                            .sizeText = ""});
       break;
     }
     item.parts.push_back({.id = std::to_string(item.parts.size()),
@@ -71,8 +74,8 @@ void NotInFiles::update() {
     size_.clear();
     sum_.clear();
     shares_.clear();
-    rows_.assign({}, {.text = current.isReading()   ? "Reading what is not in files…"
-                              : current.hasFailed() ? "The next scan shows what is not in files."
+    rows_.assign({}, {.text = current.isReading()   ? i18n("Reading what is not in files…")
+                              : current.hasFailed() ? i18n("The next scan shows what is not in files.")
                                                     : "",
                       .isWaiting = current.isReading()});
   }

@@ -5,6 +5,7 @@
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 
 #include <QDateTime>
@@ -18,8 +19,6 @@ namespace spacemint {
 
 namespace {
 
-constexpr std::string_view baselineUnreadable = "The earlier scan couldn't be read. Pick another one above.";
-
 constexpr std::size_t growingShown = 3;
 
 // If more folders grew, the rest is shown on demand.
@@ -27,7 +26,7 @@ constexpr int growthShown = 5;
 
 // The text in place of the list of what grew; empty when there is a list.
 std::string growthText(const Findings& findings, const std::string& locale) {
-  if (findings.baselineUnavailable) return std::string{baselineUnreadable};
+  if (findings.baselineUnavailable) return i18n("The earlier scan couldn't be read. Pick another one above.");
   if (!findings.spaceChange) return std::string{FindingText::nothingToCompare};
   return findings.growth.empty() ? FindingText::nothingGrew(Findings::growthMinimum, locale) : "";
 }
@@ -75,12 +74,14 @@ QString Overview::accessTitle() const {
 }
 
 QString Overview::accessLine() const {
-  return QStringLiteral("Spacemint can't see your whole disk, so some sizes may be out of date.");
+  return ShownText::plain(i18n("Spacemint can't see your whole disk, so some sizes may be out of date."));
 }
 
 QString Overview::growthToggle(int count, bool showsAll) const {
   if (count <= growthShown) return {};
-  return showsAll ? QStringLiteral("Show less") : QStringLiteral("Show all %1").arg(count);
+  return ShownText::plain(showsAll
+                              ? i18n("Show less")
+                              : i18n("Show all {count}", {{"count", groupedNumber(count, host_.locale)}}));
 }
 
 void Overview::chooseBaseline(int index) {
@@ -234,8 +235,8 @@ std::vector<ListItem> Overview::trashItems() const {
            .title = FindingText::trashTitle(*trash, host_.locale),
            .subtitle = FindingText::trashLine(*trash, host_.locale),
            .symbol = "trash",
-           .buttonTitle = "Empty Trash",
-           .busyTitle = "Emptying…",
+           .buttonTitle = i18n("Empty Trash"),
+           .busyTitle = i18n("Emptying…"),
            .onButton = [&model = host_.model] { model.confirmEmptyTrash(); }}};
 }
 
@@ -249,8 +250,8 @@ std::vector<ListItem> Overview::backupItems() const {
            .title = FindingText::oldBackupTitle(*backup, host_.locale),
            .subtitle = FindingText::oldBackupLine(*backup, now(), ShownText::wordsLocale),
            .symbol = "iphone",
-           .buttonTitle = "Delete backup",
-           .busyTitle = "Deleting…",
+           .buttonTitle = i18n("Delete backup"),
+           .busyTitle = i18n("Deleting…"),
            .onButton = [&model = host_.model, backup = *backup] { model.cleanups().ask(backup); }}};
 }
 
@@ -264,8 +265,8 @@ std::vector<ListItem> Overview::suggestionItems() const {
                   .subtitle = suggestion.advice,
                   .symbol = suggestion.symbol};
     if (suggestion.id == Cleanups::trashId) {
-      item.buttonTitle = "Empty Trash";
-      item.busyTitle = "Emptying…";
+      item.buttonTitle = i18n("Empty Trash");
+      item.busyTitle = i18n("Emptying…");
       item.onButton = [&model = host_.model] { model.confirmEmptyTrash(); };
     }
     for (const auto& location : suggestion.locations) {

@@ -2,6 +2,7 @@
 
 #include "Spacemint/views/ShownText.h"
 #include "core/base/PlatformWords.h"
+#include "core/base/Translation.h"
 
 namespace spacemint {
 
@@ -40,8 +41,8 @@ QString Page::accessTitle() const {
 }
 
 QString Page::accessLine() const {
-  return hasAccess() ? QStringLiteral("Spacemint can see your whole disk.")
-                     : QStringLiteral("Some sizes will be too small.");
+  return ShownText::plain(hasAccess() ? i18n("Spacemint can see your whole disk.")
+                                      : i18n("Some sizes will be too small."));
 }
 
 QString Page::message() const {

@@ -1,7 +1,9 @@
 #include "Spacemint/views/ScanControl.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 
 #include <cmath>
 
@@ -9,42 +11,47 @@ namespace spacemint {
 
 namespace {
 
-std::string remainingText(Seconds remaining) {
-  if (remaining < std::chrono::minutes{1}) return "under a minute left";
+std::string remainingText(Seconds remaining, const std::string& locale) {
+  if (remaining < std::chrono::minutes{1}) return i18n("under a minute left");
   const auto minutes = std::llround(remaining.count() / 60);
-  return "about " + std::to_string(minutes) + " min left";
+  return i18n("about {minutes} min left", {{"minutes", groupedNumber(minutes, locale)}});
 }
 
 // The application scans the home folder or the entire disk. A scan of another folder was started by hand.
 std::string scope(const Snapshot& snapshot, std::string_view home) {
   const std::string& root = snapshot.rootPath();
-  if (root == home) return "home folder";
-  if (root == Paths::dataVolume || snapshot.components(home)) return "entire disk";
+  if (root == home) return i18nc("what was scanned", "home folder");
+  if (root == Paths::dataVolume || snapshot.components(home)) return i18nc("what was scanned", "entire disk");
   return Paths::display(root, home);
 }
 
 }  // namespace
 
 std::string ScanText::title(std::optional<double> fraction) {
-  if (!fraction) return "Scanning…";
-  return "Scanning · " + std::to_string(static_cast<int>(*fraction * 100)) + "%";
+  if (!fraction) return i18n("Scanning…");
+  return i18n("Scanning · {percent}%", {{"percent", std::to_string(static_cast<int>(*fraction * 100))}});
 }
 
 std::string ScanText::detail(std::int64_t files, std::optional<Seconds> remaining,
                              const std::string& locale) {
-  const std::string counted = ShownText::counted(files, "file", locale);
-  return remaining ? counted + " · " + remainingText(*remaining) : counted;
+  const std::string counted =
+      i18np("{count} file", "{count} files", files, {{"count", groupedNumber(files, locale)}});
+  return remaining ? counted + " · " + remainingText(*remaining, locale) : counted;
 }
 
 std::string ScanText::scanned(const Scanned& scan) {
-  return (scan.updatedAt ? "Updated " : "Scanned ") +
-         RelativeTime::string(scan.updatedAt.value_or(scan.snapshot.date), scan.now, ShownText::wordsLocale) +
-         " · " + scope(scan.snapshot, scan.home);
+  const std::string age =
+      RelativeTime::string(scan.updatedAt.value_or(scan.snapshot.date), scan.now, ShownText::wordsLocale);
+  const std::string folder = scope(scan.snapshot, scan.home);
+  return scan.updatedAt ? i18n("Updated {age} · {folder}", {{"age", age}, {"folder", folder}})
+                        : i18n("Scanned {age} · {folder}", {{"age", age}, {"folder", folder}});
 }
 
 std::string ScanText::scannedHelp(const Snapshot& snapshot, const std::string& locale) {
-  return ShownText::counted(snapshot.fileCount, "file", locale) + ", scanned in " +
-         std::to_string(static_cast<std::int64_t>(snapshot.duration.count())) + "s";
+  const auto seconds = static_cast<std::int64_t>(snapshot.duration.count());
+  return i18np(
+      "{count} file, scanned in {seconds}s", "{count} files, scanned in {seconds}s", snapshot.fileCount,
+      {{"count", groupedNumber(snapshot.fileCount, locale)}, {"seconds", groupedNumber(seconds, locale)}});
 }
 
 ScanControl::ScanControl(const UiHost& host) : host_(host) {

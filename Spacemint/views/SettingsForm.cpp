@@ -3,6 +3,7 @@
 #include "Spacemint/views/ShownText.h"
 #include "core/base/Isolate.h"
 #include "core/base/PlatformWords.h"
+#include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -36,29 +37,35 @@ std::vector<SettingsText::Choice> choicesOf(Setting setting, SettingsText::Choic
 }  // namespace
 
 std::vector<SettingsText::Choice> SettingsText::thresholds(std::int64_t stored) {
-  return choicesOf(Setting::warningThresholdGB, {stored, std::to_string(stored) + " GB free"});
+  return choicesOf(Setting::warningThresholdGB,
+                   {stored, i18n("{number} GB free", {{"number", std::to_string(stored)}})});
 }
 
 std::vector<SettingsText::Choice> SettingsText::intervals(std::int64_t stored) {
   // An interval of 0 hours means off.
-  const std::string label = stored <= 0   ? "Never"
-                            : stored == 1 ? "Every hour"
-                                          : "Every " + std::to_string(stored) + " hours";
+  const std::string label =
+      stored <= 0 ? i18n("Never")
+                  : i18np("Every hour", "Every {count} hours", stored, {{"count", std::to_string(stored)}});
   return choicesOf(Setting::scanIntervalHours, {stored, label});
 }
 
 std::string SettingsText::scanFootnote(bool hasFullDiskAccess, const std::optional<std::string>& whyFull) {
-  std::string text = "Runs quietly in the background " + std::string{PlatformWords::whileIdle} + ".";
-  if (!hasFullDiskAccess)
-    text += " " + std::string{PlatformWords::foldersAreClosed} + " and can't be measured.";
+  std::string text =
+      hasFullDiskAccess
+          ? i18n("Runs quietly in the background while your computer has nothing else to do.")
+          : i18n(
+                "Runs quietly in the background while your computer has nothing else to do. Some folders are "
+                "closed to Spacemint and can't be measured.");
   if (!whyFull) return text;
-  return text + (whyFull->empty() ? "\nLast scan: what had not changed was taken from the scan before."
-                                  : "\nLast scan: everything was walked, because " + *whyFull + ".");
+  return text + '\n' +
+         (whyFull->empty()
+              ? i18n("Last scan: what had not changed was taken from the scan before.")
+              : i18n("Last scan: everything was walked, because {reason}.", {{"reason", *whyFull}}));
 }
 
 std::string SettingsText::loginError(const Error& error, const std::string& home) {
   // The message of a failed system call begins with the path.
-  return "Couldn't change this. " + Paths::display(error.message, home) + ".";
+  return i18n("Couldn't change this. {reason}.", {{"reason", Paths::display(error.message, home)}});
 }
 
 SettingsForm::SettingsForm(const UiHost& host) : host_(host) {
@@ -83,8 +90,8 @@ QStringList SettingsForm::presences() const {
 }
 
 QString SettingsForm::warningFootnote() {
-  return QStringLiteral(
-      "Orange in the status area below this level, red at half. You also get a notification.");
+  return ShownText::plain(
+      i18n("Orange in the status area below this level, red at half. You also get a notification."));
 }
 
 QStringList SettingsForm::itemColours() const {
@@ -99,13 +106,13 @@ QString SettingsForm::scanFootnote() const {
 QString SettingsForm::generalFootnote() const {
   QStringList lines;
   if (host_.desktop.statusItem.opensMenuOnClick()) {
-    lines << QStringLiteral(
-        "In GNOME's top bar, a click opens the item's menu and a double click opens the panel.");
+    lines << ShownText::plain(
+        i18n("In GNOME's top bar, a click opens the item's menu and a double click opens the panel."));
   }
   if (host_.usage != nullptr) {
-    lines << ShownText::plain("Once a day, Spacemint tells us it's in use, with its version and " +
-                              std::string{PlatformWords::systemVersion} +
-                              ". Nothing about you or your files.");
+    lines << ShownText::plain(
+        i18n("Once a day, Spacemint tells us it's in use, with its version and the version "
+             "of your system. Nothing about you or your files."));
   }
   return lines.join(u'\n');
 }
@@ -135,8 +142,9 @@ void SettingsForm::updateVolumes() {
   for (const VolumeReading& reading : host_.model.volume().volumes()) {
     if (reading.volume.holdsHome || !mayWarnAbout(reading)) continue;
     const std::string& mountPoint = reading.volume.mountPoint();
-    titles << ShownText::plain("Also watch " + isolatedName(reading.volume.name) + " (" +
-                               isolatedPath(mountPoint) + ")");
+    titles << ShownText::plain(
+        i18n("Also watch {volume} ({path})",
+             {{"volume", isolatedName(reading.volume.name)}, {"path", isolatedPath(mountPoint)}}));
     mountPoints.push_back(mountPoint);
   }
   if (titles == watchTitles_ && mountPoints == mountPoints_) return;

@@ -1,7 +1,5 @@
 #include "Spacemint/views/ShownText.h"
 
-#include "core/base/ByteFormat.h"
-
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -16,10 +14,6 @@ QString ShownText::sentence(std::string_view text) {
   static const QRegularExpression gap(QStringLiteral("(?<=\\d) (?=(?:bytes|[KMGTP]B)\\b)"),
                                       QRegularExpression::UseUnicodePropertiesOption);
   return plain(text).replace(gap, QString{QChar::Nbsp});
-}
-
-std::string ShownText::counted(long long count, std::string_view noun, const std::string& locale) {
-  return groupedNumber(count, locale) + " " + std::string{noun} + (count == 1 ? "" : "s");
 }
 
 double ShownText::share(Bytes part, Bytes whole) {

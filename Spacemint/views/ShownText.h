@@ -24,9 +24,6 @@ QString sentence(std::string_view text);
 /// `part` as a share of `whole` for a bar, between 0 and 1; 0 if `whole` is below 1.
 double share(Bytes part, Bytes whole);
 
-/// A count with its noun, such as "1 file" or "600,000 files".
-std::string counted(long long count, std::string_view noun, const std::string& locale);
-
 }  // namespace ShownText
 
 }  // namespace spacemint

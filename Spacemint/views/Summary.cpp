@@ -1,7 +1,9 @@
 #include "Spacemint/views/Summary.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "Spacemint/views/Words.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/volume/SpaceLevel.h"
 #include "core/wording/FindingText.h"
 
@@ -13,8 +15,25 @@ namespace spacemint {
 
 namespace {
 
-const QString sizePlace = QStringLiteral("{size}");
-const QString freeSentence = QStringLiteral("{size} free");
+// The sentence in which the size stands larger than the words around it.
+QStringList aroundFree() {
+  return ShownText::plain(i18n("{size} free")).split(QStringLiteral("{size}"));
+}
+
+QString ofTotal(Bytes total, const std::string& locale) {
+  return ShownText::plain(i18nc("20 GB free", "of {total}", {{"total", ByteFormat::string(total, locale)}}));
+}
+
+QString freeOf(Bytes free, Bytes total, const std::string& locale) {
+  return ShownText::plain(i18n("{free} free of {total}", {{"free", ByteFormat::string(free, locale)},
+                                                          {"total", ByteFormat::string(total, locale)}}));
+}
+
+QString wordOf(SpaceLevel level) {
+  if (level == SpaceLevel::ok) return {};
+  return ShownText::plain(level == SpaceLevel::low ? i18nc("free space", "low")
+                                                   : i18nc("free space", "critical"));
+}
 
 }  // namespace
 
@@ -29,21 +48,20 @@ std::vector<VolumeLine> volumeLines(const std::vector<VolumeReading>& readings, 
   std::vector<VolumeLine> lines;
   for (const auto& [volume, space] : readings) {
     if (volume.holdsHome || !volume.canFillUp()) continue;
-    VolumeLine line{.name = ShownText::sentence(volume.name), .free = QStringLiteral("no answer")};
+    VolumeLine line{.name = ShownText::sentence(volume.name),
+                    .free = ShownText::plain(i18nc("a disk", "no answer"))};
+    QString spoken = line.free;
+    auto level = SpaceLevel::ok;
     if (space) {
       const Bytes usable = saturatingAdd(space->used, space->free);
-      const auto level = mayWarnAbout({volume, space})
-                             ? volumeLimits(usable, thresholdGB).levelOf(space->free)
-                             : SpaceLevel::ok;
+      if (mayWarnAbout({volume, space})) level = volumeLimits(usable, thresholdGB).levelOf(space->free);
       line.usedFraction = usable > 0 ? static_cast<double>(space->used) / static_cast<double>(usable) : 0;
       line.free = ShownText::plain(ByteFormat::string(space->free, locale));
-      line.total = ShownText::plain("of " + ByteFormat::string(space->total, locale));
+      line.total = ofTotal(space->total, locale);
+      spoken = freeOf(space->free, space->total, locale);
       line.level = static_cast<int>(level);
     }
-    constexpr std::array<const char*, 3> words{"", ", low", ", critical"};
-    line.spoken = line.name + QStringLiteral(", ") + line.free +
-                  (space ? QStringLiteral(" free ") + line.total : QString{}) +
-                  QLatin1String{words.at(static_cast<std::size_t>(line.level))};
+    line.spoken = Words::spoken({line.name, spoken, wordOf(level)});
     lines.push_back(std::move(line));
   }
   std::ranges::stable_sort(lines, std::greater{}, &VolumeLine::usedFraction);
@@ -75,19 +93,19 @@ QString Summary::free() const {
 }
 
 QString Summary::beforeFree() {
-  return freeSentence.section(sizePlace, 0, 0);
+  return aroundFree().first();
 }
 
 QString Summary::afterFree() {
-  return freeSentence.section(sizePlace, 1);
+  return aroundFree().last();
 }
 
 QString Summary::spoken() const {
-  return volume() ? free() + QStringLiteral(" free ") + total() : QString{};
+  return volume() ? freeOf(volume()->free, volume()->total, host_.locale) : QString{};
 }
 
 QString Summary::total() const {
-  return volume() ? ShownText::plain("of " + ByteFormat::string(volume()->total, host_.locale)) : QString{};
+  return volume() ? ofTotal(volume()->total, host_.locale) : QString{};
 }
 
 double Summary::tickFraction() const {
@@ -95,7 +113,8 @@ double Summary::tickFraction() const {
 }
 
 QString Summary::tickHelp() const {
-  return ShownText::sentence("Warning below " + std::to_string(thresholdGB()) + " GB free");
+  return ShownText::sentence(
+      i18n("Warning below {number} GB free", {{"number", groupedNumber(thresholdGB(), host_.locale)}}));
 }
 
 QString Summary::warning() const {

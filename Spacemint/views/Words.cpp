@@ -3,27 +3,25 @@
 namespace spacemint {
 
 QString Words::aboutProduct(const QString& name) {
-  return QStringLiteral("About %1").arg(name);
+  return ShownText::plain(i18n("About {application}", {{"application", name.toStdString()}}));
 }
 
 QString Words::version(const QString& number) {
-  return QStringLiteral("Version %1").arg(number);
+  return ShownText::plain(i18n("Version {version}", {{"version", number.toStdString()}}));
 }
 
 QString Words::moreDisks(int count) {
-  return QStringLiteral("%1 more").arg(count);
+  return ShownText::plain(i18np("{count} more", "{count} more", count, {{"count", std::to_string(count)}}));
 }
 
 QString Words::spoken(const QStringList& texts) {
-  QString result;
-  for (const QString& text : texts) {
-    if (!text.isEmpty()) result += (result.isEmpty() ? QString{} : QStringLiteral(", ")) + text;
-  }
-  return result;
+  QStringList said = texts;
+  said.removeAll(QString{});
+  return said.join(ShownText::plain(i18nc("between the texts of a row, for screen readers", ", ")));
 }
 
 QString Words::spokenUnfolding(const QString& text, bool isUnfolded) {
-  return spoken({text, isUnfolded ? QStringLiteral("open") : QStringLiteral("closed")});
+  return spoken({text, ShownText::plain(isUnfolded ? i18nc("a row", "open") : i18nc("a row", "closed"))});
 }
 
 }  // namespace spacemint

@@ -2,6 +2,7 @@
 
 #include "Spacemint/desktop/linux/DBusCall.h"
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 
 #include <QDBusMessage>
 #include <QPointer>
@@ -79,7 +80,7 @@ void DBusNotifier::send(const Notification& notification, const Answer& answer) 
   call << QStringLiteral("Spacemint") << replacesNone << desktopEntry
        << QString::fromStdString(notification.title)
        << (readsMarkup_.value_or(false) ? body.toHtmlEscaped() : body)
-       << QStringList{defaultAction, QStringLiteral("Open Spacemint")} << hintsOf(notification)
+       << QStringList{defaultAction, QString::fromStdString(i18n("Open Spacemint"))} << hintsOf(notification)
        << defaultTimeout;
   callAsync(bus_, call, this, [this, answer](const QDBusMessage& reply) {
     const bool isAccepted = reply.type() == QDBusMessage::ReplyMessage;
