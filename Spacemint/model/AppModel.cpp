@@ -54,7 +54,11 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     // Another process may have changed a setting meanwhile.
     prefs_.refresh();
     Q_EMIT statusChanged();
-    if (prefs_.hasStarted()) growing_.refresh();
+    if (prefs_.hasStarted() && !growing_.isSeen()) growing_.refresh();
+  });
+  // The figure of the free space keeps up with what is shown to grow.
+  connect(&growing_, &GrowthNow::changed, this, [this] {
+    if (growing_.isSeen()) volume_.refresh();
   });
   connect(&volume_, &VolumeWatch::volumesWereRead, this, [this] {
     recordFreeSpace();

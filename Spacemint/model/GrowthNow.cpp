@@ -13,7 +13,7 @@ GrowthNow::GrowthNow(const AppContext& context, const Desktop& desktop, std::fun
       root_(std::move(root)) {}
 
 void GrowthNow::setSeen(bool isSeen) {
-  if (isSeen == (watching_ != nullptr)) return;
+  if (isSeen == this->isSeen()) return;
   watching_.reset();
   if (!isSeen) return;
   watching_ = std::make_unique<QObject>();

@@ -35,7 +35,8 @@ class GrowthNow : public QObject {
   /// Whether a recorder answered at the last look.
   bool isKnown() const { return isKnown_; }
 
-  /// Whether a view shows the lines now.
+  /// Whether a view shows the lines now. They are then read every few seconds.
+  bool isSeen() const { return watching_ != nullptr; }
   void setSeen(bool isSeen);
   /// Looks now. Then calls `then`, which may be empty, unless this was destroyed before.
   void refresh(std::function<void()> then = {});

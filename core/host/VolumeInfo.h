@@ -9,6 +9,7 @@ namespace spacemint {
 
 /// Facts about a volume; a member is absent if the system does not report it.
 struct VolumeInfo {
+  /// The label, or else the mount point; absent for a volume without a label at "/".
   std::optional<std::string> name;
   std::optional<Bytes> total;
   /// Free bytes including those that the system can free on demand; only some hosts report this.

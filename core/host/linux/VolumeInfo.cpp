@@ -50,7 +50,12 @@ std::optional<VolumeInfo> readVolumeInfo(const std::string& path) {
   VolumeInfo info{.total = space->total, .available = space->free};
   const auto mount = mountOf(path);
   const auto label = mount ? labelOf(diskOf(*mount)) : std::nullopt;
-  info.name = label ? *label : mount ? mount->mountPoint : topOfDevice(path);
+  const std::string mountPoint = mount ? mount->mountPoint : topOfDevice(path);
+  if (label) {
+    info.name = *label;
+  } else if (mountPoint != "/") {
+    info.name = mountPoint;
+  }
   return info;
 }
 
