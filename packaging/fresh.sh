@@ -48,6 +48,8 @@ enter() {
   unshare --mount --pid --fork --kill-child --propagation private bash -euc '
     root=$1 cache=$2
     shift 2
+    # Inside, "/" must be a mount, as it is on every system: programs look up the volume of a file.
+    mount --bind "$root" "$root"
     mount -t proc proc "$root/proc"
     if [ -n "$cache" ]; then
       mkdir -p "$root/ccache"
