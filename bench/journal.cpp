@@ -6,7 +6,6 @@
 
 #include "core/history/SnapshotStore.h"
 #include "core/host/EventRecorder.h"
-#include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 
 #include <fcntl.h>
@@ -96,8 +95,7 @@ double kernelBytes() {
 
 std::optional<DiskScanner::Result> fullScan(const std::string& root, FolderListing& listing,
                                             Bytes minNodeSize = threshold) {
-  ReadAheadListing ahead{listing};
-  return DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .listing = &ahead});
+  return DiskScanner::scan({.root = root, .minNodeSize = minNodeSize, .listing = &listing});
 }
 
 // Counts the folders that a scan opens.

@@ -7,10 +7,10 @@
 #include "bench/Contest.h"
 #include "bench/FloorWalk.h"
 #include "core/scan/DiskScanner.h"
-#include "core/scan/ReadAheadListing.h"
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -23,13 +23,20 @@ using namespace spacemint::bench;
 constexpr Bytes threshold = 20'000'000;
 constexpr std::size_t floorIndex = 1;
 
+struct Manner {
+  std::string_view name;
+  ScanManner manner;
+};
+constexpr Manner manners[]{
+    {"quiet", ScanManner::quiet}, {"waiting", ScanManner::waiting}, {"foreground", ScanManner::foreground}};
+
 int runAlone(const std::string& contestant, const std::string& root) {
   if (contestant == "floor") return floorWalk(root).files > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
-  const auto host = hostFolderListing();
-  ReadAheadListing ahead{*host};
-  FolderListing* listing = contestant == "one" ? host.get() : &ahead;
-  const auto result = DiskScanner::scan({.root = root, .minNodeSize = threshold, .listing = listing});
-  return result ? EXIT_SUCCESS : EXIT_FAILURE;
+  const auto manner = std::ranges::find(manners, contestant, &Manner::name);
+  if (manner == std::end(manners)) return EXIT_FAILURE;
+  return DiskScanner::scan({.root = root, .minNodeSize = threshold, .manner = always(manner->manner)})
+             ? EXIT_SUCCESS
+             : EXIT_FAILURE;
 }
 
 std::vector<Contestant> contestantsFor(const std::string& self, const std::string& root,
@@ -37,8 +44,9 @@ std::vector<Contestant> contestantsFor(const std::string& self, const std::strin
   std::vector<Contestant> contestants{
       {"du -s", {"du", "-s", root}},
       {"floor", {self, "--alone", "floor", root}},
-      {"scan, one thread", {self, "--alone", "one", root}},
-      {"scan, read-ahead", {self, "--alone", "ahead", root}},
+      {"scan, quiet", {self, "--alone", "quiet", root}},
+      {"scan, waiting", {self, "--alone", "waiting", root}},
+      {"scan, foreground", {self, "--alone", "foreground", root}},
       {"spacemintctl scan", {ctl, "scan", "--no-save", root}},
   };
   if (isInstalled("ncdu")) contestants.push_back({"ncdu", {"ncdu", "-0", "-x", "-o", "/dev/null", root}});

@@ -28,7 +28,7 @@ std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOp
   ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, userLocale());
   return plan.scan({.root = root,
                     .minNodeSize = options.minSize,
-                    .throttleIO = options.throttle,
+                    .manner = always(options.throttle ? ScanManner::quiet : ScanManner::foreground),
                     .shouldCancel = wasInterrupted,
                     .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); }});
 }

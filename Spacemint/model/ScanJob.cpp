@@ -38,7 +38,7 @@ ScanJob::Report ScanJob::run() const {
   if (crawl) plan.eventID = crawl->eventID();
   auto result = plan.scan({.root = root,
                            .minNodeSize = minNodeSize,
-                           .throttleIO = true,
+                           .manner = always(ScanManner::quiet),
                            .shouldCancel = isCancelled,
                            .progress = throttled(progress),
                            .listing = crawl.get()});

@@ -33,8 +33,16 @@ bool mayHang(const std::string& path);
 /// determined.
 std::string startupVolume();
 
-/// True if `path` is on a rotating disk, where parallel reads are slower than sequential ones. False if
-/// unknown.
-bool isOnRotationalDisk(const std::string& path);
+/// What decides how a disk is best read.
+struct DiskTraits {
+  /// The disk has a moving head. False if unknown, and for a virtual disk, of which the kernel cannot know
+  /// it.
+  bool isRotational = false;
+  /// How many requests the disk takes at the same time; absent if unknown.
+  std::optional<unsigned> requestsAtOnce = {};
+};
+
+/// The traits of the disk that holds `path`. Any thread.
+DiskTraits diskTraits(const std::string& path);
 
 }  // namespace spacemint

@@ -2,8 +2,6 @@
 
 #include "core/base/AsciiText.h"
 #include "core/host/FolderSum.h"
-#include "core/host/IoPriority.h"
-#include "core/host/VolumeInfo.h"
 #include "core/scan/NameList.h"
 #include "core/scan/ReadAheadListing.h"
 #include "core/tree/Paths.h"
@@ -101,6 +99,8 @@ class Walk final : public Unfinished {
     return std::nullopt;
   }
 
+  std::string_view path() const override { return {path_.data(), stack_.back().pathLength}; }
+
   Result soFar() const override {
     std::optional<Node> inner;
     for (std::size_t i = stack_.size(); i-- > 0;) {
@@ -193,7 +193,7 @@ class Walk final : public Unfinished {
   void poll(std::int64_t listed) {
     listedSincePoll_ += listed;
     if (listedSincePoll_ < entriesPerPoll) return;
-    if (arguments_.look) arguments_.look(*this);
+    look();
     if (arguments_.shouldCancel && arguments_.shouldCancel()) {
       cancelled_ = true;
       return;
@@ -202,11 +202,18 @@ class Walk final : public Unfinished {
     listedSincePoll_ = 0;
   }
 
+  void look() {
+    if (!arguments_.look) return;
+    looked_ = std::chrono::steady_clock::now();
+    arguments_.look(*this);
+  }
+
   void report() const {
     if (arguments_.progress) arguments_.progress(counted_);
   }
 
   void visitNext() {
+    if (arguments_.look && std::chrono::steady_clock::now() - looked_ >= arguments_.lookInterval) look();
     Frame& top = stack_.back();
     std::string name{top.subdirectories.last()};
     top.subdirectories.popLast();
@@ -299,6 +306,7 @@ class Walk final : public Unfinished {
   std::int64_t listedSincePoll_ = 0;
   std::size_t smallEntriesKept_ = 0;
   bool cancelled_ = false;
+  std::chrono::steady_clock::time_point looked_ = std::chrono::steady_clock::now();
   Coverage coverage_;
 };
 
@@ -308,22 +316,17 @@ std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {
   return Walk{arguments, listing}.run(std::move(*root));
 }
 
-// Reading ahead lists every subfolder, so it is useful only if the walk opens every subfolder.
-bool readsAhead(const Arguments& arguments) {
-  return !arguments.throttleIO && !arguments.reuse && arguments.skip.empty() &&
-         !isOnRotationalDisk(arguments.root);
-}
-
 }  // namespace
 
+// Reading ahead lists every subfolder, so it is useful only if the walk opens every subfolder.
 std::optional<Result> DiskScanner::scan(const Arguments& arguments) {
-  std::optional<ThrottledIo> throttled;
-  if (arguments.throttleIO) throttled.emplace();
+  const LoweredPriority lowered{traitsOf(arguments.manner()).deference};
   const std::size_t limit = raiseOpenFileLimit(ReadAheadListing::usualOpenFileLimit);
-  if (arguments.listing != nullptr) return walk(arguments, *arguments.listing);
-  const auto host = hostFolderListing();
-  if (!readsAhead(arguments)) return walk(arguments, *host);
-  ReadAheadListing ahead{*host, ReadAheadListing::defaultThreads(), limit};
+  const auto host = arguments.listing == nullptr ? hostFolderListing() : nullptr;
+  FolderListing& listing = host ? *host : *arguments.listing;
+  if (arguments.reuse || !arguments.skip.empty()) return walk(arguments, listing);
+  ReadAheadListing ahead{listing, ReadAheadListing::limitsFor(arguments.root, limit),
+                         [&] { return traitsOf(arguments.manner()).readsAhead; }};
   return walk(arguments, ahead);
 }
 

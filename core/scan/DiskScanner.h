@@ -1,9 +1,11 @@
 #pragma once
 
 #include "core/host/FolderListing.h"
+#include "core/scan/ScanManner.h"
 #include "core/tree/Coverage.h"
 #include "core/tree/Node.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -46,6 +48,8 @@ class Unfinished {
   /// walk has not reached yet is empty. Absent if the walk has not found this folder, or found it too small
   /// to keep.
   virtual std::optional<Node> folder(std::string_view path) const = 0;
+  /// The folder that the walk is in.
+  virtual std::string_view path() const = 0;
   /// Everything measured so far, as if the scan ended here; without the folders that it has not reached.
   virtual Result soFar() const = 0;
 
@@ -66,18 +70,20 @@ struct Arguments {
   std::unordered_set<std::string> skip;
   /// Called for every subfolder before the scan opens the subfolder. May be empty.
   Reuse reuse;
-  /// Scans with idle I/O priority, so that other programs use the disk first, and with a single thread.
-  bool throttleIO = false;
+  /// Called before each folder. The manner at the start decides the priority of the calling thread during the
+  /// scan; the number of threads follows the manner as it changes. A scan with `reuse` or `skip` has one
+  /// thread in every manner.
+  MannerNow manner = always(ScanManner::foreground);
   /// Called once per `entriesPerPoll` listed entries; true cancels the scan. May be empty.
   std::function<bool()> shouldCancel;
   /// Called as often as `shouldCancel`, and once at the end. May be empty.
   std::function<void(const Progress&)> progress;
-  /// Called before `shouldCancel`, as often. May be empty.
+  /// Called before `shouldCancel`, as often, and before a folder if `lookInterval` has passed. May be empty.
   std::function<void(const Unfinished&)> look;
+  std::chrono::milliseconds lookInterval{250};
   /// How many entries of the root itself get a node although they are smaller than `minNodeSize`.
   std::size_t smallEntriesOfRoot = 0;
-  /// The source of the entries. Null means the host's listing, with reading ahead where that is faster. Must
-  /// outlive the call.
+  /// The source of the entries; null means the host's listing. Must outlive the call.
   FolderListing* listing = nullptr;
 };
 

@@ -1,10 +1,13 @@
 #include "core/scan/ReadAheadListing.h"
 
 #include "core/base/Log.h"
+#include "core/host/ThreadPriority.h"
+#include "core/host/VolumeInfo.h"
 #include "core/scan/NameList.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <list>
@@ -28,6 +31,12 @@ constexpr std::size_t bytesAhead = 4'000'000;
 // Helpers may use a quarter of the process's file handles. The rest is for the walk, which needs a handle for
 // each level, and for other parts of the process.
 constexpr std::size_t shareOfHandles = 4;
+
+// How soon the walk takes a folder that is ready while helpers have further work.
+constexpr std::chrono::milliseconds longestWait{50};
+
+// One processor is busy with the walk and the locks when there are many.
+constexpr unsigned mostProcessors = 8;
 
 bool isOutOfHandles(int error) {
   return error == EMFILE || error == ENFILE;
@@ -97,19 +106,15 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
 //
 // `line_` contains the folders that have pending subfolders, or whose listing is not complete, in the order
 // in which the walk will visit them. A helper takes the next pending subfolder of the first listed folder in
-// the line, so helpers list the folders that the walk needs next.
+// the line, so helpers list the folders that the walk needs next. Threads are started when there is work for
+// one more, up to the depth; a thread above the depth rests.
 class ReadAheadListing::Crew {
  public:
-  Crew(unsigned threads, std::size_t foldersAhead, std::uint64_t device)
+  Crew(ReadAheadDepth::Limits depth, std::size_t foldersAhead, std::uint64_t device, IsWanted isWanted)
       : device_(device),
-        foldersAhead_(foldersAhead) {
-    try {
-      while (threads_.size() < threads) threads_.emplace_back([this] { help(); });
-    } catch (const std::system_error& failure) {
-      // The process cannot start more threads. The walk lists all folders that no helper lists.
-      log(LogLevel::debug, std::string{"fewer threads read ahead: "} + failure.what());
-    }
-  }
+        isWanted_(std::move(isWanted)),
+        foldersAhead_(foldersAhead),
+        depth_(depth) {}
 
   ~Crew() {
     {
@@ -137,7 +142,9 @@ class ReadAheadListing::Crew {
   // that helper; or a new record that the walk must list. Null if the subfolder is not the next one in the
   // walk's order.
   std::shared_ptr<Record> take(Record& parent, const std::string& name) {
+    const bool isWanted = isWanted_();
     std::unique_lock lock(mutex_);
+    if (std::exchange(mayWork_, isWanted) != isWanted) wakeHelper();
     if (parent.ahead.empty()) {
       if (parent.pending.empty() || parent.pending.last() != name) return nullptr;
       std::shared_ptr<Record> record = begin(parent, Record::State::inWalk);
@@ -148,7 +155,7 @@ class ReadAheadListing::Crew {
     std::shared_ptr<Record> record = std::move(parent.ahead.front());
     parent.ahead.pop_front();
     awaited_ = record.get();
-    ready_.wait(lock, [&] { return record->state != Record::State::inHelper; });
+    while (record->state == Record::State::inHelper) ready_.wait_for(lock, longestWait);
     awaited_ = nullptr;
     noLongerAhead(*record);
     visited_.push_back(record.get());
@@ -206,7 +213,7 @@ class ReadAheadListing::Crew {
     ListingBuffer buffer;
     std::unique_lock lock(mutex_);
     while (!stopping_) {
-      const std::shared_ptr<Record> parent = hasRoom() ? firstWithPending() : nullptr;
+      const std::shared_ptr<Record> parent = mayBegin() ? firstWithPending() : nullptr;
       if (!parent || ahead_ >= foldersAhead_ / 2) wakeWalk();
       if (!parent) {
         ++idle_;
@@ -221,15 +228,20 @@ class ReadAheadListing::Crew {
       wakeHelper();
       lock.unlock();
       NameList subfolders;
-      const bool toItsEnd = openAndList(*parent, *record, buffer, subfolders);
+      ReadAheadDepth::Listed listed;
+      const bool toItsEnd = openAndList(*parent, *record, buffer, subfolders, listed);
       lock.lock();
       --working_;
+      depth_.note(listed);
       deliver(*record, toItsEnd, std::move(subfolders));
       if (foldersAhead_ == 0) ready_.notify_one();
     }
   }
 
-  bool hasRoom() const { return ahead_ < foldersAhead_ && bytes_ < bytesAhead; }
+  // Whether one more helper may begin a folder.
+  bool mayBegin() const {
+    return mayWork_ && working_ < depth_.now() && ahead_ < foldersAhead_ && bytes_ < bytesAhead;
+  }
 
   std::shared_ptr<Record> firstWithPending() const {
     const auto first = std::ranges::find(line_, Record::State::listed, &Record::state);
@@ -237,7 +249,22 @@ class ReadAheadListing::Crew {
   }
 
   void wakeHelper() {
-    if (idle_ > 0 && hasRoom() && firstWithPending()) work_.notify_one();
+    if (!mayBegin() || !firstWithPending()) return;
+    if (idle_ > 0) {
+      work_.notify_one();
+    } else if (threads_.size() < mostThreads_ && threads_.size() < depth_.now()) {
+      startThread();
+    }
+  }
+
+  void startThread() {
+    try {
+      threads_.emplace_back([this] { help(); });
+    } catch (const std::system_error& failure) {
+      // The process cannot start more threads. The walk lists all folders that no helper lists.
+      mostThreads_ = threads_.size();
+      log(LogLevel::debug, std::string{"fewer threads read ahead: "} + failure.what());
+    }
   }
 
   // Wakes the walk if the folder that it waits for is ready. Helpers call this only when many folders are
@@ -259,6 +286,17 @@ class ReadAheadListing::Crew {
 
   // Called without the lock. Reads at most two batches, so that the walk lists the rest of a huge folder
   // itself; returns true if the listing is complete.
+  bool openAndList(const Record& parent, Record& record, ListingBuffer& buffer, NameList& subfolders,
+                   ReadAheadDepth::Listed& listed) const {
+    const auto start = std::chrono::steady_clock::now();
+    const long waits = waitsOfThread();
+    const bool toItsEnd = openAndList(parent, record, buffer, subfolders);
+    for (const KeptEntries& batch : record.batches) listed.names += batch.entries().size();
+    listed.elapsed = std::chrono::steady_clock::now() - start;
+    listed.hasWaited = waitsOfThread() != waits;
+    return toItsEnd;
+  }
+
   bool openAndList(const Record& parent, Record& record, ListingBuffer& buffer, NameList& subfolders) const {
     auto opened = parent.folder->openSubfolder(record.name);
     if (!opened) {
@@ -337,18 +375,22 @@ class ReadAheadListing::Crew {
   }
 
   const std::uint64_t device_;
+  const IsWanted isWanted_;
   std::mutex mutex_;
   std::condition_variable work_;   // a helper may have work
   std::condition_variable ready_;  // the folder that the walk waits for may be ready
   std::list<Record*> line_;
   std::vector<Record*> visited_;  // the walk's open folders, from the root down
   const Record* awaited_ = nullptr;
+  bool mayWork_ = false;
   std::size_t foldersAhead_;
+  ReadAheadDepth depth_;
   std::size_t ahead_ = 0;    // records begun by helpers and not yet taken by the walk
   std::size_t bytes_ = 0;    // the memory of their entries
   std::size_t working_ = 0;  // helpers that open or list a folder now
   int idle_ = 0;
   bool stopping_ = false;
+  std::size_t mostThreads_ = ReadAheadDepth::highest;
   std::vector<std::thread> threads_;  // last: the threads use all members above
 };
 
@@ -441,21 +483,23 @@ class ReadAheadListing::Folder final : public OpenFolder {
   bool atEnd_;
 };
 
-unsigned ReadAheadListing::defaultThreads() {
-  return std::clamp(2 * std::thread::hardware_concurrency(), 4U, 16U);
+ReadAheadListing::Limits ReadAheadListing::limitsFor(const std::string& root, std::size_t openFiles) {
+  return {.depth = {.processors = std::clamp(std::thread::hardware_concurrency(), 1U, mostProcessors),
+                    .most = diskTraits(root).requestsAtOnce.value_or(ReadAheadDepth::highest)},
+          .openFiles = openFiles};
 }
 
-ReadAheadListing::ReadAheadListing(FolderListing& inner, unsigned threads, std::size_t openFileLimit)
+ReadAheadListing::ReadAheadListing(FolderListing& inner, Limits limits, IsWanted isWanted)
     : inner_(inner),
-      threads_(threads),
-      openFileLimit_(openFileLimit) {}
+      limits_(limits),
+      isWanted_(std::move(isWanted)) {}
 
 std::expected<std::unique_ptr<OpenFolder>, Error> ReadAheadListing::open(const std::string& root) {
   auto opened = inner_.open(root);
   if (!opened) return std::unexpected(std::move(opened).error());
   const std::uint64_t device = (*opened)->device();
-  const std::size_t foldersAhead = std::min(mostFoldersAhead, openFileLimit_ / shareOfHandles);
-  auto crew = std::make_shared<Crew>(threads_, foldersAhead, device);
+  const std::size_t foldersAhead = std::min(mostFoldersAhead, limits_.openFiles / shareOfHandles);
+  auto crew = std::make_shared<Crew>(limits_.depth, foldersAhead, device, isWanted_);
   auto record = crew->beginWith(std::move(*opened));
   return std::make_unique<Folder>(std::move(crew), std::move(record), device);
 }

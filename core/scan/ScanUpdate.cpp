@@ -243,6 +243,7 @@ class Update {
     arguments.skip.clear();
     arguments.reuse = {};
     arguments.listing = &listing;
+    arguments.look = {};
     arguments.progress = [&](const DiskScanner::Progress& progress) {
       if (!arguments_.progress) return;
       arguments_.progress({.files = saturatingAdd(folders_.front().fileCount, progress.files),

@@ -2,6 +2,7 @@
 #include "Spacemint/desktop/linux/LinuxClock.h"
 #include "Spacemint/desktop/linux/Termination.h"
 #include "Spacemint/desktop/linux/ThreadTasks.h"
+#include "core/host/ThreadPriority.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
@@ -12,6 +13,7 @@
 #include <sched.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <csignal>
@@ -105,9 +107,8 @@ TEST(ThreadTasks, givesBackgroundWorkANamedThreadOfLowPriority) {
                .threadName = "Spacemint scan, too long"});
   ASSERT_TRUE(waitUntil([&] { return isDone; }));
   EXPECT_EQ(name, "Spacemint scan,");
-  EXPECT_EQ(policy, SCHED_BATCH);  // SCHED_IDLE could stand still for minutes
-  EXPECT_EQ(niceness, 19);
-  EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER);
+  EXPECT_EQ(policy, SCHED_OTHER);  // in another class it could stand still for minutes
+  EXPECT_EQ(niceness, std::max(ordinary, backgroundNiceness));
   EXPECT_EQ(getpriority(PRIO_PROCESS, 0), ordinary);
 }
 

@@ -1,6 +1,8 @@
 #include "Spacemint/desktop/linux/WorkerThreads.h"
 
-#include "Spacemint/desktop/linux/ThreadPriority.h"
+#include "core/host/ThreadPriority.h"
+
+#include <pthread.h>
 
 #include <condition_variable>
 #include <deque>
@@ -11,6 +13,16 @@
 #include <utility>
 
 namespace spacemint {
+
+namespace {
+
+// For the system's tools, which show only the first 15 bytes.
+void nameThread(const char* name) {
+  constexpr std::size_t longest = 15;
+  pthread_setname_np(pthread_self(), std::string{name}.substr(0, longest).c_str());
+}
+
+}  // namespace
 
 // The state of the threads. It is shared, because running threads may outlive the WorkerThreads object.
 struct WorkerThreads::Shared {
@@ -84,7 +96,7 @@ void WorkerThreads::runAlone(const char* threadName, bool isQuiet, Tasks::Functi
   std::thread([shared = shared_, name = std::string{threadName}, isQuiet,
                function = std::move(function)]() mutable {
     nameThread(name.c_str());
-    if (isQuiet) runAtLowPriority();
+    if (isQuiet) lowerPriority({.idleIo = true, .niceness = backgroundNiceness});
     shared->run(std::move(function));
   }).detach();
 }

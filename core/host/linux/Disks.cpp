@@ -35,25 +35,27 @@ std::string unescapedLabel(std::string_view text) {
   return label;
 }
 
-// A virtual disk reports "rotational" only because its hypervisor does not report the kind of disk.
+// A virtual disk reports "rotational" only because its hypervisor, or the file that it is made of, does not
+// tell the kind of disk.
 bool isVirtual(const std::string& disk) {
   std::error_code failed;
-  return fs::read_symlink(disk + "/device/subsystem", failed).filename() == "virtio";
+  const auto bus = fs::read_symlink(disk + "/device/subsystem", failed).filename();
+  return bus == "virtio" || bus == "xen" || fs::exists(disk + "/loop", failed);
 }
 
 std::string sysFolder(std::uint64_t disk) {
   return "/sys/dev/block/" + std::to_string(major(disk)) + ":" + std::to_string(minor(disk));
 }
 
-// The first letter of a file of the disk's folder. A partition has no such file; its disk, the parent folder,
-// has one.
-char letterOf(const std::string& folder, const std::string& name) {
+// The number in a file of the disk's folder. A partition has no such file; its disk, the parent folder, has
+// one.
+std::optional<unsigned> numberOf(const std::string& folder, const std::string& name) {
   for (const std::string& place : {folder, folder + "/.."}) {
     std::ifstream file(place + "/" + name);
-    char answer = 0;
+    unsigned answer = 0;
     if (file >> answer) return answer;
   }
-  return '0';
+  return std::nullopt;
 }
 
 // Whether the folder of a disk in /sys belongs to a plug-in disk, or one of the disks below it does.
@@ -61,7 +63,7 @@ bool isRemovable(const fs::path& folder) {
   std::error_code failed;
   const std::string device = fs::canonical(folder, failed).string();
   if (device.empty()) return false;
-  if (device.contains("/usb") || device.contains("/mmc") || letterOf(device, "removable") == '1') return true;
+  if (device.contains("/usb") || device.contains("/mmc") || numberOf(device, "removable") == 1U) return true;
   // LUKS and LVM are on top of other disks.
   for (fs::directory_iterator below(device + "/slaves", failed), end; !failed && below != end;
        below.increment(failed)) {
@@ -87,7 +89,14 @@ std::optional<std::string> labelOf(std::uint64_t disk) {
 
 bool isRotational(std::uint64_t disk) {
   const std::string folder = sysFolder(disk);
-  return letterOf(folder, "queue/rotational") == '1' && !isVirtual(folder) && !isVirtual(folder + "/..");
+  return numberOf(folder, "queue/rotational") == 1U && !isVirtual(folder) && !isVirtual(folder + "/..");
+}
+
+// A disk of the SCSI kind tells what it takes itself; of others the kernel knows how much it hands over.
+std::optional<unsigned> requestsAtOnce(std::uint64_t disk) {
+  const std::string folder = sysFolder(disk);
+  const auto ofDisk = numberOf(folder, "device/queue_depth");
+  return ofDisk ? ofDisk : numberOf(folder, "queue/nr_requests");
 }
 
 bool isRemovableDisk(std::uint64_t disk) {

@@ -18,6 +18,9 @@ std::optional<std::string> labelOf(std::uint64_t disk);
 /// True if the disk is known to rotate.
 bool isRotational(std::uint64_t disk);
 
+/// How many requests the disk takes at the same time, as the kernel says; absent if it does not say.
+std::optional<unsigned> requestsAtOnce(std::uint64_t disk);
+
 /// True if people plug the disk in and out, as the kernel says.
 bool isRemovableDisk(std::uint64_t disk);
 

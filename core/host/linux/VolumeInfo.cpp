@@ -76,10 +76,11 @@ std::string startupVolume() {
   return mountPointOf(UserFolders::home()).value_or("/");
 }
 
-bool isOnRotationalDisk(const std::string& path) {
+DiskTraits diskTraits(const std::string& path) {
   const auto mount = mountOf(path);
-  if (!mount) return false;
-  return isRotational(diskOf(*mount));
+  if (!mount) return {};
+  const std::uint64_t disk = diskOf(*mount);
+  return {.isRotational = isRotational(disk), .requestsAtOnce = requestsAtOnce(disk)};
 }
 
 }  // namespace spacemint

@@ -2,7 +2,6 @@
 
 #include "core/host/linux/journal/Recorder.h"
 
-#include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 #include "support/ChildProcess.h"
 #include "support/OwnMounts.h"
@@ -426,10 +425,7 @@ TEST_P(RecordingCrawlTest, ofAScanSetsUpTheRecorderOnItsWay) {
 
   const auto crawl = recorder->beginCrawl(root);
   EXPECT_EQ(reason(ask(crawl->eventID())), JournalError::settingUp);
-  {
-    ReadAheadListing ahead{*crawl, 4};
-    scanWith(ahead);
-  }
+  scanWith(*crawl);
   write(root + "/c/d/during");
   crawl->finish();
   EXPECT_FALSE(recorder->beginCrawl(root)) << "it is recorded by now";

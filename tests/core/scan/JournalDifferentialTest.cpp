@@ -4,7 +4,6 @@
 
 #include "core/host/linux/journal/JournalMessage.h"
 #include "core/host/linux/journal/Recorder.h"
-#include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 #include "support/ChildProcess.h"
 #include "support/RandomDisk.h"
@@ -184,9 +183,8 @@ class Differential {
     std::thread changing([&] {
       for (int step = 0; step < 3'000 && !isScanned; ++step) disk_.steps(1);
     });
-    ReadAheadListing ahead{*crawl, 4};
-    const auto result =
-        DiskScanner::scan({.root = root_.path(), .minNodeSize = settings_.minNodeSize, .listing = &ahead});
+    const auto result = DiskScanner::scan(
+        {.root = root_.path(), .minNodeSize = settings_.minNodeSize, .listing = crawl.get()});
     isScanned = true;
     changing.join();
     crawl->finish();

@@ -78,13 +78,29 @@ Tree treeOf(const Node& root) {
   return tree;
 }
 
-// The scan of a folder with every node kept, by one thread; with read-ahead it must be the very same.
+// A listing with so many helpers, for a scan that has none itself.
+ReadAheadListing readAhead(FolderListing& inner, unsigned helpers) {
+  return ReadAheadListing{inner, {.depth = {.processors = helpers, .most = helpers}}};
+}
+
+// The scan of a folder with every node kept, by one thread; in every manner, with more helpers and fewer, and
+// while the manner changes, it must be the very same.
 DiskScanner::Result scan(const std::string& root) {
+  const auto result = DiskScanner::scan({.root = root, .manner = always(ScanManner::quiet)});
+  for (const ScanManner manner : {ScanManner::waiting, ScanManner::foreground})
+    EXPECT_EQ(DiskScanner::scan({.root = root, .manner = always(manner)}), result) << int(manner);
   const auto host = hostFolderListing();
-  const auto result = DiskScanner::scan({.root = root, .listing = host.get()});
-  for (const unsigned threads : {1U, 8U}) {
-    ReadAheadListing ahead{*host, threads};
-    EXPECT_EQ(DiskScanner::scan({.root = root, .listing = &ahead}), result) << threads << " threads";
+  for (const unsigned helpers : {1U, 8U}) {
+    ReadAheadListing ahead = readAhead(*host, helpers);
+    EXPECT_EQ(DiskScanner::scan({.root = root, .manner = always(ScanManner::quiet), .listing = &ahead}),
+              result)
+        << helpers << " helpers";
+  }
+  for (const int turn : {2, 7, 100}) {
+    const auto changing = [turn, asked = 0]() mutable {
+      return asked++ / turn % 2 == 0 ? ScanManner::waiting : ScanManner::quiet;
+    };
+    EXPECT_EQ(DiskScanner::scan({.root = root, .manner = changing}), result) << "a turn of " << turn;
   }
   return result.value();
 }
@@ -350,17 +366,15 @@ TEST(RealFolders, leaveNoHandleOpenWhenTheScanIsCancelled) {
     fs::create_directory(path);
   }
   const std::size_t before = openHandles();
-  const auto host = hostFolderListing();
-  ReadAheadListing ahead{*host};
-  for (FolderListing* listing : {host.get(), static_cast<FolderListing*>(&ahead)}) {
+  for (const ScanManner manner : {ScanManner::quiet, ScanManner::foreground}) {
     int polls = 0;
     EXPECT_FALSE(DiskScanner::scan(
-        {.root = folder.path(), .shouldCancel = [&] { return ++polls == 1; }, .listing = listing}));
+        {.root = folder.path(), .manner = always(manner), .shouldCancel = [&] { return ++polls == 1; }}));
     EXPECT_EQ(polls, 1);
     EXPECT_EQ(openHandles(), before);
+    EXPECT_TRUE(DiskScanner::scan({.root = folder.path(), .manner = always(manner)}));
+    EXPECT_EQ(openHandles(), before);
   }
-  EXPECT_TRUE(DiskScanner::scan({.root = folder.path(), .throttleIO = true}));
-  EXPECT_EQ(openHandles(), before);
 }
 
 // A system that has no more than so many handles for folders.
@@ -415,12 +429,15 @@ TEST(RealFolders, areAllCountedWhereHelpersTakeTheLastHandles) {
     write((folder / std::to_string(i % 20)) + "/" + std::to_string(i) + "/below/" + std::to_string(i), 1);
   }
   const auto host = hostFolderListing();
-  const auto expected = DiskScanner::scan({.root = folder.path(), .listing = host.get()});
+  const auto expected = DiskScanner::scan({.root = folder.path(), .manner = always(ScanManner::quiet)});
   for (int round = 0; round < 60; ++round) {
     // The walk itself holds four folders at once, and a helper holds one that the walk may want.
     ScarceHandles scarce{*host, 5 + round % 12};
-    ReadAheadListing ahead{scarce, round % 2 == 0 ? 8U : 2U};
-    EXPECT_EQ(DiskScanner::scan({.root = folder.path(), .listing = &ahead}), expected) << "round " << round;
+    ReadAheadListing ahead = readAhead(scarce, round % 2 == 0 ? 8U : 2U);
+    EXPECT_EQ(
+        DiskScanner::scan({.root = folder.path(), .manner = always(ScanManner::quiet), .listing = &ahead}),
+        expected)
+        << "round " << round;
     EXPECT_EQ(scarce.used(), 0);
   }
 }
@@ -431,7 +448,7 @@ TEST(RealFolders, areAllCountedWithFewHandles) {
     write((folder / std::to_string(i % 50)) + "/" + std::to_string(i) + "/below/" + std::to_string(i), 1);
   }
   const auto host = hostFolderListing();
-  const auto expected = DiskScanner::scan({.root = folder.path(), .listing = host.get()});
+  const auto expected = DiskScanner::scan({.root = folder.path(), .manner = always(ScanManner::quiet)});
   // The scan as programs make it, under limits that leave room for the walk.
   for (const rlim_t limit : {256U, 40U}) {
     EXPECT_TRUE(support::succeedsInChild([&] {
@@ -443,14 +460,17 @@ TEST(RealFolders, areAllCountedWithFewHandles) {
   // Handles run out here, because the listing is told of more than there are. Not under the address
   // sanitizer: its check of an object opens a pipe, and takes a failure for a broken object.
 #if !defined(__SANITIZE_ADDRESS__)
-  for (const unsigned threads : {1U, 8U}) {
+  for (const unsigned helpers : {1U, 8U}) {
     EXPECT_TRUE(support::succeedsInChild([&] {
       const rlimit few{32, 32};
       if (setrlimit(RLIMIT_NOFILE, &few) != 0) return false;
-      ReadAheadListing ahead{*host, threads};
-      return DiskScanner::scan({.root = folder.path(), .listing = &ahead}) == expected && openHandles() < 32;
-    })) << threads
-        << " threads";
+      ReadAheadListing ahead = readAhead(*host, helpers);
+      return DiskScanner::scan(
+                 {.root = folder.path(), .manner = always(ScanManner::quiet), .listing = &ahead}) ==
+                 expected &&
+             openHandles() < 32;
+    })) << helpers
+        << " helpers";
   }
 #endif
 }

@@ -1,4 +1,5 @@
 #include "core/scan/DiskScanner.h"
+#include "core/scan/FoundSoFar.h"
 #include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 #include "core/scan/ScanTiming.h"
@@ -6,14 +7,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <functional>
 #include <latch>
 #include <map>
+#include <random>
 
 namespace spacemint {
 namespace {
 
+using namespace std::chrono_literals;
 using support::names;
 using Names = std::vector<std::string>;
 
@@ -83,14 +87,15 @@ Entry folderEntry(const char* name, std::uint64_t device = 1) {
 // Scans a fake tree at "/r" with everything kept that is at least 20 MB, plainly and read ahead: the walk
 // must not be able to tell.
 DiskScanner::Result scanned(const FakeFolder& root, DiskScanner::Arguments arguments = {}) {
-  FakeListing plain{root};
-  ReadAheadListing ahead{plain, 3};
+  FakeListing listing{root};
   arguments.root = "/r";
   arguments.minNodeSize = 20 * mega;
-  arguments.listing = &plain;
+  arguments.listing = &listing;
+  arguments.manner = always(ScanManner::waiting);
+  const auto readAhead = DiskScanner::scan(DiskScanner::Arguments{arguments});
+  arguments.manner = always(ScanManner::quiet);
   const auto result = DiskScanner::scan(arguments);
-  arguments.listing = &ahead;
-  EXPECT_EQ(DiskScanner::scan(arguments), result);
+  EXPECT_EQ(readAhead, result);
   return result.value();
 }
 
@@ -191,12 +196,86 @@ TEST(DiskScanner, pollsOncePerFourThousandEntries) {
 }
 
 TEST(ReadAhead, opensFoldersSideBySide) {
+  FakeFolder root{.batches = {{}}};
+  Names names;
+  for (int i = 0; i < 60; ++i) names.push_back(std::to_string(i));
+  for (const std::string& name : names) {
+    root.batches[0].push_back(folderEntry(name.c_str()));
+    root.subfolders[name];
+  }
+  // At first one helper works; then there are found to be two.
   std::latch met{2};
-  FakeListing meeting{
-      {.batches = {{folderEntry("a"), folderEntry("b")}}, .subfolders = {{"a", {}}, {"b", {}}}},
-      [&] { met.arrive_and_wait(); }};
-  ReadAheadListing ahead{meeting, 2};
-  EXPECT_EQ(DiskScanner::scan({.root = "/r", .listing = &ahead})->root.children.size(), 2U);  // or it hangs
+  std::atomic<int> openings = 0;
+  FakeListing listing{root, [&] {
+                        const int number = ++openings;
+                        if (number == 30 || number == 31) met.arrive_and_wait();
+                      }};
+  ReadAheadListing ahead{listing, {.depth = {.processors = 2, .most = 2}}};
+  const auto result =
+      DiskScanner::scan({.root = "/r", .manner = always(ScanManner::quiet), .listing = &ahead});
+  EXPECT_EQ(result->root.children.size(), names.size());  // or it hangs
+}
+
+// A disk that answers so many requests at once; further ones wait in its queue.
+struct FakeDisk {
+  unsigned atOnce;
+  double cachedShare = 0;
+};
+
+// How many helpers list at the same time after so many folders.
+unsigned depthFound(const FakeDisk& disk, unsigned queue, int folders = 5'000) {
+  ReadAheadDepth depth{{.processors = 2, .most = queue}};
+  std::mt19937 random{1};
+  for (int i = 0; i < folders; ++i) {
+    const std::size_t names = random() % 40;
+    const bool isCached = random() % 100 < disk.cachedShare * 100;
+    const double reads = 2 + static_cast<double>(names) / 16;
+    const double microseconds = isCached ? 20 : reads * 100 * std::max(1.0, 1.0 * depth.now() / disk.atOnce);
+    const double varied = microseconds * (80 + random() % 40) / 100;
+    depth.note({.names = names,
+                .elapsed = std::chrono::nanoseconds{static_cast<std::int64_t>(varied * 1e3)},
+                .hasWaited = !isCached});
+  }
+  return depth.now();
+}
+
+TEST(ReadAheadDepth, isWhatTheDiskAnswersAtOnce) {
+  const unsigned all = ReadAheadDepth::highest;
+  EXPECT_EQ(depthFound({.atOnce = 1}, all, 100), 1U);
+  EXPECT_EQ(depthFound({.atOnce = 8}, all), 8U);
+  EXPECT_EQ(depthFound({.atOnce = 500}, all), all);
+  EXPECT_EQ(depthFound({.atOnce = 500}, 500), all);
+  EXPECT_EQ(depthFound({.atOnce = 500}, 4), 4U) << "the queue is full";
+  EXPECT_EQ(depthFound({.atOnce = 500}, 0), 1U);
+  EXPECT_EQ(depthFound({.atOnce = 500, .cachedShare = 0.5}, all), all);
+  EXPECT_EQ(depthFound({.atOnce = 500, .cachedShare = 1}, all), 2U) << "one for each processor";
+  EXPECT_EQ(depthFound({.atOnce = 500}, all, 500), all) << "found out by the first reads";
+}
+
+TEST(FoundSoFar, hasTheLargestItemsAndTheOneThatGrows) {
+  const FakeFolder root{
+      .batches = {{folderEntry("last"), folderEntry("late"), folderEntry("early"), fileEntry("f", 30 * mega)}},
+      .subfolders = {{"last", {}},
+                     {"early", {.batches = {{fileEntry("g", 40 * mega)}}}},
+                     {"late", {.batches = {{folderEntry("a"), folderEntry("b")}, {fileEntry("h", 10 * mega)}},
+                               .subfolders = {{"a", {}}, {"b", {.batches = {{fileEntry("i", mega)}}}}}}}}};
+  FakeListing listing{root};
+  std::vector<FoundSoFar> found;
+  // The walk looks before each folder, however few entries there were.
+  DiskScanner::scan(
+      {.root = "/r",
+       .minNodeSize = 20 * mega,
+       .manner = always(ScanManner::waiting),
+       .look =
+           [&](const DiskScanner::Unfinished& scan) { found.push_back(FoundSoFar::in(scan, "/r")); },
+       .lookInterval = 0ms,
+       .listing = &listing});
+  ASSERT_EQ(found.size(), 5U);  // early, late, b, a, last
+  EXPECT_EQ(found[0], (FoundSoFar{.bytes = 30 * mega, .items = {{"f", 30 * mega, false}}}));
+  EXPECT_EQ(found[3], (FoundSoFar{.bytes = 81 * mega,
+                                  .items = {{"early", 40 * mega},
+                                            {"f", 30 * mega, false},
+                                            {"late", 11 * mega, true, true}}}));
 }
 
 TEST(DiskScanner, countsToTheLargestNumberWhateverAFileSystemSays) {
@@ -204,7 +283,6 @@ TEST(DiskScanner, countsToTheLargestNumberWhateverAFileSystemSays) {
   EXPECT_EQ(scanned({.batches = {{fileEntry("a", most), fileEntry("b", most)}}}).root.size, most);
 }
 
-using namespace std::chrono_literals;
 using support::file;
 using support::folder;
 
