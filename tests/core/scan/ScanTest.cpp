@@ -254,11 +254,13 @@ TEST(ReadAheadDepth, isWhatTheDiskAnswersAtOnce) {
 
 TEST(FoundSoFar, hasTheLargestItemsAndTheOneThatGrows) {
   const FakeFolder root{
-      .batches = {{folderEntry("last"), folderEntry("late"), folderEntry("early"), fileEntry("f", 30 * mega)}},
+      .batches = {{folderEntry("last"), folderEntry("late"), folderEntry("early"),
+                   fileEntry("f", 30 * mega)}},
       .subfolders = {{"last", {}},
                      {"early", {.batches = {{fileEntry("g", 40 * mega)}}}},
-                     {"late", {.batches = {{folderEntry("a"), folderEntry("b")}, {fileEntry("h", 10 * mega)}},
-                               .subfolders = {{"a", {}}, {"b", {.batches = {{fileEntry("i", mega)}}}}}}}}};
+                     {"late",
+                      {.batches = {{folderEntry("a"), folderEntry("b")}, {fileEntry("h", 10 * mega)}},
+                       .subfolders = {{"a", {}}, {"b", {.batches = {{fileEntry("i", mega)}}}}}}}}};
   FakeListing listing{root};
   std::vector<FoundSoFar> found;
   // The walk looks before each folder, however few entries there were.
@@ -266,16 +268,15 @@ TEST(FoundSoFar, hasTheLargestItemsAndTheOneThatGrows) {
       {.root = "/r",
        .minNodeSize = 20 * mega,
        .manner = always(ScanManner::waiting),
-       .look =
-           [&](const DiskScanner::Unfinished& scan) { found.push_back(FoundSoFar::in(scan, "/r")); },
+       .look = [&](const DiskScanner::Unfinished& scan) { found.push_back(FoundSoFar::in(scan, "/r")); },
        .lookInterval = 0ms,
        .listing = &listing});
   ASSERT_EQ(found.size(), 5U);  // early, late, b, a, last
   EXPECT_EQ(found[0], (FoundSoFar{.bytes = 30 * mega, .items = {{"f", 30 * mega, false}}}));
-  EXPECT_EQ(found[3], (FoundSoFar{.bytes = 81 * mega,
-                                  .items = {{"early", 40 * mega},
-                                            {"f", 30 * mega, false},
-                                            {"late", 11 * mega, true, true}}}));
+  EXPECT_EQ(found[3],
+            (FoundSoFar{
+                .bytes = 81 * mega,
+                .items = {{"early", 40 * mega}, {"f", 30 * mega, false}, {"late", 11 * mega, true, true}}}));
 }
 
 TEST(DiskScanner, countsToTheLargestNumberWhateverAFileSystemSays) {
