@@ -64,7 +64,8 @@ std::string folderTable(const std::vector<FolderItem>& folders, Bytes whole, con
   Table table;
   for (const FolderItem& item : folders) {
     table.add({ByteFormat::string(item.node->size, wording.locale), percentage(item.node->size, whole),
-               counted(item.node->fileCount, "file", wording.locale), shown(item.path, wording)});
+               counted(item.node->fileCount, "{count} file", "{count} files", wording.locale),
+               shown(item.path, wording)});
   }
   return table.text();
 }
@@ -108,8 +109,8 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
   std::string text =
       printable(snapshot.rootPath()) + ": " +
       FindingText::folderSize(snapshot.root.size, snapshot.coverage.unread.folders > 0, wording.locale) +
-      " in " + counted(snapshot.fileCount, "file", wording.locale) + ", measured in " +
-      secondsText(snapshot.duration) + '\n';
+      " in " + counted(snapshot.fileCount, "{count} file", "{count} files", wording.locale) +
+      ", measured in " + secondsText(snapshot.duration) + '\n';
   text += whyFull.empty() ? "A rescan: what has not changed was taken from the last scan.\n"
                           : "A full scan, because " + whyFull + ".\n";
   if (snapshot.volumeTotal > 0) {
@@ -134,7 +135,7 @@ std::string withKind(std::string document, const std::string& whyFull) {
 std::string unreadNote(const Unread& unread, const Wording& wording) {
   if (unread.folders == 0 && unread.entries == 0) return "";
   std::string text;
-  if (unread.folders > 0) text = counted(unread.folders, "folder", wording.locale);
+  if (unread.folders > 0) text = counted(unread.folders, "{count} folder", "{count} folders", wording.locale);
   if (unread.entries > 0) {
     text += (text.empty() ? "" : " and ") + groupedNumber(unread.entries, wording.locale) +
             (unread.entries == 1 ? " entry" : " entries");

@@ -80,7 +80,7 @@ class Proposer {
       }
       case CleanKind::path:
         return proposalFor(
-            DeleteRequest{.path = path, .name = Paths::lastComponent(path), .note = deleteNote});
+            DeleteRequest{.path = path, .name = Paths::lastComponent(path), .note = i18n(deleteNote)});
     }
     return Proposal{};
   }

@@ -92,7 +92,7 @@ int runKinds(const ListOptions& options) {
     rest = saturatingSubtract(rest, total.size);
     list.push_back({{"kind", row.word}, {"size", total.size}, {"fileCount", total.files}});
     table.add({ByteFormat::string(total.size, locale), percentage(total.size, scan->root.size),
-               counted(total.files, "file", locale), std::string{row.title}});
+               counted(total.files, "{count} file", "{count} files", locale), std::string{row.title}});
   }
   table.add({ByteFormat::string(rest, locale), percentage(rest, scan->root.size), "",
              "Files below " + ByteFormat::string(scan->minNodeSize, locale) + ", and folders' own blocks"});

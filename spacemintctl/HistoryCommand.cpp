@@ -35,7 +35,7 @@ std::vector<std::string> rowOf(const SnapshotStore::Entry& entry, const LoadedSc
   const std::string locale = userLocale();
   if (!scan) return {localTime(entry.date), "", "", "cannot be read: " + printable(scan.error().message)};
   return {localTime(entry.date), ByteFormat::string(scan->root.size, locale),
-          counted(scan->fileCount, "file", locale),
+          counted(scan->fileCount, "{count} file", "{count} files", locale),
           printable(Paths::display(scan->rootPath(), UserFolders::home()))};
 }
 

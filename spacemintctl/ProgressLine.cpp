@@ -26,8 +26,8 @@ std::string timeLeft(Seconds left) {
 
 std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
                          std::chrono::duration<double> elapsed, const std::string& locale) {
-  std::string text =
-      counted(progress.files, "file", locale) + ", " + ByteFormat::string(progress.bytes, locale);
+  std::string text = counted(progress.files, "{count} file", "{count} files", locale) + ", " +
+                     ByteFormat::string(progress.bytes, locale);
   const auto fraction = ScanTiming::fraction(progress.bytes, expected.value_or(0));
   if (!fraction) return text;
   text += ", " + std::to_string(static_cast<int>(*fraction * 100)) + " %";

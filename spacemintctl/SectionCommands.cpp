@@ -54,7 +54,7 @@ std::string scanText(const Scene& scene) {
   const Snapshot& scan = scene.snapshot;
   return "Scanned " + RelativeTime::string(scan.date, scene.now, locale) + ": " +
          shownPath(scan.rootPath(), scene) + ", " + shownSize(scan.root.size, scene) + " in " +
-         counted(scan.fileCount, "file", locale) + '\n';
+         counted(scan.fileCount, "{count} file", "{count} files", locale) + '\n';
 }
 
 const char* name(SpaceLevel level) {

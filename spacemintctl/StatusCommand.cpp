@@ -141,7 +141,7 @@ Fact lastScanFact(const std::optional<Snapshot>& last, Date now) {
           localTime(last->date) + " (" + RelativeTime::string(last->date, now, locale) + "), " +
               printable(Paths::display(last->rootPath(), UserFolders::home())) + ", " +
               ByteFormat::string(last->root.size, locale) + " in " +
-              counted(last->fileCount, "file", locale)};
+              counted(last->fileCount, "{count} file", "{count} files", locale)};
 }
 
 Fact nextScanFact(const ScanPlan& plan) {

@@ -46,7 +46,7 @@ std::string heading(const NcduFormat::Imported& imported, const std::string& loc
          ". It is only shown: nothing is stored, and nothing can be cleaned here.\n" +
          printable(imported.snapshot.rootPath()) + ": " +
          ByteFormat::string(imported.snapshot.root.size, locale) + " in " +
-         counted(imported.snapshot.fileCount, "file", locale) + '\n';
+         counted(imported.snapshot.fileCount, "{count} file", "{count} files", locale) + '\n';
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "core/analysis/DeviceBackups.h"
 
 #include "core/analysis/Age.h"
+#include "core/base/Translation.h"
 #include "core/host/AtomicFile.h"
 #include "core/places/Place.h"
 
@@ -27,7 +28,7 @@ std::string deviceName(const PropertyDictionary& info) {
   for (const char* key : {deviceNameKey, displayNameKey}) {
     if (auto name = entry<std::string>(info, key)) return std::move(*name);
   }
-  return "Unknown device";
+  return i18n("Unknown device");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/base/Bytes.h"
+#include "core/base/Translation.h"
 #include "core/tree/Node.h"
 
 #include <array>
@@ -29,21 +30,21 @@ enum class FileKind : std::uint8_t {
 struct FileKindRow {
   /// The word for it in a search and in JSON.
   std::string_view word;
-  std::string_view title;
+  const char* title;
 };
 
 /// In the order of `FileKind`.
 inline constexpr auto fileKindRows = std::to_array<FileKindRow>({
-    {"video", "Video"},
-    {"pictures", "Pictures"},
-    {"music", "Music"},
-    {"archives", "Archives"},
-    {"images", "Disk images"},
-    {"documents", "Documents"},
-    {"code", "Code"},
-    {"packages", "Packages"},
-    {"models", "Models"},
-    {"other", "Other files"},
+    {"video", i18nMark("Video")},
+    {"pictures", i18nMark("Pictures")},
+    {"music", i18nMark("Music")},
+    {"archives", i18nMark("Archives")},
+    {"images", i18nMark("Disk images")},
+    {"documents", i18nMark("Documents")},
+    {"code", i18nMark("Code")},
+    {"packages", i18nMark("Packages")},
+    {"models", i18nMark("Models")},
+    {"other", i18nMark("Other files")},
 });
 
 constexpr const FileKindRow& rowOf(FileKind kind) {

@@ -1,5 +1,7 @@
 #include "core/analysis/HuggingFace.h"
 
+#include "core/base/Translation.h"
+
 #include <algorithm>
 #include <functional>
 #include <utility>
@@ -10,17 +12,18 @@ namespace {
 
 struct RepositoryKind {
   std::string_view prefix;
-  std::string_view name;
+  const char* name;
 };
-constexpr RepositoryKind kinds[] = {{"models", "Model"}, {"datasets", "Dataset"}, {"spaces", "Space"}};
-constexpr std::string_view plainFolder = "Cache folder";
+constexpr RepositoryKind kinds[] = {
+    {"models", i18nMark("Model")}, {"datasets", i18nMark("Dataset")}, {"spaces", i18nMark("Space")}};
+constexpr const char* plainFolder = i18nMark("Cache folder");
 
 constexpr Place cache{"$cache/huggingface", "HF_HOME"};
 constexpr Place hubPlace{"$cache/huggingface/hub", "HF_HUB_CACHE|HUGGINGFACE_HUB_CACHE|HF_HOME/hub"};
 constexpr std::string_view hub = "hub";
 
 HuggingFaceItem cacheFolder(std::string repo, std::string path, Bytes size) {
-  return {.repo = std::move(repo), .kind = std::string{plainFolder}, .path = std::move(path), .size = size};
+  return {.repo = std::move(repo), .kind = i18n(plainFolder), .path = std::move(path), .size = size};
 }
 
 void addHub(const Node& folder, const std::string& path, std::vector<HuggingFaceItem>& items) {
@@ -57,7 +60,7 @@ std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view nam
     repo.erase(at, separator.size() - 1);
     repo[at] = '/';
   }
-  return HuggingFaceRepository{.repo = std::move(repo), .kind = std::string{kind->name}};
+  return HuggingFaceRepository{.repo = std::move(repo), .kind = i18n(kind->name)};
 }
 
 std::vector<HuggingFaceItem> huggingFace(const HuggingFaceArguments& arguments) {

@@ -2,6 +2,7 @@
 
 #include "core/analysis/SizeText.h"
 #include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/tree/TreeWalk.h"
 
@@ -158,9 +159,10 @@ std::expected<SearchQuery, Error> parseSearch(std::string_view text) {
   SearchQuery query;
   for (const Word& word : wordsOf(text)) {
     if (add(query, word)) continue;
-    return std::unexpected(Error{.domain = std::string{searchDomain},
-                                 .code = static_cast<int>(word.place),
-                                 .message = "“" + word.text + "” is not understood, or said twice"});
+    return std::unexpected(
+        Error{.domain = std::string{searchDomain},
+              .code = static_cast<int>(word.place),
+              .message = i18n("“{word}” is not understood, or said twice", {{"word", word.text}})});
   }
   return query;
 }

@@ -1,5 +1,6 @@
 #include "core/analysis/Suggestions.h"
 
+#include "core/base/Translation.h"
 #include "core/places/SuggestionPlaces.h"
 #include "core/tree/TreeWalk.h"
 
@@ -23,8 +24,8 @@ Bytes sum(const Locations& locations) {
 template <class Row>
 Suggestion suggestion(const Row& row, Locations locations) {
   return {.id = std::string{row.id},
-          .title = std::string{row.title},
-          .advice = std::string{row.advice},
+          .title = i18n(row.title),
+          .advice = i18n(row.advice),
           .symbol = std::string{row.symbol},
           .locations = std::move(locations)};
 }

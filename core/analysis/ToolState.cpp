@@ -1,5 +1,7 @@
 #include "core/analysis/ToolState.h"
 
+#include "core/base/Translation.h"
+
 #include <ranges>
 
 namespace spacemint::DevTools {
@@ -9,7 +11,7 @@ std::string lastLine(std::string_view text) {
   for (const std::string_view line : all | std::views::reverse) {
     if (const auto words = trimmed(line); !words.empty()) return std::string{words};
   }
-  return "Unknown error";
+  return i18n("Unknown error");
 }
 
 }  // namespace spacemint::DevTools

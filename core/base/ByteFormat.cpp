@@ -1,5 +1,7 @@
 #include "core/base/ByteFormat.h"
 
+#include "core/base/Translation.h"
+
 #include <unicode/numberformatter.h>
 
 #include <array>
@@ -13,7 +15,10 @@ namespace {
 
 using icu::number::LocalizedNumberFormatter;
 
-constexpr std::array<std::string_view, 6> unitNames{"bytes", "KB", "MB", "GB", "TB", "PB"};
+// From 1,000 bytes on. Below, "bytes" is a noun with a plural.
+constexpr std::array<const char*, 5> units{i18nMark("{number} KB"), i18nMark("{number} MB"),
+                                           i18nMark("{number} GB"), i18nMark("{number} TB"),
+                                           i18nMark("{number} PB")};
 
 // Creating a formatter costs far more than using it, and a program shows all numbers in one locale: cache the
 // formatters of the last locale.
@@ -43,22 +48,21 @@ std::string ByteFormat::string(Bytes bytes, const std::string& locale) {
   auto value = static_cast<double>(bytes);
   std::size_t unit = 0;
   // 999.5 rounds to 1,000, which is shown in the next unit.
-  while (std::abs(value) >= 999.5 && unit + 1 < unitNames.size()) {
+  while (std::abs(value) >= 999.5 && unit < units.size()) {
     value /= 1'000;
     ++unit;
   }
   const Formatters& format = formatters(locale);
   const bool showsTenths = unit > 0 && std::abs(value) < 99.95;
   UErrorCode status = U_ZERO_ERROR;
-  std::string text;
+  std::string number;
   (showsTenths ? format.tenths : format.whole)
       .formatDouble(value, status)
       .toString(status)
-      .toUTF8String(text);
-  if (U_FAILURE(status) || text.empty()) text = std::to_string(static_cast<std::int64_t>(value));
-  text += ' ';
-  text += unitNames.at(unit);
-  return text;
+      .toUTF8String(number);
+  if (U_FAILURE(status) || number.empty()) number = std::to_string(static_cast<std::int64_t>(value));
+  if (unit > 0) return i18n(units.at(unit - 1), {{"number", number}});
+  return i18np("{number} bytes", "{number} bytes", bytes, {{"number", number}});
 }
 
 std::string groupedNumber(std::int64_t number, const std::string& locale) {
@@ -68,11 +72,8 @@ std::string groupedNumber(std::int64_t number, const std::string& locale) {
   return U_FAILURE(status) || text.empty() ? std::to_string(number) : text;
 }
 
-std::string counted(std::int64_t number, std::string_view thing, const std::string& locale) {
-  std::string text = groupedNumber(number, locale) + ' ';
-  text += thing;
-  if (number != 1) text += 's';
-  return text;
+std::string counted(std::int64_t number, const char* one, const char* many, const std::string& locale) {
+  return i18np(one, many, number, {{"count", groupedNumber(number, locale)}});
 }
 
 }  // namespace spacemint

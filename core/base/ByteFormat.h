@@ -12,6 +12,7 @@ namespace ByteFormat {
 
 /// A short text such as "1.5 KB", in decimal units of 1,000. `locale` is an ICU locale identifier such as
 /// "en_US"; it decides the decimal mark, the grouping and the minus sign.
+/// The unit is that of the user's language.
 std::string string(Bytes bytes, const std::string& locale);
 
 }  // namespace ByteFormat
@@ -19,8 +20,8 @@ std::string string(Bytes bytes, const std::string& locale);
 /// A whole number with the grouping of `locale`, such as "600,000". Any thread.
 std::string groupedNumber(std::int64_t number, const std::string& locale);
 
-/// A number and a noun: "1 file", "600,000 files". `thing` is the singular of a noun whose plural adds "s".
-/// Any thread.
-std::string counted(std::int64_t number, std::string_view thing, const std::string& locale);
+/// A text with the number as "{count}", in the user's language: of "{count} file" and "{count} files",
+/// "600,000 files". Any thread.
+std::string counted(std::int64_t number, const char* one, const char* many, const std::string& locale);
 
 }  // namespace spacemint

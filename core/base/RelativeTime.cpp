@@ -1,11 +1,14 @@
 #include "core/base/RelativeTime.h"
 
+#include "core/base/Translation.h"
+
 #include <unicode/reldatefmt.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
 #include <cmath>
 #include <ranges>
+#include <string_view>
 
 namespace spacemint {
 
@@ -23,10 +26,19 @@ constexpr Unit units[] = {{UDAT_REL_UNIT_YEAR, 365 * 86'400.0},
                           {UDAT_REL_UNIT_MINUTE, 60},
                           {UDAT_REL_UNIT_SECOND, 1}};
 
+// The language of the sentences with the region of `locale`, so that the words never are in another language
+// than the sentence around them.
+icu::Locale localeOfWords(const std::string& locale) {
+  const icu::Locale numbers{locale.c_str()};
+  const icu::Locale sentences{sentenceLanguage().c_str()};
+  const bool isSame = std::string_view{numbers.getLanguage()} == sentences.getLanguage();
+  return isSame ? numbers : icu::Locale{sentences.getLanguage(), numbers.getCountry()};
+}
+
 }  // namespace
 
 std::string RelativeTime::string(Date date, Date now, const std::string& locale) {
-  return std::abs(Seconds{timeBetween(date, now)}.count()) < 60 ? "just now" : age(date, now, locale);
+  return std::abs(Seconds{timeBetween(date, now)}.count()) < 60 ? i18n("just now") : age(date, now, locale);
 }
 
 std::string RelativeTime::age(Date date, Date now, const std::string& locale) {
@@ -38,21 +50,11 @@ std::string RelativeTime::age(Date date, Date now, const std::string& locale) {
   if (number == 0) number = -0.0;  // "0 seconds ago", not "in 0 seconds"
 
   UErrorCode status = U_ZERO_ERROR;
-  // The interface is in English, so the words are English too; the region decides the format of the number.
-  const icu::Locale english{"en", icu::Locale(locale.c_str()).getCountry()};
-  const icu::RelativeDateTimeFormatter formatter{english, status};
+  const icu::RelativeDateTimeFormatter formatter{localeOfWords(locale), status};
   icu::UnicodeString text;
   std::string result;
   formatter.formatNumeric(number, unit.unit, text, status).toUTF8String(result);
   return result;
-}
-
-std::string RelativeTime::span(std::chrono::seconds length) {
-  const auto hours = std::chrono::duration_cast<std::chrono::hours>(length).count();
-  if (hours < 2) return "the last hour";
-  if (hours < 48) return "the last " + std::to_string(hours) + " hours";
-  return "the last " + std::to_string(std::chrono::duration_cast<std::chrono::days>(length).count()) +
-         " days";
 }
 
 }  // namespace spacemint

@@ -6,8 +6,8 @@
 
 namespace spacemint {
 
-/// How long ago something happened, in English words. `locale` is an ICU locale identifier; only its region
-/// is used, for the format of the number. Any thread.
+/// How long ago something happened, in the language of the sentences. `locale` is an ICU locale identifier;
+/// in another language, only its region is used, for the format of the number. Any thread.
 namespace RelativeTime {
 
 /// "just now" if `date` is less than a minute from `now`; otherwise the text of `age`.
@@ -16,9 +16,6 @@ std::string string(Date date, Date now, const std::string& locale);
 /// The age in the largest unit of which at least one has passed, such as "1 day ago"; "in 2 hours" for a
 /// future date. A month counts as 30 days, a year as 365.
 std::string age(Date date, Date now, const std::string& locale);
-
-/// The period of this length that ends now: "the last hour", "the last 26 hours", "the last 3 days".
-std::string span(std::chrono::seconds length);
 
 }  // namespace RelativeTime
 

@@ -1,6 +1,7 @@
 #include "core/base/Translation.h"
 
 #include <libintl.h>
+#include <unicode/uloc.h>
 
 #include <algorithm>
 #include <clocale>
@@ -15,6 +16,7 @@ constexpr const char* domain = "spacemint";
 // Set by setUpTranslation only.
 std::string language = "en";
 bool isEnglish = true;
+bool runsFromRightToLeft = false;
 
 std::string_view environmentText(const char* name) {
   const char* value = std::getenv(name);
@@ -48,6 +50,14 @@ std::string languageOfCatalogue() {
   return std::string{rest.substr(0, rest.find('\n'))};
 }
 
+void appendValue(std::string& text, std::string_view value) {
+  constexpr std::string_view firstStrongIsolate = "\u2068";
+  constexpr std::string_view popIsolate = "\u2069";
+  if (runsFromRightToLeft) text += firstStrongIsolate;
+  text += value;
+  if (runsFromRightToLeft) text += popIsolate;
+}
+
 }  // namespace
 
 void setUpTranslation(const std::string& folder) {
@@ -56,12 +66,17 @@ void setUpTranslation(const std::string& folder) {
   bind_textdomain_codeset(domain, "UTF-8");
   language = languageOfCatalogue();
   isEnglish = language == "en";
+  runsFromRightToLeft = uloc_isRightToLeft(language.c_str()) != 0;
   // The system's own messages, such as those of errno, are then in English too.
   if (isEnglish) std::setlocale(LC_MESSAGES, "C");
 }
 
 const std::string& sentenceLanguage() {
   return language;
+}
+
+bool sentencesRunFromRightToLeft() {
+  return runsFromRightToLeft;
 }
 
 std::string i18n(const char* text, Placeholders values) {
@@ -89,7 +104,11 @@ std::string fillIn(std::string_view text, Placeholders values) {
     const std::string_view name = text.substr(1, std::min(text.find('}'), text.size()) - 1);
     const auto* found = std::ranges::find(values, name, &Placeholder::name);
     const bool isPlace = found != values.end() && name.size() + 2 <= text.size();
-    filled += isPlace ? found->value : text.substr(0, 1);
+    if (isPlace) {
+      appendValue(filled, found->value);
+    } else {
+      filled += '{';
+    }
     text.remove_prefix(isPlace ? name.size() + 2 : 1);
   }
   filled += text;

@@ -27,6 +27,9 @@ void setUpTranslation(const std::string& folder);
 /// The language of the sentences as an ICU locale, such as "de" or "pt_BR"; "en" without a catalogue.
 const std::string& sentenceLanguage();
 
+/// Whether that language is written from right to left.
+bool sentencesRunFromRightToLeft();
+
 /// The text in the user's language, its placeholders filled in.
 std::string i18n(const char* text, Placeholders values = {});
 /// The same for a text whose meaning depends on where it stands. `context` says where, to translators only.

@@ -1,5 +1,6 @@
 #include "core/cleanup/Cleanup.h"
 
+#include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -48,8 +49,10 @@ std::string realPath(const std::string& path) {
   return failure ? path : real.string();
 }
 
+// `reason` is a sentence about "{item}".
 CleanupFailure changed(const CleanupStep& step, const DeletionGuard& guard, const std::string& reason) {
-  return CleanupFailure::refused(Paths::display(step.path, guard.home()) + " " + reason, step.path);
+  return CleanupFailure::refused(fillIn(reason, {{"item", Paths::display(step.path, guard.home())}}),
+                                 step.path);
 }
 
 std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure>& result,
@@ -61,7 +64,7 @@ std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure
   FailureKind kind = FailureKind::other;
   if (error.domain == keptByCheck) kind = FailureKind::refused;
   if (Cleanup::isPermissionError(error)) kind = FailureKind::needsFullDiskAccess;
-  return CleanupFailure{kind, Paths::display(path, guard.home()) + " " + error.message, path};
+  return CleanupFailure{kind, fillIn(error.message, {{"item", Paths::display(path, guard.home())}}), path};
 }
 
 std::optional<CleanupFailure> guardRefusal(const CleanupStep& step, const DeletionGuard& guard) {
@@ -79,10 +82,10 @@ std::optional<CleanupFailure> guardRefusal(const CleanupStep& step, const Deleti
 std::optional<CleanupFailure> judgeForOthers(const CleanupStep& step, const CleanupContext& context) {
   const auto identity = Cleanup::identityOf(step);
   if (!identity || identity.value() != step.identity) {
-    return changed(step, context.guard, "is no longer what it was");
+    return changed(step, context.guard, i18n("{item} is no longer what it was"));
   }
   if (step.kind == Kind::removeWorktree && worktreeContents(step.path, context) != step.worktree) {
-    return changed(step, context.guard, "has changes that were not shown");
+    return changed(step, context.guard, i18n("{item} has changes that were not shown"));
   }
   return std::nullopt;
 }
@@ -121,7 +124,7 @@ std::optional<CleanupFailure> Cleanup::refusalOf(const CleanupStep& step, const 
   if (!ruleOf(step.kind).asksGuard) {
     std::error_code failure;
     const auto status = std::filesystem::symlink_status(Paths::logical(step.path), failure);
-    if (std::filesystem::is_symlink(status)) return changed(step, guard, "is a symbolic link");
+    if (std::filesystem::is_symlink(status)) return changed(step, guard, i18n("{item} is a symbolic link"));
   } else if (auto refused = guardRefusal(step, guard)) {
     return refused;
   }
@@ -129,7 +132,9 @@ std::optional<CleanupFailure> Cleanup::refusalOf(const CleanupStep& step, const 
   // Tools and git enter mounts, and so does the search for repositories in a worktree.
   const auto mount = mountedIn(step.path);
   if (!mount) return std::nullopt;
-  return changed(step, guard, "has something else mounted in it, at " + Paths::display(*mount, guard.home()));
+  return changed(step, guard,
+                 i18n("{item} has something else mounted in it, at {mount}",
+                      {{"mount", Paths::display(*mount, guard.home())}}));
 }
 
 std::optional<CleanupFailure> Cleanup::judge(const CleanupStep& step, const CleanupContext& context) {

@@ -3,6 +3,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/cleanup/Cleanup.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/host/AllocatedSize.h"
@@ -29,24 +30,27 @@ class Planner {
     return withStep({.kind = Kind::moveToTrash,
                      .path = file.path,
                      .size = file.size,
-                     .label = "Moved “" + name + "” to the Trash. Empty it to free " + amount(file.size)},
+                     .label = i18n("Moved “{name}” to the Trash. Empty it to free {size}",
+                                   {{"name", name}, {"size", amount(file.size)}})},
                     {.id = file.path,
-                     .title = "Move to Trash?",
+                     .title = i18n("Move to Trash?"),
                      .subject = sized(Paths::lastComponent(file.path), file.size),
                      .detail = shown(file.path),
-                     .note = "You can put it back from the Trash until you empty it.",
-                     .button = "Move to Trash",
+                     .note = i18n("You can put it back from the Trash until you empty it."),
+                     .button = i18n("Move to Trash"),
                      .touched = {file.path}});
   }
 
   Planned operator()(const DeleteRequest& item) const {
-    return withStep({.path = item.path, .size = item.size, .label = "Deleted " + isolatedName(item.name)},
+    return withStep({.path = item.path,
+                     .size = item.size,
+                     .label = i18n("Deleted {name}", {{"name", isolatedName(item.name)}})},
                     {.id = item.path,
-                     .title = "Delete permanently?",
+                     .title = i18n("Delete permanently?"),
                      .subject = sized(item.name, item.size),
                      .detail = shown(item.path),
                      .note = item.note + sharedNote(item.path),
-                     .button = "Delete",
+                     .button = i18n("Delete"),
                      .touched = {item.path}});
   }
 
@@ -57,15 +61,15 @@ class Planner {
   }
 
   Planned operator()(const EmptyTrashRequest& trash) const {
-    const std::string everything = "Everything in the Trash";
+    const std::string everything = i18n("Everything in the Trash");
     CleanupPlan plan{.id = "trash",
-                     .title = "Empty the Trash?",
+                     .title = i18n("Empty the Trash?"),
                      .subject = trash.size ? sized(everything, *trash.size) : everything,
-                     .note = "Deletes everything for good, including hidden items.",
-                     .button = "Empty Trash",
+                     .note = i18n("Deletes everything for good, including hidden items."),
+                     .button = i18n("Empty Trash"),
                      .touched = {trash.place.folder},
                      .stopsAtFailure = true};
-    const std::string label = "Emptied the Trash";
+    const std::string label = i18n("Emptied the Trash");
     if (trash.byFileManager) {
       plan.expected = trash.size.value_or(0);
       plan.steps = {{.kind = Kind::runTool, .command = {"gio", {"trash", "--empty"}}, .label = label}};
@@ -85,23 +89,27 @@ class Planner {
   Planned operator()(const DeviceBackup& backup) const {
     std::optional<std::string> age;
     if (backup.lastBackup) {
-      age = "Last backed up " + RelativeTime::age(*backup.lastBackup, now_, context_.locale);
+      age = i18n("Last backed up {age}",
+                 {{"age", RelativeTime::age(*backup.lastBackup, now_, context_.locale)}});
     }
     const std::string path = Paths::logical(backup.path);
     return withStep(
-        {.path = path, .size = backup.size, .label = "Deleted the backup of " + isolatedName(backup.name)},
+        {.path = path,
+         .size = backup.size,
+         .label = i18n("Deleted the backup of {device}", {{"device", isolatedName(backup.name)}})},
         {.id = backup.path,
-         .title = "Delete this backup?",
+         .title = i18n("Delete this backup?"),
          .subject = sized(backup.name, backup.size),
          .detail = age,
          .note = CleanupText::backupNote(backup.name),
-         .button = "Delete backup",
+         .button = i18n("Delete backup"),
          .touched = {backup.path}});
   }
 
   Planned operator()(const GitWorktree& worktree) const {
-    CleanupStep step{
-        .path = worktree.path, .size = worktree.size, .label = "Removed " + isolatedName(worktree.name())};
+    CleanupStep step{.path = worktree.path,
+                     .size = worktree.size,
+                     .label = i18n("Removed {name}", {{"name", isolatedName(worktree.name())}})};
     // Ask the guard before counting changes: counting runs git in the folder.
     step.kind = Kind::removeWorktree;
     if (auto refused = refusalOf(step)) return std::unexpected(*refused);
@@ -113,77 +121,81 @@ class Planner {
     }
     std::string note = CleanupText::worktreeNote(worktree, step.worktree);
     return withStep(std::move(step), {.id = worktree.path,
-                                      .title = "Remove this worktree?",
+                                      .title = i18n("Remove this worktree?"),
                                       .subject = sized(worktree.name(), worktree.size),
                                       .detail = shown(worktree.path),
                                       .note = std::move(note),
-                                      .button = "Remove worktree",
+                                      .button = i18n("Remove worktree"),
                                       .touched = {worktree.path}});
   }
 
   Planned operator()(const DevTools::FoundCleanup& found) const {
     const CleanupTarget& target = *found.target;
-    const std::string title{target.title};
+    const std::string title = i18n(target.title);
     CleanupStep step{.kind = Kind::emptyFolder,
                      .path = Paths::logical(found.path),
                      .size = found.size,
-                     .label = "Cleaned " + title};
+                     .label = i18n("Cleaned {cache}", {{"cache", title}})};
     if (const auto* command = std::get_if<CleanupTarget::Command>(&target.action)) {
       step.kind = Kind::runTool;
       step.command = {command->program(), command->arguments()};
       const auto variable = command->pinned(step.path);
       if (variable) step.command.environment.insert(*variable);
       if (!variable && !command->pin.empty()) {
-        return std::unexpected(CleanupFailure::refused(
-            shownPath(step.path) + " has a name that `" + command->program() + "` does not take", step.path));
+        return std::unexpected(
+            CleanupFailure::refused(i18n("{item} has a name that `{program}` does not take",
+                                         {{"item", shownPath(step.path)}, {"program", command->program()}}),
+                                    step.path));
       }
     }
     return withStep(std::move(step), {.id = std::string{found.id()},
-                                      .title = "Clean up " + title + "?",
-                                      .subject = sized(target.title, found.size),
+                                      .title = i18n("Clean up {cache}?", {{"cache", title}}),
+                                      .subject = sized(title, found.size),
                                       .note = CleanupText::cacheNote(target, shownPath(found.path)),
-                                      .button = "Clean up",
+                                      .button = i18n("Clean up"),
                                       .touched = {found.path}});
   }
 
   Planned operator()(const DockerPruneRequest& docker) const {
-    CleanupPlan plan{.id = "docker",
-                     .title = "Clean up Docker?",
-                     .subject = "About " + amount(docker.reclaimable) + " of unused data",
-                     .note =
-                         "Runs `docker system prune -a`. Removes stopped containers, unused images and "
-                         "build cache. Keeps volumes.",
-                     .button = "Clean up",
-                     .touched = dockerFolders(),
-                     .estimate = docker.reclaimable};
+    CleanupPlan plan{
+        .id = "docker",
+        .title = i18n("Clean up Docker?"),
+        .subject = i18n("About {size} of unused data", {{"size", amount(docker.reclaimable)}}),
+        .note = i18n("Runs `docker system prune -a`. Removes stopped containers, unused images and "
+                     "build cache. Keeps volumes."),
+        .button = i18n("Clean up"),
+        .touched = dockerFolders(),
+        .estimate = docker.reclaimable};
     CleanupStep step{.kind = Kind::runTool,
                      .command = {"docker", {"system", "prune", "-a", "-f"}},
-                     .label = "Cleaned up Docker"};
+                     .label = i18n("Cleaned up Docker")};
     if (docker.volumes) {
       plan.id = "docker-volumes";
-      plan.title = "Remove unused volumes?";
-      plan.subject = "About " + amount(docker.reclaimable) + " in volumes no container uses";
+      plan.title = i18n("Remove unused volumes?");
+      plan.subject =
+          i18n("About {size} in volumes no container uses", {{"size", amount(docker.reclaimable)}});
       plan.note =
-          "Runs `docker volume prune -a`. Data in these volumes, like old databases, is gone for good.";
-      plan.button = "Remove volumes";
+          i18n("Runs `docker volume prune -a`. Data in these volumes, like old databases, is gone for good.");
+      plan.button = i18n("Remove volumes");
       step.command.arguments = {"volume", "prune", "-a", "-f"};
-      step.label = "Removed unused Docker volumes";
+      step.label = i18n("Removed unused Docker volumes");
     }
     plan.steps.push_back(std::move(step));
     return plan;
   }
 
   Planned operator()(const DevTools::OllamaModel& model) const {
-    return CleanupPlan{.id = "ollama:" + model.name,
-                       .title = "Remove this model?",
-                       .subject = sized(model.name, model.size),
-                       .note = "Runs `ollama rm " + model.name + "`. You can pull it again.",
-                       .button = "Remove",
-                       .steps = {{.kind = Kind::runTool,
-                                  .command = {"ollama", {"rm", model.name}},
-                                  .label = "Removed " + model.name}},
-                       .touched = {inHome(".ollama/models")},
-                       .estimate = model.size};
+    return CleanupPlan{
+        .id = "ollama:" + model.name,
+        .title = i18n("Remove this model?"),
+        .subject = sized(model.name, model.size),
+        .note = i18n("Runs `ollama rm {model}`. You can pull it again.", {{"model", model.name}}),
+        .button = i18n("Remove"),
+        .steps = {{.kind = Kind::runTool,
+                   .command = {"ollama", {"rm", model.name}},
+                   .label = i18n("Removed {name}", {{"name", model.name}})}},
+        .touched = {inHome(".ollama/models")},
+        .estimate = model.size};
   }
 
  private:
@@ -261,7 +273,8 @@ CleanupPlan mergedPlans(std::string title, std::vector<CleanupPlan> plans) {
   for (CleanupPlan& plan : plans) {
     // "Clean up npm cache?" becomes "npm cache: Runs ...".
     const std::string subject = plan.subject.substr(0, plan.subject.rfind(" · "));
-    merged.note += (merged.note.empty() ? "" : "\n") + subject + ": " + plan.note;
+    merged.note += (merged.note.empty() ? "" : "\n") +
+                   i18n("{subject}: {note}", {{"subject", subject}, {"note", plan.note}});
     std::ranges::move(plan.steps, std::back_inserter(merged.steps));
     std::ranges::move(plan.touched, std::back_inserter(merged.touched));
   }

@@ -4,6 +4,7 @@
 #include "core/analysis/DeviceBackups.h"
 #include "core/analysis/GitWorktrees.h"
 #include "core/analysis/OllamaModels.h"
+#include "core/base/Translation.h"
 #include "core/cleanup/CleanupFailure.h"
 #include "core/cleanup/DeletionGuard.h"
 #include "core/host/TrashCan.h"
@@ -119,7 +120,7 @@ struct CleanupPlan {
 };
 
 /// The note of the question before deleting one of the user's own files or folders.
-inline const std::string deleteNote = "This removes it for good.";
+inline constexpr const char* deleteNote = i18nMark("This removes it for good.");
 
 struct TrashRequest {
   std::string path;

@@ -3,9 +3,11 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/PlatformWords.h"
-#include "core/wording/FindingText.h"
+#include "core/base/TextList.h"
 
 #include <algorithm>
+#include <ranges>
+#include <vector>
 
 namespace spacemint {
 
@@ -13,28 +15,48 @@ namespace {
 
 using FailureKind = CleanupFailure::Kind;
 
+using Sentences = std::vector<std::string>;
+
+// Full stops stand in the sentences.
+std::string joined(const Sentences& sentences) {
+  std::string text;
+  for (const std::string& sentence : sentences) {
+    if (!sentence.empty()) text += (text.empty() ? "" : " ") + sentence;
+  }
+  return text;
+}
+
 std::string changesWarning(std::optional<int> changes) {
   if (!changes) {
-    return "Spacemint couldn't check it for uncommitted changes; git will stop if there are any. ";
+    return i18n("Spacemint couldn't check it for uncommitted changes; git will stop if there are any.");
   }
   if (*changes < 1) return "";
-  return "It has " + counted(*changes, "uncommitted change", "en") + ", which will be lost. ";
+  return counted(*changes, "It has {count} uncommitted change, which will be lost.",
+                 "It has {count} uncommitted changes, which will be lost.", sentenceLanguage());
+}
+
+std::string nestedText(const WorktreeContents::Nested& nested) {
+  const std::string changes = nested.changes ? counted(*nested.changes, "{count} uncommitted change",
+                                                       "{count} uncommitted changes", sentenceLanguage())
+                                             : i18n("changes unknown");
+  return i18n(nested.isRepository ? i18nMark("the repository {name} ({changes})")
+                                  : i18nMark("the worktree {name} ({changes})"),
+              {{"name", isolatedName(nested.path)}, {"changes", changes}});
 }
 
 // The sentence about repositories and worktrees inside the worktree: "It contains the repository lib (2
-// uncommitted changes), which will be lost too. "; empty if there are none.
+// uncommitted changes), which will be lost too."; empty if there are none.
 std::string nestedWarning(const std::vector<WorktreeContents::Nested>& nested) {
   constexpr std::size_t namedAtMost = 3;
   if (nested.empty()) return "";
-  std::string text = "It contains ";
-  for (std::size_t i = 0; i < std::min(nested.size(), namedAtMost); ++i) {
-    const auto& each = nested[i];
-    text += (i == 0 ? "" : ", ") + std::string{each.isRepository ? "the repository " : "the worktree "} +
-            isolatedName(each.path) + " (" +
-            (each.changes ? counted(*each.changes, "uncommitted change", "en") : "changes unknown") + ")";
-  }
-  if (nested.size() > namedAtMost) text += " and " + std::to_string(nested.size() - namedAtMost) + " more";
-  return text + ", which will be lost too. ";
+  std::vector<std::string> named;
+  for (const auto& each : nested | std::views::take(namedAtMost)) named.push_back(nestedText(each));
+  const std::string list = enumerated(named);
+  const std::int64_t others = std::ssize(nested) - std::ssize(named);
+  if (others == 0) return i18n("It contains {list}, which will be lost too.", {{"list", list}});
+  return i18np("It contains {list} and {count} more, which will be lost too.",
+               "It contains {list} and {count} more, which will be lost too.", others,
+               {{"list", list}, {"count", std::to_string(others)}});
 }
 
 // True if the freed bytes differ from the removed bytes by more than a tenth and by more than `worthSaying`.
@@ -46,66 +68,81 @@ bool differ(Bytes freed, Bytes removed) {
 }  // namespace
 
 std::string CleanupText::backupNote(const std::string& name) {
-  return "You won't be able to restore " + isolatedName(name) + " from it anymore. Other backups stay.";
+  return i18n("You won't be able to restore {device} from it anymore. Other backups stay.",
+              {{"device", isolatedName(name)}});
 }
 
 std::string CleanupText::worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents) {
   if (!contents.repositoryPath) {
-    return nestedWarning(contents.nested) +
-           "Its repository no longer knows about it, so the folder is simply deleted.";
+    return joined({nestedWarning(contents.nested),
+                   i18n("Its repository no longer knows about it, so the folder is simply deleted.")});
   }
-  return changesWarning(contents.changes) + nestedWarning(contents.nested) +
-         "Runs `git worktree remove`. The branch and its commits stay in " +
-         isolatedName(worktree.repository.value_or("the repository")) + ".";
+  const std::string removal =
+      worktree.repository
+          ? i18n("Runs `git worktree remove`. The branch and its commits stay in {repository}.",
+                 {{"repository", isolatedName(*worktree.repository)}})
+          : i18n("Runs `git worktree remove`. The branch and its commits stay in the repository.");
+  return joined({changesWarning(contents.changes), nestedWarning(contents.nested), removal});
 }
 
 std::string CleanupText::sharedNote(Bytes freesAtMost, const std::string& locale) {
-  return "It shares blocks with copies or snapshots, or is compressed: this " +
-         FindingText::freesAtMost(freesAtMost, locale) + ".";
+  return i18n("It shares blocks with copies or snapshots, or is compressed: this frees at most {size}.",
+              {{"size", ByteFormat::string(freesAtMost, locale)}});
 }
 
 std::string CleanupText::cacheNote(const CleanupTarget& target, const std::string& shownPath) {
   const auto command = target.commandLine();
-  const std::string advice{target.advice};
-  if (command) return "Runs `" + *command + "`. " + advice;
-  return "Permanently deletes everything inside " + isolatedPath(shownPath) + ". " + advice;
+  const std::string advice = i18n(target.advice);
+  if (command) return i18n("Runs `{command}`. {advice}", {{"command", *command}, {"advice", advice}});
+  return i18n("Permanently deletes everything inside {path}. {advice}",
+              {{"path", isolatedPath(shownPath)}, {"advice", advice}});
 }
 
 std::string CleanupText::goneText(const Removed& removed, const std::string& locale) {
   if (removed.items == 0) return "";
-  return counted(removed.items, "item", locale) + " (" + ByteFormat::string(removed.bytes, locale) +
-         (removed.items == 1 ? ") is" : ") are") + " gone already.";
+  return i18np(
+      "{count} item ({size}) is gone already.", "{count} items ({size}) are gone already.", removed.items,
+      {{"count", groupedNumber(removed.items, locale)}, {"size", ByteFormat::string(removed.bytes, locale)}});
 }
+
+namespace {
+
+// Without what was removed before the failure.
+std::string reasonText(const CleanupStep& step, const CleanupFailure& failure, bool hasRemoved,
+                       const std::string& home) {
+  if (failure.kind == FailureKind::needsFullDiskAccess && failure.message.empty()) {
+    return joined({i18n("Some items, like hidden ones, are still in the Trash."),
+                   i18n("{text}.", {{"text", i18n(PlatformWords::foldersAreClosed)}})});
+  }
+  if (step.kind == CleanupStep::Kind::moveToTrash) {
+    const std::string shown = Paths::display(step.path, home);
+    // The message of a refusal begins with the path.
+    if (failure.kind == FailureKind::refused && failure.message.starts_with(shown)) {
+      const std::string it = i18nc("the file or folder that the sentence named before", "it");
+      return i18n("Spacemint won't move {path}: {reason}.",
+                  {{"path", isolatedPath(shown)}, {"reason", it + failure.message.substr(shown.size())}});
+    }
+    return i18n("Couldn't move “{name}” to the Trash: {reason}",
+                {{"name", isolatedName(Paths::lastComponent(step.path))}, {"reason", failure.message}});
+  }
+  if (failure.kind == FailureKind::refused && !hasRemoved)
+    return i18n("Spacemint didn't delete anything: {reason}.", {{"reason", failure.message}});
+  return i18n("That didn't work: {reason}", {{"reason", failure.message}});
+}
+
+}  // namespace
 
 std::string CleanupText::failureText(const CleanupStep& step, const CleanupReport::Step& result,
                                      const CleanupContext& context) {
-  const CleanupFailure& failure = *result.failure;
-  const std::string& locale = context.locale;
-  const std::string gone = goneText(result.removed, locale);
-  if (failure.kind == FailureKind::stopped) {
+  const std::string gone = goneText(result.removed, context.locale);
+  if (result.failure->kind == FailureKind::stopped) {
     const Bytes left = std::max<Bytes>(0, step.size - result.removed.bytes);
-    return "Stopped. " + gone + (gone.empty() ? "" : " ") + "About " + ByteFormat::string(left, locale) +
-           " are left.";
+    return joined({i18n("Stopped."), gone,
+                   i18n("About {size} are left.", {{"size", ByteFormat::string(left, context.locale)}})});
   }
-  std::string text;
-  if (failure.kind == FailureKind::needsFullDiskAccess && failure.message.empty()) {
-    text = std::string{"Some items, like hidden ones, are still in the Trash. "} +
-           std::string{PlatformWords::foldersAreClosed} + ".";
-  } else if (step.kind == CleanupStep::Kind::moveToTrash) {
-    const std::string shown = Paths::display(step.path, context.guard.home());
-    // The message of a refusal begins with the path.
-    text = failure.kind == FailureKind::refused && failure.message.starts_with(shown)
-               ? "Spacemint won't move " + isolatedPath(shown) + ": it" +
-                     failure.message.substr(shown.size()) + "."
-               : "Couldn't move “" + isolatedName(Paths::lastComponent(step.path)) +
-                     "” to the Trash: " + failure.message;
-  } else if (failure.kind == FailureKind::refused && gone.empty()) {
-    text = "Spacemint didn't delete anything: " + failure.message + ".";
-  } else {
-    text = "That didn't work: " + failure.message;
-  }
-  if (gone.empty()) return text;
-  return text + (text.ends_with('.') ? " " : ". ") + gone;
+  const std::string text = reasonText(step, *result.failure, !gone.empty(), context.guard.home());
+  if (gone.empty() || text.ends_with('.')) return joined({text, gone});
+  return i18n("{problem}. {rest}", {{"problem", text}, {"rest", gone}});
 }
 
 std::string CleanupText::refusalText(const CleanupRequest& request, const CleanupFailure& failure,
@@ -117,20 +154,26 @@ std::string CleanupText::refusalText(const CleanupRequest& request, const Cleanu
 
 std::string CleanupText::successText(const Success& success, const std::string& locale) {
   const auto bytes = [&](Bytes count) { return ByteFormat::string(count, locale); };
-  std::string text = success.label;
+  const std::string& done = success.label;
+  std::string text;
   const bool hasSurprise =
       success.freed && success.removed.bytes > 0 && differ(*success.freed, success.removed.bytes);
   if (success.freed && (*success.freed > worthSaying || (hasSurprise && *success.freed >= 0))) {
-    text += " and freed " + bytes(*success.freed) + ".";
+    text = i18n("{done} and freed {size}.", {{"done", done}, {"size", bytes(*success.freed)}});
   } else if (success.estimate && *success.estimate >= 1) {
-    text += ", about " + bytes(*success.estimate) + ". It can take a moment to show as free.";
+    text = i18n("{done}, about {size}. It can take a moment to show as free.",
+                {{"done", done}, {"size", bytes(*success.estimate)}});
   } else {
-    text += ".";
+    text = i18n("{done}.", {{"done", done}});
   }
   if (!hasSurprise) return text;
-  text += " What was removed took up " + bytes(success.removed.bytes);
-  if (*success.freed > success.removed.bytes) return text + "; other programs freed space too.";
-  return text + "; open programs, snapshots, hard links or copies may still hold the rest.";
+  const bool freedMore = *success.freed > success.removed.bytes;
+  return joined(
+      {text,
+       i18n(freedMore ? i18nMark("What was removed took up {size}; other programs freed space too.")
+                      : i18nMark("What was removed took up {size}; open programs, snapshots, hard links or "
+                                 "copies may still hold the rest."),
+            {{"size", bytes(success.removed.bytes)}})});
 }
 
 std::string CleanupText::outcome(const CleanupPlan& plan, const CleanupReport& report,
@@ -150,13 +193,16 @@ std::string CleanupText::outcome(const CleanupPlan& plan, const CleanupReport& r
 std::string CleanupText::progressText(const CleanupPlan& plan, const Removed& soFar,
                                       const std::string& locale) {
   if (soFar.items == 0 && plan.steps.front().runsCommand()) {
-    return "Running `" + Paths::lastComponent(plan.steps.front().command.program) + "`";
+    return i18n("Running `{program}`",
+                {{"program", Paths::lastComponent(plan.steps.front().command.program)}});
   }
   const Bytes whole = plan.size();
-  std::string text =
-      "Deleting: " + counted(soFar.items, "item", locale) + ", " + ByteFormat::string(soFar.bytes, locale);
-  if (whole > soFar.bytes) text += " of " + ByteFormat::string(whole, locale);
-  return text + " so far";
+  const std::string items = counted(soFar.items, "{count} item", "{count} items", locale);
+  return i18n(whole > soFar.bytes ? i18nMark("Deleting: {items}, {size} of {whole} so far")
+                                  : i18nMark("Deleting: {items}, {size} so far"),
+              {{"items", items},
+               {"size", ByteFormat::string(soFar.bytes, locale)},
+               {"whole", ByteFormat::string(whole, locale)}});
 }
 
 }  // namespace spacemint

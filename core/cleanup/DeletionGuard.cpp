@@ -1,5 +1,6 @@
 #include "core/cleanup/DeletionGuard.h"
 
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/tree/Paths.h"
 
@@ -30,22 +31,22 @@ std::optional<std::string> DeletionGuard::refusal(const Question& question) cons
     if (plain.path != question.path) reason = check(plain);
   }
   if (!reason) return std::nullopt;
-  return Paths::display(question.path, home_) + " " + *reason;
+  return fillIn(*reason, {{"item", Paths::display(question.path, home_)}});
 }
 
 std::optional<std::string> DeletionGuard::check(const Question& question) const {
   std::string path = Paths::logical(question.path);
   if (!path.starts_with('/') || path.find("/../") != std::string::npos || path.ends_with("/..")) {
-    return "isn't a plain absolute path";
+    return i18n("{item} isn't a plain absolute path");
   }
   if (path.size() >= 2 && path.ends_with('/')) path.pop_back();
-  if (isProtected(path)) return "is a protected folder";
+  if (isProtected(path)) return i18n("{item} is a protected folder");
   // Compare bytes: a folder whose name only looks like the home folder's is another folder.
   if (!question.outsideHomeAllowed && !path.starts_with(Paths::join(home_, ""))) {
-    return "is outside your home folder";
+    return i18n("{item} is outside your home folder");
   }
-  if (holdsHome(path)) return "is a protected folder";
-  if (!question.linkItself && isSymbolicLink(question.path)) return "is a symbolic link";
+  if (holdsHome(path)) return i18n("{item} is a protected folder");
+  if (!question.linkItself && isSymbolicLink(question.path)) return i18n("{item} is a symbolic link");
   return std::nullopt;
 }
 

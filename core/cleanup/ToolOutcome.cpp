@@ -1,6 +1,7 @@
 #include "core/cleanup/ToolOutcome.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -56,8 +57,9 @@ std::string toolReason(std::string_view text) {
 std::optional<CleanupFailure> toolFailure(const std::string& tool,
                                           const std::optional<DevTools::ToolAnswer>& answer) {
   const std::string name = "`" + Paths::lastComponent(tool) + "`";
-  if (!answer) return CleanupFailure::other("couldn't find " + name + ".");
-  if (answer->timedOut) return CleanupFailure::other(name + " took too long and was stopped.");
+  if (!answer) return CleanupFailure::other(i18n("couldn't find {program}.", {{"program", name}}));
+  if (answer->timedOut)
+    return CleanupFailure::other(i18n("{program} took too long and was stopped.", {{"program", name}}));
   if (answer->status == 0) return std::nullopt;
   return CleanupFailure::other(toolReason(answer->error.empty() ? answer->output : answer->error));
 }

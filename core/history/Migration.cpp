@@ -1,6 +1,7 @@
 #include "core/history/Migration.h"
 
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
 #include "core/tree/Paths.h"
 
@@ -23,7 +24,8 @@ Migration::Result Migration::fromLoftmere(const Sources& sources) {
     const auto copied = sources.defaults.copy(*sources.oldDefaults, settingKeys);
     result.copiedSettings = copied.has_value();
     if (copied) log(LogLevel::info, "the former product's settings were copied");
-    if (!copied) result.error = "Couldn't copy settings: " + copied.error().message;
+    if (!copied)
+      result.error = i18n("Couldn't copy settings: {reason}", {{"reason", copied.error().message}});
   }
 
   const std::string old = Paths::join(sources.supportDirectory, "Loftmere");
@@ -32,7 +34,8 @@ Migration::Result Migration::fromLoftmere(const Sources& sources) {
     const auto moved = sources.fileManager.move(old, present);
     result.movedHistory = moved.has_value();
     if (moved) log(LogLevel::info, "the former product's scan history was moved to " + present);
-    if (!moved) result.error = "Couldn't move scan history: " + moved.error().message;
+    if (!moved)
+      result.error = i18n("Couldn't move scan history: {reason}", {{"reason", moved.error().message}});
   }
   return result;
 }

@@ -1,31 +1,32 @@
 #include "core/host/EventJournal.h"
 
+#include "core/base/Translation.h"
 namespace spacemint {
 
 std::string_view textOf(JournalError error) {
   switch (error) {
     case JournalError::notRecording:
-      return "nothing records the changes of this folder";
+      return i18nMark("nothing records the changes of this folder");
     case JournalError::settingUp:
-      return "the recorder is still setting up";
+      return i18nMark("the recorder is still setting up");
     case JournalError::olderThanSession:
-      return "the last scan is older than the recording";
+      return i18nMark("the last scan is older than the recording");
     case JournalError::fromTheFuture:
-      return "the last scan is not known to this recorder";
+      return i18nMark("the last scan is not known to this recorder");
     case JournalError::eventsLost:
-      return "the recorder lost events";
+      return i18nMark("the recorder lost events");
     case JournalError::timedOut:
-      return "the recorder did not answer in time";
+      return i18nMark("the recorder did not answer in time");
     case JournalError::rootReplaced:
-      return "the folder was replaced";
+      return i18nMark("the folder was replaced");
     case JournalError::unmounted:
-      return "its volume was unmounted";
+      return i18nMark("its volume was unmounted");
     case JournalError::tooManyChanges:
-      return "too much has changed";
+      return i18nMark("too much has changed");
     case JournalError::unreportedChanges:
-      return "the file system can change without this computer noticing";
+      return i18nMark("the file system can change without this computer noticing");
     case JournalError::failed:
-      return "the recorder failed";
+      return i18nMark("the recorder failed");
   }
   return "";
 }

@@ -33,7 +33,8 @@ std::string runtime();
 
 }  // namespace UserFolders
 
-/// The user's locale for numbers and dates as an ICU identifier, such as "de_DE".
+/// The user's locale for numbers and dates as an ICU identifier, such as "de_DE". Where the sentences are in
+/// a language other than English, the numbers are in that language too.
 std::string userLocale();
 
 }  // namespace spacemint

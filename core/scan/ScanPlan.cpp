@@ -2,6 +2,7 @@
 
 #include "core/base/AsciiText.h"
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/host/Removal.h"
 #include "core/host/VolumeTable.h"
@@ -106,21 +107,22 @@ namespace {
 
 // Why the earlier scan cannot be reused; empty if it can.
 std::string_view obstacle(const ScanPlan::Arguments& arguments) {
-  if (!arguments.mayReuse) return "that was asked for";
-  if (!arguments.earlier) return "there is no earlier scan";
+  if (!arguments.mayReuse) return i18nMark("that was asked for");
+  if (!arguments.earlier) return i18nMark("there is no earlier scan");
   const Snapshot& earlier = *arguments.earlier;
-  if (!canonicallyEqual(earlier.rootPath(), arguments.root)) return "the last scan was of another folder";
-  if (earlier.minNodeSize != arguments.minNodeSize) return "the last scan used another --min-size";
-  if (earlier.eventID.value_or(0) == 0) return "nothing recorded changes at the last scan";
+  if (!canonicallyEqual(earlier.rootPath(), arguments.root))
+    return i18nMark("the last scan was of another folder");
+  if (earlier.minNodeSize != arguments.minNodeSize) return i18nMark("the last scan used another --min-size");
+  if (earlier.eventID.value_or(0) == 0) return i18nMark("nothing recorded changes at the last scan");
   // With a date in the future the next full scan would be too late.
-  if (earlier.fullScanDate > arguments.now) return "the last full scan is dated in the future";
+  if (earlier.fullScanDate > arguments.now) return i18nMark("the last full scan is dated in the future");
   if (!earlier.canSeedIncrementalScan({.root = arguments.root,
                                        .minNodeSize = arguments.minNodeSize,
                                        .now = arguments.now,
                                        .fullScanInterval = fullScanInterval})) {
     return earlier.fullScanDate && earlier.root.fileCount > 0 && earlier.format == Snapshot::currentFormat
-               ? "the last full scan is three days old"
-               : "the last scan is incomplete or from another version";
+               ? i18nMark("the last full scan is three days old")
+               : i18nMark("the last scan is incomplete or from another version");
   }
   return {};
 }

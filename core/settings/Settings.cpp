@@ -1,6 +1,7 @@
 #include "core/settings/Settings.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
 
 #include <algorithm>
 #include <charconv>
@@ -54,12 +55,14 @@ std::string possibleValues(const SettingDescription& setting) {
     return listOf(switchWords, [](const SwitchWord& known) { return known.word; });
   }
   if (std::holds_alternative<NoPaths>(setting.registeredDefault)) {
-    return "absolute paths, separated by commas, or nothing";
+    return i18n("absolute paths, separated by commas, or nothing");
   }
   const std::string choices = listOf(setting.choices, choiceText);
   if (std::holds_alternative<std::string_view>(setting.registeredDefault)) return choices;
-  return "a whole number from " + std::to_string(setting.minimum) + " to " + std::to_string(setting.maximum) +
-         " (offered: " + choices + ")";
+  return i18n("a whole number from {minimum} to {maximum} (offered: {choices})",
+              {{"minimum", std::to_string(setting.minimum)},
+               {"maximum", std::to_string(setting.maximum)},
+               {"choices", choices}});
 }
 
 std::optional<DefaultsValue> parseNumber(const SettingDescription& setting, std::string_view text) {
@@ -106,10 +109,6 @@ Error settingError(SettingError code, std::string message) {
           .message = std::move(message)};
 }
 
-std::string quoted(std::string_view text) {
-  return '"' + std::string{text} + '"';
-}
-
 }  // namespace
 
 DefaultsValues registeredSettings() {
@@ -123,14 +122,15 @@ DefaultsValues registeredSettings() {
 std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::string_view text) {
   const auto setting = std::ranges::find(settings, key, &SettingDescription::key);
   if (setting == settings.end()) {
+    const std::string keys = listOf(settings, [](const auto& known) { return known.key; });
     return std::unexpected(settingError(
-        SettingError::unknownKey, "There is no setting " + quoted(key) + ". The settings are: " +
-                                      listOf(settings, [](const auto& known) { return known.key; }) + "."));
+        SettingError::unknownKey,
+        i18n("There is no setting \"{key}\". The settings are: {keys}.", {{"key", key}, {"keys", keys}})));
   }
   if (auto value = parse(*setting, text)) return std::move(*value);
-  return std::unexpected(
-      settingError(SettingError::unfitValue, quoted(text) + " is no value of " + std::string{key} +
-                                                 ". It can be: " + possibleValues(*setting) + "."));
+  return std::unexpected(settingError(
+      SettingError::unfitValue, i18n("\"{text}\" is no value of {key}. It can be: {values}.",
+                                     {{"text", text}, {"key", key}, {"values", possibleValues(*setting)}})));
 }
 
 }  // namespace spacemint

@@ -47,7 +47,7 @@ using SettingConstant = std::variant<std::int64_t, bool, std::string_view, NoPat
 /// A value that the settings page offers, and its label.
 struct SettingChoice {
   SettingConstant value;
-  std::string_view label;
+  const char* label;
 };
 
 /// The description of a setting. The limits apply to values that users enter; a stored value may be outside
@@ -65,23 +65,25 @@ struct SettingDescription {
   std::int64_t maximum = 0;
 };
 
-inline constexpr std::array<SettingChoice, 10> warningThresholdChoices{{{5, "5 GB free"},
-                                                                        {10, "10 GB free"},
-                                                                        {15, "15 GB free"},
-                                                                        {20, "20 GB free"},
-                                                                        {30, "30 GB free"},
-                                                                        {50, "50 GB free"},
-                                                                        {75, "75 GB free"},
-                                                                        {100, "100 GB free"},
-                                                                        {150, "150 GB free"},
-                                                                        {200, "200 GB free"}}};
+inline constexpr std::array<SettingChoice, 10> warningThresholdChoices{{{5, i18nMark("5 GB free")},
+                                                                        {10, i18nMark("10 GB free")},
+                                                                        {15, i18nMark("15 GB free")},
+                                                                        {20, i18nMark("20 GB free")},
+                                                                        {30, i18nMark("30 GB free")},
+                                                                        {50, i18nMark("50 GB free")},
+                                                                        {75, i18nMark("75 GB free")},
+                                                                        {100, i18nMark("100 GB free")},
+                                                                        {150, i18nMark("150 GB free")},
+                                                                        {200, i18nMark("200 GB free")}}};
 
-inline constexpr std::array<SettingChoice, 4> scanIntervalChoices{
-    {{3, "Every 3 hours"}, {6, "Every 6 hours"}, {12, "Every 12 hours"}, {24, "Once a day"}}};
+inline constexpr std::array<SettingChoice, 4> scanIntervalChoices{{{3, i18nMark("Every 3 hours")},
+                                                                   {6, i18nMark("Every 6 hours")},
+                                                                   {12, i18nMark("Every 12 hours")},
+                                                                   {24, i18nMark("Once a day")}}};
 
 /// In the order of `ScanScope`.
 inline constexpr std::array<SettingChoice, 2> scopeChoices{
-    {{"home", "Home folder"}, {"disk", "Entire disk"}}};
+    {{"home", i18nMark("Home folder")}, {"disk", i18nMark("Entire disk")}}};
 
 /// In the order of `AppPresence`.
 inline constexpr std::array<SettingChoice, 2> presenceChoices{
@@ -89,7 +91,7 @@ inline constexpr std::array<SettingChoice, 2> presenceChoices{
 
 /// In the order of `ItemColour`.
 inline constexpr std::array<SettingChoice, 3> itemColourChoices{
-    {{"automatic", "Automatic"}, {"light", "Light"}, {"dark", "Dark"}}};
+    {{"automatic", i18nMark("Automatic")}, {"light", i18nMark("Light")}, {"dark", i18nMark("Dark")}}};
 
 /// Every setting, in the order of `Setting`. The maximum of the scan interval is the largest number of hours
 /// whose microseconds fit 64 bits.

@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/TextList.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -21,10 +22,6 @@ struct Scene {
   const std::string& home;
   const std::string& locale;
   Date now;
-
-  std::string counted(std::int64_t number, std::string_view thing) const {
-    return spacemint::counted(number, thing, locale);
-  }
 };
 
 constexpr std::array<std::string_view, 12> partKeys{
@@ -36,19 +33,12 @@ constexpr std::array<std::string_view, 9> causeKeys{
     "mappedFiles",     "unknownFileSystem", "hiddenUnderMounts",   "sharedBlocks",
     "changesSinceScan"};
 
-// "a, b and c"
-std::string listed(const std::vector<std::string>& words) {
-  std::string text;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    text += (i == 0 ? "" : i + 1 == words.size() ? " and " : ", ") + words[i];
-  }
-  return text;
-}
-
 // At most two names: "postgres", "sh and tail", "sh and 4 others".
 std::string programNames(const std::vector<std::string>& names) {
   if (names.size() <= 2) return listed(names);
-  return names.front() + " and " + std::to_string(names.size() - 1) + " others";
+  const std::int64_t others = std::ssize(names) - 1;
+  return i18np("{program} and {count} other", "{program} and {count} others", others,
+               {{"program", names.front()}, {"count", std::to_string(others)}});
 }
 
 std::vector<AccountLine::Detail> pathDetails(const std::vector<std::string>& paths, const Scene& scene) {
@@ -76,15 +66,16 @@ std::string snapshotNote(const Scene& scene) {
   }
   const std::string count = groupedNumber(std::ssize(snapshots), scene.locale);
   if (!oldest) return count;
-  return count + (snapshots.size() == 1 ? ", made " : ", the oldest made ") +
-         RelativeTime::string(*oldest, scene.now, scene.locale);
+  return i18n(
+      snapshots.size() == 1 ? i18nMark("{count}, made {age}") : i18nMark("{count}, the oldest made {age}"),
+      {{"count", count}, {"age", RelativeTime::string(*oldest, scene.now, scene.locale)}});
 }
 
 std::vector<AccountLine::Detail> heldDetails(const Scene& scene) {
   std::vector<AccountLine::Detail> details;
   for (const HeldFiles& held : scene.account.held) {
     details.push_back({.title = programNames(held.programs),
-                       .note = "in " + scene.counted(held.count, "file"),
+                       .note = counted(held.count, "in {count} file", "in {count} files", scene.locale),
                        .size = held.size > 0 ? std::optional{held.size} : std::nullopt});
   }
   return details;
@@ -93,24 +84,24 @@ std::vector<AccountLine::Detail> heldDetails(const Scene& scene) {
 std::string causeText(RestCause cause, const Scene& scene) {
   switch (cause) {
     case RestCause::unreadItems:
-      return "unread folders";
+      return i18n("unread folders");
     case RestCause::snapshots:
-      return "snapshots";
+      return i18n("snapshots");
     case RestCause::unmountedSubvolumes:
-      return "snapshots or subvolumes that are not mounted";
+      return i18n("snapshots or subvolumes that are not mounted");
     case RestCause::othersPrograms:
-      return "deleted files of " + scene.counted(scene.account.refusedPrograms, "program") +
-             " of other users";
+      return counted(scene.account.refusedPrograms, "deleted files of {count} program of other users",
+                     "deleted files of {count} programs of other users", scene.locale);
     case RestCause::mappedFiles:
-      return "deleted libraries in use";
+      return i18n("deleted libraries in use");
     case RestCause::unknownFileSystem:
-      return "the file system's own data";
+      return i18n("the file system's own data");
     case RestCause::hiddenUnderMounts:
-      return "files hidden under other volumes";
+      return i18n("files hidden under other volumes");
     case RestCause::sharedBlocks:
-      return "files that share blocks or are compressed";
+      return i18n("files that share blocks or are compressed");
     case RestCause::changesSinceScan:
-      return "changes since the scan";
+      return i18n("changes since the scan");
   }
   return "";
 }
@@ -118,19 +109,22 @@ std::string causeText(RestCause cause, const Scene& scene) {
 std::string restNote(const Scene& scene) {
   const Account& account = scene.account;
   if (!account.scanned.isWhole)
-    return account.rest < 0 ? std::string{AccountText::scanAgain} : "Not in this scan";
+    return i18n(account.rest < 0 ? AccountText::scanAgain : i18nMark("Not in this scan"));
   std::vector<std::string> causes;
   for (const RestCause cause : account.causes()) causes.push_back(causeText(cause, scene));
-  if (causes.empty()) return "Too little to have a cause";
-  return (account.rest < 0 ? "Less is used than was found, because of " : "Perhaps ") + listed(causes);
+  if (causes.empty()) return i18n("Too little to have a cause");
+  return i18n(account.rest < 0 ? i18nMark("Less is used than was found, because of {causes}")
+                               : i18nMark("Perhaps {causes}"),
+              {{"causes", listed(causes)}});
 }
 
 AccountLine heldBackLine(const Account& account) {
   const bool isBtrfs = account.volume.fileSystem == "btrfs";
   return {
       .part = AccountPart::heldBack,
-      .title = isBtrfs ? "Set aside for bookkeeping" : "Reserved for the system",
-      .note = isBtrfs ? "The file system fills it with its own data" : "Only the administrator can fill it",
+      .title = i18n(isBtrfs ? i18nMark("Set aside for bookkeeping") : i18nMark("Reserved for the system")),
+      .note = i18n(isBtrfs ? i18nMark("The file system fills it with its own data")
+                           : i18nMark("Only the administrator can fill it")),
       .size = account.space.heldBack,
       .symbol = "lock"};
 }
@@ -145,60 +139,74 @@ void addUnlessEmpty(Lines& lines, std::int64_t count, AccountLine line) {
 
 void addMeasured(Lines& lines, const Scene& scene) {
   const Account& account = scene.account;
-  lines.push_back(
-      {.part = AccountPart::files, .title = "In files", .size = account.scanned.files, .symbol = "doc"});
+  lines.push_back({.part = AccountPart::files,
+                   .title = i18n("In files"),
+                   .size = account.scanned.files,
+                   .symbol = "doc"});
   addUnlessZero(lines, {.part = AccountPart::folders,
-                        .title = "The folders themselves",
-                        .note = "Their lists of names",
+                        .title = i18n("The folders themselves"),
+                        .note = i18n("Their lists of names"),
                         .size = account.scanned.folders,
                         .symbol = "folder"});
   addUnlessEmpty(lines, std::ssize(account.held),
                  {.part = AccountPart::deleted,
-                  .title = "Deleted, but still open",
-                  .note = "Comes back when these programs end or restart",
+                  .title = i18n("Deleted, but still open"),
+                  .note = i18n("Comes back when these programs end or restart"),
                   .size = account.deleted > 0 ? std::optional{account.deleted} : std::nullopt,
                   .symbol = "trash.slash",
                   .details = heldDetails(scene)});
   addUnlessZero(lines, {.part = AccountPart::ownBytes,
-                        .title = "The file system's own data",
-                        .note = "Its records of files and free space",
+                        .title = i18n("The file system's own data"),
+                        .note = i18n("Its records of files and free space"),
                         .size = account.ownBytes.value_or(0),
                         .symbol = "cylinder"});
-  addUnlessZero(lines, {.part = AccountPart::inlined,
-                        .title = "Small files inside that data",
-                        .note = "Counted above as whole blocks, but stored in the file system's records",
-                        .size = saturatingSubtract(0, account.scanned.inlined),
-                        .symbol = "doc"});
+  addUnlessZero(lines,
+                {.part = AccountPart::inlined,
+                 .title = i18n("Small files inside that data"),
+                 .note = i18n("Counted above as whole blocks, but stored in the file system's records"),
+                 .size = saturatingSubtract(0, account.scanned.inlined),
+                 .symbol = "doc"});
   addUnlessZero(lines, {.part = AccountPart::saved,
-                        .title = "Saved by sharing and compression",
-                        .note = "Counted above, but stored only once or smaller",
+                        .title = i18n("Saved by sharing and compression"),
+                        .note = i18n("Counted above, but stored only once or smaller"),
                         .size = saturatingSubtract(0, account.saved),
                         .symbol = "square.stack.3d.up"});
 }
 
+std::string unreadNote(const ScannedVolume& scanned, const std::string& locale) {
+  if (scanned.isWhole) {
+    return counted(scanned.unread,
+                   "{count} item; the size is in “Unexplained”. An administrator can read them",
+                   "{count} items; the size is in “Unexplained”. An administrator can read them", locale);
+  }
+  return counted(scanned.unread, "{count} item; the size is in “Elsewhere”. An administrator can read them",
+                 "{count} items; the size is in “Elsewhere”. An administrator can read them", locale);
+}
+
 void addCounted(Lines& lines, const Scene& scene) {
   const ScannedVolume& scanned = scene.account.scanned;
-  const std::string where = scanned.isWhole ? "“Unexplained”" : "“Elsewhere”";
-  addUnlessEmpty(lines, std::ssize(scanned.snapshots),
-                 {.part = AccountPart::snapshots,
-                  .title = "Snapshots",
-                  .note = snapshotNote(scene) + ". What only they hold is in " + where,
-                  .symbol = "externaldrive.badge.timemachine",
-                  .details = snapshotDetails(scene)});
+  addUnlessEmpty(
+      lines, std::ssize(scanned.snapshots),
+      {.part = AccountPart::snapshots,
+       .title = i18n("Snapshots"),
+       .note = i18n(scanned.isWhole ? i18nMark("{snapshots}. What only they hold is in “Unexplained”")
+                                    : i18nMark("{snapshots}. What only they hold is in “Elsewhere”"),
+                    {{"snapshots", snapshotNote(scene)}}),
+       .symbol = "externaldrive.badge.timemachine",
+       .details = snapshotDetails(scene)});
   addUnlessEmpty(lines, scanned.unread,
                  {.part = AccountPart::unread,
-                  .title = "Folders that cannot be read",
-                  .note = scene.counted(scanned.unread, "item") + "; the size is in " + where +
-                          ". An administrator can read them",
+                  .title = i18n("Folders that cannot be read"),
+                  .note = unreadNote(scanned, scene.locale),
                   .symbol = "folder.badge.gearshape",
                   .details = pathDetails(scanned.unreadPaths, scene)});
-  addUnlessEmpty(
-      lines, std::ssize(scanned.otherVolumes),
-      {.part = AccountPart::otherVolumes,
-       .title = "Other volumes inside",
-       .note = scene.counted(std::ssize(scanned.otherVolumes), "volume") + ", each with its own space",
-       .symbol = "externaldrive",
-       .details = pathDetails(scanned.otherVolumes, scene)});
+  addUnlessEmpty(lines, std::ssize(scanned.otherVolumes),
+                 {.part = AccountPart::otherVolumes,
+                  .title = i18n("Other volumes inside"),
+                  .note = counted(std::ssize(scanned.otherVolumes), "{count} volume, each with its own space",
+                                  "{count} volumes, each with its own space", scene.locale),
+                  .symbol = "externaldrive",
+                  .details = pathDetails(scanned.otherVolumes, scene)});
 }
 
 }  // namespace
@@ -210,24 +218,33 @@ std::vector<AccountLine> AccountText::lines(const Account& account, const std::s
   addMeasured(lines, scene);
   addCounted(lines, scene);
   lines.push_back({.part = AccountPart::rest,
-                   .title = account.scanned.isWhole ? "Unexplained" : "Elsewhere on this volume",
+                   .title = i18n(account.scanned.isWhole ? i18nMark("Unexplained")
+                                                         : i18nMark("Elsewhere on this volume")),
                    .note = restNote(scene),
                    .size = account.rest,
                    .symbol = "unexplained"});
   addUnlessZero(lines, heldBackLine(account));
   lines.push_back(
-      {.part = AccountPart::free, .title = "Free", .size = account.space.free, .symbol = "checkmark"});
+      {.part = AccountPart::free, .title = i18n("Free"), .size = account.space.free, .symbol = "checkmark"});
   return lines;
 }
 
 std::string AccountText::sum(const Account& account, const std::string& locale) {
   const auto bytes = [&](Bytes count) { return ByteFormat::string(count, locale); };
   const Bytes known = account.knownNotInFiles();
-  if (known < 0 || (!account.scanned.isWhole && account.rest < 0)) return std::string{scanAgain} + ".";
-  std::string text = bytes(account.space.total) + " = " + bytes(account.scanned.files) + " in files + " +
-                     bytes(known) + " not in files + ";
-  if (!account.scanned.isWhole) text += bytes(account.rest) + " elsewhere, not scanned + ";
-  return text + bytes(account.space.free) + " free.";
+  if (known < 0 || (!account.scanned.isWhole && account.rest < 0))
+    return i18n("Scan again to see what adds up.");
+  const std::string total = bytes(account.space.total);
+  const std::string files = bytes(account.scanned.files);
+  const std::string others = bytes(known);
+  const std::string elsewhere = bytes(account.rest);
+  const std::string free = bytes(account.space.free);
+  return i18n(
+      account.scanned.isWhole
+          ? i18nMark("{total} = {files} in files + {others} not in files + {free} free.")
+          : i18nMark("{total} = {files} in files + {others} not in files + {elsewhere} elsewhere, not "
+                     "scanned + {free} free."),
+      {{"total", total}, {"files", files}, {"others", others}, {"elsewhere", elsewhere}, {"free", free}});
 }
 
 std::string_view AccountText::keyOf(AccountPart part) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/base/Translation.h"
 #include "core/volume/Account.h"
 
 #include <cstdint>
@@ -45,12 +46,12 @@ struct AccountLine {
   std::vector<Detail> details = {};
 };
 
-/// The words of an account, shared by the application and spacemintctl. `locale` is an ICU locale identifier.
-/// Pure; any thread.
+/// The words of an account in the user's language, shared by the application and spacemintctl. `locale` is an
+/// ICU locale identifier. Pure; any thread.
 namespace AccountText {
 
 /// For an account that shows less than nothing, because the scan is older than the other figures.
-inline constexpr std::string_view scanAgain = "Scan again to see what adds up";
+inline constexpr const char* scanAgain = i18nMark("Scan again to see what adds up");
 
 /// The lines in which there is something. Their figures add up to the capacity of the volume. `home` is the
 /// home folder, for paths; `now` is for the age of snapshots.

@@ -13,19 +13,20 @@
 
 namespace spacemint {
 
-/// Sentences about findings, shared by the application and spacemintctl. `locale` is an ICU locale
-/// identifier. Any thread.
+/// Sentences about findings, shared by the application and spacemintctl, in the user's language; i18n
+/// translates the constants. `locale` is an ICU locale identifier. Any thread.
 namespace FindingText {
 
-inline constexpr std::string_view nothingToCompare = "After the next scan, this shows where new space went.";
-inline constexpr std::string_view shrunkTitle = "Shrunk or gone";
-inline constexpr std::string_view nothingToClean = "Nothing obvious to clean up.";
-inline constexpr std::string_view noOldWorktrees = "No worktrees untouched for a month.";
-inline constexpr std::string_view repositoryIsGone = "Repository is gone";
-inline constexpr std::string_view startDocker = PlatformWords::startDocker;
-inline constexpr std::string_view noDockerData = "Docker keeps nothing.";
-inline constexpr std::string_view openOllama = "Open Ollama to see your models.";
-inline constexpr std::string_view noOllamaModels = "No models.";
+inline constexpr const char* nothingToCompare =
+    i18nMark("After the next scan, this shows where new space went.");
+inline constexpr const char* shrunkTitle = i18nMark("Shrunk or gone");
+inline constexpr const char* nothingToClean = i18nMark("Nothing obvious to clean up.");
+inline constexpr const char* noOldWorktrees = i18nMark("No worktrees untouched for a month.");
+inline constexpr const char* repositoryIsGone = i18nMark("Repository is gone");
+inline constexpr const char* startDocker = PlatformWords::startDocker;
+inline constexpr const char* noDockerData = i18nMark("Docker keeps nothing.");
+inline constexpr const char* openOllama = i18nMark("Open Ollama to see your models.");
+inline constexpr const char* noOllamaModels = i18nMark("No models.");
 
 /// "Free space dropped by 2 GB, from 34 GB to 32 GB". Without the second half if both figures would look the
 /// same.

@@ -1,5 +1,6 @@
 #include "core/host/linux/FolderEraser.h"
 
+#include "core/base/Translation.h"
 #include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/RemovalReason.h"
 
@@ -162,7 +163,8 @@ void FolderEraser::closeShallowest() {
 
 std::unexpected<RemovalFailure> FolderEraser::failure(const std::string& name, int errorNumber) const {
   auto failed = removalFailure(pathOf(name), errorNumber, frames_.back().handle, name);
-  if (errorNumber == ESTALE) failed.error().error.message = "was moved while it was being removed";
+  if (errorNumber == ESTALE)
+    failed.error().error.message = i18n("{item} was moved while it was being removed");
   return failed;
 }
 

@@ -1,6 +1,7 @@
 #include "core/host/linux/ItemPlace.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
 #include "core/host/linux/RemovalReason.h"
 
 #include <fcntl.h>
@@ -43,7 +44,7 @@ std::unexpected<RemovalFailure> notOpened(const std::string& path, const FileHan
   const auto facts = factsOf(folder, name.c_str());
   if (!facts || !S_ISLNK(facts->mode)) return removalFailure(path, errorNumber, folder, name);
   auto failure = removalFailure(path, ELOOP);
-  failure.error().error.message = "has a symbolic link on the way to it";
+  failure.error().error.message = i18n("{item} has a symbolic link on the way to it");
   return failure;
 }
 

@@ -1,5 +1,6 @@
 #include "core/host/Removal.h"
 
+#include "core/base/Translation.h"
 #include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/FolderEraser.h"
 #include "core/host/linux/ItemPlace.h"
@@ -32,7 +33,8 @@ std::optional<std::string> mountIn(const FileHandle& folder) {
 
 std::unexpected<RemovalFailure> crossesMount(const std::string& path, const std::string& mountPoint) {
   auto failure = removalFailure(path, EXDEV);
-  failure.error().error.message = "has something else mounted in it, at " + mountPoint;
+  failure.error().error.message =
+      i18n("{item} has something else mounted in it, at {mount}", {{"mount", mountPoint}});
   return failure;
 }
 

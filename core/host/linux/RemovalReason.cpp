@@ -1,5 +1,7 @@
 #include "core/host/linux/RemovalReason.h"
 
+#include "core/base/Translation.h"
+
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -16,15 +18,15 @@ namespace spacemint {
 namespace {
 
 constexpr std::pair<int, const char*> reasons[]{
-    {EXDEV, "has something else mounted in it"},
-    {EBUSY, "is in use: something may be mounted on it"},
-    {ESTALE, "is no longer what it was"},
-    {ECANCELED, "was not removed: stopped"},
-    {ELOOP, "is a symbolic link"},
-    {EINVAL, "isn't a plain absolute path"},
-    {ENOENT, "does not exist"},
-    {ENOTEMPTY, "gets new files while it is being removed"},
-    {EROFS, "lies on a read-only file system"},
+    {EXDEV, i18nMark("{item} has something else mounted in it")},
+    {EBUSY, i18nMark("{item} is in use: something may be mounted on it")},
+    {ESTALE, i18nMark("{item} is no longer what it was")},
+    {ECANCELED, i18nMark("{item} was not removed: stopped")},
+    {ELOOP, i18nMark("{item} is a symbolic link")},
+    {EINVAL, i18nMark("{item} isn't a plain absolute path")},
+    {ENOENT, i18nMark("{item} does not exist")},
+    {ENOTEMPTY, i18nMark("{item} gets new files while it is being removed")},
+    {EROFS, i18nMark("{item} lies on a read-only file system")},
 };
 
 struct Status {
@@ -53,13 +55,13 @@ std::string userName(uid_t user) {
   passwd entry{};
   passwd* found = nullptr;
   getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found);
-  return found != nullptr ? found->pw_name : "user " + std::to_string(user);
+  return found != nullptr ? found->pw_name : i18n("user {number}", {{"number", std::to_string(user)}});
 }
 
-// "belongs to root" for another user's item; the mode for the user's own item.
+// "{item} belongs to root" for another user's item; the mode for the user's own item.
 std::string belongingTo(const Status& item) {
-  return item.isMine() ? "has insufficient permissions (mode " + item.mode() + ")"
-                       : "belongs to " + userName(item.facts.stx_uid);
+  return item.isMine() ? i18n("{item} has insufficient permissions (mode {mode})", {{"mode", item.mode()}})
+                       : i18n("{item} belongs to {user}", {{"user", userName(item.facts.stx_uid)}});
 }
 
 bool isClosed(const FileHandle& folder, const std::string& name, int rights) {
@@ -71,15 +73,18 @@ bool isClosed(const FileHandle& folder, const std::string& name, int rights) {
 std::string refusalReason(const FileHandle& folder, const std::string& name) {
   const Status item = statusOf(folder, name);
   const Status parent = statusOf(folder, "");
-  if (item.isKnown && item.isFixed()) return "is marked as immutable";
+  if (item.isKnown && item.isFixed()) return i18n("{item} is marked as immutable");
   if (name.empty()) return item.isKnown ? belongingTo(item) : "";
-  if (parent.isKnown && parent.isFixed()) return "lies in a folder that is marked as immutable";
+  if (parent.isKnown && parent.isFixed()) return i18n("{item} lies in a folder that is marked as immutable");
   if (parent.isKnown && isClosed(folder, "", W_OK | X_OK)) {
-    return "lies in a folder that " + belongingTo(parent);
+    return parent.isMine() ? i18n("{item} lies in a folder that has insufficient permissions (mode {mode})",
+                                  {{"mode", parent.mode()}})
+                           : i18n("{item} lies in a folder that belongs to {user}",
+                                  {{"user", userName(parent.facts.stx_uid)}});
   }
   if (!item.isKnown) return "";
   const bool isSticky = parent.isKnown && (parent.facts.stx_mode & S_ISVTX) != 0 && !parent.isMine();
-  if (isSticky && !item.isMine()) return "belongs to " + userName(item.facts.stx_uid);
+  if (isSticky && !item.isMine()) return belongingTo(item);
   if (S_ISDIR(item.facts.stx_mode) && isClosed(folder, name, R_OK | W_OK | X_OK)) return belongingTo(item);
   return "";
 }
@@ -89,9 +94,9 @@ std::string reasonOf(int errorNumber, const FileHandle& folder, const std::strin
     if (auto reason = refusalReason(folder, name); !reason.empty()) return reason;
   }
   for (const auto& [number, reason] : reasons) {
-    if (number == errorNumber) return reason;
+    if (number == errorNumber) return i18n(reason);
   }
-  return std::string{"could not be removed: "} + std::strerror(errorNumber);
+  return i18n("{item} could not be removed: {reason}", {{"reason", std::strerror(errorNumber)}});
 }
 
 }  // namespace

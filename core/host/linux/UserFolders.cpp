@@ -1,5 +1,7 @@
 #include "core/host/UserFolders.h"
 
+#include "core/base/Translation.h"
+
 #include <pwd.h>
 #include <unistd.h>
 
@@ -123,7 +125,9 @@ std::string UserFolders::runtime() {
   return folderVariable("XDG_RUNTIME_DIR").value_or("");
 }
 
-std::string userLocale() {
+namespace {
+
+std::string localeOfNumbers() {
   for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
     const char* value = std::getenv(variable);
     if (value == nullptr || *value == '\0') continue;
@@ -132,6 +136,19 @@ std::string userLocale() {
     return language == "C" || language == "POSIX" ? "en" : language;
   }
   return "en";
+}
+
+std::string_view languageOf(std::string_view locale) {
+  return locale.substr(0, locale.find('_'));
+}
+
+}  // namespace
+
+std::string userLocale() {
+  const std::string numbers = localeOfNumbers();
+  const std::string& sentences = sentenceLanguage();
+  const bool fits = sentences == "en" || languageOf(sentences) == languageOf(numbers);
+  return fits ? numbers : sentences;
 }
 
 }  // namespace spacemint

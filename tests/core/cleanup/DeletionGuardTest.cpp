@@ -11,9 +11,9 @@ namespace spacemint {
 namespace {
 
 constexpr std::optional<std::string> allowed;
-const std::optional<std::string> notPlain = "isn't a plain absolute path";
-const std::optional<std::string> isProtected = "is a protected folder";
-const std::optional<std::string> outside = "is outside your home folder";
+const std::optional<std::string> notPlain = "{item} isn't a plain absolute path";
+const std::optional<std::string> isProtected = "{item} is a protected folder";
+const std::optional<std::string> outside = "{item} is outside your home folder";
 
 std::optional<std::string> check(const std::string& path, const std::string& home = "/home/ann") {
   return DeletionGuard{home}.check({.path = path});
@@ -107,7 +107,7 @@ TEST(DeletionGuard, refusesALinkUnlessTheLinkItselfIsMeant) {
   const support::TemporaryFolder home;
   std::filesystem::create_directory_symlink("/usr", home / "link");
   const DeletionGuard guard{home.path()};
-  EXPECT_EQ(guard.check({.path = home / "link"}), "is a symbolic link");
+  EXPECT_EQ(guard.check({.path = home / "link"}), "{item} is a symbolic link");
   EXPECT_EQ(guard.check({.path = home / "link", .linkItself = true}), allowed);
 }
 

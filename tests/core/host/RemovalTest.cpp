@@ -2,6 +2,7 @@
 
 #include "core/host/Removal.h"
 
+#include "core/base/Translation.h"
 #include "core/host/linux/FolderEraser.h"
 #include "support/ChildProcess.h"
 #include "support/Files.h"
@@ -58,7 +59,7 @@ int empty(const RemovalTarget& target, const EntryCheck& check = {}) {
 std::string reason(const std::string& path) {
   RemovalProgress progress;
   const auto removed = removeItem({.path = path}, progress);
-  return removed ? "" : removed.error().path + " " + removed.error().error.message;
+  return removed ? "" : fillIn(removed.error().error.message, {{"item", removed.error().path}});
 }
 
 // Makes `depth` folders of one name, each in the one before, and answers a handle of the deepest.
