@@ -4,6 +4,7 @@
 #include "core/base/AsciiText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/volume/SharedFiles.h"
 #include "core/wording/FindingText.h"
@@ -61,7 +62,8 @@ std::vector<Paragraph> BrowseText::help() {
 }
 
 std::string BrowseText::figure(Bytes size, std::int64_t files, const std::string& locale) {
-  return ByteFormat::string(size, locale) + " in " + counted(files, "file", locale);
+  return i18np("{size} in {count} file", "{size} in {count} files", files,
+               {{"size", ByteFormat::string(size, locale)}, {"count", groupedNumber(files, locale)}});
 }
 
 std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, const std::string& before,

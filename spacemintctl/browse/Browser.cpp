@@ -701,11 +701,14 @@ void Browser::removed(const CleanupPlan& plan, const CleanupReport& report,
   }
   if (plan.steps.size() == 1) return say(CleanupText::outcome(plan, report, context_));
   const bool toTrash = plan.steps.front().kind == CleanupStep::Kind::moveToTrash;
-  const std::string items = counted(static_cast<std::int64_t>(plan.steps.size()), "item", view_.locale);
-  say(CleanupText::successText({.label = toTrash ? "Moved " + items + " to the Trash" : "Deleted " + items,
-                                .removed = report.removed(),
-                                .freed = toTrash ? std::nullopt : report.freed()},
-                               view_.locale));
+  const std::int64_t count = std::ssize(plan.steps);
+  const std::string done =
+      toTrash ? counted(count, "Moved {count} item to the Trash", "Moved {count} items to the Trash",
+                        view_.locale)
+              : counted(count, "Deleted {count} item", "Deleted {count} items", view_.locale);
+  say(CleanupText::successText(
+      {.label = done, .removed = report.removed(), .freed = toTrash ? std::nullopt : report.freed()},
+      view_.locale));
 }
 
 // Also the scan that the application shows, if this is one of another folder.
