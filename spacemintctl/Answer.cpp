@@ -1,6 +1,8 @@
 #include "spacemintctl/Answer.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/TextList.h"
+#include "core/base/Translation.h"
 #include "core/tree/TreeWalk.h"
 #include "core/volume/SharedFiles.h"
 #include "core/wording/FindingText.h"
@@ -87,7 +89,7 @@ std::string leftOutTable(const Snapshot& snapshot, std::size_t limit, const Word
   for (const LeftOut& item : items | std::views::take(limit)) {
     table.add({FindingText::leftOutTitle(item, snapshot.date, wording.locale), shown(item.path, wording)});
   }
-  if (items.size() > limit) table.add({"and " + std::to_string(items.size() - limit) + " more", ""});
+  if (items.size() > limit) table.add({restText(items.size() - limit), ""});
   return table.text();
 }
 
@@ -95,32 +97,42 @@ std::string largestItems(const Snapshot& snapshot, std::size_t top, const Wordin
   const auto folders = largestFolders(snapshot.root, top);
   const auto files = snapshot.largestFiles(top);
   std::string text;
-  if (!folders.empty()) text += "\nLargest folders\n" + folderTable(folders, snapshot.root.size, wording);
-  if (!files.empty()) text += "\nLargest files\n" + fileTable(files, wording);
+  if (!folders.empty())
+    text += "\n" + i18n("Largest folders") + "\n" + folderTable(folders, snapshot.root.size, wording);
+  if (!files.empty()) text += "\n" + i18n("Largest files") + "\n" + fileTable(files, wording);
   if (top > 0 && text.empty()) {
-    text =
-        "\nNothing here is as large as " + ByteFormat::string(snapshot.minNodeSize, wording.locale) + ".\n";
+    text = "\n" +
+           i18n("Nothing here is as large as {size}.",
+                {{"size", ByteFormat::string(snapshot.minNodeSize, wording.locale)}}) +
+           "\n";
   }
   return text;
 }
 
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull) {
-  std::string text =
-      printable(snapshot.rootPath()) + ": " +
-      FindingText::folderSize(snapshot.root.size, snapshot.coverage.unread.folders > 0, wording.locale) +
-      " in " + counted(snapshot.fileCount, "{count} file", "{count} files", wording.locale) +
-      ", measured in " + secondsText(snapshot.duration) + '\n';
-  text += whyFull.empty() ? "A rescan: what has not changed was taken from the last scan.\n"
-                          : "A full scan, because " + whyFull + ".\n";
+  const std::string size =
+      FindingText::folderSize(snapshot.root.size, snapshot.coverage.unread.folders > 0, wording.locale);
+  std::string text = i18np("{path}: {size} in {count} file, measured in {time}",
+                           "{path}: {size} in {count} files, measured in {time}", snapshot.fileCount,
+                           {{"path", printable(snapshot.rootPath())},
+                            {"size", size},
+                            {"count", groupedNumber(snapshot.fileCount, wording.locale)},
+                            {"time", secondsText(snapshot.duration)}}) +
+                     '\n';
+  text += (whyFull.empty() ? i18n("A rescan: what has not changed was taken from the last scan.")
+                           : i18n("A full scan, because {reason}.", {{"reason", i18n(whyFull.c_str())}})) +
+          '\n';
   if (snapshot.volumeTotal > 0) {
-    text += "Free on this volume: " + ByteFormat::string(snapshot.volumeFree, wording.locale) + " of " +
-            ByteFormat::string(snapshot.volumeTotal, wording.locale) + '\n';
+    text += i18n("Free on this volume: {free} of {total}",
+                 {{"free", ByteFormat::string(snapshot.volumeFree, wording.locale)},
+                  {"total", ByteFormat::string(snapshot.volumeTotal, wording.locale)}}) +
+            '\n';
   }
   text += largestItems(snapshot, top, wording);
   if (!snapshot.coverage.leftOut.empty()) {
     constexpr std::size_t fewest = 5;
-    text += "\nNot scanned\n" + leftOutTable(snapshot, std::max(top, fewest), wording);
+    text += "\n" + i18n("Not scanned") + "\n" + leftOutTable(snapshot, std::max(top, fewest), wording);
   }
   return text;
 }
@@ -134,13 +146,13 @@ std::string withKind(std::string document, const std::string& whyFull) {
 
 std::string unreadNote(const Unread& unread, const Wording& wording) {
   if (unread.folders == 0 && unread.entries == 0) return "";
-  std::string text;
-  if (unread.folders > 0) text = counted(unread.folders, "{count} folder", "{count} folders", wording.locale);
-  if (unread.entries > 0) {
-    text += (text.empty() ? "" : " and ") + groupedNumber(unread.entries, wording.locale) +
-            (unread.entries == 1 ? " entry" : " entries");
-  }
-  text += " could not be read; sizes are at least what is shown";
+  std::vector<std::string> items;
+  if (unread.folders > 0)
+    items.push_back(counted(unread.folders, "{count} folder", "{count} folders", wording.locale));
+  if (unread.entries > 0)
+    items.push_back(counted(unread.entries, "{count} entry", "{count} entries", wording.locale));
+  std::string text =
+      i18n("{items} could not be read; sizes are at least what is shown", {{"items", listed(items)}});
   const std::size_t named = std::min(namedUnread, unread.paths.size());
   for (std::size_t i = 0; i < named; ++i) text += "\n  " + shown(unread.paths[i], wording);
   if (unread.folders + unread.entries > static_cast<std::int64_t>(named)) text += "\n  …";

@@ -1,5 +1,6 @@
 #include "core/analysis/DeviceBackups.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
 
@@ -17,7 +18,8 @@ Json jsonOf(const DeviceBackup& backup) {
 
 std::string lastBackup(const DeviceBackup& backup, const Scene& scene) {
   if (!backup.lastBackup) return "";
-  return "last backed up " + RelativeTime::string(*backup.lastBackup, scene.now, scene.wording.locale);
+  return i18n("last backed up {age}",
+              {{"age", RelativeTime::string(*backup.lastBackup, scene.now, scene.wording.locale)}});
 }
 
 }  // namespace
@@ -31,7 +33,7 @@ std::expected<Findings, Error> backupFindings(const Scene& scene) {
     table.add({shownSize(each.size, scene), printable(each.name) + model, lastBackup(each, scene),
                shownPath(each.path, scene)});
   }
-  return Findings{.text = table.empty() ? "No backups of phones or tablets.\n" : table.text(),
+  return Findings{.text = table.empty() ? i18n("No backups of phones or tablets.") + "\n" : table.text(),
                   .json = std::move(list),
                   .isWorthReporting = !table.empty()};
 }

@@ -1,5 +1,6 @@
 #include "core/analysis/DevTools.h"
 #include "core/analysis/HuggingFace.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -34,8 +35,8 @@ std::expected<Findings, Error> cacheFindings(const Scene& scene) {
                           .minimum = scene.minimum,
                           .environment = scene.environment})) {
     list.push_back(jsonOf(each));
-    table.add({shownSize(each.size, scene), std::string{each.target->title}, shownPath(each.path, scene),
-               each.target->commandLine().value_or("delete its contents")});
+    table.add({shownSize(each.size, scene), i18n(each.target->title), shownPath(each.path, scene),
+               each.target->commandLine().value_or(i18n("delete its contents"))});
   }
   return Findings{.text = table.empty() ? FindingText::noCaches(scene.minimum, scene.wording.locale) + '\n'
                                         : table.text(),
@@ -52,7 +53,7 @@ std::expected<Findings, Error> huggingFaceFindings(const Scene& scene) {
     if (list.size() <= scene.top) table.add({shownSize(each.size, scene), each.kind, printable(each.repo)});
   }
   addRest(table, items.size(), scene.top);
-  return Findings{.text = table.empty() ? "No cached models.\n" : table.text(),
+  return Findings{.text = table.empty() ? i18n("No cached models.") + "\n" : table.text(),
                   .json = std::move(list),
                   .isWorthReporting = !table.empty()};
 }

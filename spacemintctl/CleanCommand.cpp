@@ -2,6 +2,7 @@
 
 #include "Spacemint/tools/ToolRuns.h"
 #include "core/analysis/DevTools.h"
+#include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/cleanup/Remeasure.h"
 #include "core/history/SnapshotWriter.h"
@@ -66,7 +67,7 @@ class Proposer {
       case CleanKind::trash: {
         const TrashPlace place = trashPlace(scan_ ? &*scan_ : nullptr, home_, context_.data);
         auto proposal = proposalFor(EmptyTrashRequest{.place = place});
-        if (proposal) proposal->nothingToDo = "There is no Trash.";
+        if (proposal) proposal->nothingToDo = i18n("There is no Trash.");
         return proposal;
       }
       case CleanKind::backup:
@@ -75,7 +76,7 @@ class Proposer {
         if (const auto refused = context_.guard.refusal({.path = path, .outsideHomeAllowed = true}))
           return std::unexpected(*refused);
         const auto worktree = GitWorktrees::inspect(path, 0);
-        if (!worktree) return std::unexpected(path + ": not a git worktree");
+        if (!worktree) return std::unexpected(i18n("{path}: not a git worktree", {{"path", path}}));
         return proposalFor(*worktree);
       }
       case CleanKind::path:
@@ -91,7 +92,7 @@ class Proposer {
         planCleanup(request, context_, std::chrono::floor<Date::duration>(std::chrono::system_clock::now()));
     if (!plan) return std::unexpected(plan.error().message);
     for (const CleanupStep& step : plan->steps) {
-      if (!step.wasThere()) return std::unexpected(step.path + " does not exist");
+      if (!step.wasThere()) return std::unexpected(i18n("{item} does not exist", {{"item", step.path}}));
     }
     return Proposal{.plan = std::move(*plan)};
   }
@@ -101,26 +102,28 @@ class Proposer {
     for (const DeviceBackup& backup : DeviceBackups::find({.in = *scan_, .home = home_})) {
       if (Paths::logical(backup.path) == path) return proposalFor(backup);
     }
-    return std::unexpected(path + ": no backup of the newest scan");
+    return std::unexpected(i18n("{path}: no backup of the newest scan", {{"path", path}}));
   }
 
   Proposed proposeCaches() const {
     const auto& ids = options_.ids;
     const auto caches = chosenCaches();
     if (!caches) return std::unexpected(caches.error());
-    Proposal proposal{.nothingToDo = "No cache is large enough to be worth cleaning."};
+    Proposal proposal{.nothingToDo = i18n("No cache is large enough to be worth cleaning.")};
     std::vector<CleanupPlan> plans;
     for (const DevTools::FoundCleanup& found : *caches) {
       auto each = proposalFor(found);
       if (each) {
         plans.push_back(std::move(each->plan));
       } else if (ids.empty()) {
-        proposal.leftOut.push_back(std::string{found.target->title} + ": " + each.error());
+        proposal.leftOut.push_back(
+            i18n("{cache}: {reason}", {{"cache", i18n(found.target->title)}, {"reason", each.error()}}));
       } else {
         return each;
       }
     }
-    const std::string title = "Clean up " + std::to_string(plans.size()) + " caches?";
+    const std::string title = i18np("Clean up {count} cache?", "Clean up {count} caches?", std::ssize(plans),
+                                    {{"count", std::to_string(plans.size())}});
     proposal.plan = mergedPlans(title, std::move(plans));
     return proposal;
   }
@@ -135,10 +138,11 @@ class Proposer {
     if (ids.empty()) return found;
     for (const std::string& id : ids) {
       if (std::ranges::find(DevTools::cleanups(), id, &CleanupTarget::id) == DevTools::cleanups().end()) {
-        return std::unexpected("no cache has the id \"" + id + R"("; see "spacemintctl caches --json")");
+        return std::unexpected(
+            i18n("no cache has the id \"{id}\"; see \"spacemintctl caches --json\"", {{"id", id}}));
       }
       if (std::ranges::find(found, id, &DevTools::FoundCleanup::id) == found.end()) {
-        return std::unexpected(id + ": not in the newest scan");
+        return std::unexpected(i18n("{id}: not in the newest scan", {{"id", id}}));
       }
     }
     std::erase_if(found, [&](const auto& each) { return std::ranges::find(ids, each.id()) == ids.end(); });
@@ -157,12 +161,12 @@ bool confirmed(const Proposal& proposal, const CleanOptions& options, const Word
   if (options.yes) return options.json || print(text);
   if (!canAsk()) {
     if (!options.json) print(text);
-    complain("nothing was removed: not confirmed, because there is no terminal; use --yes");
+    complain(i18n("nothing was removed: not confirmed, because there is no terminal; use --yes"));
     return false;
   }
   std::fputs(text.c_str(), stderr);
   if (ask(proposal.plan.title)) return true;
-  complain("nothing was removed");
+  complain(i18n("nothing was removed"));
   return false;
 }
 
@@ -172,7 +176,7 @@ void complainOfFailures(const CleanupPlan& plan, const CleanupReport& report, co
     const std::string about = plan.steps.size() > 1 ? plan.steps[i].path + ": " : "";
     complain(printable(about + CleanupText::failureText(plan.steps[i], report.steps[i], context)));
   }
-  if (report.steps.size() < plan.steps.size()) complain("the remaining steps were not started");
+  if (report.steps.size() < plan.steps.size()) complain(i18n("the remaining steps were not started"));
 }
 
 CleanupReport carryOutWithProgress(const CleanupPlan& plan, const CleanupContext& context,
@@ -191,7 +195,9 @@ int carryOut(const CleanupPlan& plan, const CleanOptions& options, const Cleanup
       carryOutWithProgress(plan, context, ProgressLine::canBeSeen() && !options.json);
   const auto remeasured = remeasureInNewestScan(plan.touched);
   complainOfFailures(plan, report, context);
-  if (!remeasured) complain("couldn't save changes to the scan: " + printable(remeasured.error().message));
+  if (!remeasured)
+    complain(i18n("couldn't save changes to the scan: {reason}",
+                  {{"reason", printable(remeasured.error().message)}}));
   const bool printed =
       print(options.json ? resultJson(plan, report).dump() + '\n' : resultText(plan, report, wording));
   if (wasInterrupted() && !report.isComplete(plan)) return interrupted;
@@ -235,7 +241,8 @@ int runClean(CleanKind kind, const CleanOptions& options) {
   measurePlan(plan);
   if (options.dryRun && options.json) return print(planJson(plan).dump() + '\n') ? done : failed;
   if (plan.steps.empty()) {
-    for (const std::string& line : proposal->leftOut) complain("left out: " + printable(line));
+    for (const std::string& line : proposal->leftOut)
+      complain(i18n("left out: {item}", {{"item", printable(line)}}));
     return print(options.json ? planJson(plan).dump() + '\n' : proposal->nothingToDo + '\n') ? done : failed;
   }
   if (options.dryRun) return print(planText(plan, proposal->leftOut, wording)) ? done : failed;

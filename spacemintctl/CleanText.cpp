@@ -2,6 +2,7 @@
 
 #include "core/base/AsciiText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/wording/FindingText.h"
 
@@ -28,7 +29,9 @@ std::string quoted(const std::string& word) {
 }
 
 const char* verb(CleanupStep::Kind kind) {
-  constexpr const char* verbs[] = {"delete", "empty", "empty", "move to the Trash", "run", "run"};
+  constexpr const char* verbs[] = {i18nMark("delete"), i18nMark("empty"),
+                                   i18nMark("empty"),  i18nMark("move to the Trash"),
+                                   i18nMark("run"),    i18nMark("run")};
   return verbs[std::to_underlying(kind)];
 }
 
@@ -65,15 +68,18 @@ std::string planText(const CleanupPlan& plan, const std::vector<std::string>& le
   Table table{1};
   for (const CleanupStep& step : plan.steps) {
     const std::string path = printable(Paths::display(step.path, wording.home));
-    table.add({ByteFormat::string(step.size, wording.locale), verb(step.kind),
-               step.runsCommand() ? printable(commandText(step.command)) + "  for " + path : path});
+    table.add({ByteFormat::string(step.size, wording.locale), i18n(verb(step.kind)),
+               step.runsCommand() ? i18n("{command}  for {path}",
+                                         {{"command", printable(commandText(step.command))}, {"path", path}})
+                                  : path});
     for (const auto& part : step.parts) {
       table.add({ByteFormat::string(part.size, wording.locale), "", "  " + printable(part.name)});
     }
   }
   std::string text = plan.title + '\n' + table.text();
   for (const std::string_view line : lines(plan.note)) text += printable(line) + '\n';
-  for (const std::string& line : leftOut) text += "Left out: " + printable(line) + '\n';
+  for (const std::string& line : leftOut)
+    text += i18n("Left out: {item}", {{"item", printable(line)}}) + '\n';
   return text;
 }
 

@@ -1,6 +1,8 @@
 #include "spacemintctl/Console.h"
 
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
+#include "spacemintctl/browse/Cells.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,13 +16,6 @@
 namespace spacemint::ctl {
 
 namespace {
-
-// Counts every character as one column. That is right for most names; a wrong width only misaligns the
-// columns.
-std::size_t columns(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U; }));
-}
 
 std::string formatted(Date date, std::tm* (*split)(const std::time_t*, std::tm*), const char* format) {
   const std::time_t time = std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
@@ -64,18 +59,23 @@ std::string percentage(std::int64_t part, std::int64_t whole) {
   return std::to_string(std::lround(static_cast<double>(part) / static_cast<double>(whole) * 100)) + " %";
 }
 
+std::string restText(std::size_t count) {
+  return i18np("and {count} more", "and {count} more", static_cast<std::int64_t>(count),
+               {{"count", std::to_string(count)}});
+}
+
 std::string Table::text() const {
   std::vector<std::size_t> widths;
   for (const auto& row : rows_) {
     widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], columns(row[i]));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], columnsOf(row[i]));
   }
   std::string text;
   for (const auto& row : rows_) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
       const bool isPadded = i + 1 < row.size();
-      const std::string padding(isPadded ? widths[i] - columns(row[i]) : 0, ' ');
+      const std::string padding(isPadded ? widths[i] - columnsOf(row[i]) : 0, ' ');
       line += "  " + (i < rightAligned_ ? padding + row[i] : row[i] + padding);
     }
     line.erase(line.find_last_not_of(' ') + 1);
@@ -87,7 +87,7 @@ std::string Table::text() const {
 bool print(const std::string& text) {
   if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
     return true;
-  complain("standard output: " + std::generic_category().message(errno));
+  complain(i18n("standard output: {reason}", {{"reason", std::generic_category().message(errno)}}));
   return false;
 }
 

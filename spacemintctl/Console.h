@@ -26,6 +26,9 @@ std::string universalTime(Date date);
 /// `part` as a rounded percentage of `whole`, such as "37 %"; empty if `whole` is below 1.
 std::string percentage(std::int64_t part, std::int64_t whole);
 
+/// "and 3 more": what a list leaves out.
+std::string restText(std::size_t count);
+
 /// A text table with aligned columns. The first `rightAligned` columns are right-aligned; the last column is
 /// not padded.
 class Table {

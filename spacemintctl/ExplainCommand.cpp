@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
 #include "core/wording/AccountText.h"
 #include "spacemintctl/Answer.h"
@@ -73,9 +74,10 @@ Json accountJson(const Account& account, const std::vector<Line>& lines) {
   return object;
 }
 
-// A note after a colon.
+// A note after a colon. Other languages keep their capitals there.
 std::string withoutCapital(std::string text) {
-  if (!text.empty()) text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
+  if (sentenceLanguage() == "en" && !text.empty())
+    text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
   return text;
 }
 
@@ -84,7 +86,9 @@ class AccountTable {
   explicit AccountTable(std::string locale) : locale_(std::move(locale)) {}
 
   void add(const Line& line) {
-    row(line.size, line.note.empty() ? line.title : line.title + ": " + withoutCapital(line.note));
+    row(line.size, line.note.empty() ? line.title
+                                     : i18n("{title}: {note}",
+                                            {{"title", line.title}, {"note", withoutCapital(line.note)}}));
     const std::size_t shown = std::min(line.details.size(), shownDetails);
     for (std::size_t i = 0; i < shown; ++i) {
       const Line::Detail& detail = line.details[i];
@@ -106,20 +110,24 @@ class AccountTable {
 
 std::string accountText(const Account& account, const std::vector<Line>& lines, const Wording& wording) {
   const Volume& volume = account.volume;
-  std::string text = printable(volume.name) + " (" + printable(volume.mountPoint()) + ", " +
-                     printable(volume.fileSystem) + "), by the scan of " +
-                     printable(Paths::display(account.scanned.root, wording.home)) + ", " +
-                     RelativeTime::string(account.scanned.date, currentTime(), wording.locale) + '\n';
+  const std::string text =
+      i18n("{volume} ({place}, {fileSystem}), by the scan of {root}, {age}",
+           {{"volume", printable(volume.name)},
+            {"place", printable(volume.mountPoint())},
+            {"fileSystem", printable(volume.fileSystem)},
+            {"root", printable(Paths::display(account.scanned.root, wording.home))},
+            {"age", RelativeTime::string(account.scanned.date, currentTime(), wording.locale)}}) +
+      '\n';
   AccountTable table{wording.locale};
   for (const Line& line : lines) {
     if (line.part == AccountPart::heldBack || line.part == AccountPart::free) continue;
     table.add(line);
   }
-  table.addSum(account.space.used, "Used");
+  table.addSum(account.space.used, i18n("Used"));
   for (const Line& line : lines) {
     if (line.part == AccountPart::heldBack || line.part == AccountPart::free) table.add(line);
   }
-  table.addSum(account.space.total, "Total");
+  table.addSum(account.space.total, i18n("Total"));
   return text + table.text();
 }
 
@@ -154,12 +162,15 @@ int runExplain(const ExplainOptions& options) {
   if (!path) return fail(printable(path.error().message));
   auto facts = readVolumeFacts(*path);
   if (!facts)
-    return fail(printable(*path) + ": its volume could not be read, or is on no disk of this computer");
+    return fail(i18n("{path}: its volume could not be read, or is on no disk of this computer",
+                     {{"path", printable(*path)}}));
   auto scan = options.fresh ? std::nullopt : storedScanOf(facts->volume);
   if (!scan) scan = measuredScanOf(facts->volume);
-  if (!scan) return wasInterrupted() ? interrupted : fail(printable(*path) + ": could not be scanned");
+  if (!scan)
+    return wasInterrupted() ? interrupted
+                            : fail(i18n("{path}: could not be scanned", {{"path", printable(*path)}}));
   auto scanned = scannedVolume(*scan, facts->volume);
-  if (!scanned) return fail(printable(*path) + ": the scan has nothing of its volume");
+  if (!scanned) return fail(i18n("{path}: the scan has nothing of its volume", {{"path", printable(*path)}}));
   facts->saved = savedBytes(*scan, facts->volume);
   const Account account = accountOf(std::move(*facts), std::move(*scanned));
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};

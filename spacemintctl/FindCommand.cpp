@@ -2,6 +2,7 @@
 
 #include "core/analysis/Search.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -39,8 +40,9 @@ std::string jsonOf(const Results& results) {
 std::string textOf(const Results& results, std::size_t count, Bytes minNodeSize) {
   const std::string locale = userLocale();
   if (results.empty()) {
-    return "Nothing found. The scan has files and folders from " + ByteFormat::string(minNodeSize, locale) +
-           " on.\n";
+    return i18n("Nothing found. The scan has files and folders from {size} on.",
+                {{"size", ByteFormat::string(minNodeSize, locale)}}) +
+           "\n";
   }
   Table table{1};
   const std::string home = UserFolders::home();
@@ -65,7 +67,8 @@ int runFind(const FindOptions& options) {
   const std::string text = searchText(options.words);
   const auto query = parseSearch(text);
   if (!query) {
-    complain(printable(query.error().message) + "; \"spacemintctl find --help\" lists the words");
+    complain(i18n("{problem}; \"spacemintctl find --help\" lists the words",
+                  {{"problem", printable(query.error().message)}}));
     return wrongUsage;
   }
   const auto scan = storedScanOrComplaint(options.scan);
@@ -92,10 +95,11 @@ int runKinds(const ListOptions& options) {
     rest = saturatingSubtract(rest, total.size);
     list.push_back({{"kind", row.word}, {"size", total.size}, {"fileCount", total.files}});
     table.add({ByteFormat::string(total.size, locale), percentage(total.size, scan->root.size),
-               counted(total.files, "{count} file", "{count} files", locale), std::string{row.title}});
+               counted(total.files, "{count} file", "{count} files", locale), i18n(row.title)});
   }
   table.add({ByteFormat::string(rest, locale), percentage(rest, scan->root.size), "",
-             "Files below " + ByteFormat::string(scan->minNodeSize, locale) + ", and folders' own blocks"});
+             i18n("Files below {size}, and folders' own blocks",
+                  {{"size", ByteFormat::string(scan->minNodeSize, locale)}})});
   if (options.json) return print(Json{{"kinds", list}, {"rest", rest}}.dump() + '\n') ? done : failed;
   return print(table.text()) ? done : failed;
 }

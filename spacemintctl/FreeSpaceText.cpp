@@ -1,6 +1,7 @@
 #include "spacemintctl/FreeSpaceText.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "spacemintctl/Console.h"
 
 #include <algorithm>
@@ -43,7 +44,8 @@ std::string_view barFor(Bytes free, const Range& whole) {
 }  // namespace
 
 std::string freeSpaceText(const std::vector<FreeSpaceReading>& readings, const std::string& locale) {
-  if (readings.empty()) return "No free space is recorded yet; the application records it once an hour.\n";
+  if (readings.empty())
+    return i18n("No free space is recorded yet; the application records it once an hour.") + "\n";
   const Range whole = rangeOf(readings);
   std::map<std::string, Day> days;
   for (const FreeSpaceReading& reading : readings) {
@@ -53,15 +55,18 @@ std::string freeSpaceText(const std::vector<FreeSpaceReading>& readings, const s
     day.bars.at(static_cast<std::size_t>(std::stoi(time.substr(11, 2)))) = barFor(reading.free, whole);
   }
   const auto size = [&](Bytes bytes) { return ByteFormat::string(bytes, locale); };
-  std::string text = "Free space, hour by hour, from " + size(whole.lowest) + " (" +
-                     std::string{bars.front()} + ") to " + size(whole.highest) + " (" +
-                     std::string{bars.back()} + ")\n";
+  const std::string text = i18n("Free space, hour by hour, from {lowest} ({low}) to {highest} ({high})",
+                                {{"lowest", size(whole.lowest)},
+                                 {"low", bars.front()},
+                                 {"highest", size(whole.highest)},
+                                 {"high", bars.back()}}) +
+                           "\n";
   Table table{0};
   for (const auto& [name, day] : days) {
     std::string line;
     for (const std::string_view bar : day.bars) line += bar;
     const Range range = rangeOf(day.readings);
-    table.add({name, line, size(range.lowest), "to " + size(range.highest)});
+    table.add({name, line, size(range.lowest), i18n("to {size}", {{"size", size(range.highest)}})});
   }
   return text + table.text();
 }

@@ -1,5 +1,6 @@
 #include "core/analysis/Changes.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/host/FileStamp.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
@@ -16,13 +17,17 @@ using Baseline = std::expected<std::optional<Snapshot>, Error>;
 Baseline namedBaseline(const Scene& scene) {
   auto named = storedScan(SnapshotStore::ofRoot(scene.snapshot.rootPath()), scene.since);
   if (!named) return std::unexpected(std::move(named).error());
-  const auto refused = [&](const std::string& reason) {
-    return std::unexpected(
-        Error{.domain = "history", .message = "the scan of \"" + scene.since + "\" " + reason});
+  const auto refused = [](std::string reason) {
+    return std::unexpected(Error{.domain = "history", .message = std::move(reason)});
   };
-  if (named->rootPath() != scene.snapshot.rootPath())
-    return refused("is of another folder, " + named->rootPath());
-  if (named->date > scene.snapshot.date) return refused("is later than the one to compare with it");
+  if (named->rootPath() != scene.snapshot.rootPath()) {
+    return refused(i18n("the scan of \"{date}\" is of another folder, {path}",
+                        {{"date", scene.since}, {"path", named->rootPath()}}));
+  }
+  if (named->date > scene.snapshot.date) {
+    return refused(
+        i18n("the scan of \"{date}\" is later than the one to compare with it", {{"date", scene.since}}));
+  }
   return std::move(*named);
 }
 
@@ -71,7 +76,7 @@ std::vector<std::string> rowOf(const Growth& growth, const Comparison& compariso
   const std::string perDay = FindingText::perDay(growth.delta, comparison.between(), scene.wording.locale);
   std::vector<std::string> row{"+" + shownSize(growth.delta, scene)};
   if (!perDay.empty()) row.push_back(perDay);
-  row.push_back(growth.isNew ? "new" : "of " + shownSize(growth.size, scene));
+  row.push_back(growth.isNew ? i18n("new") : i18n("of {size}", {{"size", shownSize(growth.size, scene)}}));
   row.push_back(path + (growth.isDirectory ? "/" : ""));
   return row;
 }
@@ -101,15 +106,17 @@ std::string shrinkageTable(const Comparison& comparison, const Scene& scene) {
 
 std::string comparisonText(const Comparison& comparison, const Scene& scene) {
   const auto& [home, locale] = scene.wording;
-  std::string text = "Since " + localTime(comparison.from.date) + " (" +
-                     RelativeTime::age(comparison.from.date, scene.now, locale) + ")";
-  if (!scene.isNewest) text += " until " + localTime(comparison.to.date);
+  std::string text =
+      i18n(scene.isNewest ? i18nMark("Since {from} ({age})") : i18nMark("Since {from} ({age}) until {to}"),
+           {{"from", localTime(comparison.from.date)},
+            {"age", RelativeTime::age(comparison.from.date, scene.now, locale)},
+            {"to", localTime(comparison.to.date)}});
   const auto change = Changes::spaceChange(comparison.from, comparison.to, home);
   text += '\n' + FindingText::freeChange(change.value_or(SpaceChange{}), home, locale) + '\n';
   text += comparison.growth.empty() ? FindingText::nothingGrew(scene.minimum, locale) + '\n'
                                     : growthTable(comparison, scene);
   if (comparison.shrinkage.empty()) return text;
-  return text + std::string{FindingText::shrunkTitle} + '\n' + shrinkageTable(comparison, scene);
+  return text + i18n(FindingText::shrunkTitle) + '\n' + shrinkageTable(comparison, scene);
 }
 
 Json jsonOf(const Comparison& comparison) {
@@ -126,7 +133,7 @@ std::expected<Findings, Error> growthFindings(const Scene& scene) {
   if (!baseline) return std::unexpected(baseline.error());
   const auto& earlier = *baseline;
   if (!earlier) {
-    return Findings{.text = std::string{FindingText::nothingToCompare} + '\n',
+    return Findings{.text = i18n(FindingText::nothingToCompare) + '\n',
                     .json = {{"from", nullptr},
                              {"to", jsonOf(scene.snapshot)},
                              {"growth", Json::array()},

@@ -1,6 +1,7 @@
 #include "spacemintctl/HistoryCommand.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
@@ -33,7 +34,9 @@ Json jsonOf(const SnapshotStore::Entry& entry, const LoadedScan& scan) {
 
 std::vector<std::string> rowOf(const SnapshotStore::Entry& entry, const LoadedScan& scan) {
   const std::string locale = userLocale();
-  if (!scan) return {localTime(entry.date), "", "", "cannot be read: " + printable(scan.error().message)};
+  if (!scan)
+    return {localTime(entry.date), "", "",
+            i18n("cannot be read: {reason}", {{"reason", printable(scan.error().message)}})};
   return {localTime(entry.date), ByteFormat::string(scan->root.size, locale),
           counted(scan->fileCount, "{count} file", "{count} files", locale),
           printable(Paths::display(scan->rootPath(), UserFolders::home()))};
@@ -53,7 +56,7 @@ int runHistory(bool json) {
     }
   }
   if (json) return print(list.dump() + '\n') ? done : failed;
-  return print(table.empty() ? "No scan in the history yet; \"spacemintctl scan\" makes one.\n"
+  return print(table.empty() ? i18n("No scan in the history yet; \"spacemintctl scan\" makes one.") + "\n"
                              : table.text())
              ? done
              : failed;

@@ -1,6 +1,7 @@
 #include "spacemintctl/ListCommands.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/host/UserFolders.h"
 #include "core/volume/SharedFiles.h"
@@ -53,7 +54,7 @@ std::string folderText(const std::string& path, const Node& folder, std::size_t 
   Table table;
   for (const Node& child : folder.children) {
     if (top-- == 0) {
-      table.add({"", "", "… and more; --top shows them"});
+      table.add({"", "", i18n("… and more; --top shows them")});
       break;
     }
     table.add({ByteFormat::string(child.size, wording.locale), percentage(child.size, folder.size),
@@ -61,7 +62,7 @@ std::string folderText(const std::string& path, const Node& folder, std::size_t 
   }
   if (folder.unlistedSize() > 0) {
     table.add({ByteFormat::string(folder.unlistedSize(), wording.locale),
-               percentage(folder.unlistedSize(), folder.size), "(smaller files and folders)"});
+               percentage(folder.unlistedSize(), folder.size), i18n("(smaller files and folders)")});
   }
   return text + table.text();
 }
@@ -106,8 +107,8 @@ int runFolders(const ListOptions& options) {
                                : std::filesystem::absolute(options.path).lexically_normal().string();
   const Node* folder = snapshot->nodeAt(path);
   if (folder == nullptr || !folder->isDirectory) {
-    complain(printable(path) + ": no such folder in the scan of " + localTime(snapshot->date) +
-             ", or the folder is too small to be stored");
+    complain(i18n("{path}: no such folder in the scan of {date}, or the folder is too small to be stored",
+                  {{"path", printable(path)}, {"date", localTime(snapshot->date)}}));
     return failed;
   }
   const std::string shown{Paths::withoutTrailingSlash(path)};

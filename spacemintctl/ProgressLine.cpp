@@ -1,6 +1,7 @@
 #include "spacemintctl/ProgressLine.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/scan/ScanTiming.h"
 
 #include <unistd.h>
@@ -16,10 +17,11 @@ constexpr std::chrono::milliseconds pace{100};
 
 std::string timeLeft(Seconds left) {
   const auto whole = static_cast<long long>(std::ceil(left.count()));
-  if (whole < 60) return std::to_string(whole) + " s left";
+  if (whole < 60) return i18n("{count} s left", {{"count", std::to_string(whole)}});
   const long long minutes = (whole + 30) / 60;
-  return minutes < 60 ? std::to_string(minutes) + " min left"
-                      : std::to_string(minutes / 60) + " h " + std::to_string(minutes % 60) + " min left";
+  if (minutes < 60) return i18n("{count} min left", {{"count", std::to_string(minutes)}});
+  return i18n("{hours} h {minutes} min left",
+              {{"hours", std::to_string(minutes / 60)}, {"minutes", std::to_string(minutes % 60)}});
 }
 
 }  // namespace

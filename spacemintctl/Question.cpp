@@ -1,5 +1,8 @@
 #include "spacemintctl/Question.h"
 
+#include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
+
 #include <termios.h>
 #include <unistd.h>
 
@@ -14,10 +17,12 @@ bool canAsk() {
 
 bool ask(const std::string& question) {
   tcflush(STDIN_FILENO, TCIFLUSH);
-  std::fprintf(stderr, "%s [y/N] ", question.c_str());
+  std::fprintf(stderr, "%s ", i18n("{question} [y/N]", {{"question", question}}).c_str());
   std::string answer;
   std::getline(std::cin, answer);
-  return answer == "y" || answer == "Y" || answer == "yes";
+  // English is understood in every language.
+  const std::string yes = i18nc("the letter that answers \"[y/N]\" with yes", "y");
+  return answer == "y" || answer == "Y" || answer == "yes" || lowerCased(answer) == yes;
 }
 
 }  // namespace spacemint::ctl

@@ -1,5 +1,6 @@
 #include "spacemintctl/ScanCommand.h"
 
+#include "core/base/Translation.h"
 #include "core/history/SnapshotCodec.h"
 #include "core/history/SnapshotStore.h"
 #include "core/host/UserFolders.h"
@@ -45,7 +46,8 @@ bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& o
 
 bool save(const Snapshot& snapshot) {
   const auto kept = keepScan(snapshot);
-  if (!kept) complain("couldn't save the scan: " + printable(kept.error().message));
+  if (!kept)
+    complain(i18n("couldn't save the scan: {reason}", {{"reason", printable(kept.error().message)}}));
   return kept.has_value();
 }
 
@@ -101,7 +103,8 @@ int runScan(const ScanOptions& options) {
   ScanPlan plan = planFor(*root, options, start, wasInterrupted);
   auto result = wasInterrupted() ? std::nullopt : measure(*root, options, plan);
   if (!result) {
-    complain(wasInterrupted() ? "interrupted" : printable(*root) + ": could not be scanned");
+    complain(wasInterrupted() ? i18n("interrupted")
+                              : i18n("{path}: could not be scanned", {{"path", printable(*root)}}));
     return wasInterrupted() ? interrupted : failed;
   }
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};

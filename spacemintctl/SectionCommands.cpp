@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
 #include "core/settings/Settings.h"
@@ -43,8 +44,11 @@ int fail(const Error& error) {
 }
 
 std::string volumeText(const VolumeStatus& volume, std::int64_t thresholdGB, const Scene& scene) {
-  const std::string text = shownSize(volume.free, scene) + " free of " + shownSize(volume.total, scene) +
-                           " on " + printable(volume.name) + '\n';
+  const std::string text =
+      i18n("{free} free of {total} on {volume}", {{"free", shownSize(volume.free, scene)},
+                                                  {"total", shownSize(volume.total, scene)},
+                                                  {"volume", printable(volume.name)}}) +
+      '\n';
   const std::string warning = FindingText::warning(spaceLevel(volume.free, thresholdGB), thresholdGB);
   return warning.empty() ? text : text + warning + '\n';
 }
@@ -52,9 +56,13 @@ std::string volumeText(const VolumeStatus& volume, std::int64_t thresholdGB, con
 std::string scanText(const Scene& scene) {
   const std::string& locale = scene.wording.locale;
   const Snapshot& scan = scene.snapshot;
-  return "Scanned " + RelativeTime::string(scan.date, scene.now, locale) + ": " +
-         shownPath(scan.rootPath(), scene) + ", " + shownSize(scan.root.size, scene) + " in " +
-         counted(scan.fileCount, "{count} file", "{count} files", locale) + '\n';
+  return i18np("Scanned {age}: {path}, {size} in {count} file",
+               "Scanned {age}: {path}, {size} in {count} files", scan.fileCount,
+               {{"age", RelativeTime::string(scan.date, scene.now, locale)},
+                {"path", shownPath(scan.rootPath(), scene)},
+                {"size", shownSize(scan.root.size, scene)},
+                {"count", groupedNumber(scan.fileCount, locale)}}) +
+         '\n';
 }
 
 const char* name(SpaceLevel level) {
@@ -97,7 +105,7 @@ int runReport(const SectionOptions& options) {
   for (const Section& section : sections()) {
     auto findings = findingsOf(section, *scene, options);
     if (!findings) return fail(findings.error());
-    if (findings->isWorthReporting) report.text += std::string{"\n"} + section.title + '\n' + findings->text;
+    if (findings->isWorthReporting) report.text += "\n" + i18n(section.title) + '\n' + findings->text;
     report.json[section.command] = std::move(findings->json);
   }
   return print(options.json ? report.json.dump() + '\n' : report.text) ? done : failed;

@@ -1,5 +1,6 @@
 #include "spacemintctl/SettingsCommand.h"
 
+#include "core/base/Translation.h"
 #include "core/settings/Settings.h"
 #include "spacemintctl/Console.h"
 
@@ -38,7 +39,7 @@ std::string joined(const std::vector<std::string>& paths) {
 }
 
 std::string textOf(const Json& value) {
-  if (value.is_null()) return "not usable";
+  if (value.is_null()) return i18n("not usable");
   if (value.is_array()) return printable(joined(value.get<std::vector<std::string>>()));
   return printable(value.is_string() ? value.get<std::string>() : value.dump());
 }
@@ -59,7 +60,8 @@ int listSettings(bool json) {
   for (const SettingDescription& setting : settings) {
     const Json value = valueOf(store, setting);
     object[std::string{setting.key}] = value;
-    table.add({std::string{setting.key}, textOf(value) + (store.has(setting.key) ? "" : "  (default)")});
+    table.add(
+        {std::string{setting.key}, textOf(value) + (store.has(setting.key) ? "" : "  " + i18n("(default)"))});
   }
   return print(json ? object.dump() + '\n' : table.text()) ? done : failed;
 }

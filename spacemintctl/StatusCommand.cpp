@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/history/FreeSpaceRecord.h"
 #include "core/host/UserFolders.h"
@@ -50,7 +51,7 @@ std::string usedText(const Space& space) {
 Fact heldBackFact(const Space& space) {
   Fact fact{"heldBack", space.heldBack, "", ""};
   if (space.heldBack > 0) {
-    fact.title = "Reserved";
+    fact.title = i18n("Reserved");
     fact.text = sizeText(space.heldBack);
   }
   return fact;
@@ -80,12 +81,14 @@ Json jsonOf(const VolumeReading& reading) {
 std::string remarksOn(const VolumeReading& reading) {
   const auto& [volume, space] = reading;
   std::string remarks = volume.fileSystem;
-  if (!volume.isWritable) remarks += ", read-only";
-  if (volume.isRemovable) remarks += ", removable";
-  if (space && space->heldBack > 0) remarks += ", " + sizeText(space->heldBack) + " reserved";
+  if (!volume.isWritable) remarks += ", " + i18n("read-only");
+  if (volume.isRemovable) remarks += ", " + i18n("removable");
+  if (space && space->heldBack > 0)
+    remarks += ", " + i18n("{size} reserved", {{"size", sizeText(space->heldBack)}});
   if (space && space->files) {
     const std::int64_t inUse = space->files->total - space->files->free;
-    remarks += ", " + percentage(inUse, space->files->total) + " of its files in use";
+    remarks +=
+        ", " + i18n("{percent} of its files in use", {{"percent", percentage(inUse, space->files->total)}});
   }
   return remarks;
 }
@@ -101,10 +104,11 @@ std::string volumeTable(const std::vector<VolumeReading>& readings) {
   Table table{0};
   for (const VolumeReading& reading : readings) {
     const auto& [volume, space] = reading;
-    const std::string free =
-        space ? sizeText(space->free) + " free of " + sizeText(space->total) : "does not answer";
-    table.add({printable(volume.name), free, space ? usedText(*space) + " used" : "", mountPointsOf(volume),
-               printable(remarksOn(reading))});
+    const std::string free = space ? i18n("{free} free of {total}", {{"free", sizeText(space->free)},
+                                                                     {"total", sizeText(space->total)}})
+                                   : i18n("does not answer");
+    table.add({printable(volume.name), free, space ? i18n("{used} used", {{"used", usedText(*space)}}) : "",
+               mountPointsOf(volume), printable(remarksOn(reading))});
   }
   return table.text();
 }
@@ -116,50 +120,55 @@ Facts volumeFacts(const VolumeStatus& volume, const std::string& mountPoint) {
                           .value_or(Space{.total = volume.total, .used = volume.used(), .free = volume.free});
   return {{"name", withInvalidUtf8Replaced(volume.name), "", ""},
           {"mountPoint", withInvalidUtf8Replaced(mountPoint), "", ""},
-          {"total", volume.total, "Total", ByteFormat::string(volume.total, locale)},
-          {"free", volume.free, "Free", ByteFormat::string(volume.free, locale)},
-          {"used", space.used, "Used", usedText(space)},
+          {"total", volume.total, i18n("Total"), ByteFormat::string(volume.total, locale)},
+          {"free", volume.free, i18n("Free"), ByteFormat::string(volume.free, locale)},
+          {"used", space.used, i18n("Used"), usedText(space)},
           heldBackFact(space),
           {"usedFraction", volume.usedFraction(), "", ""},
           {"fullDiskAccess", Permissions::hasFullDiskAccess(), "", ""}};
 }
 
 Fact levelFact(const VolumeStatus& volume, std::int64_t thresholdGB) {
-  constexpr const char* names[] = {"ok", "low", "critical"};
+  constexpr const char* names[] = {i18nMark("ok"), i18nMark("low"), i18nMark("critical")};
   const char* name = names[std::to_underlying(spaceLevel(volume.free, thresholdGB))];
-  return {
-      "level", name, "Level",
-      std::string{name} + ", warns below " + ByteFormat::string(warningThreshold(thresholdGB), userLocale())};
+  return {"level", name, i18n("Level"),
+          i18n("{level}, warns below {size}",
+               {{"level", i18n(name)},
+                {"size", ByteFormat::string(warningThreshold(thresholdGB), userLocale())}})};
 }
 
 Fact lastScanFact(const std::optional<Snapshot>& last, Date now) {
-  if (!last) return {"lastScan", nullptr, "Last scan", "none"};
+  if (!last) return {"lastScan", nullptr, i18n("Last scan"), i18nc("scan", "none")};
   const std::string locale = userLocale();
   return {"lastScan",
           Json{{"date", universalTime(last->date)}, {"root", withInvalidUtf8Replaced(last->rootPath())}},
-          "Last scan",
-          localTime(last->date) + " (" + RelativeTime::string(last->date, now, locale) + "), " +
-              printable(Paths::display(last->rootPath(), UserFolders::home())) + ", " +
-              ByteFormat::string(last->root.size, locale) + " in " +
-              counted(last->fileCount, "{count} file", "{count} files", locale)};
+          i18n("Last scan"),
+          i18np("{date} ({age}), {path}, {size} in {count} file",
+                "{date} ({age}), {path}, {size} in {count} files", last->fileCount,
+                {{"date", localTime(last->date)},
+                 {"age", RelativeTime::string(last->date, now, locale)},
+                 {"path", printable(Paths::display(last->rootPath(), UserFolders::home()))},
+                 {"size", ByteFormat::string(last->root.size, locale)},
+                 {"count", groupedNumber(last->fileCount, locale)}})};
 }
 
 Fact nextScanFact(const ScanPlan& plan) {
   if (plan.whyFull.empty()) {
-    return {"nextScan", Json{{"kind", "rescan"}}, "Next scan", "visits only folders that changed"};
+    return {"nextScan", Json{{"kind", "rescan"}}, i18n("Next scan"),
+            i18n("visits only folders that changed")};
   }
-  return {"nextScan", Json{{"kind", "full"}, {"because", plan.whyFull}}, "Next scan",
-          "a full scan, because " + plan.whyFull};
+  return {"nextScan", Json{{"kind", "full"}, {"because", plan.whyFull}}, i18n("Next scan"),
+          i18n("a full scan, because {reason}", {{"reason", i18n(plan.whyFull.c_str())}})};
 }
 
 Fact recorderFact(EventJournal& journal, const std::string& root) {
   const std::uint64_t now = journal.currentEventID({.root = root, .timeout = journalTimeout});
   const auto answer =
       journal.changes({.root = root, .since = std::max<std::uint64_t>(now, 1), .timeout = journalTimeout});
-  if (answer) return {"recorder", Json{{"answers", true}}, "Recorder", "answers"};
+  if (answer) return {"recorder", Json{{"answers", true}}, i18n("Recorder"), i18n("answers")};
   const std::string reason{textOf(answer.error())};
-  return {"recorder", Json{{"answers", false}, {"because", reason}}, "Recorder",
-          "does not answer, because " + reason};
+  return {"recorder", Json{{"answers", false}, {"because", reason}}, i18n("Recorder"),
+          i18n("does not answer, because {reason}", {{"reason", i18n(reason.c_str())}})};
 }
 
 // Only the application knows if notifications work; this program can only tell that they cannot work without
@@ -167,9 +176,9 @@ Fact recorderFact(EventJournal& journal, const std::string& root) {
 Fact notificationFact() {
   const bool hasBus =
       UserFolders::environment("DBUS_SESSION_BUS_ADDRESS").has_value() || !UserFolders::runtime().empty();
-  return {"mayNotify", hasBus, "Notifications",
-          hasBus ? "the application logs the desktop's replies (SPACEMINT_LOG=info)"
-                 : "none are shown, because this session has no message bus"};
+  return {"mayNotify", hasBus, i18n("Notifications"),
+          i18n(hasBus ? i18nMark("the application logs the desktop's replies (SPACEMINT_LOG=info)")
+                      : i18nMark("none are shown, because this session has no message bus"))};
 }
 
 Facts verboseFacts(const VolumeStatus& volume) {
@@ -215,7 +224,7 @@ std::string textOf(const Facts& facts, const VolumeStatus& volume, const std::st
   if (volume.name != mountPoint) title += " (" + printable(mountPoint) + ")";
   std::string text = title + '\n' + table.text();
   if (!Permissions::hasFullDiskAccess()) {
-    text += "This program runs in a sandbox and cannot see all of your files.\n";
+    text += i18n("This program runs in a sandbox and cannot see all of your files.") + "\n";
   }
   return text;
 }
@@ -226,7 +235,7 @@ int runStatus(const StatusOptions& options) {
   const std::string mountPoint = startupVolume();
   const auto volume = VolumeStatus::current(mountPoint);
   if (!volume) {
-    complain(printable(mountPoint) + ": the volume's free space could not be read");
+    complain(i18n("{path}: the volume's free space could not be read", {{"path", printable(mountPoint)}}));
     return failed;
   }
   Facts facts = volumeFacts(*volume, mountPoint);
@@ -242,7 +251,7 @@ int runStatus(const StatusOptions& options) {
     return print(jsonOf(facts, history)) ? done : failed;
   }
   std::string text = textOf(facts, *volume, mountPoint);
-  if (readings.size() > 1) text += "\nVolumes\n" + volumeTable(readings);
+  if (readings.size() > 1) text += "\n" + i18n("Volumes") + "\n" + volumeTable(readings);
   if (history) text += '\n' + freeSpaceText(*history, userLocale());
   return print(text) ? done : failed;
 }

@@ -1,5 +1,6 @@
 #include "spacemintctl/StoredScan.h"
 
+#include "core/base/Translation.h"
 #include "core/history/Baseline.h"
 #include "spacemintctl/Console.h"
 
@@ -27,8 +28,9 @@ std::expected<Snapshot, Error> newestReadable(const Entries& entries) {
     if (snapshot) return snapshot;
     if (!firstProblem) firstProblem = std::move(snapshot).error();
   }
-  return std::unexpected(
-      firstProblem ? *firstProblem : notFound("no scan in the history yet; \"spacemintctl scan\" makes one"));
+  return std::unexpected(firstProblem
+                             ? *firstProblem
+                             : notFound(i18n("no scan in the history yet; \"spacemintctl scan\" makes one")));
 }
 
 std::expected<Snapshot, Error> scanAmong(const Entries& entries, std::string_view date) {
@@ -36,7 +38,7 @@ std::expected<Snapshot, Error> scanAmong(const Entries& entries, std::string_vie
   const auto found = std::ranges::find_if(
       entries, [&](const SnapshotStore::Entry& entry) { return namesScan(date, entry.date); });
   if (found != entries.end()) return load(*found);
-  return std::unexpected(notFound("no scan of \"" + printable(date) + "\" in the history"));
+  return std::unexpected(notFound(i18n("no scan of \"{date}\" in the history", {{"date", printable(date)}})));
 }
 
 }  // namespace

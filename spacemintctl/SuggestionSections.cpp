@@ -1,4 +1,5 @@
 #include "core/analysis/Suggestions.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -25,7 +26,8 @@ std::string whereabouts(const Suggestion& suggestion, const Scene& scene) {
   const std::string first = shownPath(suggestion.locations.front().path, scene);
   const std::size_t others = suggestion.locations.size() - 1;
   if (others == 0) return first;
-  return first + " and " + std::to_string(others) + (others == 1 ? " other" : " others");
+  return i18np("{path} and {count} other", "{path} and {count} others", static_cast<std::int64_t>(others),
+               {{"path", first}, {"count", std::to_string(others)}});
 }
 
 }  // namespace
@@ -43,7 +45,7 @@ std::expected<Findings, Error> suggestionFindings(const Scene& scene) {
     list.push_back(jsonOf(each));
     table.add({shownSize(each.size(), scene), each.title, whereabouts(each, scene), each.advice});
   }
-  return Findings{.text = table.empty() ? std::string{FindingText::nothingToClean} + '\n' : table.text(),
+  return Findings{.text = table.empty() ? i18n(FindingText::nothingToClean) + '\n' : table.text(),
                   .json = std::move(list)};
 }
 
@@ -52,12 +54,13 @@ std::expected<Findings, Error> trashFindings(const Scene& scene) {
       {.in = scene.snapshot, .home = scene.wording.home, .environment = scene.environment});
   // Folders below the scan's threshold are not in the tree.
   if (!trash || trash->size == 0) {
-    return Findings{.text = "The Trash is empty, or too small to be stored.\n",
+    return Findings{.text = i18n("The Trash is empty, or too small to be stored.") + "\n",
                     .json = nullptr,
                     .isWorthReporting = false};
   }
   const std::string& locale = scene.wording.locale;
-  return Findings{.text = FindingText::trashTitle(*trash, locale) + ": " + shownPath(trash->path, scene) +
+  return Findings{.text = i18n("{title}: {path}", {{"title", FindingText::trashTitle(*trash, locale)},
+                                                   {"path", shownPath(trash->path, scene)}}) +
                           '\n' + FindingText::trashLine(*trash, locale) + '\n',
                   .json = {{"path", jsonText(trash->path)},
                            {"size", trash->size},

@@ -1,5 +1,6 @@
 #include "Spacemint/tools/ToolRuns.h"
 #include "core/analysis/OllamaModels.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -49,28 +50,29 @@ Json jsonList(const Items& items) {
 
 std::string dockerText(const DockerState& state, const Scene& scene) {
   using enum DockerState::Kind;
-  if (state.kind == notInstalled) return "Docker isn't installed.\n";
-  if (state.kind == notRunning) return std::string{FindingText::startDocker} + '\n';
+  if (state.kind == notInstalled) return i18n("Docker isn't installed.") + "\n";
+  if (state.kind == notRunning) return i18n(FindingText::startDocker) + '\n';
   if (state.kind == failed) return FindingText::dockerFailed(printable(state.error)) + '\n';
   Table table{2};
   for (const auto& usage : state.payload) {
-    table.add({shownSize(usage.reclaimable, scene), "of " + shownSize(usage.size, scene),
-               printable(usage.type), FindingText::inUse(usage.active, usage.count)});
+    table.add({shownSize(usage.reclaimable, scene),
+               i18n("of {size}", {{"size", shownSize(usage.size, scene)}}), printable(usage.type),
+               FindingText::inUse(usage.active, usage.count)});
   }
-  return table.empty() ? std::string{FindingText::noDockerData} + '\n' : "Can be freed\n" + table.text();
+  return table.empty() ? i18n(FindingText::noDockerData) + '\n' : i18n("Can be freed") + "\n" + table.text();
 }
 
 std::string ollamaText(const OllamaState& state, const Scene& scene) {
   using enum OllamaState::Kind;
-  if (state.kind == notInstalled) return "Ollama isn't installed.\n";
-  if (state.kind == notRunning) return std::string{FindingText::openOllama} + '\n';
+  if (state.kind == notInstalled) return i18n("Ollama isn't installed.") + "\n";
+  if (state.kind == notRunning) return i18n(FindingText::openOllama) + '\n';
   if (state.kind == failed) return FindingText::ollamaFailed(printable(state.error)) + '\n';
   Table table{1};
   for (const auto& model : state.payload | std::views::take(scene.top)) {
     table.add({shownSize(model.size, scene), printable(model.name), printable(model.modified)});
   }
   addRest(table, state.payload.size(), scene.top);
-  return table.empty() ? std::string{FindingText::noOllamaModels} + '\n' : table.text();
+  return table.empty() ? i18n(FindingText::noOllamaModels) + '\n' : table.text();
 }
 
 }  // namespace

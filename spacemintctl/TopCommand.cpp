@@ -1,5 +1,6 @@
 #include "spacemintctl/TopCommand.h"
 
+#include "core/base/Translation.h"
 #include "core/host/EventRecorder.h"
 #include "core/host/UserFolders.h"
 #include "core/scan/GrowthReader.h"
@@ -76,7 +77,8 @@ class Top {
 
   int run() {
     if (!json_ && Screen::canBeUsed()) screen_.emplace();
-    if (!json_ && !screen_) print("Watching what grows below " + printable(root_) + '\n');
+    if (!json_ && !screen_)
+      print(i18n("Watching what grows below {path}", {{"path", printable(root_)}}) + '\n');
     auto next = SteadyClock::now();
     while (!wasInterrupted() && !hasEnded_) {
       if (SteadyClock::now() >= next) {
@@ -111,9 +113,10 @@ class Top {
     const TopView view{.watch = reader_.watch(), .root = root_, .order = order_, .isHeld = isHeld_};
     const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
     if (screen_ && isSettingUp_)
-      return Screen::draw("Looking at the folders below " + printable(root_) + "…\n");
+      return Screen::draw(i18n("Looking at the folders below {path}…", {{"path", printable(root_)}}) + "\n");
     if (isSettingUp_ || (isHeld_ && screen_ && !isStale_)) return true;
-    if (screen_) return Screen::draw(topPage(view, wording) + "\nq quit   s sort   space hold\n");
+    if (screen_)
+      return Screen::draw(topPage(view, wording) + "\n" + i18n("q quit   s sort   space hold") + "\n");
     if (json_) return print(topJson(view, date_));
     const std::string lines = topLines(view, date_, wording);
     return lines.empty() || print(lines);

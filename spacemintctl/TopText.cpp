@@ -1,6 +1,7 @@
 #include "spacemintctl/TopText.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
@@ -17,7 +18,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::array<const char*, 3> columnTitles{"NOW", "1 MIN", "10 MIN"};
+constexpr std::array<const char*, 3> columnTitles{i18nMark("NOW"), i18nMark("1 MIN"), i18nMark("10 MIN")};
 
 Bytes figureFor(const GrowthFigures& figures, TopOrder order) {
   return order == TopOrder::now      ? figures.tenSeconds
@@ -40,23 +41,28 @@ std::vector<std::string> figuresOf(const GrowthFigures& figures, bool isFreed, c
     return isFreed ? FindingText::lost(bytes, wording.locale) : ByteFormat::string(bytes, wording.locale);
   };
   const Bytes rate = figures.tenSeconds / 10;
-  return {rate == 0 ? text(0) : text(rate) + "/s", text(figures.minute), text(figures.tenMinutes)};
+  return {rate == 0 ? text(0) : i18n("{size}/s", {{"size", text(rate)}}), text(figures.minute),
+          text(figures.tenMinutes)};
 }
 
 std::string shownPlace(const GrowthLine& line, const Wording& wording) {
   return printable(Paths::display(line.path, wording.home)) + (line.isDirectory ? "/" : "") +
-         (line.isFreed ? "  freed" : "");
+         (line.isFreed ? "  " + i18n("freed") : "");
 }
 
 std::string head(const TopView& view, const Wording& wording) {
   const GrowthWatch& watch = view.watch;
   const auto size = [&](Bytes bytes) { return ByteFormat::string(bytes, wording.locale); };
-  std::string text = "Growing below " + printable(Paths::display(view.root, wording.home)) + "    " +
-                     size(watch.free()) + " free";
+  std::string text =
+      i18n("Growing below {path}    {size} free",
+           {{"path", printable(Paths::display(view.root, wording.home))}, {"size", size(watch.free())}});
   const Bytes rate = watch.lost().tenSeconds / 10;
-  if (rate != 0) text += ", " + size(std::abs(rate)) + "/s " + (rate > 0 ? "less" : "more");
+  if (rate != 0) {
+    text += ", " + i18n(rate > 0 ? i18nMark("{size}/s less") : i18nMark("{size}/s more"),
+                        {{"size", size(std::abs(rate))}});
+  }
   if (watch.untilFull()) text += "    " + FindingText::fullIn(*watch.untilFull());
-  return text + (view.isHeld ? "    held" : "") + '\n';
+  return text + (view.isHeld ? "    " + i18n("held") : "") + '\n';
 }
 
 Json jsonOf(const GrowthFigures& figures) {
@@ -78,12 +84,13 @@ std::string topPage(const TopView& view, const Wording& wording) {
   std::string text = head(view, wording);
   const auto lines = ordered(view);
   const bool isElsewhere = view.watch.elsewhere().minute >= GrowthWatch::lineMinimum;
-  if (lines.empty() && !isElsewhere) return text + "Nothing grows by 10 MB or more in a minute.\n";
+  if (lines.empty() && !isElsewhere) return text + i18n("Nothing grows by 10 MB or more in a minute.") + "\n";
   Table table{3};
-  std::vector<std::string> titles{columnTitles.begin(), columnTitles.end()};
+  std::vector<std::string> titles;
+  for (const char* title : columnTitles) titles.push_back(i18n(title));
   titles.at(static_cast<std::size_t>(view.order)) =
       "\u25be" + titles.at(static_cast<std::size_t>(view.order));
-  titles.emplace_back("WHERE");
+  titles.push_back(i18n("WHERE"));
   table.add(std::move(titles));
   for (const GrowthLine& line : lines) {
     auto row = figuresOf(line.figures, line.isFreed, wording);
@@ -92,7 +99,7 @@ std::string topPage(const TopView& view, const Wording& wording) {
   }
   if (isElsewhere) {
     auto row = figuresOf(view.watch.elsewhere(), false, wording);
-    row.emplace_back("not in any folder (removed but open, or outside)");
+    row.push_back(i18n("not in any folder (removed but open, or outside)"));
     table.add(std::move(row));
   }
   return text + table.text();
@@ -103,7 +110,8 @@ std::string topLines(const TopView& view, Date date, const Wording& wording) {
   for (const GrowthLine& line : ordered(view)) {
     if (!line.isGoingOn) continue;
     auto figures = figuresOf(line.figures, line.isFreed, wording);
-    table.add({localTime(date), figures[0], figures[1] + " in 1 min", shownPlace(line, wording)});
+    table.add({localTime(date), figures[0], i18n("{size} in 1 min", {{"size", figures[1]}}),
+               shownPlace(line, wording)});
   }
   return table.text();
 }

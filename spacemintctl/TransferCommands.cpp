@@ -1,6 +1,7 @@
 #include "spacemintctl/TransferCommands.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/history/NcduFormat.h"
 #include "core/history/SnapshotCodec.h"
 #include "core/host/AtomicFile.h"
@@ -34,19 +35,26 @@ std::expected<std::string, Error> textFrom(const std::string& file) {
   std::array<char, 65'536> part{};
   while (std::cin.read(part.data(), part.size()) || std::cin.gcount() > 0) {
     text.append(part.data(), static_cast<std::size_t>(std::cin.gcount()));
-    if (text.size() > largestImport) return std::unexpected(systemError("standard input", EFBIG));
+    if (text.size() > largestImport) return std::unexpected(systemError(i18n("standard input"), EFBIG));
   }
   return text;
 }
 
 std::string heading(const NcduFormat::Imported& imported, const std::string& locale) {
-  const std::string host = imported.host.empty() ? "another computer" : printable(imported.host);
-  const bool hasDate = imported.snapshot.date > Date{};
-  return "Scan of " + host + (hasDate ? ", " + localTime(imported.snapshot.date) : "") +
-         ". It is only shown: nothing is stored, and nothing can be cleaned here.\n" +
-         printable(imported.snapshot.rootPath()) + ": " +
-         ByteFormat::string(imported.snapshot.root.size, locale) + " in " +
-         counted(imported.snapshot.fileCount, "{count} file", "{count} files", locale) + '\n';
+  const Snapshot& scan = imported.snapshot;
+  const std::string host = imported.host.empty() ? i18n("another computer") : printable(imported.host);
+  return i18n(scan.date > Date{}
+                  ? i18nMark("Scan of {computer}, {date}. It is only shown: nothing is stored, and "
+                             "nothing can be cleaned here.")
+                  : i18nMark("Scan of {computer}. It is only shown: nothing is stored, and nothing can "
+                             "be cleaned here."),
+              {{"computer", host}, {"date", localTime(scan.date)}}) +
+         '\n' +
+         i18np("{path}: {size} in {count} file", "{path}: {size} in {count} files", scan.fileCount,
+               {{"path", printable(scan.rootPath())},
+                {"size", ByteFormat::string(scan.root.size, locale)},
+                {"count", groupedNumber(scan.fileCount, locale)}}) +
+         '\n';
 }
 
 }  // namespace
@@ -64,7 +72,8 @@ bool exportScan(const Snapshot& snapshot, const std::string& file) {
   const std::string text = exported(snapshot);
   if (file.empty() || file == "-") return print(text);
   const auto written = writeFileAtomically(file, text);
-  if (!written) complain("couldn't write the export: " + printable(written.error().message));
+  if (!written)
+    complain(i18n("couldn't write the export: {reason}", {{"reason", printable(written.error().message)}}));
   return written.has_value();
 }
 
@@ -76,7 +85,8 @@ int runExport(const ExportOptions& options) {
 int runImport(const ImportOptions& options) {
   const auto imported = importedFrom(options.file);
   if (!imported) {
-    complain(printable(options.file) + ": " + printable(imported.error().message));
+    complain(i18n("{file}: {problem}",
+                  {{"file", printable(options.file)}, {"problem", printable(imported.error().message)}}));
     return failed;
   }
   if (options.json) {

@@ -1,6 +1,7 @@
 #include "spacemintctl/UsageCommand.h"
 
 #include "AppServices/consent/UsageConsent.h"
+#include "core/base/Translation.h"
 #include "spacemintctl/Console.h"
 
 #include <nlohmann/json.hpp>
@@ -18,10 +19,12 @@ DefaultsStore usageStore() {
 }
 
 std::string usageText(std::optional<bool> isAllowed, const std::optional<std::string>& sentOn) {
-  if (!isAllowed) return "Not answered yet; nothing is sent.\n";
-  if (!*isAllowed) return "Off: nothing is sent.\n";
-  return "On: once a day the application reports that it is in use. Last sent: " +
-         (sentOn ? printable(*sentOn) : "never") + ".\n";
+  if (!isAllowed) return i18n("Not answered yet; nothing is sent.") + "\n";
+  if (!*isAllowed) return i18n("Off: nothing is sent.") + "\n";
+  return (sentOn ? i18n("On: once a day the application reports that it is in use. Last sent: {date}.",
+                        {{"date", printable(*sentOn)}})
+                 : i18n("On: once a day the application reports that it is in use. Last sent: never.")) +
+         "\n";
 }
 
 template <class Value>

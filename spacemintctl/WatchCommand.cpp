@@ -1,6 +1,7 @@
 #include "spacemintctl/WatchCommand.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "core/host/EventRecorder.h"
 #include "core/host/UserFolders.h"
 #include "spacemintctl/Console.h"
@@ -25,26 +26,33 @@ sigset_t holdBackEndings() {
   return endings;
 }
 
-std::string counted(std::size_t folders) {
-  return groupedNumber(static_cast<std::int64_t>(folders), userLocale()) +
-         (folders == 1 ? " folder" : " folders");
+std::string number(std::size_t count) {
+  return groupedNumber(static_cast<std::int64_t>(count), userLocale());
 }
 
 void sayWhatIsWatched(EventRecorder& recorder, const std::string& root) {
   if (!recorder.waitUntilRecording(patience)) {
     const auto error = recorder.status().error;
     if (error && error != JournalError::notRecording) {
-      complain(printable(root) + ": cannot be recorded: " + std::string{textOf(*error)});
+      complain(i18n("{path}: cannot be recorded: {reason}",
+                    {{"path", printable(root)}, {"reason", i18n(std::string{textOf(*error)}.c_str())}}));
     }
     return;
   }
   const auto status = recorder.status();
-  print("Recording what changes in " + printable(root) + ": " + counted(status.watches) + " watched\n");
+  print(i18np("Recording what changes in {path}: {count} folder watched",
+              "Recording what changes in {path}: {count} folders watched",
+              static_cast<std::int64_t>(status.watches),
+              {{"path", printable(root)}, {"count", number(status.watches)}}) +
+        '\n');
   if (status.limitAdvice.empty()) return;
-  complain(counted(status.folders - status.watches) +
-           " and their subfolders could not be watched, so every scan visits them; as an "
-           "administrator, \"" +
-           status.limitAdvice + "\" raises the limit");
+  const std::size_t unwatched = status.folders - status.watches;
+  complain(i18np(
+      "{count} folder and their subfolders could not be watched, so every scan visits them; as an "
+      "administrator, \"{command}\" raises the limit",
+      "{count} folders and their subfolders could not be watched, so every scan visits them; as an "
+      "administrator, \"{command}\" raises the limit",
+      static_cast<std::int64_t>(unwatched), {{"count", number(unwatched)}, {"command", status.limitAdvice}}));
 }
 
 }  // namespace
@@ -58,8 +66,9 @@ int runWatch(const std::string& path) {
   const sigset_t endings = holdBackEndings();
   auto recorder = EventRecorder::start({.root = *root});
   if (!recorder) {
-    complain(recorder.error().isSystem(EBUSY) ? printable(*root) + ": is being recorded already"
-                                              : printable(recorder.error().message));
+    complain(recorder.error().isSystem(EBUSY)
+                 ? i18n("{path}: is being recorded already", {{"path", printable(*root)}})
+                 : printable(recorder.error().message));
     return failed;
   }
   std::thread saying([&] { sayWhatIsWatched(**recorder, *root); });

@@ -1,4 +1,5 @@
 #include "core/analysis/GitWorktrees.h"
+#include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -41,12 +42,14 @@ std::expected<Findings, Error> worktreeFindings(const Scene& scene) {
   Table table{1};
   for (const GitWorktree& each : worktrees | std::views::take(scene.top)) {
     table.add({shownSize(each.size, scene),
-               each.isOld(scene.now, GitWorktrees::staleDays) ? "stale" : "active",
+               each.isOld(scene.now, GitWorktrees::staleDays) ? i18n("stale") : i18n("active"),
                FindingText::worktreeLine(each, scene.now, scene.wording.locale), origin(each),
                shownPath(each.path, scene)});
   }
   addRest(table, worktrees.size(), scene.top);
-  return Findings{.text = table.empty() ? "No worktrees of " + shownSize(scene.minimum, scene) + " or more.\n"
+  return Findings{.text = table.empty() ? i18n("No worktrees of {size} or more.",
+                                               {{"size", shownSize(scene.minimum, scene)}}) +
+                                              "\n"
                                         : table.text(),
                   .json = std::move(list),
                   .isWorthReporting = !table.empty()};

@@ -16,7 +16,7 @@ constexpr const char* domain = "spacemint";
 // Set by setUpTranslation only.
 std::string language = "en";
 bool isEnglish = true;
-bool runsFromRightToLeft = false;
+bool isolatesValues = false;
 
 std::string_view environmentText(const char* name) {
   const char* value = std::getenv(name);
@@ -53,30 +53,26 @@ std::string languageOfCatalogue() {
 void appendValue(std::string& text, std::string_view value) {
   constexpr std::string_view firstStrongIsolate = "\u2068";
   constexpr std::string_view popIsolate = "\u2069";
-  if (runsFromRightToLeft) text += firstStrongIsolate;
+  if (isolatesValues) text += firstStrongIsolate;
   text += value;
-  if (runsFromRightToLeft) text += popIsolate;
+  if (isolatesValues) text += popIsolate;
 }
 
 }  // namespace
 
-void setUpTranslation(const std::string& folder) {
+void setUpTranslation(const std::string& folder, ShownIn shownIn) {
   setLocale();
   bindtextdomain(domain, folder.c_str());
   bind_textdomain_codeset(domain, "UTF-8");
   language = languageOfCatalogue();
   isEnglish = language == "en";
-  runsFromRightToLeft = uloc_isRightToLeft(language.c_str()) != 0;
+  isolatesValues = shownIn == ShownIn::window && uloc_isRightToLeft(language.c_str()) != 0;
   // The system's own messages, such as those of errno, are then in English too.
   if (isEnglish) std::setlocale(LC_MESSAGES, "C");
 }
 
 const std::string& sentenceLanguage() {
   return language;
-}
-
-bool sentencesRunFromRightToLeft() {
-  return runsFromRightToLeft;
 }
 
 std::string i18n(const char* text, Placeholders values) {

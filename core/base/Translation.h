@@ -19,16 +19,17 @@ struct Placeholder {
 };
 using Placeholders = std::initializer_list<Placeholder>;
 
+/// In a window, the values in a sentence that runs from right to left are isolated from it, so that a path or
+/// a number keeps its own order. A terminal would show the invisible characters for that.
+enum class ShownIn : std::uint8_t { window, terminal };
+
 /// Call at the start of main, before there are other threads, and again if a library has set the locale of
 /// the process since. The language is the user's: LANGUAGE, else LC_ALL, LC_MESSAGES or LANG. `folder` has
 /// the catalogues, as LANGUAGE/LC_MESSAGES/spacemint.mo. Numbers of the C library keep the form of programs.
-void setUpTranslation(const std::string& folder);
+void setUpTranslation(const std::string& folder, ShownIn shownIn = ShownIn::window);
 
 /// The language of the sentences as an ICU locale, such as "de" or "pt_BR"; "en" without a catalogue.
 const std::string& sentenceLanguage();
-
-/// Whether that language is written from right to left.
-bool sentencesRunFromRightToLeft();
 
 /// The text in the user's language, its placeholders filled in.
 std::string i18n(const char* text, Placeholders values = {});

@@ -29,7 +29,7 @@ inline constexpr auto suggestionPlaces = std::to_array<SuggestionPlace>({
     {"devicesupport", i18nMark("iOS device support"), i18nMark("Comes back when you connect a device"), "iphone", {"Library/Developer/Xcode/iOS DeviceSupport"}},
     {"simulators", i18nMark("Simulators"), i18nMark("Old simulators and their data"), "ipad.and.iphone", {"Library/Developer/CoreSimulator"}},
     {"docker", i18nMark("Docker"), i18nMark("Images, containers and volumes"), "cube", {"Library/Containers/com.docker.docker"}},
-    {"orbstack", i18nMark("OrbStack"), i18nMark("Images, containers and machines"), "cube", {"Library/Group Containers/HUAQ24HBR6.dev.orbstack"}},
+    {"orbstack", "OrbStack", i18nMark("Images, containers and machines"), "cube", {"Library/Group Containers/HUAQ24HBR6.dev.orbstack"}},
     {"backups", i18nMark("iPhone & iPad backups"), PlatformWords::madeByBackupTool, "externaldrive.badge.timemachine", {"Library/Application Support/MobileSync/Backup"}},
     {"messages", i18nMark("Messages attachments"), i18nMark("Photos and files from chats"), "message", {"Library/Messages/Attachments"}},
     {"devcache", i18nMark("Developer caches"), i18nMark("Package and model caches in ~/.cache"), "shippingbox", {".cache", "XDG_CACHE_HOME"}},

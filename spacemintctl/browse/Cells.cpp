@@ -98,7 +98,8 @@ std::size_t columnsOf(std::string_view shown) {
   std::size_t columns = 0;
   while (!shown.empty()) {
     const Character next = first(shown);
-    columns += static_cast<std::size_t>(std::max(widthOf(next.code), 0));
+    const int width = widthOf(next.code);
+    columns += width < 0 ? 1 : static_cast<std::size_t>(width);
     shown.remove_prefix(next.bytes);
   }
   return columns;
