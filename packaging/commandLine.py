@@ -3,6 +3,7 @@
 usage: commandLine.py PROGRAM FOLDER
 """
 
+import os
 import pathlib
 import re
 import subprocess
@@ -14,7 +15,8 @@ class Command:
 
     def __init__(self, program, path=()):
         self.path = path
-        text = subprocess.run([program, *path, "--help"], check=True, capture_output=True, text=True).stdout
+        text = subprocess.run([program, *path, "--help"], check=True, capture_output=True, text=True,
+                              env={**os.environ, "LC_ALL": "C"}).stdout
         self.summary, self.usage = text.splitlines()[:2]
         self.usage = self.usage.removeprefix("Usage: ")
         self.arguments = rows(text, "Positionals")
@@ -42,13 +44,18 @@ def rows(text, section):
     return [tuple(re.split(r"\s{2,}| (?=Print this)", line, maxsplit=1)) for line in lines]
 
 
+def described(text):
+    """Marks a short description for the catalogue."""
+    return text
+
+
 def roff(text):
     return text.replace("\\", "\\e").replace("-", "\\-")
 
 
 def man(root):
     name = root.usage.split()[0]
-    page = [f".TH {name.upper()} 1", ".SH NAME", f"{name} \\- see what is big on your disk and clean it from a terminal",
+    page = [f".TH {name.upper()} 1", ".SH NAME", f"{name} \\- " + described("see what is big on your disk and clean it from a terminal"),
             ".SH SYNOPSIS", f".B {name}", "COMMAND [OPTION ...]", ".SH DESCRIPTION", roff(root.summary) + "."]
     for command in root.all():
         page += [".SH OPTIONS"] if not command.path else [".SH COMMANDS"] if command is root.commands[0] else []

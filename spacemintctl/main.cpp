@@ -325,6 +325,54 @@ void addUsage(CLI::App& app, Action& action) {
   });
 }
 
+// The words of the parser. The list of groups is that of all commands.
+constexpr const char* parserWords[] = {
+    i18nMark("Usage"),    i18nMark("Positionals"), i18nMark("Options"),     i18nMark("Subcommands"),
+    i18nMark("OPTIONS"),  i18nMark("SUBCOMMAND"),  i18nMark("SUBCOMMANDS"), i18nMark("REQUIRED"),
+    i18nMark("Excludes"), i18nMark("TEXT"),        i18nMark("TEXT ..."),    i18nMark("BYTES"),
+    i18nMark("N"),        i18nMark("DATE"),        i18nMark("FILE"),
+};
+
+// Before the commands are added, which inherit these texts.
+void translateParser(CLI::App& app) {
+  for (const char* word : parserWords) app.get_formatter()->label(word, i18n(word));
+  app.option_defaults()->group(i18n("Options"));
+  app.set_help_flag("-h,--help", i18n("Print this help message and exit"));
+  app.set_version_flag("--version", SPACEMINT_VERSION, i18n("Display program version information and exit"));
+}
+
+void translateGroups(CLI::App& app) {
+  for (CLI::App* command : app.get_subcommands({})) {
+    command->group(i18n("Subcommands"));
+    command->get_help_ptr()->group(i18n("Options"));
+    translateGroups(*command);
+  }
+}
+
+// A complaint of the parser: its English text, and the part of the text that names what is wrong.
+struct ParserProblem {
+  std::string_view before;
+  std::string_view after;
+  const char* text;
+};
+constexpr ParserProblem parserProblems[] = {
+    {"A subcommand is required", "", i18nMark("A subcommand is required")},
+    {"The following argument was not expected: ", "",
+     i18nMark("The following argument was not expected: {what}")},
+    {"The following arguments were not expected: ", "",
+     i18nMark("The following arguments were not expected: {what}")},
+    {"", " is required", i18nMark("{what} is required")},
+};
+
+std::string problemText(std::string_view problem) {
+  for (const auto& [before, after, text] : parserProblems) {
+    if (!problem.starts_with(before) || !problem.ends_with(after)) continue;
+    return i18n(text,
+                {{"what", problem.substr(before.size(), problem.size() - before.size() - after.size())}});
+  }
+  return std::string{problem};
+}
+
 // Every program must do this before it reads settings or history.
 void openUserData() {
   DefaultsStore settings = DefaultsStore::standard();
@@ -344,9 +392,10 @@ int run(int argc, char** argv) {
   CLI::App app{i18n("Spacemint: what is big on your disk, what grew, and what is safe to clean"),
                "spacemintctl"};
   app.require_subcommand(1);
-  app.set_version_flag("--version", SPACEMINT_VERSION);
+  translateParser(app);
   app.failure_message([](const CLI::App*, const CLI::Error& problem) {
-    return "spacemintctl: " + i18n("{problem} (see --help)", {{"problem", problem.what()}}) + '\n';
+    return "spacemintctl: " + i18n("{problem} (see --help)", {{"problem", problemText(problem.what())}}) +
+           '\n';
   });
   Action action;
   addScan(app, action);
@@ -364,6 +413,7 @@ int run(int argc, char** argv) {
   addExplain(app, action);
   addSettings(app, action);
   addUsage(app, action);
+  translateGroups(app);
   std::vector<std::string> arguments(argv + 1, argv + argc);
   // "spacemintctl PATH"
   if (!arguments.empty() && !hasCommand(app, arguments.front()) && namesFolder(arguments.front()))

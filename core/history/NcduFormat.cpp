@@ -1,5 +1,6 @@
 #include "core/history/NcduFormat.h"
 
+#include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 
 #include <nlohmann/json.hpp>
@@ -75,7 +76,7 @@ void writeTree(const Node& root, std::string& text) {
 
 Error failure(std::string_view what) {
   return {.domain = std::string{NcduFormat::domain},
-          .message = "not an export of disk usage: " + std::string{what}};
+          .message = i18n("not an export of disk usage: {problem}", {{"problem", what}})};
 }
 
 // The keys of an item or of the header that are used here.
@@ -127,7 +128,7 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   }
   bool start_object(std::size_t /*size*/) override {
     if (ignored_ > 0 || info_) return ++ignored_ > 0;
-    if (arrays_ == 0 || (arrays_ == 1 && position_ != 2)) return fail("an object where none belongs");
+    if (arrays_ == 0 || (arrays_ == 1 && position_ != 2)) return fail(i18n("an object where none belongs"));
     info_ = Info{};
     return true;
   }
@@ -138,21 +139,21 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   }
   bool start_array(std::size_t /*size*/) override {
     if (ignored_ > 0 || info_) return ++ignored_ > 0;
-    if (arrays_ == 1 && position_ != 3) return fail("no header before the tree");
-    if (arrays_ > 1 && isOpening_) return fail("a folder without a name");
-    if (arrays_ > Node::maximumDepth) return fail("the tree is too deep");
+    if (arrays_ == 1 && position_ != 3) return fail(i18n("no header before the tree"));
+    if (arrays_ > 1 && isOpening_) return fail(i18n("a folder without a name"));
+    if (arrays_ > Node::maximumDepth) return fail(i18n("the tree is too deep"));
     isOpening_ = ++arrays_ > 1;
     return true;
   }
   bool end_array() override {
     if (ignored_ > 0) return --ignored_, true;
-    if (isOpening_) return fail("a folder without a name");
+    if (isOpening_) return fail(i18n("a folder without a name"));
     if (--arrays_ > 0) closeFolder();
     return true;
   }
   bool parse_error(std::size_t position, const std::string& /*token*/,
                    const OrderedJson::exception& /*failure*/) override {
-    return fail("no JSON at byte " + std::to_string(position));
+    return fail(i18n("no JSON at byte {number}", {{"number", std::to_string(position)}}));
   }
 
   bool isComplete() const { return hasTree_; }
@@ -176,7 +177,7 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
       if (key_ == minimumKey) info_->minimum = std::max<Bytes>(0, number);
       if (key_ == smallFilesKey) info_->smallFiles = std::max<std::int64_t>(0, number);
     } else if (arrays_ == 1 && position_ == 0 && number != 1) {
-      return fail("version " + std::to_string(number) + " is unknown");
+      return fail(i18n("version {number} is unknown", {{"number", std::to_string(number)}}));
     }
     return value();
   }
@@ -184,7 +185,7 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   // A value that is not used, or was used by the caller.
   bool value() {
     if (info_ || ignored_ > 0) return true;
-    if (arrays_ != 1 || position_ > 1) return fail("a value where an item belongs");
+    if (arrays_ != 1 || position_ > 1) return fail(i18n("a value where an item belongs"));
     ++position_;
     return true;
   }
@@ -199,7 +200,7 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   }
 
   bool takeItem(const Info& info) {
-    if (info.name.empty()) return fail("an item without a name");
+    if (info.name.empty()) return fail(i18n("an item without a name"));
     if (std::exchange(isOpening_, false)) {
       const std::uint64_t device = info.device.value_or(folders_.empty() ? 0 : folders_.back().device);
       folders_.push_back(
@@ -272,7 +273,7 @@ std::expected<NcduFormat::Imported, Error> NcduFormat::decode(std::string_view t
   } catch (const std::exception& exception) {
     reader.problem = exception.what();
   }
-  return std::unexpected(failure(reader.problem.empty() ? "there is no tree" : reader.problem));
+  return std::unexpected(failure(reader.problem.empty() ? i18n("there is no tree") : reader.problem));
 }
 
 }  // namespace spacemint

@@ -1,6 +1,7 @@
 #include "core/host/DefaultsStore.h"
 
 #include "core/base/Log.h"
+#include "core/base/Translation.h"
 #include "core/host/AtomicFile.h"
 #include "core/host/FileManager.h"
 #include "core/host/UserFolders.h"
@@ -70,14 +71,15 @@ bool isDamage(const std::optional<Error>& error) {
 std::expected<json, Error> readObject(const std::string& path) {
   auto text = readFile(path, DefaultsStore::maximumSize);
   if (!text && text.error().isSystem(ENOENT)) return json::object();
-  if (!text && text.error().isSystem(EFBIG)) return std::unexpected(damage(path, "too large for settings"));
+  if (!text && text.error().isSystem(EFBIG))
+    return std::unexpected(damage(path, i18n("too large for settings")));
   if (!text) return std::unexpected(std::move(text.error()));
   StructureCheck check;
   // The JSON library would stop at a zero byte and ignore the rest.
   if (text->contains('\0') || !json::sax_parse(*text, &check))
-    return std::unexpected(damage(path, "not well-formed JSON"));
+    return std::unexpected(damage(path, i18n("not well-formed JSON")));
   json object = json::parse(*text, nullptr, false);
-  if (!object.is_object()) return std::unexpected(damage(path, "not a JSON object"));
+  if (!object.is_object()) return std::unexpected(damage(path, i18n("not a JSON object")));
   return object;
 }
 

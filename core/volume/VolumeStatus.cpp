@@ -1,5 +1,7 @@
 #include "core/volume/VolumeStatus.h"
 
+#include "core/base/Translation.h"
+
 #include <algorithm>
 
 namespace spacemint {
@@ -19,7 +21,7 @@ std::optional<VolumeStatus> VolumeStatus::current(const std::string& path) {
 
 std::optional<VolumeStatus> VolumeStatus::from(const VolumeInfo& info) {
   if (!info.total) return std::nullopt;
-  return VolumeStatus{.name = info.name.value_or("System"),
+  return VolumeStatus{.name = info.name.value_or(i18n("System")),
                       .total = *info.total,
                       .free = info.availableForImportantUsage ? *info.availableForImportantUsage
                                                               : info.available.value_or(0)};

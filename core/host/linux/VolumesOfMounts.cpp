@@ -1,6 +1,7 @@
 #include "core/host/linux/VolumesOfMounts.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
 
 #include <algorithm>
 #include <iterator>
@@ -57,8 +58,8 @@ Volume newVolume(const Mount& mount) {
 
 std::string nameOf(const Volume& volume) {
   const auto isRoot = [](const VolumePlace& place) { return place.mountPoint == "/"; };
-  if (std::ranges::any_of(volume.places, isRoot)) return "System";
-  return volume.holdsHome ? "Home" : "";
+  if (std::ranges::any_of(volume.places, isRoot)) return i18n("System");
+  return volume.holdsHome ? i18n("Home") : "";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "core/host/linux/journal/EventQueue.h"
 
+#include "core/base/Translation.h"
+
 #include <sys/epoll.h>
 
 #include <cerrno>
@@ -12,7 +14,7 @@ std::expected<EventQueue, Error> EventQueue::open() {
   if (!inotify) return std::unexpected(std::move(inotify).error());
   EventQueue queue{FileHandle{epoll_create1(EPOLL_CLOEXEC)}, std::move(*inotify)};
   if (!queue.ready_ || !queue.poll(*queue.inotify_)) {
-    return std::unexpected(systemError("watching folders", errno));
+    return std::unexpected(systemError(i18n("watching folders"), errno));
   }
   return queue;
 }

@@ -1,5 +1,7 @@
 #include "core/host/linux/journal/InotifySource.h"
 
+#include "core/base/Translation.h"
+
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -61,9 +63,10 @@ std::size_t parseEvents(std::span<const char> bytes, std::deque<FolderEvent>& ev
 std::expected<std::shared_ptr<InotifySource>, Error> InotifySource::open() {
   FileHandle handle{inotify_init1(IN_CLOEXEC | IN_NONBLOCK)};
   if (!handle) {
-    Error error = systemError("watching folders", errno);
+    Error error = systemError(i18n("watching folders"), errno);
     if (error.code == EMFILE) {
-      error.message += "; as an administrator, \"" + instanceLimitAdvice() + "\" allows more programs to";
+      error.message = i18n("{problem}; as an administrator, \"{command}\" allows more programs to",
+                           {{"problem", error.message}, {"command", instanceLimitAdvice()}});
     }
     return std::unexpected(std::move(error));
   }
