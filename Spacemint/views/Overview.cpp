@@ -130,8 +130,10 @@ void Overview::updateGrowing() {
   }
   growing_.assign(std::move(items));
   const auto until = growing.untilFull();
-  fullIn_ =
-      until && growing_.count() > 0 ? ShownText::sentence("Disk " + FindingText::fullIn(*until)) : QString{};
+  fullIn_ = until && growing_.count() > 0
+                // Translators: {full} is "full in 20 min at this pace".
+                ? ShownText::sentence(i18n("Disk {full}", {{"full", FindingText::fullIn(*until)}}))
+                : QString{};
   Q_EMIT growingChanged();
 }
 

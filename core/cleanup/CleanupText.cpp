@@ -141,7 +141,8 @@ std::string CleanupText::failureText(const CleanupStep& step, const CleanupRepor
                    i18n("About {size} are left.", {{"size", ByteFormat::string(left, context.locale)}})});
   }
   const std::string text = reasonText(step, *result.failure, !gone.empty(), context.guard.home());
-  if (gone.empty() || text.ends_with('.')) return joined({text, gone});
+  // Chinese and Japanese have a full stop of their own.
+  if (gone.empty() || text.ends_with('.') || text.ends_with("。")) return joined({text, gone});
   return i18n("{problem}. {rest}", {{"problem", text}, {"rest", gone}});
 }
 
