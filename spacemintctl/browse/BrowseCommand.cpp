@@ -1,5 +1,6 @@
 #include "spacemintctl/browse/BrowseCommand.h"
 
+#include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Interrupt.h"
@@ -28,8 +29,8 @@ Setup importedSetup(const std::string& file) {
   if (!imported) return std::unexpected(std::move(imported).error());
   BrowserSetup setup{.root = imported->snapshot.rootPath(),
                      .folder = imported->snapshot.rootPath(),
-                     .importedFrom = imported->host.empty() ? "another computer" : imported->host,
-                     .whyReadOnly = "This scan was imported: nothing can be removed here."};
+                     .importedFrom = imported->host.empty() ? i18n("another computer") : imported->host,
+                     .whyReadOnly = i18n("This scan was imported: nothing can be removed here.")};
   setup.scan = std::move(imported->snapshot);
   return setup;
 }
@@ -54,9 +55,9 @@ Setup folderSetup(const std::string& path) {
 }
 
 std::string whyReadOnly(const BrowseOptions& options) {
-  if (options.readOnly) return "Nothing can be removed: started with --read-only.";
+  if (options.readOnly) return i18n("Nothing can be removed: started with --read-only.");
   if (geteuid() == 0 && !options.allowRemoval) {
-    return "Nothing can be removed as root; start with --allow-removal to change that.";
+    return i18n("Nothing can be removed as root; start with --allow-removal to change that.");
   }
   return "";
 }
@@ -105,12 +106,13 @@ int browse(BrowserSetup setup, bool keysFromTerminal) {
 
 int runBrowse(const BrowseOptions& options) {
   if (options.json) {
-    complain("\"browse\" is for people; \"folders --json\" and \"scan --json\" print JSON");
+    complain(i18n("\"browse\" is for people; \"folders --json\" and \"scan --json\" print JSON"));
     return wrongUsage;
   }
   const bool keysFromTerminal = options.importFile == "-";
   if (!Terminal::canBeUsed(keysFromTerminal)) {
-    complain("there is no terminal to browse in; \"folders\" and \"scan\" print text, and JSON with --json");
+    complain(
+        i18n("there is no terminal to browse in; \"folders\" and \"scan\" print text, and JSON with --json"));
     return failed;
   }
   auto setup = options.importFile.empty() ? folderSetup(options.path) : importedSetup(options.importFile);

@@ -20,30 +20,31 @@ namespace spacemint::ctl {
 namespace {
 
 struct KeyHelp {
-  std::string_view keys;
-  std::string_view text;
+  const char* keys;
+  const char* text;
 };
 
 constexpr std::array keyHelp = std::to_array<KeyHelp>({
-    {"up, down, k, j", "Move; Page Up, Page Down, Home and End too"},
-    {"right, l, Enter", "Open the folder"},
-    {"left, h, Backspace", "Back to the folder above"},
+    {i18nMark("up, down, k, j"), i18nMark("Move; Page Up, Page Down, Home and End too")},
+    {i18nMark("right, l, Enter"), i18nMark("Open the folder")},
+    {i18nMark("left, h, Backspace"), i18nMark("Back to the folder above")},
     {"", ""},
-    {"s  n  C  M  G", "Order by size, name, files, age, growth; again: the other way round"},
-    {"t", "Folders first"},
-    {"g", "Bar, share, both or none"},
+    {i18nMark("s  n  C  M  G"),
+     i18nMark("Order by size, name, files, age, growth; again: the other way round")},
+    {i18nMark("t"), i18nMark("Folders first")},
+    {i18nMark("g"), i18nMark("Bar, share, both or none")},
     {"", ""},
-    {"i", "What is known of the item"},
-    {"space", "Mark the item; \"d\" then removes all marked ones"},
-    {"u", "Unmark everything"},
-    {"d, Delete", "Remove: shows what goes, and asks"},
-    {"c", "What is safe to clean in this folder"},
+    {i18nMark("i"), i18nMark("What is known of the item")},
+    {i18nMark("space"), i18nMark("Mark the item; \"d\" then removes all marked ones")},
+    {i18nMark("u"), i18nMark("Unmark everything")},
+    {i18nMark("d, Delete"), i18nMark("Remove: shows what goes, and asks")},
+    {i18nMark("c"), i18nMark("What is safe to clean in this folder")},
     {"", ""},
-    {"b", "Compare with another scan: what grew since"},
-    {"/", "Search; the words are those of \"spacemintctl find\""},
-    {"r", "Measure this folder again"},
-    {"e", "Export the scan to a file"},
-    {"q", "Quit"},
+    {i18nMark("b"), i18nMark("Compare with another scan: what grew since")},
+    {i18nMark("/"), i18nMark("Search; the words are those of \"spacemintctl find\"")},
+    {i18nMark("r"), i18nMark("Measure this folder again")},
+    {i18nMark("e"), i18nMark("Export the scan to a file")},
+    {i18nMark("q"), i18nMark("Quit")},
 });
 
 Paragraph sized(Bytes size, std::string name, const std::string& locale) {
@@ -57,7 +58,8 @@ Paragraph sized(Bytes size, std::string name, const std::string& locale) {
 std::vector<Paragraph> BrowseText::help() {
   std::vector<Paragraph> lines;
   for (const KeyHelp& each : keyHelp)
-    lines.push_back({.text = std::string{each.text}, .label = std::string{each.keys}});
+    lines.push_back(*each.text == '\0' ? Paragraph{}
+                                       : Paragraph{.text = i18n(each.text), .label = i18n(each.keys)});
   return lines;
 }
 
@@ -75,21 +77,23 @@ std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, 
   };
   if (!about.empty()) lines.push_back({about}), lines.push_back({""});
   const std::string share = percentage(row.size, view.whole);
-  say("Size", ByteFormat::string(row.size, locale) + (share.empty() ? "" : ", " + share + " of this list"));
+  const std::string bytes = ByteFormat::string(row.size, locale);
+  say(i18n("Size"),
+      share.empty() ? bytes : i18n("{size}, {share} of this list", {{"size", bytes}, {"share", share}}));
   if (const auto freed = row.isDirectory ? std::nullopt : SharedFiles::freesAtMost(row.path))
-    say("Removal", FindingText::freesAtMost(*freed, locale));
+    say(i18n("Removal"), FindingText::freesAtMost(*freed, locale));
   if (row.isDirectory) {
-    say("Files", groupedNumber(row.fileCount, locale));
+    say(i18n("Files"), groupedNumber(row.fileCount, locale));
   } else {
     static const FileKinds kinds = FileKinds::ofThisSystem();
-    say("Kind", std::string{rowOf(kinds.of(row.name)).title});
+    say(i18n("Kind"), std::string{rowOf(kinds.of(row.name)).title});
   }
-  if (row.modified)
-    say("Changed",
-        localTime(*row.modified) + " (" + RelativeTime::string(*row.modified, view.now, locale) + ")");
+  if (row.modified) say(i18n("Changed"), scanName(*row.modified, view.now, locale));
   if (!before.empty() && row.growth) {
-    say("Growth", (*row.growth > 0 ? "+" : "") + ByteFormat::string(*row.growth, locale) +
-                      (row.isNew ? ", new since " : " since ") + before);
+    const std::string growth = (*row.growth > 0 ? "+" : "") + ByteFormat::string(*row.growth, locale);
+    say(i18n("Growth"),
+        i18n(row.isNew ? i18nMark("{size}, new since {date}") : i18nMark("{size} since {date}"),
+             {{"size", growth}, {"date", before}}));
   }
   return lines;
 }
@@ -101,12 +105,14 @@ std::vector<Paragraph> BrowseText::removal(const RemovalOffer& offer, const Brow
   for (std::size_t i = 0; i < std::min(steps.size(), named); ++i)
     lines.push_back(sized(steps[i].size, Paths::display(steps[i].path, view.home), view.locale));
   if (steps.size() > named)
-    lines.push_back({.text = "and " + std::to_string(steps.size() - named) + " more", .label = " "});
-  if (steps.size() > 1) lines.push_back(sized(offer.forGood->size(), "together", view.locale));
+    lines.push_back(
+        {.text = i18n("and {count} more", {{"count", std::to_string(steps.size() - named)}}), .label = " "});
+  if (steps.size() > 1) lines.push_back(sized(offer.forGood->size(), i18n("together"), view.locale));
   for (const std::string& each : offer.refused) lines.push_back({each, Style::warning});
   lines.push_back({""});
   if (steps.size() == 1) lines.push_back({offer.forGood->note});
-  if (offer.toTrash) lines.push_back({"The Trash keeps it until you empty it; the space is free only then."});
+  if (offer.toTrash)
+    lines.push_back({i18n("The Trash keeps it until you empty it; the space is free only then.")});
   return lines;
 }
 
@@ -122,13 +128,36 @@ std::vector<Paragraph> BrowseText::cleanup(const CleanupPlan& plan, const Browse
 }
 
 std::string BrowseText::scanName(Date date, Date now, const std::string& locale) {
-  return localTime(date) + " (" + RelativeTime::string(date, now, locale) + ")";
+  return i18nc("a date and how long ago it was", "{date} ({age})",
+               {{"date", localTime(date)}, {"age", RelativeTime::string(date, now, locale)}});
+}
+
+std::string BrowseText::about(std::string_view title, std::string_view advice) {
+  return i18nc("a folder's title and what its removal means", "{title}: {advice}",
+               {{"title", title}, {"advice", advice}});
+}
+
+std::string BrowseText::doneLabel(const CleanupPlan& plan, const std::string& locale) {
+  const std::int64_t count = std::ssize(plan.steps);
+  const std::string number = groupedNumber(count, locale);
+  return plan.steps.front().kind == CleanupStep::Kind::moveToTrash
+             ? i18np("Moved {count} item to the Trash", "Moved {count} items to the Trash", count,
+                     {{"count", number}})
+             : i18np("Deleted {count} item", "Deleted {count} items", count, {{"count", number}});
+}
+
+std::string BrowseText::marks(std::int64_t count, Bytes size, const std::string& locale) {
+  return i18np("{count} marked, {size}", "{count} marked, {size}", count,
+               {{"count", groupedNumber(count, locale)}, {"size", ByteFormat::string(size, locale)}});
 }
 
 std::string BrowseText::keys(bool isFolder, bool isReadOnly) {
-  std::string text = isFolder ? "? keys  q quit  Enter open  h back" : "? keys  q quit  Enter show  Esc back";
-  if (!isReadOnly) text += "  d remove";
-  return text + (isFolder ? "  c clean  / search  b compare" : "");
+  if (isFolder) {
+    return isReadOnly ? i18n("? keys  q quit  Enter open  h back  c clean  / search  b compare")
+                      : i18n("? keys  q quit  Enter open  h back  d remove  c clean  / search  b compare");
+  }
+  return isReadOnly ? i18n("? keys  q quit  Enter show  Esc back")
+                    : i18n("? keys  q quit  Enter show  Esc back  d remove");
 }
 
 }  // namespace spacemint::ctl

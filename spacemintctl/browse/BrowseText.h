@@ -29,6 +29,15 @@ std::vector<Paragraph> removal(const RemovalOffer& offer, const BrowseView& view
 /// The plan of a clean-up that is no removal of chosen items.
 std::vector<Paragraph> cleanup(const CleanupPlan& plan, const BrowseView& view);
 
+/// What a well-known folder is, and what its removal means.
+std::string about(std::string_view title, std::string_view advice);
+
+/// The start of the sentence about a removal of several items: "Deleted 3 items".
+std::string doneLabel(const CleanupPlan& plan, const std::string& locale);
+
+/// "3 marked, 1.2 GB"
+std::string marks(std::int64_t count, Bytes size, const std::string& locale);
+
 /// A stored scan: "2026-11-25 08:19:10 (1 day ago)".
 std::string scanName(Date date, Date now, const std::string& locale);
 

@@ -1,6 +1,7 @@
 #include "spacemintctl/browse/BrowseView.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/browse/Cells.h"
 
@@ -37,7 +38,7 @@ std::string signedSize(Bytes bytes, const std::string& locale) {
 
 // A column of the list. Its text for a row, and its width without the space behind it.
 struct Column {
-  std::string_view head;
+  const char* head;
   RowKey key = RowKey::size;
   std::size_t width = 0;
   Side side = Side::right;
@@ -49,7 +50,7 @@ struct Column {
 constexpr std::size_t barWidth = 10;
 
 Span sizeCell(const Row& row, const BrowseView& view, Bytes) {
-  if (row.kind == Row::Kind::gone) return {"gone", Style::dim};
+  if (row.kind == Row::Kind::gone) return {i18n("gone"), Style::dim};
   return {ByteFormat::string(row.size, view.locale), Style::strong};
 }
 Span barCell(const Row& row, const BrowseView&, Bytes largest) {
@@ -70,12 +71,12 @@ Span ageCell(const Row& row, const BrowseView& view, Bytes) {
 }
 
 constexpr std::array<Column, 6> allColumns{{
-    {"SIZE", RowKey::size, 8, Side::right, sizeCell, 6},
+    {i18nMark("SIZE"), RowKey::size, 8, Side::right, sizeCell, 6},
     {"", RowKey::size, barWidth, Side::left, barCell, 3},
-    {"SHARE", RowKey::size, 6, Side::right, percentageCell, 4},
-    {"GROWTH", RowKey::growth, 9, Side::right, growthCell, 5},
-    {"FILES", RowKey::count, 9, Side::right, countCell, 2},
-    {"AGE", RowKey::age, 6, Side::right, ageCell, 1},
+    {i18nMark("SHARE"), RowKey::size, 6, Side::right, percentageCell, 4},
+    {i18nMark("GROWTH"), RowKey::growth, 9, Side::right, growthCell, 5},
+    {i18nMark("FILES"), RowKey::count, 9, Side::right, countCell, 2},
+    {i18nMark("AGE"), RowKey::age, 6, Side::right, ageCell, 1},
 }};
 
 bool isWanted(const Column& column, const BrowseView& view) {
@@ -99,16 +100,18 @@ std::vector<Column> columnsFor(const BrowseView& view, std::size_t width) {
     return sum;
   };
   const auto importance = [&](const Column& column) {
-    return column.key == view.order.key && !column.head.empty() ? 100 : column.importance;
+    return column.key == view.order.key && *column.head != '\0' ? 100 : column.importance;
   };
   while (columns.size() > 1 && used() > width)
     columns.erase(std::ranges::min_element(columns, {}, importance));
   return columns;
 }
 
-std::string headOf(std::string_view head, RowKey key, const BrowseView& view) {
-  const bool orders = !head.empty() && head != "SHARE" && key == view.order.key;
-  return std::string{head} + (orders ? (view.order.isReversed ? "▴" : "▾") : "");
+// The column of shares has the order of the sizes, but not its mark.
+std::string headOf(const char* head, RowKey key, const BrowseView& view) {
+  if (*head == '\0') return "";
+  const bool orders = key == view.order.key && head != std::string_view{"SHARE"};
+  return i18n(head) + (orders ? (view.order.isReversed ? "▴" : "▾") : "");
 }
 
 Style nameStyle(const Row& row) {
@@ -117,7 +120,7 @@ Style nameStyle(const Row& row) {
 }
 
 std::string nameOf(const Row& row) {
-  if (row.kind == Row::Kind::smaller) return "(smaller files and folders)";
+  if (row.kind == Row::Kind::smaller) return i18n("(smaller files and folders)");
   return shownText(row.name) + (row.isDirectory ? "/" : "");
 }
 
@@ -154,7 +157,7 @@ Line headLine(const BrowseView& view, const std::vector<Column>& columns, std::s
   std::string text = "  ";
   for (const Column& column : columns)
     text += fitted(headOf(column.head, column.key, view), column.width, column.side) + " ";
-  return textLine(text + headOf("NAME", RowKey::name, view), width, Style::dim);
+  return textLine(text + headOf(i18nMark("NAME"), RowKey::name, view), width, Style::dim);
 }
 
 std::vector<Line> paragraphLines(const std::vector<Paragraph>& paragraphs, std::size_t width) {
@@ -288,16 +291,20 @@ Screen drawn(const BrowseView& view, const ScreenSize& size) {
 std::string shortAge(Date date, Date now) {
   struct Unit {
     std::int64_t seconds;
-    const char* name;
+    const char* text;
   };
-  constexpr std::array<Unit, 6> units{
-      {{31'536'000, " y"}, {2'592'000, " mo"}, {604'800, " w"}, {86'400, " d"}, {3'600, " h"}, {60, " min"}}};
+  constexpr std::array<Unit, 6> units{{{31'536'000, i18nMark("{number} y")},
+                                       {2'592'000, i18nMark("{number} mo")},
+                                       {604'800, i18nMark("{number} w")},
+                                       {86'400, i18nMark("{number} d")},
+                                       {3'600, i18nMark("{number} h")},
+                                       {60, i18nMark("{number} min")}}};
   const auto seconds = std::chrono::floor<std::chrono::seconds>(timeBetween(date, now)).count();
   if (seconds < 0) return "";
   for (const Unit& unit : units) {
-    if (seconds >= unit.seconds) return std::to_string(seconds / unit.seconds) + unit.name;
+    if (seconds >= unit.seconds) return i18n(unit.text, {{"number", std::to_string(seconds / unit.seconds)}});
   }
-  return "now";
+  return i18n("now");
 }
 
 }  // namespace spacemint::ctl

@@ -20,6 +20,8 @@
 
 namespace spacemint::ctl {
 
+Popup box(std::string title, std::vector<Paragraph> text, std::string keys);
+
 /// What a browser starts with.
 struct BrowserSetup {
   /// The root of the scan, and the folder to show first, which is at or below it.

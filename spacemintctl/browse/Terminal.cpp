@@ -1,6 +1,7 @@
 #include "spacemintctl/browse/Terminal.h"
 
-#include <langinfo.h>
+#include "core/base/Translation.h"
+
 #define NCURSES_NOMACROS 1
 #include <ncurses.h>
 #include <poll.h>
@@ -10,7 +11,6 @@
 
 #include <array>
 #include <cerrno>
-#include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -62,11 +62,6 @@ void catchFaults() {
   action.sa_handler = giveBackAndDie;
   action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_ONSTACK);
   for (const int fault : faults) sigaction(fault, &action, nullptr);
-}
-
-void useUtf8() {
-  std::setlocale(LC_CTYPE, "");
-  if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
 }
 
 struct Look {
@@ -195,13 +190,12 @@ std::expected<std::unique_ptr<Terminal>, Error> Terminal::open(bool keysFromTerm
   if (parts->input == nullptr) return std::unexpected(systemError("/dev/tty", errno));
   before = {.descriptor = fileno(parts->input)};
   tcgetattr(before.descriptor, &before.settings);
-  useUtf8();
   parts->screen = newterm(nullptr, stdout, parts->input);
   if (parts->screen == nullptr) {
     const char* kind = std::getenv("TERM");
     return std::unexpected(Error{.domain = "terminal",
-                                 .message = "the kind of this terminal is not known: TERM is \"" +
-                                            std::string{kind == nullptr ? "" : kind} + "\""});
+                                 .message = i18n("the kind of this terminal is not known: TERM is \"{kind}\"",
+                                                 {{"kind", kind == nullptr ? "" : kind}})});
   }
   noteLeaving("\x1b[?1006l\x1b[?1000l");  // no more mouse
   for (const char* capability : {"sgr0", "rmkx", "cnorm", "rmcup"}) noteLeaving(tigetstr(capability));

@@ -18,8 +18,8 @@ class Terminal {
   static bool canBeUsed(bool keysFromTerminal);
 
   /// Takes the terminal. `keysFromTerminal` reads the keys from the process's terminal, because standard
-  /// input is something else. Fails if the terminal's kind is not known. Sets the process's character set
-  /// (LC_CTYPE) to the user's, or to UTF-8 where that is another one.
+  /// input is something else. Fails if the terminal's kind is not known. Text is UTF-8, as `setUpTranslation`
+  /// sets it.
   static std::expected<std::unique_ptr<Terminal>, Error> open(bool keysFromTerminal);
 
   Terminal(const Terminal&) = delete;
