@@ -140,6 +140,16 @@ Line lineOf(const Row& row, const BrowseView& view, const std::vector<Column>& c
   return line;
 }
 
+// As many of the keys, which two spaces divide, as there is room for.
+std::string keysThatFit(std::string keys, std::size_t width) {
+  while (columnsOf(keys) > width) {
+    const std::size_t end = keys.rfind("  ");
+    if (end == std::string::npos) break;
+    keys.resize(end);
+  }
+  return keys;
+}
+
 Line textLine(const std::string& text, std::size_t width, Style style) {
   return {.spans = {{fitted(text, width), style}}};
 }
@@ -282,7 +292,7 @@ Screen drawn(const BrowseView& view, const ScreenSize& size) {
     }
   }
   lines.push_back(textLine(" " + shownText(view.status), width, Style::plain));
-  lines.push_back(textLine(" " + shownText(view.footer), width, view.footerStyle));
+  lines.push_back(textLine(" " + keysThatFit(shownText(view.footer), width - 1), width, view.footerStyle));
   lines.resize(size.rows, textLine("", width, Style::plain));
   if (view.popup) place(*view.popup, screen, size);
   return screen;

@@ -96,7 +96,7 @@ class Browser {
   void askCleanup(const CleanupRequest& request);
   void carryOut(CleanupPlan plan);
   void removed(const CleanupPlan& plan, const CleanupReport& report, const std::vector<Measured>& measured);
-  void storeScan();
+  void storeScan(std::vector<std::string> touched);
 
   std::string statusText() const;
   std::string aboutFolder(const std::string& path) const;

@@ -2,6 +2,7 @@
 #include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/host/FileStamp.h"
+#include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/browse/BrowseText.h"
 #include "spacemintctl/browse/Browser.h"
 
@@ -99,8 +100,11 @@ void Browser::removed(const CleanupPlan& plan, const CleanupReport& report,
     if (!item.exists)
       std::erase_if(marked_, [&](const auto& mark) { return isAtOrBelow(mark.first, item.path); });
   }
-  storeScan();
+  storeScan(plan.touched);
   if (page_ == Page::folder) {
+    // A listing that runs may have met the item before.
+    listing_.reset();
+    soFar_.reset();
     updateRows();
     listFolder();
   } else if (page_ == Page::cleanable) {
@@ -122,11 +126,15 @@ void Browser::removed(const CleanupPlan& plan, const CleanupReport& report,
                                view_.locale));
 }
 
-// Also the scan that the application shows, if this is one of another folder.
-void Browser::storeScan() {
+// Stores the changed scan; if it is of another folder than those that the application shows, brings the
+// application's in line too.
+void Browser::storeScan(std::vector<std::string> touched) {
   if (!isStored_) return;
-  worker_.run([this, scan = tree_.scan()]() -> Worker::Then {
-    const auto saved = SnapshotStore::ofRoot(scan.rootPath()).save(scan);
+  worker_.run([this, scan = tree_.scan(), touched = std::move(touched)]() -> Worker::Then {
+    const SnapshotStore store = SnapshotStore::ofRoot(scan.rootPath());
+    const bool isShown = store.directory == SnapshotStore::standard().directory;
+    auto saved = isShown ? std::expected<void, Error>{} : remeasureInNewestScan(touched);
+    if (const auto stored = store.save(scan); !stored) saved = std::unexpected(stored.error());
     if (saved) return {};
     return [this, reason = saved.error().message] {
       say(i18n("Couldn't save changes to the scan: {reason}", {{"reason", reason}}), true);

@@ -1,5 +1,6 @@
 #include "core/base/Translation.h"
 #include "core/cleanup/Remeasure.h"
+#include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Console.h"
@@ -34,7 +35,7 @@ Measurement::Work wholeScan(std::string root, Bytes minSize, std::shared_ptr<std
                                  .minNodeSize = minSize,
                                  .start = start,
                                  .end = currentTime(),
-                                 .volume = VolumeStatus::current(root)}
+                                 .volume = VolumeStatus::current(root == wholeDisk ? startupVolume() : root)}
                         .snapshot();
     if (const auto kept = keepScan(scan); !kept) *problem = kept.error().message;
     return scan;
@@ -120,15 +121,17 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
   }
   hasScan_ = true;
   isStored_ = !isPartial_;
+  // The rows of small items stay until they are measured again.
+  const BrowseTree::Folder shown = tree_.folder(folder_);
+  soFar_ = shown.isComplete ? std::optional{*shown.node} : std::nullopt;
   tree_.setScan(std::move(*scan));
-  soFar_.reset();
   if (!touchedMeanwhile_.empty()) {
     worker_.run([this, paths = std::exchange(touchedMeanwhile_, {}), minSize = tree_.scan().minNodeSize] {
       std::vector<Measured> measured;
       for (const std::string& path : paths) measured.push_back(measureAgain(path, minSize));
-      return [this, measured] {
+      return [this, measured, paths] {
         for (const Measured& item : measured) tree_.put(item);
-        storeScan();
+        storeScan(paths);
         if (page_ == Page::folder) updateRows();
       };
     });
@@ -190,7 +193,7 @@ void Browser::measureFolderAgain() {
                 std::erase_if(stored.children, [&](const Node& child) { return child.size < minSize; });
                 tree_.putFolder(path, std::move(stored));
                 tree_.keepListing(path, std::move(scan->root));
-                storeScan();
+                storeScan({path});
                 say(i18n("Measured again."));
                 if (page_ == Page::folder) updateRows();
               }});
