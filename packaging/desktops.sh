@@ -44,7 +44,7 @@ for desktop in "$@"; do
   [ -n "${packages[$desktop]:-}" ] || { say "no desktop $desktop; known are ${!packages[*]}"; exit 2; }
   wanted+=" ${packages[$desktop]}"
 done
-package=$(ls build/fresh/trixie/*.deb 2>/dev/null) || { say "no package: run ./dev fresh trixie first"; exit 1; }
+ls build/fresh/trixie/*.deb >/dev/null 2>&1 || { say "no packages: run ./dev fresh trixie first"; exit 1; }
 
 # SPACEMINT_DESKTOPS names a system that has the packages already, to try again quickly.
 root=${SPACEMINT_DESKTOPS:-}
@@ -58,7 +58,7 @@ mkdir -p build/desktops "$root/pictures"
 chmod 777 "$root/pictures"
 rm -rf "$root/tour"
 cp -r tests/endtoend/desktop "$root/tour"
-cp "$package" "$root/package.deb"
+cp build/fresh/trixie/*.deb "$root/"
 install -m 755 "$0" "$root/tour/desktops.sh"
 export wanted
 unshare --mount --pid --fork --kill-child --propagation private bash -euc '
@@ -71,6 +71,6 @@ unshare --mount --pid --fork --kill-child --propagation private bash -euc '
   exec chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 \
     DEBIAN_FRONTEND=noninteractive wanted="$wanted" /bin/bash -euc "
       apt-get -qq update >/dev/null
-      apt-get -qq -y --no-install-recommends install \$wanted /package.deb >/var/log/desktops-apt.log 2>&1 ||
+      apt-get -qq -y --no-install-recommends install \$wanted /spacemint*.deb >/var/log/desktops-apt.log 2>&1 ||
         { tail -n 20 /var/log/desktops-apt.log >&2; exit 1; }
       exec /bin/bash /tour/desktops.sh --inside \"\$@\"" - "$@"' - "$root" "$@"

@@ -2,11 +2,12 @@
 # Builds, tests and installs the program on a fresh Debian. Each system is made by debootstrap from the mirror that this
 # machine's apt uses.
 #
-# In the first system, ./dev tests the last commit and makes the package, which is left in build/fresh/RELEASE. The second
-# system installs only the package with its dependencies, starts the program on a virtual screen as an ordinary user,
-# makes a scan with the panel, removes the package and checks that no file is left. Needs root.
+# In the first system, ./dev tests the last commit and makes the packages, which are left in build/fresh/RELEASE. The
+# second system installs the package for the terminal with its dependencies, none of which may be of a desktop, and
+# scans; then the application's, which it starts on a virtual screen as an ordinary user. It makes a scan with the panel,
+# removes the packages and checks that no file is left. Needs root.
 #
-# usage: fresh.sh [RELEASE [PACKAGE.deb]]   with a package, only the second system
+# usage: fresh.sh [RELEASE [FOLDER]]   with a folder of packages, only the second system
 set -euo pipefail
 
 suite=bookworm
@@ -92,9 +93,14 @@ apt() {
 
 # Lists all files except those of users and the kernel, and the files that apt, dpkg and logs write.
 files() {
-  find / \( -path /proc -o -path /sys -o -path /dev -o -path /run -o -path /tmp -o -path /home -o -path /package.deb \
+  find / \( -path /proc -o -path /sys -o -path /dev -o -path /run -o -path /tmp -o -path /home -o -path /packages \
     -o -path /var/lib/apt -o -path /var/lib/dpkg -o -path /var/cache -o -path /var/log -o -path /fresh \) -prune \
     -o -print | sort
+}
+
+# The packages that came since the list of packages was written.
+came() {
+  dpkg-query -W -f '${Package}\n' | comm -13 /fresh/packages - | tr '\n' ' '
 }
 
 # In the second system, as root.
@@ -102,19 +108,24 @@ inside() {
   mount -t tmpfs tmpfs /dev/shm 2>/dev/null || { mkdir -p /dev/shm && mount -t tmpfs tmpfs /dev/shm; }
   mkdir -p /fresh
   apt update
-  apt install xvfb xauth xdotool dbus dbus-daemon openbox
+  dpkg-query -W -f '${Package}\n' >/fresh/packages
   useradd --create-home --uid 1000 "$user"
   install -d -m 700 -o "$user" /run/user/1000
-  # Install once and purge, so that both lists of files contain the package's dependencies.
-  apt install /package.deb
+  # Install once and purge, so that both lists of files contain the packages' dependencies.
+  apt install /packages/spacemintctl_*.deb
+  say "for the terminal, $(dpkg-query -W -f='${Installed-Size}' spacemintctl) kB of its own, came: $(came)"
+  ! came | grep -qE 'qt|x11|wayland|dbus' || fail "the package for the terminal needs a desktop"
+  spacemintctl scan /etc --top 1 | grep -q '^/etc: ' || fail "spacemintctl does not scan"
+  apt install xvfb xauth xdotool dbus dbus-daemon openbox
+  apt install /packages/*.deb
   say "installed, $(dpkg-query -W -f='${Installed-Size}' spacemint) kB of its own"
-  apt purge spacemint
+  apt purge spacemint spacemintctl
   files >/fresh/before
-  apt install /package.deb
+  apt install /packages/*.deb
   runuser -u "$user" -- env -i HOME="/home/$user" USER="$user" PATH=/usr/bin:/bin LANG=C.UTF-8 \
     XDG_RUNTIME_DIR=/run/user/1000 dbus-run-session -- \
     xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24' /bin/bash /fresh/fresh.sh --as-user
-  apt purge spacemint
+  apt purge spacemint spacemintctl
   files >/fresh/after
   diff /fresh/before /fresh/after >&2 || fail "removing the package left or deleted these files"
   say "removed; no file is left"
@@ -154,11 +165,12 @@ as_user() {
   say "the program ended on SIGTERM"
 }
 
-# Tries the package on a fresh system.
+# Tries the packages on a fresh system.
 try() {
   local root=$work/try
   make_system "$root"
-  cp "$1" "$root/package.deb"
+  mkdir "$root/packages"
+  cp "$1"/spacemint*.deb "$root/packages"
   cache='' enter "$root" --inside
 }
 
@@ -175,8 +187,8 @@ case ${1:-} in
     trap 'rm -rf --one-file-system "$work"' EXIT
     chmod 755 "$work"
     [ $# -ge 2 ] || build
-    package=${2:-$(echo "build/fresh/$suite"/*.deb)}
-    try "$package"
-    say "all is well: $package"
+    packages=${2:-build/fresh/$suite}
+    try "$packages"
+    say "all is well: $packages"
     ;;
 esac
