@@ -104,9 +104,7 @@ std::vector<Paragraph> BrowseText::removal(const RemovalOffer& offer, const Brow
   const auto& steps = offer.forGood->steps;
   for (std::size_t i = 0; i < std::min(steps.size(), named); ++i)
     lines.push_back(sized(steps[i].size, Paths::display(steps[i].path, view.home), view.locale));
-  if (steps.size() > named)
-    lines.push_back(
-        {.text = i18n("and {count} more", {{"count", std::to_string(steps.size() - named)}}), .label = " "});
+  if (steps.size() > named) lines.push_back({.text = restText(steps.size() - named), .label = " "});
   if (steps.size() > 1) lines.push_back(sized(offer.forGood->size(), i18n("together"), view.locale));
   for (const std::string& each : offer.refused) lines.push_back({each, Style::warning});
   lines.push_back({""});
