@@ -6,6 +6,7 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
+#include <utility>
 
 namespace spacemint::ctl {
 

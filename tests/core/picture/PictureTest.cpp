@@ -83,7 +83,9 @@ TEST_P(PictureTest, boxesFillTheRoomInOrderAreNearlySquareAndMoveLittle) {
     }
     ratios += std::max(boxes[i].width / boxes[i].height, boxes[i].height / boxes[i].width) * boxes[i].area();
   }
-  if (sizes.size() > 4 && sizes[0] < total / 2) EXPECT_LT(ratios / screen.area(), 2.5);
+  if (sizes.size() > 4 && sizes[0] < total / 2) {
+    EXPECT_LT(ratios / screen.area(), 2.5);
+  }
 
   // Whichever box grows by one per thousand: on average all boxes move by less than a hundredth of the
   // diagonal.
@@ -108,10 +110,13 @@ TEST_P(PictureTest, tilesLieInTheirFoldersShowEveryByteAndAreFoundAgain) {
     for (std::size_t i = 0; i < tiles->size(); ++i) {
       const Tile& tile = (*tiles)[i];
       sums[tile.parent] += tile.size;
-      if (tile.parent != Tile::none && tiles == &map)
+      if (tile.parent != Tile::none && tiles == &map) {
         EXPECT_TRUE(isInside(tile.box, (*tiles)[tile.parent].box));
+      }
       for (std::size_t j = 0; j < i; ++j) {
-        if ((*tiles)[j].parent == tile.parent) EXPECT_LT(overlap(tile.box, (*tiles)[j].box), inexact);
+        if ((*tiles)[j].parent == tile.parent) {
+          EXPECT_LT(overlap(tile.box, (*tiles)[j].box), inexact);
+        }
       }
       if (tile.node == nullptr || tile.kind == Tile::Kind::folder) continue;
       const std::string path = pathOf(*tiles, i, "/home");
@@ -120,7 +125,9 @@ TEST_P(PictureTest, tilesLieInTheirFoldersShowEveryByteAndAreFoundAgain) {
     }
     EXPECT_EQ(sums[Tile::none], root.size);
     for (const auto& [parent, sum] : sums) {
-      if (parent != Tile::none && tiles == &map) EXPECT_EQ(sum, (*tiles)[parent].size);
+      if (parent != Tile::none && tiles == &map) {
+        EXPECT_EQ(sum, (*tiles)[parent].size);
+      }
     }
   }
 }

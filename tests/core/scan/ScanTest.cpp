@@ -228,10 +228,10 @@ unsigned depthFound(const FakeDisk& disk, unsigned queue, int folders = 5'000) {
   std::mt19937 random{1};
   for (int i = 0; i < folders; ++i) {
     const std::size_t names = random() % 40;
-    const bool isCached = random() % 100 < disk.cachedShare * 100;
+    const bool isCached = static_cast<double>(random() % 100) < disk.cachedShare * 100;
     const double reads = 2 + static_cast<double>(names) / 16;
     const double microseconds = isCached ? 20 : reads * 100 * std::max(1.0, 1.0 * depth.now() / disk.atOnce);
-    const double varied = microseconds * (80 + random() % 40) / 100;
+    const double varied = microseconds * static_cast<double>(80 + random() % 40) / 100;
     depth.note({.names = names,
                 .elapsed = std::chrono::nanoseconds{static_cast<std::int64_t>(varied * 1e3)},
                 .hasWaited = !isCached});
