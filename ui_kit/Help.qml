@@ -10,7 +10,8 @@ T.ToolTip {
 
     visible: wanted && text !== ""
     delay: 600
-    y: parent ? parent.height + 6 : 0
+    // Above, where the pointer and the hand are not.
+    y: -height - 6
     x: parent ? Math.round((parent.width - width) / 2) : 0
     margins: 6
     horizontalPadding: 8

@@ -33,7 +33,7 @@ T.Button {
             Behavior on rotation {
                 NumberAnimation {
                     duration: Theme.duration(180)
-                    easing.type: Easing.OutBack
+                    easing.type: Easing.OutCubic
                 }
             }
         }

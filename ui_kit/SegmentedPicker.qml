@@ -50,8 +50,7 @@ T.GroupBox {
             Behavior on x {
                 NumberAnimation {
                     duration: Theme.duration(180)
-                    easing.type: Easing.OutBack
-                    easing.overshoot: 0.8
+                    easing.type: Easing.OutCubic
                 }
             }
         }

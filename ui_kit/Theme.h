@@ -54,6 +54,16 @@ class Theme : public QObject {
   SPACEMINT_THEME_COLOUR(warningFill)
   SPACEMINT_THEME_COLOUR(warningBorder)
   SPACEMINT_THEME_COLOUR(track)
+  // Of the pictures of folders: what is there, the folder around it, what came, and what shrank; then the
+  // ages, newest first.
+  SPACEMINT_THEME_COLOUR(block)
+  SPACEMINT_THEME_COLOUR(frame)
+  SPACEMINT_THEME_COLOUR(grown)
+  SPACEMINT_THEME_COLOUR(shrunk)
+  SPACEMINT_THEME_COLOUR(age1)
+  SPACEMINT_THEME_COLOUR(age2)
+  SPACEMINT_THEME_COLOUR(age3)
+  SPACEMINT_THEME_COLOUR(age4)
 
  public:
   explicit Theme(QObject* parent = nullptr);

@@ -37,7 +37,7 @@ T.Switch {
         implicitWidth: Theme.scaled(34)
         implicitHeight: Theme.scaled(20)
         radius: height / 2
-        color: root.checked ? Theme.teal : Theme.tertiary
+        color: root.checked ? Theme.teal : Theme.secondary
 
         Rectangle {
             readonly property real gap: 2
@@ -54,8 +54,7 @@ T.Switch {
 
                 NumberAnimation {
                     duration: Theme.duration(180)
-                    easing.type: Easing.OutBack
-                    easing.overshoot: 1
+                    easing.type: Easing.OutCubic
                 }
             }
         }

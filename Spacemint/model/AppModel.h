@@ -45,6 +45,7 @@ class AppModel : public QObject {
   /// The free space of the watched volume, hour by hour.
   const FreeSpaceRecord& freeSpace() const { return freeSpace_; }
   ScanHistory& history() { return history_; }
+  const ScanHistory& history() const { return history_; }
   const CurrentFindings& currentFindings() const { return findings_; }
   const Findings& findings() const { return findings_.findings(); }
   CurrentAccount& account() { return account_; }

@@ -40,6 +40,8 @@ void compare(const Findings::Question& question, Findings& findings) {
   findings.shrinkage = Changes::shrinkage(arguments, mayExist);
   findings.comparedTime = timeBetween(baseline->date, question.snapshot.date);
   findings.spaceChange = Changes::spaceChange(*baseline, question.snapshot, question.home);
+  if (findings.spaceChange)
+    findings.changes = std::make_shared<const ChangeTree>(changeTree(*baseline, question.snapshot));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "Spacemint/model/AppContext.h"
 #include "Spacemint/model/ScanHistory.h"
+#include "core/analysis/ChangeTree.h"
 #include "core/analysis/Changes.h"
 #include "core/analysis/DevTools.h"
 #include "core/analysis/DeviceBackups.h"
@@ -12,6 +13,7 @@
 #include <QObject>
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,6 +40,8 @@ struct Findings {
   std::map<std::string, Bytes> freesAtMost = {};
   /// The free space since the baseline; absent when the baseline is of another folder.
   std::optional<SpaceChange> spaceChange = {};
+  /// All that changed since the baseline; null when there is nothing to compare with.
+  std::shared_ptr<const ChangeTree> changes = {};
   /// The baseline could not be read.
   bool baselineUnavailable = false;
 

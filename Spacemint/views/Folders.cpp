@@ -1,9 +1,11 @@
 #include "Spacemint/views/Folders.h"
 
 #include "Spacemint/views/FolderText.h"
+#include "Spacemint/views/ShownFolder.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
+#include "core/wording/PictureText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -13,38 +15,20 @@ namespace spacemint {
 
 namespace {
 
-// A folder of a scan, with its path as the tree spells it. The root of the scan has no parent.
-struct Folder {
-  std::string path;
-  const Node* node = nullptr;
-  std::optional<std::string> parent = {};
-};
-
-// The folder at `wanted`, or the nearest folder above it that is in the scan; without `wanted` the root.
-Folder findFolder(const Snapshot& snapshot, const std::optional<std::string>& wanted) {
-  Folder found{.path = snapshot.rootPath(), .node = &snapshot.root};
-  const auto names = wanted ? snapshot.components(*wanted) : std::nullopt;
-  if (!names) return found;
-  for (const std::string& name : *names) {
-    const Node* child = found.node->child(name);
-    if (child == nullptr || !child->isDirectory) break;
-    found.parent = found.path;
-    found.path = Paths::join(found.path, child->name);
-    found.node = child;
-  }
-  return found;
-}
-
-std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
+std::vector<ListItem> itemsOf(const ShownFolder& folder, const UiHost& host) {
   std::vector<ListItem> items;
   items.reserve(folder.node->children.size() + 1);
   for (const Node& child : folder.node->children) {
     std::string path = Paths::join(folder.path, child.name);
+    const ChangeTree* change = folder.change != nullptr ? folder.change->child(child.name) : nullptr;
+    const Bytes delta = change != nullptr ? change->delta : 0;
     items.push_back({.id = path,
                      .path = std::move(path),
                      .size = child.size,
                      .isDirectory = child.isDirectory,
                      .fraction = ShownText::share(child.size, folder.node->size),
+                     .change = PictureText::change(delta, host.locale),
+                     .hasShrunk = delta < 0,
                      .showsChevron = child.isDirectory,
                      .canTrash = true});
   }
@@ -59,10 +43,10 @@ std::vector<ListItem> itemsOf(const Folder& folder, const UiHost& host) {
 }
 
 // What the scan left out in the folder, or below it in folders too small to be listed.
-std::vector<ListItem> leftOutItems(const Folder& folder, const Snapshot& snapshot, const UiHost& host) {
+std::vector<ListItem> leftOutItems(const ShownFolder& folder, const UiHost& host) {
   std::vector<ListItem> items;
-  for (const LeftOut& item : snapshot.coverage.leftOut) {
-    if (findFolder(snapshot, item.path).path != folder.path) continue;
+  for (const LeftOut& item : folder.snapshot->coverage.leftOut) {
+    if (folderAt(host.model, item.path).path != folder.path) continue;
     items.push_back(
         {.id = "left out " + item.path,
          .title = Paths::display(item.path, host.home),
@@ -76,13 +60,11 @@ std::vector<ListItem> leftOutItems(const Folder& folder, const Snapshot& snapsho
 }
 
 // The index of the child that is `below` or leads to it; 0 if there is none.
-int rowTowards(const std::string& below, const Folder& folder) {
-  if (!below.starts_with(folder.path)) return 0;
+int rowTowards(const std::string& below, const ShownFolder& folder) {
+  const auto rest = pathBelow(below, folder.path);
+  if (!rest) return 0;
   const auto& children = folder.node->children;
-  const auto row = std::ranges::find_if(children, [&](const Node& child) {
-    const std::string path = Paths::join(folder.path, child.name);
-    return below == path || below.starts_with(path + '/');
-  });
+  const auto row = std::ranges::find(children, rest->substr(0, rest->find('/')), &Node::name);
   return row != children.end() ? static_cast<int>(row - children.begin()) : 0;
 }
 
@@ -91,19 +73,20 @@ int rowTowards(const std::string& below, const Folder& folder) {
 Folders::Folders(const UiHost& host) : host_(host), content_(host) {
   connect(&host_.model, &AppModel::folderPathChanged, this, &Folders::update);
   connect(&host_.model.history(), &ScanHistory::snapshotChanged, this, &Folders::update);
+  connect(&host_.model.currentFindings(), &CurrentFindings::updated, this, &Folders::update);
   update();
 }
 
 void Folders::update() {
-  const SharedSnapshot& snapshot = host_.model.history().snapshot();
+  const ShownFolder folder = shownFolder(host_.model);
+  const SharedSnapshot& snapshot = folder.snapshot;
   if (!snapshot) return content_.assign({});
-  const Folder folder = findFolder(*snapshot, host_.model.folderPath());
   const auto titleOf = [&](const std::string& path) {
     return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.home));
   };
   auto items = itemsOf(folder, host_);
   const Coverage& coverage = snapshot->coverage;
-  std::ranges::move(leftOutItems(folder, *snapshot, host_), std::back_inserter(items));
+  std::ranges::move(leftOutItems(folder, host_), std::back_inserter(items));
   std::string text = items.empty() ? i18n("Nothing is in here.") : "";
   content_.assign(std::move(items), {.text = std::move(text)});
   const std::string before = std::exchange(path_, folder.path);

@@ -64,6 +64,19 @@ Item {
                 onClicked: root.folders.reveal()
             }
         }
+        FolderPicture {
+            Layout.fillWidth: true
+            Layout.leftMargin: 20
+            Layout.rightMargin: 20
+            Layout.bottomMargin: 8
+            visible: !root.ui.explorer.isEmpty && root.folders.content.count > 0 && root.Window.height >= 620
+            explorer: root.ui.explorer
+            onRowWanted: index => {
+                list.currentIndex = index;
+                list.positionViewAtIndex(index, ListView.Contain);
+                list.forceActiveFocus(Qt.OtherFocusReason);
+            }
+        }
         Placeholder {
             Layout.leftMargin: 20
             Layout.rightMargin: 20
@@ -77,6 +90,9 @@ Item {
             rows: root.folders.content
             name: root.folders.title
             focus: true
+            hasChangeColumn: true
+            pointedIndex: root.ui.explorer.pointedChild
+            onPointed: index => root.ui.explorer.pointRow(rows, index)
             Keys.onPressed: event => {
                 if (event.key !== Qt.Key_Backspace && !(event.key === Qt.Key_Left && event.modifiers & Qt.AltModifier))
                     return;

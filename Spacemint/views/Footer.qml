@@ -41,19 +41,10 @@ RowLayout {
             wanted: pointer.hovered && text
         }
     }
-    SecondaryButtonStyle {
+    ScanButton {
         Layout.rightMargin: 20
         Layout.topMargin: 10
         Layout.bottomMargin: 10
-        text: root.ui.scan.scanning ? Words.stop : Words.scanNow
-        symbol: root.ui.scan.scanning ? "" : "arrow.clockwise"
-        onClicked: root.ui.scan.scanning ? root.ui.scan.stop() : root.ui.scan.scan()
-    }
-    Timer {
-        interval: 30000
-        repeat: true
-        running: Theme.isSeen(root) && !root.ui.scan.scanning
-        triggeredOnStart: true
-        onTriggered: root.ui.scan.refresh()
+        ui: root.ui
     }
 }

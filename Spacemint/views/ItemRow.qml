@@ -17,7 +17,10 @@ FocusScope {
     required property string symbol
     /// The share of a whole from 0 to 1, or -1 for no bar.
     required property real fraction
+    /// What came or went since an earlier scan; empty for no figure.
+    required property string change
     required property bool hasShrunk
+    required property string tag
     required property int depth
     required property bool unfolds
     required property bool isUnfolded
@@ -32,19 +35,36 @@ FocusScope {
     property color sizeColor: Theme.ink
     /// Whether the list has a column for chevrons. This row may have none.
     property bool hasChevronColumn: false
+    /// Whether the list has a column for changes, which the buttons of a lit row cover.
+    property bool hasChangeColumn: false
+    /// The column has dates and not changes.
+    property bool showsDates: false
+    /// A row of a tree has its chevron at its beginning, and is lower.
+    property bool isInTree: false
+    /// The length of the bar; 0 for all of the room.
+    property real barLength: 0
     /// Whether this is the current row of its list.
     property bool isCurrent: false
+    /// Whether this is the selected row of its list.
+    property bool isSelected: false
+    /// Whether something outside of the list points at this row.
+    property bool isPointedAt: false
+    readonly property bool isUnderPointer: hover.hovered
     /// At most one row is lit: the one with the keyboard focus or the one under the pointer.
-    readonly property bool isLit: Theme.isKeyboardInUse ? activeFocus : hover.hovered
-    readonly property real roomForButtons: buttons.item ? buttons.width + 4 : 0
+    readonly property bool isLit: Theme.isKeyboardInUse ? activeFocus : hover.hovered || isPointedAt
+    readonly property real roomForButtons: buttons.item && !hasChangeColumn ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
 
     /// The person clicked the row; `time` is in milliseconds.
     signal chosen(double time)
     signal menuWanted
+    /// In a tree: Return or a double click.
+    signal opened
 
     function open() {
-        if (unfolds)
+        if (isInTree)
+            opened();
+        else if (unfolds)
             rows.toggle(rowId);
         else if (showsChevron)
             rows.showInFolders(rowId);
@@ -58,9 +78,10 @@ FocusScope {
     }
 
     implicitWidth: 300
-    implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
-    Accessible.role: Accessible.ListItem
-    Accessible.name: Words.spoken([title, sizeText])
+    implicitHeight: Math.max(line.implicitHeight + (isInTree ? 8 : 14), Theme.scaled(isInTree ? 36 : 44))
+    Accessible.role: isInTree ? Accessible.TreeItem : Accessible.ListItem
+    Accessible.name: Words.spoken([title, tag, sizeText, change])
+    Accessible.selected: isSelected
     Accessible.description: unfolds ? Words.spokenUnfolding(subtitle, isUnfolded) : subtitle
     Accessible.focusable: true
     Accessible.focused: activeFocus
@@ -80,8 +101,8 @@ FocusScope {
     Rectangle {
         anchors.fill: parent
         radius: 8
-        color: Theme.hover
-        visible: root.isLit
+        color: root.isSelected ? Theme.selected : Theme.hover
+        visible: root.isLit || root.isSelected
 
         FocusRing {
             visible: root.activeFocus && Theme.isKeyboardInUse
@@ -95,6 +116,10 @@ FocusScope {
     TapHandler {
         gesturePolicy: TapHandler.ReleaseWithinBounds
         onTapped: point => root.chosen(point.timestamp)
+        onDoubleTapped: {
+            if (root.isInTree)
+                root.opened();
+        }
     }
     TapHandler {
         acceptedButtons: Qt.RightButton
@@ -110,8 +135,40 @@ FocusScope {
             rightMargin: 10
             verticalCenter: parent.verticalCenter
         }
-        spacing: 10
+        spacing: root.isInTree ? 8 : 10
 
+        // A click on it only unfolds the row.
+        Item {
+            visible: root.isInTree
+            implicitWidth: Theme.scaled(12)
+            implicitHeight: Theme.scaled(24)
+
+            Symbol {
+                anchors.centerIn: parent
+                visible: root.unfolds
+                symbol: root.mirrored ? "chevron.left" : "chevron.right"
+                size: 12
+                color: chevron.hovered ? Theme.ink : Theme.secondary
+                rotation: root.isUnfolded ? (root.mirrored ? -90 : 90) : 0
+
+                Behavior on rotation {
+                    NumberAnimation {
+                        duration: Theme.duration(180)
+                        easing.type: Easing.OutCubic
+                    }
+                }
+            }
+            HoverHandler {
+                id: chevron
+
+                margin: 6
+            }
+            TapHandler {
+                margin: 6
+                gesturePolicy: TapHandler.ReleaseWithinBounds
+                onTapped: root.rows.toggle(root.rowId)
+            }
+        }
         Item {
             implicitWidth: Theme.scaled(18)
             implicitHeight: Theme.scaled(18)
@@ -146,14 +203,34 @@ FocusScope {
                 }
                 spacing: 2
 
-                Label {
+                Item {
+                    readonly property real room: width - root.roomForButtons - (root.tag ? tagLabel.implicitWidth + 6 : 0)
+
                     Layout.fillWidth: true
-                    text: root.title
-                    Layout.rightMargin: root.roomForButtons
-                    // A title that is not the name of a file is a sentence, which is shown in full.
-                    elide: root.hasPath ? Text.ElideMiddle : Text.ElideNone
-                    wrapMode: root.hasPath ? Text.NoWrap : Text.Wrap
-                    Accessible.ignored: true
+                    implicitWidth: nameLabel.implicitWidth
+                    implicitHeight: nameLabel.implicitHeight
+
+                    Label {
+                        id: nameLabel
+
+                        width: root.tag ? Math.min(implicitWidth, parent.room) : parent.room
+                        text: root.title
+                        // A title that is not the name of a file is a sentence, which is shown in full.
+                        elide: root.isInTree ? Text.ElideRight : root.hasPath ? Text.ElideMiddle : Text.ElideNone
+                        wrapMode: root.hasPath || root.isInTree ? Text.NoWrap : Text.Wrap
+                        Accessible.ignored: true
+                    }
+                    Label {
+                        id: tagLabel
+
+                        anchors.left: nameLabel.right
+                        anchors.leftMargin: 6
+                        anchors.baseline: nameLabel.baseline
+                        text: root.tag
+                        size: 11
+                        color: Theme.secondary
+                        Accessible.ignored: true
+                    }
                 }
                 Label {
                     Layout.fillWidth: true
@@ -168,18 +245,21 @@ FocusScope {
                 }
                 UsageBar {
                     Layout.fillWidth: true
-                    Layout.topMargin: 3
+                    Layout.maximumWidth: root.barLength || Infinity
+                    Layout.topMargin: root.isInTree ? 1 : 3
                     visible: root.fraction >= 0
                     fraction: Math.max(0, root.fraction)
-                    color: Theme.teal
+                    color: root.barLength && !root.hasShrunk ? Theme.amber : Theme.teal
                     implicitHeight: 3
                     Accessible.ignored: true
                 }
             }
-            // At the end of the texts, which are cut short for it; all else stays where it is.
+            // At the end of the texts, which are cut short for it; or in the column of changes, which it covers. All else
+            // stays where it is.
             LazyView {
                 id: buttons
 
+                parent: root.hasChangeColumn ? changes : texts.parent
                 anchors {
                     right: parent.right
                     verticalCenter: parent.verticalCenter
@@ -191,12 +271,31 @@ FocusScope {
                     })
             }
         }
+        Item {
+            id: changes
+
+            visible: root.hasChangeColumn
+            implicitWidth: Theme.scaled(60)
+            implicitHeight: figure.implicitHeight
+
+            Label {
+                id: figure
+
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                visible: !buttons.item
+                text: root.change
+                size: 12
+                color: root.showsDates ? Theme.secondary : root.hasShrunk ? Theme.teal : Theme.amberInk
+                Accessible.ignored: true
+            }
+        }
         Label {
             // A fixed width, so that all bars of a list have the same length.
-            Layout.minimumWidth: root.fraction >= 0 ? Theme.scaled(58) : 0
+            Layout.minimumWidth: root.fraction >= 0 || root.hasChangeColumn ? Theme.scaled(58) : 0
             visible: root.sizeText
             text: root.sizeText
-            color: root.hasShrunk ? Theme.teal : root.sizeColor
+            color: root.hasShrunk && !root.hasChangeColumn ? Theme.teal : root.sizeColor
             horizontalAlignment: Text.AlignRight
             Accessible.ignored: true
         }
@@ -209,7 +308,7 @@ FocusScope {
             onClicked: root.rows.pressButton(root.rowId)
         }
         Item {
-            visible: root.hasChevronColumn
+            visible: root.hasChevronColumn && !root.isInTree
             implicitWidth: Theme.scaled(12)
             implicitHeight: Theme.scaled(24)
 

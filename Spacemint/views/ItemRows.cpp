@@ -16,18 +16,6 @@ namespace spacemint {
 
 namespace {
 
-// The text on one line and in the order of its letters. The name of a file may contain characters that break
-// the line or reverse the letters after them.
-QString onOneLine(QString text) {
-  for (QChar& c : text) {
-    const auto kind = c.category();
-    const bool isEmbedding = (c >= u'\u202A' && c <= u'\u202E') || (c >= u'\u2066' && c <= u'\u2069');
-    const bool isBreak = kind == QChar::Separator_Line || kind == QChar::Separator_Paragraph;
-    if (kind == QChar::Other_Control || isBreak || isEmbedding) c = QChar::ReplacementCharacter;
-  }
-  return text;
-}
-
 // A path starts at the left, even if its names are written from right to left.
 QString leftToRight(QString path) {
   constexpr QChar mark{0x200E};
@@ -42,8 +30,8 @@ std::string folderOf(const std::string& path) {
 bool looksLike(const ListItem& one, const ListItem& other) {
   const auto look = [](const ListItem& item) {
     return std::tie(item.path, item.size, item.isDirectory, item.title, item.subtitle, item.sizeText,
-                    item.symbol, item.fraction, item.hasShrunk, item.depth, item.isUnfolded,
-                    item.showsChevron, item.canTrash, item.buttonTitle, item.busyTitle);
+                    item.symbol, item.fraction, item.change, item.hasShrunk, item.tag, item.depth,
+                    item.isUnfolded, item.showsChevron, item.canTrash, item.buttonTitle, item.busyTitle);
   };
   return look(one) == look(other);
 }
@@ -92,12 +80,26 @@ int ItemRows::rowCount(const QModelIndex& parent) const {
 }
 
 QHash<int, QByteArray> ItemRows::roleNames() const {
-  return {{RowIdRole, "rowId"},           {TitleRole, "title"},         {SubtitleRole, "subtitle"},
-          {SizeTextRole, "sizeText"},     {SymbolRole, "symbol"},       {FractionRole, "fraction"},
-          {HasShrunkRole, "hasShrunk"},   {DepthRole, "depth"},         {UnfoldsRole, "unfolds"},
-          {IsUnfoldedRole, "isUnfolded"}, {HasPathRole, "hasPath"},     {ShowsChevronRole, "showsChevron"},
-          {CanTrashRole, "canTrash"},     {IsInTrashRole, "isInTrash"}, {ButtonTitleRole, "buttonTitle"},
-          {BusyTitleRole, "busyTitle"},   {IsBusyRole, "isBusy"},       {PartsRole, "parts"}};
+  return {{RowIdRole, "rowId"},
+          {TitleRole, "title"},
+          {SubtitleRole, "subtitle"},
+          {SizeTextRole, "sizeText"},
+          {SymbolRole, "symbol"},
+          {FractionRole, "fraction"},
+          {ChangeRole, "change"},
+          {TagRole, "tag"},
+          {HasShrunkRole, "hasShrunk"},
+          {DepthRole, "depth"},
+          {UnfoldsRole, "unfolds"},
+          {IsUnfoldedRole, "isUnfolded"},
+          {HasPathRole, "hasPath"},
+          {ShowsChevronRole, "showsChevron"},
+          {CanTrashRole, "canTrash"},
+          {IsInTrashRole, "isInTrash"},
+          {ButtonTitleRole, "buttonTitle"},
+          {BusyTitleRole, "busyTitle"},
+          {IsBusyRole, "isBusy"},
+          {PartsRole, "parts"}};
 }
 
 QVariant ItemRows::data(const QModelIndex& index, int role) const {
@@ -148,6 +150,10 @@ QVariant ItemRows::text(const ListItem& item, int role) const {
     case SymbolRole:
       return plain(item.symbol.empty() ? Icons::symbol(Paths::lastComponent(item.path), item.isDirectory)
                                        : item.symbol);
+    case ChangeRole:
+      return plain(item.change);
+    case TagRole:
+      return plain(item.tag);
     case ButtonTitleRole:
       return plain(item.buttonTitle);
     case BusyTitleRole:
@@ -256,6 +262,15 @@ void ItemRows::insertOthers(Plan& plan) {
 const ListItem* ItemRows::find(int rowId) const {
   const auto entry = std::ranges::find(entries_, rowId, &Entry::id);
   return entry != entries_.end() ? &entry->item : nullptr;
+}
+
+int ItemRows::indexOf(const std::string& itemId) const {
+  const auto entry = std::ranges::find(entries_, itemId, [](const Entry& each) { return each.item.id; });
+  return entry != entries_.end() ? static_cast<int>(entry - entries_.begin()) : -1;
+}
+
+int ItemRows::rowIdAt(int index) const {
+  return index >= 0 && index < count() ? entries_[static_cast<std::size_t>(index)].id : -1;
 }
 
 void ItemRows::reveal(int rowId) const {

@@ -43,7 +43,9 @@ class ItemRows : public QAbstractListModel {
     SizeTextRole,
     SymbolRole,
     FractionRole,
+    ChangeRole,
     HasShrunkRole,
+    TagRole,
     DepthRole,
     UnfoldsRole,
     IsUnfoldedRole,
@@ -71,6 +73,13 @@ class ItemRows : public QAbstractListModel {
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QHash<int, QByteArray> roleNames() const override;
+
+  /// The index of the row with this item; -1 if there is none.
+  int indexOf(const std::string& itemId) const;
+  /// The item of a row; null if the row is gone.
+  const ListItem* itemOf(int rowId) const { return find(rowId); }
+  /// The row id at an index; -1 if there is no such row.
+  Q_INVOKABLE int rowIdAt(int index) const;
 
   /// Replaces the items. A row whose item id is in the new list keeps its rowId, and emits dataChanged if it
   /// looks different. If fewer than half of the rows stay, the model resets.

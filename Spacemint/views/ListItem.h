@@ -26,8 +26,12 @@ struct ListItem {
   std::string symbol = {};
   /// The item's share of a whole, from 0 to 1.
   std::optional<double> fraction = {};
-  /// The item shrank: its size is shown in the colour for that.
+  /// What came or went since an earlier scan, in a column of its own.
+  std::string change = {};
+  /// The item shrank: its change, or else its size, is shown in the colour for that.
   bool hasShrunk = false;
+  /// A word after the title, such as "new".
+  std::string tag = {};
   /// How many items of the list this one is a part of.
   int depth = 0;
   /// For an item that unfolds to further items of the list: whether these are in the list now.

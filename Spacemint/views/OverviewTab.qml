@@ -11,6 +11,8 @@ ScrollColumn {
 
     required property Ui ui
     property bool showAllGrowth: false
+    /// Two in a wide window: what changed, and what can be freed.
+    property int columns: 1
 
     readonly property Overview overview: ui.overview
     readonly property string growthToggle: overview.growthToggle(overview.growthCount, showAllGrowth)
@@ -26,125 +28,161 @@ ScrollColumn {
     }
     Component.onDestruction: overview.isSeen = false
 
-    // Keeps its height while its figures change.
-    ColumnLayout {
+    // Places its two parts itself: each layout around a text that wraps is one more round until the page has its height.
+    Item {
+        id: parts
+
+        readonly property real gap: root.columns > 1 ? 32 : 20
+        readonly property real columnWidth: root.columns > 1 ? (width - gap) / 2 : width
+
         Layout.fillWidth: true
-        Layout.bottomMargin: 10
-        visible: root.overview.growing.count > 0
-        spacing: 10
+        implicitHeight: root.columns > 1 ? Math.max(changed.implicitHeight, freeing.implicitHeight) : changed.implicitHeight + gap + freeing.implicitHeight
 
-        SectionHeader {
-            title: Words.growingNow
+        ColumnLayout {
+            id: changed
 
-            Label {
-                visible: text
-                text: root.overview.fullIn
-                color: Theme.amberInk
-                size: 12
-            }
-        }
-        Card {
-            Layout.fillWidth: true
-            padding: 4
-            spacing: 0
+            width: parts.columnWidth
+            spacing: 10
 
-            RowList {
+            // Keeps its height while its figures change.
+            ColumnLayout {
                 Layout.fillWidth: true
-                rows: root.overview.growing
-                name: Words.growingNow
-                sizeColor: Theme.amberInk
+                Layout.bottomMargin: 10
+                visible: root.overview.growing.count > 0
+                spacing: 10
+
+                SectionHeader {
+                    title: Words.growingNow
+
+                    Label {
+                        visible: text
+                        text: root.overview.fullIn
+                        color: Theme.amberInk
+                        size: 12
+                    }
+                }
+                Card {
+                    Layout.fillWidth: true
+                    padding: 4
+                    spacing: 0
+
+                    RowList {
+                        Layout.fillWidth: true
+                        rows: root.overview.growing
+                        name: Words.growingNow
+                        sizeColor: Theme.amberInk
+                    }
+                }
+            }
+
+            SectionHeader {
+                title: Words.whatChanged
+
+                Picker {
+                    visible: root.overview.baselines.length > 0
+                    model: root.overview.baselines
+                    currentIndex: root.overview.baselineIndex
+                    Accessible.name: Words.comparedWith
+                    onActivated: index => root.overview.chooseBaseline(index)
+                }
+            }
+            FreeSpaceLine {
+                Layout.fillWidth: true
+                history: root.ui.spaceHistory
+            }
+            Label {
+                Layout.fillWidth: true
+                visible: text
+                text: root.overview.freeChange
+                color: Theme.secondary
+                size: 12
+                wrapMode: Text.Wrap
+            }
+            Placeholder {
+                text: root.overview.growth.text
+            }
+            Card {
+                Layout.fillWidth: true
+                visible: root.overview.growth.count > 0
+                padding: 4
+                spacing: 0
+
+                RowList {
+                    Layout.fillWidth: true
+                    rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
+                    name: Words.whatChanged
+                    sizeColor: Theme.amberInk
+                }
+                QuietButtonStyle {
+                    Layout.alignment: Qt.AlignHCenter
+                    Layout.topMargin: 2
+                    Layout.bottomMargin: 2
+                    visible: root.growthToggle
+                    text: root.growthToggle
+                    onClicked: root.showAllGrowth = !root.showAllGrowth
+                }
+            }
+        }
+        ColumnLayout {
+            id: freeing
+
+            x: root.columns > 1 ? parts.columnWidth + parts.gap : 0
+            y: root.columns > 1 ? 0 : changed.implicitHeight + parts.gap
+            width: parts.columnWidth
+            spacing: 10
+
+            SectionHeader {
+                title: Words.whereToFree
+            }
+            AccessCard {
+                ui: root.ui
+                visible: !root.overview.hasAccess
+            }
+            CardList {
+                items: root.overview.trash
+                row: RemovalCard {
+                    rows: root.overview.trash
+                    revealTitle: Words.showContents
+                }
+            }
+            CardList {
+                items: root.overview.backups
+                row: RemovalCard {
+                    rows: root.overview.backups
+                    revealTitle: ItemText.showInFileManager
+                }
+            }
+            Placeholder {
+                text: root.overview.suggestions.text
+            }
+            Card {
+                Layout.fillWidth: true
+                visible: suggestions.count > 0
+                padding: 4
+                spacing: 0
+
+                Repeater {
+                    id: suggestions
+
+                    model: root.overview.suggestions
+
+                    SuggestionRow {
+                        rows: root.overview.suggestions
+                    }
+                }
+            }
+            NotInFilesSection {
+                Layout.fillWidth: true
+                Layout.topMargin: 10
+                account: root.ui.notInFiles
             }
         }
     }
+    Connections {
+        target: root.ui.page
 
-    SectionHeader {
-        title: Words.whatChanged
-
-        Picker {
-            visible: root.overview.baselines.length > 0
-            model: root.overview.baselines
-            currentIndex: root.overview.baselineIndex
-            Accessible.name: Words.comparedWith
-            onActivated: index => root.overview.chooseBaseline(index)
+        function onWhatToFreeWanted() {
+            root.scrollTo(freeing.mapToItem(root.contentItem, 0, -20).y);
         }
-    }
-    Label {
-        Layout.fillWidth: true
-        visible: text
-        text: root.overview.freeChange
-        color: Theme.secondary
-        size: 12
-        wrapMode: Text.Wrap
-    }
-    Placeholder {
-        text: root.overview.growth.text
-    }
-    Card {
-        Layout.fillWidth: true
-        visible: root.overview.growth.count > 0
-        padding: 4
-        spacing: 0
-
-        RowList {
-            Layout.fillWidth: true
-            rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
-            name: Words.whatChanged
-            sizeColor: Theme.amberInk
-        }
-        QuietButtonStyle {
-            Layout.alignment: Qt.AlignHCenter
-            Layout.topMargin: 2
-            Layout.bottomMargin: 2
-            visible: root.growthToggle
-            text: root.growthToggle
-            onClicked: root.showAllGrowth = !root.showAllGrowth
-        }
-    }
-
-    SectionHeader {
-        Layout.topMargin: 10
-        title: Words.whereToFree
-    }
-    AccessCard {
-        ui: root.ui
-        visible: !root.overview.hasAccess
-    }
-    CardList {
-        items: root.overview.trash
-        row: RemovalCard {
-            rows: root.overview.trash
-            revealTitle: Words.showContents
-        }
-    }
-    CardList {
-        items: root.overview.backups
-        row: RemovalCard {
-            rows: root.overview.backups
-            revealTitle: ItemText.showInFileManager
-        }
-    }
-    Placeholder {
-        text: root.overview.suggestions.text
-    }
-    Card {
-        Layout.fillWidth: true
-        visible: suggestions.count > 0
-        padding: 4
-        spacing: 0
-
-        Repeater {
-            id: suggestions
-
-            model: root.overview.suggestions
-
-            SuggestionRow {
-                rows: root.overview.suggestions
-            }
-        }
-    }
-    NotInFilesSection {
-        Layout.fillWidth: true
-        Layout.topMargin: 10
-        account: root.ui.notInFiles
     }
 }

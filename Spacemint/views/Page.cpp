@@ -45,6 +45,11 @@ QString Page::accessLine() const {
                                       : i18n("Some sizes will be too small."));
 }
 
+void Page::showWhatToFree() {
+  setTab(static_cast<int>(Tab::overview));
+  Q_EMIT whatToFreeWanted();
+}
+
 QString Page::message() const {
   return ShownText::sentence(host_.model.messages().message().value_or(""));
 }

@@ -48,9 +48,12 @@ class Page : public QObject {
   Q_INVOKABLE void begin() const { host_.model.begin(); }
   Q_INVOKABLE void openAccessSettings() const;
   Q_INVOKABLE void performMessageAction() const { host_.model.messages().performAction(); }
+  /// Shows the tab with what can be freed.
+  Q_INVOKABLE void showWhatToFree();
   Q_INVOKABLE void dismissMessage() const { host_.model.messages().clear(); }
 
  Q_SIGNALS:
+  void whatToFreeWanted();
   void stateChanged();
   void tabChanged();
   void showingSettingsChanged();

@@ -14,6 +14,8 @@ Rectangle {
     property bool rounded: true
     /// Height at the bottom that something else covers.
     property real covered: 0
+    /// From this width on, in the size of the text, the window has a layout of its own.
+    readonly property bool isWide: windowed && width >= 720 * Theme.textScale && root.ui.page.state === Page.Tabs
 
     implicitWidth: 460
     implicitHeight: 700
@@ -46,10 +48,26 @@ Rectangle {
             enabled: !root.ui.page.showingSettings
             focus: enabled
 
-            MainPage {
+            LazyView {
                 anchors.fill: parent
-                radius: root.radius
-                ui: root.ui
+                visible: !root.isWide
+                view: "MainPage.qml"
+                wanted: !root.isWide
+                focus: wanted
+                properties: ({
+                        radius: root.radius,
+                        ui: root.ui
+                    })
+            }
+            LazyView {
+                anchors.fill: parent
+                visible: root.isWide
+                view: "WidePage.qml"
+                wanted: root.isWide
+                focus: wanted
+                properties: ({
+                        ui: root.ui
+                    })
             }
         }
         LazyView {

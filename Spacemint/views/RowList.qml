@@ -11,6 +11,14 @@ ListView {
     required property ItemRows rows
     property bool wrapsSubtitles: false
     property color sizeColor: Theme.ink
+    property bool hasChangeColumn: false
+    property bool showsDates: false
+    /// A list whose rows are a tree: a click selects a row, a click on its chevron unfolds it.
+    property bool isTree: false
+    property real barLength: 0
+    /// The index of the selected row, and of the row that something else points at; -1 for none.
+    property int selectedIndex: -1
+    property int pointedIndex: -1
     /// A list that would be higher than this scrolls.
     property real maximumHeight: Infinity
     /// The name of the list for screen readers.
@@ -20,8 +28,19 @@ ListView {
     property double openedAt: -Infinity
     property real heightBefore: 0
 
+    /// The row under the pointer changed; -1 for none.
+    signal pointed(int index)
+    // Of a tree.
+    signal rowSelected(int index)
+    signal rowOpened(int index)
+
     function openMenu(row: ItemRow) {
-        if (!row.hasPath)
+        openMenuAt(row, row, row.mirrored ? 8 : -8, row.height - 6);
+    }
+
+    /// Opens the menu of the row at a place of another item; from the right if `x` is negative.
+    function openMenuAt(row: ItemRow, over: Item, x: real, y: real) {
+        if (!row?.hasPath)
             return;
         menu.wanted = true;
         const it = menu.item as ItemMenu;
@@ -29,7 +48,7 @@ ListView {
         it.rowId = row.rowId;
         it.canTrash = row.canTrash && !row.isBusy;
         it.isInTrash = row.isInTrash;
-        it.popup(row, row.mirrored ? 8 : row.width - it.width - 8, row.height - 6);
+        it.popup(over, x < 0 ? over.width - it.width + x : x, y);
     }
 
     /// Moves by some pages; backwards if negative.
@@ -56,7 +75,7 @@ ListView {
     activeFocusOnTab: true
     highlightMoveDuration: Theme.duration(120)
     highlightResizeDuration: 0
-    Accessible.role: Accessible.List
+    Accessible.role: isTree ? Accessible.Tree : Accessible.List
     Accessible.name: name
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Home)
@@ -82,7 +101,14 @@ ListView {
         wrapsSubtitle: root.wrapsSubtitles
         sizeColor: root.sizeColor
         hasChevronColumn: root.rows.hasChevrons
+        hasChangeColumn: root.hasChangeColumn
+        showsDates: root.showsDates
+        isInTree: root.isTree
+        barLength: root.barLength
         isCurrent: ListView.isCurrentItem
+        isSelected: index === root.selectedIndex
+        isPointedAt: index === root.pointedIndex
+        onIsUnderPointerChanged: root.pointed(isUnderPointer ? index : -1)
         // Hide pooled delegates.
         ListView.onPooled: row.visible = false
         ListView.onReused: row.visible = true
@@ -91,12 +117,17 @@ ListView {
                 return;
             root.currentIndex = row.index;
             row.forceActiveFocus(Qt.MouseFocusReason);
+            if (root.isTree)
+                return root.rowSelected(row.index);
             if (row.showsChevron)
                 root.openedAt = time;
             row.open();
         }
+        onOpened: root.rowOpened(index)
         onMenuWanted: {
             root.currentIndex = row.index;
+            if (root.isTree)
+                root.rowSelected(row.index);
             root.openMenu(row);
         }
     }

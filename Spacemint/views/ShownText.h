@@ -18,6 +18,10 @@ inline const std::string wordsLocale = "en";
 /// A name or a path as it is. Bytes that are not UTF-8 become replacement characters.
 QString plain(std::string_view text);
 
+/// The text on one line and in the order of its letters. The name of a file may contain characters that break
+/// the line or reverse the letters after them.
+QString onOneLine(QString text);
+
 /// A sentence in which a line never breaks between a figure and its unit: "1.2 GB" has a no-break space.
 QString sentence(std::string_view text);
 

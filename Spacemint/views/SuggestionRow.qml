@@ -108,13 +108,13 @@ Item {
                     opacity: root.canExpand ? 1 : 0
                     symbol: "chevron.down"
                     size: 13
-                    color: header.hovered ? Theme.ink : Theme.tertiary
+                    color: header.hovered ? Theme.ink : Theme.secondary
                     rotation: root.expanded ? 180 : 0
 
                     Behavior on rotation {
                         NumberAnimation {
                             duration: Theme.duration(180)
-                            easing.type: Easing.OutBack
+                            easing.type: Easing.OutCubic
                         }
                     }
                 }

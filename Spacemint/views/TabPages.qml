@@ -23,48 +23,9 @@ ColumnLayout {
     RowDivider {
         Layout.fillWidth: true
     }
-    Item {
+    TabStack {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        clip: true
-
-        TabPage {
-            isCurrent: root.ui.page.tab === 0
-            view: "OverviewTab.qml"
-            properties: ({
-                    ui: root.ui
-                })
-        }
-        TabPage {
-            isCurrent: root.ui.page.tab === 1
-            view: "FoldersTab.qml"
-            properties: ({
-                    ui: root.ui
-                })
-        }
-        TabPage {
-            isCurrent: root.ui.page.tab === 2
-            view: "FilesTab.qml"
-            properties: ({
-                    ui: root.ui
-                })
-        }
-        TabPage {
-            isCurrent: root.ui.page.tab === 3
-            view: "DeveloperTab.qml"
-            properties: ({
-                    ui: root.ui
-                })
-        }
-    }
-
-    component TabPage: LazyView {
-        required property bool isCurrent
-
-        anchors.fill: parent
-        visible: isCurrent
-        wanted: false
-        onIsCurrentChanged: wanted = wanted || isCurrent
-        Component.onCompleted: wanted = wanted || isCurrent
+        ui: root.ui
     }
 }

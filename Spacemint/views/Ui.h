@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Spacemint/views/Developer.h"
+#include "Spacemint/views/Explorer.h"
 #include "Spacemint/views/Files.h"
 #include "Spacemint/views/Folders.h"
+#include "Spacemint/views/FreeLine.h"
 #include "Spacemint/views/NotInFiles.h"
 #include "Spacemint/views/Overview.h"
 #include "Spacemint/views/Page.h"
@@ -29,8 +31,10 @@ class Ui : public QObject {
   Q_PROPERTY(spacemint::SettingsForm* settings READ settings CONSTANT)
   // The tabs.
   Q_PROPERTY(spacemint::Overview* overview READ overview CONSTANT)
+  Q_PROPERTY(spacemint::SpaceHistory* spaceHistory READ spaceHistory CONSTANT)
   Q_PROPERTY(spacemint::NotInFiles* notInFiles READ notInFiles CONSTANT)
   Q_PROPERTY(spacemint::Folders* folders READ folders CONSTANT)
+  Q_PROPERTY(spacemint::Explorer* explorer READ explorer CONSTANT)
   Q_PROPERTY(spacemint::Files* files READ files CONSTANT)
   Q_PROPERTY(spacemint::Developer* developer READ developer CONSTANT)
  public:
@@ -42,8 +46,10 @@ class Ui : public QObject {
   Question* confirmation() { return &confirmation_; }
   SettingsForm* settings() { return &settings_; }
   Overview* overview() { return &overview_; }
+  SpaceHistory* spaceHistory() { return &spaceHistory_; }
   NotInFiles* notInFiles() { return &notInFiles_; }
   Folders* folders() { return &folders_; }
+  Explorer* explorer() { return &explorer_; }
   Files* files() { return &files_; }
   Developer* developer() { return &developer_; }
 
@@ -58,8 +64,10 @@ class Ui : public QObject {
   Question confirmation_{host_};
   SettingsForm settings_{host_};
   Overview overview_{host_};
+  SpaceHistory spaceHistory_{host_};
   NotInFiles notInFiles_{host_};
   Folders folders_{host_};
+  Explorer explorer_{host_};
   Files files_{host_};
   Developer developer_{host_};
 };

@@ -11,6 +11,8 @@ ColumnLayout {
 
     /// A list of VolumeLine.
     required property list<var> volumes
+    /// Leaves out the total, for a narrow place.
+    property bool isNarrow: false
     property bool showsAll: false
     readonly property int shown: 3
 
@@ -27,7 +29,7 @@ ColumnLayout {
             readonly property var volume: root.volumes[index]
             readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][volume.level]
             // With large letters there is no room for the total.
-            readonly property bool isLarge: Theme.scaled(100) > 140
+            readonly property bool isLarge: root.isNarrow || Theme.scaled(100) > 140
 
             Layout.fillWidth: true
             Layout.minimumHeight: Theme.scaled(22)
@@ -41,7 +43,7 @@ ColumnLayout {
                 color: line.volume.level > 0 ? line.levelColor : Theme.secondary
             }
             Label {
-                Layout.preferredWidth: Theme.scaled(line.isLarge ? 64 : 84)
+                Layout.preferredWidth: Theme.scaled(root.isNarrow ? 52 : line.isLarge ? 64 : 84)
                 text: line.volume.name
                 size: 12
                 elide: Text.ElideRight

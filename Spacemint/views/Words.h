@@ -36,6 +36,13 @@ class Words : public QObject {
   /// The name of the bar with the tabs.
   SPACEMINT_WORD(pages, i18nc("the tabs", "Pages"))
 
+  SPACEMINT_WORD(showWhatToFree, i18n("Show what to free"))
+
+  // The large window.
+  SPACEMINT_WORD(findInScan, i18n("Find in this scan"))
+  /// The name of the control that chooses what the colours of a map mean.
+  SPACEMINT_WORD(colours, i18n("Colours"))
+
   // WelcomeView and FirstScanView.
   SPACEMINT_WORD(welcomeTitle, i18n("Never be surprised by a full disk again."))
   SPACEMINT_WORD(welcomeLine,

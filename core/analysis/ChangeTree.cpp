@@ -4,7 +4,6 @@
 #include "core/base/Unicode.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <unordered_set>
 
 namespace spacemint {
@@ -27,28 +26,33 @@ class Comparison {
         .isDirectory = present.isDirectory,
         .isNew = before == nullptr,
         .isGone = now == nullptr};
-    const bool areFolders = before != nullptr && now != nullptr && before->isDirectory && now->isDirectory;
-    if (areFolders) compareChildren(*before, *now, path, change);
+    // Of a folder that is gone there is nothing more to say; in one that is new everything is.
+    const bool isFolder = now != nullptr && now->isDirectory && (before == nullptr || before->isDirectory);
+    if (isFolder && !seenNow_.isRoot(path) && !seenBefore_.isRoot(path))
+      compareChildren(before, *now, path, change);
     return change;
   }
 
  private:
-  void compareChildren(const Node& before, const Node& now, const std::string& path, ChangeTree& into) const {
-    const ChildrenByName others{&before};
+  void compareChildren(const Node* before, const Node& now, const std::string& path, ChangeTree& into) const {
+    const ChildrenByName others{before};
     std::unordered_set<const Node*> found;
     for (const Node& child : now.children) {
       const Node* other = others.find(child.name);
       found.insert(other);
       add(compare(other, &child, Paths::join(path, child.name)), into);
     }
-    for (const Node& child : before.children) {
-      if (!found.contains(&child)) add(compare(&child, nullptr, Paths::join(path, child.name)), into);
+    if (before != nullptr) {
+      for (const Node& child : before->children) {
+        if (!found.contains(&child)) add(compare(&child, nullptr, Paths::join(path, child.name)), into);
+      }
     }
     std::ranges::sort(into.children, {}, &ChangeTree::name);
   }
 
   static void add(ChangeTree change, ChangeTree& into) {
-    if (std::abs(change.delta) < ChangeTree::minimum && change.children.empty()) return;
+    const bool isSmall = change.delta < ChangeTree::minimum && change.delta > -ChangeTree::minimum;
+    if (isSmall && change.children.empty()) return;
     into.children.push_back(std::move(change));
   }
 

@@ -53,6 +53,7 @@ const CoveredPlace* Revealed::placeLike(const Snapshot& scan, const CoveredPlace
 
 void Revealed::add(const std::string& path, Bytes size) {
   if (!isAtOrBelow(path, root_)) return;
+  roots_.insert(path);
   std::string_view at = path;
   while (at.size() > root_.size()) {
     Bytes& bytes = bytes_[std::string{at}];

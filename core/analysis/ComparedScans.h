@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -34,6 +35,8 @@ class Revealed {
 
   bool empty() const { return bytes_.empty(); }
   Bytes at(const std::string& path) const;
+  /// Whether the first scan could not see anything in this folder.
+  bool isRoot(const std::string& path) const { return roots_.contains(path); }
   /// The folders that could not be read, with the bytes in them.
   const std::vector<std::pair<std::string, Bytes>>& folders() const { return folders_; }
 
@@ -46,6 +49,7 @@ class Revealed {
 
   std::string root_;
   std::unordered_map<std::string, Bytes> bytes_;
+  std::unordered_set<std::string> roots_;
   std::vector<std::pair<std::string, Bytes>> folders_;
 };
 

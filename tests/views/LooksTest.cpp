@@ -234,7 +234,10 @@ TEST_F(LooksTest, aNameEndsBeforeTheButtonsOfItsRow) {
     settle();
     const QQuickItem* buttons = view->find({}, "ItemButtons").value(0);
     ASSERT_TRUE(buttons);
-    const QQuickItem* shown = label(name);
+    // The row is below the line that says the same name.
+    const QQuickItem* shown = view->find(QString{}, "QQuickText").value(0);
+    for (const QQuickItem* item : view->find({}, "QQuickText"))
+      if (item->property("text").toString() == QString::fromStdString(name)) shown = item;
     EXPECT_TRUE(shown->property("truncated").toBool());
     EXPECT_LE(shown->mapToScene({shown->width(), 0}).x(), buttons->mapToScene({}).x());
     view.reset();
@@ -264,7 +267,10 @@ const std::map<QAccessible::Role, std::string> controlRoles{
     {QAccessible::ComboBox, "combo box"},   {QAccessible::RadioButton, "radio button"},
     {QAccessible::PageTab, "tab"},          {QAccessible::ListItem, "list item"},
     {QAccessible::ProgressBar, "progress"}, {QAccessible::Heading, "heading"},
-    {QAccessible::AlertMessage, "alert"},   {QAccessible::Dialog, "dialog"}};
+    {QAccessible::AlertMessage, "alert"},   {QAccessible::Dialog, "dialog"},
+    {QAccessible::Slider, "slider"},        {QAccessible::Tree, "tree"},
+    {QAccessible::TreeItem, "tree item"},   {QAccessible::Graphic, "picture"},
+    {QAccessible::EditableText, "field"}};
 
 class ScreenReaderTest : public ShownTabs {
  protected:
@@ -321,6 +327,11 @@ TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
   add("overview");
   model->setTab(Tab::folders);
   add("folders");
+  view->root()->setProperty("windowed", true);
+  view->window().resize(1080, 720);
+  add("folders in a large window");
+  view->window().resize(460, 1000);
+  view->root()->setProperty("windowed", false);
   model->setTab(Tab::files);
   add("files");
   model->setTab(Tab::developer);

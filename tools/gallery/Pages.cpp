@@ -52,6 +52,7 @@ std::vector<Page> pages() {
   };
   std::ranges::move(pagesOfPanel(), std::back_inserter(all));
   std::ranges::move(pagesOfTabs(), std::back_inserter(all));
+  std::ranges::move(pagesOfPictures(), std::back_inserter(all));
   return all;
 }
 

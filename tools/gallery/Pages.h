@@ -31,6 +31,8 @@ struct Page {
 std::vector<Page> pagesOfPanel();
 /// The pages with a tab.
 std::vector<Page> pagesOfTabs();
+/// The pages with pictures of folders, and the large window.
+std::vector<Page> pagesOfPictures();
 
 /// All pages, in the order in which they are drawn.
 std::vector<Page> pages();

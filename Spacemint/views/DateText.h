@@ -1,0 +1,26 @@
+#pragma once
+
+#include "core/base/Date.h"
+
+#include <QString>
+
+#include <string>
+
+namespace spacemint {
+
+/// Dates in the user's time zone, in the words of English and the formats of `locale`, an ICU locale
+/// identifier.
+namespace DateText {
+
+/// "Tue 24 Nov, 2:49 AM"
+QString moment(Date date, const std::string& locale);
+/// "24 Nov"
+QString day(Date date);
+/// "2:49 AM"
+QString time(Date date, const std::string& locale);
+/// "Nov 2026"
+QString month(Date date);
+
+}  // namespace DateText
+
+}  // namespace spacemint

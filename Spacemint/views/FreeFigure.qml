@@ -1,0 +1,35 @@
+import QtQuick
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// The free space as a large figure.
+Row {
+    id: root
+
+    required property Ui ui
+    property real size: 44
+    readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][ui.summary.level]
+    /// A large figure grows half as much as the text around it.
+    readonly property real ownScale: (1 + Theme.textScale) / 2 / Theme.textScale
+    readonly property real textBaseline: figure.baselineOffset
+
+    Word {
+        text: root.ui.summary.beforeFree
+    }
+    Label {
+        id: figure
+
+        text: root.ui.summary.free
+        font: Theme.display(root.size * root.ownScale, text)
+        color: root.levelColor
+    }
+    Word {
+        text: root.ui.summary.afterFree
+    }
+
+    component Word: Label {
+        y: figure.baselineOffset - baselineOffset
+        font: Theme.display(root.size * root.ownScale * 0.46, text)
+        color: root.levelColor
+    }
+}

@@ -1,0 +1,288 @@
+#include "Spacemint/views/FreeLine.h"
+
+#include "Spacemint/views/DateText.h"
+#include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
+#include "core/wording/PictureText.h"
+#include "ui_kit/Theme.h"
+#include "ui_kit/UiKit.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace spacemint {
+
+// The data
+
+SpaceHistory::SpaceHistory(const UiHost& host) : host_(host) {
+  AppModel& model = host_.model;
+  connect(&model, &AppModel::statusChanged, this, &SpaceHistory::update);
+  connect(&model.history(), &ScanHistory::entriesChanged, this, &SpaceHistory::update);
+  connect(&model.history(), &ScanHistory::baselineEntryChanged, this, &SpaceHistory::changed);
+  connect(&model.currentFindings(), &CurrentFindings::updated, this, &SpaceHistory::update);
+  update();
+}
+
+void SpaceHistory::update() {
+  const auto read = [record = host_.model.freeSpace(), now = host_.desktop.clock.now()] {
+    return record.readings(now);
+  };
+  host_.desktop.tasks.run(Tasks::Priority::utility, this, read,
+                          [this](auto readings) { show(std::move(readings)); });
+}
+
+void SpaceHistory::show(std::vector<FreeSpaceReading> readings) {
+  const auto& volume = host_.model.volume().status();
+  const auto& change = host_.model.findings().spaceChange;
+  const auto& baseline = host_.model.history().baselineEntry();
+  // The scans that are compared knew the free space, too, and may be older than the record.
+  const auto add = [&](Date date, Bytes free) {
+    if (readings.empty() || date < readings.front().date) readings.insert(readings.begin(), {date, free, 0});
+  };
+  if (const auto& scan = host_.model.history().snapshot()) add(scan->date, scan->volumeFree);
+  if (change && baseline) add(baseline->date, change->freeBefore);
+  line_ = {};
+  // The newest scan is the one that is compared, not one to compare with.
+  entries_ = host_.model.history().entries();
+  if (!entries_.empty()) entries_.erase(entries_.begin());
+  if (volume) {
+    std::vector<Date> scans;
+    for (const auto& entry : entries_) scans.push_back(entry.date);
+    line_ = spaceLine({.readings = readings,
+                       .now = {host_.desktop.clock.now(), volume->free, volume->total},
+                       .scans = scans,
+                       .warningLevel = host_.model.prefs().warningThresholdGB() * gigabyte});
+  }
+  Q_EMIT changed();
+}
+
+QString SpaceHistory::text() const {
+  return line_.points.size() == 1 ? ShownText::plain(PictureText::lineBegins()) : QString{};
+}
+
+int SpaceHistory::chosen() const {
+  const auto& baseline = host_.model.history().baselineEntry();
+  for (int place = 0; baseline && place < count(); ++place) {
+    if (entries_[scanAt(place).index] == *baseline) return place;
+  }
+  return -1;
+}
+
+QString SpaceHistory::chosenText() const {
+  return isPlace(chosen()) ? help(chosen()).section(u'\n', 0, 0) : QString{};
+}
+
+void SpaceHistory::choose(int place) {
+  if (isPlace(place)) host_.model.history().setBaselineEntry(entries_[scanAt(place).index]);
+}
+
+QString SpaceHistory::help(int place) const {
+  if (!isPlace(place)) return {};
+  const SpacePoint& point = scanAt(place).point;
+  const std::string moment = DateText::moment(point.date, host_.locale).toStdString();
+  return ShownText::sentence(PictureText::momentHelp(moment, point.free, place == chosen(), host_.locale));
+}
+
+QString SpaceHistory::levelText() const {
+  return ShownText::sentence(
+      ByteFormat::string(host_.model.prefs().warningThresholdGB() * gigabyte, host_.locale));
+}
+
+QString SpaceHistory::dateText(Date date) const {
+  const auto length = timeBetween(line_.points.front().date, line_.points.back().date);
+  return length < std::chrono::days{2} ? DateText::time(date, host_.locale)
+                                       : DateText::day(date);
+}
+
+// The line
+
+FreeLine::FreeLine(QQuickItem* parent) : QQuickPaintedItem(parent) {
+  setAntialiasing(true);
+  setAcceptHoverEvents(true);
+  setAcceptedMouseButtons(Qt::LeftButton);
+}
+
+void FreeLine::componentComplete() {
+  QQuickPaintedItem::componentComplete();
+  connect(&theme(), &Theme::isDarkChanged, this, [this] { update(); });
+  connect(&theme(), &Theme::textScaleChanged, this, [this] { update(); });
+}
+
+void FreeLine::setHistory(SpaceHistory* history) {
+  if (history == history_) return;
+  if (history_ != nullptr) history_->disconnect(this);
+  history_ = history;
+  connect(history_, &SpaceHistory::changed, this, [this] {
+    setPointed(-1);
+    update();
+  });
+  Q_EMIT historyChanged();
+}
+
+void FreeLine::setLineHeight(qreal height) {
+  if (height == lineHeight_) return;
+  lineHeight_ = height;
+  update();
+  Q_EMIT lineHeightChanged();
+}
+
+const Theme& FreeLine::theme() const {
+  return UiKit::theme(*qmlEngine(this));
+}
+
+// The last point is a dot, which needs room at the right.
+QPointF FreeLine::pointOf(const SpacePoint& point) const {
+  constexpr qreal left = 2;
+  constexpr qreal right = 6;
+  return {left + point.x * (width() - left - right), point.y * lineHeight_};
+}
+
+const SpacePoint& FreeLine::scanPoint(int place) const {
+  const auto& scans = history_->line().scans;
+  return scans.at(scans.size() - 1 - static_cast<std::size_t>(place)).point;
+}
+
+int FreeLine::placeAt(qreal x) const {
+  constexpr qreal reach = 14;
+  int nearest = -1;
+  qreal distance = reach;
+  for (int place = 0; place < history_->count(); ++place) {
+    const qreal away = std::abs(pointOf(scanPoint(place)).x() - x);
+    if (away > distance) continue;
+    distance = away;
+    nearest = place;
+  }
+  return nearest;
+}
+
+void FreeLine::setPointed(int place) {
+  if (place == pointed_) return;
+  pointed_ = place;
+  update();
+  Q_EMIT pointedChanged();
+}
+
+void FreeLine::hoverMoveEvent(QHoverEvent* event) {
+  setPointed(placeAt(event->position().x()));
+}
+
+void FreeLine::hoverLeaveEvent(QHoverEvent* /*event*/) {
+  setPointed(-1);
+}
+
+void FreeLine::mousePressEvent(QMouseEvent* event) {
+  const int place = placeAt(event->position().x());
+  if (place < 0) return event->ignore();
+  history_->choose(place);
+}
+
+void FreeLine::paint(QPainter* painter) {
+  if (history_ == nullptr || !history_->isKnown()) return;
+  painter->setRenderHint(QPainter::Antialiasing);
+  QFont font{theme().sansFamily()};
+  constexpr qreal size = 11;
+  font.setPixelSize(static_cast<int>(std::round(size * theme().textScale())));
+  painter->setFont(font);
+  paintGround(*painter);
+  paintLine(*painter);
+  paintScans(*painter);
+  paintDates(*painter);
+}
+
+void FreeLine::paintGround(QPainter& painter) const {
+  const SpaceLine& line = history_->line();
+  const qreal end = pointOf(line.points.back()).x();
+  painter.fillRect(QRectF{0, lineHeight_ - 1, width(), 1}, theme().border());
+  if (const int chosen = history_->chosen(); chosen >= 0) {
+    QColor ground = theme().selected();
+    constexpr qreal faint = 0.6;
+    ground.setAlphaF(faint);
+    const qreal from = pointOf(scanPoint(chosen)).x();
+    painter.fillRect(QRectF{from, 0, end - from, lineHeight_}, ground);
+  }
+  if (!line.level || line.points.size() < 2) return;
+  const qreal y = std::round(*line.level * lineHeight_) - 0.5;
+  painter.setPen(QPen{theme().warning(), 1, Qt::CustomDashLine, Qt::FlatCap});
+  QPen pen = painter.pen();
+  pen.setDashPattern({3, 3});
+  painter.setPen(pen);
+  painter.drawLine(QPointF{0, y}, QPointF{width(), y});
+  painter.setPen(theme().secondary());
+  constexpr qreal gap = 2;
+  painter.drawText(QPointF{gap, y - gap - 1}, history_->levelText());
+}
+
+void FreeLine::paintLine(QPainter& painter) const {
+  const auto& points = history_->line().points;
+  const QPen known{theme().ink(), 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
+  QPen unknown = known;
+  unknown.setDashPattern({2 / known.widthF(), 4 / known.widthF()});
+  unknown.setCapStyle(Qt::FlatCap);
+  QPolygonF run;
+  const auto finishRun = [&] {
+    painter.setPen(known);
+    painter.drawPolyline(run);
+    run.clear();
+  };
+  for (const SpacePoint& point : points) {
+    if (point.isAfterGap) {
+      const QPointF last = run.back();
+      finishRun();
+      painter.setPen(unknown);
+      painter.drawLine(last, pointOf(point));
+    }
+    run << pointOf(point);
+  }
+  finishRun();
+}
+
+void FreeLine::paintScans(QPainter& painter) const {
+  constexpr qreal tick = 6;
+  const int chosen = history_->chosen();
+  for (int place = 0; place < history_->count(); ++place) {
+    const QPointF at = pointOf(scanPoint(place));
+    const qreal x = std::round(at.x());
+    painter.fillRect(QRectF{x, lineHeight_ - tick, 1, tick}, theme().secondary());
+    if (place == pointed_ && place != chosen) {
+      painter.fillRect(QRectF{x, 0, 1, lineHeight_}, theme().secondary());
+      painter.setPen(Qt::NoPen);
+      painter.setBrush(theme().ink());
+      painter.drawEllipse(at, 4, 4);
+    }
+  }
+  if (chosen >= 0) {
+    const QPointF at = pointOf(scanPoint(chosen));
+    painter.fillRect(QRectF{std::round(at.x()) - 1, 0, 2, lineHeight_}, theme().ink());
+    painter.setPen(QPen{theme().ink(), 2});
+    painter.setBrush(theme().canvas());
+    painter.drawEllipse(at, 4, 4);
+  }
+  const std::array colours{theme().ink(), theme().warning(), theme().critical()};
+  constexpr qreal last = 3.5;
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(colours.at(static_cast<std::size_t>(history_->level())));
+  painter.drawEllipse(pointOf(history_->line().points.back()), last, last);
+}
+
+void FreeLine::paintDates(QPainter& painter) const {
+  const SpaceLine& line = history_->line();
+  const QRectF below{0, lineHeight_ + 2, width(), height() - lineHeight_ - 2};
+  painter.setPen(theme().secondary());
+  const QFontMetricsF metrics{painter.font()};
+  const QString now = ShownText::plain(PictureText::now());
+  painter.drawText(below, Qt::AlignRight | Qt::AlignTop, now);
+  if (line.points.size() < 2) return;
+  const Date begin = line.points.front().date;
+  const QString first = history_->dateText(begin);
+  painter.drawText(below, Qt::AlignLeft | Qt::AlignTop, first);
+  const auto half = timeBetween(begin, line.points.back().date) / 2;
+  const QString middle = history_->dateText(begin + half);
+  const qreal room = width() - metrics.horizontalAdvance(first) - metrics.horizontalAdvance(now);
+  if (line.points.size() == 2 || metrics.horizontalAdvance(middle) * 3 > room) return;
+  painter.drawText(below, Qt::AlignHCenter | Qt::AlignTop, middle);
+}
+
+}  // namespace spacemint

@@ -1,0 +1,120 @@
+#include "Spacemint/views/PictureItem.h"
+#include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
+#include "ui_kit/Theme.h"
+
+#include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace spacemint {
+
+Icicle::Icicle(QQuickItem* parent) : PictureItem(parent) {
+  setActiveFocusOnTab(true);
+  connect(this, &PictureItem::tilesChanged, this, [this] {
+    current_ = 0;
+    Q_EMIT currentChanged();
+  });
+}
+
+std::vector<Tile> Icicle::layOut() const {
+  return icicle(explorer()->folder().pictured(), {.width = width(), .row = scaled(IcicleMeasures{}.row)},
+                explorer()->volumeParts());
+}
+
+QVariantList Icicle::blocks() const {
+  QVariantList blocks;
+  for (std::size_t i = 0; i < tiles().size(); ++i) {
+    blocks << QVariantMap{{QStringLiteral("frame"), frameOf(i)},
+                          {QStringLiteral("spoken"), explorer()->spoken(tiles()[i])}};
+  }
+  return blocks;
+}
+
+void Icicle::paintTile(QPainter& painter, const Tile& tile) const {
+  fill(painter, tile);
+  constexpr qreal inset = 6;
+  if (tile.box.width < scaled(40) || tile.kind == Tile::Kind::notInFiles) return;
+  painter.setPen(tile.kind == Tile::Kind::free || tile.kind == Tile::Kind::small ? theme().secondary()
+                                                                                 : ink(tile));
+  painter.setFont(font(tile.depth == 0 ? QFont::DemiBold : QFont::Medium));
+  const QFontMetricsF metrics{painter.font()};
+  QRectF line{tile.box.x + inset, tile.box.y, tile.box.width - 2 * inset, tile.box.height};
+  if (tile.box.width >= scaled(96)) {
+    const QString size = ShownText::plain(ByteFormat::string(tile.size, explorer()->locale()));
+    painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, size);
+    line.setRight(line.right() - metrics.horizontalAdvance(size) - inset);
+  }
+  painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
+                   metrics.elidedText(explorer()->nameOf(tile), Qt::ElideRight, line.width()));
+}
+
+// The first row leads up, a folder is opened, and all else becomes the current row of the list.
+void Icicle::choose(std::size_t tile) {
+  const Tile& chosen = tiles()[tile];
+  if (chosen.kind == Tile::Kind::folder) return explorer()->goUp();
+  if (chosen.kind == Tile::Kind::notInFiles) return Q_EMIT explorer()->notInFilesWanted();
+  if (chosen.kind == Tile::Kind::files || chosen.kind == Tile::Kind::free) return;
+  if (chosen.node != nullptr && chosen.node->isDirectory) return explorer()->open(path(tile));
+  const Node& folder = *explorer()->folder().node;
+  const Node* child = chosen.depth > 1 ? tiles()[chosen.parent].node : chosen.node;
+  if (child == nullptr) return Q_EMIT rowWanted(static_cast<int>(folder.children.size()) - 1);
+  Q_EMIT rowWanted(static_cast<int>(child - folder.children.data()));
+}
+
+// The keyboard
+
+std::size_t Icicle::besides(int step) const {
+  const auto depth = tiles()[current_].depth;
+  for (std::size_t i = current_ + static_cast<std::size_t>(step); i < tiles().size();
+       i += static_cast<std::size_t>(step)) {
+    if (tiles()[i].depth == depth) return i;
+  }
+  return current_;
+}
+
+std::size_t Icicle::below() const {
+  const auto& all = tiles();
+  const auto child = std::ranges::find(all, current_, &Tile::parent);
+  return child != all.end() ? static_cast<std::size_t>(child - all.begin()) : current_;
+}
+
+void Icicle::moveTo(std::size_t tile) {
+  current_ = tile;
+  point(tile);
+  Q_EMIT currentChanged();
+}
+
+void Icicle::keyPressEvent(QKeyEvent* event) {
+  if (current_ >= tiles().size()) return event->ignore();
+  const bool isBack = event->key() == Qt::Key_Backspace ||
+                      (event->key() == Qt::Key_Left && (event->modifiers() & Qt::AltModifier) != 0);
+  if (isBack) return explorer()->goUp();
+  switch (event->key()) {
+    case Qt::Key_Left:
+      return moveTo(besides(-1));
+    case Qt::Key_Right:
+      return moveTo(besides(1));
+    case Qt::Key_Down:
+      return moveTo(below());
+    case Qt::Key_Up:
+      return moveTo(tiles()[current_].parent != Tile::none ? tiles()[current_].parent : current_);
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return choose(current_);
+    default:
+      event->ignore();
+  }
+}
+
+void Icicle::focusInEvent(QFocusEvent* event) {
+  PictureItem::focusInEvent(event);
+  if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) moveTo(current_);
+}
+
+void Icicle::focusOutEvent(QFocusEvent* event) {
+  PictureItem::focusOutEvent(event);
+  point(Tile::none);
+}
+
+}  // namespace spacemint

@@ -1,0 +1,153 @@
+#pragma once
+
+#include "Spacemint/views/Explorer.h"
+
+#include <QQuickPaintedItem>
+#include <QRectF>
+
+#include <vector>
+
+namespace spacemint {
+
+class Theme;
+
+/// A picture of the open folder, painted as a whole. It knows which tile is under the pointer; the frames of
+/// the tile under the pointer and of the selected one are left to QML, so that a hover paints nothing anew.
+/// Main thread only.
+class PictureItem : public QQuickPaintedItem {
+  Q_OBJECT
+  QML_ANONYMOUS
+  Q_PROPERTY(spacemint::Explorer* explorer READ explorer WRITE setExplorer NOTIFY explorerChanged REQUIRED)
+  // The places of these tiles; empty if there are none.
+  Q_PROPERTY(QRectF pointedFrame READ pointedFrame NOTIFY framesChanged)
+  Q_PROPERTY(QRectF selectedFrame READ selectedFrame NOTIFY framesChanged)
+  /// Where the folder that is open now was in the picture before, or the other way round.
+  Q_PROPERTY(QRectF zoomedFrom READ zoomedFrom NOTIFY zoomed)
+ public:
+  explicit PictureItem(QQuickItem* parent = nullptr);
+
+  Explorer* explorer() const { return explorer_; }
+  void setExplorer(Explorer* explorer);
+  QRectF pointedFrame() const { return frameOf(pointedTile()); }
+  QRectF selectedFrame() const;
+  const QRectF& zoomedFrom() const { return zoomedFrom_; }
+
+  void paint(QPainter* painter) final;
+
+ Q_SIGNALS:
+  void explorerChanged();
+  void framesChanged();
+  void tilesChanged();
+  void zoomed();
+  /// The menu of the selected item is wanted at this point.
+  void menuWanted(qreal x, qreal y);
+
+ protected:
+  virtual std::vector<Tile> layOut() const = 0;
+  virtual void paintTile(QPainter& painter, const Tile& tile) const = 0;
+  /// A click on the tile.
+  virtual void choose(std::size_t tile) = 0;
+  virtual void openTile(std::size_t tile) = 0;
+
+  const std::vector<Tile>& tiles() const { return tiles_; }
+  std::string path(std::size_t tile) const;
+  const Theme& theme() const;
+  QFont font(int weight) const;
+  qreal scaled(qreal length) const;
+  QRectF frameOf(std::size_t tile) const;
+  std::size_t tileOfItem(const std::string& itemPath) const;
+  virtual std::size_t pointedTile() const;
+  void point(std::size_t tile);
+
+  // The parts of all pictures.
+  /// Fills the tile: what is there, from below what came, or the age.
+  void fill(QPainter& painter, const Tile& tile) const;
+  QColor ink(const Tile& tile) const;
+  void hatch(QPainter& painter, const QRectF& box) const;
+  static void roundedBox(QPainter& painter, const QRectF& box);
+
+  void componentComplete() override;
+  void geometryChange(const QRectF& now, const QRectF& before) override;
+  void hoverMoveEvent(QHoverEvent* event) override;
+  void hoverLeaveEvent(QHoverEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+ private:
+  void rebuild();
+  void fillGrowth(QPainter& painter, const Tile& tile) const;
+  void fillAge(QPainter& painter, const Tile& tile) const;
+  std::size_t tileUnder(const QPointF& point) const { return tileAt(tiles_, point.x(), point.y()); }
+
+  Explorer* explorer_ = nullptr;
+  std::vector<Tile> tiles_;
+  /// Keeps the nodes that the tiles point to.
+  ShownFolder folder_;
+  QRectF zoomedFrom_;
+  std::size_t under_ = Tile::none;
+  bool isComplete_ = false;
+};
+
+// The full name of the base class: the tools of QML find it by no other.
+
+/// The open folder as a tree map: its items, and what is in them.
+class TreeMap : public spacemint::PictureItem {
+  Q_OBJECT
+  QML_ELEMENT
+ public:
+  using PictureItem::PictureItem;
+
+ protected:
+  std::vector<Tile> layOut() const override;
+  void paintTile(QPainter& painter, const Tile& tile) const override;
+  void choose(std::size_t tile) override;
+  void openTile(std::size_t tile) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  void paintFrame(QPainter& painter, const Tile& tile) const;
+  void paintLabel(QPainter& painter, const Tile& tile) const;
+
+  int wheelTurn_ = 0;
+};
+
+/// The open folder as three rows: itself, its items, and theirs.
+class Icicle : public spacemint::PictureItem {
+  Q_OBJECT
+  QML_ELEMENT
+  /// The tiles for screen readers, each with `frame` and `spoken`.
+  Q_PROPERTY(QVariantList blocks READ blocks NOTIFY tilesChanged)
+  /// The index of the tile that the keyboard is at.
+  Q_PROPERTY(int current READ current NOTIFY currentChanged)
+  Q_PROPERTY(QRectF currentFrame READ currentFrame NOTIFY currentChanged)
+ public:
+  explicit Icicle(QQuickItem* parent = nullptr);
+
+  QVariantList blocks() const;
+  int current() const { return current_ < tiles().size() ? static_cast<int>(current_) : 0; }
+  QRectF currentFrame() const { return frameOf(static_cast<std::size_t>(current())); }
+
+ Q_SIGNALS:
+  void currentChanged();
+  /// The row at this index of the folder's list should become the current one.
+  void rowWanted(int index);
+
+ protected:
+  std::vector<Tile> layOut() const override;
+  void paintTile(QPainter& painter, const Tile& tile) const override;
+  void choose(std::size_t tile) override;
+  void openTile(std::size_t tile) override { choose(tile); }
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+
+ private:
+  void moveTo(std::size_t tile);
+  std::size_t besides(int step) const;
+  std::size_t below() const;
+
+  std::size_t current_ = 0;
+};
+
+}  // namespace spacemint

@@ -1,0 +1,38 @@
+#include "Spacemint/views/ShownFolder.h"
+
+namespace spacemint {
+
+ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wanted) {
+  const SharedSnapshot& snapshot = model.history().snapshot();
+  if (!snapshot) return {};
+  const auto& changes = model.findings().changes;
+  ShownFolder found{.snapshot = snapshot,
+                    .changes = changes,
+                    .path = snapshot->rootPath(),
+                    .node = &snapshot->root,
+                    .change = changes.get()};
+  const auto names = wanted ? snapshot->components(*wanted) : std::nullopt;
+  if (!names) return found;
+  for (const std::string& name : *names) {
+    const Node* child = found.node->child(name);
+    if (child == nullptr || !child->isDirectory) break;
+    found.parent = found.path;
+    found.path = Paths::join(found.path, child->name);
+    found.node = child;
+    if (found.change != nullptr) found.change = found.change->child(child->name);
+  }
+  return found;
+}
+
+ShownFolder shownFolder(const AppModel& model) {
+  return folderAt(model, model.folderPath());
+}
+
+std::optional<std::string_view> pathBelow(std::string_view path, std::string_view folder) {
+  if (!path.starts_with(folder) || path.size() <= folder.size()) return std::nullopt;
+  path.remove_prefix(folder.size());
+  if (path.front() == '/') return path.substr(1);
+  return folder.ends_with('/') ? std::optional{path} : std::nullopt;
+}
+
+}  // namespace spacemint

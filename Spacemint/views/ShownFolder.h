@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Spacemint/model/AppModel.h"
+#include "core/picture/FolderPicture.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace spacemint {
+
+/// A folder of the current scan, with its path as the tree spells it, and with what changed in it.
+struct ShownFolder {
+  /// Keeps `node` and `change`; null without a scan.
+  SharedSnapshot snapshot;
+  std::shared_ptr<const ChangeTree> changes;
+  std::string path;
+  const Node* node = nullptr;
+  /// Null if nothing changed in the folder, or if there is nothing to compare with.
+  const ChangeTree* change = nullptr;
+  /// Absent for the root of the scan.
+  std::optional<std::string> parent = {};
+
+  PicturedFolder pictured() const { return {node, change}; }
+};
+
+/// The folder of the scan at `wanted`, or the nearest folder above it that the scan has; without `wanted` the
+/// root.
+ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wanted);
+
+/// The folder that the person opened last.
+ShownFolder shownFolder(const AppModel& model);
+
+/// The rest of `path` below `folder`: "a/b" of "/home/a/b" in "/home". Absent if it is not below it.
+std::optional<std::string_view> pathBelow(std::string_view path, std::string_view folder);
+
+}  // namespace spacemint

@@ -1,0 +1,109 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// The side of a large window: the free space, the pages, and the scan.
+Rectangle {
+    id: root
+
+    required property Ui ui
+
+    implicitWidth: Theme.scaled(216)
+    color: Theme.chrome
+
+    Rectangle {
+        anchors.right: parent.right
+        width: 1
+        height: parent.height
+        color: Theme.border
+    }
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 16
+        anchors.topMargin: 0
+        anchors.bottomMargin: 20
+        spacing: 8
+
+        Wordmark {
+            Layout.topMargin: 16
+            Layout.bottomMargin: 12
+        }
+        FreeFigure {
+            Layout.fillWidth: true
+            visible: root.ui.summary.known
+            ui: root.ui
+            size: 36
+        }
+        SpaceBar {
+            Layout.fillWidth: true
+            visible: root.ui.summary.known
+            ui: root.ui
+        }
+        Label {
+            visible: root.ui.summary.known
+            text: root.ui.summary.total
+            size: 11
+            color: Theme.secondary
+        }
+        FreeSpaceLine {
+            Layout.fillWidth: true
+            Layout.topMargin: 4
+            history: root.ui.spaceHistory
+            lineHeight: 40
+        }
+        VolumeLines {
+            Layout.fillWidth: true
+            Layout.topMargin: 4
+            volumes: root.ui.summary.volumes
+            isNarrow: true
+        }
+        Column {
+            Layout.fillWidth: true
+            Layout.topMargin: 14
+            Layout.leftMargin: -6
+            Layout.rightMargin: -6
+            spacing: 2
+            Accessible.role: Accessible.PageTabList
+            Accessible.name: Words.pages
+
+            Repeater {
+                model: root.ui.page.tabTitles
+
+                PageButton {
+                    required property int index
+                    required property string modelData
+
+                    width: parent.width
+                    text: modelData
+                    symbol: ["safari", "folder", "doc", "hammer"][index]
+                    isSelected: root.ui.page.tab === index
+                    onChosen: root.ui.page.tab = index
+                }
+            }
+        }
+        Item {
+            Layout.fillHeight: true
+        }
+        ScanProgressView {
+            Layout.fillWidth: true
+            visible: root.ui.scan.scanning
+            ui: root.ui
+            compact: true
+        }
+        Label {
+            Layout.fillWidth: true
+            visible: !root.ui.scan.scanning
+            text: root.ui.scan.scanned
+            size: 11
+            color: Theme.secondary
+            wrapMode: Text.Wrap
+        }
+        ScanButton {
+            Layout.fillWidth: true
+            ui: root.ui
+        }
+    }
+}

@@ -1,0 +1,41 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Spacemint.UiKit
+import Spacemint.Views
+
+Column {
+    id: root
+
+    required property var histories
+    required property list<string> titles
+    property Item focused: lines.itemAt(1)?.children[1] ?? null
+
+    spacing: 24
+    width: 420
+
+    Repeater {
+        id: lines
+
+        model: root.histories.length
+
+        Column {
+            id: one
+
+            required property int index
+
+            width: 420
+            spacing: 10
+
+            Label {
+                text: root.titles[one.index]
+                size: 11
+                color: Theme.secondary
+            }
+            FreeSpaceLine {
+                width: 420
+                history: root.histories[one.index]
+            }
+        }
+    }
+}

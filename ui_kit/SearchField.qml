@@ -1,0 +1,70 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// A field for a search. Escape empties it.
+T.TextField {
+    id: root
+
+    property real size: 12
+    /// Said in place of a text, and the name for screen readers.
+    property string hint
+
+    implicitWidth: Theme.scaled(180)
+    implicitHeight: Math.ceil(metrics.height) + topPadding + bottomPadding
+    leftPadding: 10 + glass.width + 7
+    rightPadding: 8
+    topPadding: 6
+    bottomPadding: 6
+    font: Theme.text(size)
+    color: Theme.ink
+    selectionColor: Theme.selected
+    selectedTextColor: Theme.ink
+    selectByMouse: true
+    verticalAlignment: TextInput.AlignVCenter
+    placeholderText: hint
+    Accessible.role: Accessible.EditableText
+    Accessible.name: hint
+    Keys.onEscapePressed: event => {
+        event.accepted = text !== "";
+        clear();
+    }
+
+    FontMetrics {
+        id: metrics
+
+        font: root.font
+    }
+    Label {
+        x: root.leftPadding
+        width: root.width - x - root.rightPadding
+        anchors.verticalCenter: parent.verticalCenter
+        visible: !root.text && !root.preeditText
+        text: root.hint
+        font: root.font
+        color: Theme.secondary
+        elide: Text.ElideRight
+        Accessible.ignored: true
+    }
+    Symbol {
+        id: glass
+
+        x: 10
+        anchors.verticalCenter: parent.verticalCenter
+        symbol: "magnifyingglass"
+        size: 14
+        color: Theme.secondary
+    }
+
+    background: Rectangle {
+        radius: 8
+        color: Theme.well
+        border.width: 1
+        border.color: Theme.border
+
+        FocusRing {
+            visible: root.activeFocus
+            around: parent.radius
+            outside: 0
+        }
+    }
+}
