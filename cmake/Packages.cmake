@@ -8,7 +8,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "disk-space monitor for the Linux desktop")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "disk-space monitor for the desktop and the terminal")
 set(description "Spacemint watches the free space, scans the home folder or the whole disk
 quietly in the background, and says what grew, what is big and what is
 safe to clean. Nothing is removed without being shown and confirmed.")
@@ -30,12 +30,12 @@ if(SPACEMINT_DISTRIBUTION STREQUAL "debian")
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEB_COMPONENT_INSTALL ON)
   set(CPACK_DEBIAN_TERMINAL_PACKAGE_NAME spacemintctl)
-  set(CPACK_DEBIAN_TERMINAL_DESCRIPTION "disk-space monitor for the terminal\n${in_a_terminal}")
+  set(CPACK_DEBIAN_TERMINAL_DESCRIPTION "${in_a_terminal}")
   # Before they were two, one package held all files.
   set(CPACK_DEBIAN_TERMINAL_PACKAGE_BREAKS "spacemint (<< ${CPACK_DEBIAN_PACKAGE_VERSION})")
   set(CPACK_DEBIAN_TERMINAL_PACKAGE_REPLACES "spacemint (<< ${CPACK_DEBIAN_PACKAGE_VERSION})")
   set(CPACK_DEBIAN_APPLICATION_PACKAGE_NAME spacemint)
-  set(CPACK_DEBIAN_APPLICATION_DESCRIPTION "disk-space monitor for the Linux desktop\n${description}")
+  set(CPACK_DEBIAN_APPLICATION_DESCRIPTION "${description}")
   set(qml_packages
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
     qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtquick-controls
