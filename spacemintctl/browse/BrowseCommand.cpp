@@ -93,6 +93,8 @@ int browse(BrowserSetup setup, bool keysFromTerminal) {
   Terminal& screen = **terminal;
   Inbox inbox;
   Browser browser{std::move(setup), inbox, {.home = UserFolders::home(), .locale = userLocale()}};
+  screen.draw(browser.screen(screen.size()));
+  browser.start();
   while (!browser.hasEnded() && !wasInterrupted() && !screen.hasGone()) {
     screen.draw(browser.screen(screen.size()));
     signals.wait(screen.keys(), inbox.descriptor());

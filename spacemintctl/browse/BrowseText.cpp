@@ -90,7 +90,7 @@ std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, 
   }
   if (row.modified) say(i18n("Changed"), scanName(*row.modified, view.now, locale));
   if (!before.empty() && row.growth) {
-    const std::string growth = (*row.growth > 0 ? "+" : "") + ByteFormat::string(*row.growth, locale);
+    const std::string growth = signedSize(*row.growth, locale);
     say(i18n("Growth"),
         i18n(row.isNew ? i18nMark("{size}, new since {date}") : i18nMark("{size} since {date}"),
              {{"size", growth}, {"date", before}}));

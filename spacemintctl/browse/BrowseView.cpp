@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/browse/Cells.h"
 
@@ -30,10 +31,6 @@ std::string barOf(Bytes size, Bytes largest, std::size_t width) {
     left -= here;
   }
   return bar;
-}
-
-std::string signedSize(Bytes bytes, const std::string& locale) {
-  return (bytes > 0 ? "+" : "") + ByteFormat::string(bytes, locale);
 }
 
 // A column of the list. Its text for a row, and its width without the space behind it.
@@ -296,6 +293,10 @@ Screen drawn(const BrowseView& view, const ScreenSize& size) {
   lines.resize(size.rows, textLine("", width, Style::plain));
   if (view.popup) place(*view.popup, screen, size);
   return screen;
+}
+
+std::string signedSize(Bytes bytes, const std::string& locale) {
+  return bytes < 0 ? FindingText::lost(-bytes, locale) : "+" + ByteFormat::string(bytes, locale);
 }
 
 std::string shortAge(Date date, Date now) {

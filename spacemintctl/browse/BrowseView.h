@@ -83,6 +83,9 @@ void scrollToCursor(BrowseView& view, const ScreenSize& size);
 /// What a terminal of this size shows. Pure; needs the process's character set (see Cells.h).
 Screen drawn(const BrowseView& view, const ScreenSize& size);
 
+/// "+1.2 GB" or "−90 MB".
+std::string signedSize(Bytes bytes, const std::string& locale);
+
 /// "5 min", "3 h", "12 d", "5 w", "8 mo", "2 y"; "now" below a minute, "" for a date in the future.
 std::string shortAge(Date date, Date now);
 

@@ -50,11 +50,15 @@ Browser::Browser(BrowserSetup setup, Inbox& inbox, const Wording& wording)
     tree_.setScan(std::move(*setup_.scan));
     setup_.scan.reset();
   }
-  if (mayMeasure()) {
-    if (hasScan_) loadUsualBaseline();
-    startScan();
-  }
   show(setup_.folder);
+}
+
+void Browser::start() {
+  hasStarted_ = true;
+  if (!mayMeasure()) return;
+  if (hasScan_) loadUsualBaseline();
+  startScan();
+  listFolder();
 }
 
 void Browser::show(const std::string& path, const std::string& chosen) {

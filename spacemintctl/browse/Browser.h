@@ -42,6 +42,8 @@ class Browser {
  public:
   Browser(BrowserSetup setup, Inbox& inbox, const Wording& wording);
 
+  /// Begins to measure. Call it once, after the first screen is drawn.
+  void start();
   void press(const Key& key, const ScreenSize& size);
   Screen screen(const ScreenSize& size);
   /// True when the user wants to leave.
@@ -119,6 +121,7 @@ class Browser {
   std::optional<Snapshot> baseline_;
   bool choseBaseline_ = false;
 
+  bool hasStarted_ = false;
   bool hasScan_ = false;
   bool isStored_ = false;
   // The user ended the scan early.

@@ -143,7 +143,7 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
 }
 
 void Browser::listFolder() {
-  if (!mayMeasure() || !hasScan_ || tree_.folder(folder_).isComplete) return;
+  if (!mayMeasure() || !hasScan_ || !hasStarted_ || tree_.folder(folder_).isComplete) return;
   const Node* known = tree_.scan().nodeAt(folder_);
   const std::string path = folder_;
   listing_ = std::make_unique<Measurement>(

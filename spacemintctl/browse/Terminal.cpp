@@ -73,17 +73,18 @@ struct Look {
   attr_t plainAttributes;
 };
 
+// The colours of 256 have enough contrast on black and on white: nobody knows the colour of the background.
 constexpr std::array<Look, 10> looks{{
     {Style::plain, -1, -1, A_NORMAL, A_NORMAL},
     {Style::dim, -1, 244, A_NORMAL, A_NORMAL},
     {Style::strong, -1, -1, A_BOLD, A_BOLD},
     {Style::heading, -1, -1, A_REVERSE, A_REVERSE},
-    {Style::folder, COLOR_BLUE, 75, A_BOLD, A_BOLD},
-    {Style::bar, COLOR_GREEN, 72, A_NORMAL, A_NORMAL},
-    {Style::grew, COLOR_RED, 209, A_NORMAL, A_BOLD},
-    {Style::shrank, COLOR_GREEN, 114, A_NORMAL, A_NORMAL},
-    {Style::marked, COLOR_YELLOW, 221, A_BOLD, A_BOLD},
-    {Style::warning, COLOR_YELLOW, 221, A_BOLD, A_BOLD},
+    {Style::folder, COLOR_BLUE, 32, A_BOLD, A_BOLD},
+    {Style::bar, COLOR_GREEN, 29, A_NORMAL, A_NORMAL},
+    {Style::grew, COLOR_RED, 166, A_NORMAL, A_BOLD},
+    {Style::shrank, COLOR_GREEN, 64, A_NORMAL, A_NORMAL},
+    {Style::marked, COLOR_YELLOW, 136, A_BOLD, A_BOLD},
+    {Style::warning, COLOR_YELLOW, 136, A_BOLD, A_BOLD},
 }};
 
 bool wantsColours() {
@@ -169,11 +170,13 @@ struct Terminal::Parts {
     for (const int fault : faults) std::signal(fault, SIG_DFL);
   }
 
-  void set(Style style) const {
+  // A chosen line is inverted as a whole: its own colours would be those of the background.
+  void set(Style style, bool isChosen) const {
     const auto index = static_cast<std::size_t>(style);
-    const Look& look = looks[index];
-    attr_set(hasColours ? look.attributes : look.plainAttributes,
-             static_cast<short>(hasColours ? index + 1 : 0), nullptr);
+    const bool isColoured = hasColours && !isChosen;
+    const attr_t attributes = hasColours ? looks[index].attributes : looks[index].plainAttributes;
+    attr_set(isChosen ? attributes | A_REVERSE : attributes, static_cast<short>(isColoured ? index + 1 : 0),
+             nullptr);
   }
 };
 
@@ -224,8 +227,7 @@ void Terminal::draw(const Screen& screen) {
   for (const Line& line : screen.lines) {
     move(row++, 0);
     for (const Span& span : line.spans) {
-      parts_->set(span.style);
-      if (line.isChosen) attr_on(A_REVERSE, nullptr);
+      parts_->set(span.style, line.isChosen);
       addstr(span.text.c_str());
     }
   }

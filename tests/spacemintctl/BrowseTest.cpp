@@ -261,7 +261,7 @@ TEST_F(BrowseTest, goesTheWholeWay) {
   EXPECT_TRUE(std::filesystem::exists(program.home() / ".local/share/Trash/files/film.mkv"));
   terminal.resize(60, 16);
   EXPECT_THAT(terminal.waitUntil([](const std::string& now) { return std::ranges::count(now, '\n') == 16; }),
-              AllOf(HasSubstr("vm/"), ContainsRegex("gone +-2 MB film.mkv")));
+              AllOf(HasSubstr("vm/"), ContainsRegex("gone +−2 MB film.mkv")));
   terminal.press("q");
   terminal.wait("exit 0");
   EXPECT_TRUE(terminal.isGivenBack());
