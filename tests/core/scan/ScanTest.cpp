@@ -175,6 +175,40 @@ TEST(DiskScanner, reusesAndSkipsWithoutOpening) {
   EXPECT_EQ(asked, (Names{"/r/small", "/r/known", "/r/walked"}));
 }
 
+TEST(DiskScanner, canBeLookedAtWhileItRuns) {
+  const std::vector<Entry> many(DiskScanner::entriesPerPoll, fileEntry("same", mega));
+  const FakeFolder deep{.batches = {many, {folderEntry("c")}}, .subfolders = {{"c", {.batches = {many}}}}};
+  const FakeFolder root{
+      .batches = {{folderEntry("a"), folderEntry("b"), fileEntry("small", 1), fileEntry("tiny", 1)}},
+      .subfolders = {{"a", deep}, {"b", deep}}};
+  FakeListing listing{root};
+  int looks = 0;
+  const auto result =
+      DiskScanner::scan({.root = "/r",
+                         .minNodeSize = 20 * mega,
+                         .look =
+                             [&](const DiskScanner::Unfinished& unfinished) {
+                               ++looks;
+                               const auto soFar = unfinished.soFar();
+                               const Node shown = unfinished.folder("/r").value();
+                               EXPECT_EQ(soFar.root.size, (soFar.fileCount - 2) * mega + 2);
+                               EXPECT_EQ(shown.size, soFar.root.size);
+                               EXPECT_EQ(shown.fileCount, soFar.fileCount);
+                               EXPECT_EQ(shown.children.size(), 3U);  // "a" or "b" may wait
+                               for (const Node& child : soFar.root.children) {
+                                 if (!child.isDirectory) continue;
+                                 EXPECT_EQ(unfinished.folder("/r/" + child.name)->size, child.size);
+                                 EXPECT_EQ(shown.child(child.name)->size, child.size);
+                               }
+                               EXPECT_FALSE(unfinished.folder("/r/none"));
+                             },
+                         .smallEntriesOfRoot = 1,
+                         .listing = &listing});
+  EXPECT_EQ(looks, 4);
+  EXPECT_EQ(names(result->root), (Names{"b", "a", "small"}));
+  EXPECT_EQ(result->root.size, 4 * std::ssize(many) * mega + 2);
+}
+
 TEST(DiskScanner, pollsOncePerFourThousandEntries) {
   const std::vector<Entry> batch(3'000, fileEntry("f", 1));
   const FakeFolder root{.batches = {batch, batch, batch, {folderEntry("d")}},
