@@ -54,11 +54,11 @@ bool hasWaylandPlugin() {
 
 std::string whyThereAreNoWindows() {
   if (platforms(false) == "wayland" && !hasWaylandPlugin()) {
-    return "Qt's plugin for Wayland is missing: install the package qt6-wayland, or XWayland";
+    return i18n("Qt's plugin for Wayland is missing: install the package qt6-wayland, or XWayland");
   }
   const char* variable = qEnvironmentVariableIsSet("DISPLAY") ? "DISPLAY" : "WAYLAND_DISPLAY";
-  return std::string{"cannot open the display of "} + variable + ", \"" + qgetenv(variable).toStdString() +
-         "\"; \"spacemint --background\" needs none";
+  return i18n("cannot open the display of {variable}, \"{display}\"; \"spacemint --background\" needs none",
+              {{"variable", variable}, {"display", qgetenv(variable).toStdString()}});
 }
 
 // Without a display, Qt writes several lines and ends the program by abort(). This writes one line and exits.
@@ -91,7 +91,7 @@ bool hasDisplay() {
 
 int runWithWindows(char* program, Launch launch) {
   if (!hasDisplay()) {
-    complain("there is no display to show windows on; \"spacemint --background\" needs none");
+    complain(i18n("there is no display to show windows on; \"spacemint --background\" needs none"));
     return EXIT_FAILURE;
   }
   // The software renderer takes a third of the memory, and shows the first frame sooner.

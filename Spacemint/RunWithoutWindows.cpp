@@ -1,13 +1,14 @@
 // Replaces RunWithWindows.cpp in a build without the interface.
 
 #include "Spacemint/Process.h"
+#include "core/base/Translation.h"
 
 #include <cstdlib>
 
 namespace spacemint {
 
 int runWithWindows(char* /*program*/, Launch /*launch*/) {
-  complain("this program was built without windows; \"spacemint --background\" needs none");
+  complain(i18n("this program was built without windows; \"spacemint --background\" needs none"));
   return EXIT_FAILURE;
 }
 

@@ -7,6 +7,8 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 
 namespace spacemint {
@@ -18,7 +20,7 @@ int runInBackground(int argc, char** argv) {
   setUpTranslation(InstalledFolder::translations());  // again, because Qt sets the locale of the process
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::background};
   if (!instance.become()) {
-    complain("it is running already");
+    complain(i18n("it is running already"));
     return EXIT_FAILURE;
   }
   const Termination termination{[] { QCoreApplication::quit(); }};
@@ -30,34 +32,60 @@ int runInBackground(int argc, char** argv) {
   return process.end(QCoreApplication::exec());
 }
 
+struct Option {
+  const char* spelling;
+  const char* name;
+  const char* help;
+};
+constexpr std::array options{
+    Option{"-h, --help", "help", i18nMark("Displays help on commandline options.")},
+    Option{"-v, --version", "version", i18nMark("Displays version information.")},
+    Option{"--background", "background",
+           i18nMark("Scan, record and warn without windows; only notifications are shown.")},
+    Option{"--login", "login", i18nMark("Start as at login: shows nothing if it is running already.")},
+    Option{"--scan", "scan", i18nMark("Start a scan and show it.")},
+    Option{"--settings", "settings", i18nMark("Show the settings.")}};
+
+void printHelp() {
+  const std::string head = i18n("Usage: {command} [options]", {{"command", "spacemint"}});
+  std::printf("%s\n%s\n\n%s\n", head.c_str(), i18n("Watches the free space and shows what uses it.").c_str(),
+              i18n("Options:").c_str());
+  for (const Option& option : options) {
+    std::printf("  %-13s  %s\n", option.spelling, i18n(option.help).c_str());
+  }
+}
+
+int run(int argc, char** argv) {
+  setUpTranslation(InstalledFolder::translations());
+  QCoreApplication::setApplicationName(QStringLiteral("spacemint"));
+  QCommandLineParser parser;
+  for (const Option& option : options) {
+    const QStringList names = QString::fromLatin1(option.spelling).remove(u'-').split(QStringLiteral(", "));
+    parser.addOption(QCommandLineOption{names});
+  }
+  // Parsed before the application object is made: the options decide which kind it is.
+  QStringList arguments;
+  for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+  const auto isSet = [&](const char* name) { return parser.isSet(QString::fromLatin1(name)); };
+  if (!parser.parse(arguments)) {
+    const std::string unknown = parser.unknownOptionNames().value(0).toStdString();
+    complain(unknown.empty() ? i18n("An option has a value but takes none.")
+                             : i18n("Unknown option \"{option}\".", {{"option", unknown}}));
+    return EXIT_FAILURE;
+  }
+  if (isSet("help")) return printHelp(), EXIT_SUCCESS;
+  if (isSet("version")) return std::printf("spacemint %s\n", SPACEMINT_VERSION), EXIT_SUCCESS;
+  if (isSet("background")) return runInBackground(argc, argv);
+  auto action = LaunchAction::open;
+  if (isSet("scan")) action = LaunchAction::scan;
+  if (isSet("settings")) action = LaunchAction::settings;
+  return runWithWindows(argv[0], {.action = action, .isLogin = isSet("login")});
+}
+
 }  // namespace
 
 }  // namespace spacemint
 
 int main(int argc, char** argv) {
-  spacemint::setUpTranslation(spacemint::InstalledFolder::translations());
-  QCoreApplication::setApplicationName(QStringLiteral("spacemint"));
-  QCoreApplication::setApplicationVersion(QStringLiteral(SPACEMINT_VERSION));
-
-  QCommandLineParser parser;
-  parser.setApplicationDescription(QStringLiteral("Watches the free space and shows what uses it."));
-  parser.addHelpOption();
-  parser.addVersionOption();
-  const QCommandLineOption background{
-      QStringLiteral("background"),
-      QStringLiteral("Scan, record and warn without windows; only notifications are shown.")};
-  const QCommandLineOption login{
-      QStringLiteral("login"), QStringLiteral("Start as at login: shows nothing if it is running already.")};
-  const QCommandLineOption scan{QStringLiteral("scan"), QStringLiteral("Start a scan and show it.")};
-  const QCommandLineOption settings{QStringLiteral("settings"), QStringLiteral("Show the settings.")};
-  parser.addOptions({background, login, scan, settings});
-  // Parsed before the application object is made: the options decide which kind it is.
-  QStringList arguments;
-  for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
-  parser.process(arguments);
-  if (parser.isSet(background)) return spacemint::runInBackground(argc, argv);
-  auto action = spacemint::LaunchAction::open;
-  if (parser.isSet(scan)) action = spacemint::LaunchAction::scan;
-  if (parser.isSet(settings)) action = spacemint::LaunchAction::settings;
-  return spacemint::runWithWindows(argv[0], {.action = action, .isLogin = parser.isSet(login)});
+  return spacemint::run(argc, argv);
 }

@@ -23,6 +23,12 @@ ThemeBase {
         return scaledFont(sansFamily, size, weight ?? Font.Normal);
     }
 
+    /// Mirrors the item and all in it, if the application is laid out from right to left.
+    function followDirection(item: Item) {
+        item.LayoutMirroring.enabled = Application.layoutDirection === Qt.RightToLeft;
+        item.LayoutMirroring.childrenInherit = true;
+    }
+
     /// A length that grows with the text.
     function scaled(length: real) : real {
         return Math.round(length * textScale);

@@ -19,6 +19,9 @@ FocusScope {
     property bool showingAbout: false
 
     focus: true
+    // Popups are beside this item, not in it.
+    onParentChanged: if (parent)
+        Theme.followDirection(parent)
 
     PanelView {
         id: view

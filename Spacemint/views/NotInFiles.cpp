@@ -40,9 +40,10 @@ ListItem itemOf(const AccountLine& line, const std::string& locale) {
   for (const AccountLine::Detail& detail : line.details) {
     if (item.parts.size() == shownDetails) {
       const auto rest = static_cast<std::int64_t>(line.details.size() - shownDetails);
-      item.parts.push_back({.id = "more",
-                            .title = i18n("{count} more", {{"count", groupedNumber(rest, locale)}}),
-                            .sizeText = ""});
+      item.parts.push_back(
+          {.id = "more",
+           .title = i18np("{count} more", "{count} more", rest, {{"count", groupedNumber(rest, locale)}}),
+           .sizeText = ""});
       break;
     }
     item.parts.push_back({.id = std::to_string(item.parts.size()),

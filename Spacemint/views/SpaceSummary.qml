@@ -26,7 +26,7 @@ ColumnLayout {
         Label {
             id: total
 
-            x: parent.isNarrow ? 0 : parent.width - width
+            x: parent.isNarrow === LayoutMirroring.enabled ? parent.width - width : 0
             y: parent.isNarrow ? figure.height : figure.textBaseline - baselineOffset
             text: root.ui.summary.total
             size: 12

@@ -16,9 +16,19 @@ ColumnLayout {
     property bool showsAll: false
     readonly property int shown: 3
 
+    /// The columns have one width in all lines, so that the bars have one length.
+    function widest(texts: list<string>, least: real): real {
+        return Math.ceil(Math.max(Theme.scaled(least), ...texts.map(text => metrics.advanceWidth(text))));
+    }
+
     visible: volumes.length > 0
     spacing: 4
 
+    FontMetrics {
+        id: metrics
+
+        font: Theme.text(12)
+    }
     Repeater {
         model: root.showsAll ? root.volumes.length : Math.min(root.volumes.length, root.shown)
 
@@ -57,7 +67,7 @@ ColumnLayout {
                 Accessible.ignored: true
             }
             Label {
-                Layout.preferredWidth: Theme.scaled(58)
+                Layout.preferredWidth: root.widest(root.volumes.map(volume => volume.free), 58)
                 text: line.volume.free
                 size: 12
                 color: line.levelColor
@@ -65,7 +75,7 @@ ColumnLayout {
                 Accessible.ignored: true
             }
             Label {
-                Layout.preferredWidth: Theme.scaled(62)
+                Layout.preferredWidth: root.widest(root.volumes.map(volume => volume.total), 62)
                 visible: !line.isLarge
                 text: line.volume.total
                 size: 12

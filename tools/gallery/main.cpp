@@ -1,4 +1,5 @@
 #include "Pages.h"
+#include "core/base/Translation.h"
 #include "ui_kit/Theme.h"
 #include "ui_kit/UiKit.h"
 
@@ -7,12 +8,14 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -38,8 +41,25 @@ void fit(QQuickWindow& window, QQuickItem& item, const Page& page) {
   window.resize(item.size().toSize().grownBy({page.margin, page.margin, page.margin, page.margin}));
 }
 
+/// Prints each text that the item shows: "PAGE<tab>cut<tab>TEXT". The second word is "-" for a text that
+/// fits.
+void printTexts(const QString& page, const QQuickItem& item) {
+  if (!item.isVisible() || item.opacity() == 0) return;
+  const QString text = item.inherits("QQuickText") ? item.property("text").toString() : QString{};
+  if (!text.isEmpty()) {
+    constexpr double rounding = 1;
+    const bool isCut = item.property("truncated").toBool() ||
+                       item.property("contentWidth").toDouble() > item.width() + rounding ||
+                       item.property("contentHeight").toDouble() > item.height() + rounding;
+    const QStringList line{page, isCut ? QStringLiteral("cut") : QStringLiteral("-"),
+                           QString{text}.replace(u'\n', u' ')};
+    std::puts(qUtf8Printable(line.join(u'\t')));
+  }
+  for (const QQuickItem* child : item.childItems()) printTexts(page, *child);
+}
+
 /// Null if the page cannot be made; the reason is on standard error.
-QImage draw(QQmlEngine& engine, const Page& page) {
+QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
   QQmlComponent component(&engine, QUrl(page.url));
   const QVariantMap properties = page.properties ? page.properties() : QVariantMap();
   // A component that is not ready must not create an object.
@@ -51,7 +71,9 @@ QImage draw(QQmlEngine& engine, const Page& page) {
     return {};
   }
   QQuickWindow window;
-  window.setColor(UiKit::theme(engine).canvas());
+  Theme& theme = UiKit::theme(engine);
+  window.setColor(theme.canvas());
+  QMetaObject::invokeMethod(&theme, "followDirection", Q_ARG(QQuickItem*, window.contentItem()));
   item->setParentItem(window.contentItem());
   item->setPosition(QPointF(page.margin, page.margin));
   window.show();
@@ -70,14 +92,16 @@ QImage draw(QQmlEngine& engine, const Page& page) {
   }
   if (const auto* pointer = itemProperty(*item, "pointer")) pointAt(window, *pointer);
   QCoreApplication::processEvents();
-  return window.grabWindow();
+  const QImage picture = window.grabWindow();
+  if (printsTexts) printTexts(page.name, *window.contentItem());
+  return picture;
 }
 
-int drawAll(QQmlEngine& engine, const QDir& folder, const QString& only) {
+int drawAll(QQmlEngine& engine, const QDir& folder, const QString& only, bool printsTexts) {
   int failures = 0;
   for (const Page& page : pages()) {
     if (!page.name.startsWith(only)) continue;
-    const QImage image = draw(engine, page);
+    const QImage image = draw(engine, page, printsTexts);
     if (image.isNull() || !image.save(folder.filePath(page.name + QStringLiteral(".png")))) ++failures;
   }
   return failures;
@@ -107,8 +131,12 @@ int run(int argc, char** argv) {
                     QStringLiteral("factor"), QStringLiteral("1")});
   parser.addOption({QStringLiteral("text-scale"), QStringLiteral("The size of the text."),
                     QStringLiteral("factor"), QStringLiteral("1")});
-  parser.addOption({QStringLiteral("locale"), QStringLiteral("The locale of numbers."),
+  parser.addOption({QStringLiteral("language"), QStringLiteral("The language, such as \"de\"."),
+                    QStringLiteral("name"), QString::fromStdString(sentenceLanguage())});
+  parser.addOption({QStringLiteral("locale"), QStringLiteral("The locale of numbers, if not the language's."),
                     QStringLiteral("name"), QString::fromStdString(locale)});
+  parser.addOption(
+      {QStringLiteral("texts"), QStringLiteral("Print the texts of each page, and which are cut.")});
   parser.addOption({QStringLiteral("only"), QStringLiteral("Draw only pages whose names start with this."),
                     QStringLiteral("name"), QString()});
   parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder for the pictures."));
@@ -120,14 +148,24 @@ int run(int argc, char** argv) {
     qCritical("cannot make %s", qPrintable(folder.path()));
     return 1;
   }
-  locale = parser.value(QStringLiteral("locale")).toStdString();
+  if (parser.isSet(QStringLiteral("language"))) {
+    qputenv("LANGUAGE", parser.value(QStringLiteral("language")).toUtf8());
+    setUpTranslation(
+        qEnvironmentVariable("SPACEMINT_LOCALE_DIR", QStringLiteral(SPACEMINT_CATALOGUES)).toStdString());
+    locale = sentenceLanguage();
+    QGuiApplication::setLayoutDirection(QLocale{QString::fromStdString(locale)}.textDirection());
+  }
+  if (parser.isSet(QStringLiteral("locale"))) locale = parser.value(QStringLiteral("locale")).toStdString();
   QQmlEngine engine;
   UiKit::install(engine);
   Theme& theme = UiKit::theme(engine);
   theme.setDark(parser.isSet(QStringLiteral("dark")));
   theme.setTextScale(parser.value(QStringLiteral("text-scale")).toDouble());
   theme.setReducedMotion(true);  // a picture of a transition would differ each time
-  return drawAll(engine, folder, parser.value(QStringLiteral("only"))) == 0 ? 0 : 1;
+  return drawAll(engine, folder, parser.value(QStringLiteral("only")),
+                 parser.isSet(QStringLiteral("texts"))) == 0
+             ? 0
+             : 1;
 }
 
 }  // namespace spacemint::gallery

@@ -33,7 +33,7 @@ Grid {
             }
             Label {
                 anchors.verticalCenter: parent.verticalCenter
-                width: parent.width - x
+                width: Theme.scaled(170) - 54
                 text: parent.modelData
                 size: 10
                 elide: Text.ElideRight
