@@ -2,6 +2,7 @@
 
 #include "Spacemint/tools/ToolRuns.h"
 #include "core/analysis/DevTools.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/cleanup/Remeasure.h"
@@ -123,7 +124,7 @@ class Proposer {
       }
     }
     const std::string title = i18np("Clean up {count} cache?", "Clean up {count} caches?", std::ssize(plans),
-                                    {{"count", std::to_string(plans.size())}});
+                                    {{"count", numberText(std::ssize(plans))}});
     proposal.plan = mergedPlans(title, std::move(plans));
     return proposal;
   }

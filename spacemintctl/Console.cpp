@@ -1,5 +1,6 @@
 #include "spacemintctl/Console.h"
 
+#include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "spacemintctl/browse/Cells.h"
@@ -56,12 +57,13 @@ std::string universalTime(Date date) {
 
 std::string percentage(std::int64_t part, std::int64_t whole) {
   if (whole < 1) return "";
-  return std::to_string(std::lround(static_cast<double>(part) / static_cast<double>(whole) * 100)) + " %";
+  const double share = static_cast<double>(part) / static_cast<double>(whole);
+  return i18n("{number} %", {{"number", numberText(std::lround(share * 100))}});
 }
 
 std::string restText(std::size_t count) {
   return i18np("and {count} more", "and {count} more", static_cast<std::int64_t>(count),
-               {{"count", std::to_string(count)}});
+               {{"count", numberText(static_cast<std::int64_t>(count))}});
 }
 
 std::string Table::text() const {

@@ -17,11 +17,11 @@ constexpr std::chrono::milliseconds pace{100};
 
 std::string timeLeft(Seconds left) {
   const auto whole = static_cast<long long>(std::ceil(left.count()));
-  if (whole < 60) return i18n("{count} s left", {{"count", std::to_string(whole)}});
+  if (whole < 60) return i18n("{count} s left", {{"count", numberText(whole)}});
   const long long minutes = (whole + 30) / 60;
-  if (minutes < 60) return i18n("{count} min left", {{"count", std::to_string(minutes)}});
+  if (minutes < 60) return i18n("{count} min left", {{"count", numberText(minutes)}});
   return i18n("{hours} h {minutes} min left",
-              {{"hours", std::to_string(minutes / 60)}, {"minutes", std::to_string(minutes % 60)}});
+              {{"hours", numberText(minutes / 60)}, {"minutes", numberText(minutes % 60)}});
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ std::string progressText(const DiskScanner::Progress& progress, std::optional<By
                      ByteFormat::string(progress.bytes, locale);
   const auto fraction = ScanTiming::fraction(progress.bytes, expected.value_or(0));
   if (!fraction) return text;
-  text += ", " + std::to_string(static_cast<int>(*fraction * 100)) + " %";
+  text += ", " + i18n("{number} %", {{"number", numberText(static_cast<int>(*fraction * 100))}});
   const auto left = ScanTiming::remaining(fraction, elapsed);
   return left && *fraction < ScanTiming::highestFraction ? text + ", " + timeLeft(*left) : text;
 }

@@ -56,7 +56,8 @@ Json jsonDate(std::optional<Date> date) {
 void addRest(Table& table, std::size_t count, std::size_t top) {
   if (count > top)
     table.add({"…", i18np("and {count} more; --top shows them", "and {count} more; --top shows them",
-                          static_cast<std::int64_t>(count - top), {{"count", std::to_string(count - top)}})});
+                          static_cast<std::int64_t>(count - top),
+                          {{"count", numberText(static_cast<std::int64_t>(count - top))}})});
 }
 
 }  // namespace spacemint::ctl

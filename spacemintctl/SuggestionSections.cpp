@@ -1,4 +1,5 @@
 #include "core/analysis/Suggestions.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
@@ -27,7 +28,7 @@ std::string whereabouts(const Suggestion& suggestion, const Scene& scene) {
   const std::size_t others = suggestion.locations.size() - 1;
   if (others == 0) return first;
   return i18np("{path} and {count} other", "{path} and {count} others", static_cast<std::int64_t>(others),
-               {{"path", first}, {"count", std::to_string(others)}});
+               {{"path", first}, {"count", numberText(static_cast<std::int64_t>(others))}});
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include <array>
 #include <cmath>
-#include <memory>
+#include <map>
 #include <string_view>
 
 namespace spacemint {
@@ -20,10 +20,10 @@ constexpr std::array<const char*, 5> units{i18nMark("{number} KB"), i18nMark("{n
                                            i18nMark("{number} GB"), i18nMark("{number} TB"),
                                            i18nMark("{number} PB")};
 
-// Creating a formatter costs far more than using it, and a program shows all numbers in one locale: cache the
-// formatters of the last locale.
+// Creating a formatter costs far more than using it, and a program shows its numbers in one locale or two:
+// cache the formatters.
 struct Formatters {
-  explicit Formatters(const std::string& name) : locale(name), whole(make(name, 0)), tenths(make(name, 1)) {}
+  explicit Formatters(const std::string& locale) : whole(make(locale, 0)), tenths(make(locale, 1)) {}
 
   static LocalizedNumberFormatter make(const std::string& locale, int maximumFraction) {
     return icu::number::NumberFormatter::withLocale(icu::Locale(locale.c_str()))
@@ -31,15 +31,14 @@ struct Formatters {
         .roundingMode(UNUM_ROUND_HALFEVEN);
   }
 
-  std::string locale;
   LocalizedNumberFormatter whole;
   LocalizedNumberFormatter tenths;
 };
 
 const Formatters& formatters(const std::string& locale) {
-  thread_local std::unique_ptr<Formatters> cached;
-  if (!cached || cached->locale != locale) cached = std::make_unique<Formatters>(locale);
-  return *cached;
+  thread_local std::map<std::string, Formatters> cached;
+  const auto found = cached.find(locale);
+  return found != cached.end() ? found->second : cached.emplace(locale, locale).first->second;
 }
 
 }  // namespace
@@ -70,6 +69,10 @@ std::string groupedNumber(std::int64_t number, const std::string& locale) {
   std::string text;
   formatters(locale).whole.formatInt(number, status).toString(status).toUTF8String(text);
   return U_FAILURE(status) || text.empty() ? std::to_string(number) : text;
+}
+
+std::string numberText(std::int64_t number) {
+  return groupedNumber(number, sentenceLanguage());
 }
 
 std::string counted(std::int64_t number, const char* one, const char* many, const std::string& locale) {

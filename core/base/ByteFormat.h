@@ -20,6 +20,10 @@ std::string string(Bytes bytes, const std::string& locale);
 /// A whole number with the grouping of `locale`, such as "600,000". Any thread.
 std::string groupedNumber(std::int64_t number, const std::string& locale);
 
+/// A whole number as the sentences write it, whatever the locale: with the digits and the grouping of their
+/// language. Any thread.
+std::string numberText(std::int64_t number);
+
 /// A text with the number as "{count}", in the user's language: of "{count} file" and "{count} files",
 /// "600,000 files". Any thread.
 std::string counted(std::int64_t number, const char* one, const char* many, const std::string& locale);

@@ -56,7 +56,7 @@ std::string nestedWarning(const std::vector<WorktreeContents::Nested>& nested) {
   if (others == 0) return i18n("It contains {list}, which will be lost too.", {{"list", list}});
   return i18np("It contains {list} and {count} more, which will be lost too.",
                "It contains {list} and {count} more, which will be lost too.", others,
-               {{"list", list}, {"count", std::to_string(others)}});
+               {{"list", list}, {"count", numberText(others)}});
 }
 
 // True if the freed bytes differ from the removed bytes by more than a tenth and by more than `worthSaying`.

@@ -38,7 +38,7 @@ std::string programNames(const std::vector<std::string>& names) {
   if (names.size() <= 2) return listed(names);
   const std::int64_t others = std::ssize(names) - 1;
   return i18np("{program} and {count} other", "{program} and {count} others", others,
-               {{"program", names.front()}, {"count", std::to_string(others)}});
+               {{"program", names.front()}, {"count", numberText(others)}});
 }
 
 std::vector<AccountLine::Detail> pathDetails(const std::vector<std::string>& paths, const Scene& scene) {

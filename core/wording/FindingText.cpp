@@ -18,7 +18,7 @@ std::string lengthText(std::chrono::seconds length) {
   const auto minutes = std::chrono::floor<std::chrono::minutes>(length).count();
   if (minutes < 1) return i18n("less than a minute");
   const auto number = minutes < 120 ? minutes : minutes / 60;
-  const std::string count = std::to_string(number);
+  const std::string count = numberText(number);
   return minutes < 120 ? i18np("{count} minute", "{count} minutes", number, {{"count", count}})
                        : i18np("{count} hour", "{count} hours", number, {{"count", count}});
 }
@@ -130,14 +130,14 @@ std::string FindingText::inTheLastMinute(const GrowthLine& line, const std::stri
 
 std::string FindingText::fullIn(std::chrono::seconds time) {
   const auto minutes = std::max<std::int64_t>(std::chrono::round<std::chrono::minutes>(time).count(), 1);
-  if (minutes < 120) return i18n("full in {count} min at this pace", {{"count", std::to_string(minutes)}});
+  if (minutes < 120) return i18n("full in {count} min at this pace", {{"count", numberText(minutes)}});
   const std::int64_t hours = minutes / 60;
   if (hours < 48) {
     return i18np("full in {count} hour at this pace", "full in {count} hours at this pace", hours,
-                 {{"count", std::to_string(hours)}});
+                 {{"count", numberText(hours)}});
   }
   return i18np("full in {count} day at this pace", "full in {count} days at this pace", hours / 24,
-               {{"count", std::to_string(hours / 24)}});
+               {{"count", numberText(hours / 24)}});
 }
 
 std::string FindingText::culprit(const GrowthLine& line, const std::string& path, const std::string& locale) {
@@ -158,8 +158,7 @@ std::string FindingText::ollamaFailed(const std::string& reason) {
 }
 
 std::string FindingText::inUse(std::int64_t active, std::int64_t count) {
-  return i18n("{active} of {count} in use",
-              {{"active", std::to_string(active)}, {"count", std::to_string(count)}});
+  return i18n("{active} of {count} in use", {{"active", numberText(active)}, {"count", numberText(count)}});
 }
 
 std::string FindingText::freesAtMost(Bytes bytes, const std::string& locale) {
@@ -174,7 +173,7 @@ std::string FindingText::warning(SpaceLevel level, std::int64_t thresholdGB) {
       return i18n("Your disk is almost full. Free up space soon.");
     case SpaceLevel::low:
       return i18n("You're below your {number} GB warning level. Here's where the space went.",
-                  {{"number", std::to_string(thresholdGB)}});
+                  {{"number", numberText(thresholdGB)}});
   }
   return "";
 }
