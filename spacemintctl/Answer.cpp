@@ -38,13 +38,9 @@ std::string freedText(const FileItem& file, const Wording& wording) {
 }
 
 std::string secondsText(Seconds duration) {
-  std::string text(32, '\0');
-  text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(),
-                                                     duration.count() < 0.1  ? "%.3f s"
-                                                     : duration.count() < 10 ? "%.1f s"
-                                                                             : "%.0f s",
-                                                     duration.count())));
-  return text;
+  const double seconds = duration.count();
+  const int decimals = seconds < 0.1 ? 3 : seconds < 10 ? 1 : 0;
+  return i18n("{number} s", {{"number", numberText(seconds, decimals)}});
 }
 
 }  // namespace

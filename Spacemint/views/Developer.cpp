@@ -17,8 +17,8 @@ constexpr std::string_view ollamaModels = ".ollama/models";
 // The texts about a tool while it has nothing to list.
 struct ToolTexts {
   const char* checking;
-  std::string_view notRunning;
-  std::string_view empty;
+  const char* notRunning;
+  const char* empty;
   std::string (*failed)(const std::string& reason);
 };
 constexpr ToolTexts dockerTexts{i18nMark("Checking Docker…"), FindingText::startDocker,
@@ -31,7 +31,7 @@ ListStatus statusOf(const ToolState& tool, const ToolTexts& texts) {
   using Kind = typename ToolState::Kind;
   switch (tool.kind) {
     case Kind::ready:
-      return {.text = std::string{tool.payload.empty() ? texts.empty : ""}};
+      return {.text = tool.payload.empty() ? i18n(texts.empty) : ""};
     case Kind::failed:
       return {.text = texts.failed(tool.error)};
     case Kind::unknown:
@@ -40,7 +40,7 @@ ListStatus statusOf(const ToolState& tool, const ToolTexts& texts) {
     case Kind::notInstalled:
       return {.isShown = false};
     case Kind::notRunning:
-      return {.text = std::string{texts.notRunning}};
+      return {.text = i18n(texts.notRunning)};
   }
   return {};
 }
@@ -140,8 +140,8 @@ std::vector<ListItem> Developer::cacheItems() const {
                      .path = found.path,
                      .size = found.size,
                      .isDirectory = true,
-                     .title = std::string{found.target->title},
-                     .subtitle = std::string{found.target->advice},
+                     .title = i18n(found.target->title),
+                     .subtitle = i18n(found.target->advice),
                      .symbol = std::string{found.target->symbol},
                      .buttonTitle = i18n("Clean up"),
                      .onButton = [&model = host_.model, found] { model.cleanups().ask(found); }});
@@ -220,7 +220,7 @@ void Developer::updateWorktrees() {
     (worktree.isOld(now(), GitWorktrees::staleDays) ? stale : active).push_back(worktreeItem(worktree));
   }
   const bool hasNone = stale.empty() && host_.model.currentFindings().isReady();
-  worktrees_.assign(std::move(stale), {.text = std::string{hasNone ? FindingText::noOldWorktrees : ""}});
+  worktrees_.assign(std::move(stale), {.text = hasNone ? i18n(FindingText::noOldWorktrees) : ""});
   activeWorktrees_.assign(std::move(active));
 }
 

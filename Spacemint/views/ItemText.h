@@ -43,7 +43,7 @@ class ItemText : public QObject {
   void fileManagerChanged();
 
  private:
-  QString showInFileManager_ = ShownText::plain(PlatformWords::showInFileManager);
+  QString showInFileManager_ = ShownText::plain(i18n(PlatformWords::showInFileManager));
 };
 
 }  // namespace spacemint

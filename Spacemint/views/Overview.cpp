@@ -27,7 +27,7 @@ constexpr int growthShown = 5;
 // The text in place of the list of what grew; empty when there is a list.
 std::string growthText(const Findings& findings, const std::string& locale) {
   if (findings.baselineUnavailable) return i18n("The earlier scan couldn't be read. Pick another one above.");
-  if (!findings.spaceChange) return std::string{FindingText::nothingToCompare};
+  if (!findings.spaceChange) return i18n(FindingText::nothingToCompare);
   return findings.growth.empty() ? FindingText::nothingGrew(Findings::growthMinimum, locale) : "";
 }
 
@@ -70,7 +70,7 @@ Overview::Overview(const UiHost& host)
 }
 
 QString Overview::accessTitle() const {
-  return ShownText::plain(PlatformWords::accessIsLimited);
+  return ShownText::plain(i18n(PlatformWords::accessIsLimited));
 }
 
 QString Overview::accessLine() const {
@@ -105,7 +105,7 @@ void Overview::update() {
   backups_.assign(backupItems());
   const bool isClean =
       isReady && hasAccess() && trash_.count() == 0 && backups_.count() == 0 && findings.suggestions.empty();
-  suggestions_.assign(suggestionItems(), {.text = std::string{isClean ? FindingText::nothingToClean : ""}});
+  suggestions_.assign(suggestionItems(), {.text = isClean ? i18n(FindingText::nothingToClean) : ""});
   Q_EMIT changed();
 }
 
@@ -191,7 +191,7 @@ void Overview::addShrinkage(std::vector<ListItem>& items) {
   Bytes sum = 0;
   for (const Shrinkage& each : shrinkage) sum = saturatingAdd(sum, each.delta);
   ListItem all{.id = "shrunk or gone",
-               .title = std::string{FindingText::shrunkTitle},
+               .title = i18n(FindingText::shrunkTitle),
                .sizeText = FindingText::lost(sum, host_.locale),
                .symbol = "arrow.down.circle",
                .hasShrunk = true};

@@ -37,7 +37,8 @@ QStringList Page::tabTitles() const {
 }
 
 QString Page::accessTitle() const {
-  return ShownText::plain(hasAccess() ? PlatformWords::accessIsComplete : PlatformWords::foldersAreClosed);
+  return ShownText::plain(
+      i18n(hasAccess() ? PlatformWords::accessIsComplete : PlatformWords::foldersAreClosed));
 }
 
 QString Page::accessLine() const {

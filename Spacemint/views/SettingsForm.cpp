@@ -14,7 +14,7 @@ namespace {
 
 QStringList titles(std::span<const SettingChoice> choices) {
   QStringList result;
-  for (const SettingChoice& choice : choices) result << ShownText::plain(choice.label);
+  for (const SettingChoice& choice : choices) result << ShownText::plain(i18n(choice.label));
   return result;
 }
 
@@ -27,7 +27,7 @@ const SettingsText::Choice* at(const std::vector<SettingsText::Choice>& choices,
 std::vector<SettingsText::Choice> choicesOf(Setting setting, SettingsText::Choice stored) {
   std::vector<SettingsText::Choice> result;
   for (const SettingChoice& choice : describe(setting).choices) {
-    result.push_back({std::get<std::int64_t>(choice.value), std::string{choice.label}});
+    result.push_back({std::get<std::int64_t>(choice.value), i18n(choice.label)});
   }
   const auto place = std::ranges::lower_bound(result, stored.value, {}, &SettingsText::Choice::value);
   if (place == result.end() || place->value != stored.value) result.insert(place, std::move(stored));

@@ -13,7 +13,8 @@ QString ShownText::plain(std::string_view text) {
 QString ShownText::onOneLine(QString text) {
   for (QChar& c : text) {
     const auto kind = c.category();
-    const bool isEmbedding = (c >= u'\u202A' && c <= u'\u202E') || (c >= u'\u2066' && c <= u'\u2069');
+    // The isolates of values in sentences stay, which reverse nothing.
+    const bool isEmbedding = (c >= u'\u202A' && c <= u'\u202E') || c == u'\u2066' || c == u'\u2067';
     const bool isBreak = kind == QChar::Separator_Line || kind == QChar::Separator_Paragraph;
     if (kind == QChar::Other_Control || isBreak || isEmbedding) c = QChar::ReplacementCharacter;
   }

@@ -75,6 +75,18 @@ std::string numberText(std::int64_t number) {
   return groupedNumber(number, sentenceLanguage());
 }
 
+std::string numberText(double number, int decimals) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::string text;
+  icu::number::NumberFormatter::withLocale(icu::Locale(sentenceLanguage().c_str()))
+      .precision(icu::number::Precision::fixedFraction(decimals))
+      .grouping(UNUM_GROUPING_OFF)
+      .formatDouble(number, status)
+      .toString(status)
+      .toUTF8String(text);
+  return U_FAILURE(status) ? std::to_string(number) : text;
+}
+
 std::string counted(std::int64_t number, const char* one, const char* many, const std::string& locale) {
   return i18np(one, many, number, {{"count", groupedNumber(number, locale)}});
 }

@@ -24,6 +24,9 @@ std::string groupedNumber(std::int64_t number, const std::string& locale);
 /// language. Any thread.
 std::string numberText(std::int64_t number);
 
+/// The same for a number with so many decimals, such as "0.015".
+std::string numberText(double number, int decimals);
+
 /// A text with the number as "{count}", in the user's language: of "{count} file" and "{count} files",
 /// "600,000 files". Any thread.
 std::string counted(std::int64_t number, const char* one, const char* many, const std::string& locale);
