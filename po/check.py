@@ -22,19 +22,15 @@ def run(*command):
 
 
 def texts_of(catalogue):
-    """Pairs of an English text and its translation, of a compiled catalogue."""
+    """Of a compiled catalogue: an English text, its translation, and the placeholders that need not agree."""
     with open(catalogue, "rb") as file:
         entries = gettext.GNUTranslations(file)._catalog
     for key, translation in entries.items():
         source = key[0] if isinstance(key, tuple) else key
+        # A form for one thing alone need not name the number, in English as elsewhere.
+        free = {"{count}"} if isinstance(key, tuple) else set()
         if source:
-            yield source.split("\x04")[-1], translation
-
-
-def wrong_placeholders(source, translation):
-    wanted, found = set(PLACEHOLDER.findall(source)), set(PLACEHOLDER.findall(translation))
-    # A form for one thing alone need not name the number.
-    return found - wanted or wanted - found - {"{count}"}
+            yield source.split("\x04")[-1], translation, free
 
 
 def problems_of_language(language, compiled):
@@ -43,8 +39,8 @@ def problems_of_language(language, compiled):
     yield run("msgcmp", file, HERE / "spacemint.pot")
     if f'"Language: {language}\\n"' not in file.read_text():
         yield f"{file.name}: the header does not say Language: {language}\n"
-    for source, translation in texts_of(compiled):
-        if wrong_placeholders(source, translation):
+    for source, translation, free in texts_of(compiled):
+        if (set(PLACEHOLDER.findall(source)) ^ set(PLACEHOLDER.findall(translation))) - free:
             yield f"{file.name}: other placeholders than in “{source}”: “{translation}”\n"
         if OTHER_PLATFORM.search(translation):
             yield f"{file.name}: another platform in “{translation}”\n"
