@@ -58,9 +58,9 @@ std::string SettingsText::scanFootnote(bool hasFullDiskAccess, const std::option
                 "closed to Spacemint and can't be measured.");
   if (!whyFull) return text;
   return text + '\n' +
-         (whyFull->empty()
-              ? i18n("Last scan: what had not changed was taken from the scan before.")
-              : i18n("Last scan: everything was walked, because {reason}.", {{"reason", i18n(whyFull->c_str())}}));
+         (whyFull->empty() ? i18n("Last scan: what had not changed was taken from the scan before.")
+                           : i18n("Last scan: everything was walked, because {reason}.",
+                                  {{"reason", i18n(whyFull->c_str())}}));
 }
 
 std::string SettingsText::loginError(const Error& error, const std::string& home) {
