@@ -16,7 +16,8 @@ T.ProgressBar {
 
     contentItem: Item {
         Rectangle {
-            width: parent.width * root.visualPosition
+            anchors.left: parent.left
+            width: parent.width * root.position
             height: parent.height
             radius: height / 2
             color: root.color
