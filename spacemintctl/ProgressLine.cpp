@@ -3,9 +3,12 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/scan/ScanTiming.h"
+#include "spacemintctl/browse/Cells.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -24,7 +27,29 @@ std::string timeLeft(Seconds left) {
               {{"hours", numberText(minutes / 60)}, {"minutes", numberText(minutes % 60)}});
 }
 
+winsize terminalSize() {
+  winsize size{};
+  ioctl(STDERR_FILENO, TIOCGWINSZ, &size);
+  return size;
+}
+
 }  // namespace
+
+std::vector<std::string> foundRows(const FoundSoFar& found, const std::string& locale) {
+  constexpr std::size_t sizeColumns = 9;
+  constexpr double barColumns = 20;
+  std::vector<std::string> rows;
+  for (const FoundSoFar::Item& item : found.items) {
+    const double share =
+        static_cast<double>(item.size) / static_cast<double>(std::max<Bytes>(found.bytes, 1));
+    std::string bar;
+    for (int i = 0; i < static_cast<int>(std::lround(share * barColumns)); ++i) bar += "█";
+    rows.push_back(fitted(ByteFormat::string(item.size, locale), sizeColumns, Side::right) + "  " +
+                   fitted(bar, static_cast<std::size_t>(barColumns)) + "  " + shownText(item.name) +
+                   (item.isDirectory ? "/" : "") + (item.isGrowing ? " …" : ""));
+  }
+  return rows;
+}
 
 std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
                          std::chrono::duration<double> elapsed, const std::string& locale) {
@@ -47,7 +72,27 @@ bool ProgressLine::canBeSeen() {
 }
 
 ProgressLine::~ProgressLine() {
-  if (shown_) std::fputs("\r\x1b[K", stderr);
+  if (shown_) erase();
+}
+
+void ProgressLine::erase() {
+  // To the end of the screen only where rows were drawn: what is below may be another program's.
+  std::fputs(drawn_ > 0 ? "\r\x1b[J" : "\r\x1b[K", stderr);
+  std::fflush(stderr);
+  drawn_ = 0;
+}
+
+// Leaves the cursor at the beginning of the line, or at its end without rows.
+void ProgressLine::draw(const std::string& text) {
+  erase();
+  std::fputs(text.c_str(), stderr);
+  const winsize size = terminalSize();
+  // What is wider or higher than the terminal could not be drawn over.
+  drawn_ = std::min<std::size_t>(rows_.size(), size.ws_row > 1 ? size.ws_row - 1U : 0U);
+  for (std::size_t i = 0; i < drawn_; ++i)
+    std::fputs(("\n" + fitted(rows_[i], std::max<std::size_t>(size.ws_col, 2) - 1)).c_str(), stderr);
+  if (drawn_ > 0) std::fprintf(stderr, "\x1b[%zuA\r", drawn_);
+  std::fflush(stderr);
 }
 
 void ProgressLine::show(const DiskScanner::Progress& progress) {
@@ -58,8 +103,7 @@ void ProgressLine::show(const std::function<std::string()>& text) {
   const auto now = Clock::now();
   if (!shown_ || now - last_ < pace) return;
   last_ = now;
-  std::fprintf(stderr, "\r\x1b[K%s", text().c_str());
-  std::fflush(stderr);
+  draw(text());
 }
 
 }  // namespace spacemint::ctl

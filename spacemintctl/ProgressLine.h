@@ -1,11 +1,14 @@
 #pragma once
 
 #include "core/scan/DiskScanner.h"
+#include "core/scan/FoundSoFar.h"
 
 #include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace spacemint::ctl {
 
@@ -14,8 +17,11 @@ namespace spacemint::ctl {
 std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
                          std::chrono::duration<double> elapsed, const std::string& locale);
 
-/// A line on standard error that is updated about ten times a second and erased by the destructor. Prints
-/// nothing unless `wanted`. One thread at a time.
+/// The rows of what a scan has found so far: size, bar and name, the largest first.
+std::vector<std::string> foundRows(const FoundSoFar& found, const std::string& locale);
+
+/// A line on standard error, with further rows below it, that is updated in place about ten times a second
+/// and erased by the destructor. Prints nothing unless `wanted`. One thread at a time.
 class ProgressLine {
  public:
   /// True if standard error is a terminal.
@@ -27,13 +33,21 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
 
   void show(const DiskScanner::Progress& progress);
+  /// Shows these rows below the line from its next update on, each cut to the width of the terminal.
+  void setRows(std::vector<std::string> rows) { rows_ = std::move(rows); }
   /// Shows the result of `text`. Calls `text` only if the line is due for an update.
   void show(const std::function<std::string()>& text);
 
  private:
   using Clock = std::chrono::steady_clock;
 
+  void draw(const std::string& text);
+  void erase();
+
   bool shown_;
+  std::vector<std::string> rows_;
+  // How many rows below the line are on the screen.
+  std::size_t drawn_ = 0;
   std::optional<Bytes> expected_;
   std::string locale_;
   Clock::time_point start_ = Clock::now();

@@ -22,16 +22,27 @@ namespace spacemint::ctl {
 namespace {
 
 constexpr int historyDays = 14;
+constexpr std::chrono::milliseconds rowsInterval{500};
 
 std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options,
                                            ScanPlan& plan) {
   const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
-  ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, userLocale());
-  return plan.scan({.root = root,
-                    .minNodeSize = options.minSize,
-                    .manner = always(options.throttle ? ScanManner::quiet : ScanManner::foreground),
-                    .shouldCancel = wasInterrupted,
-                    .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); }});
+  const std::string locale = userLocale();
+  ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, locale);
+  return plan.scan(
+      {.root = root,
+       .minNodeSize = options.minSize,
+       .manner = always(options.throttle ? ScanManner::quiet : ScanManner::foreground),
+       .shouldCancel = wasInterrupted,
+       .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); },
+       .look =
+           [&, next = std::chrono::steady_clock::time_point{}](const DiskScanner::Unfinished& scan) mutable {
+             const auto now = std::chrono::steady_clock::now();
+             if (!showsProgress || now < next) return;
+             next = now + rowsInterval;
+             line.setRows(foundRows(FoundSoFar::in(scan, root), locale));
+             line.show(scan.counted());
+           }});
 }
 
 bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& options,

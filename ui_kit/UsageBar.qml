@@ -7,6 +7,8 @@ T.ProgressBar {
 
     property real fraction: 0
     property color color: Theme.ink
+    /// Whether a change of the fraction is a movement.
+    property bool moves: false
 
     value: fraction
     implicitWidth: 120
@@ -21,6 +23,15 @@ T.ProgressBar {
             height: parent.height
             radius: height / 2
             color: root.color
+
+            Behavior on width {
+                enabled: root.moves
+
+                NumberAnimation {
+                    duration: Theme.duration(300)
+                    easing.type: Easing.OutCubic
+                }
+            }
         }
     }
     background: Rectangle {

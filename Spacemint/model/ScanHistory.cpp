@@ -131,6 +131,7 @@ bool ScanHistory::assignBaseline(std::optional<Entry> entry) {
 }
 
 void ScanHistory::save() {
+  if (snapshot_->measuredPart) return;  // a part is never stored
   tasks_.run(
       Tasks::Priority::utility, this,
       [writer = writer_, snapshot = snapshot_, revision = revision_] {

@@ -10,14 +10,14 @@ namespace spacemint {
 namespace {
 
 // Forwards the first call, and later calls at most once per interval.
-auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
+auto throttled(auto callback) {
   using SteadyClock = std::chrono::steady_clock;
   return [callback = std::move(callback),
-          last = std::optional<SteadyClock::time_point>{}](const DiskScanner::Progress& progress) mutable {
+          last = std::optional<SteadyClock::time_point>{}](const auto& argument) mutable {
     const auto now = SteadyClock::now();
     if (last && now - *last <= ScanJob::progressInterval) return;
     last = now;
-    callback(progress);
+    callback(argument);
   };
 }
 
@@ -25,7 +25,7 @@ auto throttled(std::function<void(const DiskScanner::Progress&)> callback) {
 
 ScanJob::Report ScanJob::run() const {
   const Date start = clock.now();
-  const auto isCancelled = [this] { return flag->load(); };
+  const auto isCancelled = [this] { return orders->isCancelled.load(); };
   ScanPlan plan = ScanPlan::make(journal, {.root = root,
                                            .minNodeSize = minNodeSize,
                                            .now = start,
@@ -38,9 +38,16 @@ ScanJob::Report ScanJob::run() const {
   if (crawl) plan.eventID = crawl->eventID();
   auto result = plan.scan({.root = root,
                            .minNodeSize = minNodeSize,
-                           .manner = always(ScanManner::quiet),
+                           .manner = [this] { return orders->manner.load(); },
                            .shouldCancel = isCancelled,
                            .progress = throttled(progress),
+                           .look =
+                               [&, tell = throttled([this](const DiskScanner::Unfinished& scan) {
+                                     found(FoundSoFar::in(scan, root));
+                                   })](const DiskScanner::Unfinished& scan) mutable {
+                                 if (orders->isStopped) return stop(scan, start);
+                                 tell(scan);
+                               },
                            .listing = crawl.get()});
   if (isCancelled()) return {};
   if (crawl && result) crawl->finish();
@@ -55,6 +62,18 @@ ScanJob::Report ScanJob::run() const {
                            .snapshot());
   report.whyFull = plan.whyFull;
   return report;
+}
+
+void ScanJob::stop(const DiskScanner::Unfinished& scan, Date start) const {
+  if (orders->isCancelled.exchange(true)) return;
+  const ScanPlan none;
+  stopped(FinishedScan{.result = scan.soFar(),
+                       .plan = none,
+                       .minNodeSize = minNodeSize,
+                       .start = start,
+                       .end = clock.now(),
+                       .volume = volume.status()}
+              .snapshot());
 }
 
 ScanJob::Report ScanJob::save(Snapshot snapshot) const {

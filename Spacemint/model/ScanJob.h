@@ -5,6 +5,7 @@
 #include "Spacemint/model/ScanHistory.h"
 #include "core/host/EventJournal.h"
 #include "core/scan/DiskScanner.h"
+#include "core/scan/FoundSoFar.h"
 
 #include <atomic>
 #include <functional>
@@ -15,8 +16,14 @@
 
 namespace spacemint {
 
-/// Cancels one scan when it is set to true. Its address also identifies the scan.
-using CancelFlag = std::atomic<bool>;
+/// What the main thread tells one running scan. Its address also identifies the scan.
+struct ScanOrders {
+  /// Ends the scan without a report.
+  std::atomic<bool> isCancelled = false;
+  /// Ends the scan; `ScanJob::stopped` gets what it has measured.
+  std::atomic<bool> isStopped = false;
+  std::atomic<ScanManner> manner = ScanManner::quiet;
+};
 
 /// One scan from its plan to its file in the history. `run` runs on the scan's thread.
 struct ScanJob {
@@ -24,7 +31,7 @@ struct ScanJob {
   Bytes minNodeSize = 0;
   /// The earlier scan, which is reused when the journal knows what changed since. Null for a full scan.
   SharedSnapshot seed;
-  std::shared_ptr<const CancelFlag> flag;
+  std::shared_ptr<ScanOrders> orders;
   SnapshotStore store;
   std::string home;
   std::string timeZone;
@@ -33,6 +40,10 @@ struct ScanJob {
   StartupVolume& volume;
   /// Called on the scan's thread, at most twice a second.
   std::function<void(const DiskScanner::Progress&)> progress;
+  /// Called as often as `progress`.
+  std::function<void(FoundSoFar)> found;
+  /// Called once on the scan's thread, if the scan was stopped before its end.
+  std::function<void(Snapshot)> stopped;
 
   /// Besides the two newest scans, the newest scan of each of so many days is kept.
   static constexpr int historyDays = 14;
@@ -53,6 +64,7 @@ struct ScanJob {
   Report run() const;
 
  private:
+  void stop(const DiskScanner::Unfinished& scan, Date start) const;
   Report save(Snapshot snapshot) const;
 };
 

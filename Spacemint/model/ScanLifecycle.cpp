@@ -57,45 +57,61 @@ void ScanLifecycle::scan() {
   expectedBytes_ =
       ScanTiming::expectedBytes(last.get(), root(), parts_.volume.status(), parts_.volume.volumes());
   editedDuringScan_.clear();
-  cancelFlag_ = std::make_shared<CancelFlag>(false);
+  orders_ = std::make_shared<ScanOrders>();
+  setWatched(isWatched_);
   progress_ = DiskScanner::Progress{};
   Q_EMIT progressChanged();
-  start(cancelFlag_, last);
+  start(orders_, last);
 }
 
-void ScanLifecycle::start(const std::shared_ptr<CancelFlag>& flag, const SharedSnapshot& seed) {
+void ScanLifecycle::start(const std::shared_ptr<ScanOrders>& orders, const SharedSnapshot& seed) {
   Tasks& tasks = desktop_.tasks;
   const QPointer<ScanLifecycle> self{this};
   ScanJob job{.root = root(),
               .minNodeSize = minNodeSize,
               .seed = seed,
-              .flag = flag,
+              .orders = orders,
               .store = parts_.history.store(),
               .home = context_.home,
               .timeZone = context_.timeZone,
               .journal = context_.journal,
               .clock = desktop_.clock,
               .volume = desktop_.volume,
-              .progress = [&tasks, self, flag](const DiskScanner::Progress& progress) {
-                tasks.post([self, flag, progress] {
-                  if (self) self->progressed(flag, progress);
-                });
-              }};
+              .progress =
+                  [&tasks, self, orders](const DiskScanner::Progress& progress) {
+                    tasks.post([self, orders, progress] {
+                      if (self) self->progressed(orders, progress);
+                    });
+                  },
+              .found =
+                  [&tasks, self, orders](FoundSoFar found) {
+                    tasks.post([self, orders, found = std::move(found)]() mutable {
+                      if (!self || self->orders_ != orders) return;
+                      self->found_ = std::move(found);
+                      Q_EMIT self->foundChanged();
+                    });
+                  },
+              .stopped =
+                  [&tasks, self, orders](Snapshot part) {
+                    tasks.post([self, orders, part = std::move(part)]() mutable {
+                      if (self) self->keepPart(std::move(part), orders);
+                    });
+                  }};
   tasks.run(
       Tasks::Priority::background, this, [job = std::move(job)] { return job.run(); },
-      [this, flag](ScanJob::Report report) { finish(std::move(report), flag); }, threadName);
+      [this, orders](ScanJob::Report report) { finish(std::move(report), orders); }, threadName);
 }
 
-void ScanLifecycle::progressed(const std::shared_ptr<CancelFlag>& flag,
+void ScanLifecycle::progressed(const std::shared_ptr<ScanOrders>& orders,
                                const DiskScanner::Progress& progress) {
-  if (cancelFlag_ != flag) return;
+  if (orders_ != orders) return;
   progress_ = progress;
   Q_EMIT progressChanged();
 }
 
-void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<CancelFlag>& flag) {
+void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<ScanOrders>& orders) {
   // The report is of a scan that was cancelled; another may run by now.
-  if (cancelFlag_ != flag) return;
+  if (orders_ != orders) return;
   if (report.snapshot) whyFull_ = std::move(report.whyFull);
   end();
   if (report.failure) parts_.messages.show(*report.failure);
@@ -107,16 +123,36 @@ void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<CancelF
   parts_.history.remeasure({.paths = {edited.begin(), edited.end()}});
 }
 
-void ScanLifecycle::cancel() {
-  if (!cancelFlag_) return;
-  *cancelFlag_ = true;
+void ScanLifecycle::keepPart(Snapshot part, const std::shared_ptr<ScanOrders>& orders) {
+  if (orders_ != orders) return;
+  part.measuredPart = ScanTiming::fraction(part.root.size, expectedBytes_).value_or(0);
   end();
+  if (part.fileCount > 0) parts_.history.replace(std::move(part), parts_.history.entries());
+}
+
+void ScanLifecycle::stop() {
+  if (!orders_) return;
+  const bool isFirst = !parts_.history.snapshot();
+  if (!isFirst || orders_->isStopped.exchange(true)) cancel();
+}
+
+void ScanLifecycle::cancel() {
+  if (!orders_) return;
+  orders_->isCancelled = true;
+  end();
+}
+
+void ScanLifecycle::setWatched(bool isWatched) {
+  isWatched_ = isWatched;
+  if (orders_) orders_->manner = isWatched ? ScanManner::waiting : ScanManner::quiet;
 }
 
 void ScanLifecycle::end() {
   progress_.reset();
-  cancelFlag_.reset();
+  orders_.reset();
+  found_ = {};
   Q_EMIT progressChanged();
+  Q_EMIT foundChanged();
   if (scheduledRunFinished_) std::exchange(scheduledRunFinished_, nullptr)();
 }
 

@@ -37,6 +37,8 @@ class ScanLifecycle : public QObject {
   bool isScanning() const { return progress_.has_value(); }
   /// Present exactly while a scan runs.
   const std::optional<DiskScanner::Progress>& progress() const { return progress_; }
+  /// What the running scan has found; empty while none runs.
+  const FoundSoFar& found() const { return found_; }
   std::optional<double> fraction() const;
   /// The estimated time until the running scan ends; absent while the estimate would be a guess.
   std::optional<Seconds> timeRemaining() const;
@@ -48,29 +50,38 @@ class ScanLifecycle : public QObject {
 
   /// Starts a scan. Does nothing while one runs.
   void scan();
-  /// Stops the running scan and drops its result.
+  /// Ends the running scan. If there is no other, what it has measured becomes the current scan
+  /// (`Snapshot::measuredPart`).
+  void stop();
+  /// Ends the running scan and drops its result.
   void cancel();
+  /// Whether somebody looks at the progress. The running scan is faster meanwhile.
+  void setWatched(bool isWatched);
 
   /// Schedules background scans at the interval of the settings. Call it again when the interval changed.
   void scheduleBackgroundScans();
 
  Q_SIGNALS:
   void progressChanged();
+  void foundChanged();
   /// The finished scan is the first, or has another root than the last one.
   void rootChanged();
 
  private:
   void runScheduled(ActivityScheduler::Completion finished);
-  void start(const std::shared_ptr<CancelFlag>& flag, const SharedSnapshot& seed);
-  void progressed(const std::shared_ptr<CancelFlag>& flag, const DiskScanner::Progress& progress);
-  void finish(ScanJob::Report report, const std::shared_ptr<CancelFlag>& flag);
+  void start(const std::shared_ptr<ScanOrders>& orders, const SharedSnapshot& seed);
+  void progressed(const std::shared_ptr<ScanOrders>& orders, const DiskScanner::Progress& progress);
+  void finish(ScanJob::Report report, const std::shared_ptr<ScanOrders>& orders);
+  void keepPart(Snapshot part, const std::shared_ptr<ScanOrders>& orders);
   void end();
 
   Parts parts_;
   const AppContext& context_;
   Desktop desktop_;
   std::optional<DiskScanner::Progress> progress_;
-  std::shared_ptr<CancelFlag> cancelFlag_;
+  FoundSoFar found_;
+  std::shared_ptr<ScanOrders> orders_;
+  bool isWatched_ = false;
   std::chrono::steady_clock::time_point startedAt_;
   Bytes expectedBytes_ = 0;
   std::optional<std::string> whyFull_;

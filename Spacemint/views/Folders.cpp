@@ -92,7 +92,7 @@ void Folders::update() {
   const std::string before = std::exchange(path_, folder.path);
   parent_ = folder.parent;
   title_ = titleOf(folder.path);
-  const bool isLowerBound = coverage.unread.isAtOrBelow(folder.path) ||
+  const bool isLowerBound = snapshot->measuredPart || coverage.unread.isAtOrBelow(folder.path) ||
                             (coverage.unread.folders > 0 && folder.path == snapshot->rootPath());
   sizeText_ = ShownText::plain(FindingText::folderSize(folder.node->size, isLowerBound, host_.locale));
   parentTitle_ = parent_ ? titleOf(*parent_) : QString{};

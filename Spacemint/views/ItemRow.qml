@@ -33,6 +33,7 @@ FocusScope {
 
     property bool wrapsSubtitle: false
     property color sizeColor: Theme.ink
+    property bool barMoves: false
     /// Whether the list has a column for chevrons. This row may have none.
     property bool hasChevronColumn: false
     /// Whether the list has a column for changes, which the buttons of a lit row cover.
@@ -250,6 +251,7 @@ FocusScope {
                     visible: root.fraction >= 0
                     fraction: Math.max(0, root.fraction)
                     color: root.barLength && !root.hasShrunk ? Theme.amber : Theme.teal
+                    moves: root.barMoves
                     implicitHeight: 3
                     Accessible.ignored: true
                 }
@@ -295,7 +297,7 @@ FocusScope {
             Layout.minimumWidth: root.fraction >= 0 || root.hasChangeColumn ? Theme.scaled(58) : 0
             visible: root.sizeText
             text: root.sizeText
-            color: root.hasShrunk && !root.hasChangeColumn ? Theme.teal : root.sizeColor
+            color: root.hasShrunk && !root.hasChangeColumn ? Theme.teal : root.isBusy ? Theme.secondary : root.sizeColor
             horizontalAlignment: Text.AlignRight
             Accessible.ignored: true
         }

@@ -111,7 +111,9 @@ class ItemRows : public QAbstractListModel {
   struct Plan;
 
   const ListItem* find(int rowId) const;
-  bool isBusy(const ListItem& item) const { return host_.model.cleanups().isRunning(item.id); }
+  bool isBusy(const ListItem& item) const {
+    return item.isGrowing || host_.model.cleanups().isRunning(item.id);
+  }
   bool isInTrash(const ListItem& item) const { return host_.model.isInTrash(item.path); }
   bool canTrash(const ListItem& item) const;
   Plan planFor(std::vector<ListItem> items);

@@ -32,6 +32,8 @@ struct ListItem {
   bool hasShrunk = false;
   /// A word after the title, such as "new".
   std::string tag = {};
+  /// The item is being measured, so its size grows.
+  bool isGrowing = false;
   /// How many items of the list this one is a part of.
   int depth = 0;
   /// For an item that unfolds to further items of the list: whether these are in the list now.

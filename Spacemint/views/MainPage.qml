@@ -10,7 +10,12 @@ Rectangle {
     required property Ui ui
     readonly property bool isWelcome: ui.page.state === Page.Welcome
 
+    readonly property bool isSeen: Theme.isSeen(root)
+
     color: Theme.canvas
+    onIsSeenChanged: ui.scan.setSeen(root, isSeen)
+    Component.onCompleted: ui.scan.setSeen(root, isSeen)
+    Component.onDestruction: ui.scan.setSeen(root, false)
 
     ColumnLayout {
         anchors.fill: parent

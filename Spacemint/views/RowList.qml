@@ -19,6 +19,8 @@ ListView {
     /// The index of the selected row, and of the row that something else points at; -1 for none.
     property int selectedIndex: -1
     property int pointedIndex: -1
+    /// Whether the bars move to their new lengths.
+    property bool barsMove: false
     /// A list that would be higher than this scrolls.
     property real maximumHeight: Infinity
     /// The name of the list for screen readers.
@@ -100,6 +102,7 @@ ListView {
         rows: root.rows
         wrapsSubtitle: root.wrapsSubtitles
         sizeColor: root.sizeColor
+        barMoves: root.barsMove
         hasChevronColumn: root.rows.hasChevrons
         hasChangeColumn: root.hasChangeColumn
         showsDates: root.showsDates

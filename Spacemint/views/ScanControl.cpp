@@ -5,6 +5,7 @@
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace spacemint {
@@ -40,6 +41,11 @@ std::string ScanText::detail(std::int64_t files, std::optional<Seconds> remainin
 }
 
 std::string ScanText::scanned(const Scanned& scan) {
+  if (const auto part = scan.snapshot.measuredPart) {
+    const int percent = static_cast<int>(*part * 100);
+    return percent == 0 ? i18n("Stopped before the end")
+                        : i18n("Stopped: {percent} % measured", {{"percent", std::to_string(percent)}});
+  }
   const std::string age =
       RelativeTime::string(scan.updatedAt.value_or(scan.snapshot.date), scan.now, ShownText::wordsLocale);
   const std::string folder = scope(scan.snapshot, scan.home);
@@ -54,9 +60,56 @@ std::string ScanText::scannedHelp(const Snapshot& snapshot, const std::string& l
       {{"count", groupedNumber(snapshot.fileCount, locale)}, {"seconds", groupedNumber(seconds, locale)}});
 }
 
+std::vector<FoundSoFar::Item> ScanText::inOrder(std::vector<FoundSoFar::Item> items,
+                                                const std::vector<std::string>& order) {
+  std::ranges::stable_sort(items, {}, [&](const FoundSoFar::Item& item) {
+    return std::ranges::find(order, item.name) - order.begin();
+  });
+  return items;
+}
+
 ScanControl::ScanControl(const UiHost& host) : host_(host) {
+  connect(&scans(), &ScanLifecycle::foundChanged, this, &ScanControl::updateFound);
   connect(&scans(), &ScanLifecycle::progressChanged, this, &ScanControl::changed);
   connect(&host_.model.history(), &ScanHistory::snapshotChanged, this, &ScanControl::changed);
+}
+
+void ScanControl::updateFound() {
+  constexpr std::chrono::seconds sortInterval{2};
+  const FoundSoFar& found = scans().found();
+  const auto now = host_.desktop.clock.steadyNow();
+  if (found.items.empty()) sortedAt_.reset();
+  if (!sortedAt_ || (!holdsOrder_ && now - *sortedAt_ >= sortInterval)) {
+    sortedAt_ = now;
+    order_.clear();
+  }
+  const auto items = ScanText::inOrder(found.items, order_);
+  order_.clear();
+  std::vector<ListItem> rows;
+  for (const FoundSoFar::Item& item : items) {
+    order_.push_back(item.name);
+    rows.push_back({.id = item.name,
+                    .path = Paths::join(scans().root(), item.name),
+                    .size = item.size,
+                    .isDirectory = item.isDirectory,
+                    .fraction = ShownText::share(item.size, found.bytes),
+                    .isGrowing = item.isGrowing});
+  }
+  found_.assign(std::move(rows));
+  Q_EMIT foundChanged();
+}
+
+QString ScanControl::foundSize() const {
+  return ShownText::plain(ByteFormat::string(scans().found().bytes, host_.locale));
+}
+
+void ScanControl::setSeen(QObject* view, bool isSeen) {
+  if (isSeen) {
+    views_.insert(view);
+  } else {
+    views_.erase(view);
+  }
+  host_.model.scans().setWatched(!views_.empty());
 }
 
 QString ScanControl::title() const {

@@ -55,6 +55,8 @@ class Words : public QObject {
   SPACEMINT_WORD(answersPointLine, i18n("What grew, what's big, and what's safe to clean."))
   SPACEMINT_WORD(startFirstScan, i18n("Start first scan"))
   SPACEMINT_WORD(firstScanTitle, i18n("Taking stock of your disk…"))
+  SPACEMINT_WORD(foundSoFar, i18n("Found so far"))
+  SPACEMINT_WORD(firstScanLeave, i18n("You can leave; the scan goes on."))
   SPACEMINT_WORD(firstScanLine, i18n("This first scan runs quietly and takes a few minutes."))
 
   // The tabs.

@@ -99,6 +99,8 @@ class Walk final : public Unfinished {
     return std::nullopt;
   }
 
+  Progress counted() const override { return counted_; }
+
   std::string_view path() const override { return {path_.data(), stack_.back().pathLength}; }
 
   Result soFar() const override {
@@ -306,7 +308,8 @@ class Walk final : public Unfinished {
   std::int64_t listedSincePoll_ = 0;
   std::size_t smallEntriesKept_ = 0;
   bool cancelled_ = false;
-  std::chrono::steady_clock::time_point looked_ = std::chrono::steady_clock::now();
+  // Long ago, so that the first look is before the first folder.
+  std::chrono::steady_clock::time_point looked_;
   Coverage coverage_;
 };
 

@@ -48,6 +48,7 @@ class Unfinished {
   /// walk has not reached yet is empty. Absent if the walk has not found this folder, or found it too small
   /// to keep.
   virtual std::optional<Node> folder(std::string_view path) const = 0;
+  virtual Progress counted() const = 0;
   /// The folder that the walk is in.
   virtual std::string_view path() const = 0;
   /// Everything measured so far, as if the scan ended here; without the folders that it has not reached.

@@ -15,6 +15,7 @@ constexpr Seconds tellingTime{5};
 
 bool ScanTiming::isStale(const Staleness& question) {
   if (question.snapshot == nullptr || question.snapshot->rootPath() != question.root) return true;
+  if (question.snapshot->measuredPart) return true;
   const Date scanned = question.snapshot->date;
   return scanned > question.now || Seconds{timeBetween(scanned, question.now)} > question.olderThan;
 }
@@ -22,7 +23,7 @@ bool ScanTiming::isStale(const Staleness& question) {
 Bytes ScanTiming::expectedBytes(const Snapshot* last, std::string_view root,
                                 const std::optional<VolumeStatus>& volume,
                                 std::span<const VolumeReading> volumes) {
-  if (last != nullptr && last->rootPath() == root) return last->root.size;
+  if (last != nullptr && last->rootPath() == root && !last->measuredPart) return last->root.size;
   if (root == wholeDisk && !volumes.empty()) {
     Bytes used = 0;
     for (const auto& [each, space] : volumes) {

@@ -23,8 +23,8 @@ struct Staleness {
   Seconds olderThan{0};
 };
 
-/// True if there is no last scan, if it has another root, if it is older than the interval, or if it is dated
-/// after `now` (its age is then not known).
+/// True if there is no last scan, if it was stopped, if it has another root, if it is older than the
+/// interval, or if it is dated after `now` (its age is then not known).
 bool isStale(const Staleness& question);
 
 /// The expected bytes of a scan of `root`: the bytes of the last scan of `root`, otherwise the used bytes of

@@ -44,6 +44,9 @@ struct Snapshot {
   std::optional<Date> fullScanDate;
   std::optional<std::int64_t> format = currentFormat;
   Coverage coverage = {};
+  /// Present if the scan was stopped before its end: the part of the expected bytes that it measured, from 0
+  /// to 1; 0 if unknown. Such a scan is not stored, and no other is compared with it.
+  std::optional<double> measuredPart = {};
 
   const std::string& rootPath() const { return root.name; }
 

@@ -196,6 +196,43 @@ TEST_F(ScanLifecycleTest, answersTheSchedulerAlsoForAScanThatIsCancelled) {
   EXPECT_EQ(desktop.scheduler.finished, 1);
 }
 
+TEST_F(ScanLifecycleTest, keepsWhatAFirstScanMeasuredUntilItIsStopped) {
+  addFile("top", 30 * MB);
+  addFile("folder/below", 40 * MB);
+  startModel();
+  desktop.tasks.hold(Tasks::Priority::background);
+  model->scans().scan();
+  model->scans().stop();
+  desktop.tasks.runHeldWork(Tasks::Priority::background);
+  desktop.settle();
+  EXPECT_FALSE(model->scans().isScanning());
+  ASSERT_TRUE(model->history().snapshot());
+  EXPECT_GT(model->history().snapshot()->measuredPart.value(), 0);
+  EXPECT_EQ(sizeInScan("top"), 30 * MB);
+  EXPECT_EQ(sizeInScan("folder/below"), 0);
+  EXPECT_TRUE(model->scans().isStale(999h));
+  std::filesystem::remove(inHome("top"));
+  model->history().remeasure({.paths = {inHome("top")}});
+  desktop.settle();
+  EXPECT_EQ(sizeInScan("top"), 0);
+  EXPECT_EQ(storedScans(), 0U) << "a part is never stored";
+
+  addFile("top", 30 * MB);
+  model->scans().scan();
+  desktop.tasks.runHeldWork(Tasks::Priority::background);
+  desktop.settle();
+  ASSERT_EQ(model->scans().found().items.size(), 1U);
+  EXPECT_EQ(model->scans().found().items[0].name, "top");
+  model->scans().stop();
+  EXPECT_TRUE(model->history().snapshot()->measuredPart) << "there is one already";
+  desktop.tasks.release(Tasks::Priority::background);
+  model->scans().scan();
+  desktop.settle();
+  EXPECT_FALSE(model->history().snapshot()->measuredPart);
+  EXPECT_EQ(sizeInScan("folder/below"), 40 * MB);
+  EXPECT_FALSE(model->history().baselineEntry());
+}
+
 TEST_F(ScanLifecycleTest, dropsWhatComesLateFromACancelledScan) {
   startModel();
   desktop.tasks.hold(Tasks::Priority::background);

@@ -91,6 +91,12 @@ TEST_F(SpacemintctlTest, aScanThatIsInterruptedEndsCleanly) {
 
 TEST_F(SpacemintctlTest, progressIsForTerminalsOnly) {
   if (!Program::canHaveTerminal()) GTEST_SKIP() << "no terminal to be had here";
+  const std::string place = program.home() / "place";
+  fs::create_directories(place + "/folder");
+  support::writeText(place + "/large", std::string(30'000'000, 'x'));
+  EXPECT_THAT(program.runOnTerminal({"scan", "--no-save", place}).err,
+              testing::ContainsRegex("30 MB  ████████████████████  large *\x1b\\[1A"));
+  fs::remove_all(place);
   writeMany(4'200);
   EXPECT_THAT(program.runOnTerminal({"scan"}).err,
               AllOf(HasSubstr("4,200 files, 0 bytes"), HasSubstr("\r\x1b[K")));

@@ -115,7 +115,8 @@ class Program {
                         const std::function<void()>& meanwhile = {}) const {
     const TemporaryFolder said;
     int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    const winsize size{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) {
       redirect(STDOUT_FILENO, said / "out");
       become(arguments);

@@ -43,10 +43,22 @@ TEST(PageText, scannedTellsWhenAndWhat) {
   const Snapshot updated{.root = {.name = "/"}};
   EXPECT_EQ(ScanText::scanned({.snapshot = updated, .now = now, .home = "/h", .updatedAt = now}),
             "Updated just now · entire disk");
+  const Snapshot part{.root = {.name = "/"}, .measuredPart = 0.609};
+  EXPECT_EQ(ScanText::scanned({.snapshot = part, .now = now, .home = "/h"}), "Stopped: 60 % measured");
   EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{1}, .fileCount = 1}, "en_US"),
             "1 file, scanned in 1s");
   EXPECT_EQ(ScanText::scannedHelp({.duration = Seconds{4.9}, .fileCount = 600'000}, "en_US"),
             "600,000 files, scanned in 4s");
+}
+
+TEST(PageText, whatIsFoundKeepsItsPlaces) {
+  const auto names = [](const std::vector<std::string>& order) {
+    std::string all;
+    for (const auto& item : ScanText::inOrder({{"big", 3}, {"new", 2}, {"small", 1}}, order)) all += item.name + " ";
+    return all;
+  };
+  EXPECT_EQ(names({}), "big new small ");
+  EXPECT_EQ(names({"gone", "small", "big"}), "small big new ");
 }
 
 TEST(PageText, tickStandsWhereTheWarningBegins) {
