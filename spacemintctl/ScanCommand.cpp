@@ -40,7 +40,9 @@ std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOp
              const auto now = std::chrono::steady_clock::now();
              if (!showsProgress || now < next) return;
              next = now + rowsInterval;
-             line.setRows(foundRows(FoundSoFar::in(scan, root), locale));
+             const FoundSoFar found = FoundSoFar::in(scan, root);
+             if (found.items.empty()) return;
+             line.setRows(foundRows(found, locale));
              line.show(scan.counted());
            }});
 }

@@ -217,12 +217,15 @@ TEST_F(ScanLifecycleTest, keepsWhatAFirstScanMeasuredUntilItIsStopped) {
   EXPECT_EQ(sizeInScan("top"), 0);
   EXPECT_EQ(storedScans(), 0U) << "a part is never stored";
 
+  desktop.tasks.release(Tasks::Priority::background);
+  desktop.settle();
+  desktop.tasks.hold(Tasks::Priority::background);
   addFile("top", 30 * MB);
   model->scans().scan();
   desktop.tasks.runHeldWork(Tasks::Priority::background);
   desktop.settle();
-  ASSERT_EQ(model->scans().found().items.size(), 1U);
-  EXPECT_EQ(model->scans().found().items[0].name, "top");
+  const FoundSoFar::Item top{"top", model->scans().found().items.at(0).size, false};
+  EXPECT_THAT(model->scans().found().items, testing::Contains(top));
   model->scans().stop();
   EXPECT_TRUE(model->history().snapshot()->measuredPart) << "there is one already";
   desktop.tasks.release(Tasks::Priority::background);

@@ -54,7 +54,8 @@ TEST(PageText, scannedTellsWhenAndWhat) {
 TEST(PageText, whatIsFoundKeepsItsPlaces) {
   const auto names = [](const std::vector<std::string>& order) {
     std::string all;
-    for (const auto& item : ScanText::inOrder({{"big", 3}, {"new", 2}, {"small", 1}}, order)) all += item.name + " ";
+    for (const auto& item : ScanText::inOrder({{"big", 3}, {"new", 2}, {"small", 1}}, order))
+      all += item.name + " ";
     return all;
   };
   EXPECT_EQ(names({}), "big new small ");
