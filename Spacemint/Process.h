@@ -35,6 +35,8 @@ void complain(const std::string& message);
 /// Why the program was started.
 struct Launch {
   LaunchAction action = LaunchAction::open;
+  /// The absolute path of a folder to show; empty for none.
+  std::string folder = {};
   /// The desktop started the program with the session, so no window opens.
   bool isLogin = false;
 };

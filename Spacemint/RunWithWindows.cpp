@@ -116,7 +116,7 @@ int runWithWindows(char* program, Launch launch) {
   QGuiApplication::setQuitOnLastWindowClosed(false);
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::windows};
   if (!instance.become()) {
-    if (!launch.isLogin) instance.askOther(launch.action);
+    if (!launch.isLogin) instance.askOther(launch.action, launch.folder);
     return EXIT_SUCCESS;
   }
   const Termination termination{[] { QCoreApplication::quit(); }};
@@ -133,7 +133,9 @@ int runWithWindows(char* program, Launch launch) {
                       .hasLayerShell = placesOnWayland,
                       .quit = [] { QCoreApplication::quit(); }});
   QObject::connect(&instance, &RunningInstance::asked, application.get(), &Application::perform);
+  QObject::connect(&instance, &RunningInstance::askedFor, application.get(), &Application::showFolder);
   application->start();
+  if (!launch.folder.empty()) application->showFolder(launch.folder);
   if (launch.action != LaunchAction::open) application->perform(launch.action);
   const int code = QCoreApplication::exec();
   application.reset();

@@ -6,6 +6,9 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
 
 #include <array>
 #include <cstdio>
@@ -79,7 +82,15 @@ int run(int argc, char** argv) {
   auto action = LaunchAction::open;
   if (isSet("scan")) action = LaunchAction::scan;
   if (isSet("settings")) action = LaunchAction::settings;
-  return runWithWindows(argv[0], {.action = action, .isLogin = isSet("login")});
+  // File managers pass a URL or a path.
+  const QStringList folders = parser.positionalArguments();
+  const QUrl folder = folders.isEmpty() ? QUrl{} : QUrl::fromUserInput(folders.front(), QDir::currentPath());
+  if (!folders.isEmpty() && !QFileInfo{folder.toLocalFile()}.isDir()) {
+    complain(i18n("{path}: not a folder of this computer", {{"path", folders.front().toStdString()}}));
+    return EXIT_FAILURE;
+  }
+  const std::string path = folders.isEmpty() ? "" : QDir::cleanPath(folder.toLocalFile()).toStdString();
+  return runWithWindows(argv[0], {.action = action, .folder = path, .isLogin = isSet("login")});
 }
 
 }  // namespace

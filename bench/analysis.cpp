@@ -5,6 +5,7 @@
 #include "core/analysis/DeviceBackups.h"
 #include "core/analysis/GitWorktrees.h"
 #include "core/analysis/HuggingFace.h"
+#include "core/analysis/Search.h"
 #include "core/analysis/Suggestions.h"
 #include "core/tree/TreeWalk.h"
 
@@ -100,6 +101,16 @@ int main() {
                  [&] { return DevTools::cleanups({.in = now, .home = home, .minimum = 50'000'000}).size(); });
   all += measure("hugging face", [&] { return DevTools::huggingFace({.in = now, .home = home}).size(); });
   all += measure("largest files", [&] { return now.largestFiles(100).size(); });
+  const FileKinds& kinds = FileKinds::ofThisSystem();
+  all += measure("kinds of files", [&] { return kindTotals(now.root, kinds).size(); });
+  for (const char* words : {"f", "folder-7", "*9", ">20.5MB type:other", "older:1y"}) {
+    // What happens at each keystroke.
+    measure(words, [&] {
+      std::size_t found = 0;
+      search(now, parseSearch(words).value(), kinds, now.date, 500, &found);
+      return found;
+    });
+  }
   std::cout << "all together " << all << " ms, " << std::setprecision(2) << all / allowedMilliseconds
             << " of what they may take\n";
 }

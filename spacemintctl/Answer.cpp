@@ -80,8 +80,18 @@ std::string fileTable(const std::vector<FileItem>& files, const Wording& wording
 
 // What the scan left out; at most `limit` lines.
 std::string leftOutTable(const Snapshot& snapshot, std::size_t limit, const Wording& wording) {
-  const auto& items = snapshot.coverage.leftOut;
+  std::vector<LeftOut> items = snapshot.coverage.leftOut;
+  std::erase_if(items, [](const LeftOut& item) { return item.kind == LeftOut::Kind::excluded; });
   Table table{0};
+  const ExcludedSum excluded = snapshot.coverage.excludedBelow(snapshot.rootPath());
+  if (excluded.items > 0) {
+    const std::string what = FindingText::excludedItems(excluded, wording.locale);
+    const std::string size = ByteFormat::string(excluded.size, wording.locale);
+    table.add({i18n(FindingText::excludedTitle),
+               excluded.unknown == excluded.items
+                   ? what
+                   : i18n("{size} in {items}", {{"size", size}, {"items", what}})});
+  }
   for (const LeftOut& item : items | std::views::take(limit)) {
     table.add({FindingText::leftOutTitle(item, snapshot.date, wording.locale), shown(item.path, wording)});
   }

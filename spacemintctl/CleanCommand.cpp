@@ -81,8 +81,7 @@ class Proposer {
         return proposalFor(*worktree);
       }
       case CleanKind::path:
-        return proposalFor(
-            DeleteRequest{.path = path, .name = Paths::lastComponent(path), .note = i18n(deleteNote)});
+        return proposePaths();
     }
     return Proposal{};
   }
@@ -96,6 +95,20 @@ class Proposer {
       if (!step.wasThere()) return std::unexpected(i18n("{item} does not exist", {{"item", step.path}}));
     }
     return Proposal{.plan = std::move(*plan)};
+  }
+
+  Proposed proposePaths() const {
+    SeveralRequest request;
+    for (const std::string& given : options_.paths) {
+      const std::string path = absolutePath(given, home_);
+      request.items.push_back(
+          DeleteRequest{.path = path, .name = Paths::lastComponent(path), .note = i18n(deleteNote)});
+    }
+    if (request.items.size() == 1) return proposalFor(std::get<DeleteRequest>(request.items.front()));
+    auto proposal = proposalFor(request);
+    if (!proposal) return proposal;
+    for (const CleanupFailure& refused : proposal->plan.refused) proposal->leftOut.push_back(refused.message);
+    return proposal;
   }
 
   Proposed proposeBackup(const std::string& path) const {
@@ -202,7 +215,7 @@ int carryOut(const CleanupPlan& plan, const CleanOptions& options, const Cleanup
   const bool printed =
       print(options.json ? resultJson(plan, report).dump() + '\n' : resultText(plan, report, wording));
   if (wasInterrupted() && !report.isComplete(plan)) return interrupted;
-  return printed && remeasured && report.isComplete(plan) ? done : failed;
+  return printed && remeasured && report.isComplete(plan) && plan.refused.empty() ? done : failed;
 }
 
 }  // namespace
@@ -222,7 +235,8 @@ std::expected<void, Error> remeasureInNewestScan(const std::vector<std::string>&
   if (!scan) return {};
   bool isChanged = false;
   for (const std::string& path : paths) {
-    if (scan->nodeAt(path) != nullptr) isChanged |= putInto(*scan, measureAgain(path, scan->minNodeSize));
+    if (scan->nodeAt(path) != nullptr)
+      isChanged |= putInto(*scan, measureAgain(path, scan->minNodeSize, scan->coverage.excludes));
   }
   if (!isChanged) return {};
   const auto saved = SnapshotWriter{store}.save(*scan, 1);

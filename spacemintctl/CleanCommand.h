@@ -11,8 +11,10 @@
 namespace spacemint::ctl {
 
 struct CleanOptions {
-  /// The item to remove, for the kinds `backup`, `worktree` and `path`.
+  /// The item to remove, for the kinds `backup` and `worktree`.
   std::string path;
+  /// The items to remove, for the kind `path`.
+  std::vector<std::string> paths;
   /// The ids of the caches to clean; empty for all large caches.
   std::vector<std::string> ids;
   /// Do not ask for confirmation.

@@ -11,8 +11,7 @@ namespace spacemint::ctl {
 
 namespace {
 
-// The earlier scan to compare with; absent if there is none.
-using Baseline = std::expected<std::optional<Snapshot>, Error>;
+using Baseline = std::expected<EarlierScans, Error>;
 
 Baseline namedBaseline(const Scene& scene) {
   auto named = storedScan(SnapshotStore::ofRoot(scene.snapshot.rootPath()), scene.since);
@@ -28,7 +27,10 @@ Baseline namedBaseline(const Scene& scene) {
     return refused(
         i18n("the scan of \"{date}\" is later than the one to compare with it", {{"date", scene.since}}));
   }
-  return std::move(*named);
+  if (named->coverage.excludes != scene.snapshot.coverage.excludes) {
+    return refused(i18n("the scan of \"{date}\" left out other files and folders", {{"date", scene.since}}));
+  }
+  return EarlierScans{.usual = std::move(*named)};
 }
 
 // What a comparison of two scans finds.
@@ -131,9 +133,12 @@ Json jsonOf(const Comparison& comparison) {
 std::expected<Findings, Error> growthFindings(const Scene& scene) {
   auto baseline = scene.since.empty() ? Baseline{usualBaseline(scene.snapshot)} : namedBaseline(scene);
   if (!baseline) return std::unexpected(baseline.error());
-  const auto& earlier = *baseline;
+  const auto& earlier = baseline->usual;
   if (!earlier) {
-    return Findings{.text = i18n(FindingText::nothingToCompare) + '\n',
+    const std::string reason = baseline->leftOutOthers
+                                   ? i18n("The earlier scans left out other files and folders.")
+                                   : i18n(FindingText::nothingToCompare);
+    return Findings{.text = reason + '\n',
                     .json = {{"from", nullptr},
                              {"to", jsonOf(scene.snapshot)},
                              {"growth", Json::array()},

@@ -10,7 +10,9 @@
 #include "spacemintctl/Section.h"
 #include "spacemintctl/StoredScan.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <functional>
 
 namespace spacemint::ctl {
 
@@ -48,7 +50,14 @@ Json folderJson(const std::string& path, const Node& folder) {
   return object;
 }
 
-std::string folderText(const std::string& path, const Node& folder, std::size_t top, const Wording& wording) {
+std::int64_t filesIn(const Node& node) {
+  return node.isDirectory ? node.fileCount : 1;
+}
+
+// The last column before the name is the number of files if the order is by it.
+std::string folderText(const std::string& path, const Node& folder, const ListOptions& options,
+                       const Wording& wording) {
+  std::size_t top = options.top;
   const std::string text = printable(Paths::display(path, wording.home)) + ": " +
                            ByteFormat::string(folder.size, wording.locale) + '\n';
   Table table;
@@ -57,12 +66,15 @@ std::string folderText(const std::string& path, const Node& folder, std::size_t 
       table.add({"", "", i18n("… and more; --top shows them")});
       break;
     }
-    table.add({ByteFormat::string(child.size, wording.locale), percentage(child.size, folder.size),
+    table.add({ByteFormat::string(child.size, wording.locale),
+               options.byCount ? counted(filesIn(child), "{count} file", "{count} files", wording.locale)
+                               : percentage(child.size, folder.size),
                printable(child.name) + (child.isDirectory ? "/" : "")});
   }
   if (folder.unlistedSize() > 0) {
     table.add({ByteFormat::string(folder.unlistedSize(), wording.locale),
-               percentage(folder.unlistedSize(), folder.size), i18n("(smaller files and folders)")});
+               options.byCount ? "" : percentage(folder.unlistedSize(), folder.size),
+               i18n("(smaller files and folders)")});
   }
   return text + table.text();
 }
@@ -105,15 +117,17 @@ int runFolders(const ListOptions& options) {
   const std::string path = options.path.empty()
                                ? snapshot->rootPath()
                                : std::filesystem::absolute(options.path).lexically_normal().string();
-  const Node* folder = snapshot->nodeAt(path);
-  if (folder == nullptr || !folder->isDirectory) {
+  const Node* found = snapshot->nodeAt(path);
+  if (found == nullptr || !found->isDirectory) {
     complain(i18n("{path}: no such folder in the scan of {date}, or the folder is too small to be stored",
                   {{"path", printable(path)}, {"date", localTime(snapshot->date)}}));
     return failed;
   }
   const std::string shown{Paths::withoutTrailingSlash(path)};
-  return print(options.json ? folderJson(shown, *folder).dump() + '\n'
-                            : folderText(shown, *folder, options.top, userWording()))
+  Node folder = *found;
+  if (options.byCount) std::ranges::stable_sort(folder.children, std::greater{}, filesIn);
+  return print(options.json ? folderJson(shown, folder).dump() + '\n'
+                            : folderText(shown, folder, options, userWording()))
              ? done
              : failed;
 }

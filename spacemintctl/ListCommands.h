@@ -13,6 +13,8 @@ struct ListOptions {
   std::string path;
   std::size_t top = 50;
   bool json = false;
+  /// Of "folders": what has the most files comes first.
+  bool byCount = false;
 };
 
 /// Prints the largest files of a stored scan; returns the exit code.

@@ -14,6 +14,7 @@
 #include "spacemintctl/Interrupt.h"
 #include "spacemintctl/ProgressLine.h"
 #include "spacemintctl/ScanRoot.h"
+#include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StoredScan.h"
 #include "spacemintctl/TransferCommands.h"
 
@@ -23,6 +24,24 @@ namespace {
 
 constexpr int historyDays = 14;
 constexpr std::chrono::milliseconds rowsInterval{500};
+
+// Without wrong patterns.
+Excludes excludesFor(const ScanOptions& options) {
+  std::vector<std::string> patterns = storedSettings().excludes;
+  patterns.insert(patterns.end(), options.excludes.begin(), options.excludes.end());
+  return Excludes::usable(patterns, UserFolders::home());
+}
+
+// Says what is wrong with the patterns of the settings, and of the command line. Only the latter is an error.
+bool mayExclude(const ScanOptions& options) {
+  const std::string home = UserFolders::home();
+  if (const auto stored = Excludes::compile(storedSettings().excludes, home); !stored) {
+    complain(i18n("not used: {reason}", {{"reason", printable(stored.error().message)}}));
+  }
+  const auto asked = Excludes::compile(options.excludes, home);
+  if (!asked) complain(printable(asked.error().message));
+  return asked.has_value();
+}
 
 std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options,
                                            ScanPlan& plan) {
@@ -75,7 +94,8 @@ ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start
                          .now = start,
                          .earlier = earlier && *earlier ? std::optional{std::move(**earlier)} : std::nullopt,
                          .mayReuse = !options.full,
-                         .shouldCancel = shouldCancel});
+                         .shouldCancel = shouldCancel,
+                         .excludes = excludesFor(options)});
 }
 
 std::optional<Error> scanObstacle(const std::string& root) {
@@ -111,6 +131,7 @@ int runScan(const ScanOptions& options) {
     complain(printable(problem->message));
     return failed;
   }
+  if (!mayExclude(options)) return wrongUsage;
   noteInterrupts();
   const Date start = currentTime();
   ScanPlan plan = planFor(*root, options, start, wasInterrupted);

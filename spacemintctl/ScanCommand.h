@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace spacemint::ctl {
 
@@ -22,6 +23,8 @@ struct ScanOptions {
   bool noSave = false;
   bool quiet = false;
   bool json = false;
+  /// Patterns (`Excludes`) besides those of the settings.
+  std::vector<std::string> excludes = {};
   /// The file to export the scan to, "-" for standard output; empty for none.
   std::string exportTo = {};
 };
@@ -33,8 +36,9 @@ int runScan(const ScanOptions& options);
 /// prints nothing. Absent if the folder cannot be opened or the user interrupted the scan.
 std::optional<Snapshot> measuredScan(const ScanOptions& options);
 
-/// Plans a scan of `root` from its newest stored scan and the changes recorded since. Blocks for the
-/// recorder's answer, or until `shouldCancel` returns true. Any thread.
+/// Plans a scan of `root` from its newest stored scan and the changes recorded since, with the excludes of
+/// the options and of the settings. Blocks for the recorder's answer, or until `shouldCancel` returns true.
+/// Any thread.
 ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start,
                  const std::function<bool()>& shouldCancel);
 

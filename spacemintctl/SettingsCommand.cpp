@@ -27,20 +27,15 @@ Json valueOf(const DefaultsStore& store, const SettingDescription& setting) {
   if (std::holds_alternative<bool>(setting.registeredDefault)) return json(store.boolean(setting.key));
   if (std::holds_alternative<std::int64_t>(setting.registeredDefault))
     return json(store.integer(setting.key));
-  if (std::holds_alternative<NoPaths>(setting.registeredDefault)) return json(store.strings(setting.key));
+  const bool isList = std::holds_alternative<NoPaths>(setting.registeredDefault) ||
+                      std::holds_alternative<NoPatterns>(setting.registeredDefault);
+  if (isList) return json(store.strings(setting.key));
   return json(store.string(setting.key));
-}
-
-// As `parseSetting` reads it.
-std::string joined(const std::vector<std::string>& paths) {
-  std::string text;
-  for (const std::string& path : paths) text += (text.empty() ? "" : ",") + path;
-  return text;
 }
 
 std::string textOf(const Json& value) {
   if (value.is_null()) return i18n("not usable");
-  if (value.is_array()) return printable(joined(value.get<std::vector<std::string>>()));
+  if (value.is_array()) return printable(settingText(value.get<std::vector<std::string>>()));
   return printable(value.is_string() ? value.get<std::string>() : value.dump());
 }
 
@@ -50,7 +45,8 @@ StoredSettings storedSettings() {
   DefaultsStore store = DefaultsStore::standard();
   store.registerDefaults(registeredSettings());
   return {.thresholdGB = store.integer(describe(Setting::warningThresholdGB).key).value_or(0),
-          .scope = scanScope(store.string(describe(Setting::scope).key).value_or(""))};
+          .scope = scanScope(store.string(describe(Setting::scope).key).value_or("")),
+          .excludes = store.strings(describe(Setting::excludes).key).value_or(std::vector<std::string>{})};
 }
 
 int listSettings(bool json) {

@@ -10,6 +10,7 @@ namespace spacemint::ctl {
 struct StoredSettings {
   std::int64_t thresholdGB = 0;
   ScanScope scope = ScanScope::home;
+  std::vector<std::string> excludes = {};
 };
 
 StoredSettings storedSettings();

@@ -190,11 +190,13 @@ Facts verboseFacts(const VolumeStatus& volume) {
   if (newest) last = std::move(*newest);
   const auto journal = hostEventJournal();
   Facts facts{levelFact(volume, settings.thresholdGB), lastScanFact(last, now)};
-  const ScanPlan plan = ScanPlan::make(*journal, {.root = root,
-                                                  .minNodeSize = ScanOptions{}.minSize,
-                                                  .now = now,
-                                                  .earlier = std::move(last),
-                                                  .timeout = journalTimeout});
+  const ScanPlan plan =
+      ScanPlan::make(*journal, {.root = root,
+                                .minNodeSize = ScanOptions{}.minSize,
+                                .now = now,
+                                .earlier = std::move(last),
+                                .timeout = journalTimeout,
+                                .excludes = Excludes::usable(settings.excludes, UserFolders::home())});
   facts.push_back(nextScanFact(plan));
   facts.push_back(recorderFact(*journal, root));
   facts.push_back(notificationFact());

@@ -74,17 +74,20 @@ std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::strin
   return scanAmong(store.entries(currentTime()), date);
 }
 
-std::optional<Snapshot> usualBaseline(const Snapshot& current) {
+EarlierScans usualBaseline(const Snapshot& current) {
   const SnapshotStore store = SnapshotStore::ofRoot(current.rootPath());
   auto history = store.entries();
   std::erase_if(history, [&](const SnapshotStore::Entry& entry) {
     return entry.date > std::chrono::floor<std::chrono::seconds>(current.date);
   });
+  bool leftOutOthers = false;
   for (const auto& entry : baselineCandidates(history)) {
     auto scan = store.load(entry);
-    if (scan && scan->rootPath() == current.rootPath()) return std::move(*scan);
+    if (!scan || scan->rootPath() != current.rootPath()) continue;
+    if (scan->coverage.excludes == current.coverage.excludes) return {.usual = std::move(*scan)};
+    leftOutOthers = true;
   }
-  return std::nullopt;
+  return {.leftOutOthers = leftOutOthers};
 }
 
 }  // namespace spacemint::ctl

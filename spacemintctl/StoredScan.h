@@ -23,9 +23,16 @@ std::expected<Snapshot, Error> storedScan(const SnapshotStore& store, std::strin
 /// Like `storedScan`, but prints the reason on standard error where there is no such scan.
 std::optional<Snapshot> storedScanOrComplaint(std::string_view date);
 
+/// The earlier scans that a scan may be compared with.
+struct EarlierScans {
+  std::optional<Snapshot> usual = {};
+  /// There are some, but they left out other files and folders.
+  bool leftOutOthers = false;
+};
+
 /// The earlier scan of the same folder that `current` is compared with if the user names none; absent if
 /// there is none that can be read.
-std::optional<Snapshot> usualBaseline(const Snapshot& current);
+EarlierScans usualBaseline(const Snapshot& current);
 
 /// True if `date` matches a scan made at `scanned`.
 bool namesScan(std::string_view date, Date scanned);

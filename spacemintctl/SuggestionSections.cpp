@@ -37,7 +37,8 @@ std::expected<Findings, Error> suggestionFindings(const Scene& scene) {
   auto suggestions = Suggestions::find({.in = scene.snapshot,
                                         .home = scene.wording.home,
                                         .minimum = scene.minimum,
-                                        .environment = scene.environment});
+                                        .environment = scene.environment,
+                                        .now = scene.now});
   // The Trash has its own section.
   std::erase_if(suggestions, [](const Suggestion& each) { return each.id == "trash"; });
   Table table{1};

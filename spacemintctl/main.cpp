@@ -57,6 +57,12 @@ void addScan(CLI::App& app, Action& action) {
       ->capture_default_str();
   scan->add_flag("--throttle", options.throttle, i18n("Let all other programs use the disk first; slower"));
   scan->add_flag("--full", options.full, i18n("Scan all folders, also those unchanged since the last scan"));
+  scan->add_option(
+          "--exclude", options.excludes,
+          i18n("Leave out what PATTERN names, besides the setting \"excludes\"; may be given several times"))
+      ->type_name("PATTERN")
+      ->expected(1)
+      ->take_all();
   scan->add_flag("--no-save", options.noSave, i18n("Do not store this scan in the history"));
   scan->add_flag("-q,--quiet", options.quiet, i18n("Show no progress and no notes"));
   CLI::Option* json = scan->add_flag("--json", options.json, i18n("Print the whole scan as one JSON object"));
@@ -139,6 +145,7 @@ void addFilesAndFolders(CLI::App& app, Action& action) {
   CLI::App* command =
       addList(app, "folders", i18n("Show the contents of a folder in the newest scan"), folders);
   command->add_option("PATH", folders.path, i18n("The folder; the root of the scan by default"));
+  command->add_flag("--by-count", folders.byCount, i18n("Sort by the number of files"));
   command->callback([&] { action = [] { return runFolders(folders); }; });
 }
 
@@ -279,8 +286,8 @@ void addCleaning(CLI::App& app, Action& action) {
   add(CleanKind::worktree, "worktree", i18n("Remove a git worktree"))
       ->add_option("PATH", options.path, i18n("The folder"))
       ->required();
-  add(CleanKind::path, "path", i18n("Delete a file or folder in your home folder"))
-      ->add_option("PATH", options.path, i18n("The file or folder"))
+  add(CleanKind::path, "path", i18n("Delete files or folders in your home folder"))
+      ->add_option("PATH", options.paths, i18n("The files or folders"))
       ->required();
 }
 

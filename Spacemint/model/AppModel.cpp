@@ -1,5 +1,6 @@
 #include "Spacemint/model/AppModel.h"
 
+#include "core/base/Isolate.h"
 #include "core/base/Log.h"
 #include "core/base/Translation.h"
 
@@ -65,6 +66,10 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     warnIfDue();
   });
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
+  connect(&history_, &ScanHistory::changed, this, [this] {
+    const SharedSnapshot& scan = history_.snapshot();
+    if (folderToOpen_ && scan && scan->components(*folderToOpen_)) openFolder(std::string{*folderToOpen_});
+  });
 }
 
 AppModel::~AppModel() {
@@ -92,6 +97,7 @@ void AppModel::start() {
 }
 
 void AppModel::launchCheck() {
+  if (folderToOpen_) openFolder(std::string{*folderToOpen_});
   refreshTrash();
   if (!prefs_.hasStarted()) return;
   warnings_.requestAuthorization();
@@ -189,8 +195,61 @@ void AppModel::setFolderPath(std::optional<std::string> path) {
   Q_EMIT folderPathChanged();
 }
 
+void AppModel::openFolder(const std::string& path) {
+  folderToOpen_ = path;
+  const SharedSnapshot& scan = history_.snapshot();
+  if (!history_.isLoaded() || !scan)
+    return;  // the first scan will be of the home folder or of the whole disk
+  folderToOpen_.reset();
+  if (scan->nodeAt(path) != nullptr) return showMeasured(path);
+  if (scan->components(path)) {
+    return history_.remeasure({.paths = {path}, .addIfMissing = true}, [this, path] { showMeasured(path); });
+  }
+  const std::string name = isolatedPath(Paths::display(path, context_.home));
+  messages_.show(i18n("{name} is not in the scanned folder.", {{"name", name}}),
+                 MessageAction{i18n("Scan Entire Disk"), [this, path] {
+                                 messages_.clear();
+                                 folderToOpen_ = path;
+                                 prefs_.setScope(ScanScope::disk);
+                               }});
+}
+
+// A folder that is too small to be stored is shown as a part of the folder above.
+void AppModel::showMeasured(const std::string& path) {
+  setFolderPath(path);
+  setTab(Tab::folders);
+}
+
+void AppModel::setFileSearch(std::string words) {
+  if (fileSearch_ == words) return;
+  fileSearch_ = std::move(words);
+  Q_EMIT fileSearchChanged();
+}
+
 void AppModel::setShowingSettings(bool isShowing) {
   if (std::exchange(showingSettings_, isShowing) != isShowing) Q_EMIT showingSettingsChanged();
+}
+
+void AppModel::leaveOut(const std::string& path) {
+  const SharedSnapshot before = history_.snapshot();
+  const std::vector<std::string> patterns = prefs_.excludes();
+  std::vector<std::string> more = patterns;
+  more.push_back(Excludes::patternFor(Paths::logical(path)));
+  prefs_.setExcludes(more);
+  // A scan with other excludes could not be stored as one with these.
+  history_.edit(path, [&](Snapshot& scan) {
+    return scan.coverage.excludes == Excludes::usable(patterns, context_.home).patterns() &&
+           scan.leaveOut(path, more.back());
+  });
+  const auto undo = [this, before, patterns, path, revision = history_.revision()] {
+    messages_.clear();
+    prefs_.setExcludes(patterns);
+    if (history_.revision() == revision)
+      history_.edit(path, [&](Snapshot& scan) { return scan = *before, true; });
+  };
+  const std::string name = isolatedPath(Paths::display(path, context_.home));
+  messages_.show(i18n("{name} is left out of scans. The settings list what is left out.", {{"name", name}}),
+                 MessageAction{i18n("Undo"), undo});
 }
 
 void AppModel::confirmEmptyTrash() {

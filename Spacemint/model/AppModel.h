@@ -58,6 +58,8 @@ class AppModel : public QObject {
   bool hasFullDiskAccess() const { return hasFullDiskAccess_; }
   Tab tab() const { return tab_; }
   const std::optional<std::string>& folderPath() const { return folderPath_; }
+  /// What the tab of files looks for (`parseSearch`); empty for the largest files.
+  const std::string& fileSearch() const { return fileSearch_; }
   bool showingSettings() const { return showingSettings_; }
   /// The largest device backup that is old and large enough for a card.
   std::optional<DeviceBackup> oldBackup() const;
@@ -80,7 +82,13 @@ class AppModel : public QObject {
   /// overview.
   void followWarning();
   void setFolderPath(std::optional<std::string> path);
+  /// Shows a folder in the tab of folders. Measures it first if it is not in the scan, and says so if the
+  /// scan is of another folder. Waits for the stored scan.
+  void openFolder(const std::string& path);
+  void setFileSearch(std::string words);
   void setShowingSettings(bool isShowing);
+  /// Leaves an item out of this scan and of all later ones. The message offers to take that back.
+  void leaveOut(const std::string& path);
   /// Asks whether to empty the Trash.
   void confirmEmptyTrash();
 
@@ -90,10 +98,12 @@ class AppModel : public QObject {
   void hasFullDiskAccessChanged();
   void tabChanged();
   void folderPathChanged();
+  void fileSearchChanged();
   void showingSettingsChanged();
 
  private:
   void launchCheck();
+  void showMeasured(const std::string& path);
   void recordFreeSpace();
   void refreshTrash();
   CleanupContext cleanupContext() const;
@@ -121,6 +131,9 @@ class AppModel : public QObject {
   bool hasFullDiskAccess_;
   Tab tab_ = Tab::overview;
   std::optional<std::string> folderPath_;
+  std::string fileSearch_;
+  /// To be opened when the stored scan is read.
+  std::optional<std::string> folderToOpen_;
   bool showingSettings_ = false;
 };
 

@@ -24,7 +24,10 @@ struct Cleanups::Run {
   std::atomic<std::int64_t> items = 0;
   std::atomic<Bytes> bytes = 0;
 
-  bool movesToTrash() const { return plan.steps.front().kind == CleanupStep::Kind::moveToTrash; }
+  bool movesToTrash() const {
+    return std::ranges::all_of(
+        plan.steps, [](const CleanupStep& step) { return step.kind == CleanupStep::Kind::moveToTrash; });
+  }
 };
 
 Cleanups::Cleanups(const Parts& parts, const Desktop& desktop, CleanupContext context)
@@ -34,6 +37,13 @@ Cleanups::Cleanups(const Parts& parts, const Desktop& desktop, CleanupContext co
 
 Cleanups::~Cleanups() {
   for (const auto& [id, run] : runs_) run->stopped = true;
+}
+
+bool Cleanups::isRunning(const std::string& id) const {
+  return std::ranges::any_of(runs_, [&](const auto& each) {
+    const CleanupPlan& plan = each.second->plan;
+    return plan.id == id || (!plan.items.empty() && std::ranges::count(plan.touched, id) > 0);
+  });
 }
 
 void Cleanups::ask(CleanupRequest request) {

@@ -58,7 +58,8 @@ class Cleanups : public QObject {
   /// Carries out the plan of this question, if it is still the one that is asked.
   void confirm(const QUuid& id);
 
-  bool isRunning(const std::string& id) const { return runs_.contains(id); }
+  /// Whether a clean-up of this id runs, or one of several items with this path.
+  bool isRunning(const std::string& id) const;
   /// Carries out a plan. Nothing while one of the same id runs; refused while another touches the same items.
   void perform(CleanupPlan plan);
   /// Shows the progress of running clean-ups again that the user, or the closing panel, took away.

@@ -22,7 +22,8 @@ std::vector<Suggestion> suggestionsBeside(const std::optional<Suggestions::Trash
   auto suggestions = Suggestions::find({.in = question.snapshot,
                                         .home = question.home,
                                         .minimum = Findings::suggestionMinimum,
-                                        .environment = question.environment});
+                                        .environment = question.environment,
+                                        .now = question.snapshot.date});
   if (trash) std::erase_if(suggestions, [](const Suggestion& each) { return each.id == "trash"; });
   return suggestions;
 }
@@ -32,6 +33,8 @@ void compare(const Findings::Question& question, Findings& findings) {
   const auto baseline = question.store.load(*question.baselineEntry);
   findings.baselineUnavailable = !baseline;
   if (!baseline) return;
+  findings.baselineLeftOutOthers = baseline->coverage.excludes != question.snapshot.coverage.excludes;
+  if (findings.baselineLeftOutOthers) return;
   const Changes::GrowthArguments arguments{.from = *baseline,
                                            .to = question.snapshot,
                                            .minimum = Findings::growthMinimum,
@@ -57,7 +60,8 @@ Findings Findings::in(const Question& question) {
                                                        .environment = question.environment}),
                     .huggingFace = DevTools::huggingFace(
                         {.in = snapshot, .home = question.home, .environment = question.environment}),
-                    .largestFiles = snapshot.largestFiles(fileLimit)};
+                    .largestFiles = snapshot.largestFiles(fileLimit),
+                    .kinds = kindTotals(snapshot.root, FileKinds::ofThisSystem())};
   for (const FileItem& file : findings.largestFiles) {
     if (const auto freed = SharedFiles::freesAtMost(Paths::logical(file.path)))
       findings.freesAtMost.emplace(file.path, *freed);
@@ -106,7 +110,8 @@ void CurrentFindings::assign(Findings findings) {
   if (before.huggingFace != now.huggingFace) Q_EMIT huggingFaceChanged();
   if (before.largestFiles != now.largestFiles || before.freesAtMost != now.freesAtMost)
     Q_EMIT largestFilesChanged();
-  if (before.spaceChange != now.spaceChange || before.baselineUnavailable != now.baselineUnavailable) {
+  if (before.spaceChange != now.spaceChange || before.baselineUnavailable != now.baselineUnavailable ||
+      before.baselineLeftOutOthers != now.baselineLeftOutOthers) {
     Q_EMIT baselineChanged();
   }
   isReady_ = history_.snapshot() != nullptr;

@@ -6,6 +6,7 @@
 #include "core/analysis/Changes.h"
 #include "core/analysis/DevTools.h"
 #include "core/analysis/DeviceBackups.h"
+#include "core/analysis/FileKinds.h"
 #include "core/analysis/GitWorktrees.h"
 #include "core/analysis/HuggingFace.h"
 #include "core/analysis/Suggestions.h"
@@ -38,12 +39,16 @@ struct Findings {
   std::vector<FileItem> largestFiles = {};
   /// By path, for those of `largestFiles` whose removal frees less than their size, in bytes.
   std::map<std::string, Bytes> freesAtMost = {};
+  /// The kinds of the files of the scan.
+  std::vector<KindTotal> kinds = {};
   /// The free space since the baseline; absent when the baseline is of another folder.
   std::optional<SpaceChange> spaceChange = {};
   /// All that changed since the baseline; null when there is nothing to compare with.
   std::shared_ptr<const ChangeTree> changes = {};
   /// The baseline could not be read.
   bool baselineUnavailable = false;
+  /// The baseline was made with other excludes, so nothing is compared.
+  bool baselineLeftOutOthers = false;
 
   static constexpr Bytes growthMinimum = 100'000'000;
   static constexpr std::size_t growthLimit = 10;

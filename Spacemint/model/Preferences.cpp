@@ -53,7 +53,8 @@ Preferences::Values Preferences::load(const DefaultsStore& defaults) {
           .hasStarted = defaults.boolean(key(Setting::hasStarted)).value_or(false),
           .unwatchedVolumes =
               defaults.strings(key(Setting::unwatchedVolumes)).value_or(std::vector<std::string>{}),
-          .itemColour = spacemint::itemColour(defaults.string(key(Setting::itemColour)).value_or(""))};
+          .itemColour = spacemint::itemColour(defaults.string(key(Setting::itemColour)).value_or("")),
+          .excludes = defaults.strings(key(Setting::excludes)).value_or(std::vector<std::string>{})};
 }
 
 template <typename Value>
@@ -99,6 +100,11 @@ void Preferences::setUnwatchedVolumes(std::vector<std::string> mountPoints) {
   write(Setting::unwatchedVolumes, values_.unwatchedVolumes, std::move(mountPoints), stored);
 }
 
+void Preferences::setExcludes(std::vector<std::string> patterns) {
+  const DefaultsArray stored(patterns.begin(), patterns.end());
+  write(Setting::excludes, values_.excludes, std::move(patterns), stored);
+}
+
 Preferences::Subscription Preferences::observe(std::span<const Setting> settings, Callback callback) {
   const std::uint64_t number = ++observers_->lastNumber;
   observers_->all.emplace(
@@ -125,6 +131,7 @@ void Preferences::refresh() {
   tell(Setting::hasStarted, old.hasStarted != now.hasStarted);
   tell(Setting::unwatchedVolumes, old.unwatchedVolumes != now.unwatchedVolumes);
   tell(Setting::itemColour, old.itemColour != now.itemColour);
+  tell(Setting::excludes, old.excludes != now.excludes);
 }
 
 Preferences::Subscription::Subscription(std::weak_ptr<Observers> observers, std::uint64_t number)

@@ -26,13 +26,14 @@ class Preferences {
   class Subscription;
 
   /// The settings whose change the application follows at once, in the window, the status item and the scans.
-  static constexpr std::array<Setting, 7> followedAtOnce{Setting::showFreeSpaceInMenuBar,
+  static constexpr std::array<Setting, 8> followedAtOnce{Setting::showFreeSpaceInMenuBar,
                                                          Setting::warningThresholdGB,
                                                          Setting::scanIntervalHours,
                                                          Setting::scope,
                                                          Setting::presence,
                                                          Setting::unwatchedVolumes,
-                                                         Setting::itemColour};
+                                                         Setting::itemColour,
+                                                         Setting::excludes};
 
   /// Registers the defaults of all settings with the store and loads every value. The store outlives this.
   explicit Preferences(DefaultsStore& defaults);
@@ -51,6 +52,8 @@ class Preferences {
   bool hasStarted() const { return values_.hasStarted; }
   /// The mount points of volumes whose space the user does not want to be warned about.
   const std::vector<std::string>& unwatchedVolumes() const { return values_.unwatchedVolumes; }
+  /// The patterns of what scans leave out; a wrong one counts for nothing (`Excludes::usable`).
+  const std::vector<std::string>& excludes() const { return values_.excludes; }
 
   /// Setters always store the value, and notify the setting's observers only when the value differs. If
   /// storing fails, the new value is kept in memory and `lastWriteError` is set.
@@ -62,6 +65,7 @@ class Preferences {
   void setItemColour(ItemColour colour);
   void setHasStarted(bool hasStarted);
   void setUnwatchedVolumes(std::vector<std::string> mountPoints);
+  void setExcludes(std::vector<std::string> patterns);
 
   /// Calls back after each change of one of `settings`.
   [[nodiscard]] Subscription observe(std::span<const Setting> settings, Callback callback);
@@ -83,6 +87,7 @@ class Preferences {
     bool hasStarted = false;
     std::vector<std::string> unwatchedVolumes;
     ItemColour itemColour = ItemColour::automatic;
+    std::vector<std::string> excludes;
   };
   struct Observers;
 

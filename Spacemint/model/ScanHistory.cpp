@@ -4,6 +4,7 @@
 #include "core/base/Translation.h"
 #include "core/cleanup/Remeasure.h"
 #include "core/history/Baseline.h"
+#include "core/scan/Excludes.h"
 
 #include <algorithm>
 
@@ -86,14 +87,17 @@ void ScanHistory::edit(const std::string& path, const Edit& edit) {
 
 void ScanHistory::remeasure(Remeasuring request, std::function<void()> then) {
   if (!snapshot_) return then();
+  const Excludes excludes = Excludes::usable(snapshot_->coverage.excludes, "");
   std::erase_if(request.paths, [&](const std::string& path) {
-    return !request.addIfMissing && snapshot_->nodeAt(path) == nullptr;
+    return excludes.leavesOutBelow(snapshot_->rootPath(), snapshot_->resolve(path), true) ||
+           (!request.addIfMissing && snapshot_->nodeAt(path) == nullptr);
   });
   if (request.paths.empty()) return then();
   for (std::string& path : request.paths) path = highestMissing(*snapshot_, std::move(path));
-  const auto measure = [paths = std::move(request.paths), minNodeSize = snapshot_->minNodeSize] {
+  const auto measure = [paths = std::move(request.paths), scan = snapshot_] {
     std::vector<Measured> all;
-    for (const std::string& path : paths) all.push_back(measureAgain(path, minNodeSize));
+    for (const std::string& path : paths)
+      all.push_back(measureAgain(path, scan->minNodeSize, scan->coverage.excludes));
     return all;
   };
   const auto put = [this, assumeEmptied = request.assumeEmptied,

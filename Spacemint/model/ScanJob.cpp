@@ -31,7 +31,8 @@ ScanJob::Report ScanJob::run() const {
                                            .now = start,
                                            .earlier = seed ? std::optional{*seed} : std::nullopt,
                                            .timeout = journalTimeout,
-                                           .shouldCancel = isCancelled});
+                                           .shouldCancel = isCancelled,
+                                           .excludes = excludes});
   if (isCancelled()) return {};
   // If nothing recorded this folder until now, recording starts with this scan.
   const auto crawl = plan.isFull() ? journal.beginCrawl(root) : nullptr;

@@ -5,6 +5,7 @@
 #include "Spacemint/model/ScanHistory.h"
 #include "core/host/EventJournal.h"
 #include "core/scan/DiskScanner.h"
+#include "core/scan/Excludes.h"
 #include "core/scan/FoundSoFar.h"
 
 #include <atomic>
@@ -29,6 +30,7 @@ struct ScanOrders {
 struct ScanJob {
   std::string root;
   Bytes minNodeSize = 0;
+  Excludes excludes;
   /// The earlier scan, which is reused when the journal knows what changed since. Null for a full scan.
   SharedSnapshot seed;
   std::shared_ptr<ScanOrders> orders;

@@ -69,6 +69,7 @@ void ScanLifecycle::start(const std::shared_ptr<ScanOrders>& orders, const Share
   const QPointer<ScanLifecycle> self{this};
   ScanJob job{.root = root(),
               .minNodeSize = minNodeSize,
+              .excludes = Excludes::usable(parts_.preferences.excludes(), context_.home),
               .seed = seed,
               .orders = orders,
               .store = parts_.history.store(),

@@ -327,6 +327,11 @@ void Application::perform(LaunchAction action) {
   showUI();
 }
 
+void Application::showFolder(const std::string& path) {
+  host_.model.openFolder(path);
+  showUI();
+}
+
 void Application::showAbout() {
   bringForward();
   if (auto* window = shownWindow()) window->showAbout();

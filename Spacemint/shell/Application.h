@@ -50,6 +50,8 @@ class Application : public QObject {
   void togglePanel();
   void openSettings();
   void perform(LaunchAction action);
+  /// Shows a folder, by its absolute path, in the list of folders.
+  void showFolder(const std::string& path);
   void showAbout();
   /// Closes the topmost of question and settings. Calls `closing` if neither is open.
   void handleEscape(const std::function<void()>& closing = {});

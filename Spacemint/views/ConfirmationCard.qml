@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.UiKit
@@ -72,6 +74,27 @@ FocusScope {
                 color: Theme.secondary
                 elide: Text.ElideMiddle
                 horizontalAlignment: Text.AlignLeft
+            }
+            ListView {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredHeight: Math.min(contentHeight, Theme.scaled(170))
+                Layout.minimumHeight: Math.min(contentHeight, Theme.scaled(40))
+                visible: count > 0
+                clip: true
+                boundsBehavior: Flickable.StopAtBounds
+                model: root.ui.confirmation.items
+                Accessible.role: Accessible.List
+                Accessible.name: root.ui.confirmation.subject
+                delegate: Label {
+                    required property string modelData
+
+                    width: ListView.view.width
+                    text: modelData
+                    size: 12
+                    elide: Text.ElideMiddle
+                    bottomPadding: 3
+                }
             }
             Label {
                 Layout.fillWidth: true

@@ -3,29 +3,93 @@ import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
-/// The tab with the largest files.
+/// The tab with the largest files, and the search for files and folders.
 ColumnLayout {
     id: root
 
     required property Ui ui
+    readonly property Files files: ui.files
 
     spacing: 0
 
+    Flow {
+        Layout.fillWidth: true
+        Layout.leftMargin: 20
+        Layout.rightMargin: 20
+        Layout.topMargin: 14
+        spacing: 8
+
+        TextEntry {
+            id: field
+
+            readonly property real beside: parent.width - age.implicitWidth - 8
+
+            width: beside < Theme.scaled(160) ? parent.width : beside
+            symbol: "magnifyingglass"
+            name: Words.search
+            hint: Words.searchExample
+            text: root.files.words
+            onTextEdited: root.files.words = text
+            Keys.onEscapePressed: event => {
+                event.accepted = text;
+                root.files.words = "";
+            }
+            Keys.onDownPressed: list.forceActiveFocus(Qt.TabFocusReason)
+
+            Connections {
+                target: root.files
+
+                function onWordsChanged() {
+                    field.text = root.files.words;
+                }
+            }
+        }
+        Picker {
+            id: age
+
+            model: root.files.ages
+            currentIndex: root.files.age
+            Accessible.name: Words.age
+            onActivated: index => root.files.chooseAge(index)
+        }
+    }
+    KindsBar {
+        Layout.fillWidth: true
+        Layout.leftMargin: 20
+        Layout.rightMargin: 20
+        Layout.topMargin: 12
+        visible: root.files.kinds.length > 0
+        files: root.files
+    }
     SectionHeader {
         Layout.margins: 20
+        Layout.topMargin: 14
         Layout.bottomMargin: 10
-        title: Words.largestFiles
+        title: root.files.title
+
+        Label {
+            text: root.files.status
+            size: 12
+            color: root.files.isUnderstood ? Theme.secondary : Theme.critical
+            wrapMode: Text.Wrap
+        }
     }
     Placeholder {
         Layout.leftMargin: 20
         Layout.rightMargin: 20
-        text: root.ui.files.largest.text
+        text: root.files.largest.text
     }
     LongList {
+        id: list
+
         Layout.fillWidth: true
         Layout.fillHeight: true
-        rows: root.ui.files.largest
-        name: Words.largestFiles
+        rows: root.files.largest
+        name: root.files.title
         focus: true
+    }
+    MarkedBar {
+        Layout.fillWidth: true
+        rows: root.files.largest
     }
 }

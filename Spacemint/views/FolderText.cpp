@@ -25,6 +25,10 @@ std::string FolderText::smallItems(bool hasChildren, const std::string& locale) 
                      : i18n("Only small items, each under {size}", {{"size", minimum(locale)}});
 }
 
+std::string FolderText::nothingFound(const std::string& locale) {
+  return i18n("Nothing found. The scan has files and folders from {size} on.", {{"size", minimum(locale)}});
+}
+
 std::string FolderText::noLargeFiles(const std::string& locale) {
   return i18n("No files over {size}.", {{"size", minimum(locale)}});
 }

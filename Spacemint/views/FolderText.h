@@ -19,6 +19,9 @@ std::string smallItems(bool hasChildren, const std::string& locale);
 /// "No files over 20 MB."
 std::string noLargeFiles(const std::string& locale);
 
+/// In place of the results of a search.
+std::string nothingFound(const std::string& locale);
+
 }  // namespace FolderText
 
 }  // namespace spacemint

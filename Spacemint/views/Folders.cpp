@@ -3,6 +3,7 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownFolder.h"
 #include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "core/wording/PictureText.h"
@@ -42,10 +43,35 @@ std::vector<ListItem> itemsOf(const ShownFolder& folder, const UiHost& host) {
   return items;
 }
 
+std::int64_t filesIn(const Node& node) {
+  return node.isDirectory ? node.fileCount : 1;
+}
+
+// Shows numbers of files in place of sizes, and sorts by them.
+void showCounts(std::vector<ListItem>& items, const ShownFolder& folder, const std::string& locale) {
+  const auto& children = folder.node->children;
+  std::vector<std::int64_t> counts;
+  std::int64_t rest = folder.node->fileCount;
+  for (const Node& child : children) {
+    counts.push_back(filesIn(child));
+    rest -= counts.back();
+  }
+  if (items.size() > children.size()) counts.push_back(std::max<std::int64_t>(rest, 0));
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    items[i].sizeText = counted(counts[i], "{count} file", "{count} files", locale);
+    items[i].fraction = ShownText::share(counts[i], folder.node->fileCount);
+  }
+  // The row for small items stays the last one.
+  const auto end = items.begin() + std::ssize(children);
+  std::stable_sort(items.begin(), end,
+                   [](const ListItem& a, const ListItem& b) { return a.fraction > b.fraction; });
+}
+
 // What the scan left out in the folder, or below it in folders too small to be listed.
 std::vector<ListItem> leftOutItems(const ShownFolder& folder, const UiHost& host) {
   std::vector<ListItem> items;
   for (const LeftOut& item : folder.snapshot->coverage.leftOut) {
+    if (item.kind == LeftOut::Kind::excluded) continue;
     if (folderAt(host.model, item.path).path != folder.path) continue;
     items.push_back(
         {.id = "left out " + item.path,
@@ -57,6 +83,17 @@ std::vector<ListItem> leftOutItems(const ShownFolder& folder, const UiHost& host
          .symbol = item.kind == LeftOut::Kind::snapshot ? "square.stack.3d.up" : "externaldrive"});
   }
   return items;
+}
+
+// One row for all that the user excluded at or below the folder.
+std::vector<ListItem> excludedItems(const ShownFolder& folder, const UiHost& host) {
+  const ExcludedSum sum = folder.snapshot->coverage.excludedBelow(folder.path);
+  if (sum.items == 0) return {};
+  return {{.id = "excluded",
+           .title = i18n(FindingText::excludedTitle),
+           .subtitle = FindingText::excludedItems(sum, host.locale),
+           .sizeText = sum.unknown == sum.items ? "" : ByteFormat::string(sum.size, host.locale),
+           .symbol = "app.dashed"}};
 }
 
 // The index of the child that is `below` or leads to it; 0 if there is none.
@@ -85,7 +122,9 @@ void Folders::update() {
     return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.home));
   };
   auto items = itemsOf(folder, host_);
+  if (order_ == Order::byCount) showCounts(items, folder, host_.locale);
   const Coverage& coverage = snapshot->coverage;
+  std::ranges::move(excludedItems(folder, host_), std::back_inserter(items));
   std::ranges::move(leftOutItems(folder, host_), std::back_inserter(items));
   std::string text = items.empty() ? i18n("Nothing is in here.") : "";
   content_.assign(std::move(items), {.text = std::move(text)});
@@ -98,6 +137,16 @@ void Folders::update() {
   parentTitle_ = parent_ ? titleOf(*parent_) : QString{};
   Q_EMIT changed();
   if (before != path_) Q_EMIT opened(rowTowards(before, folder));
+}
+
+QStringList Folders::orders() {
+  return {ShownText::plain(i18nc("order of a list", "Size")),
+          ShownText::plain(i18nc("order of a list", "Files"))};
+}
+
+void Folders::setOrder(int order) {
+  order_ = order == 0 ? Order::bySize : Order::byCount;
+  update();
 }
 
 void Folders::goBack() {

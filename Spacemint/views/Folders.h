@@ -2,6 +2,8 @@
 
 #include "Spacemint/views/ItemRows.h"
 
+#include <QStringList>
+
 #include <optional>
 
 namespace spacemint {
@@ -15,6 +17,9 @@ class Folders : public QObject {
   Q_PROPERTY(QString title READ title NOTIFY changed)
   Q_PROPERTY(QString sizeText READ sizeText NOTIFY changed)
   Q_PROPERTY(QString parentTitle READ parentTitle NOTIFY changed)
+  Q_PROPERTY(QStringList orders READ orders CONSTANT)
+  /// The order of the items, among `orders`.
+  Q_PROPERTY(int order READ order WRITE setOrder NOTIFY changed)
 
  public:
   explicit Folders(const UiHost& host);
@@ -24,6 +29,9 @@ class Folders : public QObject {
   const QString& sizeText() const { return sizeText_; }
   /// The title of the parent folder; empty for the folder that was scanned.
   const QString& parentTitle() const { return parentTitle_; }
+  static QStringList orders();
+  int order() const { return static_cast<int>(order_); }
+  void setOrder(int order);
 
   Q_INVOKABLE void goBack();
   /// Shows the folder in the file manager.
@@ -35,6 +43,8 @@ class Folders : public QObject {
   void opened(int row);
 
  private:
+  enum class Order : std::uint8_t { bySize, byCount };
+
   void update();
 
   const UiHost& host_;
@@ -44,6 +54,7 @@ class Folders : public QObject {
   QString title_;
   QString sizeText_;
   QString parentTitle_;
+  Order order_ = Order::bySize;
 };
 
 }  // namespace spacemint

@@ -58,6 +58,13 @@ Item {
                 size: 13
                 color: Theme.secondary
             }
+            SegmentedPicker {
+                model: root.folders.orders
+                currentIndex: root.folders.order
+                size: 11
+                Accessible.name: Words.order
+                onActivated: index => root.folders.order = index
+            }
             IconButton {
                 symbol: "magnifyingglass"
                 help: ItemText.showInFileManager
@@ -99,6 +106,10 @@ Item {
                 root.folders.goBack();
                 event.accepted = true;
             }
+        }
+        MarkedBar {
+            Layout.fillWidth: true
+            rows: root.folders.content
         }
     }
     Connections {

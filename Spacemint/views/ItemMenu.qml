@@ -27,6 +27,11 @@ MenuPopup {
         onTriggered: root.rows.copyPath(root.rowId)
     }
     MenuEntry {
+        text: ItemText.leaveOut
+        symbol: "app.dashed"
+        onTriggered: root.rows.leaveOut(root.rowId)
+    }
+    MenuEntry {
         visible: root.canTrash
         height: visible ? implicitHeight : 0
         text: ItemText.removeEntry(root.isInTrash)

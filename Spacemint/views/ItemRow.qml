@@ -30,6 +30,7 @@ FocusScope {
     required property bool isInTrash
     required property string buttonTitle
     required property bool isBusy
+    required property bool isMarked
 
     property bool wrapsSubtitle: false
     property color sizeColor: Theme.ink
@@ -61,6 +62,8 @@ FocusScope {
     signal menuWanted
     /// In a tree: Return or a double click.
     signal opened
+    /// The person marks this row, or all rows up to it.
+    signal marking(bool isRange)
 
     function open() {
         if (isInTree)
@@ -82,14 +85,16 @@ FocusScope {
     implicitHeight: Math.max(line.implicitHeight + (isInTree ? 8 : 14), Theme.scaled(isInTree ? 36 : 44))
     Accessible.role: isInTree ? Accessible.TreeItem : Accessible.ListItem
     Accessible.name: Words.spoken([title, tag, sizeText, change])
-    Accessible.selected: isSelected
     Accessible.description: unfolds ? Words.spokenUnfolding(subtitle, isUnfolded) : subtitle
+    Accessible.selectable: true
+    Accessible.selected: isSelected || isMarked
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Accessible.onPressAction: open()
     Keys.onReturnPressed: open()
     Keys.onEnterPressed: open()
     Keys.onMenuPressed: menuWanted()
+    Keys.onSpacePressed: marking(false)
     Keys.onRightPressed: event => turn(event, !mirrored)
     Keys.onLeftPressed: event => turn(event, mirrored)
     Keys.onPressed: event => {
@@ -102,7 +107,15 @@ FocusScope {
     Rectangle {
         anchors.fill: parent
         radius: 8
-        color: root.isSelected ? Theme.selected : Theme.hover
+        color: Theme.lavender
+        border.width: 1
+        border.color: Theme.lavenderBorder
+        visible: root.isMarked
+    }
+    Rectangle {
+        anchors.fill: parent
+        radius: 8
+        color: root.isMarked ? "transparent" : root.isSelected ? Theme.selected : Theme.hover
         visible: root.isLit || root.isSelected
 
         FocusRing {
@@ -115,12 +128,21 @@ FocusScope {
         id: hover
     }
     TapHandler {
+        acceptedModifiers: Qt.NoModifier
         gesturePolicy: TapHandler.ReleaseWithinBounds
         onTapped: point => root.chosen(point.timestamp)
         onDoubleTapped: {
             if (root.isInTree)
                 root.opened();
         }
+    }
+    TapHandler {
+        acceptedModifiers: Qt.ControlModifier
+        onTapped: root.marking(false)
+    }
+    TapHandler {
+        acceptedModifiers: Qt.ShiftModifier
+        onTapped: root.marking(true)
     }
     TapHandler {
         acceptedButtons: Qt.RightButton

@@ -3,6 +3,7 @@
 #include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Translation.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -99,6 +100,7 @@ QHash<int, QByteArray> ItemRows::roleNames() const {
           {ButtonTitleRole, "buttonTitle"},
           {BusyTitleRole, "busyTitle"},
           {IsBusyRole, "isBusy"},
+          {IsMarkedRole, "isMarked"},
           {PartsRole, "parts"}};
 }
 
@@ -129,6 +131,8 @@ QVariant ItemRows::data(const QModelIndex& index, int role) const {
       return item.canTrash && isInTrash(item);
     case IsBusyRole:
       return isBusy(item);
+    case IsMarkedRole:
+      return marked_.contains(entry.id);
     case PartsRole:
       return QVariant::fromValue(entry.parts.get());
     default:
@@ -181,6 +185,8 @@ void ItemRows::assign(std::vector<ListItem> items, const ListStatus& status) {
     insertOthers(plan);
   }
   if (entries_.size() != countBefore) Q_EMIT countChanged();
+  // The marks of rows that are gone.
+  if (!marked_.empty()) setMarked(marked_);
   setStatus(status);
 }
 
@@ -290,7 +296,72 @@ void ItemRows::showInFolders(int rowId) const {
   host_.model.setTab(Tab::folders);
 }
 
+QString ItemRows::markedText() const {
+  Bytes size = 0;
+  for (const Entry& entry : entries_) {
+    if (marked_.contains(entry.id)) size = saturatingAdd(size, entry.item.size);
+  }
+  return ShownText::sentence(i18np("1 selected · {size}", "{count} selected · {size}", markedCount(),
+                                   {{"count", groupedNumber(markedCount(), host_.locale)},
+                                    {"size", ByteFormat::string(size, host_.locale)}}));
+}
+
+void ItemRows::setMarked(std::set<int> rowIds) {
+  std::set<int> possible;
+  for (const Entry& entry : entries_) {
+    if (entry.item.canTrash && rowIds.contains(entry.id)) possible.insert(entry.id);
+  }
+  const bool isNew = possible != std::exchange(marked_, possible);
+  if (isNew && !entries_.empty()) Q_EMIT dataChanged(index(0), index(count() - 1), {IsMarkedRole});
+  Q_EMIT markedChanged();
+}
+
+void ItemRows::toggleMark(int rowId) {
+  std::set<int> rowIds = marked_;
+  if (rowIds.erase(rowId) == 0) rowIds.insert(rowId);
+  markedFrom_ = rowId;
+  setMarked(std::move(rowIds));
+}
+
+void ItemRows::markTo(int rowId) {
+  const auto place = [&](int id) { return std::ranges::find(entries_, id, &Entry::id); };
+  if (place(markedFrom_) == entries_.end()) markedFrom_ = rowId;
+  const auto [first, last] = std::minmax(place(markedFrom_), place(rowId));
+  if (last == entries_.end()) return;
+  std::set<int> rowIds;
+  for (auto at = first; at != last + 1; ++at) rowIds.insert(at->id);
+  setMarked(std::move(rowIds));
+}
+
+void ItemRows::markAll() {
+  std::set<int> rowIds;
+  for (const Entry& entry : entries_) rowIds.insert(entry.id);
+  setMarked(std::move(rowIds));
+}
+
+void ItemRows::unmarkAll(int rowId) {
+  markedFrom_ = rowId;
+  if (!marked_.empty()) setMarked({});
+}
+
+void ItemRows::removeMarked() const {
+  SeveralRequest request;
+  for (const Entry& entry : entries_) {
+    const ListItem& item = entry.item;
+    if (!marked_.contains(entry.id) || isBusy(item)) continue;
+    if (isInTrash(item)) {
+      request.items.emplace_back(
+          DeleteRequest{item.path, Paths::lastComponent(item.path), item.size, i18n(deleteNote)});
+    } else {
+      request.items.emplace_back(TrashRequest{item.path, item.size});
+    }
+  }
+  if (!request.items.empty()) host_.model.cleanups().ask(std::move(request));
+}
+
+// A marked row stands for all marked ones.
 void ItemRows::remove(int rowId) const {
+  if (marked_.contains(rowId) && marked_.size() > 1) return removeMarked();
   const ListItem* item = find(rowId);
   if (item == nullptr || !canTrash(*item)) return;
   if (isInTrash(*item)) {
@@ -299,6 +370,13 @@ void ItemRows::remove(int rowId) const {
   } else {
     host_.model.cleanups().ask(TrashRequest{item->path, item->size});
   }
+}
+
+void ItemRows::leaveOut(int rowId) const {
+  const ListItem* item = find(rowId);
+  if (item == nullptr || item->path.empty()) return;
+  const std::string path = item->path;  // a copy: the list changes
+  host_.model.leaveOut(path);
 }
 
 void ItemRows::pressButton(int rowId) const {

@@ -7,6 +7,7 @@
 #include <QQmlEngine>
 
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace spacemint {
@@ -34,6 +35,10 @@ class ItemRows : public QAbstractListModel {
   Q_PROPERTY(QString text READ text NOTIFY statusChanged)
   Q_PROPERTY(bool isWaiting READ isWaiting NOTIFY statusChanged)
   Q_PROPERTY(bool isShown READ isShown NOTIFY statusChanged)
+  /// The rows that the user marked, to do something with all of them.
+  Q_PROPERTY(int markedCount READ markedCount NOTIFY markedChanged)
+  /// "3 selected · 1.2 GB"
+  Q_PROPERTY(QString markedText READ markedText NOTIFY markedChanged)
 
  public:
   enum Role {
@@ -56,6 +61,7 @@ class ItemRows : public QAbstractListModel {
     ButtonTitleRole,
     BusyTitleRole,
     IsBusyRole,
+    IsMarkedRole,
     PartsRole
   };
   Q_ENUM(Role)
@@ -69,6 +75,8 @@ class ItemRows : public QAbstractListModel {
   const QString& text() const { return text_; }
   bool isWaiting() const { return isWaiting_; }
   bool isShown() const { return isShown_; }
+  int markedCount() const { return static_cast<int>(marked_.size()); }
+  QString markedText() const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
@@ -94,6 +102,17 @@ class ItemRows : public QAbstractListModel {
   Q_INVOKABLE void showInFolders(int rowId) const;
   /// Asks whether to move the item to the Trash, or to delete it if it already is in the Trash.
   Q_INVOKABLE void remove(int rowId) const;
+  /// Leaves the item out of scans.
+  Q_INVOKABLE void leaveOut(int rowId) const;
+  /// Marks the row, or takes the mark away. Rows whose items the list does not offer to remove have none.
+  Q_INVOKABLE void toggleMark(int rowId);
+  /// Marks the rows from the one where marking began to this one, and no others.
+  Q_INVOKABLE void markTo(int rowId);
+  Q_INVOKABLE void markAll();
+  /// Takes all marks away; marking begins at this row.
+  Q_INVOKABLE void unmarkAll(int rowId = 0);
+  /// Asks once whether to remove all marked items.
+  Q_INVOKABLE void removeMarked() const;
   Q_INVOKABLE void pressButton(int rowId) const;
   /// Shows the items that this one unfolds to, or hides them.
   Q_INVOKABLE void toggle(int rowId) const;
@@ -101,6 +120,7 @@ class ItemRows : public QAbstractListModel {
  Q_SIGNALS:
   void countChanged();
   void statusChanged();
+  void markedChanged();
 
  private:
   struct Entry {
@@ -111,6 +131,7 @@ class ItemRows : public QAbstractListModel {
   struct Plan;
 
   const ListItem* find(int rowId) const;
+  void setMarked(std::set<int> rowIds);
   bool isBusy(const ListItem& item) const {
     return item.isGrowing || host_.model.cleanups().isRunning(item.id);
   }
@@ -126,6 +147,8 @@ class ItemRows : public QAbstractListModel {
   const UiHost& host_;
   std::vector<Entry> entries_;
   int lastId_ = 0;
+  std::set<int> marked_;
+  int markedFrom_ = 0;
   bool hasChevrons_ = false;
   QString text_;
   bool isWaiting_ = false;

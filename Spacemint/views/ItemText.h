@@ -17,6 +17,7 @@ class ItemText : public QObject {
   Q_PROPERTY(QString showInFileManager READ showInFileManager NOTIFY fileManagerChanged)
   Q_PROPERTY(QString showInFolders READ showInFolders CONSTANT)
   Q_PROPERTY(QString copyPath READ copyPath CONSTANT)
+  Q_PROPERTY(QString leaveOut READ leaveOut CONSTANT)
  public:
   using QObject::QObject;
 
@@ -29,6 +30,7 @@ class ItemText : public QObject {
 
   QString showInFolders() const { return ShownText::plain(i18n("Show in Folders")); }
   QString copyPath() const { return ShownText::plain(i18n("Copy Path")); }
+  QString leaveOut() const { return ShownText::plain(i18n("Leave Out of Scans")); }
 
   /// The tool tip of the button that removes an item.
   Q_INVOKABLE QString removeHelp(bool isInTrash) const {

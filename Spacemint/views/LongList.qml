@@ -10,6 +10,7 @@ RowList {
     leftMargin: 24
     rightMargin: 24
     interactive: true
+    canMark: true
     clip: true
     // Delegates are reused, so none are made ahead.
     cacheBuffer: 0

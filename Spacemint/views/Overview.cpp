@@ -27,6 +27,7 @@ constexpr int growthShown = 5;
 // The text in place of the list of what grew; empty when there is a list.
 std::string growthText(const Findings& findings, const std::string& locale) {
   if (findings.baselineUnavailable) return i18n("The earlier scan couldn't be read. Pick another one above.");
+  if (findings.baselineLeftOutOthers) return i18n(FindingText::otherExcludes);
   if (!findings.spaceChange) return i18n(FindingText::nothingToCompare);
   return findings.growth.empty() ? FindingText::nothingGrew(Findings::growthMinimum, locale) : "";
 }
@@ -270,6 +271,13 @@ std::vector<ListItem> Overview::suggestionItems() const {
       item.buttonTitle = i18n("Empty Trash");
       item.busyTitle = i18n("Emptying…");
       item.onButton = [&model = host_.model] { model.confirmEmptyTrash(); };
+    }
+    if (suggestion.id == Suggestions::largeAndOld) {
+      item.buttonTitle = i18n("Show files");
+      item.onButton = [&model = host_.model] {
+        model.setFileSearch(std::string{Suggestions::largeAndOldSearch});
+        model.setTab(Tab::files);
+      };
     }
     for (const auto& location : suggestion.locations) {
       item.parts.push_back({.id = location.path,

@@ -12,6 +12,13 @@ QString Question::detail() const {
   return isAsked() ? ShownText::sentence(current()->plan.detail.value_or("")) : QString{};
 }
 
+QStringList Question::items() const {
+  QStringList shown;
+  if (!isAsked()) return shown;
+  for (const std::string& item : current()->plan.items) shown << ShownText::sentence(item);
+  return shown;
+}
+
 QString Question::text(std::string CleanupPlan::*field) const {
   return isAsked() ? ShownText::sentence(current()->plan.*field) : QString{};
 }

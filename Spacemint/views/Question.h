@@ -19,6 +19,8 @@ class Question : public QObject {
   Q_PROPERTY(QString subject READ subject NOTIFY changed)
   /// Usually a path; may be empty.
   Q_PROPERTY(QString detail READ detail NOTIFY changed)
+  /// The name and the size of each of several items.
+  Q_PROPERTY(QStringList items READ items NOTIFY changed)
   Q_PROPERTY(QString note READ note NOTIFY changed)
   Q_PROPERTY(QString actionTitle READ actionTitle NOTIFY changed)
  public:
@@ -29,6 +31,7 @@ class Question : public QObject {
   QString title() const { return text(&CleanupPlan::title); }
   QString subject() const { return text(&CleanupPlan::subject); }
   QString detail() const;
+  QStringList items() const;
   QString note() const { return text(&CleanupPlan::note); }
   QString actionTitle() const { return text(&CleanupPlan::button); }
 

@@ -23,6 +23,8 @@ ListView {
     property bool barsMove: false
     /// A list that would be higher than this scrolls.
     property real maximumHeight: Infinity
+    /// Whether rows can be marked, to remove several at once.
+    property bool canMark: false
     /// The name of the list for screen readers.
     property string name
 
@@ -53,6 +55,32 @@ ListView {
         it.popup(over, x < 0 ? over.width - it.width + x : x, y);
     }
 
+    /// Marks the rows up to the next one; the one before if `step` is negative.
+    function markNext(step: int) {
+        const next = rows.rowIdAt(currentIndex + step);
+        if (next < 0)
+            return;
+        if (rows.markedCount === 0)
+            rows.unmarkAll(rows.rowIdAt(currentIndex));
+        currentIndex += step;
+        rows.markTo(next);
+    }
+
+    /// The keys that mark rows and remove what is marked; false for all others.
+    function markByKey(event): bool {
+        if (event.modifiers === Qt.ShiftModifier && (event.key === Qt.Key_Down || event.key === Qt.Key_Up))
+            markNext(event.key === Qt.Key_Down ? 1 : -1);
+        else if (event.matches(StandardKey.SelectAll))
+            rows.markAll();
+        else if (event.key === Qt.Key_Delete && rows.markedCount > 0)
+            rows.removeMarked();
+        else if (event.key === Qt.Key_Escape && rows.markedCount > 0)
+            rows.unmarkAll();
+        else
+            return false;
+        return true;
+    }
+
     /// Moves by some pages; backwards if negative.
     function turn(pages: int) {
         const row = currentItem ? currentItem.height : 1;
@@ -80,7 +108,9 @@ ListView {
     Accessible.role: isTree ? Accessible.Tree : Accessible.List
     Accessible.name: name
     Keys.onPressed: event => {
-        if (event.key === Qt.Key_Home)
+        if (root.canMark && root.markByKey(event))
+            event.accepted = true;
+        else if (event.key === Qt.Key_Home)
             root.currentIndex = 0;
         else if (event.key === Qt.Key_End)
             root.currentIndex = root.count - 1;
@@ -122,11 +152,22 @@ ListView {
             row.forceActiveFocus(Qt.MouseFocusReason);
             if (root.isTree)
                 return root.rowSelected(row.index);
+            row.rows.unmarkAll(row.rowId);
             if (row.showsChevron)
                 root.openedAt = time;
             row.open();
         }
         onOpened: root.rowOpened(index)
+        onMarking: isRange => {
+            if (!root.canMark)
+                return;
+            root.currentIndex = row.index;
+            row.forceActiveFocus(Qt.MouseFocusReason);
+            if (isRange)
+                row.rows.markTo(row.rowId);
+            else
+                row.rows.toggleMark(row.rowId);
+        }
         onMenuWanted: {
             root.currentIndex = row.index;
             if (root.isTree)

@@ -4,6 +4,7 @@
 #include "core/base/Isolate.h"
 #include "core/base/PlatformWords.h"
 #include "core/base/Translation.h"
+#include "core/scan/Excludes.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -175,6 +176,35 @@ void SettingsForm::chooseItemColour(int index) {
   for (const ItemColour colour : {ItemColour::automatic, ItemColour::light, ItemColour::dark}) {
     if (index == static_cast<int>(colour)) prefs().setItemColour(colour);
   }
+}
+
+QStringList SettingsForm::excludes() const {
+  QStringList patterns;
+  for (const std::string& pattern : prefs().excludes()) patterns << ShownText::plain(isolatedPath(pattern));
+  return patterns;
+}
+
+bool SettingsForm::addExclude(const QString& pattern) {
+  const std::string text = pattern.trimmed().toStdString();
+  const auto compiled = Excludes::compile({text}, host_.home);
+  excludeError_ = compiled ? QString{} : ShownText::plain(compiled.error().message + ".");
+  Q_EMIT excludeErrorChanged();
+  if (!compiled) return false;
+  std::vector<std::string> patterns = prefs().excludes();
+  if (std::ranges::count(patterns, text) == 0) patterns.push_back(text);
+  prefs().setExcludes(std::move(patterns));
+  return true;
+}
+
+void SettingsForm::removeExclude(int index) {
+  std::vector<std::string> patterns = prefs().excludes();
+  if (index < 0 || index >= static_cast<int>(patterns.size())) return;
+  patterns.erase(patterns.begin() + index);
+  prefs().setExcludes(std::move(patterns));
+}
+
+QString SettingsForm::removeExcludeHelp(const QString& pattern) const {
+  return ShownText::plain(i18n("Scan {pattern} again", {{"pattern", pattern.toStdString()}}));
 }
 
 void SettingsForm::setLaunchesAtLogin(bool launches) {

@@ -59,6 +59,10 @@ class SettingsForm : public QObject {
   Q_PROPERTY(QList<bool> watched READ watched NOTIFY changed)
   Q_PROPERTY(bool notificationsAllowed READ notificationsAllowed NOTIFY notificationsAllowedChanged)
   Q_PROPERTY(QString scanFootnote READ scanFootnote NOTIFY scanFootnoteChanged)
+  /// The patterns of what scans leave out.
+  Q_PROPERTY(QStringList excludes READ excludes NOTIFY changed)
+  /// Why the pattern that was added last is refused; empty if it is not.
+  Q_PROPERTY(QString excludeError READ excludeError NOTIFY excludeErrorChanged)
   Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY loginChanged)
   /// Why the start at login could not be changed; empty if it could.
   Q_PROPERTY(QString loginError READ loginError NOTIFY loginChanged)
@@ -88,6 +92,8 @@ class SettingsForm : public QObject {
   bool notificationsAllowed() const { return host_.model.warnings().notificationsAllowed(); }
   static QString warningFootnote();
   QString scanFootnote() const;
+  QStringList excludes() const;
+  const QString& excludeError() const { return excludeError_; }
   QString generalFootnote() const;
   bool launchesAtLogin() const { return host_.loginItem != nullptr && host_.loginItem->isEnabled(); }
   const QString& loginError() const { return loginError_; }
@@ -102,6 +108,11 @@ class SettingsForm : public QObject {
   Q_INVOKABLE void chooseItemColour(int index);
   Q_INVOKABLE void setShowsFreeSpace(bool isShown) { prefs().setShowFreeSpaceInMenuBar(isShown); }
   Q_INVOKABLE void setWatched(int index, bool isWatched);
+  /// Adds a pattern; false if it is refused.
+  Q_INVOKABLE bool addExclude(const QString& pattern);
+  Q_INVOKABLE void removeExclude(int index);
+  /// The help of the button that removes a pattern.
+  Q_INVOKABLE QString removeExcludeHelp(const QString& pattern) const;
   Q_INVOKABLE void setLaunchesAtLogin(bool launches);
   Q_INVOKABLE void setSharesUsage(bool shares);
   Q_INVOKABLE void sendTestNotification() { host_.model.warnings().sendTestNotification(); }
@@ -114,6 +125,7 @@ class SettingsForm : public QObject {
   void volumesChanged();
   void notificationsAllowedChanged();
   void scanFootnoteChanged();
+  void excludeErrorChanged();
   void loginChanged();
   void sharesUsageChanged();
 
@@ -132,6 +144,7 @@ class SettingsForm : public QObject {
   QStringList watchTitles_;
   std::vector<std::string> mountPoints_;
   QString loginError_;
+  QString excludeError_;
 };
 
 }  // namespace spacemint

@@ -127,6 +127,9 @@ Rectangle {
                     }
                 }
             }
+            ExcludesSection {
+                form: root.form
+            }
             SettingsSection {
                 title: Words.general
                 footnote: root.form.generalFootnote

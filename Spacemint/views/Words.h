@@ -67,7 +67,12 @@ class Words : public QObject {
   SPACEMINT_WORD(showContents, i18n("Show contents"))
   SPACEMINT_WORD(notInFiles, i18n("Not in files"))
   SPACEMINT_WORD(showNotInFiles, i18n("Show what is not in files"))
-  SPACEMINT_WORD(largestFiles, i18n("Largest files"))
+  SPACEMINT_WORD(order, i18n("Order"))
+  SPACEMINT_WORD(search, i18n("Find files and folders"))
+  SPACEMINT_WORD(searchExample, i18n("Find: holiday, *.iso, >1GB, type:video"))
+  SPACEMINT_WORD(age, i18n("Age"))
+  SPACEMINT_WORD(removeMarked, i18n("Remove…"))
+  SPACEMINT_WORD(unmark, i18n("Select nothing"))
   SPACEMINT_WORD(caches, i18n("Leftover caches and build files"))
   SPACEMINT_WORD(ollama, i18n("Local Ollama models"))
   SPACEMINT_WORD(huggingFace, i18n("Cached Hugging Face models"))
@@ -86,6 +91,13 @@ class Words : public QObject {
   SPACEMINT_WORD(howOften, i18n("How often"))
   SPACEMINT_WORD(fileAccess, i18n("File access"))
   SPACEMINT_WORD(accessComplete, i18nc("file access", "Complete"))
+  SPACEMINT_WORD(leftOut, i18n("Left out of scans"))
+  SPACEMINT_WORD(
+      leftOutLine,
+      i18n("A name stands for all files and folders of this name, * for any text, and a path for one "
+           "folder. A change applies from the next scan on."))
+  SPACEMINT_WORD(leftOutExample, i18n("node_modules, *.iso or ~/VMs"))
+  SPACEMINT_WORD(add, i18nc("button", "Add"))
   SPACEMINT_WORD(general, i18nc("settings", "General"))
   SPACEMINT_WORD(showIn, i18n("Show Spacemint in"))
   SPACEMINT_WORD(freeSpaceInItem, i18n("Show free space in the status area"))

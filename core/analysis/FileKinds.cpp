@@ -151,8 +151,9 @@ FileKinds::FileKinds(std::string_view globs) {
   }
 }
 
-FileKinds FileKinds::ofThisSystem() {
-  return FileKinds{globsOfThisSystem()};
+const FileKinds& FileKinds::ofThisSystem() {
+  static const FileKinds kinds{globsOfThisSystem()};
+  return kinds;
 }
 
 FileKind FileKinds::of(std::string_view name) const {

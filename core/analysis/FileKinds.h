@@ -58,7 +58,8 @@ class FileKinds {
   /// skipped. A few endings that it does not have, or that it names otherwise, are always known.
   explicit FileKinds(std::string_view globs = {});
   /// With the database of this system; without it where there is none.
-  static FileKinds ofThisSystem();
+  /// Read once.
+  static const FileKinds& ofThisSystem();
 
   /// The longest known ending decides, in any letter case: "a.tar.gz" is an archive.
   FileKind of(std::string_view name) const;

@@ -167,15 +167,40 @@ std::expected<SearchQuery, Error> parseSearch(std::string_view text) {
   return query;
 }
 
+std::string withCondition(std::string_view text, std::string_view condition, std::string_view value) {
+  std::string result;
+  const auto append = [&](const std::string& word) { result += (result.empty() ? "" : " ") + word; };
+  for (const Word& word : wordsOf(text)) {
+    if (!word.isQuoted && word.text.starts_with(condition)) continue;
+    append(word.isQuoted ? '"' + word.text + '"' : word.text);
+  }
+  if (!value.empty()) append(std::string{condition} + std::string{value});
+  return result;
+}
+
 std::vector<SearchResult> search(const Snapshot& scan, const SearchQuery& query, const FileKinds& kinds,
                                  Date now, std::size_t limit, std::size_t* found) {
-  std::vector<SearchResult> results;
-  walkTree(scan.root, [&](const std::string& path, const Node& node) {
-    if (&node != &scan.root && holds(query, node, kinds, now)) results.push_back({path, &node});
+  std::vector<const Node*> hits;
+  walkTree(scan.root, [&](const std::string&, const Node& node) {
+    if (&node != &scan.root && holds(query, node, kinds, now)) hits.push_back(&node);
   });
-  if (found != nullptr) *found = results.size();
+  if (found != nullptr) *found = hits.size();
+  const std::size_t count = std::min(limit, hits.size());
+  if (count == 0) return {};
+  // Paths are built for the largest only, in the order of the tree.
+  std::vector<Bytes> sizes(hits.size());
+  std::ranges::transform(hits, sizes.begin(), &Node::size);
+  const auto last = sizes.begin() + static_cast<std::ptrdiff_t>(count) - 1;
+  std::ranges::nth_element(sizes, last, std::greater{});
+  std::vector<SearchResult> results;
+  auto hit = hits.begin();
+  walkTree(scan.root, [&](const std::string& path, const Node& node) {
+    if (hit == hits.end() || *hit != &node) return;
+    ++hit;
+    if (node.size >= *last) results.push_back({path, &node});
+  });
   std::ranges::stable_sort(results, std::greater{}, [](const SearchResult& each) { return each.node->size; });
-  if (results.size() > limit) results.resize(limit);
+  results.resize(count);
   return results;
 }
 

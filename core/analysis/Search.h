@@ -44,6 +44,10 @@ inline constexpr std::string_view searchDomain = "search";
 /// spaces of a name. Any thread.
 std::expected<SearchQuery, Error> parseSearch(std::string_view text);
 
+/// The search with another value for one kind of condition, such as "older:" and "1y", in place of all values
+/// that it has; without any if `value` is empty. Any thread.
+std::string withCondition(std::string_view text, std::string_view condition, std::string_view value);
+
 struct SearchResult {
   std::string path;
   /// Of the tree that was searched.

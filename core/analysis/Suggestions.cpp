@@ -1,5 +1,6 @@
 #include "core/analysis/Suggestions.h"
 
+#include "core/analysis/Search.h"
 #include "core/base/Translation.h"
 #include "core/places/SuggestionPlaces.h"
 #include "core/tree/TreeWalk.h"
@@ -61,6 +62,20 @@ std::vector<Suggestion> projectFoldersIn(const Node& root) {
   return found;
 }
 
+std::optional<Suggestion> largeAndOldFiles(const Snapshot& in, Date now) {
+  Suggestion suggestion{.id = std::string{Suggestions::largeAndOld},
+                        .title = i18n("Large and old"),
+                        .advice = i18n("Files over 100 MB that nobody changed for a year"),
+                        .symbol = "externaldrive.badge.timemachine"};
+  constexpr std::size_t limit = 1'000;
+  const FileKinds noKinds;
+  for (const SearchResult& found :
+       search(in, *parseSearch(Suggestions::largeAndOldSearch), noKinds, now, limit)) {
+    suggestion.locations.push_back({found.path, found.node->size});
+  }
+  return suggestion.locations.empty() ? std::nullopt : std::optional{std::move(suggestion)};
+}
+
 bool isHidden(const Node& item) {
   return item.name.starts_with('.') && item.name != ".DS_Store";
 }
@@ -78,6 +93,8 @@ Bytes Suggestions::TrashInfo::hiddenSize() const {
 std::vector<Suggestion> Suggestions::find(const FindArguments& arguments) {
   auto found = wellKnownPlaces({arguments.in, arguments.home, arguments.environment});
   std::ranges::move(projectFoldersIn(arguments.in.root), std::back_inserter(found));
+  auto old = arguments.now ? largeAndOldFiles(arguments.in, *arguments.now) : std::nullopt;
+  if (old) found.push_back(std::move(*old));
   std::erase_if(found, [&](const Suggestion& each) { return each.size() < arguments.minimum; });
   std::ranges::stable_sort(found, std::greater{}, &Suggestion::size);
   return found;

@@ -55,10 +55,17 @@ struct FindArguments {
   std::string_view home;
   Bytes minimum = 0;
   Environment environment = {};
+  /// For the age of files; without it there is no suggestion of old files.
+  std::optional<Date> now = {};
 };
 
+/// The id of the suggestion that points to large files that nobody changed for long, and the search that
+/// finds them (`parseSearch`).
+inline constexpr std::string_view largeAndOld = "large-and-old";
+inline constexpr std::string_view largeAndOldSearch = "older:1y >100MB";
+
 /// The suggestions whose locations together take at least `minimum` bytes, largest first: well-known places,
-/// and project folders anywhere in the tree.
+/// project folders anywhere in the tree, and large old files.
 std::vector<Suggestion> find(const FindArguments& arguments);
 
 struct TrashArguments {

@@ -1,5 +1,6 @@
 #include "core/cleanup/CleanupPlan.h"
 
+#include "core/base/AsciiText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
@@ -10,6 +11,7 @@
 #include "core/scan/DiskScanner.h"
 #include "core/volume/SharedFiles.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -58,6 +60,44 @@ class Planner {
   std::string sharedNote(const std::string& path) const {
     const auto freed = SharedFiles::freesAtMost(path);
     return freed ? " " + CleanupText::sharedNote(*freed, context_.locale) : "";
+  }
+
+  Planned operator()(const SeveralRequest& several) const {
+    CleanupPlan plan;
+    std::size_t moved = 0;
+    for (const auto& item : withoutInner(several.items)) {
+      Planned each = std::visit(*this, item);
+      if (!each) {
+        plan.refused.push_back(std::move(each).error());
+        continue;
+      }
+      if (std::holds_alternative<TrashRequest>(item)) ++moved;
+      plan.items.push_back(std::move(each->subject));
+      std::ranges::move(each->steps, std::back_inserter(plan.steps));
+      std::ranges::move(each->touched, std::back_inserter(plan.touched));
+    }
+    if (plan.steps.empty()) {
+      return std::unexpected(plan.refused.empty() ? CleanupFailure::refused(i18n("nothing is selected"), "")
+                                                  : plan.refused.front());
+    }
+    plan.id = "several:" + plan.touched.front();
+    CleanupText::describeSeveral(plan, moved, context_.locale);
+    return plan;
+  }
+
+  // An item below another one would be gone when its turn comes.
+  static std::vector<std::variant<TrashRequest, DeleteRequest>> withoutInner(
+      std::vector<std::variant<TrashRequest, DeleteRequest>> items) {
+    const auto pathOf = [](const auto& item) -> const std::string& {
+      return std::visit([](const auto& each) -> const std::string& { return each.path; }, item);
+    };
+    const auto all = items;
+    std::erase_if(items, [&](const auto& item) {
+      return std::ranges::any_of(all, [&](const auto& other) {
+        return pathOf(other) != pathOf(item) && isAtOrBelow(pathOf(item), pathOf(other));
+      });
+    });
+    return items;
   }
 
   Planned operator()(const EmptyTrashRequest& trash) const {

@@ -106,7 +106,11 @@ struct CleanupPlan {
   /// What the clean-up will do; several lines for several steps.
   std::string note = {};
   std::string button = {};
+  /// Of a request for several items: the name and size of each that will be removed.
+  std::vector<std::string> items = {};
   std::vector<CleanupStep> steps = {};
+  /// Why some of the items that were asked for stay.
+  std::vector<CleanupFailure> refused = {};
   /// Paths in the stored scan to measure again after the clean-up.
   std::vector<std::string> touched = {};
   /// How many bytes a tool reports as reclaimable.
@@ -132,6 +136,11 @@ struct DeleteRequest {
   Bytes size = 0;
   std::string note;
 };
+/// Several files and folders with one question. Each item is planned and judged by itself; items below
+/// another one go with it.
+struct SeveralRequest {
+  std::vector<std::variant<TrashRequest, DeleteRequest>> items;
+};
 struct EmptyTrashRequest {
   TrashPlace place;
   std::optional<Bytes> size = {};
@@ -144,8 +153,9 @@ struct DockerPruneRequest {
 };
 
 /// A request to clean up. Every removal starts with a request.
-using CleanupRequest = std::variant<TrashRequest, DeleteRequest, EmptyTrashRequest, DeviceBackup, GitWorktree,
-                                    DevTools::FoundCleanup, DockerPruneRequest, DevTools::OllamaModel>;
+using CleanupRequest =
+    std::variant<TrashRequest, DeleteRequest, SeveralRequest, EmptyTrashRequest, DeviceBackup, GitWorktree,
+                 DevTools::FoundCleanup, DockerPruneRequest, DevTools::OllamaModel>;
 
 /// What clean-ups need from the rest of the program. All function members may be called on any thread.
 struct CleanupContext {
@@ -167,8 +177,8 @@ struct CleanupContext {
 };
 
 /// Creates the plan for a request: texts, steps and the identity of each item. Fails if the guard refuses an
-/// item or an item cannot be read. Fast, except for a worktree, where it blocks while git counts changes.
-/// `now` is used for the age of a backup. Any thread.
+/// item or an item cannot be read; of several items, if that is so for all. Fast, except for a worktree,
+/// where it blocks while git counts changes. `now` is used for the age of a backup. Any thread.
 std::expected<CleanupPlan, CleanupFailure> planCleanup(const CleanupRequest& request,
                                                        const CleanupContext& context, Date now);
 

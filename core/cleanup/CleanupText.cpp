@@ -4,6 +4,8 @@
 #include "core/base/Isolate.h"
 #include "core/base/PlatformWords.h"
 #include "core/base/TextList.h"
+#include "core/base/Translation.h"
+#include "core/wording/FindingText.h"
 
 #include <algorithm>
 #include <ranges>
@@ -177,8 +179,100 @@ std::string CleanupText::successText(const Success& success, const std::string& 
             {{"size", bytes(success.removed.bytes)}})});
 }
 
+namespace {
+
+std::string severalDone(std::size_t moved, std::size_t deleted, std::optional<Bytes> freed,
+                        const std::string& locale) {
+  const auto count = [&](std::size_t number) {
+    return groupedNumber(static_cast<std::int64_t>(number), locale);
+  };
+  std::string text;
+  if (moved > 0) {
+    text = i18np("Moved 1 item to the Trash.", "Moved {count} items to the Trash.",
+                 static_cast<std::int64_t>(moved), {{"count", count(moved)}});
+  }
+  if (deleted == 0) return text;
+  if (!text.empty()) text += ' ';
+  const auto number = static_cast<std::int64_t>(deleted);
+  if (freed.value_or(0) > CleanupText::worthSaying) {
+    return text + i18np("Deleted 1 item and freed {size}.", "Deleted {count} items and freed {size}.", number,
+                        {{"count", count(deleted)}, {"size", ByteFormat::string(*freed, locale)}});
+  }
+  return text + i18np("Deleted 1 item.", "Deleted {count} items.", number, {{"count", count(deleted)}});
+}
+
+// The first few sentences about what stays, a line for each.
+std::string firstOf(const std::vector<std::string>& sentences, const std::string& locale) {
+  constexpr std::size_t namedAtMost = 3;
+  std::string text;
+  for (const std::string& sentence : sentences | std::views::take(namedAtMost)) {
+    text += (text.empty() ? "" : "\n") + sentence + (sentence.ends_with('.') ? "" : ".");
+  }
+  if (sentences.size() <= namedAtMost) return text;
+  const auto more = static_cast<std::int64_t>(sentences.size() - namedAtMost);
+  return text + '\n' +
+         i18np("1 more item stays.", "{count} more items stay.", more,
+               {{"count", groupedNumber(more, locale)}});
+}
+
+// One report on all items that were asked for.
+std::string severalOutcome(const CleanupPlan& plan, const CleanupReport& report,
+                           const CleanupContext& context) {
+  std::size_t moved = 0;
+  std::size_t deleted = 0;
+  std::vector<std::string> left;
+  for (std::size_t i = 0; i < plan.steps.size(); ++i) {
+    const CleanupStep& step = plan.steps[i];
+    if (i >= report.steps.size()) {
+      left.push_back(i18n("{name} stays, because you stopped",
+                          {{"name", isolatedName(Paths::lastComponent(step.path))}}));
+    } else if (report.steps[i].failure) {
+      left.push_back(CleanupText::failureText(step, report.steps[i], context));
+    } else {
+      ++(step.kind == CleanupStep::Kind::moveToTrash ? moved : deleted);
+    }
+  }
+  for (const CleanupFailure& refused : plan.refused) left.push_back(refused.message);
+  const std::string done = severalDone(moved, deleted, report.freed(), context.locale);
+  return left.empty() ? done : done + (done.empty() ? "" : "\n") + firstOf(left, context.locale);
+}
+
+}  // namespace
+
+void CleanupText::describeSeveral(CleanupPlan& plan, std::size_t moved, const std::string& locale) {
+  const auto count = std::ssize(plan.steps);
+  const std::string number = groupedNumber(count, locale);
+  const bool movesAll = moved == plan.steps.size();
+  plan.subject = i18np("1 item · {size}", "{count} items · {size}", count,
+                       {{"count", number}, {"size", ByteFormat::string(plan.size(), locale)}});
+  if (movesAll) {
+    plan.title =
+        i18np("Move 1 item to the Trash?", "Move {count} items to the Trash?", count, {{"count", number}});
+    plan.note = i18n("You can put them back from the Trash until you empty it.");
+    plan.button = i18n("Move to Trash");
+  } else if (moved == 0) {
+    plan.title =
+        i18np("Delete 1 item permanently?", "Delete {count} items permanently?", count, {{"count", number}});
+    plan.note = i18n("This removes them for good.");
+    plan.button = i18n("Delete");
+  } else {
+    const auto deleted = count - static_cast<std::int64_t>(moved);
+    plan.title = i18np("Remove 1 item?", "Remove {count} items?", count, {{"count", number}});
+    plan.note = i18np("One is in the Trash already and is deleted for good.",
+                      "{count} are in the Trash already and are deleted for good.", deleted,
+                      {{"count", groupedNumber(deleted, locale)}});
+    plan.button = i18n("Remove");
+  }
+  if (plan.refused.empty()) return;
+  plan.note += "\n" + i18np("1 other selected item stays: {reason}.",
+                            "{count} other selected items stay: {reason}.", std::ssize(plan.refused),
+                            {{"count", groupedNumber(std::ssize(plan.refused), locale)},
+                             {"reason", plan.refused.front().message}});
+}
+
 std::string CleanupText::outcome(const CleanupPlan& plan, const CleanupReport& report,
                                  const CleanupContext& context) {
+  if (!plan.items.empty()) return severalOutcome(plan, report, context);
   for (std::size_t i = 0; i < report.steps.size(); ++i) {
     if (report.steps[i].failure) return failureText(plan.steps[i], report.steps[i], context);
   }

@@ -20,6 +20,10 @@ std::string sharedNote(Bytes freesAtMost, const std::string& locale);
 /// `shownPath` is the cache's folder for display.
 std::string cacheNote(const CleanupTarget& target, const std::string& shownPath);
 
+/// Sets the title, the subject, the note and the button of a plan for several items, of which `moved` go to
+/// the Trash and the others are deleted.
+void describeSeveral(CleanupPlan& plan, std::size_t moved, const std::string& locale);
+
 /// "12 items (3 MB) are gone already."; empty if no item was removed.
 std::string goneText(const Removed& removed, const std::string& locale);
 

@@ -8,12 +8,14 @@
 
 namespace spacemint {
 
-Measured measureAgain(std::string path, Bytes minNodeSize) {
+Measured measureAgain(std::string path, Bytes minNodeSize, const std::vector<std::string>& excludes) {
+  const Excludes compiled = Excludes::usable(excludes, "");
   const auto identity = fileIdentity(path);
   Measured measured{.path = std::move(path), .exists = true};
   if (!identity && (identity.error().isSystem(ENOENT) || identity.error().isSystem(ENOTDIR))) {
     measured.exists = false;
-  } else if (auto result = DiskScanner::scan({.root = measured.path, .minNodeSize = minNodeSize})) {
+  } else if (auto result = DiskScanner::scan(
+                 {.root = measured.path, .minNodeSize = minNodeSize, .excludes = &compiled})) {
     measured.tree = std::move(result->root);
   }
   return measured;

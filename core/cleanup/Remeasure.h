@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace spacemint {
 
@@ -15,8 +16,9 @@ struct Measured {
   std::optional<Node> tree = {};
 };
 
-/// Measures the item at `path`; keeps nodes of at least `minNodeSize` bytes. Blocks; any thread.
-Measured measureAgain(std::string path, Bytes minNodeSize);
+/// Measures the item at `path` with the smallest stored size and the excludes of a scan (`Coverage`). Blocks;
+/// any thread.
+Measured measureAgain(std::string path, Bytes minNodeSize, const std::vector<std::string>& excludes);
 
 /// The path to measure in order to add `path` to the scan: the highest ancestor that the scan does not
 /// contain (because it was too small), or `path` itself.

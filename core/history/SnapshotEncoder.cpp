@@ -156,6 +156,7 @@ void appendLeftOut(std::string& text, const LeftOut& item) {
   appendField(text, "path", item.path);
   appendField(text, "kind", std::string{SnapshotKeys::leftOutKinds[std::to_underlying(item.kind)]});
   if (item.created) appendField(text, "created", roundedToSeconds(*item.created));
+  if (item.size) appendField(text, "size", *item.size);
 }
 
 void appendCoverage(std::string& text, const Coverage& coverage) {
@@ -165,6 +166,9 @@ void appendCoverage(std::string& text, const Coverage& coverage) {
                           [](std::string& out, const std::string& path) { appendField(out, "path", path); });
   if (coverage.unread.folders > 0) appendField(text, "unreadFolders", coverage.unread.folders);
   if (coverage.unread.entries > 0) appendField(text, "unreadEntries", coverage.unread.entries);
+  appendList<std::string>(text, "excludes", coverage.excludes, [](std::string& out, const std::string& each) {
+    appendField(out, "pattern", each);
+  });
 }
 
 void appendFacts(std::string& text, const Snapshot& snapshot) {

@@ -140,6 +140,7 @@ inline constexpr Key<Snapshot> snapshotKeys[]{
     {"unread", false, [](Snapshot&, const Scalar&) { return notAnArray; }},
     {"unreadFolders", false, [](Snapshot& s, const Scalar& v) { return takeCount(v, unread(s).folders); }},
     {"unreadEntries", false, [](Snapshot& s, const Scalar& v) { return takeCount(v, unread(s).entries); }},
+    {"excludes", false, [](Snapshot&, const Scalar&) { return notAnArray; }},
 };
 inline constexpr std::size_t rootKey = 2;
 
@@ -152,7 +153,7 @@ inline LeftOut& lastLeftOut(Snapshot& snapshot) {
 }
 
 // In the order of `LeftOut::Kind`.
-inline constexpr std::string_view leftOutKinds[]{"volume", "snapshot", "removable", "remote"};
+inline constexpr std::string_view leftOutKinds[]{"volume", "snapshot", "removable", "remote", "excluded"};
 
 // A kind of a later version counts as a volume.
 inline Complaint takeKind(const Scalar& value, LeftOut::Kind& target) {
@@ -183,9 +184,13 @@ inline constexpr Key<Snapshot> leftOutKeys[]{
     {"kind", true, [](Snapshot& s, const Scalar& v) { return takeKind(v, lastLeftOut(s).kind); }},
     {"created", false,
      [](Snapshot& s, const Scalar& v) { return takeModified(v, lastLeftOut(s).created.emplace()); }},
+    {"size", false, [](Snapshot& s, const Scalar& v) { return takeCount(v, lastLeftOut(s).size.emplace()); }},
 };
 inline constexpr Key<Snapshot> unreadKeys[]{
     {"path", true, [](Snapshot& s, const Scalar& v) { return take(v, unread(s).paths.back()); }},
+};
+inline constexpr Key<Snapshot> excludeKeys[]{
+    {"pattern", true, [](Snapshot& s, const Scalar& v) { return take(v, s.coverage.excludes.back()); }},
 };
 
 // An array of objects in a snapshot.
@@ -198,6 +203,7 @@ inline constexpr List lists[]{
     {"places", [](Snapshot& s) { s.coverage.places.emplace_back(); }, placeKeys},
     {"leftOut", [](Snapshot& s) { s.coverage.leftOut.emplace_back(); }, leftOutKeys},
     {"unread", [](Snapshot& s) { unread(s).paths.emplace_back(); }, unreadKeys},
+    {"excludes", [](Snapshot& s) { s.coverage.excludes.emplace_back(); }, excludeKeys},
 };
 
 inline constexpr Key<Node> nodeKeys[]{

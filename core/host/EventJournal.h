@@ -87,8 +87,9 @@ struct MeasuredChanges {
     bool operator==(const File&) const = default;
   };
 
-  /// The root and, below every folder that is `below` or `listed`, all subfolders of at least
-  /// `JournalQuery::minNodeSize`, and those with an `unknown` folder below. Empty if nothing changed.
+  /// The root and, below every folder that is `below` or `listed`, all subfolders that a scan stores
+  /// (`isStored` with `JournalQuery::minNodeSize`), and those with an `unknown` folder below. Empty if
+  /// nothing changed.
   std::vector<Folder> folders = {};
   /// The files of `listed` folders that have at least `JournalQuery::minNodeSize`.
   std::vector<File> files = {};

@@ -39,12 +39,16 @@ struct LeftOut {
     snapshot,
     removable,
     remote,
+    /// A file or folder that the user excludes from scans.
+    excluded,
   };
 
   std::string path;
   Kind kind = Kind::volume;
   /// When the snapshot was made.
   std::optional<Date> created = {};
+  /// The last known size of an excluded item.
+  std::optional<Bytes> size = {};
 
   auto operator<=>(const LeftOut&) const = default;
 };
@@ -106,13 +110,16 @@ class OpenFolder {
   };
   virtual Facts facts() const { return {}; }
 
-  /// Returns the next entries. Each entry is returned once, including hidden ones, excluding "." and "..".
-  /// Blocks for the disk.
+  /// Returns the next entries, all of `buffer.entries`. Each entry is returned once, including hidden ones,
+  /// excluding "." and "..". Blocks for the disk.
   virtual Batch nextBatch(ListingBuffer& buffer) = 0;
 
   /// Opens a subfolder relative to this handle without following a symbolic link. Fails with an errno: EXDEV
   /// for a folder that is left out; ENOENT, ENOTDIR or ELOOP if the folder no longer exists.
   virtual std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) = 0;
+
+  /// The caller will not open this subfolder, whose contents so stay unknown.
+  virtual void leaveOut(const std::string& /*name*/) {}
 };
 
 /// Opens a root folder for listing.

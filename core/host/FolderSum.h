@@ -14,6 +14,14 @@ constexpr Bytes shareOf(const Entry& entry) {
   return entry.type == EntryType::file && entry.links >= 2 ? entry.allocated / entry.links : entry.allocated;
 }
 
+/// From so many files on, a folder is stored in a scan although it is small.
+inline constexpr std::int64_t manyFiles = 10'000;
+
+/// Whether a scan with this smallest size stores an item: a file has a count of 0.
+constexpr bool isStored(Bytes size, std::int64_t fileCount, Bytes minNodeSize) {
+  return size >= minNodeSize || fileCount >= manyFiles;
+}
+
 /// What the entries of one folder take, without its subfolders.
 struct FolderSum {
   Bytes bytes = 0;

@@ -2,6 +2,7 @@
 
 #include "core/base/AsciiText.h"
 #include "core/host/FolderSum.h"
+#include "core/scan/ExcludingListing.h"
 #include "core/scan/NameList.h"
 #include "core/scan/ReadAheadListing.h"
 #include "core/tree/Paths.h"
@@ -78,6 +79,7 @@ class Walk final : public Unfinished {
       } else if (auto node = finishTop()) {
         report();
         coverage_.leftOut = listing_.leftOut();
+        if (arguments_.excludes != nullptr) coverage_.excludes = arguments_.excludes->patterns();
         return Result{
             .root = std::move(*node), .fileCount = counted_.files, .coverage = std::move(coverage_)};
       }
@@ -277,7 +279,8 @@ class Walk final : public Unfinished {
   // `parent` is the innermost folder.
   void adopt(Frame& parent, Node node) {
     add(parent.size, parent.files, node.size, node.fileCount);
-    if (keeps(node.size)) parent.children.push_back(std::move(node));
+    if (isStored(node.size, node.fileCount, arguments_.minNodeSize) || keeps(node.size))
+      parent.children.push_back(std::move(node));
   }
 
   Unread& unread() { return coverage_.unread; }
@@ -326,9 +329,13 @@ std::optional<Result> DiskScanner::scan(const Arguments& arguments) {
   const LoweredPriority lowered{traitsOf(arguments.manner()).deference};
   const std::size_t limit = raiseOpenFileLimit(ReadAheadListing::usualOpenFileLimit);
   const auto host = arguments.listing == nullptr ? hostFolderListing() : nullptr;
-  FolderListing& listing = host ? *host : *arguments.listing;
-  if (arguments.reuse || !arguments.skip.empty()) return walk(arguments, listing);
-  ReadAheadListing ahead{listing, ReadAheadListing::limitsFor(arguments.root, limit),
+  FolderListing* listing = host ? host.get() : arguments.listing;
+  std::optional<ExcludingListing> excluding;
+  if (arguments.excludes != nullptr && !arguments.excludes->isEmpty()) {
+    listing = &excluding.emplace(*listing, *arguments.excludes, arguments.minNodeSize);
+  }
+  if (arguments.reuse || !arguments.skip.empty()) return walk(arguments, *listing);
+  ReadAheadListing ahead{*listing, ReadAheadListing::limitsFor(arguments.root, limit),
                          [&] { return traitsOf(arguments.manner()).readsAhead; }};
   return walk(arguments, ahead);
 }

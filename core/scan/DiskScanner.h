@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/host/FolderListing.h"
+#include "core/scan/Excludes.h"
 #include "core/scan/ScanManner.h"
 #include "core/tree/Coverage.h"
 #include "core/tree/Node.h"
@@ -64,11 +65,13 @@ using Reuse = std::function<std::optional<Node>(const std::string& path)>;
 
 struct Arguments {
   std::string root;
-  /// Files and folders smaller than this (in bytes) get no node of their own; the parent folder includes
-  /// their bytes.
+  /// Files and folders smaller than this (in bytes) get no node of their own, except folders with
+  /// `manyFiles`; the parent folder includes their bytes.
   Bytes minNodeSize = 0;
   /// Full paths of folders that the scan neither opens nor counts.
   std::unordered_set<std::string> skip;
+  /// What the scan neither lists nor counts, but reports as left out. May be null; must outlive the call.
+  const Excludes* excludes = nullptr;
   /// Called for every subfolder before the scan opens the subfolder. May be empty.
   Reuse reuse;
   /// Called before each folder. The manner at the start decides the priority of the calling thread during the

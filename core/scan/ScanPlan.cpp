@@ -7,6 +7,7 @@
 #include "core/host/Removal.h"
 #include "core/host/VolumeTable.h"
 #include "core/tree/Paths.h"
+#include "core/tree/TreeWalk.h"
 
 #include <algorithm>
 #include <memory>
@@ -105,6 +106,21 @@ struct EarlierScan::Unchanged {
 
 namespace {
 
+// What the scan leaves out now, with the sizes that the earlier scan found or knew.
+std::map<std::string, Bytes> lastSizesIn(const Snapshot& earlier, const ScanPlan::Arguments& arguments) {
+  std::map<std::string, Bytes> sizes;
+  for (const LeftOut& item : earlier.coverage.leftOut) {
+    if (item.kind == LeftOut::Kind::excluded && item.size) sizes.emplace(item.path, *item.size);
+  }
+  if (earlier.coverage.excludes == arguments.excludes.patterns()) return sizes;
+  walkTree(earlier.root, [&](const std::string& path, const Node& node) {
+    if (!arguments.excludes.leavesOutBelow(arguments.root, path, node.isDirectory)) return true;
+    sizes.emplace(path, node.size);
+    return false;
+  });
+  return sizes;
+}
+
 // Why the earlier scan cannot be reused; empty if it can.
 std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!arguments.mayReuse) return i18nMark("that was asked for");
@@ -113,13 +129,16 @@ std::string_view obstacle(const ScanPlan::Arguments& arguments) {
   if (!canonicallyEqual(earlier.rootPath(), arguments.root))
     return i18nMark("the last scan was of another folder");
   if (earlier.minNodeSize != arguments.minNodeSize) return i18nMark("the last scan used another --min-size");
+  if (earlier.coverage.excludes != arguments.excludes.patterns())
+    return i18nMark("the last scan left out other folders");
   if (earlier.eventID.value_or(0) == 0) return i18nMark("nothing recorded changes at the last scan");
   // With a date in the future the next full scan would be too late.
   if (earlier.fullScanDate > arguments.now) return i18nMark("the last full scan is dated in the future");
   if (!earlier.canSeedIncrementalScan({.root = arguments.root,
                                        .minNodeSize = arguments.minNodeSize,
                                        .now = arguments.now,
-                                       .fullScanInterval = fullScanInterval})) {
+                                       .fullScanInterval = fullScanInterval,
+                                       .excludes = arguments.excludes.patterns()})) {
     return earlier.fullScanDate && earlier.root.fileCount > 0 && earlier.format == Snapshot::currentFormat
                ? i18nMark("the last full scan is three days old")
                : i18nMark("the last scan is incomplete or from another version");
@@ -174,15 +193,37 @@ void markPlaces(FolderChanges& changes, const std::string& root, const std::vect
   }
 }
 
-// A recorder measures folders, not mounts, so an update of a scan of several mounts could not tell what is on
-// which.
+// A recorder measures whole folders: it does not know what is excluded, and could not tell what is on which
+// of several mounts.
 bool mayUpdate(const Snapshot& earlier, const std::vector<ListedPlace>& now) {
+  if (!earlier.coverage.excludes.empty()) return false;
   const auto& before = earlier.coverage.places;
   return now.size() <= 1 && before.size() == now.size() && (now.empty() || before[0].place == now[0]);
 }
 
+// A rescan does not enter these folders, so it need not visit the folders above them.
+void dropExcluded(FolderChanges& changes, const ScanPlan::Arguments& arguments) {
+  const auto isExcluded = [&](const std::string& folder) {
+    return arguments.excludes.leavesOutBelow(arguments.root, folder, true);
+  };
+  std::erase_if(changes.directories, isExcluded);
+  std::erase_if(changes.trees, isExcluded);
+}
+
+// What is excluded in the folders that the scan reuses is known from the earlier scan only.
+void noteReused(ScanPlan& plan) {
+  auto folders = std::make_shared<std::unordered_set<std::string>>();
+  plan.reusedFolders = folders;
+  plan.reuse = [reuse = std::move(plan.reuse), folders](const std::string& path) {
+    auto node = reuse(path);
+    if (node) folders->insert(path);
+    return node;
+  };
+}
+
 ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
-  ScanPlan plan{.fullScanDate = arguments.now};
+  ScanPlan plan{.fullScanDate = arguments.now, .excludes = arguments.excludes};
+  if (arguments.earlier) plan.lastSizes = lastSizesIn(*arguments.earlier, arguments);
   JournalQuery query{
       .root = arguments.root, .timeout = arguments.timeout, .shouldCancel = arguments.shouldCancel};
   // Take the id first, so that the journal's next answer includes all changes from now on.
@@ -219,9 +260,11 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
     return plan;
   }
   plan.fullScanDate = *arguments.earlier->fullScanDate;
+  dropExcluded(*changes, arguments);
   markPlaces(*changes, arguments.root, arguments.earlier->coverage.places, places);
   const EarlierScan earlier{std::move(*arguments.earlier), *changes};
   plan.reuse = earlier.reuse();
+  if (!plan.excludes.isEmpty()) noteReused(plan);
   plan.carriedOver = earlier.carriedOver();
   return plan;
 }
@@ -240,6 +283,7 @@ ScanPlan ScanPlan::make(EventJournal& journal, Arguments arguments) {
 }
 
 std::optional<DiskScanner::Result> ScanPlan::scan(DiskScanner::Arguments arguments) {
+  arguments.excludes = &excludes;
   if (update) return std::move(*update).run(arguments);
   arguments.reuse = std::move(reuse);
   return DiskScanner::scan(arguments);
@@ -266,7 +310,14 @@ void takeFullScanBytes(std::vector<CoveredPlace>& places, const std::vector<Cove
   }
 }
 
-void add(Coverage& coverage, const Coverage& more) {
+void add(Coverage& coverage, const ScanPlan& plan) {
+  const Coverage& more = plan.carriedOver;
+  const auto isInReused = [&](const std::string& item) {
+    std::optional<std::string> folder = parentOf(item, 0);
+    while (folder && plan.reusedFolders && !plan.reusedFolders->contains(*folder))
+      folder = parentOf(*folder, 0);
+    return folder && plan.reusedFolders;
+  };
   takeFullScanBytes(coverage.places, more.places);
   Unread& unread = coverage.unread;
   unread.folders += more.unread.folders;
@@ -274,16 +325,30 @@ void add(Coverage& coverage, const Coverage& more) {
   std::ranges::sort(unread.paths);
   unread.paths.resize(std::min(unread.paths.size(), Unread::pathLimit));
   for (const LeftOut& item : more.leftOut) {
-    if (item.kind == LeftOut::Kind::snapshot && fileIdentity(item.path)) coverage.leftOut.push_back(item);
+    const bool isThere = item.kind == LeftOut::Kind::excluded
+                             ? isInReused(item.path)
+                             : item.kind == LeftOut::Kind::snapshot && fileIdentity(item.path);
+    if (isThere) coverage.leftOut.push_back(item);
   }
   std::ranges::sort(coverage.leftOut);
+}
+
+// Of many excluded folders without a known size, the first ones are enough.
+void addLastSizes(Coverage& coverage, const std::map<std::string, Bytes>& sizes) {
+  std::size_t unknown = 0;
+  std::erase_if(coverage.leftOut, [&](LeftOut& item) {
+    if (item.kind != LeftOut::Kind::excluded || item.size) return false;
+    if (const auto known = sizes.find(item.path); known != sizes.end()) item.size = known->second;
+    return !item.size && ++unknown > Unread::pathLimit;
+  });
 }
 
 }  // namespace
 
 Snapshot FinishedScan::snapshot() && {
   Coverage& coverage = result.coverage;
-  add(coverage, plan.carriedOver);
+  add(coverage, plan);
+  addLastSizes(coverage, plan.lastSizes);
   readSpaces(coverage);
   // The next scan may be able to read these items although the journal reports no change.
   const auto eventID = result.coverage.unread.hasFailures ? std::nullopt : plan.eventID;

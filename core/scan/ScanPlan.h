@@ -6,9 +6,11 @@
 #include "core/tree/Snapshot.h"
 #include "core/volume/VolumeStatus.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 
 namespace spacemint {
 
@@ -51,6 +53,8 @@ struct ScanPlan {
     std::chrono::milliseconds timeout = std::chrono::seconds{60};
     /// Called repeatedly during the wait for the journal; true ends the wait.
     std::function<bool()> shouldCancel;
+    /// What the scan leaves out.
+    Excludes excludes = {};
     /// How many folders the journal may list for an update.
     std::size_t updateLimit = 20'000;
     /// False: the plan is an update, or a full scan that the caller does not make.
@@ -66,6 +70,11 @@ struct ScanPlan {
   std::optional<ScanUpdate> update;
   /// What the scan takes from the earlier one besides the folders.
   Coverage carriedOver;
+  Excludes excludes;
+  /// The folders that the scan took from the earlier one, if it excludes anything.
+  std::shared_ptr<const std::unordered_set<std::string>> reusedFolders = {};
+  /// The last known sizes of what the scan leaves out, by path.
+  std::map<std::string, Bytes> lastSizes;
   /// Why the scan is a full scan, as a clause that fits after "because"; empty if the scan reuses folders.
   std::string whyFull;
 
@@ -75,7 +84,8 @@ struct ScanPlan {
   /// `shouldCancel` returns true. Any thread.
   static ScanPlan make(EventJournal& journal, Arguments arguments);
 
-  /// Makes the scan. Sets `Arguments::reuse`; all else is as for `DiskScanner::scan`. Call it once.
+  /// Makes the scan. Sets `Arguments::reuse` and `excludes`; all else is as for `DiskScanner::scan`. Call it
+  /// once.
   std::optional<DiskScanner::Result> scan(DiskScanner::Arguments arguments);
 };
 

@@ -1,6 +1,7 @@
 #include "core/scan/ScanUpdate.h"
 
 #include "core/base/Unicode.h"
+#include "core/host/FolderSum.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -190,7 +191,7 @@ class Update {
     }
     node.name = folder.name;
     if (i == 0) return node;
-    if (node.size >= arguments_.minNodeSize) {
+    if (isStored(node.size, node.fileCount, arguments_.minNodeSize)) {
       states_[folder.parent].children.push_back({.node = std::move(node), .position = state.position});
     }
     return {};

@@ -2,6 +2,8 @@
 
 #include "core/base/AsciiText.h"
 #include "core/base/Translation.h"
+#include "core/host/UserFolders.h"
+#include "core/scan/Excludes.h"
 
 #include <algorithm>
 #include <charconv>
@@ -31,7 +33,9 @@ constexpr std::array<SwitchWord, 6> switchWords{
 DefaultsValue stored(const SettingConstant& constant) {
   if (const auto* text = std::get_if<std::string_view>(&constant)) return std::string{*text};
   if (const auto* number = std::get_if<std::int64_t>(&constant)) return *number;
-  if (std::holds_alternative<NoPaths>(constant)) return DefaultsArray{};
+  const bool isList =
+      std::holds_alternative<NoPaths>(constant) || std::holds_alternative<NoPatterns>(constant);
+  if (isList) return DefaultsArray{};
   return std::get<bool>(constant);
 }
 
@@ -96,6 +100,30 @@ std::optional<DefaultsValue> parsePaths(std::string_view text) {
   return paths;
 }
 
+// Splits at commas without a "\" in front, and drops the blanks around each pattern.
+std::vector<std::string> patternsIn(std::string_view text) {
+  std::vector<std::string> patterns(1);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == ',') {
+      patterns.emplace_back();
+      continue;
+    }
+    patterns.back() += text[i];
+    if (text[i] == '\\' && i + 1 < text.size()) patterns.back() += text[++i];
+  }
+  for (std::string& pattern : patterns) pattern.erase(0, pattern.find_first_not_of(' '));
+  std::erase(patterns, "");
+  return patterns;
+}
+
+std::expected<DefaultsValue, Error> parsePatterns(std::string_view text) {
+  const auto patterns = patternsIn(text);
+  if (auto compiled = Excludes::compile(patterns, UserFolders::home()); !compiled) {
+    return std::unexpected(std::move(compiled).error());
+  }
+  return DefaultsArray(patterns.begin(), patterns.end());
+}
+
 std::optional<DefaultsValue> parse(const SettingDescription& setting, std::string_view text) {
   if (std::holds_alternative<std::int64_t>(setting.registeredDefault)) return parseNumber(setting, text);
   if (std::holds_alternative<bool>(setting.registeredDefault)) return parseSwitch(text);
@@ -110,6 +138,19 @@ Error settingError(SettingError code, std::string message) {
 }
 
 }  // namespace
+
+std::string settingText(const std::vector<std::string>& list) {
+  std::string text;
+  for (const std::string& item : list) {
+    if (!text.empty()) text += ',';
+    for (std::size_t i = 0; i < item.size(); ++i) {
+      if (item[i] == ',') text += '\\';
+      text += item[i];
+      if (item[i] == '\\' && i + 1 < item.size()) text += item[++i];
+    }
+  }
+  return text;
+}
 
 DefaultsValues registeredSettings() {
   DefaultsValues values;
@@ -126,6 +167,11 @@ std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::stri
     return std::unexpected(settingError(
         SettingError::unknownKey,
         i18n("There is no setting \"{key}\". The settings are: {keys}.", {{"key", key}, {"keys", keys}})));
+  }
+  if (std::holds_alternative<NoPatterns>(setting->registeredDefault)) {
+    auto patterns = parsePatterns(text);
+    if (patterns) return patterns;
+    return std::unexpected(settingError(SettingError::unfitValue, patterns.error().message + "."));
   }
   if (auto value = parse(*setting, text)) return std::move(*value);
   return std::unexpected(settingError(

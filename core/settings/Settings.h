@@ -9,9 +9,11 @@
 #include <cstdint>
 #include <expected>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace spacemint {
 
@@ -33,7 +35,8 @@ enum class Setting : std::uint8_t {
   presence,
   hasStarted,
   unwatchedVolumes,
-  itemColour
+  itemColour,
+  excludes
 };
 
 /// An empty list of absolute paths.
@@ -41,8 +44,13 @@ struct NoPaths {
   bool operator==(const NoPaths&) const = default;
 };
 
+/// An empty list of patterns (`Excludes`).
+struct NoPatterns {
+  bool operator==(const NoPatterns&) const = default;
+};
+
 /// The constant value of a setting. Enumerations are stored as text: their raw value.
-using SettingConstant = std::variant<std::int64_t, bool, std::string_view, NoPaths>;
+using SettingConstant = std::variant<std::int64_t, bool, std::string_view, NoPaths, NoPatterns>;
 
 /// A value that the settings page offers, and its label.
 struct SettingChoice {
@@ -95,7 +103,7 @@ inline constexpr std::array<SettingChoice, 3> itemColourChoices{
 
 /// Every setting, in the order of `Setting`. The maximum of the scan interval is the largest number of hours
 /// whose microseconds fit 64 bits.
-inline constexpr std::array<SettingDescription, 8> settings{{
+inline constexpr std::array<SettingDescription, 9> settings{{
     {.setting = Setting::warningThresholdGB,
      .key = "warningThresholdGB",
      .registeredDefault = 20,
@@ -120,6 +128,7 @@ inline constexpr std::array<SettingDescription, 8> settings{{
      .key = "itemColour",
      .registeredDefault = "automatic",
      .choices = itemColourChoices},
+    {.setting = Setting::excludes, .key = "excludes", .registeredDefault = NoPatterns{}},
 }};
 
 constexpr const SettingDescription& describe(Setting setting) {
@@ -166,10 +175,13 @@ DefaultsValues registeredSettings();
 enum class SettingError { unknownKey = 1, unfitValue };
 inline constexpr std::string_view settingErrorDomain = "settings";
 
+/// The items of a list as `parseSetting` reads it.
+std::string settingText(const std::vector<std::string>& list);
+
 /// Parses `text` as a value of the setting `key`. A number may be any from the setting's minimum to its
 /// maximum, also one that is not among the choices; a switch accepts true, yes, on, false, no, off; an
 /// enumeration accepts its raw values; a list of paths accepts absolute paths separated by commas, or
-/// nothing.
+/// nothing; so does a list of patterns, in which "\," stands for a comma. A wrong pattern is an unfit value.
 std::expected<DefaultsValue, Error> parseSetting(std::string_view key, std::string_view text);
 
 }  // namespace spacemint

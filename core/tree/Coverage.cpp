@@ -23,4 +23,15 @@ const CoveredPlace* Coverage::placeOf(std::string_view path) const {
   return holder;
 }
 
+ExcludedSum Coverage::excludedBelow(std::string_view folder) const {
+  ExcludedSum sum;
+  for (const LeftOut& item : leftOut) {
+    if (item.kind != LeftOut::Kind::excluded || !isAtOrBelow(item.path, folder)) continue;
+    ++sum.items;
+    sum.size = saturatingAdd(sum.size, item.size.value_or(0));
+    if (!item.size) ++sum.unknown;
+  }
+  return sum;
+}
+
 }  // namespace spacemint

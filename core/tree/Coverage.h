@@ -48,6 +48,15 @@ struct Unread {
   bool operator==(const Unread&) const = default;
 };
 
+/// What the user excluded from a scan.
+struct ExcludedSum {
+  std::int64_t items = 0;
+  /// Those whose size was never measured.
+  std::int64_t unknown = 0;
+  /// The sum of the last known sizes, in bytes.
+  Bytes size = 0;
+};
+
 /// What a scan covers, and what it had to leave out.
 struct Coverage {
   /// The entered mounts, the one that holds the scan's root first; empty in scans of earlier versions.
@@ -55,9 +64,14 @@ struct Coverage {
   /// By path.
   std::vector<LeftOut> leftOut;
   Unread unread;
+  /// The patterns of what the user excluded (`Excludes::patterns`).
+  std::vector<std::string> excludes;
 
   /// The place that holds `path`, an absolute path; null if unknown.
   const CoveredPlace* placeOf(std::string_view path) const;
+
+  /// What is excluded below a folder, by its path in the tree.
+  ExcludedSum excludedBelow(std::string_view folder) const;
 
   bool operator==(const Coverage&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include "core/base/AsciiText.h"
 #include "core/base/Unicode.h"
+#include "core/host/FolderSum.h"
 #include "core/tree/TreeWalk.h"
 
 #include <algorithm>
@@ -133,8 +134,8 @@ std::vector<FileItem> Snapshot::largestFiles(std::size_t limit) const {
 
 bool Snapshot::canSeedIncrementalScan(const SeedRequirements& requirements) const {
   return canonicallyEqual(root.name, requirements.root) && minNodeSize == requirements.minNodeSize &&
-         eventID.has_value() && root.fileCount >= 1 && format == currentFormat && fullScanDate.has_value() &&
-         *fullScanDate <= requirements.now &&
+         coverage.excludes == requirements.excludes && eventID.has_value() && root.fileCount >= 1 &&
+         format == currentFormat && fullScanDate.has_value() && *fullScanDate <= requirements.now &&
          timeBetween(*fullScanDate, requirements.now) < requirements.fullScanInterval;
 }
 
@@ -144,7 +145,7 @@ bool Snapshot::replace(std::string_view path, Node node) {
   Node& old = *place->node;
   const Change change{.size = saturatingSubtract(node.size, old.size),
                       .files = saturatingSubtract(node.fileCount, old.fileCount)};
-  if (node.size < minNodeSize) {
+  if (!isStored(node.size, node.fileCount, minNodeSize)) {
     place->erase();
   } else {
     node.name = std::move(old.name);  // keep the spelling on the disk; `path` may use an equivalent one
@@ -158,7 +159,7 @@ bool Snapshot::upsert(std::string_view path, Node node) {
   auto place = placeOf(*this, path);
   if (!place) return false;
   if (place->node != nullptr) return replace(path, std::move(node));
-  if (node.size < minNodeSize) return false;
+  if (!isStored(node.size, node.fileCount, minNodeSize)) return false;
   const Change change{.size = node.size, .files = node.fileCount};
   node.name = std::move(place->name);
   place->chain.back()->children.push_back(std::move(node));
@@ -186,6 +187,20 @@ bool Snapshot::addUnlisted(std::string_view path, Bytes bytes, std::int64_t file
     chain.push_back(next);
   }
   apply({.size = bytes, .files = files}, chain, *this, path);
+  return true;
+}
+
+bool Snapshot::leaveOut(std::string_view path, std::string pattern) {
+  const Node* node = nodeAt(path);
+  if (node == nullptr || node == &root) return false;
+  LeftOut item{.path = resolve(path), .kind = LeftOut::Kind::excluded, .size = node->size};
+  remove(path);
+  std::erase_if(coverage.leftOut, [&](const LeftOut& each) {
+    return each.kind == LeftOut::Kind::excluded && isAtOrBelow(each.path, item.path);
+  });
+  const auto after = std::ranges::upper_bound(coverage.leftOut, item);
+  coverage.leftOut.insert(after, std::move(item));
+  coverage.excludes.push_back(std::move(pattern));
   return true;
 }
 

@@ -18,6 +18,7 @@ struct SeedRequirements {
   Bytes minNodeSize = 0;
   Date now;
   std::chrono::seconds fullScanInterval{0};
+  std::vector<std::string> excludes = {};
 };
 
 /// A finished scan: the tree of folders and files, and when and how it was made. A value type; sizes are in
@@ -36,7 +37,7 @@ struct Snapshot {
   std::int64_t fileCount = 0;
   Bytes volumeFree = 0;
   Bytes volumeTotal = 0;
-  /// Files and folders smaller than this are not kept as children.
+  /// Files and folders smaller than this are not kept as children, except folders with `manyFiles`.
   Bytes minNodeSize = 0;
   /// The change journal's event id at the start of the scan.
   std::optional<std::uint64_t> eventID;
@@ -70,12 +71,12 @@ struct Snapshot {
   bool canSeedIncrementalScan(const SeedRequirements& requirements) const;
 
   /// Replaces the node at `path` with `node`, but keeps the old node's name. Removes the old node instead if
-  /// the new one is smaller than `minNodeSize`. Updates all ancestors. Returns false and changes nothing if
+  /// the new one is too small to be kept. Updates all ancestors. Returns false and changes nothing if
   /// `path` is the root or has no node.
   bool replace(std::string_view path, Node node);
 
   /// Like `replace` if there is a node at `path`. Otherwise inserts `node` if its parent is in the tree and
-  /// `node` is at least `minNodeSize`; returns false if not.
+  /// `node` is large enough to be kept; returns false if not.
   bool upsert(std::string_view path, Node node);
 
   /// Removes the node at `path` and subtracts its size and file count from all ancestors. Returns false and
@@ -85,6 +86,10 @@ struct Snapshot {
   /// Adds bytes and files, either may be negative, to the folder at `path` and to all its ancestors: for
   /// items in it that are too small to have a node. Returns false and changes nothing if `path` has no node.
   bool addUnlisted(std::string_view path, Bytes bytes, std::int64_t files);
+
+  /// Makes the scan one that leaves out the item at `path`, because of a new last pattern. Returns false and
+  /// changes nothing if `path` is the root or has no node.
+  bool leaveOut(std::string_view path, std::string pattern);
 
   bool operator==(const Snapshot&) const = default;
 };

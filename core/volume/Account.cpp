@@ -119,7 +119,7 @@ void addLeftOut(ScannedVolume& scanned, const Snapshot& scan, const Volume& volu
     if (!isOn(volume, scan, item.path)) continue;
     if (item.kind == LeftOut::Kind::snapshot) {
       scanned.snapshots.push_back(item);
-    } else {
+    } else if (item.kind != LeftOut::Kind::excluded) {
       scanned.otherVolumes.push_back(item.path);
     }
   }
@@ -159,7 +159,9 @@ std::vector<RestCause> Account::causes() const {
 }
 
 std::optional<ScannedVolume> scannedVolume(const Snapshot& scan, const Volume& volume) {
-  ScannedVolume scanned{.root = scan.rootPath(), .date = scan.date, .isWhole = coversAll(scan, volume)};
+  ScannedVolume scanned{.root = scan.rootPath(),
+                        .date = scan.date,
+                        .isWhole = scan.coverage.excludes.empty() && coversAll(scan, volume)};
   bool isCovered = false;
   for (const CoveredPlace& covered : scan.coverage.places) {
     if (placeOf(covered, volume) == nullptr) continue;

@@ -25,7 +25,7 @@ struct ScannedVolume {
   Bytes folders = 0;
   /// Of `files`: small files that lie in the file system's own data (`CoveredPlace::inlineBytes`).
   Bytes inlined = 0;
-  /// False if a part of the volume lies outside of the scanned folder.
+  /// False if a part of the volume lies outside of the scanned folder, or may be excluded.
   bool isWhole = false;
   /// Items that could not be read, and the paths of the first of them.
   std::int64_t unread = 0;

@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/Translation.h"
 #include "core/host/FolderListing.h"
 #include "core/tree/Paths.h"
 
@@ -85,8 +86,24 @@ std::string FindingText::leftOutTitle(const LeftOut& item, Date now, const std::
       return i18n("Removable disk");
     case LeftOut::Kind::remote:
       return i18n("Network folder");
+    case LeftOut::Kind::excluded:
+      return i18n(excludedTitle);
   }
   return "";
+}
+
+std::string FindingText::excludedItems(const ExcludedSum& sum, const std::string& locale) {
+  const std::string count = groupedNumber(sum.items, locale);
+  if (sum.unknown == 0) {
+    return i18np("1 file or folder, as last measured", "{count} files and folders, as last measured",
+                 sum.items, {{"count", count}});
+  }
+  if (sum.unknown == sum.items) {
+    return i18np("1 file or folder, never measured", "{count} files and folders, never measured", sum.items,
+                 {{"count", count}});
+  }
+  return i18n("{count} files and folders, {unknown} of them never measured",
+              {{"count", count}, {"unknown", groupedNumber(sum.unknown, locale)}});
 }
 
 std::string FindingText::folderSize(Bytes size, bool isLowerBound, const std::string& locale) {

@@ -6,6 +6,7 @@
 #include "core/analysis/GrowthWatch.h"
 #include "core/analysis/Suggestions.h"
 #include "core/base/PlatformWords.h"
+#include "core/base/Translation.h"
 #include "core/volume/SpaceLevel.h"
 
 #include <string>
@@ -17,6 +18,9 @@ namespace spacemint {
 /// translates the constants. `locale` is an ICU locale identifier. Any thread.
 namespace FindingText {
 
+inline constexpr const char* excludedTitle = i18nMark("Left out of scans");
+inline constexpr const char* otherExcludes =
+    i18nMark("These two scans left out different files, so they can't be compared.");
 inline constexpr const char* nothingToCompare =
     i18nMark("After the next scan, this shows where new space went.");
 inline constexpr const char* shrunkTitle = i18nMark("Shrunk or gone");
@@ -37,6 +41,8 @@ std::string freeChange(const SpaceChange& change, std::string_view home, const s
 
 /// What a scan left out, as "Snapshot from 3 days ago" or "Network folder". `now` is the time of reading.
 std::string leftOutTitle(const LeftOut& item, Date now, const std::string& locale);
+/// "2 files and folders, 1 of unknown size", of what the user excluded.
+std::string excludedItems(const ExcludedSum& sum, const std::string& locale);
 /// "12 GB", with "at least" in front if parts could not be read.
 std::string folderSize(Bytes size, bool isLowerBound, const std::string& locale);
 

@@ -1,6 +1,7 @@
 #include "core/base/Translation.h"
 #include "core/cleanup/Remeasure.h"
 #include "core/host/VolumeInfo.h"
+#include "core/host/FolderSum.h"
 #include "core/scan/ScanPlan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Console.h"
@@ -45,11 +46,12 @@ Measurement::Work wholeScan(std::string root, Bytes minSize, std::shared_ptr<std
 // Measures a folder: all of it, or only what is not in `known`, the nodes of its subfolders by path.
 using KnownFolders = std::unordered_map<std::string, Node>;
 
-Measurement::Work folderScan(std::string path, Bytes minSize, KnownFolders known) {
-  return [path = std::move(path), minSize,
+Measurement::Work folderScan(std::string path, const Snapshot& scan, KnownFolders known) {
+  return [path = std::move(path), minSize = scan.minNodeSize, patterns = scan.coverage.excludes,
           known = std::move(known)](const Measurement::Watched& watched) -> std::optional<Snapshot> {
+    const Excludes excludes = Excludes::usable(patterns, "");
     DiskScanner::Arguments arguments{
-        .root = path, .minNodeSize = minSize, .smallEntriesOfRoot = mostSmallRows};
+        .root = path, .minNodeSize = minSize, .excludes = &excludes, .smallEntriesOfRoot = mostSmallRows};
     watched(arguments);
     if (!known.empty()) {
       arguments.reuse = [&](const std::string& folder) -> std::optional<Node> {
@@ -126,9 +128,9 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
   soFar_ = shown.isComplete ? std::optional{*shown.node} : std::nullopt;
   tree_.setScan(std::move(*scan));
   if (!touchedMeanwhile_.empty()) {
-    worker_.run([this, paths = std::exchange(touchedMeanwhile_, {}), minSize = tree_.scan().minNodeSize] {
+    worker_.run([this, paths = std::exchange(touchedMeanwhile_, {}), minSize = tree_.scan().minNodeSize, excludes = tree_.scan().coverage.excludes] {
       std::vector<Measured> measured;
-      for (const std::string& path : paths) measured.push_back(measureAgain(path, minSize));
+      for (const std::string& path : paths) measured.push_back(measureAgain(path, minSize, excludes));
       return [this, measured, paths] {
         for (const Measured& item : measured) tree_.put(item);
         storeScan(paths);
@@ -147,7 +149,7 @@ void Browser::listFolder() {
   const Node* known = tree_.scan().nodeAt(folder_);
   const std::string path = folder_;
   listing_ = std::make_unique<Measurement>(
-      inbox_, folderScan(path, tree_.scan().minNodeSize, knownFolders(known, path)),
+      inbox_, folderScan(path, tree_.scan(), knownFolders(known, path)),
       Measurement::Events{
           .advanced =
               [this](const auto&, std::optional<Node> folder) {
@@ -176,7 +178,7 @@ void Browser::measureFolderAgain() {
   const std::string path = folder_;
   const Bytes minSize = tree_.scan().minNodeSize;
   listing_ = std::make_unique<Measurement>(
-      inbox_, folderScan(path, minSize, {}),
+      inbox_, folderScan(path, tree_.scan(), {}),
       Measurement::Events{
           .advanced =
               [this](const auto& progress, std::optional<Node>) {
@@ -190,7 +192,7 @@ void Browser::measureFolderAgain() {
                   return say(i18n("{path} can't be read.", {{"path", Paths::display(path, view_.home)}}),
                              true);
                 Node stored = scan->root;
-                std::erase_if(stored.children, [&](const Node& child) { return child.size < minSize; });
+                std::erase_if(stored.children, [&](const Node& child) { return !isStored(child.size, child.fileCount, minSize); });
                 tree_.putFolder(path, std::move(stored));
                 tree_.keepListing(path, std::move(scan->root));
                 storeScan({path});
@@ -200,9 +202,12 @@ void Browser::measureFolderAgain() {
 }
 
 void Browser::loadUsualBaseline() {
-  worker_.run([this, date = tree_.scan().date, root = setup_.root] {
+  worker_.run([this, date = tree_.scan().date, root = setup_.root, excludes = tree_.scan().coverage.excludes] {
     auto baseline = std::make_shared<std::optional<Snapshot>>(
-        usualBaseline({.date = date, .root = {.name = root, .isDirectory = true}}));
+        usualBaseline({.date = date,
+                       .root = {.name = root, .isDirectory = true},
+                       .coverage = {.excludes = excludes}})
+            .usual);
     return [this, baseline] {
       if (!choseBaseline_) setBaseline(std::move(*baseline));
     };

@@ -50,6 +50,9 @@ TEST(RunningInstance, doesWhatItIsAsked) {
   std::vector<LaunchAction> asked;
   QObject::connect(&running, &RunningInstance::asked, &running,
                    [&](LaunchAction action) { asked.push_back(action); });
+  std::vector<std::string> folders;
+  QObject::connect(&running, &RunningInstance::askedFor, &running,
+                   [&](const std::string& folder) { folders.push_back(folder); });
   ASSERT_TRUE(running.become());
   const auto call = [&](const char* method, const QVariantList& arguments) {
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -62,9 +65,13 @@ TEST(RunningInstance, doesWhatItIsAsked) {
   for (const char* name : {"settings", "scan", "frobnicate"}) {
     call("ActivateAction", {QLatin1String(name), QVariantList{}, QVariantMap{}});
   }
-  EXPECT_TRUE(waitUntil([&] { return asked.size() == 4; }));
+  for (const char* url : {"file:///srv/a%20b", "https://example.org/a"}) {
+    call("Open", {QStringList{QLatin1String(url)}, QVariantMap{}});
+  }
+  EXPECT_TRUE(waitUntil([&] { return asked.size() == 5; }));
   EXPECT_THAT(asked, testing::ElementsAre(LaunchAction::open, LaunchAction::settings, LaunchAction::scan,
-                                          LaunchAction::open));
+                                          LaunchAction::open, LaunchAction::open));
+  EXPECT_THAT(folders, testing::ElementsAre("/srv/a b"));
 }
 
 // Plasma's themes with colours of their own come before the colours of windows; a file may be damaged.

@@ -246,6 +246,44 @@ TEST_F(CleanupsTest, movesAFileToTheTrash) {
   EXPECT_TRUE(exists("Documents"));
 }
 
+TEST_F(CleanupsTest, movesSeveralWithOneQuestionAndKeepsWhatMayNotGo) {
+  SeveralRequest request;
+  const auto select = [&](const std::string& name) {
+    request.items.emplace_back(TrashRequest{inHome(name), 40 * MB});
+  };
+  for (const std::string name : {"one", "two", "three", "four", "folder/five", "folder/six"}) {
+    addFile(name, MB);
+    select(name);
+  }
+  fs::create_directory(inHome("Documents"));
+  fs::create_directory(inHome(".ssh"));
+  fs::create_symlink(inHome("keep"), inHome("link"));
+  for (const std::string name : {"Documents", ".ssh", "link"}) select(name);
+  select("junk");
+  select("junk/a");  // goes with its folder
+  haveScan();
+  model->cleanups().ask(request);
+  EXPECT_EQ(asked().title, "Move 7 items to the Trash?");
+  EXPECT_EQ(asked().subject, "7 items · 287 MB");
+  EXPECT_THAT(asked().items, testing::Contains("junk · 41 MB"));
+  EXPECT_THAT(asked().note,
+              testing::EndsWith("3 other selected items stay: ~/Documents is a protected folder."));
+  fs::remove(inHome("two"));  // while the question is shown
+  EXPECT_FALSE(model->cleanups().isRunning(inHome("junk")));
+  confirm();
+  EXPECT_TRUE(model->cleanups().isRunning(inHome("junk")));
+  desktop.advance(2s);
+  EXPECT_THAT(message(), StartsWith("Moved 6 items to the Trash.\n"));
+  EXPECT_THAT(message(), testing::HasSubstr("Couldn't move “two” to the Trash: "));
+  EXPECT_THAT(message(), testing::EndsWith("~/.ssh is a protected folder.\n1 more item stays."));
+  for (const char* name : {"Documents", ".ssh", "keep"}) EXPECT_TRUE(exists(name)) << name;
+  EXPECT_TRUE(fs::is_symlink(inHome("link")));
+  for (const char* name : {"one", "three", "four", "folder/five", "folder/six", "junk"}) {
+    EXPECT_FALSE(exists(name)) << name;
+  }
+  EXPECT_EQ(sizeInScan("junk"), 0);
+}
+
 TEST_F(CleanupsTest, followsTheTrashThatOthersFill) {
   haveScan();
   addFile(".local/share/Trash/files/a", 45 * MB);

@@ -76,18 +76,21 @@ TEST_F(PreferencesTest, writeEveryValueAndTellOnlyOfChanges) {
     preferences.setHasStarted(!toDefaults);
     preferences.setUnwatchedVolumes(toDefaults ? std::vector<std::string>{}
                                                : std::vector<std::string>{"/data"});
+    preferences.setExcludes(toDefaults ? std::vector<std::string>{} : std::vector<std::string>{"*.iso"});
     std::string written = text();
     std::erase_if(written, [](char c) { return c == ' ' || c == '\n'; });
     return written;
   };
-  EXPECT_EQ(setAll(true), R"({"hasStarted":false,"presence":"menuBar","scanIntervalHours":6,"scope":"home",)"
-                          R"("showFreeSpaceInMenuBar":true,"unwatchedVolumes":[],"warningThresholdGB":20})");
+  EXPECT_EQ(setAll(true),
+            R"({"excludes":[],"hasStarted":false,"presence":"menuBar","scanIntervalHours":6,"scope":"home",)"
+            R"("showFreeSpaceInMenuBar":true,"unwatchedVolumes":[],"warningThresholdGB":20})");
   EXPECT_THAT(told, IsEmpty());
-  EXPECT_EQ(setAll(false),
-            R"({"hasStarted":true,"presence":"dock","scanIntervalHours":24,"scope":"disk",)"
-            R"("showFreeSpaceInMenuBar":false,"unwatchedVolumes":["/data"],"warningThresholdGB":0})");
+  EXPECT_EQ(
+      setAll(false),
+      R"({"excludes":["*.iso"],"hasStarted":true,"presence":"dock","scanIntervalHours":24,"scope":"disk",)"
+      R"("showFreeSpaceInMenuBar":false,"unwatchedVolumes":["/data"],"warningThresholdGB":0})");
   EXPECT_THAT(told, ElementsAre("warningThresholdGB", "scope", "scanIntervalHours", "showFreeSpaceInMenuBar",
-                                "presence", "unwatchedVolumes"));
+                                "presence", "unwatchedVolumes", "excludes"));
   EXPECT_EQ(Preferences{store}.unwatchedVolumes(), std::vector<std::string>{"/data"});
 }
 

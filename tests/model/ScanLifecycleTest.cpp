@@ -35,6 +35,43 @@ TEST_F(ScanLifecycleTest, nothingScansBeforeTheUserBegins) {
   EXPECT_EQ(desktop.scheduler.begun, desktop.scheduler.finished);
 }
 
+TEST_F(ScanLifecycleTest, opensAFolderThatIsInTheScanOrCanBeMeasured) {
+  storeHome(morning - 1h, {support::folder("Films", {file("a.mov", GB)})});
+  addFile("new/big", 30 * MB);
+  makeModel();
+  model->openFolder(inHome("Films"));  // before the stored scan is read
+  EXPECT_EQ(model->folderPath(), std::nullopt);
+  model->start();
+  desktop.settle();
+  EXPECT_EQ(model->folderPath(), inHome("Films"));
+  EXPECT_EQ(model->tab(), Tab::folders);
+  model->openFolder(inHome("new"));
+  desktop.settle();
+  EXPECT_EQ(model->folderPath(), inHome("new"));
+  EXPECT_EQ(sizeInScan("new/big"), 30 * MB);
+  model->openFolder("/srv");
+  EXPECT_EQ(model->folderPath(), inHome("new"));
+  EXPECT_EQ(message(), "/srv is not in the scanned folder.");
+}
+
+TEST_F(ScanLifecycleTest, leavesOutWhatTheSettingsSay) {
+  haveStarted();
+  addFile("films/a.mov", 40 * MB);
+  startModel();
+  model->scans().scan();
+  desktop.settle();
+  desktop.advance(1min);
+  model->prefs().setExcludes({"films", "[wrong"});
+  model->scans().scan();
+  desktop.settle();
+  EXPECT_EQ(sizeInScan("films"), 0);
+  const Coverage& coverage = model->history().snapshot()->coverage;
+  EXPECT_THAT(coverage.excludes, ElementsAre("films"));
+  EXPECT_EQ(coverage.excludedBelow(home).size, 40 * MB);
+  EXPECT_TRUE(model->findings().baselineLeftOutOthers);
+  EXPECT_THAT(model->findings().shrinkage, IsEmpty());
+}
+
 TEST_F(ScanLifecycleTest, beginningScansWhatMayBeSeen) {
   for (const bool access : {true, false}) {
     hasAccess = access;

@@ -98,6 +98,22 @@ TEST_F(CleanTest, deletesAfterAYes) {
   EXPECT_FALSE(fs::exists(at("big")));
 }
 
+TEST_F(CleanTest, deletesSeveralAndNamesWhatStays) {
+  write("a/file", 2'000'000);
+  write("a/inner/file", 2'000'000);
+  write("b", 2'000'000);
+  write("Documents/file", 10);
+  const Outcome outcome =
+      program.run({"clean", "path", "--yes", at("a"), at("a/inner"), at("b"), at("Documents")});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(
+      outcome.out,
+      AllOf(HasSubstr("Delete 2 items permanently?"), HasSubstr("delete  ~/a\n"), HasSubstr("delete  ~/b\n"),
+            HasSubstr("Left out: ~/Documents is a protected folder"), HasSubstr("Deleted a.\nDeleted b.\n")));
+  EXPECT_FALSE(fs::exists(at("a")) || fs::exists(at("b")));
+  EXPECT_TRUE(fs::exists(at("Documents/file")));
+}
+
 TEST_F(CleanTest, changesTheStoredScanToWhatIsThereNow) {
   write("keep/file", 3'000'000);
   write("big/file", 2'000'000);

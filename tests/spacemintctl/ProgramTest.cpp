@@ -170,6 +170,31 @@ TEST_F(SpacemintctlTest, aScanIsKeptAndReadBackEqual) {
   EXPECT_THAT(program.run({"history", "--json"}).out, HasSubstr("\"fileCount\":2,\"minNodeSize\":1000000,"));
 }
 
+TEST_F(SpacemintctlTest, leavesOutWhatPatternsName) {
+  program.addFile("VMs/disk", 3'000'000);
+  program.addFile("a.iso", 2'000'000);
+  program.addFile("b", 1'000'000);
+  const auto scan = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), {"scan", "--min-size", "500000"});
+    return program.run(more);
+  };
+  EXPECT_THAT(scan({}).out, HasSubstr(": 6 MB in 3 files"));
+  // As if it had been made earlier; scans of one second have one name.
+  fs::rename(program.scans().entries().front().path, program.scans().directory + "/1700000000.json");
+  const Outcome wrong = program.run({"settings", "set", "excludes", "*.iso, [a-"});
+  EXPECT_EQ(wrong.exitCode, 2);
+  EXPECT_THAT(wrong.err, HasSubstr("“[a-” is wrong at character 1: “[” has no “]”."));
+  EXPECT_EQ(program.run({"settings", "get", "excludes"}).out, "\n");
+  EXPECT_EQ(program.run({"settings", "set", "excludes", "*.iso, ~/VMs"}).exitCode, 0);
+  EXPECT_EQ(program.run({"settings", "get", "excludes"}).out, "*.iso,~/VMs\n");
+  const std::string left = scan({}).out;
+  EXPECT_THAT(left, AllOf(HasSubstr(": 1 MB in "), HasSubstr("because the last scan left out other folders"),
+                          HasSubstr("Left out of scans  5 MB in 2 files and folders, as last measured")));
+  EXPECT_THAT(program.run({"growth"}).out, HasSubstr("left out other files and folders"));
+  EXPECT_THAT(scan({"--exclude", "!*.iso", "--exclude", "b"}).out, HasSubstr(": 2 MB in "));
+  EXPECT_EQ(scan({"--exclude", "a/b"}).exitCode, 2);
+}
+
 TEST_F(SpacemintctlTest, storedScansAreBrowsedByDate) {
   const auto made = [](const char* name, int day) {
     Snapshot snapshot{

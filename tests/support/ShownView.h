@@ -63,8 +63,9 @@ class ShownView {
   }
   bool shows(const QString& text) { return !find(text).isEmpty(); }
 
-  void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton) {
-    QTest::mouseClick(view_.get(), button, {}, centre(*item));
+  void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton,
+             Qt::KeyboardModifiers modifiers = {}) {
+    QTest::mouseClick(view_.get(), button, modifiers, centre(*item));
     settle();
   }
   void doubleClick(QQuickItem* item) {

@@ -125,6 +125,59 @@ TEST_F(FoldersTabTest, buttonsAppearUnderThePointerAndAskBeforeTheyRemove) {
   EXPECT_TRUE(view->find(QStringLiteral("Move to Trash…")).isEmpty());
 }
 
+TEST_F(FoldersTabTest, marksSeveralByMouseAndByKeyboardAndAsksOnce) {
+  showFolders();
+  const auto mark = [&](const char* title, Qt::KeyboardModifier modifier) {
+    view->click(row(title), Qt::LeftButton, modifier);
+    settle();
+  };
+  const ItemRows& items = *ui->folders()->content();
+  mark("Films", Qt::ControlModifier);
+  mark("Papers", Qt::ControlModifier);
+  EXPECT_EQ(model->folderPath(), std::nullopt) << "a folder that is marked is not opened";
+  EXPECT_EQ(items.markedText().replace(QChar::Nbsp, u' '), QStringLiteral("2 selected · 3.4 GB"));
+  mark("Papers", Qt::ControlModifier);
+  mark("disk.img", Qt::ShiftModifier);
+  EXPECT_EQ(items.markedCount(), 3) << "from the last one that was marked or not";
+  press(Qt::Key_Escape);
+  EXPECT_EQ(items.markedCount(), 0);
+  list()->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Home);
+  press(Qt::Key_Down, Qt::ShiftModifier);
+  press(Qt::Key_End);
+  press(Qt::Key_Space);
+  EXPECT_EQ(items.markedCount(), 3);
+  click("Remove…");
+  EXPECT_THAT(asked(), ElementsAre("Move 3 items to the Trash?", "3 items · 3.6 GB"));
+  EXPECT_TRUE(view->shows(QStringLiteral("Papers · 411 MB")));
+}
+
+TEST_F(FoldersTabTest, leavesAFolderOutOfScansAndTakesThatBack) {
+  showFolders();
+  const auto before = *model->history().snapshot();
+  click(row("Films"), Qt::RightButton);
+  click("Leave Out of Scans");
+  EXPECT_THAT(rows(), ElementsAre("Papers", ".Trash", "disk.img", "Left out of scans"));
+  EXPECT_EQ(row("Left out of scans")->property("sizeText").toString().replace(QChar::Nbsp, u' '),
+            QStringLiteral("3 GB"));
+  EXPECT_THAT(model->prefs().excludes(), ElementsAre(inHome("Films")));
+  EXPECT_EQ(model->history().snapshot()->coverage.excludes, model->prefs().excludes());
+  click("Undo");
+  EXPECT_EQ(*model->history().snapshot(), before);
+  EXPECT_THAT(model->prefs().excludes(), IsEmpty());
+}
+
+TEST_F(FoldersTabTest, sortsByTheNumberOfFiles) {
+  storeHome(morning - 1h, {support::folder("Mail", {}, {.unlisted = 90 * MB, .unlistedFiles = 20'000}),
+                           support::folder("Films", {file("a", GB)}, {.unlistedFiles = 9})});
+  show(Tab::folders);
+  EXPECT_THAT(rows(), ElementsAre("Films", "Mail"));
+  ui->folders()->setOrder(1);
+  settle();
+  EXPECT_THAT(rows(), ElementsAre("Mail", "Films"));
+  EXPECT_EQ(row("Films")->property("sizeText").toString(), QStringLiteral("10 files"));
+}
+
 TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
   showFolders();
   click(row("Papers"));
@@ -141,7 +194,8 @@ TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
 TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   showFolders();
   const QStringList all{QStringLiteral("Show in File Manager"), QStringLiteral("Show in Folders"),
-                        QStringLiteral("Copy Path"), QStringLiteral("Move to Trash…")};
+                        QStringLiteral("Copy Path"), QStringLiteral("Leave Out of Scans"),
+                        QStringLiteral("Move to Trash…")};
   click(row("Films"), Qt::RightButton);
   EXPECT_EQ(menuEntries(), all);
   press(Qt::Key_Escape);
@@ -159,7 +213,7 @@ TEST_F(FoldersTabTest, theMenuOpensByMouseAndByEitherKey) {
   press(Qt::Key_Return);
   EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), inHome("Papers"));
   press(Qt::Key_Menu);
-  for (int i = 0; i < 4; ++i) press(Qt::Key_Down);
+  for (int i = 0; i < 5; ++i) press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_THAT(asked(), ElementsAre("Move to Trash?", "Papers · 411 MB"));
 }
@@ -232,6 +286,39 @@ TEST_F(FilesTabTest, listsTheLargestFirstEachWithItsFolder) {
   EXPECT_EQ(model->tab(), Tab::folders);
   EXPECT_EQ(model->folderPath(), inHome("Movies/Old"));
   EXPECT_THAT(rows(), ElementsAre("first.mov"));
+}
+
+TEST_F(FilesTabTest, findsByWordsKindAndAge) {
+  Node old = file("old.mov", 500 * MB);
+  old.modified = morning - 24h * 400;
+  storeHome(morning - 1h, {nested("Movies/Old", {file("first.mov", 2 * GB), old}), file("disk.img", 3 * GB)});
+  show(Tab::files);
+  Files& files = *ui->files();
+  const auto find = [&](const char* words) {
+    files.setWords(QString::fromUtf8(words));
+    settle();
+  };
+  find("old");
+  EXPECT_THAT(rows(), ElementsAre("Old", "old.mov"));
+  EXPECT_EQ(files.status(), QStringLiteral("2 found"));
+  click(row("Old"));
+  EXPECT_EQ(model->folderPath(), inHome("Movies/Old"));
+  model->setTab(Tab::files);
+  find("older:x");
+  EXPECT_TRUE(shows("“older:x” is not understood, or said twice"));
+  EXPECT_THAT(rows(), ElementsAre("Old", "old.mov")) << "the last results stay";
+  find("");
+  EXPECT_EQ(files.kinds(), (QStringList{QStringLiteral("Disk images"), QStringLiteral("Video")}));
+  click(view->find({}, "KindButton").value(1, view->root()));
+  EXPECT_EQ(files.words(), QStringLiteral("type:video"));
+  EXPECT_THAT(rows(), ElementsAre("first.mov", "old.mov"));
+  files.chooseAge(3);
+  settle();
+  EXPECT_EQ(files.words(), QStringLiteral("type:video older:1y"));
+  EXPECT_THAT(rows(), ElementsAre("old.mov"));
+  EXPECT_EQ(subtitle("old.mov"), "1 year ago · ~/Movies/Old");
+  click(view->find({}, "KindButton").value(1, view->root()));
+  EXPECT_EQ(files.words(), QStringLiteral("older:1y"));
 }
 
 TEST_F(FilesTabTest, withoutLargeFilesSaysSo) {

@@ -160,7 +160,7 @@ TEST_F(PanelViewTest, keyboardIsOnThePageThatIsShown) {
 
 TEST_F(PanelViewTest, loginSwitchShowsWhatTheSystemSays) {
   storeScan(morning);
-  show();
+  show(Tab::overview, {460, 900});
   model->setShowingSettings(true);
   view->settle();
   const QString error = QStringLiteral("Couldn't change this. ~/.config/autostart: Permission denied.");

@@ -181,10 +181,27 @@ constexpr PanelPage panelPages[] = {
                           "/the film of the holiday that nobody will ever watch again, in the version with "
                           "all the scenes and a subtitle for everybody.mov");
      }},
+    {"panel-confirmation-several", scanned,
+     [](Scene& s) {
+       SeveralRequest request;
+       for (const char* name :
+            {"Movies/holiday.mov", "Movies/the film of the holiday that nobody will ever watch again.mov",
+             "Downloads/debian.iso", "Documents", "backup.tar.gz", "VMs/old.qcow2"}) {
+         request.items.emplace_back(TrashRequest{s.at(name), 2 * GB});
+       }
+       s.app().cleanups().ask(std::move(request));
+     }},
     {"panel-confirmation-rtl", scanned, [](Scene& s) { askToDelete(s, "Movies/عطلة الصيف.mov"); }},
     {"panel-confirmation-rtl-path", scanned,
      [](Scene& s) { askToDelete(s, "صور/עבודה/holiday 2024/عطلة الصيف.mov"); }},
     {"panel-settings", scanned, settings},
+    {"panel-settings-left-out", scanned,
+     [](Scene& s) {
+       s.app().prefs().setExcludes({"node_modules", "*.iso", "~/VMs"});
+       settings(s);
+       s.ui().settings()->addExclude(QStringLiteral("photos-[0-9"));
+     },
+     true, QSize{460, 920}},
     {"panel-settings-no-access",
      [](Scene& s) {
        s.scanned();

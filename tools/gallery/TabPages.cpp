@@ -130,6 +130,15 @@ class TabScene final : public support::ModelFixture {
               120 * GB);
   }
   void open(std::string_view name) { model->setFolderPath(inHome(name)); }
+  void find(const char* words) { model->setFileSearch(words); }
+  void leaveOut(std::string_view name) { model->leaveOut(inHome(name)); }
+  void mark(int count) {
+    desktop.settle();
+    ItemRows& rows = *ui_->folders()->content();
+    for (int row = 0; row < count; ++row) {
+      rows.toggleMark(rows.data(rows.index(row), ItemRows::RowIdRole).toInt());
+    }
+  }
   void tools(std::string_view docker, std::string_view ollama) {
     addProgram("docker", docker);
     addProgram("ollama", ollama);
@@ -241,12 +250,19 @@ const TabPage tabPages[] = {
     {"folders-inside", Tab::folders, folders, "", "", [](TabScene& s) { s.open("Documents"); }},
     {"folders-in-trash", Tab::folders, folders, "point", "gone.zip", [](TabScene& s) { s.open(".Trash"); }},
     {"folders-small-items", Tab::folders, folders, "", "", [](TabScene& s) { s.open("Mail"); }},
+    {"folders-marked", Tab::folders, folders, "", "", [](TabScene& s) { s.mark(3); }, 640},
+    {"folders-by-count", Tab::folders, folders, "", "", [](TabScene& s) { s.ui().folders()->setOrder(1); },
+     640},
+    {"folders-left-out", Tab::folders, folders, "", "", [](TabScene& s) { s.leaveOut("Movies"); }, 640},
     {"folders-empty", Tab::folders, folders, "", "", [](TabScene& s) { s.open("Empty"); }},
     {"folders-long-name", Tab::folders, folders, "", "",
      [](TabScene& s) {
        s.open("A folder whose name is much longer than any panel could ever be wide, as it happens");
      }},
     {"files-full", Tab::files, folders},
+    {"files-found", Tab::files, folders, "", "", [](TabScene& s) { s.find("o >1GB"); }},
+    {"files-kind", Tab::files, folders, "", "", [](TabScene& s) { s.find("type:video"); }},
+    {"files-not-understood", Tab::files, folders, "", "", [](TabScene& s) { s.find("older:soon"); }},
     {"files-pointed", Tab::files, folders, "point", "holiday.mov"},
     {"files-empty", Tab::files, [](TabScene& s) { s.grown(2); }},
     {"developer-full", Tab::developer, developer, "", "", nullptr, 1560},

@@ -32,7 +32,9 @@ void findDefaultFileManager(QObject* context, std::function<void(const std::stri
   QObject::connect(process, &QProcess::finished, process, [process, found = std::move(found)] {
     process->deleteLater();
     const QString id = QString::fromLocal8Bit(process->readAllStandardOutput()).trimmed();
-    if (id.isEmpty() || id.contains(QLatin1Char('/'))) return;
+    // This program opens folders too, but it is no file manager.
+    const bool isOwn = id == QStringLiteral("app.spacemint.Spacemint.desktop");
+    if (id.isEmpty() || isOwn || id.contains(QLatin1Char('/'))) return;
     const QString file = QStandardPaths::locate(QStandardPaths::ApplicationsLocation, id);
     if (file.isEmpty()) return;
     const QString name = nameIn(file);

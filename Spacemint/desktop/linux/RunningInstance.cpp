@@ -6,6 +6,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
+#include <QUrl>
 
 namespace spacemint {
 
@@ -46,8 +47,14 @@ bool RunningInstance::become() {
   return !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
-void RunningInstance::askOther(LaunchAction action) const {
+void RunningInstance::askOther(LaunchAction action, const std::string& folder) const {
   const QVariantMap platformData{{activationToken, ActivationToken::ofThisProcess()}};
+  if (!folder.empty()) {
+    const QString url = QUrl::fromLocalFile(QString::fromStdString(folder)).toString(QUrl::FullyEncoded);
+    bus_.call(QDBusMessage::createMethodCall(name, instancePath, applicationInterface, QStringLiteral("Open"))
+              << QStringList{url} << platformData);
+    return;
+  }
   bus_.call(QDBusMessage::createMethodCall(name, instancePath, applicationInterface,
                                            QStringLiteral("ActivateAction"))
             << QString::fromUtf8(nameOf(action)) << QVariantList{} << platformData);
@@ -57,8 +64,12 @@ void RunningInstance::Activate(const QVariantMap& platformData) {
   ask(LaunchAction::open, platformData);
 }
 
-void RunningInstance::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {
-  ask(LaunchAction::open, platformData);
+// Several folders cannot be shown at once, so it is the first one.
+void RunningInstance::Open(const QStringList& uris, const QVariantMap& platformData) {
+  const QUrl url = uris.isEmpty() ? QUrl{} : QUrl{uris.front()};
+  if (!url.isLocalFile()) return ask(LaunchAction::open, platformData);
+  ActivationToken::use(platformData.value(activationToken).toString());
+  Q_EMIT askedFor(url.toLocalFile().toStdString());
 }
 
 void RunningInstance::ActivateAction(const QString& name, const QVariantList& /*parameter*/,

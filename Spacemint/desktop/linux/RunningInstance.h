@@ -5,6 +5,8 @@
 #include <QDBusConnection>
 #include <QObject>
 
+#include <string>
+
 namespace spacemint {
 
 /// Ensures that only one instance of the application runs in a session. The instance owns the application's
@@ -24,9 +26,9 @@ class RunningInstance : public QObject {
   /// without a bus, because other processes cannot be found then. Blocks until the bus answers.
   bool become();
 
-  /// Asks the other instance for `action`, and hands it the activation token with which the launcher started
-  /// this process. Blocks until it answers.
-  void askOther(LaunchAction action) const;
+  /// Asks the other instance for `action`, or to show `folder` if that is not empty, and hands it the
+  /// activation token with which the launcher started this process. Blocks until it answers.
+  void askOther(LaunchAction action, const std::string& folder) const;
 
  public Q_SLOTS:
   // The D-Bus interface org.freedesktop.Application. Launchers and other processes of this program call it.
@@ -38,6 +40,8 @@ class RunningInstance : public QObject {
  Q_SIGNALS:
   /// Another process asks for this.
   void asked(spacemint::LaunchAction action);
+  /// Another process asks to show a folder, by its absolute path.
+  void askedFor(const std::string& folder);
   /// Another process is the instance now. This one must end.
   void replaced();
 

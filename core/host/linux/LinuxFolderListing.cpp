@@ -114,6 +114,10 @@ class LinuxFolder final : public OpenFolder {
     return std::make_unique<LinuxFolder>(std::move(opened), root_, *facts, mounts, ref);
   }
 
+  void leaveOut(const std::string& name) override {
+    if (root_->observer != nullptr) root_->observer->couldNotOpen(ref_, name);
+  }
+
  private:
   Batch end() const {
     if (root_->observer != nullptr) root_->observer->listed(ref_, sum_);

@@ -189,6 +189,29 @@ TEST(NcduFormat, readsWhatOtherProgramsWrite) {
   EXPECT_EQ(read->program, "other");
 }
 
+TEST(NcduFormat, readsWhatNcduWrites) {
+  if (std::system("ncdu --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "ncdu is not installed";
+  const support::TemporaryFolder out;
+  for (unsigned seed = 20; seed < 23; ++seed) {
+    const RandomTree tree{seed};
+    const std::string command =
+        "ncdu -0 -e -o '" + (out / "export") + "' '" + tree.at.path() + "' </dev/null >/dev/null 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+    const auto read = NcduFormat::decode(support::readText(out / "export"));
+    ASSERT_TRUE(read) << read.error().message;
+    const Snapshot scan = tree.scan(0);
+    const std::size_t all = static_cast<std::size_t>(scan.fileCount);
+    const auto byPath = [&](const Snapshot& of) {
+      auto files = of.largestFiles(all + 1);
+      std::ranges::sort(files, {}, &FileItem::path);
+      return files;
+    };
+    EXPECT_EQ(byPath(read->snapshot), byPath(scan));
+    EXPECT_EQ(read->snapshot.root.fileCount, scan.root.fileCount);
+    EXPECT_EQ(read->program, "ncdu");
+  }
+}
+
 TEST(NcduFormat, saysWhatIsWrong) {
   const std::string tooDeep = "[1,2,{}," + [] {
     std::string text;

@@ -133,10 +133,12 @@ class RandomSnapshot {
           {{name(), name(), name(), random_()}, count(), count(), count(), count(), count()});
     }
     for (auto i = below(4); i > 0; --i) {
-      result.leftOut.push_back({name(), static_cast<LeftOut::Kind>(below(4))});
+      result.leftOut.push_back({name(), static_cast<LeftOut::Kind>(below(5))});
       if (flag()) result.leftOut.back().created = dateFromUnixSeconds(any());
+      if (flag()) result.leftOut.back().size = count();
     }
     for (auto i = below(4); i > 0; --i) result.unread.paths.push_back(name());
+    for (auto i = below(4); i > 0; --i) result.excludes.push_back(name());
     result.unread.folders = flag() ? count() : 0;
     result.unread.entries = flag() ? count() : 0;
     return result;
@@ -277,6 +279,7 @@ const Key snapshotKeys[]{
     {"unread", false, "an array", {"[]"}},
     {"unreadFolders", false, "an integer", {"1"}},
     {"unreadEntries", false, "an integer", {"1"}},
+    {"excludes", false, "an array", {"[]"}},
 };
 const Key nodeKeys[]{
     {"name", true, "a string", {R"("x")"}},        {"size", true, "an integer", {"1"}},
@@ -288,6 +291,7 @@ const Key leftOutKeys[]{
     {"path", true, "a string", {R"("x")"}},
     {"kind", true, "a string", {R"("x")"}},
     {"created", false, "a number", {"1", "1.5"}},
+    {"size", false, "an integer", {"1"}},
 };
 
 // Every value of a wrong kind, none at all, and two for one key of an object at `place`.

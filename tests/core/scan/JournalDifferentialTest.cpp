@@ -6,6 +6,7 @@
 #include "core/host/linux/journal/Recorder.h"
 #include "core/scan/ScanPlan.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "support/RandomDisk.h"
 #include "support/Recording.h"
 #include "support/TemporaryFolder.h"
@@ -126,6 +127,8 @@ struct Settings {
   bool meddles = false;
   // A scan sets up the recorder while the disk changes.
   bool scanSetsUp = false;
+  // All scans leave this out.
+  std::vector<std::string> excludes = {};
 };
 
 class Differential {
@@ -172,6 +175,7 @@ class Differential {
   DiskScanner::Result scan(DiskScanner::Reuse reuse = {}) {
     return DiskScanner::scan({.root = root_.path(),
                               .minNodeSize = settings_.minNodeSize,
+                              .excludes = &excludes_,
                               .reuse = std::move(reuse),
                               .listing = host_.get()})
         .value();
@@ -183,17 +187,40 @@ class Differential {
     std::thread changing([&] {
       for (int step = 0; step < 3'000 && !isScanned; ++step) disk_.steps(1);
     });
-    const auto result = DiskScanner::scan(
-        {.root = root_.path(), .minNodeSize = settings_.minNodeSize, .listing = crawl.get()});
+    const auto result = DiskScanner::scan({.root = root_.path(),
+                                           .minNodeSize = settings_.minNodeSize,
+                                           .excludes = &excludes_,
+                                           .listing = crawl.get()});
     isScanned = true;
     changing.join();
     crawl->finish();
     for (Client& client : clients_) {
-      client.last = {.root = result->root, .minNodeSize = settings_.minNodeSize, .eventID = crawl->eventID()};
+      client.last = {.root = result->root,
+                     .minNodeSize = settings_.minNodeSize,
+                     .eventID = crawl->eventID(),
+                     .fullScanDate = Date{},
+                     .coverage = result->coverage};
+      client.last.coverage.excludes = excludes_.patterns();
     }
   }
 
+  // As programs do it, with all that a stored scan has.
+  void rescanByPlan(Client& client) {
+    ScanPlan plan = ScanPlan::make(*recorder_, {.root = root_.path(),
+                                                .minNodeSize = settings_.minNodeSize,
+                                                .earlier = client.last,
+                                                .excludes = excludes_});
+    if (plan.isFull()) ++tally_.fullScans;
+    auto result =
+        plan.scan({.root = root_.path(), .minNodeSize = settings_.minNodeSize, .listing = host_.get()});
+    client.last =
+        FinishedScan{.result = std::move(*result), .plan = plan, .minNodeSize = settings_.minNodeSize}
+            .snapshot();
+    client.unread = client.last.coverage.unread;
+  }
+
   void rescan(Client& client) {
+    if (!excludes_.isEmpty()) return rescanByPlan(client);
     Snapshot next{.minNodeSize = settings_.minNodeSize,
                   .eventID = recorder_->currentEventID({.root = root_.path()})};
     auto result = client.updates ? updated(client.last) : walked(client.last);
@@ -274,6 +301,7 @@ class Differential {
                             client.unread.entries == full.coverage.unread.entries &&
                             client.unread.hasFailures == full.coverage.unread.hasFailures;
     if (!hasReadAll) tally_.differences.push_back("other items could not be read");
+    if (!excludes_.isEmpty()) compareLeftOut(client.last.coverage.leftOut, full.coverage.leftOut);
     const bool isSame = client.updates ? withNamesSorted(client.last.root) == withNamesSorted(full.root)
                                        : client.last.root == full.root;
     if (isSame) return;
@@ -283,7 +311,23 @@ class Differential {
     client.last.root = full.root;
   }
 
+  void compareLeftOut(const std::vector<LeftOut>& found, const std::vector<LeftOut>& wanted) {
+    // A rescan knows sizes that a first scan does not.
+    const auto note = [&](const char* what, const std::vector<LeftOut>& these,
+                          const std::vector<LeftOut>& those) {
+      for (const LeftOut& item : these) {
+        if (std::ranges::count(those, item.path, &LeftOut::path) ==
+            std::ranges::count(these, item.path, &LeftOut::path))
+          continue;
+        tally_.differences.push_back(what + item.path);
+      }
+    };
+    note("left out ", found, wanted);
+    note("did not leave out ", wanted, found);
+  }
+
   Settings settings_;
+  Excludes excludes_ = Excludes::usable(settings_.excludes, "");
   TemporaryFolder own_;
   TemporaryFolder root_{testFolder()};
   TemporaryFolder outside_{testFolder()};
@@ -384,6 +428,48 @@ TEST_P(JournalDifferential, holdsFromAScanThatSetsUpWhileTheDiskChanges) {
     const Tally tally = compared({.seed = seed, .rounds = 3, .steps = {0, 3}, .scanSetsUp = true});
     EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
     EXPECT_EQ(tally.fullScans, 0);
+  }
+}
+
+TEST_P(JournalDifferential, holdsForAFolderWithManyFiles) {
+  const TemporaryFolder own;
+  const TemporaryFolder root{testFolder()};
+  for (std::int64_t i = 0; i < manyFiles; ++i) support::writeText(root / "a/many/" + std::to_string(i), "");
+  const auto recorder =
+      EventRecorder::start(
+          {.root = root.path(), .endpointFolder = own / "endpoint", .stateFolder = own / "state"})
+          .value();
+  ASSERT_TRUE(recorder->waitUntilRecording(1min));
+  std::optional<Snapshot> last;
+  const auto rescan = [&] {
+    ScanPlan plan = ScanPlan::make(
+        *recorder, {.root = root.path(), .minNodeSize = 1'000'000, .earlier = std::move(last)});
+    auto result = plan.scan({.root = root.path(), .minNodeSize = 1'000'000});
+    const bool updates = plan.update.has_value();
+    last = FinishedScan{.result = std::move(*result), .plan = plan, .minNodeSize = 1'000'000}.snapshot();
+    EXPECT_EQ(last->root, DiskScanner::scan({.root = root.path(), .minNodeSize = 1'000'000})->root);
+    return updates;
+  };
+  EXPECT_FALSE(rescan());
+  support::writeText(root / "a/new");
+  EXPECT_TRUE(rescan());
+  EXPECT_NE(last->nodeAt(root / "a/many"), nullptr);
+  fs::remove(root / "a/many/7");
+  EXPECT_TRUE(rescan());
+  EXPECT_EQ(last->nodeAt(root / "a/many"), nullptr);
+}
+
+TEST_P(JournalDifferential, holdsForScansThatLeaveThingsOut) {
+  for (const bool scanSetsUp : {false, true}) {
+    for (const Bytes minNodeSize : {0, 20'000}) {
+      const Tally tally = compared({.seed = 20,
+                                    .rounds = numberFrom("SPACEMINT_TEST_ROUNDS", 40),
+                                    .minNodeSize = minNodeSize,
+                                    .scanSetsUp = scanSetsUp,
+                                    .excludes = {"b", "3", "**/a/c", "e/", "**/c/b", "!**/d/b"}});
+      EXPECT_TRUE(tally.differences.empty()) << firstOf(tally);
+      EXPECT_EQ(tally.fullScans, scanSetsUp ? 0 : 3);
+    }
   }
 }
 

@@ -1,3 +1,4 @@
+#include "core/host/FolderSum.h"
 #include "core/scan/DiskScanner.h"
 #include "core/scan/FoundSoFar.h"
 #include "core/scan/ReadAheadListing.h"
@@ -112,6 +113,14 @@ TEST(DiskScanner, keepsWhatReachesTheThresholdAndCountsTheRest) {
   EXPECT_EQ(result.root.children[1].fileCount, 2);
   EXPECT_TRUE(result.root.children[1].isDirectory);
   EXPECT_FALSE(result.root.children[1].modified);
+}
+
+TEST(DiskScanner, keepsAFolderWithManyFilesHoweverSmall) {
+  const std::vector<Entry> many(manyFiles - 1, fileEntry("f", 1));
+  const auto result = scanned(
+      {.batches = {{folderEntry("few"), folderEntry("many")}},
+       .subfolders = {{"few", {.batches = {many}}}, {"many", {.batches = {many, {fileEntry("g", 1)}}}}}});
+  EXPECT_EQ(names(result.root), Names{"many"});
 }
 
 TEST(DiskScanner, judgesEachKindOfEntry) {

@@ -19,7 +19,7 @@ using support::TemporaryFolder;
 
 constexpr Bytes MiB = 1'048'576;
 
-void write(const std::string& path, Bytes bytes) {
+void writeBytes(const std::string& path, Bytes bytes) {
   support::writeText(path, std::string(static_cast<std::size_t>(bytes), 'x'));
 }
 
@@ -115,13 +115,13 @@ TEST(WholeDisk, isScannedOnceWithAllItsSubvolumesAndVolumesAndRecorded) {
       }
       EXPECT_EQ(found, snapshots);
 
-      write("/home/ann/new/f", MiB);
+      writeBytes("/home/ann/new/f", MiB);
       fs::remove("/home/ann/g");
       expectRightRescan(journal, last);
-      write("/boot/new/f", 2 * MiB);  // on another volume
+      writeBytes("/boot/new/f", 2 * MiB);  // on another volume
       expectRightRescan(journal, last);
       EXPECT_EQ(umount("/boot"), 0);
-      write("/boot/below", MiB);
+      writeBytes("/boot/below", MiB);
       expectRightRescan(journal, last);
       return true;
     })) << layout;

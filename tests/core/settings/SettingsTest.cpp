@@ -33,12 +33,15 @@ TEST(Settings, acceptWhatPeopleMayType) {
       {"hasStarted", "on", true},
       {"unwatchedVolumes", "", DefaultsArray{}},
       {"unwatchedVolumes", "/data,/mnt/a b", DefaultsArray{"/data", "/mnt/a b"}},
+      {"excludes", " a b , *.iso,x\\,y,", DefaultsArray{"a b ", "*.iso", "x\\,y"}},
   };
   for (const auto& [key, text, wantedValue] : cases) {
     const auto value = parseSetting(key, text);
     ASSERT_TRUE(value) << key << ' ' << text;
     EXPECT_EQ(*value, wantedValue) << key << ' ' << text;
   }
+  EXPECT_EQ(settingText({"*.iso", "x\\,y", "p,q"}), "*.iso,x\\,y,p\\,q");
+  EXPECT_EQ(parseSetting("excludes", "a,b[").error().code, std::to_underlying(SettingError::unfitValue));
 }
 
 TEST(Settings, refuseTheRestAndSayWhatWouldDo) {

@@ -1,5 +1,7 @@
 #include "core/host/linux/journal/MeasuredAnswer.h"
 
+#include "core/host/FolderSum.h"
+
 #include <utility>
 
 namespace spacemint {
@@ -79,7 +81,8 @@ class AnswerTable {
     const auto bytes = static_cast<Bytes>(size.bytes);
     if (bytes < 0) isTooLarge_ = true;
     isInNewTree = isInNewTree || record.treeChange > query_.since;
-    const bool isWanted = bytes >= query_.minNodeSize || (isMarked && mark->second.hasUnknown);
+    const bool isWanted =
+        isStored(bytes, size.files, query_.minNodeSize) || (isMarked && mark->second.hasUnknown);
     if (!isWanted && id != map_.root()) return;
 
     const auto position = static_cast<std::uint32_t>(answer_.folders.size());

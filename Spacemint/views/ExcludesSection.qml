@@ -1,0 +1,67 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Spacemint.UiKit
+import Spacemint.Views
+
+/// The patterns of what scans leave out, and a field for another one.
+SettingsSection {
+    id: root
+
+    required property SettingsForm form
+
+    function add() {
+        if (form.addExclude(field.text))
+            field.clear();
+    }
+
+    title: Words.leftOut
+    footnote: Words.leftOutLine
+
+    Repeater {
+        model: root.form.excludes
+
+        SettingsRow {
+            id: pattern
+
+            required property string modelData
+            required property int index
+
+            title: modelData
+
+            IconButton {
+                symbol: "xmark"
+                size: 12
+                help: root.form.removeExcludeHelp(pattern.modelData)
+                onClicked: root.form.removeExclude(pattern.index)
+            }
+        }
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 8
+
+        TextEntry {
+            id: field
+
+            Layout.fillWidth: true
+            hint: Words.leftOutExample
+            name: Words.leftOut
+            onAccepted: root.add()
+        }
+        SecondaryButtonStyle {
+            text: Words.add
+            enabled: field.text
+            onClicked: root.add()
+        }
+    }
+    Label {
+        Layout.fillWidth: true
+        visible: text
+        text: root.form.excludeError
+        size: 11
+        color: Theme.critical
+        wrapMode: Text.Wrap
+    }
+}
