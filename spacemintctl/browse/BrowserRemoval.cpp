@@ -72,7 +72,8 @@ void Browser::carryOut(CleanupPlan plan) {
   std::vector<std::string> touched = plan.touched;
   if (movesToTrash(plan) && tree_.scan().components(trash)) touched.push_back(trash);
   worker_.run([this, plan = std::move(plan), touched, stop = stopRemoval_, context = context_,
-               minSize = tree_.scan().minNodeSize, excludes = tree_.scan().coverage.excludes, locale = view_.locale]() -> Worker::Then {
+               minSize = tree_.scan().minNodeSize, excludes = tree_.scan().coverage.excludes,
+               locale = view_.locale]() -> Worker::Then {
     auto next = std::chrono::steady_clock::now();
     const CleanupReport report = Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
       const auto now = std::chrono::steady_clock::now();

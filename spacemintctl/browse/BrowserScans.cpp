@@ -1,7 +1,7 @@
 #include "core/base/Translation.h"
 #include "core/cleanup/Remeasure.h"
-#include "core/host/VolumeInfo.h"
 #include "core/host/FolderSum.h"
+#include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Console.h"
@@ -128,7 +128,8 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
   soFar_ = shown.isComplete ? std::optional{*shown.node} : std::nullopt;
   tree_.setScan(std::move(*scan));
   if (!touchedMeanwhile_.empty()) {
-    worker_.run([this, paths = std::exchange(touchedMeanwhile_, {}), minSize = tree_.scan().minNodeSize, excludes = tree_.scan().coverage.excludes] {
+    worker_.run([this, paths = std::exchange(touchedMeanwhile_, {}), minSize = tree_.scan().minNodeSize,
+                 excludes = tree_.scan().coverage.excludes] {
       std::vector<Measured> measured;
       for (const std::string& path : paths) measured.push_back(measureAgain(path, minSize, excludes));
       return [this, measured, paths] {
@@ -192,7 +193,9 @@ void Browser::measureFolderAgain() {
                   return say(i18n("{path} can't be read.", {{"path", Paths::display(path, view_.home)}}),
                              true);
                 Node stored = scan->root;
-                std::erase_if(stored.children, [&](const Node& child) { return !isStored(child.size, child.fileCount, minSize); });
+                std::erase_if(stored.children, [&](const Node& child) {
+                  return !isStored(child.size, child.fileCount, minSize);
+                });
                 tree_.putFolder(path, std::move(stored));
                 tree_.keepListing(path, std::move(scan->root));
                 storeScan({path});
@@ -202,11 +205,11 @@ void Browser::measureFolderAgain() {
 }
 
 void Browser::loadUsualBaseline() {
-  worker_.run([this, date = tree_.scan().date, root = setup_.root, excludes = tree_.scan().coverage.excludes] {
+  worker_.run([this, date = tree_.scan().date, root = setup_.root,
+               excludes = tree_.scan().coverage.excludes] {
     auto baseline = std::make_shared<std::optional<Snapshot>>(
-        usualBaseline({.date = date,
-                       .root = {.name = root, .isDirectory = true},
-                       .coverage = {.excludes = excludes}})
+        usualBaseline(
+            {.date = date, .root = {.name = root, .isDirectory = true}, .coverage = {.excludes = excludes}})
             .usual);
     return [this, baseline] {
       if (!choseBaseline_) setBaseline(std::move(*baseline));
