@@ -1,17 +1,19 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// A field for a search. Escape empties it.
+/// A field of one line, for a search or another short text. Escape empties it.
 T.TextField {
     id: root
 
     property real size: 12
     /// Said in place of a text, and the name for screen readers.
     property string hint
+    /// The symbol before the text; empty for none.
+    property string symbol: "magnifyingglass"
 
     implicitWidth: Theme.scaled(180)
     implicitHeight: Math.ceil(metrics.height) + topPadding + bottomPadding
-    leftPadding: 10 + glass.width + 7
+    leftPadding: symbol ? 10 + glass.width + 7 : 10
     rightPadding: 8
     topPadding: 6
     bottomPadding: 6
@@ -50,7 +52,8 @@ T.TextField {
 
         x: 10
         anchors.verticalCenter: parent.verticalCenter
-        symbol: "magnifyingglass"
+        visible: root.symbol
+        symbol: root.symbol
         size: 14
         color: Theme.secondary
     }

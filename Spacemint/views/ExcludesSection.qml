@@ -42,12 +42,13 @@ SettingsSection {
         Layout.fillWidth: true
         spacing: 8
 
-        TextEntry {
+        SearchField {
             id: field
 
             Layout.fillWidth: true
+            symbol: ""
             hint: Words.leftOutExample
-            name: Words.leftOut
+            Accessible.name: Words.leftOut
             onAccepted: root.add()
         }
         SecondaryButtonStyle {

@@ -19,21 +19,16 @@ ColumnLayout {
         Layout.topMargin: 14
         spacing: 8
 
-        TextEntry {
+        SearchField {
             id: field
 
             readonly property real beside: parent.width - age.implicitWidth - 8
 
             width: beside < Theme.scaled(160) ? parent.width : beside
-            symbol: "magnifyingglass"
-            name: Words.search
             hint: Words.searchExample
+            Accessible.name: Words.search
             text: root.files.words
-            onTextEdited: root.files.words = text
-            Keys.onEscapePressed: event => {
-                event.accepted = text;
-                root.files.words = "";
-            }
+            onTextChanged: root.files.words = text
             Keys.onDownPressed: list.forceActiveFocus(Qt.TabFocusReason)
 
             Connections {

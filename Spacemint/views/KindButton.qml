@@ -10,6 +10,7 @@ T.Button {
     property string title
     property string sizeText
     property color colour
+    property real strength: 1
 
     hoverEnabled: true
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
@@ -31,6 +32,7 @@ T.Button {
             height: 8
             radius: 4
             color: root.colour
+            opacity: root.strength
         }
         Label {
             text: root.title

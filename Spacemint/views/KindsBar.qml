@@ -13,8 +13,12 @@ Column {
     readonly property list<color> colours: [Theme.teal, Theme.lavenderInk, Theme.amber, Theme.amberInk, Theme.tertiary]
 
     function colourOf(index: int): color {
-        const colour = colours[index % colours.length];
-        return Qt.rgba(colour.r, colour.g, colour.b, index < colours.length ? 1 : 0.45);
+        return colours[index % colours.length];
+    }
+
+    /// Kinds beyond the number of colours have the same colours, but paler.
+    function strengthOf(index: int): real {
+        return index < colours.length ? 1 : 0.45;
     }
 
     spacing: 8
@@ -41,7 +45,7 @@ Column {
                     width: Math.max(2, modelData * (root.width - 10))
                     height: 8
                     color: root.colourOf(index)
-                    opacity: root.files.kind < 0 || root.files.kind === index ? 1 : 0.3
+                    opacity: root.strengthOf(index) * (root.files.kind < 0 || root.files.kind === index ? 1 : 0.3)
 
                     TapHandler {
                         margin: 4
@@ -65,6 +69,7 @@ Column {
                 title: modelData
                 sizeText: root.files.kindSizes[index] ?? ""
                 colour: root.colourOf(index)
+                strength: root.strengthOf(index)
                 checked: root.files.kind === index
                 onClicked: root.files.chooseKind(index)
             }
