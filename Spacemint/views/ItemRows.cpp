@@ -326,8 +326,10 @@ void ItemRows::toggleMark(int rowId) {
 void ItemRows::markTo(int rowId) {
   const auto place = [&](int id) { return std::ranges::find(entries_, id, &Entry::id); };
   if (place(markedFrom_) == entries_.end()) markedFrom_ = rowId;
-  const auto [first, last] = std::minmax(place(markedFrom_), place(rowId));
+  auto first = place(markedFrom_);
+  auto last = place(rowId);
   if (last == entries_.end()) return;
+  if (last < first) std::swap(first, last);
   std::set<int> rowIds;
   for (auto at = first; at != last + 1; ++at) rowIds.insert(at->id);
   setMarked(std::move(rowIds));
