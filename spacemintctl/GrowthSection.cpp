@@ -33,6 +33,10 @@ Baseline namedBaseline(const Scene& scene) {
   return EarlierScans{.usual = std::move(*named)};
 }
 
+Baseline earlierScans(const Scene& scene) {
+  return scene.since.empty() ? Baseline{usualBaseline(scene.snapshot)} : namedBaseline(scene);
+}
+
 // What a comparison of two scans finds.
 struct Comparison {
   const Snapshot& from;
@@ -130,8 +134,14 @@ Json jsonOf(const Comparison& comparison) {
 
 }  // namespace
 
+std::expected<std::optional<Snapshot>, Error> baselineOf(const Scene& scene) {
+  auto scans = earlierScans(scene);
+  if (!scans) return std::unexpected(std::move(scans).error());
+  return std::move(scans->usual);
+}
+
 std::expected<Findings, Error> growthFindings(const Scene& scene) {
-  auto baseline = scene.since.empty() ? Baseline{usualBaseline(scene.snapshot)} : namedBaseline(scene);
+  const auto baseline = earlierScans(scene);
   if (!baseline) return std::unexpected(baseline.error());
   const auto& earlier = baseline->usual;
   if (!earlier) {

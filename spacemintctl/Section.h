@@ -73,6 +73,8 @@ std::expected<Findings, Error> worktreeFindings(const Scene& scene);
 
 // Functions that several sections use.
 
+/// The earlier scan to compare the scene's with; absent if there is none.
+std::expected<std::optional<Snapshot>, Error> baselineOf(const Scene& scene);
 /// A path for display.
 std::string shownPath(const std::string& path, const Scene& scene);
 std::string shownSize(Bytes size, const Scene& scene);

@@ -3,12 +3,15 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
+#include "core/host/AtomicFile.h"
 #include "core/host/UserFolders.h"
 #include "core/host/VolumeInfo.h"
 #include "core/settings/Settings.h"
 #include "core/volume/VolumeStatus.h"
 #include "core/wording/FindingText.h"
+#include "core/wording/PictureText.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/ReportPicture.h"
 #include "spacemintctl/SettingsCommand.h"
 #include "spacemintctl/StoredScan.h"
 
@@ -87,6 +90,18 @@ void addHead(Findings& report, const Scene& scene) {
                          {"fileCount", scene.snapshot.fileCount}};
 }
 
+int writePicture(const Scene& scene, const std::string& path) {
+  const auto baseline = baselineOf(scene);
+  if (!baseline) return fail(baseline.error());
+  const auto& earlier = *baseline;
+  const auto changes = earlier ? std::optional{changeTree(*earlier, scene.snapshot)} : std::nullopt;
+  const std::string legend =
+      earlier ? PictureText::cameSince(localTime(earlier->date)) : PictureText::nothingCame();
+  const auto written = writeFileAtomically(
+      path, pictureSvg(scene.snapshot, changes ? &*changes : nullptr, legend, scene.wording.locale));
+  return written ? done : fail(written.error());
+}
+
 }  // namespace
 
 int runSection(const Section& section, const SectionOptions& options) {
@@ -100,6 +115,7 @@ int runSection(const Section& section, const SectionOptions& options) {
 int runReport(const SectionOptions& options) {
   auto scene = sceneFor(options, true);
   if (!scene) return fail(scene.error());
+  if (!options.svg.empty()) return writePicture(*scene, options.svg);
   Findings report{.text = "", .json = Json::object()};
   addHead(report, *scene);
   for (const Section& section : sections()) {

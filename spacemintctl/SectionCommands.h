@@ -15,12 +15,14 @@ struct SectionOptions {
   std::optional<Bytes> minimum;
   std::size_t top = 10;
   bool json = false;
+  /// The file for a picture in place of the report; empty for none.
+  std::string svg = {};
 };
 
 /// Prints a section; returns the exit code.
 int runSection(const Section& section, const SectionOptions& options);
 
-/// Prints all sections; returns the exit code.
+/// Prints all sections, or writes the picture of the scan; returns the exit code.
 int runReport(const SectionOptions& options);
 
 }  // namespace spacemint::ctl

@@ -254,6 +254,9 @@ void addReport(CLI::App& app, Action& action) {
       app.add_subcommand("report", i18n("Show on one page what grew, what is big, and what can be freed"));
   addSectionOptions(report, options);
   addSince(report, options);
+  report
+      ->add_option("--svg", options.svg, i18n("Write a picture of the scan to this file, and print nothing"))
+      ->type_name("FILE");
   report->callback([&] { action = [] { return runReport(options); }; });
 }
 

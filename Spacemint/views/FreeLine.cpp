@@ -93,8 +93,7 @@ QString SpaceHistory::levelText() const {
 
 QString SpaceHistory::dateText(Date date) const {
   const auto length = timeBetween(line_.points.front().date, line_.points.back().date);
-  return length < std::chrono::days{2} ? DateText::time(date, host_.locale)
-                                       : DateText::day(date);
+  return length < std::chrono::days{2} ? DateText::time(date, host_.locale) : DateText::day(date);
 }
 
 // The line
@@ -198,7 +197,7 @@ void FreeLine::paintGround(QPainter& painter) const {
   painter.fillRect(QRectF{0, lineHeight_ - 1, width(), 1}, theme().border());
   if (const int chosen = history_->chosen(); chosen >= 0) {
     QColor ground = theme().selected();
-    constexpr qreal faint = 0.6;
+    constexpr float faint = 0.6F;
     ground.setAlphaF(faint);
     const qreal from = pointOf(scanPoint(chosen)).x();
     painter.fillRect(QRectF{from, 0, end - from, lineHeight_}, ground);

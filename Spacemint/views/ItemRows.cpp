@@ -291,7 +291,7 @@ void ItemRows::copyPath(int rowId) const {
 
 void ItemRows::showInFolders(int rowId) const {
   const ListItem* item = find(rowId);
-  if (item == nullptr) return;
+  if (item == nullptr || item->path.empty()) return;
   host_.model.setFolderPath(item->isDirectory ? item->path : folderOf(item->path));
   host_.model.setTab(Tab::folders);
 }

@@ -1,7 +1,6 @@
 #include "Spacemint/views/Overview.h"
 
 #include "Spacemint/views/FolderText.h"
-#include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
@@ -13,6 +12,7 @@
 #include <QTimeZone>
 
 #include <algorithm>
+#include <limits>
 #include <ranges>
 
 namespace spacemint {
@@ -32,10 +32,14 @@ std::string growthText(const Findings& findings, const std::string& locale) {
   return findings.growth.empty() ? FindingText::nothingGrew(Findings::growthMinimum, locale) : "";
 }
 
-// Empty when there is no earlier scan to compare with.
+// Empty when there is no earlier scan to compare with. The free space is that of now, as in the figure above.
 std::string freeChangeText(const Findings& findings, const UiHost& host) {
   if (findings.baselineUnavailable || !findings.spaceChange) return "";
-  return FindingText::freeChange(*findings.spaceChange, host.home, host.locale);
+  SpaceChange change = *findings.spaceChange;
+  const auto& volume = host.model.volume().status();
+  const SharedSnapshot& scan = host.model.history().snapshot();
+  if (volume && scan && scan->volumeTotal == volume->total) change.freeNow = volume->free;
+  return FindingText::freeChange(change, host.home, host.locale);
 }
 
 // "1 day ago · 08:15"
@@ -53,6 +57,7 @@ Overview::Overview(const UiHost& host)
       growing_(host),
       growth_(host),
       firstGrowth_(host),
+      changes_(host, [this] { update(); }),
       trash_(host),
       backups_(host),
       suggestions_(host) {
@@ -99,8 +104,9 @@ void Overview::update() {
   // While the analysis of a scan runs, an empty finding does not mean that there is nothing.
   const bool isReady = host_.model.currentFindings().isReady();
   freeChange_ = ShownText::sentence(freeChangeText(findings, host_));
-  firstGrowth_.assign(growthItems(growthShown));
-  growth_.assign(growthItems(findings.growth.size()),
+  changes_.update();
+  firstGrowth_.assign(changes_.items(growthShown));
+  growth_.assign(changes_.items(std::numeric_limits<std::size_t>::max()),
                  {.text = isReady ? growthText(findings, host_.locale) : ""});
   trash_.assign(trashItems());
   backups_.assign(backupItems());
@@ -152,80 +158,6 @@ void Overview::updateBaselines() {
   baselines_ = std::move(baselines);
   baselineIndex_ = index;
   Q_EMIT baselinesChanged();
-}
-
-std::vector<ListItem> Overview::growthItems(std::size_t limit) {
-  std::vector<ListItem> items;
-  for (const Growth& growth : host_.model.findings().growth | std::views::take(limit)) {
-    ListItem item = growthItem(growth, 0);
-    if (!growth.inside.empty()) setUnfolding(item);
-    const bool isUnfolded = item.isUnfolded.value_or(false);
-    items.push_back(std::move(item));
-    if (!isUnfolded) continue;
-    for (const Growth& inside : growth.inside) items.push_back(growthItem(inside, 1));
-  }
-  addShrinkage(items);
-  return items;
-}
-
-ListItem Overview::growthItem(const Growth& growth, int depth) const {
-  const SharedSnapshot& snapshot = host_.model.history().snapshot();
-  const std::string root = snapshot ? snapshot->rootPath() : "";
-  const std::string perDay =
-      FindingText::perDay(growth.delta, host_.model.findings().comparedTime, host_.locale);
-  const std::string place = Paths::display(growth.path, host_.home);
-  return {.id = growth.path,
-          .path = growth.path,
-          .size = growth.size,
-          .isDirectory = growth.isDirectory,
-          .title = FolderText::title(growth.path, root, host_.home),
-          .subtitle = perDay.empty() ? place : perDay + " · " + place,
-          .sizeText = "+" + ByteFormat::string(growth.delta, host_.locale),
-          .depth = depth,
-          .showsChevron = growth.isDirectory,
-          .canTrash = growth.path != root};
-}
-
-void Overview::addShrinkage(std::vector<ListItem>& items) {
-  const auto& shrinkage = host_.model.findings().shrinkage;
-  if (shrinkage.empty()) return;
-  Bytes sum = 0;
-  for (const Shrinkage& each : shrinkage) sum = saturatingAdd(sum, each.delta);
-  ListItem all{.id = "shrunk or gone",
-               .title = i18n(FindingText::shrunkTitle),
-               .sizeText = FindingText::lost(sum, host_.locale),
-               .symbol = "arrow.down.circle",
-               .hasShrunk = true};
-  setUnfolding(all);
-  const bool isUnfolded = *all.isUnfolded;
-  items.push_back(std::move(all));
-  if (!isUnfolded) return;
-  const SharedSnapshot& snapshot = host_.model.history().snapshot();
-  const Bytes minNodeSize = snapshot ? snapshot->minNodeSize : 0;
-  for (const Shrinkage& each : shrinkage) {
-    const bool isListed = each.size > 0;
-    items.push_back({.id = "shrunk " + each.path,
-                     .path = isListed ? each.path : "",
-                     .size = each.size,
-                     .isDirectory = each.isDirectory,
-                     .title = Paths::lastComponent(each.path),
-                     .subtitle = FindingText::left(each, minNodeSize, host_.locale) + " · " +
-                                 Paths::display(each.path, host_.home),
-                     .sizeText = FindingText::lost(each.delta, host_.locale),
-                     .symbol = std::string{Icons::symbol(Paths::lastComponent(each.path), each.isDirectory)},
-                     .hasShrunk = true,
-                     .depth = 1,
-                     .showsChevron = isListed && each.isDirectory});
-  }
-}
-
-void Overview::setUnfolding(ListItem& item) {
-  item.showsChevron = false;
-  item.isUnfolded = unfolded_.contains(item.id);
-  item.onUnfold = [this, id = item.id] {
-    if (unfolded_.erase(id) == 0) unfolded_.insert(id);
-    update();
-  };
 }
 
 std::vector<ListItem> Overview::trashItems() const {

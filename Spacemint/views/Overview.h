@@ -1,11 +1,10 @@
 #pragma once
 
+#include "Spacemint/views/ChangeRows.h"
 #include "Spacemint/views/ItemRows.h"
 
 #include <QStringList>
 #include <QTimeZone>
-
-#include <set>
 
 namespace spacemint {
 
@@ -38,12 +37,11 @@ class Overview : public QObject {
   ItemRows* growing() { return &growing_; }
   /// When the disk is full at this pace; empty if that is not known.
   const QString& fullIn() const { return fullIn_; }
-  /// What grew; an item whose growth is spread unfolds to what grew in it. Then what shrank, under one item
-  /// that unfolds.
+  /// What changed, as a tree.
   ItemRows* growth() { return &growth_; }
-  /// How many items grew.
-  int growthCount() const { return static_cast<int>(host_.model.findings().growth.size()); }
-  /// `growth` with only the largest of what grew, until the person asks for all.
+  /// How many items of the scanned folder grew.
+  int growthCount() const { return static_cast<int>(changes_.count()); }
+  /// `growth` with only the largest of these items, until the person asks for all.
   ItemRows* firstGrowth() { return &firstGrowth_; }
   const QString& freeChange() const { return freeChange_; }
   /// The earlier scans, newest first.
@@ -71,10 +69,6 @@ class Overview : public QObject {
   void update();
   void updateGrowing();
   void updateBaselines();
-  std::vector<ListItem> growthItems(std::size_t limit);
-  ListItem growthItem(const Growth& growth, int depth) const;
-  void addShrinkage(std::vector<ListItem>& items);
-  void setUnfolding(ListItem& item);
   std::vector<ListItem> trashItems() const;
   std::vector<ListItem> backupItems() const;
   std::vector<ListItem> suggestionItems() const;
@@ -87,8 +81,7 @@ class Overview : public QObject {
   QString fullIn_;
   ItemRows growth_;
   ItemRows firstGrowth_;
-  /// The ids of the items that are unfolded.
-  std::set<std::string> unfolded_;
+  ChangeRows changes_;
   QString freeChange_;
   std::vector<SnapshotStore::Entry> entries_;
   QStringList baselines_;

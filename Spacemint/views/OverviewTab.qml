@@ -112,6 +112,10 @@ ScrollColumn {
                     rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
                     name: Words.whatChanged
                     sizeColor: Theme.amberInk
+                    isTree: true
+                    barLength: Theme.scaled(140)
+                    onRowSelected: index => rows.toggle(rows.rowIdAt(index))
+                    onRowOpened: index => rows.showInFolders(rows.rowIdAt(index))
                 }
                 QuietButtonStyle {
                     Layout.alignment: Qt.AlignHCenter

@@ -12,12 +12,6 @@ namespace spacemint {
 
 namespace {
 
-std::string percent(Bytes part, Bytes whole) {
-  const double share = whole > 0 ? 100 * static_cast<double>(part) / static_cast<double>(whole) : 0;
-  if (share > 0 && share < 1) return i18nc("a share", "under 1 %");
-  return i18nc("a share", "{number} %", {{"number", std::to_string(std::lround(share))}});
-}
-
 std::string absolute(Bytes delta, const std::string& locale) {
   return ByteFormat::string(std::abs(std::max(delta, -std::numeric_limits<Bytes>::max())), locale);
 }
@@ -27,6 +21,12 @@ bool isShown(Bytes delta) {
 }
 
 }  // namespace
+
+std::string PictureText::percent(Bytes part, Bytes whole) {
+  const double share = whole > 0 ? 100 * static_cast<double>(part) / static_cast<double>(whole) : 0;
+  if (share > 0 && share < 1) return i18nc("a share", "under 1 %");
+  return i18nc("a share", "{number} %", {{"number", std::to_string(std::lround(share))}});
+}
 
 std::string PictureText::growth() {
   return i18nc("colours of a map", "Growth");
@@ -69,8 +69,9 @@ std::string PictureText::change(Bytes delta, const std::string& locale) {
 std::string PictureText::partName(const Tile& tile) {
   switch (tile.kind) {
     case Tile::Kind::small:
-      return tile.count > 0 ? i18nc("small items of a folder", "{number} more", {{"number", std::to_string(tile.count)}})
-                            : i18nc("of a folder", "small items");
+      return tile.count > 0
+                 ? i18nc("small items of a folder", "{number} more", {{"number", std::to_string(tile.count)}})
+                 : i18nc("of a folder", "small items");
     case Tile::Kind::files:
       return i18n("In files");
     case Tile::Kind::notInFiles:
@@ -90,7 +91,9 @@ std::string PictureText::about(const Tile& tile, Bytes folderSize, std::string_v
   const std::string size = ByteFormat::string(tile.size, locale);
   const std::string came = inTile(tile, locale).substr(size.size());
   if (folder.empty()) return size + came;
-  return i18n("{size} · {share} of {folder}", {{"size", size}, {"share", percent(tile.size, folderSize)}, {"folder", isolatedPath(folder)}}) + came;
+  return i18n("{size} · {share} of {folder}",
+              {{"size", size}, {"share", percent(tile.size, folderSize)}, {"folder", isolatedPath(folder)}}) +
+         came;
 }
 
 std::string PictureText::spoken(const Tile& tile, Bytes folderSize, const std::string& locale) {
@@ -99,8 +102,10 @@ std::string PictureText::spoken(const Tile& tile, Bytes folderSize, const std::s
   const Bytes growth = tile.growth();
   if (!isShown(growth)) return i18n("{size}, {share}", {{"size", size}, {"share", share}});
   const std::string change = absolute(growth, locale);
-  return growth > 0 ? i18n("{size}, {share}, grew by {change}", {{"size", size}, {"share", share}, {"change", change}})
-                    : i18n("{size}, {share}, shrank by {change}", {{"size", size}, {"share", share}, {"change", change}});
+  return growth > 0 ? i18n("{size}, {share}, grew by {change}",
+                           {{"size", size}, {"share", share}, {"change", change}})
+                    : i18n("{size}, {share}, shrank by {change}",
+                           {{"size", size}, {"share", share}, {"change", change}});
 }
 
 std::string PictureText::inTile(const Tile& tile, const std::string& locale) {
@@ -109,10 +114,12 @@ std::string PictureText::inTile(const Tile& tile, const std::string& locale) {
   return grown.empty() ? size : size + " · " + (tile.change->isNew ? isNew() : grown);
 }
 
-std::string PictureText::momentHelp(std::string_view moment, Bytes free, bool isChosen, const std::string& locale) {
+std::string PictureText::momentHelp(std::string_view moment, Bytes free, bool isChosen,
+                                    const std::string& locale) {
   const std::string bytes = ByteFormat::string(free, locale);
-  return isChosen ? i18n("{date} · {size} free", {{"date", moment}, {"size", bytes}})
-                  : i18n("{date} · {size} free\nClick to compare with it", {{"date", moment}, {"size", bytes}});
+  return isChosen
+             ? i18n("{date} · {size} free", {{"date", moment}, {"size", bytes}})
+             : i18n("{date} · {size} free\nClick to compare with it", {{"date", moment}, {"size", bytes}});
 }
 
 std::string PictureText::cameSince(std::string_view date) {

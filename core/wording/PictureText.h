@@ -30,6 +30,9 @@ inline constexpr Bytes smallestChange = 20'000'000;
 /// "+6.2 GB" or "−300 MB"; empty for a change below `smallestChange`.
 std::string change(Bytes delta, const std::string& locale);
 
+/// "33 %", or "under 1 %".
+std::string percent(Bytes part, Bytes whole);
+
 /// The name of a part of a volume or of small items; empty for a tile with a node.
 std::string partName(const Tile& tile);
 

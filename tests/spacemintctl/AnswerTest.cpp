@@ -2,9 +2,11 @@
 
 #include "spacemintctl/Console.h"
 #include "spacemintctl/ProgressLine.h"
+#include "spacemintctl/ReportPicture.h"
 #include "support/Files.h"
 #include "support/Program.h"
 #include "support/TreeBuilder.h"
+#include "ui_kit/Colours.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -130,6 +132,21 @@ TEST_F(ReportTest, answersEverythingOnOnePage) {
             HasSubstr("Largest folders\n"), HasSubstr("Largest files\n"),
             HasSubstr("No package or build caches over 50 MB."), HasSubstr("Model  gpt2"),
             Not(HasSubstr("\x1b"))));
+
+  // The same scan as a picture; its colours are those of the window.
+  const std::string picture = program.home() / "scan.svg";
+  EXPECT_EQ(program.run({"report", "--svg", picture}).out, "");
+  const std::string svg = support::readText(picture);
+  EXPECT_THAT(
+      svg,
+      AllOf(testing::StartsWith("<svg "), HasSubstr("<title>" + (program.home() / "orphan/big")),
+            HasSubstr("After the next scan, colour shows what came."), testing::EndsWith("</svg>\n")));
+  for (const auto& [name, light, dark] : ctl::pictureColours) {
+    const auto* colour = std::ranges::find(colours, name, &Colour::name);
+    ASSERT_NE(colour, colours.end()) << name;
+    EXPECT_EQ(std::stoul(std::string{light}, nullptr, 16), colour->light) << name;
+    EXPECT_EQ(std::stoul(std::string{dark}, nullptr, 16), colour->dark) << name;
+  }
 
   // Smaller things are named when asked for.
   const auto caches = asJson({"caches", "--min-size", "1000"});

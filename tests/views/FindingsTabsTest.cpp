@@ -169,7 +169,7 @@ TEST_F(OverviewTabTest, withNothingGrownSaysSo) {
   storeGrowth(0);
   show(Tab::overview);
   EXPECT_TRUE(shows("Nothing grew by more than 100 MB."));
-  EXPECT_TRUE(shows("Free space dropped by 20 GB, from 140 GB to 120 GB"));
+  EXPECT_TRUE(shows("Free space dropped by 40 GB, from 140 GB to 100 GB")) << "the free space of now";
   EXPECT_THAT(rows(), IsEmpty());
 }
 
@@ -185,15 +185,16 @@ TEST_F(OverviewTabTest, anEarlierScanThatCannotBeReadIsToBeReplacedByAnother) {
 TEST_F(OverviewTabTest, ofMoreThanFiveGrownFoldersTheRestIsShownOnDemand) {
   storeGrowth(6);
   show(Tab::overview);
-  EXPECT_THAT(rows(), ElementsAre("Folder 1", "Folder 2", "Folder 3", "Folder 4", "Folder 5"));
+  EXPECT_THAT(rows(), ElementsAre("Home folder", "Folder 1", "Folder 2", "Folder 3", "Folder 4", "Folder 5"));
   click("Show all 6");
-  EXPECT_THAT(rows(), ElementsAre("Folder 1", "Folder 2", "Folder 3", "Folder 4", "Folder 5", "Folder 6"));
+  EXPECT_THAT(rows(), ElementsAre("Home folder", "Folder 1", "Folder 2", "Folder 3", "Folder 4", "Folder 5",
+                                  "Folder 6"));
   click("Show less");
-  EXPECT_THAT(rows(), SizeIs(5));
+  EXPECT_THAT(rows(), SizeIs(6));
   view.reset();
   storeGrowth(5);
   show(Tab::overview);
-  EXPECT_THAT(rows(), SizeIs(5));
+  EXPECT_THAT(rows(), SizeIs(6));
   EXPECT_TRUE(view->find(QStringLiteral("Show all 5")).isEmpty());
 }
 
@@ -215,23 +216,31 @@ TEST_F(OverviewTabTest, whatGrowsNowIsThereWhileItGrows) {
   EXPECT_FALSE(shows("Growing now"));
 }
 
-TEST_F(OverviewTabTest, spreadGrowthAndWhatShrankUnfold) {
+TEST_F(OverviewTabTest, whatChangedIsATree) {
   storeChanges();
   addFile("Music/left", MB);
-  show(Tab::overview);
-  EXPECT_THAT(rows(), ElementsAre("disk.img", "code", "Shrunk or gone"));
-  EXPECT_TRUE(shows("4 GB a day · ~/vm/disk.img"));
+  show(Tab::overview, {460, 900});
+  // A folder with nothing but one change is in its row.
+  EXPECT_THAT(rows(), ElementsAre("Home folder", "vm / disk.img", "code", "Shrunk or gone"));
+  EXPECT_EQ(row("vm / disk.img")->property("tag").toString(), QStringLiteral("new"));
+  EXPECT_EQ(row("code")->property("sizeText").toString().replace(QChar::Nbsp, u' '),
+            QStringLiteral("+4.4 GB"));
+  EXPECT_NEAR(row("code")->property("fraction").toDouble(), 4.4 / 20, 0.01) << "of all that the disk lost";
   click(row("code"));
-  EXPECT_THAT(rows(), ElementsAre("disk.img", "code", "app", "pack", "all", "Shrunk or gone"));
+  EXPECT_THAT(rows(), ElementsAre("Home folder", "vm / disk.img", "code", "shop / target / app",
+                                  "site / node_modules / pack", "notes / all", "Shrunk or gone"));
   click(row("code"));
   row("Shrunk or gone")->forceActiveFocus();
   press(Qt::Key_Right);
-  EXPECT_THAT(rows(), ElementsAre("disk.img", "code", "Shrunk or gone", "film.mkv", "Music"));
+  EXPECT_THAT(rows(),
+              ElementsAre("Home folder", "vm / disk.img", "code", "Shrunk or gone", "film.mkv", "Music"));
   EXPECT_TRUE(shows("gone · ~/Downloads/film.mkv"));
   EXPECT_TRUE(shows("2 GB left · ~/Music"));
   click(row("film.mkv"), Qt::RightButton);
   EXPECT_TRUE(view->find(QStringLiteral("Copy Path")).isEmpty()) << "there is nothing to show any more";
-  press(Qt::Key_Left);
+  row("code")->forceActiveFocus();
+  press(Qt::Key_Return);
+  EXPECT_EQ(model->folderPath(), inHome("code"));
 }
 
 TEST_F(OverviewTabTest, theMenuOfAGrownFolderIsThatFoldersAlsoAfterAllAreShown) {
@@ -257,8 +266,8 @@ TEST_F(OverviewTabTest, anotherScanToCompareWithIsChosen) {
   picker->forceActiveFocus();
   press(before == 0 ? Qt::Key_Down : Qt::Key_Up);
   EXPECT_EQ(picker->property("currentIndex").toInt(), 1 - before);
-  EXPECT_TRUE(shows(before == 0 ? "Free space dropped by 20 GB, from 140 GB to 120 GB"
-                                : "Free space dropped by 1 GB, from 121 GB to 120 GB"));
+  EXPECT_TRUE(shows(before == 0 ? "Free space dropped by 40 GB, from 140 GB to 100 GB"
+                                : "Free space dropped by 21 GB, from 121 GB to 100 GB"));
 }
 
 TEST_F(OverviewTabTest, whatIsNotInFilesIsShownWhereItMattersAndOnDemand) {

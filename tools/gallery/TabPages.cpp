@@ -53,7 +53,8 @@ class TabScene final : public support::ModelFixture {
   void unfoldChanges() {
     ItemRows& rows = *ui_->overview()->firstGrowth();
     for (int i = 0; i < rows.count(); ++i) {
-      if (rows.data(rows.index(i), ItemRows::UnfoldsRole).toBool())
+      const bool isClosed = !rows.data(rows.index(i), ItemRows::IsUnfoldedRole).toBool();
+      if (isClosed && rows.data(rows.index(i), ItemRows::UnfoldsRole).toBool())
         rows.toggle(rows.data(rows.index(i), ItemRows::RowIdRole).toInt());
     }
   }
