@@ -28,7 +28,7 @@ def texts_of(catalogue):
     for key, translation in entries.items():
         source = key[0] if isinstance(key, tuple) else key
         # A form for one thing alone need not name the number, in English as elsewhere.
-        free = {"{count}"} if isinstance(key, tuple) else set()
+        free = {"{count}", "{number}"} if isinstance(key, tuple) else set()
         if source:
             yield source.split("\x04")[-1], translation, free
 
