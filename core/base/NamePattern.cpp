@@ -1,8 +1,7 @@
 #include "core/base/NamePattern.h"
 
 #include "core/base/Translation.h"
-
-#include <unicode/utf8.h>
+#include "core/base/Unicode.h"
 
 #include <algorithm>
 #include <array>
@@ -41,8 +40,7 @@ constexpr char32_t notUtf8 = 0x11'0000;
 // Removes and returns the first character of a text that is not empty.
 char32_t takeCharacter(std::string_view& text) {
   std::size_t length = 0;
-  UChar32 character = 0;
-  U8_NEXT(text.data(), length, text.size(), character);
+  const std::int32_t character = nextCharacter(text, length);
   if (character < 0) length = 1;
   text.remove_prefix(length);
   return character < 0 ? notUtf8 : static_cast<char32_t>(character);

@@ -13,6 +13,16 @@
 
 namespace spacemint {
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"  // inside ICU's macro
+#pragma GCC diagnostic ignored "-Wsign-conversion"
+std::int32_t nextCharacter(std::string_view text, std::size_t& at) {
+  UChar32 character = 0;
+  U8_NEXT(text.data(), at, text.size(), character);  // NOLINT(bugprone-inc-dec-in-conditions): the macro
+  return character;
+}
+#pragma GCC diagnostic pop
+
 namespace {
 
 const icu::Normalizer2& decomposition() {
@@ -50,17 +60,6 @@ std::size_t asciiEnd(std::string_view text, std::size_t at) {
   while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
   return at;
 }
-
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"  // inside ICU's macro
-#pragma GCC diagnostic ignored "-Wsign-conversion"
-// Returns the character at `at` and moves `at` behind it; negative if the bytes are not UTF-8.
-UChar32 nextCharacter(std::string_view text, std::size_t& at) {
-  UChar32 character = 0;
-  U8_NEXT(text.data(), at, text.size(), character);  // NOLINT(bugprone-inc-dec-in-conditions): the macro
-  return character;
-}
-#pragma GCC diagnostic pop
 
 // The end of the run of characters from `start` that can be decomposed independently of the characters behind
 // it.

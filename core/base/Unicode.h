@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,9 @@ namespace spacemint {
 /// only itself. Pure; any thread.
 
 bool isAscii(std::string_view text);
+/// Returns the character at `at`, a position in the text, and moves `at` behind it. Negative, and one byte
+/// further or more, if the bytes are not UTF-8.
+std::int32_t nextCharacter(std::string_view text, std::size_t& at);
 bool isValidUtf8(std::string_view text);
 
 /// `text` with U+FFFD in place of every sequence of bytes that is not UTF-8.
