@@ -114,7 +114,7 @@ ScrollColumn {
                     sizeColor: Theme.amberInk
                     isTree: true
                     barLength: Theme.scaled(140)
-                    onRowSelected: index => rows.toggle(rows.rowIdAt(index))
+                    onRowClicked: index => rows.toggle(rows.rowIdAt(index))
                     onRowOpened: index => rows.showInFolders(rows.rowIdAt(index))
                 }
                 QuietButtonStyle {

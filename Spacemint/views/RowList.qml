@@ -36,6 +36,7 @@ ListView {
     signal pointed(int index)
     // Of a tree.
     signal rowSelected(int index)
+    signal rowClicked(int index)
     signal rowOpened(int index)
 
     function openMenu(row: ItemRow) {
@@ -150,8 +151,10 @@ ListView {
                 return;
             root.currentIndex = row.index;
             row.forceActiveFocus(Qt.MouseFocusReason);
-            if (root.isTree)
-                return root.rowSelected(row.index);
+            if (root.isTree) {
+                root.rowSelected(row.index);
+                return root.rowClicked(row.index);
+            }
             row.rows.unmarkAll(row.rowId);
             if (row.showsChevron)
                 root.openedAt = time;

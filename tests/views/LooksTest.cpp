@@ -111,7 +111,7 @@ TEST_F(LooksTest, whatTheGuardRefusesIsNotOffered) {
     return titles;
   };
   show();
-  EXPECT_EQ(rows().size(), 4U);
+  EXPECT_EQ(rows().size(), 5U);
   EXPECT_THAT(offered(Tab::overview), ElementsAre("code"));
   EXPECT_THAT(offered(Tab::folders), ElementsAre("code"));
   EXPECT_THAT(offered(Tab::developer), IsEmpty()) << "a worktree that is the Documents folder";
