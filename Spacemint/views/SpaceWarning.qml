@@ -8,7 +8,8 @@ Rectangle {
     id: root
 
     required property Ui ui
-    readonly property bool isCritical: ui.summary.level === Summary.critical
+    // QML cannot read an enumerator that begins with a small letter.
+    readonly property bool isCritical: ui.summary.level === 2
     readonly property color levelColor: isCritical ? Theme.critical : Theme.warning
 
     visible: ui.summary.warning
