@@ -50,7 +50,8 @@ std::expected<Findings, Error> huggingFaceFindings(const Scene& scene) {
   Json list = Json::array();
   for (const auto& each : items) {
     list.push_back(jsonOf(each));
-    if (list.size() <= scene.top) table.add({shownSize(each.size, scene), each.kind, printable(each.repo)});
+    if (list.size() <= scene.top)
+      table.add({shownSize(each.size, scene), i18n(each.kind.c_str()), printable(each.repo)});
   }
   addRest(table, items.size(), scene.top);
   return Findings{.text = table.empty() ? i18n("No cached models.") + "\n" : table.text(),

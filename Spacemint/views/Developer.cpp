@@ -67,26 +67,23 @@ void describe(ListItem& item, const DevTools::DockerUsage& usage) {
 
 struct RepositoryKind {
   std::string_view kind;
-  const char* title;
   const char* symbol;
 };
 constexpr std::array<RepositoryKind, 3> repositoryKinds{
-    {{"Model", i18nMark("Model"), "brain"},
-     {"Dataset", i18nMark("Dataset"), "square.stack.3d.up"},
-     {"Space", i18nMark("Space"), "cube"}}};
+    {{"Model", "brain"}, {"Dataset", "square.stack.3d.up"}, {"Space", "cube"}}};
 
 // Sets the title, the subtitle and the symbol for an item of the Hugging Face cache.
 void describe(ListItem& item, const DevTools::HuggingFaceItem& found) {
   const auto* known = std::ranges::find(repositoryKinds, found.kind, &RepositoryKind::kind);
   if (known == repositoryKinds.end()) {
     item.title = i18n("Other cached files");
-    item.subtitle = found.kind + " · " + found.repo;
+    item.subtitle = i18n(found.kind.c_str()) + " · " + found.repo;
     item.symbol = "cube.transparent";
     return;
   }
   const auto owner = found.owner();
   item.title = found.name();
-  item.subtitle = i18n(known->title) + (owner ? " · " + *owner : "");
+  item.subtitle = i18n(found.kind.c_str()) + (owner ? " · " + *owner : "");
   item.symbol = known->symbol;
 }
 

@@ -23,7 +23,7 @@ constexpr Place hubPlace{"$cache/huggingface/hub", "HF_HUB_CACHE|HUGGINGFACE_HUB
 constexpr std::string_view hub = "hub";
 
 HuggingFaceItem cacheFolder(std::string repo, std::string path, Bytes size) {
-  return {.repo = std::move(repo), .kind = i18n(plainFolder), .path = std::move(path), .size = size};
+  return {.repo = std::move(repo), .kind = plainFolder, .path = std::move(path), .size = size};
 }
 
 void addHub(const Node& folder, const std::string& path, std::vector<HuggingFaceItem>& items) {
@@ -60,7 +60,7 @@ std::optional<HuggingFaceRepository> parseHuggingFaceFolder(std::string_view nam
     repo.erase(at, separator.size() - 1);
     repo[at] = '/';
   }
-  return HuggingFaceRepository{.repo = std::move(repo), .kind = i18n(kind->name)};
+  return HuggingFaceRepository{.repo = std::move(repo), .kind = kind->name};
 }
 
 std::vector<HuggingFaceItem> huggingFace(const HuggingFaceArguments& arguments) {

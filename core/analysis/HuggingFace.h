@@ -14,7 +14,7 @@ namespace spacemint::DevTools {
 struct HuggingFaceItem {
   /// OWNER/NAME, or a label for a folder that is no repository.
   std::string repo;
-  /// "Model", "Dataset", "Space" or "Cache folder".
+  /// "Model", "Dataset", "Space" or "Cache folder"; i18n translates it.
   std::string kind;
   /// Full path in the scan tree.
   std::string path;
