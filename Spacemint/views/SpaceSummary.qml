@@ -21,6 +21,7 @@ ColumnLayout {
         FreeFigure {
             id: figure
 
+            anchors.left: parent.left
             ui: root.ui
         }
         Label {
