@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Spacemint.UiKit
 import Spacemint.Views
 
@@ -133,10 +132,11 @@ FocusScope {
                 }
             ]
 
-            NumberAnimation on zoom {
+            NumberAnimation {
                 id: opening
 
-                running: false
+                target: map
+                property: "zoom"
                 from: 1
                 to: 0
                 duration: Theme.duration(220)

@@ -4,18 +4,16 @@ import Spacemint.UiKit
 import Spacemint.Views
 
 /// The page during the first scan: what it has found so far.
-ColumnLayout {
+Item {
     id: root
 
     required property Ui ui
     readonly property bool hasFound: ui.scan.found.count > 0
 
-    spacing: 0
-
     ColumnLayout {
-        Layout.fillWidth: true
-        Layout.fillHeight: true
-        Layout.margins: 20
+        anchors.fill: parent
+        anchors.margins: 20
+        anchors.bottomMargin: 20 + footer.height
         spacing: 12
 
         Item {
@@ -118,25 +116,37 @@ ColumnLayout {
             Layout.fillHeight: true
         }
     }
-    RowDivider {
-        Layout.fillWidth: true
-    }
-    RowLayout {
-        Layout.fillWidth: true
-        Layout.leftMargin: 20
-        Layout.rightMargin: 20
-        Layout.topMargin: 10
-        Layout.bottomMargin: 10
-        spacing: 12
+    Item {
+        id: footer
 
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: Math.max(leave.height, stop.height) + 20
+
+        RowDivider {
+            anchors.left: parent.left
+            anchors.right: parent.right
+        }
         Label {
-            Layout.fillWidth: true
+            id: leave
+
+            anchors.left: parent.left
+            anchors.leftMargin: 20
+            anchors.right: stop.left
+            anchors.rightMargin: 12
+            anchors.verticalCenter: parent.verticalCenter
             text: Words.firstScanLeave
             size: 11.5
             color: Theme.secondary
             wrapMode: Text.Wrap
         }
         SecondaryButtonStyle {
+            id: stop
+
+            anchors.right: parent.right
+            anchors.rightMargin: 20
+            anchors.verticalCenter: parent.verticalCenter
             text: Words.stop
             onClicked: root.ui.scan.stop()
         }

@@ -13,8 +13,11 @@ Row {
     readonly property real ownScale: (1 + Theme.textScale) / 2 / Theme.textScale
     readonly property real textBaseline: figure.baselineOffset
 
-    Word {
+    Label {
+        y: figure.baselineOffset - baselineOffset
         text: root.ui.summary.beforeFree
+        font: Theme.display(root.size * root.ownScale * 0.46, text)
+        color: root.levelColor
     }
     Label {
         id: figure
@@ -23,12 +26,9 @@ Row {
         font: Theme.display(root.size * root.ownScale, text)
         color: root.levelColor
     }
-    Word {
-        text: root.ui.summary.afterFree
-    }
-
-    component Word: Label {
+    Label {
         y: figure.baselineOffset - baselineOffset
+        text: root.ui.summary.afterFree
         font: Theme.display(root.size * root.ownScale * 0.46, text)
         color: root.levelColor
     }

@@ -13,11 +13,14 @@ Item {
     /// The pages other than the folders are no wider than this.
     readonly property real widest: isWide ? 640 * columns + 40 : width
 
+    readonly property real beside: Math.max(0, width - widest)
+
     clip: true
 
     TabPage {
         id: overview
 
+        anchors.rightMargin: root.beside
         isCurrent: root.ui.page.tab === 0
         view: "OverviewTab.qml"
         properties: ({
@@ -31,7 +34,6 @@ Item {
         }
     }
     TabPage {
-        anchors.rightMargin: 0
         isCurrent: root.ui.page.tab === 1
         view: root.isWide ? "ExplorerView.qml" : "FoldersTab.qml"
         properties: ({
@@ -39,6 +41,7 @@ Item {
             })
     }
     TabPage {
+        anchors.rightMargin: root.beside
         isCurrent: root.ui.page.tab === 2
         view: "FilesTab.qml"
         properties: ({
@@ -46,6 +49,7 @@ Item {
             })
     }
     TabPage {
+        anchors.rightMargin: root.beside
         isCurrent: root.ui.page.tab === 3
         view: "DeveloperTab.qml"
         properties: ({
@@ -57,7 +61,6 @@ Item {
         required property bool isCurrent
 
         anchors.fill: parent
-        anchors.rightMargin: Math.max(0, root.width - root.widest)
         visible: isCurrent
         wanted: false
         onIsCurrentChanged: wanted = wanted || isCurrent

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Spacemint.Services
 import Spacemint.UiKit
 import Spacemint.Views

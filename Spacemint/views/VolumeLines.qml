@@ -17,8 +17,11 @@ ColumnLayout {
     readonly property int shown: 3
 
     /// The columns have one width in all lines, so that the bars have one length.
-    function widest(texts: list<string>, least: real): real {
-        return Math.ceil(Math.max(Theme.scaled(least), ...texts.map(text => metrics.advanceWidth(text))));
+    function widest(column: string, least: real): real {
+        let width = Theme.scaled(least);
+        for (let i = 0; i < volumes.length; ++i)
+            width = Math.max(width, metrics.advanceWidth(volumes[i][column]));
+        return Math.ceil(width);
     }
 
     visible: volumes.length > 0
@@ -67,7 +70,7 @@ ColumnLayout {
                 Accessible.ignored: true
             }
             Label {
-                Layout.preferredWidth: root.widest(root.volumes.map(volume => volume.free), 58)
+                Layout.preferredWidth: root.widest("free", 58)
                 text: line.volume.free
                 size: 12
                 color: line.levelColor
@@ -75,7 +78,7 @@ ColumnLayout {
                 Accessible.ignored: true
             }
             Label {
-                Layout.preferredWidth: root.widest(root.volumes.map(volume => volume.total), 62)
+                Layout.preferredWidth: root.widest("total", 62)
                 visible: !line.isLarge
                 text: line.volume.total
                 size: 12

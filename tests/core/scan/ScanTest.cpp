@@ -211,9 +211,10 @@ TEST(DiskScanner, canBeLookedAtWhileItRuns) {
                                }
                                EXPECT_FALSE(unfinished.folder("/r/none"));
                              },
+                         .lookInterval = std::chrono::hours{1},
                          .smallEntriesOfRoot = 1,
                          .listing = &listing});
-  EXPECT_EQ(looks, 4);
+  EXPECT_EQ(looks, 5);  // before the first folder, and at each full batch
   EXPECT_EQ(names(result->root), (Names{"b", "a", "small"}));
   EXPECT_EQ(result->root.size, 4 * std::ssize(many) * mega + 2);
 }

@@ -82,7 +82,7 @@ class Services(OnADesktop):
         app = self.start(STARTED, self.session.folder / "nowhere.plist")
         app.open_panel()
         app.click("Settings", "push button")
-        app.find("Open at login")
+        app.scroll_to("Open at login")
         for name in ("Updates", "Share anonymous usage", "Share anonymous usage?"):
             self.assertFalse(app.sees(name), name)
         self.picture("services-none")
