@@ -13,7 +13,7 @@ Item {
     readonly property bool showsFolders: ui.page.tab === 1
 
     Shortcut {
-        sequences: [StandardKey.Find]
+        sequence: "Ctrl+F"
         onActivated: search.forceActiveFocus(Qt.ShortcutFocusReason)
     }
     RowLayout {

@@ -34,7 +34,7 @@ class Services(OnADesktop):
         wait_until(lambda: not app.sees("Spacemint 2 is here"), "that the message goes")
         app.click("Settings", "push button")
         app.click_item(app.scroll_to("Check now"))
-        app.find("Install", "push button")
+        app.scroll_to("Install", "push button")
         app.scroll_to("Version 2.0 is ready to install.")
         self.picture("services-update")
         # No program here opens packages.
