@@ -138,9 +138,8 @@ TEST_F(ReportTest, answersEverythingOnOnePage) {
   EXPECT_EQ(program.run({"report", "--svg", picture}).out, "");
   const std::string svg = support::readText(picture);
   EXPECT_THAT(
-      svg,
-      AllOf(testing::StartsWith("<svg "), HasSubstr("<title>" + (program.home() / "orphan/big")),
-            HasSubstr("After the next scan, colour shows what came."), testing::EndsWith("</svg>\n")));
+      svg, AllOf(testing::StartsWith("<svg "), HasSubstr("<title>" + (program.home() / "orphan/big")),
+                 HasSubstr("After the next scan, colour shows what came."), testing::EndsWith("</svg>\n")));
   for (const auto& [name, light, dark] : ctl::pictureColours) {
     const auto* colour = std::ranges::find(colours, name, &Colour::name);
     ASSERT_NE(colour, colours.end()) << name;

@@ -158,7 +158,8 @@ class PictureScene final : public support::ModelFixture {
   }
 
   std::vector<std::pair<double, double>> past_{{335, 60.1}, {288, 59.6}, {264, 61.4}, {200, 60.8},
-                                               {168, 59.0}, {120, 58.1}, {72, 55.0},  {49, 52.9}, {24, 46}, {1, 38.8}};
+                                               {168, 59.0}, {120, 58.1}, {72, 55.0},  {49, 52.9},
+                                               {24, 46},    {1, 38.8}};
   // A longer time between two entries of `past_` has no readings.
   double gap_ = 130;
   std::unique_ptr<Ui> ui_;
