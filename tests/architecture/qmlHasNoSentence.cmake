@@ -4,7 +4,7 @@ cmake_minimum_required(VERSION 3.25)
 # a property, a file or a key: it has no blank and no capital at its beginning, and is bound to no property that is shown.
 file(GLOB_RECURSE views ${ROOT}/ui_kit/*.qml ${ROOT}/AppServices/*.qml ${ROOT}/Spacemint/*.qml)
 set(shown "(text|title|line|body|help|what|name|footnote|action|label|[a-z]+Title|[a-z]+Help|Accessible\\.(name|description))")
-set(names "^.(Spacemint|[A-Za-z/:]+\\.qml|Return|Enter).$")
+set(names "^.(Spacemint|[A-Za-z/:]+\\.qml|Return|Enter|Ctrl\\+[A-Z]).$")
 foreach(view IN LISTS views)
   file(STRINGS ${view} lines ENCODING UTF-8 REGEX "[\"'`]|qsTr")
   foreach(line IN LISTS lines)
