@@ -28,9 +28,9 @@ constexpr auto refreshTime = 2s;
 constexpr auto setUpCheck = 200ms;
 
 // The terminal's own page, with keys that arrive at once. The destructor restores the terminal.
-class Screen {
+class LiveScreen {
  public:
-  Screen() {
+  LiveScreen() {
     tcgetattr(STDIN_FILENO, &before_);
     termios keys = before_;
     keys.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
@@ -38,12 +38,12 @@ class Screen {
     // The alternate page, without cursor and without wrapped lines.
     print("\x1b[?1049h\x1b[?25l\x1b[?7l");
   }
-  ~Screen() {
+  ~LiveScreen() {
     print("\x1b[?7h\x1b[?25h\x1b[?1049l");
     tcsetattr(STDIN_FILENO, TCSANOW, &before_);
   }
-  Screen(const Screen&) = delete;
-  Screen& operator=(const Screen&) = delete;
+  LiveScreen(const LiveScreen&) = delete;
+  LiveScreen& operator=(const LiveScreen&) = delete;
 
   static bool canBeUsed() { return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1; }
 
@@ -76,7 +76,7 @@ class Top {
         reader_({.journal = journal, .root = root_, .freeBytes = [this] { return freeBytesAt(root_); }}) {}
 
   int run() {
-    if (!json_ && Screen::canBeUsed()) screen_.emplace();
+    if (!json_ && LiveScreen::canBeUsed()) screen_.emplace();
     if (!json_ && !screen_)
       print(i18n("Watching what grows below {path}", {{"path", printable(root_)}}) + '\n');
     auto next = SteadyClock::now();
@@ -113,10 +113,11 @@ class Top {
     const TopView view{.watch = reader_.watch(), .root = root_, .order = order_, .isHeld = isHeld_};
     const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
     if (screen_ && isSettingUp_)
-      return Screen::draw(i18n("Looking at the folders below {path}…", {{"path", printable(root_)}}) + "\n");
+      return LiveScreen::draw(i18n("Looking at the folders below {path}…", {{"path", printable(root_)}}) +
+                              "\n");
     if (isSettingUp_ || (isHeld_ && screen_ && !isStale_)) return true;
     if (screen_)
-      return Screen::draw(topPage(view, wording) + "\n" + i18n("q quit   s sort   space hold") + "\n");
+      return LiveScreen::draw(topPage(view, wording) + "\n" + i18n("q quit   s sort   space hold") + "\n");
     if (json_) return print(topJson(view, date_));
     const std::string lines = topLines(view, date_, wording);
     return lines.empty() || print(lines);
@@ -142,7 +143,7 @@ class Top {
   std::string root_;
   bool json_;
   GrowthReader reader_;
-  std::optional<Screen> screen_;
+  std::optional<LiveScreen> screen_;
   Date date_;
   TopOrder order_ = TopOrder::minute;
   bool isSettingUp_ = true;

@@ -16,9 +16,9 @@ namespace {
 using icu::number::LocalizedNumberFormatter;
 
 // From 1,000 bytes on. Below, "bytes" is a noun with a plural.
-constexpr std::array<const char*, 5> units{i18nMark("{number} KB"), i18nMark("{number} MB"),
-                                           i18nMark("{number} GB"), i18nMark("{number} TB"),
-                                           i18nMark("{number} PB")};
+constexpr std::array<const char*, 5> unitTexts{i18nMark("{number} KB"), i18nMark("{number} MB"),
+                                               i18nMark("{number} GB"), i18nMark("{number} TB"),
+                                               i18nMark("{number} PB")};
 
 // Creating a formatter costs far more than using it, and a program shows its numbers in one locale or two:
 // cache the formatters.
@@ -47,7 +47,7 @@ std::string ByteFormat::string(Bytes bytes, const std::string& locale) {
   auto value = static_cast<double>(bytes);
   std::size_t unit = 0;
   // 999.5 rounds to 1,000, which is shown in the next unit.
-  while (std::abs(value) >= 999.5 && unit < units.size()) {
+  while (std::abs(value) >= 999.5 && unit < unitTexts.size()) {
     value /= 1'000;
     ++unit;
   }
@@ -60,7 +60,7 @@ std::string ByteFormat::string(Bytes bytes, const std::string& locale) {
       .toString(status)
       .toUTF8String(number);
   if (U_FAILURE(status) || number.empty()) number = std::to_string(static_cast<std::int64_t>(value));
-  if (unit > 0) return i18n(units.at(unit - 1), {{"number", number}});
+  if (unit > 0) return i18n(unitTexts.at(unit - 1), {{"number", number}});
   return i18np("{number} bytes", "{number} bytes", bytes, {{"number", number}});
 }
 

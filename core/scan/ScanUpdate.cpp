@@ -27,7 +27,7 @@ bool isAmbiguous(std::string_view name) {
   return name.contains("\ufffd") || !isValidUtf8(name);
 }
 
-bool isGone(int error) {
+bool isGoneOrElsewhere(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
 }
 
@@ -256,7 +256,7 @@ class Update {
       return std::move(result->root);
     }
     cancelled_ = listing.error() == 0;
-    if (!cancelled_ && !isGone(listing.error())) {
+    if (!cancelled_ && !isGoneOrElsewhere(listing.error())) {
       const bool isFailure = listing.error() != EACCES && listing.error() != EPERM;
       take({.folders = 1, .hasFailures = isFailure, .paths = {std::move(path)}});
     }
