@@ -23,7 +23,7 @@ QString leftToRight(QString path) {
   return path.isRightToLeft() ? path.prepend(mark) : path;
 }
 
-std::string folderOf(const std::string& path) {
+std::string folderAbove(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
@@ -292,7 +292,7 @@ void ItemRows::copyPath(int rowId) const {
 void ItemRows::showInFolders(int rowId) const {
   const ListItem* item = find(rowId);
   if (item == nullptr || item->path.empty()) return;
-  host_.model.setFolderPath(item->isDirectory ? item->path : folderOf(item->path));
+  host_.model.setFolderPath(item->isDirectory ? item->path : folderAbove(item->path));
   host_.model.setTab(Tab::folders);
 }
 
