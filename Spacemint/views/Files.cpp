@@ -149,7 +149,7 @@ std::string Files::subtitleOf(const std::string& path, const std::optional<Date>
 QStringList Files::kinds() const {
   QStringList titles;
   for (const KindTotal& total : host_.model.findings().kinds)
-    titles << ShownText::plain(rowOf(total.kind).title);
+    titles << ShownText::plain(i18n(rowOf(total.kind).title));
   return titles;
 }
 
