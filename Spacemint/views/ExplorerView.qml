@@ -23,7 +23,8 @@ FocusScope {
     Rectangle {
         id: card
 
-        x: 20
+        anchors.left: parent.left
+        anchors.leftMargin: 20
         y: 14
         width: root.listWidth
         height: root.height - 14 - 14
@@ -82,13 +83,13 @@ FocusScope {
     MouseArea {
         property real grabbedAt: 0
 
-        x: card.x + card.width
+        anchors.left: card.right
         y: card.y
         width: 16
         height: card.height
         cursorShape: Qt.SplitHCursor
         onPressed: mouse => grabbedAt = mouse.x
-        onPositionChanged: mouse => root.explorer.listWidth = Math.max(Theme.scaled(264), Math.min(root.listWidth + mouse.x - grabbedAt, Theme.scaled(480)))
+        onPositionChanged: mouse => root.explorer.listWidth = Math.max(Theme.scaled(264), Math.min(root.listWidth + (LayoutMirroring.enabled ? grabbedAt - mouse.x : mouse.x - grabbedAt), Theme.scaled(480)))
     }
     Item {
         id: pane

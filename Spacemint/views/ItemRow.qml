@@ -236,6 +236,7 @@ FocusScope {
                     Label {
                         id: nameLabel
 
+                        anchors.left: parent.left
                         width: root.tag ? Math.min(implicitWidth, parent.room) : parent.room
                         text: root.title
                         // A title that is not the name of a file is a sentence, which is shown in full.
