@@ -174,7 +174,7 @@ void Explorer::turnRow(int index, bool isUnfolded) {
   if (item->isUnfolded && *item->isUnfolded != isUnfolded) {
     toggle(std::string{item->id});
   } else if (!isUnfolded && item->depth > 0) {
-    select(item->path.substr(0, item->path.rfind('/')));
+    select(FolderText::above(std::string{item->path}));
   } else if (isUnfolded && item->isUnfolded) {
     selectRow(index + 1);
   }
@@ -290,7 +290,7 @@ std::vector<ListItem> Explorer::foundItems() {
     const auto tile = tileOfPath(path);
     ListItem item = itemOf(*node, tile ? tile->change : nullptr, path, 0);
     item.fraction.reset();
-    item.subtitle = Paths::display(path.substr(0, std::max<std::size_t>(1, path.rfind('/'))), host_.home);
+    item.subtitle = Paths::display(FolderText::above(path), host_.home);
     items.push_back(std::move(item));
   }
   return items;

@@ -26,11 +26,6 @@ constexpr std::array ageChoices{
     AgeChoice{"6m", i18nMark("Unchanged for six months")}, AgeChoice{"1y", i18nMark("Unchanged for a year")},
     AgeChoice{"2y", i18nMark("Unchanged for two years")}};
 
-std::string folderOf(const std::string& path) {
-  const std::string above = path.substr(0, path.size() - Paths::lastComponent(path).size());
-  return std::string{Paths::withoutTrailingSlash(above)};
-}
-
 }  // namespace
 
 struct Files::Found {
@@ -135,7 +130,7 @@ ListItem Files::itemOf(const std::string& path, Bytes size, const std::optional<
 
 // The age and the folder, and what a removal frees if that is less than the size.
 std::string Files::subtitleOf(const std::string& path, const std::optional<Date>& modified) const {
-  std::string text = Paths::display(folderOf(path), host_.home);
+  std::string text = Paths::display(FolderText::above(path), host_.home);
   const Date now = host_.desktop.clock.now();
   // A date to come says nothing about the age.
   if (modified && *modified <= now) {

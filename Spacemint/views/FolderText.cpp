@@ -20,6 +20,11 @@ std::string FolderText::title(std::string_view path, std::string_view root, std:
   return canonicallyEqual(path, home) ? i18n("Home folder") : i18n("Entire disk");
 }
 
+std::string FolderText::above(const std::string& path) {
+  const std::size_t slash = Paths::withoutTrailingSlash(path).rfind('/');
+  return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
 std::string FolderText::smallItems(bool hasChildren, const std::string& locale) {
   return hasChildren ? i18n("Other small items")
                      : i18n("Only small items, each under {size}", {{"size", minimum(locale)}});

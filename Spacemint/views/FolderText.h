@@ -13,6 +13,9 @@ namespace FolderText {
 /// The name of a folder in a scan of `root`: "Home folder", "Entire disk", or its last component.
 std::string title(std::string_view path, std::string_view root, std::string_view home);
 
+/// The path of the folder that holds the item at `path`; "/" for an item at the top.
+std::string above(const std::string& path);
+
 /// The title of the row for what is too small to be listed by itself.
 std::string smallItems(bool hasChildren, const std::string& locale);
 

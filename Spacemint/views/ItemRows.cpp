@@ -1,5 +1,6 @@
 #include "Spacemint/views/ItemRows.h"
 
+#include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
@@ -21,11 +22,6 @@ namespace {
 QString leftToRight(QString path) {
   constexpr QChar mark{0x200E};
   return path.isRightToLeft() ? path.prepend(mark) : path;
-}
-
-std::string folderAbove(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
 bool looksLike(const ListItem& one, const ListItem& other) {
@@ -292,7 +288,7 @@ void ItemRows::copyPath(int rowId) const {
 void ItemRows::showInFolders(int rowId) const {
   const ListItem* item = find(rowId);
   if (item == nullptr || item->path.empty()) return;
-  host_.model.setFolderPath(item->isDirectory ? item->path : folderAbove(item->path));
+  host_.model.setFolderPath(item->isDirectory ? item->path : FolderText::above(item->path));
   host_.model.setTab(Tab::folders);
 }
 

@@ -125,7 +125,7 @@ void Overview::updateGrowing() {
   const GrowthNow& growing = host_.model.growing();
   std::vector<ListItem> items;
   for (const GrowthLine& line : growing.lines() | std::views::take(growingShown)) {
-    const std::string place = Paths::display(line.path.substr(0, line.path.rfind('/')), host_.home);
+    const std::string place = Paths::display(FolderText::above(line.path), host_.home);
     items.push_back({.id = line.path,
                      .path = line.path,
                      .size = line.figures.minute,
