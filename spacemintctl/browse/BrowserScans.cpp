@@ -12,6 +12,7 @@
 #include "spacemintctl/browse/Browser.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 namespace spacemint::ctl {
 
@@ -79,6 +80,28 @@ KnownFolders knownFolders(const Node* folder, const std::string& path) {
   return known;
 }
 
+// A folder of a new scan. What is too small for a scan stays as it was listed until it is listed again.
+Node withSmallItems(const Node& scanned, const Node& listed, Bytes minSize) {
+  std::unordered_set<std::string_view> names;
+  for (const Node& child : scanned.children) names.insert(child.name);
+  Node folder{.name = scanned.name,
+              .size = scanned.size,
+              .isDirectory = true,
+              .children = listed.children,
+              .fileCount = scanned.fileCount};
+  std::erase_if(folder.children, [&](const Node& child) {
+    return isStored(child.size, child.fileCount, minSize) || names.contains(child.name);
+  });
+  for (const Node& child : scanned.children)
+    folder.children.push_back({.name = child.name,
+                               .size = child.size,
+                               .isDirectory = child.isDirectory,
+                               .modified = child.modified,
+                               .fileCount = child.fileCount,
+                               .isWorktree = child.isWorktree});
+  return folder;
+}
+
 }  // namespace
 
 void Browser::startScan() {
@@ -123,9 +146,11 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
   }
   hasScan_ = true;
   isStored_ = !isPartial_;
-  // The rows of small items stay until they are measured again.
   const BrowseTree::Folder shown = tree_.folder(folder_);
-  soFar_ = shown.isComplete ? std::optional{*shown.node} : std::nullopt;
+  const Node* scanned = scan->nodeAt(folder_);
+  soFar_.reset();
+  if (shown.isComplete && scanned != nullptr)
+    soFar_ = withSmallItems(*scanned, *shown.node, scan->minNodeSize);
   tree_.setScan(std::move(*scan));
   if (!touchedMeanwhile_.empty()) {
     worker_.run([this, paths = std::exchange(touchedMeanwhile_, {}), minSize = tree_.scan().minNodeSize,

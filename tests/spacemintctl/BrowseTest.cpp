@@ -260,8 +260,12 @@ TEST_F(BrowseTest, goesTheWholeWay) {
   terminal.wait("Moved “film.mkv” to the Trash");
   EXPECT_TRUE(std::filesystem::exists(program.home() / ".local/share/Trash/files/film.mkv"));
   terminal.resize(60, 16);
-  EXPECT_THAT(terminal.waitUntil([](const std::string& now) { return std::ranges::count(now, '\n') == 16; }),
-              AllOf(HasSubstr("vm/"), ContainsRegex("gone +−2 MB film.mkv")));
+  const testing::Matcher<const std::string&> allOfIt = AllOf(
+      ContainsRegex("^ ~ "), HasSubstr("vm/"), ContainsRegex("gone +−2 MB film.mkv"), HasSubstr("Moved"));
+  EXPECT_THAT(terminal.waitUntil([&](const std::string& now) {
+    return std::ranges::count(now, '\n') == 16 && allOfIt.Matches(now);
+  }),
+              allOfIt);
   terminal.press("q");
   terminal.wait("exit 0");
   EXPECT_TRUE(terminal.isGivenBack());
