@@ -6,6 +6,7 @@
 #include "core/scan/NameList.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
@@ -35,6 +36,9 @@ constexpr std::size_t shareOfHandles = 4;
 // How soon the walk takes a folder that is ready while helpers have further work.
 constexpr std::chrono::milliseconds longestWait{50};
 
+// How many batches of a folder a helper reads. The walk lists the rest of a huge folder itself.
+constexpr std::size_t mostBatches = 2;
+
 // One processor is busy with the walk and the locks when there are many.
 constexpr unsigned mostProcessors = 8;
 
@@ -42,31 +46,53 @@ bool isOutOfHandles(int error) {
   return error == EMFILE || error == ENFILE;
 }
 
-// A copy of a batch that does not refer to the listing buffer any more.
+// A copy of a batch that does not refer to the listing buffer any more. Small copies keep their memory for
+// the next batch.
 class KeptEntries {
  public:
-  explicit KeptEntries(std::span<const Entry> entries = {}) : entries_(entries.begin(), entries.end()) {
+  void assign(std::span<const Entry> entries) {
+    entries_.assign(entries.begin(), entries.end());
     std::size_t length = 0;
     for (const Entry& entry : entries_) length += entry.name.size() + 1;
-    names_ = std::make_unique_for_overwrite<char[]>(length);
-    char* at = names_.get();
+    names_.resize(length);
+    char* at = names_.data();
     for (Entry& entry : entries_) {
       entry.name.copy(at, entry.name.size());
       at[entry.name.size()] = '\0';
       entry.name = {at, entry.name.size()};
       at += entry.name.size() + 1;
     }
-    bytes_ = entries_.size() * sizeof(Entry) + length;
   }
 
+  void clear() {
+    if (bytes() > mostKeptBytes) return static_cast<void>(*this = {});
+    entries_.clear();
+    names_.clear();
+  }
+
+  bool empty() const { return entries_.empty(); }
   std::span<const Entry> entries() const { return entries_; }
-  std::size_t bytes() const { return bytes_; }
+  std::size_t bytes() const { return entries_.size() * sizeof(Entry) + names_.size(); }
 
  private:
+  static constexpr std::size_t mostKeptBytes = 8'192;
+
   std::vector<Entry> entries_;
-  std::unique_ptr<char[]> names_;
-  std::size_t bytes_ = 0;
+  std::vector<char> names_;
 };
+
+// A mutex that is held for less time than it takes to sleep and to be woken.
+std::unique_lock<std::mutex> lockSoon(std::mutex& mutex) {
+  std::unique_lock lock{mutex, std::try_to_lock};
+  for (int tries = 0; !lock && tries < 200; ++tries) {
+#if defined(__x86_64__)
+    __builtin_ia32_pause();
+#endif
+    if (lock.try_lock()) break;
+  }
+  if (!lock) lock.lock();
+  return lock;
+}
 
 }  // namespace
 
@@ -78,21 +104,32 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
     listed,    // listed to the end: helpers may list the subfolders
   };
 
-  explicit Record(std::string folderName) : name(std::move(folderName)) {}
-
   void take(std::unique_ptr<OpenFolder> opened) {
     folder = std::move(opened);
     facts = folder->facts();
   }
 
-  const std::string name;
+  // As new, for another folder.
+  void reset() {
+    folder.reset();
+    facts = {};
+    openError = listingError = 0;
+    for (KeptEntries& batch : batches) batch.clear();
+    state = State::inHelper;
+    abandoned = false;
+    pending = {};
+    ahead.clear();
+    place.reset();
+  }
+
+  std::string name;
 
   // Written by the thread that lists the folder; other threads read these members only afterwards.
   std::unique_ptr<OpenFolder> folder;
   OpenFolder::Facts facts;  // also after the handle was closed
   int openError = 0;
   int listingError = 0;
-  std::vector<KeptEntries> batches;
+  std::array<KeptEntries, mostBatches> batches;  // those without entries do not exist
 
   // Guarded by `Crew::mutex_`.
   State state = State::inHelper;
@@ -129,7 +166,7 @@ class ReadAheadListing::Crew {
   Crew& operator=(const Crew&) = delete;
 
   std::shared_ptr<Record> beginWith(std::unique_ptr<OpenFolder> root) {
-    auto record = std::make_shared<Record>("");
+    auto record = std::make_shared<Record>();
     record->take(std::move(root));
     record->state = Record::State::inWalk;
     const std::lock_guard lock(mutex_);
@@ -143,7 +180,7 @@ class ReadAheadListing::Crew {
   // walk's order.
   std::shared_ptr<Record> take(Record& parent, const std::string& name) {
     const bool isWanted = isWanted_();
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock = lockSoon(mutex_);
     if (std::exchange(mayWork_, isWanted) != isWanted) wakeHelper();
     if (parent.ahead.empty()) {
       if (parent.pending.empty() || parent.pending.last() != name) return nullptr;
@@ -155,7 +192,9 @@ class ReadAheadListing::Crew {
     std::shared_ptr<Record> record = std::move(parent.ahead.front());
     parent.ahead.pop_front();
     awaited_ = record.get();
-    while (record->state == Record::State::inHelper) ready_.wait_for(lock, longestWait);
+    while (record->state == Record::State::inHelper) {
+      if (!listNext(lock, buffer_)) ready_.wait_for(lock, longestWait);
+    }
     awaited_ = nullptr;
     noLongerAhead(*record);
     visited_.push_back(record.get());
@@ -196,52 +235,68 @@ class ReadAheadListing::Crew {
 
   // Called when the walk has listed a folder to the end.
   void finish(Record& record) {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = lockSoon(mutex_);
     record.state = Record::State::listed;
     announce(record);
   }
 
   // Called when the walk closes a folder. Drops everything that helpers listed below the folder.
-  void leave(Record& record) {
-    const std::lock_guard lock(mutex_);
-    std::erase(visited_, &record);
-    forget(record);
+  void leave(std::shared_ptr<Record> record) {
+    const std::unique_lock lock = lockSoon(mutex_);
+    std::erase(visited_, record.get());
+    forget(*record);
+    if (record.use_count() > 1 || spare_.size() >= mostFoldersAhead) return;
+    record->reset();
+    spare_.push_back(std::move(record));
   }
 
  private:
   void help() {
     ListingBuffer buffer;
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock = lockSoon(mutex_);
     while (!stopping_) {
-      const std::shared_ptr<Record> parent = mayBegin() ? firstWithPending() : nullptr;
-      if (!parent || ahead_ >= foldersAhead_ / 2) wakeWalk();
-      if (!parent) {
-        ++idle_;
-        work_.wait(lock);
-        --idle_;
-        continue;
+      if (helping_ < mostHelpers()) {
+        ++helping_;
+        const bool hasListed = listNext(lock, buffer);
+        --helping_;
+        if (!hasListed || ahead_ >= foldersAhead_ / 2) wakeWalk();
+        if (hasListed) continue;
       }
-      const std::shared_ptr<Record> record = begin(*parent, Record::State::inHelper);
-      parent->ahead.push_back(record);
-      ++ahead_;
-      ++working_;
-      wakeHelper();
-      lock.unlock();
-      NameList subfolders;
-      ReadAheadDepth::Listed listed;
-      const bool toItsEnd = openAndList(*parent, *record, buffer, subfolders, listed);
-      lock.lock();
-      --working_;
-      depth_.note(listed);
-      deliver(*record, toItsEnd, std::move(subfolders));
-      if (foldersAhead_ == 0) ready_.notify_one();
+      ++idle_;
+      work_.wait(lock);
+      --idle_;
     }
   }
 
-  // Whether one more helper may begin a folder.
+  // Lists the folder that the walk needs next and that nobody has begun, without the lock meanwhile. False if
+  // there is none, or if enough are being listed.
+  bool listNext(std::unique_lock<std::mutex>& lock, ListingBuffer& buffer) {
+    const std::shared_ptr<Record> parent = mayBegin() ? firstWithPending() : nullptr;
+    if (!parent) return false;
+    const std::shared_ptr<Record> record = begin(*parent, Record::State::inHelper);
+    parent->ahead.push_back(record);
+    ++ahead_;
+    ++working_;
+    wakeHelper();
+    lock.unlock();
+    NameList subfolders;
+    ReadAheadDepth::Listed listed;
+    const bool toItsEnd = openAndList(*parent, *record, buffer, subfolders, listed);
+    lock = lockSoon(mutex_);
+    --working_;
+    depth_.note(listed);
+    deliver(*record, toItsEnd, std::move(subfolders));
+    if (foldersAhead_ == 0) ready_.notify_one();
+    return true;
+  }
+
+  // Whether one more folder may be begun.
   bool mayBegin() const {
     return mayWork_ && working_ < depth_.now() && ahead_ < foldersAhead_ && bytes_ < bytesAhead;
   }
+
+  // The walk lists folders, too, rather than wait.
+  std::size_t mostHelpers() const { return std::max(depth_.now(), 2U) - 1; }
 
   std::shared_ptr<Record> firstWithPending() const {
     const auto first = std::ranges::find(line_, Record::State::listed, &Record::state);
@@ -249,10 +304,10 @@ class ReadAheadListing::Crew {
   }
 
   void wakeHelper() {
-    if (!mayBegin() || !firstWithPending()) return;
+    if (helping_ >= mostHelpers() || !mayBegin() || !firstWithPending()) return;
     if (idle_ > 0) {
       work_.notify_one();
-    } else if (threads_.size() < mostThreads_ && threads_.size() < depth_.now()) {
+    } else if (threads_.size() < mostThreads_ && threads_.size() < mostHelpers()) {
       startThread();
     }
   }
@@ -276,7 +331,8 @@ class ReadAheadListing::Crew {
   // Takes the next pending subfolder of `parent` and puts its record into the line, before the parent and
   // behind the parent's subfolders that were begun earlier. This is the walk's order.
   std::shared_ptr<Record> begin(Record& parent, Record::State state) {
-    auto record = std::make_shared<Record>(std::string{parent.pending.last()});
+    std::shared_ptr<Record> record = newRecord();
+    record->name = parent.pending.last();
     parent.pending.popLast();
     record->state = state;
     record->place = line_.insert(*parent.place, record.get());
@@ -284,8 +340,16 @@ class ReadAheadListing::Crew {
     return record;
   }
 
-  // Called without the lock. Reads at most two batches, so that the walk lists the rest of a huge folder
-  // itself; returns true if the listing is complete.
+  // Most come from `spare_`: new ones would be freed by another thread than they came from, and these would
+  // wait for each other in the allocator.
+  std::shared_ptr<Record> newRecord() {
+    if (spare_.empty()) return std::make_shared<Record>();
+    std::shared_ptr<Record> record = std::move(spare_.back());
+    spare_.pop_back();
+    return record;
+  }
+
+  // Called without the lock. Returns true if the listing is complete.
   bool openAndList(const Record& parent, Record& record, ListingBuffer& buffer, NameList& subfolders,
                    ReadAheadDepth::Listed& listed) const {
     const auto start = std::chrono::steady_clock::now();
@@ -304,7 +368,7 @@ class ReadAheadListing::Crew {
       return true;
     }
     record.take(std::move(*opened));
-    for (int batches = 0; batches < 2; ++batches) {
+    for (KeptEntries& kept : record.batches) {
       const Batch batch = record.folder->nextBatch(buffer);
       if (batch.entries.empty()) {
         record.listingError = batch.error;
@@ -313,12 +377,12 @@ class ReadAheadListing::Crew {
         return true;
       }
       collectSubfolders(batch.entries, subfolders);
-      record.batches.emplace_back(batch.entries);
+      kept.assign(batch.entries);
     }
     return false;
   }
 
-  static bool hasFolder(const std::vector<KeptEntries>& batches) {
+  static bool hasFolder(std::span<const KeptEntries> batches) {
     const auto isFolder = [](const Entry& entry) { return entry.type == EntryType::folder; };
     return std::ranges::any_of(
         batches, [&](const KeptEntries& batch) { return std::ranges::any_of(batch.entries(), isFolder); });
@@ -382,12 +446,15 @@ class ReadAheadListing::Crew {
   std::list<Record*> line_;
   std::vector<Record*> visited_;  // the walk's open folders, from the root down
   const Record* awaited_ = nullptr;
+  std::vector<std::shared_ptr<Record>> spare_;  // records that nobody uses
+  ListingBuffer buffer_;                        // of the walk
   bool mayWork_ = false;
   std::size_t foldersAhead_;
   ReadAheadDepth depth_;
   std::size_t ahead_ = 0;    // records begun by helpers and not yet taken by the walk
   std::size_t bytes_ = 0;    // the memory of their entries
-  std::size_t working_ = 0;  // helpers that open or list a folder now
+  std::size_t working_ = 0;  // threads that open or list a folder ahead of the walk now
+  std::size_t helping_ = 0;  // the helpers among them
   int idle_ = 0;
   bool stopping_ = false;
   std::size_t mostThreads_ = ReadAheadDepth::highest;
@@ -431,7 +498,7 @@ class ReadAheadListing::Folder final : public OpenFolder {
         device_(device),
         atEnd_(record_->state == Record::State::listed) {}
 
-  ~Folder() override { crew_->leave(*record_); }
+  ~Folder() override { crew_->leave(std::move(record_)); }
 
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
@@ -440,9 +507,10 @@ class ReadAheadListing::Folder final : public OpenFolder {
   Facts facts() const override { return record_->facts; }
 
   Batch nextBatch(ListingBuffer& buffer) override {
-    if (served_ < record_->batches.size()) return {.entries = record_->batches[served_++].entries()};
-    record_->batches.clear();
-    served_ = 0;
+    if (served_ < mostBatches && !record_->batches[served_].empty())
+      return {.entries = record_->batches[served_++].entries()};
+    for (KeptEntries& batch : record_->batches) batch.clear();
+    served_ = mostBatches;
     if (atEnd_) return {.error = std::exchange(record_->listingError, 0)};
     const Batch batch = record_->folder->nextBatch(buffer);
     crew_->note(*record_, batch.entries);
@@ -466,11 +534,11 @@ class ReadAheadListing::Folder final : public OpenFolder {
         record->openError = opened.error();
       }
     }
-    if (record->openError != 0) {
-      crew_->leave(*record);
+    if (const int error = record->openError; error != 0) {
+      crew_->leave(std::move(record));
       // The helper found no free file handle; the walk tries again.
-      if (isOutOfHandles(record->openError)) return LoneFolder::openIn(*record_->folder, name, crew_);
-      return std::unexpected(record->openError);
+      if (isOutOfHandles(error)) return LoneFolder::openIn(*record_->folder, name, crew_);
+      return std::unexpected(error);
     }
     return std::make_unique<Folder>(crew_, std::move(record), device_);
   }

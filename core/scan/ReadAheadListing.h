@@ -9,6 +9,7 @@
 namespace spacemint {
 
 /// A folder listing whose helper threads list subfolders before the walk that uses the listing opens them.
+/// The walk's thread lists folders ahead, too, where it would wait for a helper.
 ///
 /// The walk gets the same entries as from `inner`, in the same order. Reading ahead helps a walk that opens
 /// every subfolder on the root's volume, in reverse listing order; other walks work too, but are not faster.
