@@ -1,11 +1,11 @@
 #include "spacemintctl/TransferCommands.h"
 
-#include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
-#include "core/history/NcduFormat.h"
+#include "core/history/ScanFile.h"
 #include "core/history/SnapshotCodec.h"
 #include "core/host/AtomicFile.h"
 #include "core/host/UserFolders.h"
+#include "core/wording/ImportText.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/StoredScan.h"
@@ -20,8 +20,6 @@ namespace spacemint::ctl {
 
 namespace {
 
-constexpr std::size_t largestImport = 4'000'000'000;
-
 std::string hostName() {
   std::string name(256, '\0');
   if (gethostname(name.data(), name.size()) != 0) return "";
@@ -29,32 +27,26 @@ std::string hostName() {
   return name;
 }
 
-std::expected<std::string, Error> textFrom(const std::string& file) {
-  if (file != "-") return readFile(file, largestImport);
+std::expected<std::string, Error> standardInput() {
   std::string text;
   std::array<char, 65'536> part{};
   while (std::cin.read(part.data(), part.size()) || std::cin.gcount() > 0) {
     text.append(part.data(), static_cast<std::size_t>(std::cin.gcount()));
-    if (text.size() > largestImport) return std::unexpected(systemError(i18n("standard input"), EFBIG));
+    if (text.size() > ScanFile::largest) return std::unexpected(systemError(i18n("standard input"), EFBIG));
   }
   return text;
 }
 
 std::string heading(const NcduFormat::Imported& imported, const std::string& locale) {
   const Snapshot& scan = imported.snapshot;
-  const std::string host = imported.host.empty() ? i18n("another computer") : printable(imported.host);
+  const std::string host = printable(ImportText::computer(imported));
   return i18n(scan.date > Date{}
                   ? i18nMark("Scan of {computer}, {date}. It is only shown: nothing is stored, and "
                              "nothing can be cleaned here.")
                   : i18nMark("Scan of {computer}. It is only shown: nothing is stored, and nothing can "
                              "be cleaned here."),
               {{"computer", host}, {"date", localTime(scan.date)}}) +
-         '\n' +
-         i18np("{path}: {size} in {count} file", "{path}: {size} in {count} files", scan.fileCount,
-               {{"path", printable(scan.rootPath())},
-                {"size", ByteFormat::string(scan.root.size, locale)},
-                {"count", groupedNumber(scan.fileCount, locale)}}) +
-         '\n';
+         '\n' + printable(ImportText::contents(scan, locale)) + '\n';
 }
 
 }  // namespace
@@ -64,8 +56,9 @@ std::string exported(const Snapshot& snapshot) {
 }
 
 std::expected<NcduFormat::Imported, Error> importedFrom(const std::string& file) {
-  const auto text = textFrom(file);
-  return text ? NcduFormat::decode(*text) : std::unexpected(text.error());
+  if (file != "-") return ScanFile::read(file);
+  const auto text = standardInput();
+  return text ? ScanFile::decode(*text) : std::unexpected(text.error());
 }
 
 bool exportScan(const Snapshot& snapshot, const std::string& file) {
@@ -85,8 +78,7 @@ int runExport(const ExportOptions& options) {
 int runImport(const ImportOptions& options) {
   const auto imported = importedFrom(options.file);
   if (!imported) {
-    complain(i18n("{file}: {problem}",
-                  {{"file", printable(options.file)}, {"problem", printable(imported.error().message)}}));
+    complain(printable(ImportText::failure(options.file, imported.error())));
     return failed;
   }
   if (options.json) {

@@ -2,6 +2,7 @@
 
 #include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
+#include "core/wording/ImportText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Interrupt.h"
 #include "spacemintctl/ScanCommand.h"
@@ -27,10 +28,11 @@ using Setup = std::expected<BrowserSetup, Error>;
 Setup importedSetup(const std::string& file) {
   auto imported = importedFrom(file);
   if (!imported) return std::unexpected(std::move(imported).error());
-  BrowserSetup setup{.root = imported->snapshot.rootPath(),
-                     .folder = imported->snapshot.rootPath(),
-                     .importedFrom = imported->host.empty() ? i18n("another computer") : imported->host,
-                     .whyReadOnly = i18n("This scan was imported: nothing can be removed here.")};
+  BrowserSetup setup{
+      .root = imported->snapshot.rootPath(),
+      .folder = imported->snapshot.rootPath(),
+      .importedFrom = ImportText::title(*imported, file == "-" ? "" : file, currentTime(), userLocale()),
+      .whyReadOnly = i18n("This scan was imported: nothing can be removed here.")};
   setup.scan = std::move(imported->snapshot);
   return setup;
 }

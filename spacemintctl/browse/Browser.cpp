@@ -158,7 +158,7 @@ std::string Browser::statusText() const {
   if (!hasScan_) {
     add(i18n("Scanning: {progress}", {{"progress", progress}}));
   } else if (!mayMeasure()) {
-    add(i18n("Scan of {host}, {age}", {{"host", setup_.importedFrom}, {"age", age}}));
+    add(setup_.importedFrom);
   } else if (isScanning()) {
     add(i18n("Scanned {age}, being brought up to date: {progress}", {{"age", age}, {"progress", progress}}));
   } else {

@@ -29,8 +29,7 @@ struct BrowserSetup {
   std::string folder;
   /// A stored or imported scan of `root`; without one, `root` is scanned.
   std::optional<Snapshot> scan = {};
-  /// Where the scan comes from, if it was imported: it is of another computer or another time. Nothing is
-  /// measured then.
+  /// What the scan is, if it was imported: of another computer or another time. Nothing is measured then.
   std::string importedFrom = {};
   /// Why nothing may be removed, as a sentence; empty if it may.
   std::string whyReadOnly = {};

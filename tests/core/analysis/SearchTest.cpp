@@ -3,6 +3,8 @@
 #include "core/analysis/Search.h"
 
 #include "core/history/NcduFormat.h"
+#include "core/history/ScanFile.h"
+#include "core/history/SnapshotCodec.h"
 #include "core/scan/DiskScanner.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
@@ -158,6 +160,8 @@ TEST(NcduFormat, readsBackWhatItWrote) {
     EXPECT_EQ(back->snapshot.root, scan.root) << seed;
     EXPECT_EQ(back->host, "host");
     EXPECT_EQ(back->snapshot.date, scan.date);
+    EXPECT_EQ(ScanFile::decode(" " + NcduFormat::encode(scan, "host", "1"))->host, "host");
+    EXPECT_EQ(ScanFile::decode(SnapshotCodec::encode(scan).value())->snapshot, scan);
   }
   Node deep = folder("d", {});
   for (std::size_t i = 2; i < Node::maximumDepth; ++i) {
