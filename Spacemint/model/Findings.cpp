@@ -29,12 +29,21 @@ std::vector<Suggestion> suggestionsBeside(const std::optional<Suggestions::Trash
 }
 
 void compare(const Findings::Question& question, Findings& findings) {
-  if (!question.baselineEntry) return;
-  const auto baseline = question.store.load(*question.baselineEntry);
+  if (question.baselines.empty()) return;
+  findings.baselineEntry = question.baselines.front();
+  auto baseline = question.store.load(*findings.baselineEntry);
+  const auto isComparable = [&] {
+    return baseline && baseline->coverage.excludes == question.snapshot.coverage.excludes;
+  };
   findings.baselineUnavailable = !baseline;
-  if (!baseline) return;
-  findings.baselineLeftOutOthers = baseline->coverage.excludes != question.snapshot.coverage.excludes;
-  if (findings.baselineLeftOutOthers) return;
+  for (std::size_t i = 1; i < question.baselines.size() && baseline && !isComparable(); ++i) {
+    auto other = question.store.load(question.baselines[i]);
+    if (!other || other->coverage.excludes != question.snapshot.coverage.excludes) continue;
+    findings.baselineEntry = question.baselines[i];
+    baseline = std::move(other);
+  }
+  findings.baselineLeftOutOthers = baseline && !isComparable();
+  if (!isComparable()) return;
   const Changes::GrowthArguments arguments{.from = *baseline,
                                            .to = question.snapshot,
                                            .minimum = Findings::growthMinimum,
@@ -82,10 +91,10 @@ void CurrentFindings::recompute() {
   const SharedSnapshot snapshot = history_.snapshot();
   if (!snapshot) return assign({});
   const auto baselineEntry = history_.baselineEntry();
-  const auto analyse = [snapshot, baselineEntry, store = history_.store(), home = context_.home,
-                        environment = context_.environment] {
+  const auto analyse = [snapshot, baselines = history_.possibleBaselines(), store = history_.store(),
+                        home = context_.home, environment = context_.environment] {
     return Findings::in({.snapshot = *snapshot,
-                         .baselineEntry = baselineEntry,
+                         .baselines = baselines,
                          .store = store,
                          .home = home,
                          .environment = environment});
@@ -93,6 +102,7 @@ void CurrentFindings::recompute() {
   const auto take = [this, revision = history_.revision(), baselineEntry](Findings findings) {
     // Another computation runs for the newer scan or baseline.
     if (history_.revision() != revision || history_.baselineEntry() != baselineEntry) return;
+    history_.settleBaseline(findings.baselineEntry);
     assign(std::move(findings));
   };
   tasks_.run(Tasks::Priority::utility, this, analyse, take);

@@ -45,6 +45,8 @@ struct Findings {
   std::optional<SpaceChange> spaceChange = {};
   /// All that changed since the baseline; null when there is nothing to compare with.
   std::shared_ptr<const ChangeTree> changes = {};
+  /// The one of `Question::baselines` that the scan was compared with; the first if with none.
+  std::optional<SnapshotStore::Entry> baselineEntry = {};
   /// The baseline could not be read.
   bool baselineUnavailable = false;
   /// The baseline was made with other excludes, so nothing is compared.
@@ -60,13 +62,14 @@ struct Findings {
 
   struct Question {
     const Snapshot& snapshot;
-    std::optional<SnapshotStore::Entry> baselineEntry = {};
+    /// The scan is compared with the first that left out the same files.
+    std::vector<SnapshotStore::Entry> baselines = {};
     SnapshotStore store;
     std::string home;
     Environment environment = {};
   };
 
-  /// Analyses the scan. Reads the baseline from the history, and files of the disk. Any thread.
+  /// Analyses the scan. Reads the baselines from the history, and files of the disk. Any thread.
   static Findings in(const Question& question);
 };
 

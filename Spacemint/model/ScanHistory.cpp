@@ -7,6 +7,7 @@
 #include "core/scan/Excludes.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace spacemint {
 
@@ -71,7 +72,10 @@ void ScanHistory::replace(Snapshot snapshot, std::vector<Entry> entries) {
   setEntries(std::move(entries));
   const auto earlier = entries_.empty() ? entries_.begin() : entries_.begin() + 1;
   const bool isKept = baselineEntry_ && std::find(earlier, entries_.end(), *baselineEntry_) != entries_.end();
-  if (!isKept) assignBaseline(defaultBaseline(entries_));
+  if (!isKept) {
+    isBaselineChosen_ = false;
+    assignBaseline(defaultBaseline(entries_));
+  }
   Q_EMIT changed();
 }
 
@@ -112,7 +116,17 @@ void ScanHistory::remeasure(Remeasuring request, std::function<void()> then) {
 }
 
 void ScanHistory::setBaselineEntry(std::optional<Entry> entry) {
+  isBaselineChosen_ = true;
   if (assignBaseline(std::move(entry))) Q_EMIT changed();
+}
+
+std::vector<ScanHistory::Entry> ScanHistory::possibleBaselines() const {
+  if (!baselineEntry_) return {};
+  std::vector<Entry> possible{*baselineEntry_};
+  if (isBaselineChosen_) return possible;
+  std::ranges::copy_if(baselineCandidates(entries_), std::back_inserter(possible),
+                       [this](const Entry& entry) { return entry != *baselineEntry_; });
+  return possible;
 }
 
 void ScanHistory::setSnapshot(Snapshot snapshot) {

@@ -67,7 +67,13 @@ class ScanHistory : public QObject {
   void remeasure(
       Remeasuring request, std::function<void()> then = [] {});
 
+  /// The user chose an earlier scan to compare with.
   void setBaselineEntry(std::optional<Entry> entry);
+  /// The scans that may be the baseline, the best first: the one that the user chose, or else the one of
+  /// until now and then those of `baselineCandidates`.
+  std::vector<Entry> possibleBaselines() const;
+  /// The first of `possibleBaselines` that the current scan can be compared with.
+  void settleBaseline(std::optional<Entry> entry) { assignBaseline(std::move(entry)); }
 
  Q_SIGNALS:
   void snapshotChanged();
@@ -96,6 +102,7 @@ class ScanHistory : public QObject {
   SharedSnapshot snapshot_;
   std::vector<Entry> entries_;
   std::optional<Entry> baselineEntry_;
+  bool isBaselineChosen_ = false;
   std::optional<Date> updatedAt_;
   std::int64_t revision_ = 0;
   bool isLoaded_ = false;

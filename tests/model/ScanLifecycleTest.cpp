@@ -72,6 +72,21 @@ TEST_F(ScanLifecycleTest, leavesOutWhatTheSettingsSay) {
   EXPECT_THAT(model->findings().shrinkage, IsEmpty());
 }
 
+TEST_F(ScanLifecycleTest, comparesWithTheNearestScanThatLeftOutTheSame) {
+  const Coverage others{.excludes = {"films"}};
+  storeHome(morning - 75h, {file("old", 300 * MB)}, 120 * GB, others);
+  storeHome(morning - 26h, {file("old", 300 * MB), file("films", GB)});
+  storeHome(morning - 1h, {file("old", 300 * MB), file("new", 200 * MB)}, 120 * GB, others);
+  startModel();
+  const auto entries = model->history().entries();
+  EXPECT_EQ(model->history().baselineEntry(), entries.at(2));
+  EXPECT_THAT(model->findings().growth, SizeIs(1));
+  model->history().setBaselineEntry(entries.at(1));
+  desktop.settle();
+  EXPECT_EQ(model->history().baselineEntry(), entries.at(1)) << "the user chose it";
+  EXPECT_TRUE(model->findings().baselineLeftOutOthers);
+}
+
 TEST_F(ScanLifecycleTest, beginningScansWhatMayBeSeen) {
   for (const bool access : {true, false}) {
     hasAccess = access;
