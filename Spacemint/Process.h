@@ -35,8 +35,8 @@ void complain(const std::string& message);
 /// Why the program was started.
 struct Launch {
   LaunchAction action = LaunchAction::open;
-  /// The absolute path of a folder to show; empty for none.
-  std::string folder = {};
+  /// The absolute path of a folder, or of a file with a scan, to show; empty for none.
+  std::string path = {};
   /// The desktop started the program with the session, so no window opens.
   bool isLogin = false;
 };

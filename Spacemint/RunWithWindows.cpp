@@ -116,7 +116,7 @@ int runWithWindows(char* program, Launch launch) {
   QGuiApplication::setQuitOnLastWindowClosed(false);
   RunningInstance instance{QDBusConnection::sessionBus(), RunningInstance::Kind::windows};
   if (!instance.become()) {
-    if (!launch.isLogin) instance.askOther(launch.action, launch.folder);
+    if (!launch.isLogin) instance.askOther(launch.action, launch.path);
     return EXIT_SUCCESS;
   }
   const Termination termination{[] { QCoreApplication::quit(); }};
@@ -133,9 +133,9 @@ int runWithWindows(char* program, Launch launch) {
                       .hasLayerShell = placesOnWayland,
                       .quit = [] { QCoreApplication::quit(); }});
   QObject::connect(&instance, &RunningInstance::asked, application.get(), &Application::perform);
-  QObject::connect(&instance, &RunningInstance::askedFor, application.get(), &Application::showFolder);
+  QObject::connect(&instance, &RunningInstance::askedFor, application.get(), &Application::open);
   application->start();
-  if (!launch.folder.empty()) application->showFolder(launch.folder);
+  if (!launch.path.empty()) application->open(launch.path);
   if (launch.action != LaunchAction::open) application->perform(launch.action);
   const int code = QCoreApplication::exec();
   application.reset();

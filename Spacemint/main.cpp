@@ -50,9 +50,12 @@ constexpr std::array options{
     Option{"--settings", "settings", i18nMark("Show the settings.")}};
 
 void printHelp() {
-  const std::string head = i18n("Usage: {command} [options]", {{"command", "spacemint"}});
-  std::printf("%s\n%s\n\n%s\n", head.c_str(), i18n("Watches the free space and shows what uses it.").c_str(),
-              i18n("Options:").c_str());
+  const std::string head = i18n("Usage: {command} [options] [FOLDER|FILE]", {{"command", "spacemint"}});
+  std::printf("%s\n%s\n", head.c_str(), i18n("Watches the free space and shows what uses it.").c_str());
+  std::printf("\n  %-13s  %s\n", "FOLDER", i18n("Show what is in this folder.").c_str());
+  std::printf("  %-13s  %s\n", "FILE",
+              i18n("Show a scan that was exported, also on another computer").c_str());
+  std::printf("\n%s\n", i18n("Options:").c_str());
   for (const Option& option : options) {
     std::printf("  %-13s  %s\n", option.spelling, i18n(option.help).c_str());
   }
@@ -83,14 +86,14 @@ int run(int argc, char** argv) {
   if (isSet("scan")) action = LaunchAction::scan;
   if (isSet("settings")) action = LaunchAction::settings;
   // File managers pass a URL or a path.
-  const QStringList folders = parser.positionalArguments();
-  const QUrl folder = folders.isEmpty() ? QUrl{} : QUrl::fromUserInput(folders.front(), QDir::currentPath());
-  if (!folders.isEmpty() && !QFileInfo{folder.toLocalFile()}.isDir()) {
-    complain(i18n("{path}: not a folder of this computer", {{"path", folders.front().toStdString()}}));
+  const QStringList places = parser.positionalArguments();
+  const QUrl place = places.isEmpty() ? QUrl{} : QUrl::fromUserInput(places.front(), QDir::currentPath());
+  if (!places.isEmpty() && !QFileInfo::exists(place.toLocalFile())) {
+    complain(i18n("{path}: no file or folder of this computer", {{"path", places.front().toStdString()}}));
     return EXIT_FAILURE;
   }
-  const std::string path = folders.isEmpty() ? "" : QDir::cleanPath(folder.toLocalFile()).toStdString();
-  return runWithWindows(argv[0], {.action = action, .folder = path, .isLogin = isSet("login")});
+  const std::string path = places.isEmpty() ? "" : QDir::cleanPath(place.toLocalFile()).toStdString();
+  return runWithWindows(argv[0], {.action = action, .path = path, .isLogin = isSet("login")});
 }
 
 }  // namespace

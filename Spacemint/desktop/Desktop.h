@@ -76,6 +76,7 @@ class Opener {
  public:
   /// Pages of the system's settings.
   enum class SettingsPage { fullDiskAccess, notifications };
+  using Chosen = std::function<void(const std::string& path)>;
 
   Opener() = default;
   Opener(const Opener&) = delete;
@@ -86,6 +87,11 @@ class Opener {
   /// program opened it; `failed` may be empty.
   virtual void openUrl(const std::string& url, std::function<void()> failed) = 0;
   virtual void openSettings(SettingsPage page) = 0;
+
+  /// Opens the desktop's dialog for choosing a file. Calls `chosen`, later, with the file that the user
+  /// chose; `failed` where there is no such dialog; neither if the user chooses none, or when another dialog
+  /// is opened.
+  virtual void chooseFile(const std::string& title, Chosen chosen, std::function<void()> failed) = 0;
 
   /// Shows the item in the file manager, selected. Failures are ignored.
   virtual void reveal(const std::string& path) = 0;

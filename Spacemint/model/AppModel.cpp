@@ -5,6 +5,8 @@
 #include "core/base/Translation.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace spacemint {
 
@@ -30,6 +32,8 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
       freeSpace_(FreeSpaceRecord::ofVolume(context_.state, context_.disk)),
       history_(context_.store, desktop.tasks, desktop.clock, messages_),
       findings_(history_, desktop.tasks, context_),
+      shown_({.history = history_, .findings = findings_, .messages = messages_}, desktop.tasks,
+             desktop.clock, context_.locale),
       account_(history_, desktop.tasks, desktop.clock, context_),
       scans_({.history = history_, .messages = messages_, .preferences = prefs_, .volume = volume_}, context_,
              desktop),
@@ -66,6 +70,12 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
     warnIfDue();
   });
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
+  connect(&shown_, &ShownScan::sourceChanged, this, [this] {
+    cleanups_.dismiss();
+    setFolderPath(std::nullopt);
+    if (!shown_.isOfHere()) setTab(Tab::folders);
+    setShowingSettings(false);
+  });
   connect(&history_, &ScanHistory::changed, this, [this] {
     const SharedSnapshot& scan = history_.snapshot();
     if (folderToOpen_ && scan && scan->components(*folderToOpen_)) openFolder(std::string{*folderToOpen_});
@@ -177,11 +187,18 @@ Seconds AppModel::scanInterval() const {
   return std::chrono::hours{1} * static_cast<double>(prefs_.scanIntervalHours());
 }
 
+std::span<const Tab> AppModel::tabs() const {
+  static constexpr std::array ofAnyScan{Tab::folders, Tab::files};
+  return shown_.isOfHere() ? std::span<const Tab>{allTabs} : std::span<const Tab>{ofAnyScan};
+}
+
 void AppModel::setTab(Tab tab) {
+  if (std::ranges::find(tabs(), tab) == tabs().end()) shown_.close();
   if (std::exchange(tab_, tab) != tab) Q_EMIT tabChanged();
 }
 
 void AppModel::followWarning() {
+  shown_.close();
   const std::string& folder = warnings_.namedFolder();
   const SharedSnapshot& scan = history_.snapshot();
   const bool isInScan = !folder.empty() && scan && scan->nodeAt(folder) != nullptr;
@@ -195,7 +212,13 @@ void AppModel::setFolderPath(std::optional<std::string> path) {
   Q_EMIT folderPathChanged();
 }
 
+void AppModel::open(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::is_directory(path, ignored) ? openFolder(path) : shown_.open(path);
+}
+
 void AppModel::openFolder(const std::string& path) {
+  shown_.close();
   folderToOpen_ = path;
   const SharedSnapshot& scan = history_.snapshot();
   if (!history_.isLoaded() || !scan)

@@ -7,6 +7,7 @@
 #include "Spacemint/model/GrowthNow.h"
 #include "Spacemint/model/QuickLook.h"
 #include "Spacemint/model/ScanLifecycle.h"
+#include "Spacemint/model/ShownScan.h"
 #include "Spacemint/model/SpaceWarnings.h"
 #include "core/history/FreeSpaceRecord.h"
 
@@ -15,6 +16,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <span>
 
 namespace spacemint {
 
@@ -48,6 +50,8 @@ class AppModel : public QObject {
   const ScanHistory& history() const { return history_; }
   const CurrentFindings& currentFindings() const { return findings_; }
   const Findings& findings() const { return findings_.findings(); }
+  ShownScan& shown() { return shown_; }
+  const ShownScan& shown() const { return shown_; }
   CurrentAccount& account() { return account_; }
   ScanLifecycle& scans() { return scans_; }
   GrowthNow& growing() { return growing_; }
@@ -57,6 +61,8 @@ class AppModel : public QObject {
 
   bool hasFullDiskAccess() const { return hasFullDiskAccess_; }
   Tab tab() const { return tab_; }
+  /// The tabs of the scan that is shown: all, or those that need nothing of this computer.
+  std::span<const Tab> tabs() const;
   const std::optional<std::string>& folderPath() const { return folderPath_; }
   /// What the tab of files looks for (`parseSearch`); empty for the largest files.
   const std::string& fileSearch() const { return fileSearch_; }
@@ -77,6 +83,7 @@ class AppModel : public QObject {
 
   /// The first start.
   void begin();
+  /// Shows the scan of this computer again if the one that is shown has no such tab.
   void setTab(Tab tab);
   /// Shows what the last warning was about: the folder that it named if the scan has it, or else the
   /// overview.
@@ -85,6 +92,8 @@ class AppModel : public QObject {
   /// Shows a folder in the tab of folders. Measures it first if it is not in the scan, and says so if the
   /// scan is of another folder. Waits for the stored scan.
   void openFolder(const std::string& path);
+  /// Shows the scan in a file (`ScanFile`), or a folder as `openFolder` does.
+  void open(const std::string& path);
   void setFileSearch(std::string words);
   void setShowingSettings(bool isShowing);
   /// Leaves an item out of this scan and of all later ones. The message offers to take that back.
@@ -121,6 +130,7 @@ class AppModel : public QObject {
   std::optional<std::chrono::sys_time<std::chrono::hours>> recordedHour_;
   ScanHistory history_;
   CurrentFindings findings_;
+  ShownScan shown_;
   CurrentAccount account_;
   ScanLifecycle scans_;
   GrowthNow growing_;

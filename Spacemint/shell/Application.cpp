@@ -151,7 +151,7 @@ void Application::followStatusArea() {
 // The explanation needs a page that shows messages: neither the welcome nor the settings do.
 void Application::observePage() {
   const auto explain = [this] { explainWindow(); };
-  connect(&host_.model.history(), &ScanHistory::snapshotChanged, this, explain);
+  connect(&host_.model.shown(), &ShownScan::snapshotChanged, this, explain);
   connect(&host_.model.scans(), &ScanLifecycle::progressChanged, this, explain);
   connect(&host_.model, &AppModel::showingSettingsChanged, this, explain);
 }
@@ -160,7 +160,7 @@ void Application::observePage() {
 void Application::explainWindow() {
   if (presence_ != AppPresence::menuBar || !hasNoStatusArea()) return;
   if (!interface_ || !interface_->isWindowShown() || host_.model.showingSettings()) return;
-  if (!host_.model.history().snapshot() && !host_.model.scans().isScanning()) return;
+  if (!host_.model.shown().snapshot() && !host_.model.scans().isScanning()) return;
   if (host_.model.messages().message() || host_.defaults.boolean(explainedWindowKey) == true) return;
   host_.model.messages().show(
       host_.desktop.statusItem.opensMenuOnClick()
@@ -231,7 +231,8 @@ Commands Application::makeCommands() {
     if (interface_ && interface_->isWindowShown()) interface_->window().showMinimized();
   };
   return {
-      {{.title = i18n("Open Spacemint"), .key = {}, .run = [this] { showUI(); }}},
+      {{.title = i18n("Open Spacemint"), .key = {}, .run = [this] { showUI(); }},
+       {.title = i18n("Open a Scan…"), .key = Qt::CTRL | Qt::Key_O, .run = [this] { chooseScan(); }}},
       {{.title = i18n("About Spacemint"), .key = QKeyCombination{Qt::Key_F1}, .run = [this] { showAbout(); }},
        {.title = i18n("Settings…"), .key = Qt::CTRL | Qt::Key_Comma, .run = [this] { openSettings(); }}},
       serviceCommands(),
@@ -327,9 +328,20 @@ void Application::perform(LaunchAction action) {
   showUI();
 }
 
-void Application::showFolder(const std::string& path) {
-  host_.model.openFolder(path);
+void Application::open(const std::string& path) {
+  host_.model.open(path);
   showUI();
+}
+
+// Without a dialog there is still the pointer.
+void Application::chooseScan() {
+  const auto missing = [this] {
+    host_.model.messages().show(
+        i18n("This desktop has no dialog for choosing a file. Drop the file onto this window instead."));
+    bringForward();
+  };
+  host_.desktop.opener.chooseFile(
+      i18n("Open a Scan"), [this](const std::string& path) { open(path); }, missing);
 }
 
 void Application::showAbout() {
@@ -408,6 +420,8 @@ void Application::releaseLater() {
   if (!interface_ || interface_->isShown()) return;
   host_.desktop.clock.after(releaseAfter, this, [this, hiding] {
     if (hiding != hidings_) return;
+    // Who comes back later expects this computer.
+    host_.model.shown().close();
     interface_.reset();
     giveBackFreedMemory();
   });

@@ -50,8 +50,8 @@ class Application : public QObject {
   void togglePanel();
   void openSettings();
   void perform(LaunchAction action);
-  /// Shows a folder, by its absolute path, in the list of folders.
-  void showFolder(const std::string& path);
+  /// Shows a folder in the list of folders, or the scan in a file. Takes an absolute path.
+  void open(const std::string& path);
   void showAbout();
   /// Closes the topmost of question and settings. Calls `closing` if neither is open.
   void handleEscape(const std::function<void()>& closing = {});
@@ -67,6 +67,7 @@ class Application : public QObject {
   void applyPresence();
   void showInMenuBar(bool isSwitch);
   void showInDock(bool isSwitch);
+  void chooseScan();
   void observePreferences();
   void observePage();
   void followStatusArea();

@@ -23,8 +23,8 @@ constexpr std::size_t hitsShown = 200;
 Explorer::Explorer(const UiHost& host) : host_(host), rows_(host) {
   AppModel& model = host_.model;
   connect(&model, &AppModel::folderPathChanged, this, &Explorer::update);
-  connect(&model.history(), &ScanHistory::snapshotChanged, this, &Explorer::update);
-  connect(&model.currentFindings(), &CurrentFindings::updated, this, &Explorer::update);
+  connect(&model.shown(), &ShownScan::snapshotChanged, this, &Explorer::update);
+  connect(&model.shown(), &ShownScan::findingsChanged, this, &Explorer::update);
   connect(&model.account(), &CurrentAccount::changed, this, &Explorer::changed);
   update();
 }
@@ -47,7 +47,7 @@ void Explorer::update() {
 QString Explorer::titleOf(const std::string& path) const {
   if (!folder_.snapshot) return {};
   return ShownText::onOneLine(
-      ShownText::plain(FolderText::title(path, folder_.snapshot->rootPath(), host_.home)));
+      ShownText::plain(FolderText::title(path, folder_.snapshot->rootPath(), host_.homeInScan())));
 }
 
 QStringList Explorer::crumbs() const {
@@ -86,6 +86,7 @@ void Explorer::setColouring(Colouring colouring) {
 }
 
 QString Explorer::legend() const {
+  if (!host_.model.shown().isOfHere()) return {};
   const auto& baseline = host_.model.history().baselineEntry();
   if (!canCompare() || !baseline) return ShownText::plain(PictureText::nothingCame());
   return ShownText::sentence(
@@ -118,7 +119,8 @@ QString Explorer::spoken(const Tile& tile) const {
 
 std::optional<VolumeParts> Explorer::volumeParts() const {
   const auto& account = host_.model.account().account();
-  if (folder_.parent || !account || !account->scanned.isWhole) return std::nullopt;
+  if (!host_.model.shown().isOfHere() || folder_.parent || !account || !account->scanned.isWhole)
+    return std::nullopt;
   return VolumeParts{.files = account->scanned.files,
                      .notInFiles = std::max<Bytes>(0, account->notInFiles()),
                      .free = account->space.free};
@@ -278,7 +280,8 @@ void Explorer::addRows(const PicturedFolder& folder, const std::string& path, in
   if (const Bytes rest = folder.node->unlistedSize(); rest > 0) {
     items.push_back({.id = path + "/",
                      .size = rest,
-                     .title = FolderText::smallItems(!folder.node->children.empty(), host_.locale),
+                     .title = FolderText::smallItems(!folder.node->children.empty(),
+                                                     folder_.snapshot->minNodeSize, host_.locale),
                      .symbol = "doc",
                      .depth = depth});
   }
@@ -290,7 +293,7 @@ std::vector<ListItem> Explorer::foundItems() {
     const auto tile = tileOfPath(path);
     ListItem item = itemOf(*node, tile ? tile->change : nullptr, path, 0);
     item.fraction.reset();
-    item.subtitle = Paths::display(FolderText::above(path), host_.home);
+    item.subtitle = Paths::display(FolderText::above(path), host_.homeInScan());
     items.push_back(std::move(item));
   }
   return items;
@@ -303,7 +306,8 @@ void Explorer::updateRows() {
     if (isSearching_) {
       items = foundItems();
       if (items.empty())
-        text = PictureText::nothingFound(query_.toStdString(), folder_.snapshot->minNodeSize, host_.locale);
+        text = PictureText::nothingFound(query_.toStdString(), FolderText::smallest(*folder_.snapshot),
+                                         host_.locale);
     } else {
       addRows(folder_.pictured(), folder_.path, 0, items);
       if (items.empty()) text = i18n("Nothing is in here.");

@@ -40,7 +40,9 @@ struct Files::Found {
 };
 
 Files::Files(const UiHost& host) : host_(host), largest_(host) {
-  connect(&host_.model.currentFindings(), &CurrentFindings::updated, this, [this] {
+  // No row of one computer stays for the other one, not until its search is done.
+  connect(&host_.model.shown(), &ShownScan::sourceChanged, this, [this] { largest_.assign({}); });
+  connect(&host_.model.shown(), &ShownScan::findingsChanged, this, [this] {
     update();
     Q_EMIT kindsChanged();
   });
@@ -53,7 +55,7 @@ Files::Files(const UiHost& host) : host_(host), largest_(host) {
 }
 
 QString Files::title() const {
-  return ShownText::plain(host_.model.fileSearch().empty() ? i18n("Largest files") : i18n("Found"));
+  return ShownText::plain(showsFound_ ? i18n("Found") : i18n("Largest files"));
 }
 
 QString Files::words() const {
@@ -78,18 +80,25 @@ void Files::update() {
   Q_EMIT changed();
 }
 
+Bytes Files::minimum() const {
+  const SharedSnapshot& snapshot = host_.model.shown().snapshot();
+  return snapshot ? FolderText::smallest(*snapshot) : ScanLifecycle::minNodeSize;
+}
+
 void Files::showLargest() {
+  showsFound_ = false;
   std::vector<ListItem> items;
-  for (const FileItem& file : host_.model.findings().largestFiles) {
+  for (const FileItem& file : host_.model.shown().findings().largestFiles) {
     items.push_back(itemOf(file.path, file.size, file.modified));
   }
-  const bool hasNone = items.empty() && host_.model.currentFindings().isReady();
-  largest_.assign(std::move(items), {.text = hasNone ? FolderText::noLargeFiles(host_.locale) : ""});
+  const bool hasNone = items.empty() && host_.model.shown().hasFindings();
+  largest_.assign(std::move(items),
+                  {.text = hasNone ? FolderText::noLargeFiles(minimum(), host_.locale) : ""});
 }
 
 // The rows of the last search stay until the new ones are there.
 void Files::startSearch() {
-  const SharedSnapshot snapshot = host_.model.history().snapshot();
+  const SharedSnapshot snapshot = host_.model.shown().snapshot();
   if (!snapshot) return;
   const auto look = [snapshot, query = *query_, now = host_.desktop.clock.now()] {
     Found found;
@@ -107,6 +116,7 @@ void Files::startSearch() {
 }
 
 void Files::show(Found found) {
+  showsFound_ = true;
   std::vector<ListItem> items;
   for (const Found::Item& each : found.items) {
     items.push_back(itemOf(each.path, each.size, each.modified));
@@ -120,7 +130,8 @@ void Files::show(Found found) {
           ? i18n("{count} found, the largest {shown} are shown",
                  {{"count", number}, {"shown", groupedNumber(std::ssize(items), host_.locale)}})
           : i18np("1 found", "{count} found", count, {{"count", number}}));
-  largest_.assign(std::move(items), {.text = count == 0 ? FolderText::nothingFound(host_.locale) : ""});
+  largest_.assign(std::move(items),
+                  {.text = count == 0 ? FolderText::nothingFound(minimum(), host_.locale) : ""});
   Q_EMIT changed();
 }
 
@@ -130,27 +141,27 @@ ListItem Files::itemOf(const std::string& path, Bytes size, const std::optional<
 
 // The age and the folder, and what a removal frees if that is less than the size.
 std::string Files::subtitleOf(const std::string& path, const std::optional<Date>& modified) const {
-  std::string text = Paths::display(FolderText::above(path), host_.home);
+  std::string text = Paths::display(FolderText::above(path), host_.homeInScan());
   const Date now = host_.desktop.clock.now();
   // A date to come says nothing about the age.
   if (modified && *modified <= now) {
     text = RelativeTime::string(*modified, now, ShownText::wordsLocale) + " · " + text;
   }
-  const auto& freed = host_.model.findings().freesAtMost;
+  const auto& freed = host_.model.shown().findings().freesAtMost;
   const auto found = freed.find(path);
   return found == freed.end() ? text : FindingText::freesAtMost(found->second, host_.locale) + " · " + text;
 }
 
 QStringList Files::kinds() const {
   QStringList titles;
-  for (const KindTotal& total : host_.model.findings().kinds)
+  for (const KindTotal& total : host_.model.shown().findings().kinds)
     titles << ShownText::plain(i18n(rowOf(total.kind).title));
   return titles;
 }
 
 QStringList Files::kindSizes() const {
   QStringList sizes;
-  for (const KindTotal& total : host_.model.findings().kinds) {
+  for (const KindTotal& total : host_.model.shown().findings().kinds) {
     sizes << ShownText::plain(ByteFormat::string(total.size, host_.locale));
   }
   return sizes;
@@ -158,8 +169,8 @@ QStringList Files::kindSizes() const {
 
 QList<double> Files::kindShares() const {
   QList<double> shares;
-  const SharedSnapshot& snapshot = host_.model.history().snapshot();
-  for (const KindTotal& total : host_.model.findings().kinds) {
+  const SharedSnapshot& snapshot = host_.model.shown().snapshot();
+  for (const KindTotal& total : host_.model.shown().findings().kinds) {
     shares << ShownText::share(total.size, snapshot ? snapshot->root.size : 0);
   }
   return shares;
@@ -167,13 +178,13 @@ QList<double> Files::kindShares() const {
 
 int Files::kind() const {
   if (!query_ || !query_->kind) return -1;
-  const auto& all = host_.model.findings().kinds;
+  const auto& all = host_.model.shown().findings().kinds;
   const auto found = std::ranges::find(all, *query_->kind, &KindTotal::kind);
   return found != all.end() ? static_cast<int>(found - all.begin()) : -1;
 }
 
 void Files::chooseKind(int index) {
-  const auto& all = host_.model.findings().kinds;
+  const auto& all = host_.model.shown().findings().kinds;
   if (index < 0 || index >= static_cast<int>(all.size())) return;
   const std::string_view word = rowOf(all[static_cast<std::size_t>(index)].kind).word;
   setCondition("type:", index == kind() ? "" : word);

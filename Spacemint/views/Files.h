@@ -15,7 +15,8 @@ class Files : public QObject {
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(spacemint::ItemRows* largest READ largest CONSTANT)
-  Q_PROPERTY(QString title READ title NOTIFY wordsChanged)
+  /// What the rows are.
+  Q_PROPERTY(QString title READ title NOTIFY changed)
   /// The words of the search.
   Q_PROPERTY(QString words READ words WRITE setWords NOTIFY wordsChanged)
   /// How much the search found, or why it is not understood.
@@ -64,12 +65,16 @@ class Files : public QObject {
   void startSearch();
   void show(Found found);
   std::optional<std::size_t> offeredAge() const;
+  /// The size of the smallest files in the scan.
+  Bytes minimum() const;
   ListItem itemOf(const std::string& path, Bytes size, const std::optional<Date>& modified) const;
   std::string subtitleOf(const std::string& path, const std::optional<Date>& modified) const;
   void setCondition(std::string_view condition, std::string_view value);
 
   const UiHost& host_;
   ItemRows largest_;
+  /// Whether the rows are what a search found.
+  bool showsFound_ = false;
   std::expected<SearchQuery, Error> query_;
   QString status_;
   /// Counts the searches, so that a late answer does not replace a newer one.

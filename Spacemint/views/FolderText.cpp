@@ -1,22 +1,16 @@
 #include "Spacemint/views/FolderText.h"
 
-#include "Spacemint/model/ScanLifecycle.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 
+#include <algorithm>
+
 namespace spacemint {
-
-namespace {
-
-std::string minimum(const std::string& locale) {
-  return ByteFormat::string(ScanLifecycle::minNodeSize, locale);
-}
-
-}  // namespace
 
 std::string FolderText::title(std::string_view path, std::string_view root, std::string_view home) {
   if (path != root && path != Paths::dataVolume) return Paths::lastComponent(path);
+  if (home.empty() && path != "/") return std::string{path};
   return canonicallyEqual(path, home) ? i18n("Home folder") : i18n("Entire disk");
 }
 
@@ -25,17 +19,24 @@ std::string FolderText::above(const std::string& path) {
   return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
-std::string FolderText::smallItems(bool hasChildren, const std::string& locale) {
-  return hasChildren ? i18n("Other small items")
-                     : i18n("Only small items, each under {size}", {{"size", minimum(locale)}});
+Bytes FolderText::smallest(const Snapshot& scan) {
+  return std::max<Bytes>(1, scan.minNodeSize);
 }
 
-std::string FolderText::nothingFound(const std::string& locale) {
-  return i18n("Nothing found. The scan has files and folders from {size} on.", {{"size", minimum(locale)}});
+// Without a minimum, these are the blocks of the folder itself.
+std::string FolderText::smallItems(bool hasChildren, Bytes minimum, const std::string& locale) {
+  return hasChildren || minimum == 0
+             ? i18n("Other small items")
+             : i18n("Only small items, each under {size}", {{"size", ByteFormat::string(minimum, locale)}});
 }
 
-std::string FolderText::noLargeFiles(const std::string& locale) {
-  return i18n("No files over {size}.", {{"size", minimum(locale)}});
+std::string FolderText::nothingFound(Bytes minimum, const std::string& locale) {
+  return i18n("Nothing found. The scan has files and folders from {size} on.",
+              {{"size", ByteFormat::string(minimum, locale)}});
+}
+
+std::string FolderText::noLargeFiles(Bytes minimum, const std::string& locale) {
+  return i18n("No files over {size}.", {{"size", ByteFormat::string(minimum, locale)}});
 }
 
 }  // namespace spacemint

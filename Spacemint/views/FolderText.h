@@ -10,20 +10,24 @@ namespace spacemint {
 /// The names of folders and the texts about small items, for several tabs.
 namespace FolderText {
 
-/// The name of a folder in a scan of `root`: "Home folder", "Entire disk", or its last component.
+/// The name of a folder in a scan of `root`: "Home folder", "Entire disk", or its last component; the path of
+/// `root` itself in a scan of another computer, whose home is not known (empty).
 std::string title(std::string_view path, std::string_view root, std::string_view home);
 
 /// The path of the folder that holds the item at `path`; "/" for an item at the top.
 std::string above(const std::string& path);
 
-/// The title of the row for what is too small to be listed by itself.
-std::string smallItems(bool hasChildren, const std::string& locale);
+/// The size in bytes from which on items have a node, at least 1.
+Bytes smallest(const Snapshot& scan);
+
+/// The title of the row for what is too small to be listed by itself, below `minimum`.
+std::string smallItems(bool hasChildren, Bytes minimum, const std::string& locale);
 
 /// "No files over 20 MB."
-std::string noLargeFiles(const std::string& locale);
+std::string noLargeFiles(Bytes minimum, const std::string& locale);
 
 /// In place of the results of a search.
-std::string nothingFound(const std::string& locale);
+std::string nothingFound(Bytes minimum, const std::string& locale);
 
 }  // namespace FolderText
 

@@ -34,11 +34,12 @@ std::vector<ListItem> itemsOf(const ShownFolder& folder, const UiHost& host) {
                      .canTrash = true});
   }
   if (const Bytes rest = folder.node->unlistedSize(); rest > 0) {
-    items.push_back({.id = "",
-                     .size = rest,
-                     .title = FolderText::smallItems(!items.empty(), host.locale),
-                     .symbol = "doc",
-                     .fraction = ShownText::share(rest, folder.node->size)});
+    items.push_back(
+        {.id = "",
+         .size = rest,
+         .title = FolderText::smallItems(!items.empty(), folder.snapshot->minNodeSize, host.locale),
+         .symbol = "doc",
+         .fraction = ShownText::share(rest, folder.node->size)});
   }
   return items;
 }
@@ -75,7 +76,7 @@ std::vector<ListItem> leftOutItems(const ShownFolder& folder, const UiHost& host
     if (folderAt(host.model, item.path).path != folder.path) continue;
     items.push_back(
         {.id = "left out " + item.path,
-         .title = Paths::display(item.path, host.home),
+         .title = Paths::display(item.path, host.homeInScan()),
          .subtitle = i18n(
              "{item}, not scanned",
              {{"item", FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale)}}),
@@ -109,8 +110,8 @@ int rowTowards(const std::string& below, const ShownFolder& folder) {
 
 Folders::Folders(const UiHost& host) : host_(host), content_(host) {
   connect(&host_.model, &AppModel::folderPathChanged, this, &Folders::update);
-  connect(&host_.model.history(), &ScanHistory::snapshotChanged, this, &Folders::update);
-  connect(&host_.model.currentFindings(), &CurrentFindings::updated, this, &Folders::update);
+  connect(&host_.model.shown(), &ShownScan::snapshotChanged, this, &Folders::update);
+  connect(&host_.model.shown(), &ShownScan::findingsChanged, this, &Folders::update);
   update();
 }
 
@@ -119,7 +120,7 @@ void Folders::update() {
   const SharedSnapshot& snapshot = folder.snapshot;
   if (!snapshot) return content_.assign({});
   const auto titleOf = [&](const std::string& path) {
-    return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.home));
+    return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.homeInScan()));
   };
   auto items = itemsOf(folder, host_);
   if (order_ == Order::byCount) showCounts(items, folder, host_.locale);

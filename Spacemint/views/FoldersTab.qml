@@ -66,6 +66,7 @@ Item {
                 onActivated: index => root.folders.order = index
             }
             IconButton {
+                visible: root.folders.content.isOfHere
                 symbol: "magnifyingglass"
                 help: ItemText.showInFileManager
                 onClicked: root.folders.reveal()

@@ -17,6 +17,7 @@ Item {
         anchors.right: parent.right
 
         IconButton {
+            visible: root.row.rows.isOfHere
             symbol: "magnifyingglass"
             help: ItemText.showInFileManager
             onClicked: root.row.rows.reveal(root.row.rowId)

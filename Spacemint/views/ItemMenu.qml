@@ -12,6 +12,8 @@ MenuPopup {
     property bool isInTrash: false
 
     MenuEntry {
+        visible: root.rows?.isOfHere ?? false
+        height: visible ? implicitHeight : 0
         text: ItemText.showInFileManager
         symbol: "magnifyingglass"
         onTriggered: root.rows.reveal(root.rowId)
@@ -27,6 +29,8 @@ MenuPopup {
         onTriggered: root.rows.copyPath(root.rowId)
     }
     MenuEntry {
+        visible: root.rows?.isOfHere ?? false
+        height: visible ? implicitHeight : 0
         text: ItemText.leaveOut
         symbol: "app.dashed"
         onTriggered: root.rows.leaveOut(root.rowId)

@@ -68,6 +68,7 @@ ItemRows::ItemRows(const UiHost& host, QObject* parent) : QAbstractListModel(par
   // A view gets nested ItemRows through PartsRole; without this the JS engine would delete them.
   QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
   connect(&host_.model.cleanups(), &Cleanups::runningChanged, this, &ItemRows::announceBusy);
+  connect(&host_.model.shown(), &ShownScan::sourceChanged, this, &ItemRows::announceSource);
 }
 
 ItemRows::~ItemRows() = default;
@@ -276,7 +277,8 @@ int ItemRows::rowIdAt(int index) const {
 }
 
 void ItemRows::reveal(int rowId) const {
-  if (const ListItem* item = find(rowId)) host_.desktop.opener.reveal(Paths::logical(item->path));
+  const ListItem* item = find(rowId);
+  if (item != nullptr && isOfHere()) host_.desktop.opener.reveal(Paths::logical(item->path));
 }
 
 void ItemRows::copyPath(int rowId) const {
@@ -305,7 +307,7 @@ QString ItemRows::markedText() const {
 void ItemRows::setMarked(std::set<int> rowIds) {
   std::set<int> possible;
   for (const Entry& entry : entries_) {
-    if (entry.item.canTrash && rowIds.contains(entry.id)) possible.insert(entry.id);
+    if (isOfHere() && entry.item.canTrash && rowIds.contains(entry.id)) possible.insert(entry.id);
   }
   const bool isNew = possible != std::exchange(marked_, possible);
   if (isNew && !entries_.empty()) Q_EMIT dataChanged(index(0), index(count() - 1), {IsMarkedRole});
@@ -372,7 +374,7 @@ void ItemRows::remove(int rowId) const {
 
 void ItemRows::leaveOut(int rowId) const {
   const ListItem* item = find(rowId);
-  if (item == nullptr || item->path.empty()) return;
+  if (item == nullptr || item->path.empty() || !isOfHere()) return;
   const std::string path = item->path;  // a copy: the list changes
   host_.model.leaveOut(path);
 }
@@ -393,6 +395,12 @@ void ItemRows::toggle(int rowId) const {
 
 void ItemRows::announceBusy() {
   if (!entries_.empty()) Q_EMIT dataChanged(index(0), index(count() - 1), {IsBusyRole});
+}
+
+void ItemRows::announceSource() {
+  unmarkAll();
+  if (!entries_.empty()) Q_EMIT dataChanged(index(0), index(count() - 1), {CanTrashRole});
+  Q_EMIT statusChanged();
 }
 
 }  // namespace spacemint

@@ -35,6 +35,8 @@ class ItemRows : public QAbstractListModel {
   Q_PROPERTY(QString text READ text NOTIFY statusChanged)
   Q_PROPERTY(bool isWaiting READ isWaiting NOTIFY statusChanged)
   Q_PROPERTY(bool isShown READ isShown NOTIFY statusChanged)
+  /// Whether the items are on this computer. Others have no actions that need them.
+  Q_PROPERTY(bool isOfHere READ isOfHere NOTIFY statusChanged)
   /// The rows that the user marked, to do something with all of them.
   Q_PROPERTY(int markedCount READ markedCount NOTIFY markedChanged)
   /// "3 selected · 1.2 GB"
@@ -75,6 +77,7 @@ class ItemRows : public QAbstractListModel {
   const QString& text() const { return text_; }
   bool isWaiting() const { return isWaiting_; }
   bool isShown() const { return isShown_; }
+  bool isOfHere() const { return host_.model.shown().isOfHere(); }
   int markedCount() const { return static_cast<int>(marked_.size()); }
   QString markedText() const;
 
@@ -143,6 +146,7 @@ class ItemRows : public QAbstractListModel {
   void setStatus(const ListStatus& status);
   QVariant text(const ListItem& item, int role) const;
   void announceBusy();
+  void announceSource();
 
   const UiHost& host_;
   std::vector<Entry> entries_;

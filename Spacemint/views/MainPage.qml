@@ -39,8 +39,14 @@ Rectangle {
             Layout.fillWidth: true
             Layout.leftMargin: 20
             Layout.rightMargin: 20
-            visible: !root.isWelcome && root.ui.summary.known
+            visible: !root.isWelcome && root.ui.summary.known && root.ui.source.isOfHere
             ui: root.ui
+        }
+        SourceCard {
+            Layout.fillWidth: true
+            Layout.leftMargin: 20
+            Layout.rightMargin: 20
+            source: root.ui.source
         }
         LazyView {
             Layout.fillWidth: true
@@ -82,7 +88,7 @@ Rectangle {
             id: footer
 
             Layout.fillWidth: true
-            visible: root.ui.page.state === Page.Tabs
+            visible: root.ui.page.state === Page.Tabs && root.ui.source.isOfHere
             ui: root.ui
         }
     }

@@ -4,11 +4,17 @@
 #include "core/base/PlatformWords.h"
 #include "core/base/Translation.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 namespace spacemint {
 
 Page::Page(const UiHost& host) : host_(host) {
   AppModel& model = host_.model;
-  connect(&model.history(), &ScanHistory::snapshotChanged, this, &Page::stateChanged);
+  connect(&model.shown(), &ShownScan::snapshotChanged, this, &Page::stateChanged);
+  connect(&model.shown(), &ShownScan::sourceChanged, this, &Page::tabsChanged);
+  connect(&model.shown(), &ShownScan::sourceChanged, this, &Page::tabChanged);
   connect(&model.scans(), &ScanLifecycle::progressChanged, this, &Page::stateChanged);
   connect(&model, &AppModel::tabChanged, this, &Page::tabChanged);
   connect(&model, &AppModel::showingSettingsChanged, this, &Page::showingSettingsChanged);
@@ -22,7 +28,7 @@ Page::State Page::stateOf(bool hasSnapshot, bool isScanning) {
 }
 
 Page::State Page::state() const {
-  return stateOf(host_.model.history().snapshot() != nullptr, host_.model.scans().isScanning());
+  return stateOf(host_.model.shown().snapshot() != nullptr, host_.model.scans().isScanning());
 }
 
 void Page::setTab(int tab) {
@@ -32,8 +38,26 @@ void Page::setTab(int tab) {
 
 QStringList Page::tabTitles() const {
   QStringList titles;
-  for (const Tab tab : allTabs) titles << ShownText::plain(titleOf(tab));
+  for (const Tab tab : host_.model.tabs()) titles << ShownText::plain(titleOf(tab));
   return titles;
+}
+
+QStringList Page::tabSymbols() const {
+  static const std::array symbols{QStringLiteral("safari"), QStringLiteral("folder"), QStringLiteral("doc"),
+                                  QStringLiteral("hammer")};
+  QStringList shown;
+  for (const Tab tab : host_.model.tabs()) shown << symbols.at(static_cast<std::size_t>(tab));
+  return shown;
+}
+
+int Page::tabIndex() const {
+  const auto tabs = host_.model.tabs();
+  return static_cast<int>(std::ranges::find(tabs, host_.model.tab()) - tabs.begin());
+}
+
+void Page::setTabIndex(int index) {
+  const auto tabs = host_.model.tabs();
+  if (index >= 0 && index < std::ssize(tabs)) host_.model.setTab(tabs[static_cast<std::size_t>(index)]);
 }
 
 QString Page::accessTitle() const {

@@ -13,8 +13,12 @@ class Page : public QObject {
   QML_ELEMENT
   QML_UNCREATABLE("a part of the interface's model")
   Q_PROPERTY(State state READ state NOTIFY stateChanged)
+  /// The current tab, as a place among all tabs.
   Q_PROPERTY(int tab READ tab WRITE setTab NOTIFY tabChanged)
-  Q_PROPERTY(QStringList tabTitles READ tabTitles CONSTANT)
+  /// The tabs of the scan that is shown, and the place of the current one among them.
+  Q_PROPERTY(QStringList tabTitles READ tabTitles NOTIFY tabsChanged)
+  Q_PROPERTY(QStringList tabSymbols READ tabSymbols NOTIFY tabsChanged)
+  Q_PROPERTY(int tabIndex READ tabIndex WRITE setTabIndex NOTIFY tabChanged)
   Q_PROPERTY(bool showingSettings READ showingSettings WRITE setShowingSettings NOTIFY showingSettingsChanged)
   Q_PROPERTY(bool hasAccess READ hasAccess NOTIFY hasAccessChanged)
   Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY hasAccessChanged)
@@ -36,6 +40,9 @@ class Page : public QObject {
   int tab() const { return static_cast<int>(host_.model.tab()); }
   void setTab(int tab);
   QStringList tabTitles() const;
+  QStringList tabSymbols() const;
+  int tabIndex() const;
+  void setTabIndex(int index);
   bool showingSettings() const { return host_.model.showingSettings(); }
   void setShowingSettings(bool isShowing) { host_.model.setShowingSettings(isShowing); }
   bool hasAccess() const { return host_.model.hasFullDiskAccess(); }
@@ -56,6 +63,7 @@ class Page : public QObject {
   void whatToFreeWanted();
   void stateChanged();
   void tabChanged();
+  void tabsChanged();
   void showingSettingsChanged();
   void hasAccessChanged();
   void messageChanged();

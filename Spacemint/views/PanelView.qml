@@ -112,6 +112,23 @@ Rectangle {
             (before ?? pages)?.forceActiveFocus(reason); // both are null during destruction
         }
     }
+    // A folder, or a file with a scan.
+    DropArea {
+        id: drop
+
+        anchors.fill: parent
+        keys: ["text/uri-list"]
+        onDropped: event => root.ui.source.open(event.urls[0])
+    }
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 2
+        visible: drop.containsDrag
+        radius: Math.max(root.radius, 8)
+        color: "transparent"
+        border.width: 3
+        border.color: Theme.teal
+    }
     Rectangle {
         anchors.fill: parent
         visible: !root.windowed

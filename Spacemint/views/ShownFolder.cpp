@@ -3,9 +3,9 @@
 namespace spacemint {
 
 ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wanted) {
-  const SharedSnapshot& snapshot = model.history().snapshot();
+  const SharedSnapshot& snapshot = model.shown().snapshot();
   if (!snapshot) return {};
-  const auto& changes = model.findings().changes;
+  const auto& changes = model.shown().findings().changes;
   ShownFolder found{.snapshot = snapshot,
                     .changes = changes,
                     .path = snapshot->rootPath(),

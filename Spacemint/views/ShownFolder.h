@@ -9,7 +9,7 @@
 
 namespace spacemint {
 
-/// A folder of the current scan, with its path as the tree spells it, and with what changed in it.
+/// A folder of the scan that is shown, with its path as the tree spells it, and with what changed in it.
 struct ShownFolder {
   /// Keeps `node` and `change`; null without a scan.
   SharedSnapshot snapshot;

@@ -10,6 +10,8 @@ Rectangle {
     id: root
 
     required property Ui ui
+    /// Not beside a scan of another computer.
+    readonly property bool showsSpace: ui.summary.known && ui.source.isOfHere
 
     implicitWidth: Theme.scaled(216)
     color: Theme.chrome
@@ -33,17 +35,17 @@ Rectangle {
         }
         FreeFigure {
             Layout.fillWidth: true
-            visible: root.ui.summary.known
+            visible: root.showsSpace
             ui: root.ui
             size: 36
         }
         SpaceBar {
             Layout.fillWidth: true
-            visible: root.ui.summary.known
+            visible: root.showsSpace
             ui: root.ui
         }
         Label {
-            visible: root.ui.summary.known
+            visible: root.showsSpace
             text: root.ui.summary.total
             size: 11
             color: Theme.secondary
@@ -51,12 +53,14 @@ Rectangle {
         FreeSpaceLine {
             Layout.fillWidth: true
             Layout.topMargin: 4
+            visible: root.showsSpace && history.isKnown
             history: root.ui.spaceHistory
             lineHeight: 40
         }
         VolumeLines {
             Layout.fillWidth: true
             Layout.topMargin: 4
+            visible: root.showsSpace && volumes.length > 0
             volumes: root.ui.summary.volumes
             isNarrow: true
         }
@@ -78,9 +82,9 @@ Rectangle {
 
                     width: parent.width
                     text: modelData
-                    symbol: ["safari", "folder", "doc", "hammer"][index]
-                    isSelected: root.ui.page.tab === index
-                    onChosen: root.ui.page.tab = index
+                    symbol: root.ui.page.tabSymbols[index] ?? ""
+                    isSelected: root.ui.page.tabIndex === index
+                    onChosen: root.ui.page.tabIndex = index
                 }
             }
         }
@@ -89,13 +93,13 @@ Rectangle {
         }
         ScanProgressView {
             Layout.fillWidth: true
-            visible: root.ui.scan.scanning
+            visible: root.ui.source.isOfHere && root.ui.scan.scanning
             ui: root.ui
             compact: true
         }
         Label {
             Layout.fillWidth: true
-            visible: !root.ui.scan.scanning
+            visible: root.ui.source.isOfHere && !root.ui.scan.scanning
             text: root.ui.scan.scanned
             size: 11
             color: Theme.secondary
@@ -103,6 +107,7 @@ Rectangle {
         }
         ScanButton {
             Layout.fillWidth: true
+            visible: root.ui.source.isOfHere
             ui: root.ui
         }
     }

@@ -17,8 +17,8 @@ ColumnLayout {
         Layout.topMargin: 14
         Layout.bottomMargin: 12
         titles: root.ui.page.tabTitles
-        currentIndex: root.ui.page.tab
-        onActivated: index => root.ui.page.tab = index
+        currentIndex: root.ui.page.tabIndex
+        onActivated: index => root.ui.page.tabIndex = index
     }
     RowDivider {
         Layout.fillWidth: true

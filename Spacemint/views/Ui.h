@@ -10,6 +10,7 @@
 #include "Spacemint/views/Page.h"
 #include "Spacemint/views/Question.h"
 #include "Spacemint/views/ScanControl.h"
+#include "Spacemint/views/ScanSource.h"
 #include "Spacemint/views/SettingsForm.h"
 #include "Spacemint/views/Summary.h"
 #include "Spacemint/views/UiHost.h"
@@ -27,6 +28,7 @@ class Ui : public QObject {
   Q_PROPERTY(spacemint::Page* page READ page CONSTANT)
   Q_PROPERTY(spacemint::Summary* summary READ summary CONSTANT)
   Q_PROPERTY(spacemint::ScanControl* scan READ scan CONSTANT)
+  Q_PROPERTY(spacemint::ScanSource* source READ source CONSTANT)
   Q_PROPERTY(spacemint::Question* confirmation READ confirmation CONSTANT)
   Q_PROPERTY(spacemint::SettingsForm* settings READ settings CONSTANT)
   // The tabs.
@@ -43,6 +45,7 @@ class Ui : public QObject {
   Page* page() { return &page_; }
   Summary* summary() { return &summary_; }
   ScanControl* scan() { return &scan_; }
+  ScanSource* source() { return &source_; }
   Question* confirmation() { return &confirmation_; }
   SettingsForm* settings() { return &settings_; }
   Overview* overview() { return &overview_; }
@@ -61,6 +64,7 @@ class Ui : public QObject {
   Page page_{host_};
   Summary summary_{host_};
   ScanControl scan_{host_};
+  ScanSource source_{host_};
   Question confirmation_{host_};
   SettingsForm settings_{host_};
   Overview overview_{host_};

@@ -12,11 +12,15 @@ namespace spacemint {
 
 /// The objects that all views use. Each of them outlives the views. Main thread only.
 struct UiHost {
-  /// Whether the deletion guard allows to remove the item. A view does not offer what the guard refuses. Asks
-  /// the disk whether the item is a link.
+  /// Whether the item is of this computer and the deletion guard allows to remove it. A view does not offer
+  /// what is refused. Asks the disk whether the item is a link.
   bool mayRemove(const std::string& path, bool outsideHomeAllowed) const {
-    return !model.cleanups().guard().check({.path = path, .outsideHomeAllowed = outsideHomeAllowed});
+    return model.shown().isOfHere() &&
+           !model.cleanups().guard().check({.path = path, .outsideHomeAllowed = outsideHomeAllowed});
   }
+
+  /// The home folder in the scan that is shown; empty for a scan of another computer, where it is unknown.
+  std::string homeInScan() const { return model.shown().isOfHere() ? home : std::string{}; }
 
   AppModel& model;
   Desktop desktop;

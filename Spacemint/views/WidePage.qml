@@ -11,6 +11,7 @@ Item {
     readonly property real step: width / Theme.textScale
     readonly property bool hasSide: step >= 960
     readonly property bool showsFolders: ui.page.tab === 1
+    readonly property bool showsSpace: !hasSide && ui.summary.known && ui.source.isOfHere
 
     Shortcut {
         sequence: "Ctrl+F"
@@ -40,14 +41,14 @@ Item {
                 spacing: 12
 
                 FreeFigure {
-                    visible: !root.hasSide && root.ui.summary.known
+                    visible: root.showsSpace
                     ui: root.ui
                     size: 28
                 }
                 Label {
                     Layout.alignment: Qt.AlignBottom
                     Layout.bottomMargin: Theme.scaled(15)
-                    visible: !root.hasSide
+                    visible: root.showsSpace
                     text: root.ui.summary.total
                     size: 12
                     color: Theme.secondary
@@ -61,7 +62,7 @@ Item {
                 SectionLabel {
                     Layout.fillWidth: true
                     visible: root.hasSide && !root.showsFolders
-                    title: root.ui.page.tabTitles[root.ui.page.tab] ?? ""
+                    title: root.ui.page.tabTitles[root.ui.page.tabIndex] ?? ""
                     size: 15
                 }
                 Item {
@@ -94,9 +95,16 @@ Item {
                 Layout.fillWidth: true
                 Layout.leftMargin: 20
                 Layout.rightMargin: 20
-                visible: !root.hasSide && root.ui.summary.known
+                visible: root.showsSpace
                 ui: root.ui
                 implicitHeight: 4
+            }
+            SourceCard {
+                Layout.fillWidth: true
+                Layout.leftMargin: 20
+                Layout.rightMargin: 20
+                Layout.bottomMargin: 8
+                source: root.ui.source
             }
             TabBar {
                 Layout.fillWidth: true
@@ -105,8 +113,8 @@ Item {
                 Layout.bottomMargin: 10
                 visible: !root.hasSide
                 titles: root.ui.page.tabTitles
-                currentIndex: root.ui.page.tab
-                onActivated: index => root.ui.page.tab = index
+                currentIndex: root.ui.page.tabIndex
+                onActivated: index => root.ui.page.tabIndex = index
             }
             RowDivider {
                 Layout.fillWidth: true
@@ -155,11 +163,13 @@ Item {
             }
             RowDivider {
                 Layout.fillWidth: true
-                visible: !root.hasSide
+                visible: footer.visible
             }
             Footer {
+                id: footer
+
                 Layout.fillWidth: true
-                visible: !root.hasSide
+                visible: !root.hasSide && root.ui.source.isOfHere
                 ui: root.ui
             }
         }

@@ -2,6 +2,7 @@
 
 #include "Spacemint/views/ShownText.h"
 #include "core/base/Translation.h"
+#include "core/wording/ImportText.h"
 
 #include <QObject>
 #include <QQmlEngine>
@@ -37,6 +38,10 @@ class Words : public QObject {
   SPACEMINT_WORD(pages, i18nc("the tabs", "Pages"))
 
   SPACEMINT_WORD(showWhatToFree, i18n("Show what to free"))
+
+  // SourceCard.
+  SPACEMINT_WORD(onlyShown, ImportText::notice())
+  SPACEMINT_WORD(backToHere, i18n("Back to this computer"))
 
   // The large window.
   SPACEMINT_WORD(findInScan, i18n("Find in this scan"))

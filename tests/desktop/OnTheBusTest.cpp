@@ -339,6 +339,7 @@ TEST_F(DBusNotifierTest, forgetsWhatAnEarlierServiceShowed) {
   EXPECT_EQ(activations, 1);
 }
 
+using support::FakeFileDialog;
 using support::FakeFileManager;
 using support::FakePortal;
 using testing::ElementsAre;
@@ -390,6 +391,26 @@ TEST_F(XdgOpenerTest, opensWebPagesByThePortalAndFilesByProgram) {
   ASSERT_TRUE(waitUntil([&] { return !portal.opened.empty(); }));
   EXPECT_EQ(portal.opened, QStringList{QStringLiteral("https://example.org/?a=b")});
   EXPECT_THAT(opened, ElementsAre("file:///tmp/a"));
+}
+
+TEST_F(XdgOpenerTest, letsTheUserChooseAFile) {
+  std::vector<std::string> chosen;
+  const auto choose = [&] {
+    opener.chooseFile(
+        "Open", [&](const std::string& path) { chosen.push_back(path); }, [this] { ++failures; });
+  };
+  choose();
+  ASSERT_TRUE(waitUntil([&] { return failures == 1; })) << "no portal";
+  FakeFileDialog dialog(services);
+  dialog.code = 1;
+  choose();
+  ASSERT_TRUE(waitUntil([&] { return dialog.opened.size() == 1; }));
+  dialog.code = 0;
+  dialog.answer = QStringLiteral("file:///srv/a%20b.json");
+  choose();
+  ASSERT_TRUE(waitUntil([&] { return !chosen.empty(); }));
+  EXPECT_THAT(chosen, ElementsAre("/srv/a b.json"));
+  EXPECT_EQ(failures, 1);
 }
 
 TEST_F(XdgOpenerTest, opensWebPagesByProgramWithoutAPortal) {

@@ -2,6 +2,7 @@
 
 #include "Spacemint/shell/Application.h"
 
+#include "support/Files.h"
 #include "support/ModelFixture.h"
 #include "support/Waiting.h"
 #include "ui_kit/Colours.h"
@@ -99,6 +100,30 @@ TEST_F(ApplicationTest, aClockThatIsSetDoesNotMatterForClicks) {
     EXPECT_TRUE(isPanelShown());
     application.reset();
   }
+}
+
+TEST_F(ApplicationTest, opensTheScanThatTheUserChooses) {
+  const std::string stored = folder / "scan.json";
+  support::writeText(stored, R"([1,2,{"host":"db1"},[{"name":"/srv"},{"name":"a","dsize":1}]])");
+  launchAgain();
+  desktop.opener.chosenFile = stored;
+  const auto choose = [this] {
+    for (const StatusMenuEntry& entry : desktop.statusItem.menu)
+      if (entry.title == "Open a Scan…") entry.choose();
+    settle();
+  };
+  choose();
+  ASSERT_TRUE(isPanelShown());
+  EXPECT_FALSE(model->shown().isOfHere());
+  // Who opens the panel later sees this computer.
+  click();
+  advance(Application::releaseAfter + 1s);
+  EXPECT_TRUE(model->shown().isOfHere());
+  desktop.opener.hasDialog = false;
+  choose();
+  EXPECT_TRUE(isPanelShown());
+  EXPECT_EQ(message(),
+            "This desktop has no dialog for choosing a file. Drop the file onto this window instead.");
 }
 
 TEST_F(ApplicationTest, aClickBesideThePanelClosesItAlsoWithoutTheFocus) {

@@ -2,6 +2,7 @@
 
 #include "support/PrivateBus.h"
 
+#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QObject>
 #include <QStringList>
@@ -97,6 +98,36 @@ class FakePortal : public FakeOpenerService {
     opened << url;
     return QDBusObjectPath{QStringLiteral("/org/freedesktop/portal/desktop/request/1")};
   }
+};
+
+/// A portal whose dialog the user answers at once.
+class FakeFileDialog : public FakeOpenerService {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileChooser")
+ public:
+  explicit FakeFileDialog(const QDBusConnection& bus)
+      : FakeOpenerService(bus, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Desktop"),
+        bus_(bus) {}
+
+  QString answer;
+  /// 1: the user cancels.
+  uint code = 0;
+
+ public Q_SLOTS:
+  QDBusObjectPath OpenFile(const QString& /*window*/, const QString& title, const QVariantMap& options,
+                           const QDBusMessage& call) {
+    opened << title;
+    const QString path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
+                             .arg(call.service().mid(1).replace(u'.', u'_'),
+                                  options.value(QStringLiteral("handle_token")).toString());
+    QDBusMessage response = QDBusMessage::createSignal(path, QStringLiteral("org.freedesktop.portal.Request"),
+                                                       QStringLiteral("Response"));
+    bus_.send(response << code << QVariantMap{{QStringLiteral("uris"), QStringList{answer}}});
+    return QDBusObjectPath{path};
+  }
+
+ private:
+  QDBusConnection bus_;
 };
 
 /// The settings service of Xfce, which knows one setting of its panel.

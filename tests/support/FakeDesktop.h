@@ -99,8 +99,13 @@ class FakeOpener final : public Opener {
   void openUrl(const std::string& url, std::function<void()> /*failed*/) override { urls.push_back(url); }
   void openSettings(SettingsPage page) override { pages.push_back(page); }
   void reveal(const std::string& path) override { revealed.push_back(path); }
+  void chooseFile(const std::string& /*title*/, Chosen chosen, std::function<void()> failed) override {
+    hasDialog ? chosen(chosenFile) : failed();
+  }
   void findFileManager(std::function<void(const std::string& name)> /*found*/) override {}
 
+  bool hasDialog = true;
+  std::string chosenFile;
   std::vector<std::string> urls;
   std::vector<SettingsPage> pages;
   std::vector<std::string> revealed;

@@ -336,6 +336,10 @@ TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
   add("files");
   model->setTab(Tab::developer);
   add("developer");
+  model->open(support::writeText(folder / "scan.json",
+                                 R"([1,2,{"host":"db1"},[{"name":"/srv"},{"name":"a","dsize":2000000}]])"));
+  add("a scan from a file");
+  model->shown().close();
   model->setShowingSettings(true);
   add("settings");
   model->cleanups().ask(DeleteRequest{inHome("old.zip"), "old.zip", 30 * MB, "This removes it for good."});

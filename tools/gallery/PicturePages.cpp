@@ -1,5 +1,7 @@
 #include "Pages.h"
 #include "Spacemint/views/Ui.h"
+#include "core/history/NcduFormat.h"
+#include "support/Files.h"
 #include "support/ModelFixture.h"
 
 #include <cmath>
@@ -137,7 +139,19 @@ class PictureScene final : public support::ModelFixture {
   void total(double gigabytes) { desktop.volume.current->total = static_cast<Bytes>(gigabytes * 1e9); }
   void open(std::string_view name) { model->setFolderPath(inHome(name)); }
   void select(std::string_view name) { ui_->explorer()->select(inHome(name)); }
+  void showFiles() {
+    desktop.settle();
+    model->setTab(Tab::files);
+  }
   void find(const char* text) { ui_->explorer()->setQuery(QString::fromUtf8(text)); }
+  // A scan of a server, from a file.
+  void openExport() {
+    Snapshot scan{.date = morning - std::chrono::days{21}, .root = homeOfAnn("/srv", true)};
+    scan.fileCount = scan.root.fileCount;
+    const std::string file = folder / "usage.json";
+    support::writeText(file, NcduFormat::encode(scan, "db1.example.org", "1"));
+    model->open(file);
+  }
   void byAge() { ui_->explorer()->setColouring(Explorer::Colouring::Age); }
 
  private:
@@ -171,6 +185,7 @@ const PictureStep ann = [](PictureScene& s) { s.ann(); };
 const PictureStep disk = [](PictureScene& s) { s.wholeDisk(); };
 const PictureStep volumes = [](PictureScene& s) { s.volumes(); };
 const PictureStep evening = [](PictureScene& s) { s.select("Videos/Concerts/2026-11-24 evening.mkv"); };
+const PictureStep opened = [](PictureScene& s) { s.openExport(); };
 
 struct PicturePage {
   const char* name;
@@ -186,6 +201,17 @@ const PicturePage picturePages[] = {
     {"folders-inside", {460, 700}, Tab::folders, ann, [](PictureScene& s) { s.open("Videos"); }},
     {"folders-disk", {460, 700}, Tab::folders, disk},
     {"folders-once", {460, 700}, Tab::folders, [](PictureScene& s) { s.once(); }},
+    {"opened-460", {460, 700}, Tab::overview, ann, opened},
+    {"opened-720", {720, 640}, Tab::overview, ann, opened},
+    {"opened-1080", {1080, 720}, Tab::overview, ann, opened},
+    {"opened-files",
+     {460, 700},
+     Tab::overview,
+     ann,
+     [](PictureScene& s) {
+       s.openExport();
+       s.showFiles();
+     }},
     {"window-600", {600, 640}, Tab::folders, ann},
     {"window-720", {720, 640}, Tab::folders, ann, evening},
     {"window-1080", {1080, 720}, Tab::folders, volumes, evening},

@@ -47,10 +47,10 @@ bool RunningInstance::become() {
   return !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
-void RunningInstance::askOther(LaunchAction action, const std::string& folder) const {
+void RunningInstance::askOther(LaunchAction action, const std::string& path) const {
   const QVariantMap platformData{{activationToken, ActivationToken::ofThisProcess()}};
-  if (!folder.empty()) {
-    const QString url = QUrl::fromLocalFile(QString::fromStdString(folder)).toString(QUrl::FullyEncoded);
+  if (!path.empty()) {
+    const QString url = QUrl::fromLocalFile(QString::fromStdString(path)).toString(QUrl::FullyEncoded);
     bus_.call(QDBusMessage::createMethodCall(name, instancePath, applicationInterface, QStringLiteral("Open"))
               << QStringList{url} << platformData);
     return;
@@ -64,7 +64,7 @@ void RunningInstance::Activate(const QVariantMap& platformData) {
   ask(LaunchAction::open, platformData);
 }
 
-// Several folders cannot be shown at once, so it is the first one.
+// Several things cannot be shown at once, so it is the first one.
 void RunningInstance::Open(const QStringList& uris, const QVariantMap& platformData) {
   const QUrl url = uris.isEmpty() ? QUrl{} : QUrl{uris.front()};
   if (!url.isLocalFile()) return ask(LaunchAction::open, platformData);

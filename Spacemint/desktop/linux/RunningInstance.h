@@ -26,9 +26,9 @@ class RunningInstance : public QObject {
   /// without a bus, because other processes cannot be found then. Blocks until the bus answers.
   bool become();
 
-  /// Asks the other instance for `action`, or to show `folder` if that is not empty, and hands it the
+  /// Asks the other instance for `action`, or to open `path` if that is not empty, and hands it the
   /// activation token with which the launcher started this process. Blocks until it answers.
-  void askOther(LaunchAction action, const std::string& folder) const;
+  void askOther(LaunchAction action, const std::string& path) const;
 
  public Q_SLOTS:
   // The D-Bus interface org.freedesktop.Application. Launchers and other processes of this program call it.
@@ -40,8 +40,8 @@ class RunningInstance : public QObject {
  Q_SIGNALS:
   /// Another process asks for this.
   void asked(spacemint::LaunchAction action);
-  /// Another process asks to show a folder, by its absolute path.
-  void askedFor(const std::string& folder);
+  /// Another process asks to open a folder or a file, by its absolute path.
+  void askedFor(const std::string& path);
   /// Another process is the instance now. This one must end.
   void replaced();
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Spacemint/desktop/Desktop.h"
+#include "Spacemint/desktop/linux/PortalFileChooser.h"
 
 #include <QDBusConnection>
 #include <QObject>
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace spacemint {
@@ -58,6 +60,9 @@ class XdgOpener final : public Opener {
   void openUrl(const std::string& url, std::function<void()> failed) override;
   /// Opens the desktop's page, or the help page where the desktop has none.
   void openSettings(SettingsPage page) override;
+  void chooseFile(const std::string& title, Chosen chosen, std::function<void()> failed) override {
+    chooser_.choose(title, std::move(chosen), std::move(failed));
+  }
   /// Opens the item's folder where no file manager answers on the bus.
   void reveal(const std::string& path) override;
   void findFileManager(std::function<void(const std::string& name)> found) override;
@@ -65,6 +70,7 @@ class XdgOpener final : public Opener {
  private:
   QDBusConnection bus_;
   Places places_;
+  PortalFileChooser chooser_{bus_};
   /// Answers that arrive after its destruction are dropped.
   QObject context_;
 };

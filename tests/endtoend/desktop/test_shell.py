@@ -121,6 +121,7 @@ class Menu(OnADesktop):
         app.wait_item()
         is_done = {
             "Open Spacemint": lambda: app.sees_text("free"),
+            "Open a Scan…": lambda: app.sees_text("no dialog for choosing a file"),
             "About Spacemint": lambda: app.sees("About Spacemint", "dialog"),
             "Settings…": lambda: app.sees("Settings", "heading"),
             "Check for Updates…": lambda: maker.asked["/updates.xml"] > 0,
