@@ -192,7 +192,7 @@ void SpaceWarnings::warn(const std::vector<Supply>& supplies, const Warnings& wa
 void SpaceWarnings::show(const std::vector<Supply>& supplies, const Warnings& warnings) {
   const auto& culprit = parts_.growing.culprit();
   namedFolder_ = culprit ? culprit->path : "";
-  if (culprit && !culprit->isDirectory) namedFolder_.resize(namedFolder_.rfind('/'));
+  if (culprit && !culprit->isDirectory) namedFolder_ = Paths::parent(namedFolder_);
   desktop_.notifier.show(WarningText::warning({.supplies = supplies,
                                                .growth = parts_.findings.findings().growth,
                                                .culprit = culprit,

@@ -6,6 +6,7 @@
 #include "core/analysis/Search.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
+#include "core/tree/Paths.h"
 #include "core/wording/PictureText.h"
 
 #include <algorithm>
@@ -176,7 +177,7 @@ void Explorer::turnRow(int index, bool isUnfolded) {
   if (item->isUnfolded && *item->isUnfolded != isUnfolded) {
     toggle(std::string{item->id});
   } else if (!isUnfolded && item->depth > 0) {
-    select(FolderText::above(std::string{item->path}));
+    select(Paths::parent(item->path));
   } else if (isUnfolded && item->isUnfolded) {
     selectRow(index + 1);
   }
@@ -293,7 +294,7 @@ std::vector<ListItem> Explorer::foundItems() {
     const auto tile = tileOfPath(path);
     ListItem item = itemOf(*node, tile ? tile->change : nullptr, path, 0);
     item.fraction.reset();
-    item.subtitle = Paths::display(FolderText::above(path), host_.homeInScan());
+    item.subtitle = Paths::display(Paths::parent(path), host_.homeInScan());
     items.push_back(std::move(item));
   }
   return items;

@@ -5,6 +5,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
+#include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
 
 #include <algorithm>
@@ -141,7 +142,7 @@ ListItem Files::itemOf(const std::string& path, Bytes size, const std::optional<
 
 // The age and the folder, and what a removal frees if that is less than the size.
 std::string Files::subtitleOf(const std::string& path, const std::optional<Date>& modified) const {
-  std::string text = Paths::display(FolderText::above(path), host_.homeInScan());
+  std::string text = Paths::display(Paths::parent(path), host_.homeInScan());
   const Date now = host_.desktop.clock.now();
   // A date to come says nothing about the age.
   if (modified && *modified <= now) {

@@ -14,11 +14,6 @@ std::string FolderText::title(std::string_view path, std::string_view root, std:
   return canonicallyEqual(path, home) ? i18n("Home folder") : i18n("Entire disk");
 }
 
-std::string FolderText::above(const std::string& path) {
-  const std::size_t slash = Paths::withoutTrailingSlash(path).rfind('/');
-  return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
-
 Bytes FolderText::smallest(const Snapshot& scan) {
   return std::max<Bytes>(1, scan.minNodeSize);
 }

@@ -14,9 +14,6 @@ namespace FolderText {
 /// `root` itself in a scan of another computer, whose home is not known (empty).
 std::string title(std::string_view path, std::string_view root, std::string_view home);
 
-/// The path of the folder that holds the item at `path`; "/" for an item at the top.
-std::string above(const std::string& path);
-
 /// The size in bytes from which on items have a node, at least 1.
 Bytes smallest(const Snapshot& scan);
 

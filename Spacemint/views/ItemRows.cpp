@@ -1,10 +1,10 @@
 #include "Spacemint/views/ItemRows.h"
 
-#include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
+#include "core/tree/Paths.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -290,7 +290,7 @@ void ItemRows::copyPath(int rowId) const {
 void ItemRows::showInFolders(int rowId) const {
   const ListItem* item = find(rowId);
   if (item == nullptr || item->path.empty()) return;
-  host_.model.setFolderPath(item->isDirectory ? item->path : FolderText::above(item->path));
+  host_.model.setFolderPath(item->isDirectory ? item->path : Paths::parent(item->path));
   host_.model.setTab(Tab::folders);
 }
 

@@ -5,6 +5,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
+#include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
 
 #include <QDateTime>
@@ -125,7 +126,7 @@ void Overview::updateGrowing() {
   const GrowthNow& growing = host_.model.growing();
   std::vector<ListItem> items;
   for (const GrowthLine& line : growing.lines() | std::views::take(growingShown)) {
-    const std::string place = Paths::display(FolderText::above(line.path), host_.home);
+    const std::string place = Paths::display(Paths::parent(line.path), host_.home);
     items.push_back({.id = line.path,
                      .path = line.path,
                      .size = line.figures.minute,

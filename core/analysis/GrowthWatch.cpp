@@ -24,10 +24,8 @@ bool isShare(Bytes part, double share, Bytes whole) {
   return static_cast<double>(part) >= share * static_cast<double>(whole);
 }
 
-std::string parentOf(const std::string& path, const std::string& root) {
-  const std::size_t slash = path.rfind('/');
-  if (path.size() <= root.size() || slash == std::string::npos) return root;
-  return path.substr(0, std::max(slash, root.size()));
+std::string parentWithin(const std::string& path, const std::string& root) {
+  return path.size() <= root.size() ? root : Paths::parent(path);
 }
 
 std::chrono::seconds secondsBetween(GrowthWatch::Time from, GrowthWatch::Time to) {
@@ -122,7 +120,7 @@ void GrowthWatch::mergeLeast(std::size_t count, Time now) {
   ranked.resize(std::min(count, ranked.size()));
   for (const auto& [moved, path] : ranked) {
     const Folder merged = std::move(folders_.extract(path).mapped());
-    Folder& into = folders_[parentOf(path, root_)];
+    Folder& into = folders_[parentWithin(path, root_)];
     into.grown.merge(merged.grown);
     into.freed.merge(merged.freed);
   }
@@ -174,7 +172,7 @@ std::vector<GrowthLine> GrowthWatch::explain(bool freed, Time now) const {
       lines.push_back({.path = path, .isFreed = freed, .figures = figures});
       if (!freed) name(lines.back(), now);
     } else {
-      left[parentOf(path, root_)] += figures;
+      left[parentWithin(path, root_)] += figures;
     }
   }
   return lines;

@@ -2,9 +2,9 @@
 
 #include "core/host/Removal.h"
 #include "core/scan/DiskScanner.h"
+#include "core/tree/Paths.h"
 
 #include <cerrno>
-#include <filesystem>
 
 namespace spacemint {
 
@@ -24,7 +24,7 @@ Measured measureAgain(std::string path, Bytes minNodeSize, const std::vector<std
 std::string highestMissing(const Snapshot& snapshot, std::string path) {
   if (snapshot.nodeAt(path) != nullptr) return path;
   for (;;) {
-    std::string above = std::filesystem::path{path}.parent_path();
+    std::string above = Paths::parent(path);
     if (above == path || !snapshot.components(above) || snapshot.nodeAt(above) != nullptr) return path;
     path = std::move(above);
   }

@@ -132,7 +132,7 @@ std::expected<void, Error> FreeSpaceRecord::add(const FreeSpaceReading& reading)
       .free = std::max<Bytes>(reading.free, 0),
       .total = std::max<Bytes>(reading.total, 0)};
   if (file.size() == fileSize) return overwritePart(path, slot.number % slotCount * slotSize, encoded(slot));
-  if (auto made = createPrivateFolders(path.substr(0, path.rfind('/'))); !made) return made;
+  if (auto made = createPrivateFolders(Paths::parent(path)); !made) return made;
   slots.push_back(slot);
   return writeFileAtomically(path, wholeFile(slots));
 }

@@ -2,6 +2,7 @@
 
 #include "core/base/AsciiText.h"
 #include "core/host/FolderSum.h"
+#include "core/host/ListingError.h"
 #include "core/scan/ExcludingListing.h"
 #include "core/scan/NameList.h"
 #include "core/scan/ReadAheadListing.h"
@@ -35,10 +36,6 @@ struct Frame {
 
 // Btrfs does so with files up to this length, unless it is mounted with another limit.
 constexpr Bytes longestInlineFile = 2'048;
-
-bool isGone(int error) {
-  return error == ENOENT || error == ENOTDIR || error == ELOOP;
-}
 
 // A copy without the children.
 Node withoutChildren(const Node& node) {
@@ -236,7 +233,7 @@ class Walk final : public Unfinished {
     auto opened = top.folder->openSubfolder(name);
     if (opened) return enter(std::move(*opened), std::move(name));
     const int error = opened.error();
-    if (!isGone(error) && error != EXDEV) noteUnread(unread().folders, path_, error);
+    if (!isGoneOrElsewhere(error)) noteUnread(unread().folders, path_, error);
   }
 
   // Closes the innermost folder and adds its node to the parent. For the root, returns the node instead.

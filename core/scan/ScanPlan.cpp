@@ -20,10 +20,10 @@ namespace {
 using PathSet = std::unordered_set<std::string>;
 
 // The parent folder of `path`; absent for the root, whose path has `rootLength` characters, and for "/".
-std::optional<std::string> parentOf(const std::string& path, std::size_t rootLength) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos || slash == 0 || slash < rootLength) return std::nullopt;
-  return path.substr(0, slash);
+std::optional<std::string> parentWithin(const std::string& path, std::size_t rootLength) {
+  std::string parent = Paths::parent(path);
+  if (parent == "/" || parent.size() < rootLength) return std::nullopt;
+  return parent;
 }
 
 // The paths as the tree spells them: without a trailing "/", and on the data volume if the root is on it.
@@ -76,7 +76,7 @@ struct EarlierScan::Unchanged {
       for (const std::string& changed : paths) {
         if (changed.size() < root.size()) continue;
         std::optional<std::string> path = changed;
-        while (path && toCrawl.insert(*path).second) path = parentOf(*path, root.size());
+        while (path && toCrawl.insert(*path).second) path = parentWithin(*path, root.size());
       }
     }
   }
@@ -84,7 +84,7 @@ struct EarlierScan::Unchanged {
   bool isInChangedTree(const std::string& folder) const {
     if (nothing || trees.empty()) return nothing;
     std::optional<std::string> path = folder;
-    while (path && !trees.contains(*path)) path = parentOf(*path, previous.rootPath().size());
+    while (path && !trees.contains(*path)) path = parentWithin(*path, previous.rootPath().size());
     return path.has_value();
   }
 
@@ -96,9 +96,9 @@ struct EarlierScan::Unchanged {
   }
 
   bool isInReusedFolder(const std::string& item) const {
-    std::optional<std::string> folder = parentOf(item, previous.rootPath().size());
+    std::optional<std::string> folder = parentWithin(item, previous.rootPath().size());
     while (folder && *folder != previous.rootPath() && reusable(*folder) == nullptr) {
-      folder = parentOf(*folder, previous.rootPath().size());
+      folder = parentWithin(*folder, previous.rootPath().size());
     }
     return folder && *folder != previous.rootPath();
   }
@@ -313,9 +313,9 @@ void takeFullScanBytes(std::vector<CoveredPlace>& places, const std::vector<Cove
 void add(Coverage& coverage, const ScanPlan& plan) {
   const Coverage& more = plan.carriedOver;
   const auto isInReused = [&](const std::string& item) {
-    std::optional<std::string> folder = parentOf(item, 0);
+    std::optional<std::string> folder = parentWithin(item, 0);
     while (folder && plan.reusedFolders && !plan.reusedFolders->contains(*folder))
-      folder = parentOf(*folder, 0);
+      folder = parentWithin(*folder, 0);
     return folder && plan.reusedFolders;
   };
   takeFullScanBytes(coverage.places, more.places);

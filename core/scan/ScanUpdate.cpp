@@ -2,6 +2,7 @@
 
 #include "core/base/Unicode.h"
 #include "core/host/FolderSum.h"
+#include "core/host/ListingError.h"
 #include "core/tree/Paths.h"
 
 #include <algorithm>
@@ -25,10 +26,6 @@ bool hasChildren(Kind kind) {
 // or with this character may belong to any of several folders.
 bool isAmbiguous(std::string_view name) {
   return name.contains("\ufffd") || !isValidUtf8(name);
-}
-
-bool isGoneOrElsewhere(int error) {
-  return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
 }
 
 // Opens a folder below a root name by name, so that no symbolic link leads to another folder or volume.

@@ -49,6 +49,12 @@ std::string Paths::lastComponent(std::string_view path) {
   return std::string{trimmed.substr(slash + 1)};
 }
 
+std::string Paths::parent(std::string_view path) {
+  const std::size_t slash = withoutTrailingSlash(path).rfind('/');
+  if (slash == 0 || slash == std::string_view::npos) return "/";
+  return std::string{path.substr(0, slash)};
+}
+
 std::string Paths::hash(std::string_view path) {
   std::uint64_t hash = 0xcbf2'9ce4'8422'2325;
   for (const char byte : path) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100'0000'01b3;

@@ -28,6 +28,9 @@ std::string plain(std::string_view path);
 /// The last component of the path. Ignores trailing "/"; "/" for the root.
 std::string lastComponent(std::string_view path);
 
+/// The folder that holds the item at an absolute path. Ignores trailing "/"; "/" is its own parent.
+std::string parent(std::string_view path);
+
 /// A file name of fixed length for a path: its 64-bit FNV-1a hash in hexadecimal digits.
 std::string hash(std::string_view path);
 

@@ -4,7 +4,6 @@
 #include "core/tree/Paths.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string_view>
 
 namespace spacemint::ctl {
@@ -52,10 +51,6 @@ void change(Node& listing, const std::string& folder, const std::string& path, c
 
 }  // namespace
 
-std::string parentOf(const std::string& path) {
-  return std::filesystem::path{path}.parent_path();
-}
-
 void BrowseTree::setScan(Snapshot scan) {
   scan_ = std::move(scan);
   listings_.clear();
@@ -78,7 +73,7 @@ void BrowseTree::keepListing(const std::string& path, Node listing) {
 
 const Node* BrowseTree::itemAt(const std::string& path) const {
   if (const Node* node = scan_.nodeAt(path)) return node;
-  const auto listing = listings_.find(parentOf(path));
+  const auto listing = listings_.find(Paths::parent(path));
   if (listing == listings_.end()) return nullptr;
   const auto& children = listing->second.children;
   const auto child = std::ranges::find(children, Paths::lastComponent(path), &Node::name);
@@ -96,8 +91,8 @@ void BrowseTree::put(const Measured& item) {
   if (scan_.nodeAt(item.path) != nullptr) {
     putInto(scan_, item);
   } else {
-    std::string above = parentOf(item.path);
-    while (!scan_.addUnlisted(above, by.size, by.files) && above != parentOf(above)) above = parentOf(above);
+    std::string above = Paths::parent(item.path);
+    while (!scan_.addUnlisted(above, by.size, by.files) && above != "/") above = Paths::parent(above);
   }
   for (auto& [folder, listing] : listings_) {
     if (isBelow(item.path, folder)) change(listing, folder, item.path, by, isGone);

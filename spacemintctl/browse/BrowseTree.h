@@ -8,9 +8,6 @@
 
 namespace spacemint::ctl {
 
-/// The path of the folder that holds an item.
-std::string parentOf(const std::string& path);
-
 /// A scan, and the full listings of the folders that were visited: a scan holds only what is large enough to
 /// be stored. Values; one thread.
 class BrowseTree {

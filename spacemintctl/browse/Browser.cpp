@@ -3,6 +3,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
+#include "core/tree/Paths.h"
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/browse/BrowseText.h"
@@ -114,13 +115,13 @@ void Browser::open() {
   const Row chosen = *row;
   if (chosen.isDirectory) return show(chosen.path);
   if (page_ == Page::folder) return showInfo();
-  show(parentOf(chosen.path), chosen.path);
+  show(Paths::parent(chosen.path), chosen.path);
 }
 
 void Browser::back() {
   if (page_ != Page::folder) return leavePage();
   if (folder_ == setup_.root) return say(i18n("This is the top of the scan."));
-  show(parentOf(folder_), std::string{folder_});
+  show(Paths::parent(folder_), std::string{folder_});
 }
 
 void Browser::leavePage() {

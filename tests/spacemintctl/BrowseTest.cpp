@@ -1,6 +1,7 @@
 // spacemintctl browse: what it draws, what it knows of a folder, and the whole way through it on a terminal.
 
 #include "core/base/Translation.h"
+#include "core/tree/Paths.h"
 #include "core/tree/TreeWalk.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/browse/BrowseTree.h"
@@ -166,7 +167,7 @@ TEST_F(BrowseTreeTest, isRightAfterRemovalsOfWhatHasANodeAndWhatHasNone) {
       tree.keepListing(listed, *disk.nodeAt(listed));
       const std::string gone = items[random_() % items.size()];
       // Someone removes only what is shown: of a folder that was listed, or large enough for the scan.
-      if (!tree.folder(parentOf(gone)).isComplete && tree.scan().nodeAt(gone) == nullptr) continue;
+      if (!tree.folder(Paths::parent(gone)).isComplete && tree.scan().nodeAt(gone) == nullptr) continue;
       disk.remove(gone);
       tree.put({.path = gone, .exists = false});
       EXPECT_EQ(tree.scan().fileCount, disk.fileCount);

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <optional>
@@ -23,9 +24,8 @@ namespace {
 constexpr std::string_view temporarySuffix = ".spacemint-tmp";
 
 std::string folderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
+  const std::string folder = std::filesystem::path{path}.parent_path();
+  return folder.empty() ? "." : folder;
 }
 
 std::string nameOf(const std::string& path) {

@@ -5,6 +5,7 @@
 #include "core/host/linux/VolumesOfMounts.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace spacemint {
 
@@ -25,11 +26,6 @@ std::string joined(const std::string& folder, std::string_view rest) {
   std::string path = folder;
   if (!rest.empty() && !path.ends_with('/')) path += '/';
   return path += rest;
-}
-
-std::string parentOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
 // Where the kernel and the services of a session mount what is on no disk.
@@ -129,7 +125,8 @@ Territory Territory::of(const std::string& path, const HandleFacts& facts, const
 // A walk cannot reach a mount below one that is not entered. The first place is the root.
 void Territory::leaveOutUnreachable(const std::vector<Mount>& mounts) {
   for (std::size_t i = 1; i < places_.size();) {
-    const Mount* above = holderOf(parentOf(places_[i].mountPoint), mounts);
+    const Mount* above =
+        holderOf(std::filesystem::path{places_[i].mountPoint}.parent_path().string(), mounts);
     if (above == nullptr || indexOf(above->id)) {
       ++i;
       continue;

@@ -182,6 +182,9 @@ TEST(Paths, translateBetweenTheStoredAndTheShownForm) {
 
   EXPECT_EQ(Paths::lastComponent("/a/b/"), "b");
   EXPECT_EQ(Paths::lastComponent("/"), "/");
+
+  for (const auto& [path, parent] : {std::pair{"/a/b/c", "/a/b"}, {"/a/b/", "/a"}, {"/a", "/"}, {"/", "/"}})
+    EXPECT_EQ(Paths::parent(path), parent) << path;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "core/host/linux/journal/WatchedTree.h"
 
 #include "core/base/AsciiText.h"
+#include "core/host/ListingError.h"
 #include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/journal/FileSystemTraits.h"
 
@@ -26,10 +27,6 @@ constexpr std::size_t listingBufferSize = 32'768;
 
 // A name appeared in the folder or disappeared from it.
 constexpr std::uint32_t nameEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
-
-bool isGone(int error) {
-  return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
-}
 
 bool isForbidden(int error) {
   return error == EACCES || error == EPERM || error == ENOSPC;
@@ -403,7 +400,7 @@ WatchedTree::Looked WatchedTree::lookAtClosed(Id parent, std::string_view name, 
     closeOff(parent, name);
     return {};
   }
-  if (!isGone(error)) return {.settled = false};
+  if (!isGoneOrElsewhere(error)) return {.settled = false};
   const Id known = map_.child(parent, name);
   if (known != FolderMap::none) {
     moveOut(known);
@@ -481,7 +478,7 @@ void WatchedTree::list(Id id, const FileHandle& folder, const Visit& visit) {
   const auto take = [&](const FolderEntry& read) {
     if (mountPointIn(mounts, read.name) != nullptr) return;
     const Entry entry = readEntry(folder, read.name, read.type, identity_.mounted.device);
-    if (entry.error != 0 && !isGone(entry.error)) isWhole = false;
+    if (entry.error != 0 && !isGoneOrElsewhere(entry.error)) isWhole = false;
     sum.add(entry);
     visit(entry);
   };
