@@ -117,8 +117,8 @@ std::string largestItems(const Snapshot& snapshot, std::size_t top, const Wordin
 
 std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording& wording,
                        const std::string& whyFull) {
-  const std::string size =
-      FindingText::folderSize(snapshot.root.size, snapshot.coverage.unread.folders > 0, wording.locale);
+  const bool isLowerBound = snapshot.measuredPart || snapshot.coverage.unread.folders > 0;
+  const std::string size = FindingText::folderSize(snapshot.root.size, isLowerBound, wording.locale);
   std::string text = i18np("{path}: {size} in {count} file, measured in {time}",
                            "{path}: {size} in {count} files, measured in {time}", snapshot.fileCount,
                            {{"path", printable(snapshot.rootPath())},
@@ -126,8 +126,9 @@ std::string scanAnswer(const Snapshot& snapshot, std::size_t top, const Wording&
                             {"count", groupedNumber(snapshot.fileCount, wording.locale)},
                             {"time", secondsText(snapshot.duration)}}) +
                      '\n';
-  text += (whyFull.empty() ? i18n("A rescan: what has not changed was taken from the last scan.")
-                           : i18n("A full scan, because {reason}.", {{"reason", i18n(whyFull.c_str())}})) +
+  text += (snapshot.measuredPart ? FindingText::stoppedScan(*snapshot.measuredPart)
+           : whyFull.empty()     ? i18n("A rescan: what has not changed was taken from the last scan.")
+                             : i18n("A full scan, because {reason}.", {{"reason", i18n(whyFull.c_str())}})) +
           '\n';
   if (snapshot.volumeTotal > 0) {
     text += i18n("Free on this volume: {free} of {total}",

@@ -8,6 +8,7 @@
 #include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
 #include "core/scan/ScanTiming.h"
+#include "core/scan/StoppableScan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
@@ -43,27 +44,59 @@ bool mayExclude(const ScanOptions& options) {
   return asked.has_value();
 }
 
-std::optional<DiskScanner::Result> measure(const std::string& root, const ScanOptions& options,
-                                           ScanPlan& plan) {
+std::optional<VolumeStatus> volumeOf(const std::string& root) {
+  return VolumeStatus::current(root == wholeDisk ? startupVolume() : root);
+}
+
+struct ScanOutcome {
+  /// Absent if the folder could not be scanned, or the scan was interrupted before it measured anything.
+  std::optional<DiskScanner::Result> result;
+  /// The scan was interrupted.
+  bool isPart = false;
+};
+
+ScanOutcome measure(const std::string& root, const ScanOptions& options, ScanPlan& plan) {
   const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
   const std::string locale = userLocale();
   ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, locale);
-  return plan.scan(
-      {.root = root,
-       .minNodeSize = options.minSize,
-       .manner = always(options.throttle ? ScanManner::quiet : ScanManner::foreground),
-       .shouldCancel = wasInterrupted,
-       .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); },
-       .look =
-           [&, next = std::chrono::steady_clock::time_point{}](const DiskScanner::Unfinished& scan) mutable {
-             const auto now = std::chrono::steady_clock::now();
-             if (!showsProgress || now < next) return;
-             next = now + rowsInterval;
-             const FoundSoFar found = FoundSoFar::in(scan, root);
-             if (found.items.empty()) return;
-             line.setRows(foundRows(found, locale));
-             line.show(scan.counted());
-           }});
+  StoppableScan stoppable{wasInterrupted};
+  // An update is fast and has no part to show.
+  const bool isUpdate = plan.update.has_value();
+  DiskScanner::Arguments arguments{
+      .root = root,
+      .minNodeSize = options.minSize,
+      .manner = always(options.throttle ? ScanManner::quiet : ScanManner::foreground),
+      .shouldCancel = [isUpdate] { return isUpdate && wasInterrupted(); },
+      .progress = [&](const DiskScanner::Progress& progress) { line.show(progress); },
+      .look =
+          [&, next = std::chrono::steady_clock::time_point{}](const DiskScanner::Unfinished& scan) mutable {
+            const auto now = std::chrono::steady_clock::now();
+            if (!showsProgress || now < next) return;
+            next = now + rowsInterval;
+            const FoundSoFar found = FoundSoFar::in(scan, root);
+            if (found.items.empty()) return;
+            line.setRows(foundRows(found, locale));
+            line.show(scan.counted());
+          }};
+  stoppable.watch(arguments);
+  if (auto result = plan.scan(arguments)) return {.result = std::move(result)};
+  return {.result = stoppable.takePart(), .isPart = true};
+}
+
+// Prints what an interrupted scan has measured. Nothing is stored.
+int answerPart(DiskScanner::Result part, const ScanOptions& options, const std::string& root, Date start) {
+  const ScanPlan none;
+  Snapshot snapshot = FinishedScan{.result = std::move(part),
+                                   .plan = none,
+                                   .minNodeSize = options.minSize,
+                                   .start = start,
+                                   .end = currentTime(),
+                                   .volume = volumeOf(root)}
+                          .snapshot();
+  snapshot.measuredPart =
+      ScanTiming::fraction(snapshot.root.size, expectedBytes(root).value_or(0)).value_or(0);
+  print(scanAnswer(snapshot, options.top, {.home = UserFolders::home(), .locale = userLocale()}, ""));
+  return interrupted;
 }
 
 bool answer(const Snapshot& snapshot, const ScanPlan& plan, const ScanOptions& options,
@@ -135,21 +168,25 @@ int runScan(const ScanOptions& options) {
   noteInterrupts();
   const Date start = currentTime();
   ScanPlan plan = planFor(*root, options, start, wasInterrupted);
-  auto result = wasInterrupted() ? std::nullopt : measure(*root, options, plan);
+  auto [result, isPart] = wasInterrupted() ? ScanOutcome{} : measure(*root, options, plan);
+  if (result && isPart && !options.json && options.exportTo.empty())
+    return answerPart(std::move(*result), options, *root, start);
+  if (wasInterrupted() && (!result || isPart)) {
+    complain(i18n("interrupted"));
+    return interrupted;
+  }
   if (!result) {
-    complain(wasInterrupted() ? i18n("interrupted")
-                              : i18n("{path}: could not be scanned", {{"path", printable(*root)}}));
-    return wasInterrupted() ? interrupted : failed;
+    complain(i18n("{path}: could not be scanned", {{"path", printable(*root)}}));
+    return failed;
   }
   const Wording wording{.home = UserFolders::home(), .locale = userLocale()};
-  const Snapshot snapshot =
-      FinishedScan{.result = std::move(*result),
-                   .plan = plan,
-                   .minNodeSize = options.minSize,
-                   .start = start,
-                   .end = currentTime(),
-                   .volume = VolumeStatus::current(*root == wholeDisk ? startupVolume() : *root)}
-          .snapshot();
+  const Snapshot snapshot = FinishedScan{.result = std::move(*result),
+                                         .plan = plan,
+                                         .minNodeSize = options.minSize,
+                                         .start = start,
+                                         .end = currentTime(),
+                                         .volume = volumeOf(*root)}
+                                .snapshot();
   const std::string note = unreadNote(snapshot.coverage.unread, wording);
   const bool answered = answer(snapshot, plan, options, wording);
   if (!note.empty() && !options.quiet) complain(note);
@@ -160,8 +197,8 @@ int runScan(const ScanOptions& options) {
 std::optional<Snapshot> measuredScan(const ScanOptions& options) {
   const Date start = currentTime();
   ScanPlan plan{.fullScanDate = start};
-  auto result = measure(options.path, options, plan);
-  if (!result) return std::nullopt;
+  auto [result, isPart] = measure(options.path, options, plan);
+  if (!result || isPart) return std::nullopt;
   return FinishedScan{.result = std::move(*result),
                       .plan = plan,
                       .minNodeSize = options.minSize,

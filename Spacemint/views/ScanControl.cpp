@@ -4,6 +4,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
+#include "core/wording/FindingText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,11 +42,7 @@ std::string ScanText::detail(std::int64_t files, std::optional<Seconds> remainin
 }
 
 std::string ScanText::scanned(const Scanned& scan) {
-  if (const auto part = scan.snapshot.measuredPart) {
-    const int percent = static_cast<int>(*part * 100);
-    return percent == 0 ? i18n("Stopped before the end")
-                        : i18n("Stopped: {percent} % measured", {{"percent", std::to_string(percent)}});
-  }
+  if (const auto part = scan.snapshot.measuredPart) return FindingText::stoppedScan(*part);
   const std::string age =
       RelativeTime::string(scan.updatedAt.value_or(scan.snapshot.date), scan.now, ShownText::wordsLocale);
   const std::string folder = scope(scan.snapshot, scan.home);

@@ -106,6 +106,12 @@ std::string FindingText::excludedItems(const ExcludedSum& sum, const std::string
               {{"count", count}, {"unknown", groupedNumber(sum.unknown, locale)}});
 }
 
+std::string FindingText::stoppedScan(double measuredPart) {
+  const int percent = static_cast<int>(measuredPart * 100);
+  return percent == 0 ? i18n("Stopped before the end")
+                      : i18n("Stopped: {percent} % measured", {{"percent", std::to_string(percent)}});
+}
+
 std::string FindingText::folderSize(Bytes size, bool isLowerBound, const std::string& locale) {
   const std::string text = ByteFormat::string(size, locale);
   return isLowerBound ? i18n("at least {size}", {{"size", text}}) : text;

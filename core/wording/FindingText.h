@@ -43,6 +43,9 @@ std::string freeChange(const SpaceChange& change, std::string_view home, const s
 std::string leftOutTitle(const LeftOut& item, Date now, const std::string& locale);
 /// "2 files and folders, 1 of unknown size", of what the user excluded.
 std::string excludedItems(const ExcludedSum& sum, const std::string& locale);
+/// "Stopped: 60 % measured", of a part from 0 (unknown) to 1.
+std::string stoppedScan(double measuredPart);
+
 /// "12 GB", with "at least" in front if parts could not be read.
 std::string folderSize(Bytes size, bool isLowerBound, const std::string& locale);
 

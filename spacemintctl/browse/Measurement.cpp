@@ -1,6 +1,7 @@
 #include "spacemintctl/browse/Measurement.h"
 
 #include "core/base/Log.h"
+#include "core/scan/StoppableScan.h"
 
 #include <atomic>
 #include <chrono>
@@ -32,15 +33,11 @@ struct Measurement::Shared {
   std::string shownPath;  // guarded by `mutex`
 
   // The members below belong to the scan's thread.
-  std::optional<DiskScanner::Result> kept = {};
+  StoppableScan stoppable{[this] { return isKept.load(); }};
   std::optional<Node> folder = {};
   Clock::time_point next = Clock::now();
 
   void look(const DiskScanner::Unfinished& unfinished) {
-    if (isKept) {
-      if (!kept) kept = unfinished.soFar();
-      return;
-    }
     if (Clock::now() < next) return;
     const std::lock_guard lock{mutex};
     folder = unfinished.folder(shownPath);
@@ -61,8 +58,10 @@ void postProgress(const std::shared_ptr<Shared>& shared, const DiskScanner::Prog
 
 // What is measured so far, as a scan.
 Snapshot unfinishedScan(DiskScanner::Result result) {
-  return {
+  Snapshot scan{
       .root = std::move(result.root), .fileCount = result.fileCount, .coverage = std::move(result.coverage)};
+  scan.measuredPart = 0;
+  return scan;
 }
 
 }  // namespace
@@ -73,7 +72,8 @@ Measurement::Measurement(Inbox& inbox, Work work, Events events)
     const Watched watched = [&](DiskScanner::Arguments& arguments) {
       arguments.look = [&](const DiskScanner::Unfinished& unfinished) { shared->look(unfinished); };
       arguments.progress = [&](const DiskScanner::Progress& progress) { postProgress(shared, progress); };
-      arguments.shouldCancel = [&] { return shared->isStopped || shared->isKept; };
+      arguments.shouldCancel = [&] { return shared->isStopped.load(); };
+      shared->stoppable.watch(arguments);
     };
     std::optional<Snapshot> scan;
     try {
@@ -81,7 +81,8 @@ Measurement::Measurement(Inbox& inbox, Work work, Events events)
     } catch (const std::exception& problem) {
       log(LogLevel::info, std::string{"a scan ended early: "} + problem.what());
     }
-    if (!scan && shared->kept) scan = unfinishedScan(std::move(*shared->kept));
+    auto part = shared->stoppable.takePart();
+    if (!scan && part) scan = unfinishedScan(std::move(*part));
     auto result = std::make_shared<std::optional<Snapshot>>(std::move(scan));
     shared->inbox.post([shared, result] {
       if (shared->isWanted && shared->events.ended) shared->events.ended(std::move(*result));

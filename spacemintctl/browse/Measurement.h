@@ -25,7 +25,7 @@ class Measurement {
   struct Events {
     /// About ten times a second: the counts, and the folder of `show` if it is known so far.
     std::function<void(const DiskScanner::Progress&, std::optional<Node> folder)> advanced = {};
-    /// Once. With what `stopAndKeep` kept, if that was called.
+    /// Once. With what `stopAndKeep` kept, if that was called; it has a `Snapshot::measuredPart` then.
     std::function<void(std::optional<Snapshot>)> ended = {};
   };
 

@@ -4,6 +4,7 @@
 #include "core/scan/ReadAheadListing.h"
 #include "core/scan/ScanPlan.h"
 #include "core/scan/ScanTiming.h"
+#include "core/scan/StoppableScan.h"
 #include "support/TreeBuilder.h"
 
 #include <gtest/gtest.h>
@@ -217,6 +218,26 @@ TEST(DiskScanner, canBeLookedAtWhileItRuns) {
   EXPECT_EQ(looks, 5);  // before the first folder, and at each full batch
   EXPECT_EQ(names(result->root), (Names{"b", "a", "small"}));
   EXPECT_EQ(result->root.size, 4 * std::ssize(many) * mega + 2);
+}
+
+TEST(StoppableScan, keepsWhatIsMeasuredWhenItStops) {
+  const std::vector<Entry> many(DiskScanner::entriesPerPoll, fileEntry("same", mega));
+  const FakeFolder root{.batches = {many, many, many, {folderEntry("a")}},
+                        .subfolders = {{"a", {.batches = {many}}}}};
+  for (int looks = 0; looks < 5; ++looks) {
+    FakeListing listing{root};
+    StoppableScan stoppable{[left = looks]() mutable { return left-- <= 0; }};
+    DiskScanner::Arguments arguments{
+        .root = "/r", .minNodeSize = 20 * mega, .lookInterval = std::chrono::hours{1}, .listing = &listing};
+    stoppable.watch(arguments);
+    const auto whole = DiskScanner::scan(arguments);
+    const auto part = stoppable.takePart();
+    ASSERT_EQ(whole.has_value(), looks == 4) << "it looks at each full batch";
+    ASSERT_EQ(part.has_value(), looks < 4);
+    if (!part) continue;
+    EXPECT_EQ(part->fileCount, std::ssize(many) * (looks + 1));
+    EXPECT_EQ(part->root.size, part->fileCount * mega);
+  }
 }
 
 TEST(DiskScanner, pollsOncePerFourThousandEntries) {
