@@ -210,11 +210,29 @@ Json jsonOf(const std::vector<FreeSpaceReading>& readings) {
   return list;
 }
 
-std::string jsonOf(const Facts& facts, const std::optional<std::vector<FreeSpaceReading>>& history) {
+std::vector<FreeSpaceReading> historyOf(const std::string& mountPoint) {
+  return FreeSpaceRecord::ofVolume(UserFolders::state(), mountPoint).readings(currentTime());
+}
+
+std::string jsonOf(const Facts& facts) {
   Json object;
   for (const Fact& fact : facts) object[fact.key] = fact.value;
-  if (history) object["history"] = jsonOf(*history);
   return object.dump() + '\n';
+}
+
+// The history of the home's volume, and of each other volume that has one.
+std::string historyText(const VolumeStatus& home, const std::string& mountPoint,
+                        const std::vector<VolumeReading>& readings) {
+  const auto entry = [](const std::string& name, const std::vector<FreeSpaceReading>& history) {
+    return '\n' + printable(name) + '\n' + freeSpaceText(history, userLocale());
+  };
+  std::string others;
+  for (const VolumeReading& reading : readings) {
+    const auto history = historyOf(reading.volume.mountPoint());
+    if (!reading.volume.holdsHome && !history.empty()) others += entry(reading.volume.name, history);
+  }
+  const auto history = historyOf(mountPoint);
+  return others.empty() ? '\n' + freeSpaceText(history, userLocale()) : entry(home.name, history) + others;
 }
 
 std::string textOf(const Facts& facts, const VolumeStatus& volume, const std::string& mountPoint) {
@@ -242,19 +260,21 @@ int runStatus(const StatusOptions& options) {
   }
   Facts facts = volumeFacts(*volume, mountPoint);
   if (options.verbose) std::ranges::move(verboseFacts(*volume), std::back_inserter(facts));
-  std::optional<std::vector<FreeSpaceReading>> history;
-  if (options.history)
-    history = FreeSpaceRecord::ofVolume(UserFolders::state(), mountPoint).readings(currentTime());
   const auto readings = readVolumes();
   if (options.json) {
     Json volumes = Json::array();
-    for (const VolumeReading& reading : readings) volumes.push_back(jsonOf(reading));
+    for (const VolumeReading& reading : readings) {
+      volumes.push_back(jsonOf(reading));
+      const std::string& place = reading.volume.holdsHome ? mountPoint : reading.volume.mountPoint();
+      if (options.history) volumes.back()["history"] = jsonOf(historyOf(place));
+    }
     facts.push_back({"volumes", std::move(volumes), "", ""});
-    return print(jsonOf(facts, history)) ? done : failed;
+    if (options.history) facts.push_back({"history", jsonOf(historyOf(mountPoint)), "", ""});
+    return print(jsonOf(facts)) ? done : failed;
   }
   std::string text = textOf(facts, *volume, mountPoint);
   if (readings.size() > 1) text += "\n" + i18n("Volumes") + "\n" + volumeTable(readings);
-  if (history) text += '\n' + freeSpaceText(*history, userLocale());
+  if (options.history) text += historyText(*volume, mountPoint, readings);
   return print(text) ? done : failed;
 }
 
