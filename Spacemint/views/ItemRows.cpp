@@ -366,7 +366,7 @@ void ItemRows::remove(int rowId) const {
   if (item == nullptr || !canTrash(*item)) return;
   if (isInTrash(*item)) {
     host_.model.cleanups().ask(
-        DeleteRequest{item->path, Paths::lastComponent(item->path), item->size, deleteNote});
+        DeleteRequest{item->path, Paths::lastComponent(item->path), item->size, i18n(deleteNote)});
   } else {
     host_.model.cleanups().ask(TrashRequest{item->path, item->size});
   }

@@ -1,6 +1,7 @@
 #include "spacemintctl/browse/RemovalOffer.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/places/TrashPlace.h"
 #include "core/tree/Paths.h"
@@ -36,8 +37,10 @@ RemovalOffer offerRemoval(std::vector<RemovalItem> items, const CleanupContext& 
   std::vector<CleanupPlan> trash;
   std::vector<CleanupPlan> good;
   for (const RemovalItem& item : items) {
-    const CleanupRequest request = DeleteRequest{
-        .path = item.path, .name = Paths::lastComponent(item.path), .size = item.size, .note = deleteNote};
+    const CleanupRequest request = DeleteRequest{.path = item.path,
+                                                 .name = Paths::lastComponent(item.path),
+                                                 .size = item.size,
+                                                 .note = i18n(deleteNote)};
     auto plan = planCleanup(request, context, now);
     if (!plan) {
       offer.refused.push_back(CleanupText::refusalText(request, plan.error(), context));
@@ -48,8 +51,8 @@ RemovalOffer offerRemoval(std::vector<RemovalItem> items, const CleanupContext& 
     if (auto toTrash = planCleanup(TrashRequest{.path = item.path, .size = item.size}, context, now))
       trash.push_back(std::move(*toTrash));
   }
-  offer.toTrash = merged("Move to Trash?", std::move(trash));
-  offer.forGood = merged("Delete permanently?", std::move(good));
+  offer.toTrash = merged(i18n("Move to Trash?"), std::move(trash));
+  offer.forGood = merged(i18n("Delete permanently?"), std::move(good));
   return offer;
 }
 
