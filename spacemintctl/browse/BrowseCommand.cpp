@@ -101,7 +101,11 @@ int browse(BrowserSetup setup, bool keysFromTerminal) {
     screen.draw(browser.screen(screen.size()));
     signals.wait(screen.keys(), inbox.descriptor());
     inbox.run();
-    while (const auto key = screen.key()) browser.press(*key, screen.size());
+    while (const auto key = screen.key()) {
+      browser.press(*key, screen.size());
+      // The next keys are for the shell.
+      if (const auto folder = browser.takeShellFolder()) screen.openShell(*folder);
+    }
   }
   return wasInterrupted() ? interrupted : done;
 }

@@ -11,6 +11,7 @@
 #include "spacemintctl/Console.h"
 #include "spacemintctl/browse/Cells.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -34,6 +35,7 @@ constexpr std::array keyHelp = std::to_array<KeyHelp>({
     {i18nMark("t"), i18nMark("Folders first")},
     {i18nMark("g"), i18nMark("Bar, share, both or none")},
     {"", ""},
+    {i18nMark("."), i18nMark("Leave out names that begin with a dot, or show them")},
     {i18nMark("i"), i18nMark("What is known of the item")},
     {i18nMark("space"), i18nMark("Mark the item; \"d\" then removes all marked ones")},
     {i18nMark("u"), i18nMark("Unmark everything")},
@@ -43,9 +45,30 @@ constexpr std::array keyHelp = std::to_array<KeyHelp>({
     {i18nMark("b"), i18nMark("Compare with another scan: what grew since")},
     {i18nMark("/"), i18nMark("Search; the words are those of \"spacemintctl find\"")},
     {i18nMark("r"), i18nMark("Measure this folder again")},
+    {i18nMark("!"), i18nMark("Open a shell in this folder")},
     {i18nMark("e"), i18nMark("Export the scan to a file")},
     {i18nMark("q"), i18nMark("Quit")},
 });
+
+struct FlagHelp {
+  Flag flag;
+  const char* text;
+};
+
+constexpr std::array flagHelp = std::to_array<FlagHelp>({
+    {Flag::unread, i18nMark("Could not be read")},
+    {Flag::unreadBelow, i18nMark("Not all of it could be read: it is at least this large")},
+    {Flag::excluded, i18nMark("Excluded from scans")},
+    {Flag::elsewhere, i18nMark("On another volume")},
+    {Flag::linked, i18nMark("Has several names (hard links), and counts its share at each")},
+    {Flag::special, i18nMark("Neither a file nor a folder, such as a symbolic link")},
+    {Flag::emptyFolder, i18nMark("Empty")},
+});
+
+std::string flagText(Flag flag) {
+  const auto found = std::ranges::find(flagHelp, flag, &FlagHelp::flag);
+  return found == flagHelp.end() ? "" : i18n(found->text);
+}
 
 Paragraph sized(Bytes size, std::string name, const std::string& locale) {
   return {.text = std::move(name),
@@ -60,12 +83,15 @@ std::vector<Paragraph> BrowseText::help() {
   for (const KeyHelp& each : keyHelp)
     lines.push_back(*each.text == '\0' ? Paragraph{}
                                        : Paragraph{.text = i18n(each.text), .label = i18n(each.keys)});
+  lines.push_back({});
+  for (const FlagHelp& each : flagHelp)
+    lines.push_back({.text = i18n(each.text), .label = std::string{signOf(each.flag)}});
   return lines;
 }
 
-std::string BrowseText::figure(Bytes size, std::int64_t files, const std::string& locale) {
+std::string BrowseText::figure(const std::string& size, std::int64_t files, const std::string& locale) {
   return i18np("{size} in {count} file", "{size} in {count} files", files,
-               {{"size", ByteFormat::string(size, locale)}, {"count", groupedNumber(files, locale)}});
+               {{"size", size}, {"count", groupedNumber(files, locale)}});
 }
 
 std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, const std::string& before,
@@ -76,6 +102,9 @@ std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, 
     if (!text.empty()) lines.push_back({.text = text, .label = std::string{what}});
   };
   if (!about.empty()) lines.push_back({about}), lines.push_back({""});
+  if (const std::string text = flagText(row.flag); !text.empty())
+    lines.push_back({text, Style::warning}), lines.push_back({""});
+  if (row.isUnmeasured()) return lines;
   const std::string share = percentage(row.size, view.whole);
   const std::string bytes = ByteFormat::string(row.size, locale);
   say(i18n("Size"),
@@ -86,9 +115,12 @@ std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, 
     say(i18n("Files"), groupedNumber(row.fileCount, locale));
   } else {
     static const FileKinds kinds = FileKinds::ofThisSystem();
-    say(i18n("Kind"), std::string{rowOf(kinds.of(row.name)).title});
+    say(i18n("Kind"), i18n(rowOf(kinds.of(row.name)).title));
+    if (row.look) say(i18n("Length"), ByteFormat::string(row.look->length, locale));
+    if (row.look && row.look->links > 1) say(i18n("Names"), groupedNumber(row.look->links, locale));
   }
-  if (row.modified) say(i18n("Changed"), scanName(*row.modified, view.now, locale));
+  if (row.modified)
+    say(row.isDirectory ? i18n("Newest") : i18n("Changed"), scanName(*row.modified, view.now, locale));
   if (!before.empty() && row.growth) {
     const std::string growth = signedSize(*row.growth, locale);
     say(i18n("Growth"),

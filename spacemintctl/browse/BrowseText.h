@@ -16,7 +16,7 @@ namespace BrowseText {
 std::vector<Paragraph> help();
 
 /// "12.3 GB in 4,512 files"
-std::string figure(Bytes size, std::int64_t files, const std::string& locale);
+std::string figure(const std::string& size, std::int64_t files, const std::string& locale);
 
 /// What is known of an item. `before` is the name of the scan that is compared with; empty if there is none.
 /// `about` says what the folder is for, and is empty if that is not known.

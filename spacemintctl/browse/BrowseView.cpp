@@ -45,26 +45,32 @@ struct Column {
 };
 
 constexpr std::size_t barWidth = 10;
+// The mark and the flag of a row.
+constexpr std::size_t signsWidth = 2;
 
 Span sizeCell(const Row& row, const BrowseView& view, Bytes) {
   if (row.kind == Row::Kind::gone) return {i18n("gone"), Style::dim};
+  if (row.isUnmeasured()) return {""};
+  if (view.isUnfinished && row.isDirectory && row.fileCount == 0) return {"…", Style::dim};
   return {ByteFormat::string(row.size, view.locale), Style::strong};
 }
 Span barCell(const Row& row, const BrowseView&, Bytes largest) {
   return {barOf(row.size, largest, barWidth), Style::bar};
 }
 Span percentageCell(const Row& row, const BrowseView& view, Bytes) {
-  return {row.kind == Row::Kind::gone ? "" : percentage(row.size, view.whole)};
+  return {row.kind == Row::Kind::gone || row.isUnmeasured() ? "" : percentage(row.size, view.whole)};
 }
 Span growthCell(const Row& row, const BrowseView& view, Bytes) {
   if (row.growth.value_or(0) == 0) return {""};
   return {signedSize(*row.growth, view.locale), *row.growth > 0 ? Style::grew : Style::shrank};
 }
 Span countCell(const Row& row, const BrowseView& view, Bytes) {
-  return {row.isItem() && row.isDirectory ? groupedNumber(row.fileCount, view.locale) : ""};
+  return {row.isItem() && row.isDirectory && !row.isUnmeasured() ? groupedNumber(row.fileCount, view.locale)
+                                                                 : ""};
 }
 Span ageCell(const Row& row, const BrowseView& view, Bytes) {
-  return {row.modified ? shortAge(*row.modified, view.now) : ""};
+  const std::string age = row.modified ? shortAge(*row.modified, view.now) : "";
+  return {age.empty() || !row.isDirectory ? age : "≤" + age};
 }
 
 constexpr std::array<Column, 6> allColumns{{
@@ -73,11 +79,13 @@ constexpr std::array<Column, 6> allColumns{{
     {i18nMark("SHARE"), RowKey::size, 6, Side::right, percentageCell, 4},
     {i18nMark("GROWTH"), RowKey::growth, 9, Side::right, growthCell, 5},
     {i18nMark("FILES"), RowKey::count, 9, Side::right, countCell, 2},
-    {i18nMark("AGE"), RowKey::age, 6, Side::right, ageCell, 1},
+    {i18nMark("AGE"), RowKey::age, 7, Side::right, ageCell, 1},
 }};
 
 bool isWanted(const Column& column, const BrowseView& view) {
   if (column.cell == growthCell) return view.showsGrowth;
+  if (column.cell == ageCell)
+    return std::ranges::any_of(view.rows, [](const Row& row) { return row.modified.has_value(); });
   if (column.cell == barCell) return view.share == ShareColumn::both || view.share == ShareColumn::bar;
   if (column.cell == percentageCell)
     return view.share == ShareColumn::both || view.share == ShareColumn::percentage;
@@ -87,12 +95,11 @@ bool isWanted(const Column& column, const BrowseView& view) {
 // The columns that fit beside a name of a reasonable width. The column of the order always stays.
 std::vector<Column> columnsFor(const BrowseView& view, std::size_t width) {
   constexpr std::size_t nameWidth = 24;
-  constexpr std::size_t markWidth = 2;
   std::vector<Column> columns;
   std::ranges::copy_if(allColumns, std::back_inserter(columns),
                        [&](const Column& column) { return isWanted(column, view); });
   const auto used = [&] {
-    std::size_t sum = markWidth + nameWidth;
+    std::size_t sum = signsWidth + nameWidth;
     for (const Column& column : columns) sum += column.width + 1;
     return sum;
   };
@@ -124,8 +131,9 @@ std::string nameOf(const Row& row) {
 Line lineOf(const Row& row, const BrowseView& view, const std::vector<Column>& columns, Bytes largest,
             std::size_t width) {
   const bool isMarked = row.isItem() && view.marked.contains(row.path);
-  Line line{.spans = {{isMarked ? "* " : "  ", Style::marked}}};
-  std::size_t used = 2;
+  Line line{
+      .spans = {{isMarked ? "*" : " ", Style::marked}, {std::string{signOf(row.flag)}, Style::warning}}};
+  std::size_t used = signsWidth;
   for (const Column& column : columns) {
     Span cell = column.cell(row, view, largest);
     line.spans.push_back({fitted(cell.text, column.width, column.side), cell.style});
@@ -161,7 +169,7 @@ Line titleLine(const BrowseView& view, std::size_t width) {
 }
 
 Line headLine(const BrowseView& view, const std::vector<Column>& columns, std::size_t width) {
-  std::string text = "  ";
+  std::string text(signsWidth, ' ');
   for (const Column& column : columns)
     text += fitted(headOf(column.head, column.key, view), column.width, column.side) + " ";
   return textLine(text + headOf(i18nMark("NAME"), RowKey::name, view), width, Style::dim);
@@ -186,7 +194,14 @@ std::vector<Line> paragraphLines(const std::vector<Paragraph>& paragraphs, std::
   return lines;
 }
 
-std::vector<Line> popupLines(const Popup& popup, std::size_t width, std::size_t room) {
+struct PopupLines {
+  std::vector<Line> lines;
+  // The lines at whose right side a mark says that there is more of the text.
+  std::optional<std::size_t> moreAbove = {};
+  std::optional<std::size_t> moreBelow = {};
+};
+
+PopupLines popupLines(const Popup& popup, std::size_t width, std::size_t room) {
   std::vector<Line> text = paragraphLines(popup.text, width);
   std::vector<Line> below;
   for (std::size_t i = 0; i < popup.choices.size(); ++i) {
@@ -203,11 +218,13 @@ std::vector<Line> popupLines(const Popup& popup, std::size_t width, std::size_t 
   const std::size_t skipped = chosenLine >= forBelow ? chosenLine - forBelow + 1 : 0;
   const std::size_t forText = std::min(text.size(), room - forBelow);
   const std::size_t firstLine = std::min(popup.firstLine, text.size() - forText);
-  std::vector<Line> lines(text.begin() + static_cast<std::ptrdiff_t>(firstLine),
-                          text.begin() + static_cast<std::ptrdiff_t>(firstLine + forText));
-  lines.insert(lines.end(), below.begin() + static_cast<std::ptrdiff_t>(skipped),
-               below.begin() + static_cast<std::ptrdiff_t>(skipped + forBelow));
-  return lines;
+  PopupLines all{.lines{text.begin() + static_cast<std::ptrdiff_t>(firstLine),
+                        text.begin() + static_cast<std::ptrdiff_t>(firstLine + forText)}};
+  if (forText > 0 && firstLine > 0) all.moreAbove = 0;
+  if (forText > 0 && firstLine + forText < text.size()) all.moreBelow = forText - 1;
+  all.lines.insert(all.lines.end(), below.begin() + static_cast<std::ptrdiff_t>(skipped),
+                   below.begin() + static_cast<std::ptrdiff_t>(skipped + forBelow));
+  return all;
 }
 
 std::string repeated(std::string_view text, std::size_t times) {
@@ -226,7 +243,8 @@ std::string rule(std::string_view start, std::string_view end, const std::string
 void place(const Popup& popup, Screen& screen, const ScreenSize& size) {
   const std::size_t width = std::min<std::size_t>(size.columns, 74);
   if (width < 12 || size.rows < 5) return;
-  const std::vector<Line> inside = popupLines(popup, width - 4, size.rows - 4);
+  const PopupLines all = popupLines(popup, width - 4, size.rows - 4);
+  const std::vector<Line>& inside = all.lines;
   const std::size_t top = (size.rows - inside.size() - 2) / 2;
   const std::size_t left = (size.columns - width) / 2;
   const auto put = [&](std::size_t row, std::vector<Span> spans) {
@@ -242,13 +260,29 @@ void place(const Popup& popup, Screen& screen, const ScreenSize& size) {
     for (const Span& span : inside[i].spans)
       spans.push_back({span.text, inside[i].isChosen ? Style::marked : span.style});
     spans.push_back({" ", Style::plain});
-    spans.push_back({"│", Style::strong});
+    spans.push_back({i == all.moreBelow ? "▾" : i == all.moreAbove ? "▴" : "│", Style::strong});
     put(top + 1 + i, std::move(spans));
   }
   put(top + 1 + inside.size(), {{rule("└", "┘", shownText(popup.keys), width), Style::strong}});
 }
 
 }  // namespace
+
+char signOf(Flag flag) {
+  constexpr std::string_view signs = " !.<>H@e";
+  return signs.at(std::to_underlying(flag));
+}
+
+std::optional<RowKey> headAt(const BrowseView& view, const ScreenSize& size, std::size_t line,
+                             std::size_t column) {
+  if (line != 1) return std::nullopt;
+  std::size_t end = signsWidth;
+  for (const Column& each : columnsFor(view, size.columns)) {
+    end += each.width + 1;
+    if (column < end) return each.key;
+  }
+  return RowKey::name;
+}
 
 std::size_t visibleRows(const ScreenSize& size) {
   return size.rows > linesAround ? size.rows - linesAround : 1;

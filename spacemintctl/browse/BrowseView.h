@@ -58,6 +58,8 @@ struct BrowseView {
   RowOrder order;
   ShareColumn share = ShareColumn::both;
   bool showsGrowth = false;
+  /// A folder without files may just not be measured yet.
+  bool isUnfinished = false;
   std::set<std::string> marked;
   /// Two lines below the list: what is known of the scan or the item, and what happened last or the keys.
   std::string status;
@@ -74,6 +76,10 @@ inline constexpr ScreenSize smallestScreen{.columns = 60, .rows = 16};
 /// How many rows a screen shows, at least 1.
 std::size_t visibleRows(const ScreenSize& size);
 
+/// The order that the head of a column at this place of the screen stands for; absent where there is none.
+std::optional<RowKey> headAt(const BrowseView& view, const ScreenSize& size, std::size_t line,
+                             std::size_t column);
+
 /// The row at a line of the screen; absent outside of the list.
 std::optional<std::size_t> rowAt(const BrowseView& view, const ScreenSize& size, std::size_t line);
 
@@ -82,6 +88,9 @@ void scrollToCursor(BrowseView& view, const ScreenSize& size);
 
 /// What a terminal of this size shows. Pure; needs the process's character set (see Cells.h).
 Screen drawn(const BrowseView& view, const ScreenSize& size);
+
+/// The character that stands for a flag in a list; ' ' for none.
+char signOf(Flag flag);
 
 /// "+1.2 GB" or "−90 MB".
 std::string signedSize(Bytes bytes, const std::string& locale);

@@ -4,6 +4,7 @@
 #include "core/base/RelativeTime.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/CleanCommand.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/browse/BrowseText.h"
@@ -66,6 +67,7 @@ void Browser::show(const std::string& path, const std::string& chosen) {
   page_ = Page::folder;
   folder_ = path;
   soFar_.reset();
+  look_.clear();
   listing_.reset();
   if (scanning_) scanning_->show(path);
   view_.cursor = view_.first = 0;
@@ -91,14 +93,22 @@ void Browser::updateRows() {
       mayMeasure() && !folder.isComplete ? i18n("Measuring…") : i18n("Nothing is in this folder.");
   if (folder.node == nullptr) return setRows({}, "");
   view_.whole = folder.node->size;
-  view_.figure = BrowseText::figure(folder.node->size, folder.node->fileCount, view_.locale);
+  const bool isLowerBound = isPartial_ || (hasScan_ && tree_.scan().coverage.unread.isAtOrBelow(folder_));
+  view_.figure = BrowseText::figure(FindingText::folderSize(folder.node->size, isLowerBound, view_.locale),
+                                    folder.node->fileCount, view_.locale);
   const Node* before = baseline_ ? baseline_->nodeAt(folder_) : nullptr;
-  setRows(rowsOf({.folder = *folder.node,
-                  .path = folder_,
-                  .before = before,
-                  .beforeMinimum = baseline_ ? std::optional{baseline_->minNodeSize} : std::nullopt,
-                  .isComplete = folder.isComplete}),
-          chosen);
+  view_.isUnfinished = !hasScan_;
+  std::vector<Row> rows =
+      rowsOf({.folder = *folder.node,
+              .path = folder_,
+              .before = before,
+              .beforeMinimum = baseline_ ? std::optional{baseline_->minNodeSize} : std::nullopt,
+              .isComplete = folder.isComplete,
+              .scanned = tree_.scan().nodeAt(folder_),
+              .coverage = hasScan_ ? &tree_.scan().coverage : nullptr,
+              .look = look_});
+  if (hidesDotNames_) std::erase_if(rows, [](const Row& row) { return row.name.starts_with('.'); });
+  setRows(std::move(rows), chosen);
 }
 
 void Browser::setRows(std::vector<Row> rows, const std::string& chosen) {
@@ -111,7 +121,9 @@ void Browser::setRows(std::vector<Row> rows, const std::string& chosen) {
 
 void Browser::open() {
   const Row* row = view_.current();
-  if (row == nullptr || !row->isItem()) return;
+  if (row == nullptr) return;
+  if (row->kind == Row::Kind::leftOut) return showInfo();
+  if (!row->isItem()) return;
   const Row chosen = *row;
   if (chosen.isDirectory) return show(chosen.path);
   if (page_ == Page::folder) return showInfo();
@@ -163,9 +175,11 @@ std::string Browser::statusText() const {
   } else if (isScanning()) {
     add(i18n("Scanned {age}, being brought up to date: {progress}", {{"age", age}, {"progress", progress}}));
   } else {
-    add(isPartial_ ? i18n("Part of a scan, {age}", {{"age", age}}) : i18n("Scanned {age}", {{"age", age}}));
+    add(isPartial_ ? FindingText::stoppedScan(*tree_.scan().measuredPart)
+                   : i18n("Scanned {age}", {{"age", age}}));
   }
   if (baseline_) add(i18n("growth since {date}", {{"date", localTime(baseline_->date)}}));
+  if (hidesDotNames_ && page_ == Page::folder) add(i18n("without hidden files"));
   if (hasScan_ && !setup_.whyReadOnly.empty()) add(i18n("read-only"));
   return text;
 }

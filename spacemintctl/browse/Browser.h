@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace spacemint::ctl {
@@ -45,6 +46,8 @@ class Browser {
   void start();
   void press(const Key& key, const ScreenSize& size);
   Screen screen(const ScreenSize& size);
+  /// The folder in which the user wants a shell, once.
+  std::optional<std::string> takeShellFolder() { return std::exchange(shellFolder_, std::nullopt); }
   /// True when the user wants to leave.
   bool hasEnded() const { return hasEnded_; }
 
@@ -60,7 +63,9 @@ class Browser {
   void startScan();
   void scanAdvanced(const DiskScanner::Progress& progress, std::optional<Node> folder);
   void scanEnded(std::optional<Snapshot> scan);
+  void sayWhatIsUnread(const Unread& unread);
   void listFolder();
+  void lookIntoFolder();
   void measureFolderAgain();
 
   // Comparing.
@@ -76,9 +81,11 @@ class Browser {
   void back();
   void leavePage();
   void move(std::ptrdiff_t by);
+  void click(const Key& key, const ScreenSize& size);
   void orderBy(RowKey key);
 
   // Other pages and boxes.
+  void addGrowth(Row& row) const;
   void search(const std::string& text);
   void showCleanable();
   void showInfo();
@@ -111,6 +118,8 @@ class Browser {
 
   Page page_ = Page::folder;
   std::string folder_;
+  FolderLook look_;
+  bool hidesDotNames_ = false;
   // The order and the cursor of the folder while another page is shown.
   std::string chosenInFolder_;
   // What the list of cleanable places can do, by path.
@@ -137,6 +146,7 @@ class Browser {
   Choose choose_;
   Enter enter_;
   std::shared_ptr<std::atomic<bool>> stopRemoval_;
+  std::optional<std::string> shellFolder_;
   bool hasEnded_ = false;
 
   // Last, so that they end first.

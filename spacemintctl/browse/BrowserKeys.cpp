@@ -112,6 +112,15 @@ void Browser::askWhetherToQuit() {
   });
 }
 
+void Browser::click(const Key& key, const ScreenSize& size) {
+  if (key.row == 0) return back();
+  if (const auto order = headAt(view_, size, key.row, key.column)) return orderBy(*order);
+  const auto row = rowAt(view_, size, key.row);
+  if (!row) return;
+  if (*row == view_.cursor) return open();
+  view_.cursor = *row;
+}
+
 void Browser::press(const Key& key, const ScreenSize& size) {
   using Kind = Key::Kind;
   view_.now = currentTime();
@@ -147,11 +156,7 @@ void Browser::press(const Key& key, const ScreenSize& size) {
     case Kind::remove:
       return askRemoval();
     case Kind::click:
-      if (const auto row = rowAt(view_, size, key.row)) {
-        if (*row == view_.cursor) return open();
-        view_.cursor = *row;
-      }
-      return;
+      return click(key, size);
     case Kind::other:
       return;
     case Kind::character:
@@ -183,6 +188,9 @@ void Browser::press(const Key& key, const ScreenSize& size) {
     case 'g':
       view_.share = static_cast<ShareColumn>((static_cast<unsigned>(view_.share) + 1) % 4);
       return;
+    case '.':
+      hidesDotNames_ = !hidesDotNames_;
+      return page_ == Page::folder ? updateRows() : void();
     case 'i':
       return showInfo();
     case ' ':
@@ -207,6 +215,9 @@ void Browser::press(const Key& key, const ScreenSize& size) {
       popup.input.emplace();
       return askFor(std::move(popup), [this](const std::string& text) { search(text); });
     }
+    case '!':
+      if (mayMeasure()) shellFolder_ = folder_;
+      return;
     case 'e': {
       if (!hasScan_) return say(i18n("Let the scan end first; then it can be exported."));
       Popup popup = box(i18n("Export the scan to"), {}, i18n("Enter write   Esc leave"));

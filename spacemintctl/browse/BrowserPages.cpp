@@ -24,6 +24,14 @@ constexpr std::size_t mostFound = 1'000;
 
 }  // namespace
 
+// Of a row of a list that is of several folders.
+void Browser::addGrowth(Row& row) const {
+  if (!baseline_) return;
+  const Node* before = baseline_->nodeAt(row.path);
+  row.growth = saturatingSubtract(row.size, before == nullptr ? 0 : before->size);
+  row.isNew = before == nullptr;
+}
+
 void Browser::search(const std::string& text) {
   if (pieces(text, ' ').empty()) return;
   const auto query = parseSearch(text);
@@ -43,10 +51,7 @@ void Browser::search(const std::string& text) {
                                      .fileCount = node->isDirectory ? node->fileCount : 1,
                                      .modified = node->modified,
                                      .isDirectory = node->isDirectory});
-    if (!baseline_) continue;
-    const Node* before = baseline_->nodeAt(path);
-    row.growth = saturatingSubtract(row.size, before == nullptr ? 0 : before->size);
-    row.isNew = before == nullptr;
+    addGrowth(row);
   }
   if (page_ == Page::folder) chosenInFolder_ = view_.current() == nullptr ? "" : view_.current()->path;
   page_ = Page::found;
@@ -78,6 +83,7 @@ void Browser::showCleanable() {
                     .isDirectory = true,
                     .note = std::move(note)});
     if (const Node* node = scan.nodeAt(path)) rows.back().fileCount = node->fileCount;
+    addGrowth(rows.back());
   };
   for (const auto& found :
        DevTools::cleanups({.in = scan, .home = view_.home, .environment = UserFolders::environment})) {
@@ -127,7 +133,7 @@ std::string Browser::aboutFolder(const std::string& path) const {
 
 void Browser::showInfo() {
   const Row* row = view_.current();
-  if (row == nullptr || !row->isItem()) return;
+  if (row == nullptr || (!row->isItem() && row->kind != Row::Kind::leftOut)) return;
   const std::string before = baseline_ ? localTime(baseline_->date) : "";
   ask(box(i18n("Info"), BrowseText::info(*row, view_, before, row->isDirectory ? aboutFolder(row->path) : ""),
           i18n("any key: back")),

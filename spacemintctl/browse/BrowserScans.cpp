@@ -3,7 +3,9 @@
 #include "core/host/FolderSum.h"
 #include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
+#include "core/scan/ScanTiming.h"
 #include "core/volume/VolumeStatus.h"
+#include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/ProgressLine.h"
 #include "spacemintctl/ScanCommand.h"
@@ -139,11 +141,13 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
     return say(i18n("{path} could not be scanned.", {{"path", Paths::display(setup_.root, view_.home)}}),
                true);
   }
-  isPartial_ = scan->date == Date{};
+  isPartial_ = scan->measuredPart.has_value();
   if (isPartial_) {
+    scan->measuredPart = ScanTiming::fraction(scan->root.size, expected_.value_or(0)).value_or(0);
     scan->date = currentTime();
     scan->minNodeSize = ScanOptions{}.minSize;
   }
+  if (!hasScan_) sayWhatIsUnread(scan->coverage.unread);
   hasScan_ = true;
   isStored_ = !isPartial_;
   const BrowseTree::Folder shown = tree_.folder(folder_);
@@ -170,8 +174,14 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
   listFolder();
 }
 
+void Browser::sayWhatIsUnread(const Unread& unread) {
+  const std::string note = unreadNote(unread, {.home = view_.home, .locale = view_.locale});
+  if (!note.empty()) say(note.substr(0, note.find('\n')), true);
+}
+
 void Browser::listFolder() {
-  if (!mayMeasure() || !hasScan_ || !hasStarted_ || tree_.folder(folder_).isComplete) return;
+  if (!mayMeasure() || !hasScan_ || !hasStarted_) return;
+  if (tree_.folder(folder_).isComplete) return lookIntoFolder();
   const Node* known = tree_.scan().nodeAt(folder_);
   const std::string path = folder_;
   listing_ = std::make_unique<Measurement>(
@@ -192,9 +202,26 @@ void Browser::listFolder() {
                 } else {
                   say(i18n("{path} can't be read.", {{"path", Paths::display(path, view_.home)}}), true);
                 }
-                if (page_ == Page::folder) updateRows();
+                if (page_ != Page::folder) return;
+                updateRows();
+                lookIntoFolder();
               }});
   listing_->show(path);
+}
+
+void Browser::lookIntoFolder() {
+  const Node* folder = tree_.folder(folder_).node;
+  if (folder == nullptr) return;
+  std::unordered_set<std::string> names;
+  for (const Node& child : folder->children) names.insert(child.name);
+  worker_.run([this, path = folder_, names = std::move(names)] {
+    auto look = std::make_shared<FolderLook>(lookInto(path, names));
+    return [this, path, look] {
+      if (page_ != Page::folder || path != folder_) return;
+      look_ = std::move(*look);
+      updateRows();
+    };
+  });
 }
 
 void Browser::measureFolderAgain() {

@@ -61,8 +61,9 @@ struct Key {
   Kind kind = Kind::other;
   /// Of `character`.
   char32_t character = 0;
-  /// The line of the screen, of `click`.
+  /// The place on the screen, of `click`.
   std::size_t row = 0;
+  std::size_t column = 0;
 
   bool is(char32_t wanted) const { return kind == Kind::character && character == wanted; }
 };

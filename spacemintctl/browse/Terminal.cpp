@@ -5,6 +5,8 @@
 #define NCURSES_NOMACROS 1
 #include <ncurses.h>
 #include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <term.h>
 #include <termios.h>
 #include <unistd.h>
@@ -150,8 +152,10 @@ Key mouseKey() {
   if (getmouse(&event) != OK) return {};
   if ((event.bstate & BUTTON4_PRESSED) != 0) return {Key::Kind::wheelUp};
   if ((event.bstate & BUTTON5_PRESSED) != 0) return {Key::Kind::wheelDown};
-  if ((event.bstate & BUTTON1_PRESSED) == 0 || event.y < 0) return {};
-  return {.kind = Key::Kind::click, .row = static_cast<std::size_t>(event.y)};
+  if ((event.bstate & BUTTON1_PRESSED) == 0 || event.y < 0 || event.x < 0) return {};
+  return {.kind = Key::Kind::click,
+          .row = static_cast<std::size_t>(event.y),
+          .column = static_cast<std::size_t>(event.x)};
 }
 
 }  // namespace
@@ -245,6 +249,30 @@ std::optional<Key> Terminal::key() {
   pollfd input{keys(), POLLIN, 0};
   if (poll(&input, 1, 0) == 1 && (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) hasGone_ = true;
   return std::nullopt;
+}
+
+void Terminal::openShell(const std::string& folder) {
+  endwin();
+  const char* wanted = std::getenv("SHELL");
+  std::string shell = wanted == nullptr || *wanted == '\0' ? "/bin/sh" : wanted;
+  const std::array<char*, 2> arguments{shell.data(), nullptr};
+  posix_spawn_file_actions_t actions{};
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+  // This thread blocks the signals that end the program.
+  posix_spawnattr_t attributes{};
+  posix_spawnattr_init(&attributes);
+  sigset_t none{};
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  pid_t child = 0;
+  if (posix_spawn(&child, shell.c_str(), &actions, &attributes, arguments.data(), environ) == 0) {
+    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
+  }
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&actions);
+  clearok(curscr, TRUE);
+  refresh();
 }
 
 int Terminal::keys() const {

@@ -6,6 +6,7 @@
 #include <expected>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace spacemint::ctl {
 
@@ -33,6 +34,8 @@ class Terminal {
   std::optional<Key> key();
   /// True if the terminal has gone.
   bool hasGone() const { return hasGone_; }
+  /// Lends the terminal to the user's shell in a folder, until the shell ends.
+  void openShell(const std::string& folder);
   /// The descriptor that becomes readable when a key arrives.
   int keys() const;
 

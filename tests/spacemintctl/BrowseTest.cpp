@@ -16,6 +16,7 @@
 #include <csignal>
 #include <cwchar>
 #include <filesystem>
+#include <map>
 #include <random>
 
 namespace spacemint::ctl {
@@ -69,15 +70,15 @@ TEST(BrowseView, fillsEveryLineWhateverTheNamesAre) {
     BrowseView view{.home = "/home/ann", .locale = "en_US", .now = currentTime()};
     for (std::size_t i = any(40); i > 0; --i) {
       view.rows.push_back(
-          {.kind = static_cast<Row::Kind>(any(3)),
+          {.kind = static_cast<Row::Kind>(any(4)),
            .path = "/" + std::to_string(i),
            .name = hostileNames[any(std::size(hostileNames))],
            .size = static_cast<Bytes>(random()) << any(30),
            .fileCount = static_cast<std::int64_t>(random()),
            .modified = any(2) == 0 ? std::optional{Date{std::chrono::seconds{random()}}} : std::nullopt,
            .isDirectory = any(2) == 0,
-           .growth =
-               any(2) == 0 ? std::optional{static_cast<Bytes>(random()) - 2'000'000'000} : std::nullopt});
+           .growth = any(2) == 0 ? std::optional{static_cast<Bytes>(random()) - 2'000'000'000} : std::nullopt,
+           .flag = static_cast<Flag>(any(8))});
     }
     view.title = view.status = view.footer = hostileNames[any(std::size(hostileNames))];
     view.figure = "1.2 GB in 3 files";
@@ -109,6 +110,49 @@ TEST(BrowseView, fillsEveryLineWhateverTheNamesAre) {
       EXPECT_EQ(std::ranges::count(screen.lines, true, &Line::isChosen), 1);
     }
   }
+}
+
+TEST(BrowseRows, sayWhatIsSpecial) {
+  const Date now = currentTime();
+  const auto ago = [&](int days) { return now - std::chrono::days{days}; };
+  const auto plain = [](const char* name, std::optional<Date> modified = {}) {
+    return Node{.name = name, .size = 10, .modified = modified};
+  };
+  const auto folder = [](const char* name, std::vector<Node> children) {
+    return support::folder(name, std::move(children));
+  };
+  const Node scanned =
+      folder("/r", {folder("deep", {folder("a", {plain("old", ago(9))}), plain("x", ago(5))})});
+  const Node listing = folder(
+      "/r", {folder("deep", {plain("x")}), folder("part", {plain("y")}), folder("touched", {plain("z")}),
+             folder("empty", {}), plain("file", ago(1)), plain("linked"), plain("fifo")});
+  const Coverage coverage{.leftOut = {{.path = "/r/cache", .kind = LeftOut::Kind::excluded},
+                                      {.path = "/r/mnt"},
+                                      {.path = "/r/a/b"}},
+                          .unread = {.folders = 3, .paths = {"/r/part/q/secret", "/r/secret", "/rest"}}};
+  const FolderLook look{{"touched", {.type = EntryType::folder, .modified = ago(2)}},
+                        {"deep", {.type = EntryType::folder, .modified = ago(7)}},
+                        {"linked", {.type = EntryType::file, .links = 2}},
+                        {"file", {.type = EntryType::file}},
+                        {"fifo", {.type = EntryType::other}}};
+  std::map<std::string, std::pair<char, std::optional<Date>>> seen;
+  for (const Row& row : rowsOf({.folder = listing,
+                        .path = "/r",
+                        .isComplete = true,
+                        .scanned = &scanned,
+                        .coverage = &coverage,
+                        .look = look}))
+    seen[row.name] = {signOf(row.flag), row.modified};
+  EXPECT_EQ(seen, (decltype(seen){{"deep", {' ', ago(5)}},
+                                  {"part", {'.', {}}},
+                                  {"touched", {' ', ago(2)}},
+                                  {"empty", {'e', {}}},
+                                  {"file", {' ', ago(1)}},
+                                  {"linked", {'H', {}}},
+                                  {"fifo", {'@', {}}},
+                                  {"cache", {'<', {}}},
+                                  {"mnt", {'>', {}}},
+                                  {"secret", {'!', {}}}}));
 }
 
 TEST(BrowseCells, cutAtWholeCharacters) {
