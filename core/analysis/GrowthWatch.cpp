@@ -24,7 +24,7 @@ bool isShare(Bytes part, double share, Bytes whole) {
   return static_cast<double>(part) >= share * static_cast<double>(whole);
 }
 
-std::string parentWithin(const std::string& path, const std::string& root) {
+std::string aboveInRoot(const std::string& path, const std::string& root) {
   return path.size() <= root.size() ? root : Paths::parent(path);
 }
 
@@ -120,7 +120,7 @@ void GrowthWatch::mergeLeast(std::size_t count, Time now) {
   ranked.resize(std::min(count, ranked.size()));
   for (const auto& [moved, path] : ranked) {
     const Folder merged = std::move(folders_.extract(path).mapped());
-    Folder& into = folders_[parentWithin(path, root_)];
+    Folder& into = folders_[aboveInRoot(path, root_)];
     into.grown.merge(merged.grown);
     into.freed.merge(merged.freed);
   }
@@ -172,7 +172,7 @@ std::vector<GrowthLine> GrowthWatch::explain(bool freed, Time now) const {
       lines.push_back({.path = path, .isFreed = freed, .figures = figures});
       if (!freed) name(lines.back(), now);
     } else {
-      left[parentWithin(path, root_)] += figures;
+      left[aboveInRoot(path, root_)] += figures;
     }
   }
   return lines;
