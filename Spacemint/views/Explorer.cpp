@@ -7,6 +7,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
+#include "core/tree/TreeWalk.h"
 #include "core/wording/PictureText.h"
 
 #include <algorithm>
@@ -217,7 +218,9 @@ std::optional<Tile> Explorer::tileOfPath(const std::string& path) const {
   if (const auto names = folder_.snapshot->components(path)) {
     for (const std::string& name : *names) change = change != nullptr ? change->child(name) : nullptr;
   }
-  return Tile{.box = {}, .node = node, .change = change, .size = node->size};
+  const auto below = pathBelow(path, folder_.path);
+  const int depth = below && !below->empty() ? 1 + static_cast<int>(std::ranges::count(*below, '/')) : 0;
+  return Tile{.box = {}, .node = node, .change = change, .size = node->size, .depth = depth};
 }
 
 void Explorer::updateAbout() {
@@ -342,6 +345,16 @@ void Explorer::search() {
     found_.insert(result.node);
     if (hits_.size() < hitsShown) hits_.emplace_back(result.path, result.node);
   }
+}
+
+bool Explorer::isFound(const Node& node) const {
+  bool isFound = false;
+  if (found_.empty()) return isFound;
+  walkTree(node, [&](const std::string& /*path*/, const Node& each) {
+    isFound = isFound || found_.contains(&each);
+    return !isFound;
+  });
+  return isFound;
 }
 
 }  // namespace spacemint

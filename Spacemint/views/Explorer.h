@@ -46,6 +46,7 @@ class Explorer : public QObject {
   // The thing under the pointer, else the selected one.
   Q_PROPERTY(QString aboutName READ aboutName NOTIFY aboutChanged)
   Q_PROPERTY(QString aboutDetail READ aboutDetail NOTIFY aboutChanged)
+  Q_PROPERTY(bool isPointing READ isPointing NOTIFY aboutChanged)
  public:
   enum class Colouring { Growth, Age };
   Q_ENUM(Colouring)
@@ -75,6 +76,8 @@ class Explorer : public QObject {
   int pointedChild() const;
   QString aboutName() const { return aboutName_; }
   QString aboutDetail() const { return aboutDetail_; }
+  /// Whether something is under the pointer, so that the texts are about it.
+  bool isPointing() const { return pointedTile_.has_value(); }
 
   // For the pictures.
   const ShownFolder& folder() const { return folder_; }
@@ -85,7 +88,8 @@ class Explorer : public QObject {
   Date now() const { return host_.desktop.clock.now(); }
   const std::string& locale() const { return host_.locale; }
   bool isSearching() const { return isSearching_; }
-  bool isFound(const Node& node) const { return found_.contains(&node); }
+  /// Whether the search found the item or something in it.
+  bool isFound(const Node& node) const;
   QString nameOf(const Tile& tile) const;
   QString spoken(const Tile& tile) const;
   /// Selects the item at the path, and opens the rows down to it.

@@ -1,11 +1,8 @@
 #include "Spacemint/views/PictureItem.h"
-#include "Spacemint/views/ShownText.h"
-#include "core/base/ByteFormat.h"
 #include "ui_kit/Theme.h"
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
-#include <QPainter>
 
 namespace spacemint {
 
@@ -31,22 +28,28 @@ QVariantList Icicle::blocks() const {
   return blocks;
 }
 
-void Icicle::paintTile(QPainter& painter, const Tile& tile) const {
-  fill(painter, tile);
+std::vector<PictureItem::TileText> Icicle::textsOf(const Tile& tile) const {
   constexpr qreal inset = 6;
-  if (tile.box.width < scaled(40) || tile.kind == Tile::Kind::notInFiles) return;
-  painter.setPen(tile.kind == Tile::Kind::free || tile.kind == Tile::Kind::small ? theme().secondary()
-                                                                                 : ink(tile));
-  painter.setFont(font(tile.depth == 0 ? QFont::DemiBold : QFont::Medium));
-  const QFontMetricsF metrics{painter.font()};
-  QRectF line{tile.box.x + inset, tile.box.y, tile.box.width - 2 * inset, tile.box.height};
+  if (tile.box.width < scaled(40) || tile.kind == Tile::Kind::notInFiles) return {};
+  const bool isFaint = tile.kind == Tile::Kind::free || tile.kind == Tile::Kind::small;
+  const QColor color = isFaint ? theme().secondary() : ink(tile);
+  const QFont::Weight weight = tile.depth == 0 ? QFont::DemiBold : QFont::Medium;
+  const QFontMetricsF metrics{font(weight)};
+  const qreal left = tile.box.x + inset;
+  qreal right = tile.box.x + tile.box.width - inset;
+  const qreal height = scaled(14);
+  const qreal y = tile.box.y + (tile.box.height - height) / 2;
+  const auto box = [&](qreal x, qreal width) { return QRectF{x, y, width, height}; };
+  std::vector<TileText> texts;
   if (tile.box.width >= scaled(96)) {
-    const QString size = ShownText::plain(ByteFormat::string(tile.size, explorer()->locale()));
-    painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, size);
-    line.setRight(line.right() - metrics.horizontalAdvance(size) - inset);
+    const QString size = sizeOf(tile);
+    const qreal width = metrics.horizontalAdvance(size);
+    texts.push_back({size, box(right - width, width), color, weight});
+    right -= width + inset;
   }
-  painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
-                   metrics.elidedText(explorer()->nameOf(tile), Qt::ElideRight, line.width()));
+  const QString name = metrics.elidedText(explorer()->nameOf(tile), Qt::ElideRight, right - left);
+  texts.push_back({name, box(left, metrics.horizontalAdvance(name)), color, weight});
+  return texts;
 }
 
 // The first row leads up, a folder is opened, and all else becomes the current row of the list.

@@ -1,10 +1,13 @@
 #include "Spacemint/views/PictureItem.h"
 
+#include "Spacemint/views/ShownText.h"
 #include "core/analysis/Age.h"
+#include "core/base/ByteFormat.h"
 #include "ui_kit/Theme.h"
 #include "ui_kit/UiKit.h"
 
 #include <QPainter>
+#include <QRegion>
 
 #include <algorithm>
 #include <array>
@@ -17,9 +20,20 @@ namespace {
 constexpr qreal roundFrom = 16;
 constexpr qreal radius = 4;
 constexpr qreal dimmed = 0.35;
+constexpr qreal textGap = 7;
 
 QRectF rectOf(const Box& box) {
   return {box.x, box.y, box.width, box.height};
+}
+
+void roundedBox(QPainter& painter, const QRectF& box) {
+  const bool isRound = box.width() >= roundFrom && box.height() >= roundFrom;
+  painter.setRenderHint(QPainter::Antialiasing, isRound || painter.pen().style() != Qt::NoPen);
+  if (isRound) {
+    painter.drawRoundedRect(box, radius, radius);
+  } else {
+    painter.drawRect(box);
+  }
 }
 
 // The step of the age colours, newest first; absent if the age is unknown.
@@ -98,11 +112,11 @@ qreal PictureItem::scaled(qreal length) const {
   return std::round(length * theme().textScale());
 }
 
-QFont PictureItem::font(int weight) const {
+QFont PictureItem::font(QFont::Weight weight) const {
   QFont font{theme().sansFamily()};
   constexpr qreal size = 11;
   font.setPixelSize(static_cast<int>(scaled(size)));
-  font.setWeight(static_cast<QFont::Weight>(weight));
+  font.setWeight(weight);
   return font;
 }
 
@@ -169,47 +183,49 @@ void PictureItem::mouseDoubleClickEvent(QMouseEvent* event) {
 void PictureItem::paint(QPainter* painter) {
   painter->setRenderHint(QPainter::TextAntialiasing);
   for (const Tile& tile : tiles_) {
-    const bool isDimmed = explorer_->isSearching() && tile.kind != Tile::Kind::frame &&
-                          (tile.node == nullptr || !explorer_->isFound(*tile.node));
+    const bool isDimmed =
+        explorer_->isSearching() && (tile.node == nullptr || !explorer_->isFound(*tile.node));
     painter->setOpacity(isDimmed ? dimmed : 1);
-    paintTile(*painter, tile);
+    const std::vector<TileText> texts = textsOf(tile);
+    fill(*painter, tile, texts);
+    for (const TileText& each : texts) {
+      painter->setFont(font(each.weight));
+      painter->setPen(each.color);
+      painter->drawText(each.box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
+                        each.text);
+    }
   }
 }
 
-void PictureItem::roundedBox(QPainter& painter, const QRectF& box) {
-  const bool isRound = box.width() >= roundFrom && box.height() >= roundFrom;
-  painter.setRenderHint(QPainter::Antialiasing, isRound || painter.pen().style() != Qt::NoPen);
-  if (isRound) {
-    painter.drawRoundedRect(box, radius, radius);
-  } else {
-    painter.drawRect(box);
-  }
+QString PictureItem::sizeOf(const Tile& tile) const {
+  return ShownText::plain(ByteFormat::string(tile.size, explorer_->locale()));
 }
 
 QColor PictureItem::ink(const Tile& tile) const {
-  const bool isAged = explorer_->colouring() == Explorer::Colouring::Age && tile.node != nullptr &&
-                      tile.kind == Tile::Kind::item;
+  const bool isAged = showsAge() && tile.node != nullptr && tile.kind != Tile::Kind::frame;
   constexpr std::size_t oldest = 3;
   return isAged && ageStep(*tile.node, explorer_->now()) == oldest ? theme().canvas() : theme().ink();
 }
 
-void PictureItem::fill(QPainter& painter, const Tile& tile) const {
+void PictureItem::fill(QPainter& painter, const Tile& tile, std::span<const TileText> texts) const {
   const QRectF box = rectOf(tile.box);
-  if (tile.kind == Tile::Kind::small || tile.kind == Tile::Kind::free) {
+  if (tile.kind == Tile::Kind::small || tile.kind == Tile::Kind::free || tile.kind == Tile::Kind::frame) {
     painter.setPen(theme().border());
-    painter.setBrush(tile.kind == Tile::Kind::small ? theme().well() : theme().canvas());
+    painter.setBrush(tile.kind == Tile::Kind::small   ? theme().well()
+                     : tile.kind == Tile::Kind::frame ? theme().frame()
+                                                      : theme().canvas());
     constexpr qreal half = 0.5;
     return roundedBox(painter, box.adjusted(half, half, -half, -half));
   }
   if (tile.kind == Tile::Kind::notInFiles) return hatch(painter, box);
-  if (explorer_->colouring() == Explorer::Colouring::Age && tile.node != nullptr) {
+  if (showsAge() && tile.node != nullptr) {
     fillAge(painter, tile);
   } else {
-    fillGrowth(painter, tile);
+    fillGrowth(painter, tile, texts);
   }
 }
 
-void PictureItem::fillGrowth(QPainter& painter, const Tile& tile) const {
+void PictureItem::fillGrowth(QPainter& painter, const Tile& tile, std::span<const TileText> texts) const {
   const QRectF box = rectOf(tile.box);
   const Bytes growth = tile.growth();
   const double share = tile.size > 0 ? static_cast<double>(growth) / static_cast<double>(tile.size) : 0;
@@ -226,8 +242,12 @@ void PictureItem::fillGrowth(QPainter& painter, const Tile& tile) const {
   painter.setClipRect(from);
   painter.setBrush(theme().grown());
   roundedBox(painter, box);
-  if (came < box.height() - 1)
-    painter.fillRect(QRectF{from.x(), std::round(from.y()), from.width(), 1}, theme().amberInk());
+  if (came < box.height() - 1) {
+    // The edge of what came stops before a text.
+    QRegion edge{QRectF{from.x(), std::round(from.y()), from.width(), 1}.toAlignedRect()};
+    for (const TileText& each : texts) edge -= each.box.adjusted(-textGap, 0, textGap, 0).toAlignedRect();
+    for (const QRect& part : edge) painter.fillRect(part, theme().amberInk());
+  }
   painter.restore();
 }
 

@@ -2,9 +2,12 @@
 
 #include "Spacemint/views/Explorer.h"
 
+#include <QColor>
+#include <QFont>
 #include <QQuickPaintedItem>
 #include <QRectF>
 
+#include <span>
 #include <vector>
 
 namespace spacemint {
@@ -43,8 +46,18 @@ class PictureItem : public QQuickPaintedItem {
   void menuWanted(qreal x, qreal y);
 
  protected:
+  /// A text in a tile, on one line.
+  struct TileText {
+    QString text;
+    QRectF box;
+    QColor color;
+    QFont::Weight weight = QFont::Medium;
+  };
+
   virtual std::vector<Tile> layOut() const = 0;
-  virtual void paintTile(QPainter& painter, const Tile& tile) const = 0;
+  virtual std::vector<TileText> textsOf(const Tile& tile) const = 0;
+  /// Whether the colours show the age, and not what came.
+  virtual bool showsAge() const { return explorer_->colouring() == Explorer::Colouring::Age; }
   /// A click on the tile.
   virtual void choose(std::size_t tile) = 0;
   virtual void openTile(std::size_t tile) = 0;
@@ -52,19 +65,15 @@ class PictureItem : public QQuickPaintedItem {
   const std::vector<Tile>& tiles() const { return tiles_; }
   std::string path(std::size_t tile) const;
   const Theme& theme() const;
-  QFont font(int weight) const;
+  QFont font(QFont::Weight weight) const;
   qreal scaled(qreal length) const;
   QRectF frameOf(std::size_t tile) const;
   std::size_t tileOfItem(const std::string& itemPath) const;
   virtual std::size_t pointedTile() const;
   void point(std::size_t tile);
 
-  // The parts of all pictures.
-  /// Fills the tile: what is there, from below what came, or the age.
-  void fill(QPainter& painter, const Tile& tile) const;
   QColor ink(const Tile& tile) const;
-  void hatch(QPainter& painter, const QRectF& box) const;
-  static void roundedBox(QPainter& painter, const QRectF& box);
+  QString sizeOf(const Tile& tile) const;
 
   void componentComplete() override;
   void geometryChange(const QRectF& now, const QRectF& before) override;
@@ -76,7 +85,10 @@ class PictureItem : public QQuickPaintedItem {
 
  private:
   void rebuild();
-  void fillGrowth(QPainter& painter, const Tile& tile) const;
+  /// Fills the tile: what is there, from below what came, or the age.
+  void fill(QPainter& painter, const Tile& tile, std::span<const TileText> texts) const;
+  void hatch(QPainter& painter, const QRectF& box) const;
+  void fillGrowth(QPainter& painter, const Tile& tile, std::span<const TileText> texts) const;
   void fillAge(QPainter& painter, const Tile& tile) const;
   std::size_t tileUnder(const QPointF& point) const { return tileAt(tiles_, point.x(), point.y()); }
 
@@ -100,14 +112,14 @@ class TreeMap : public spacemint::PictureItem {
 
  protected:
   std::vector<Tile> layOut() const override;
-  void paintTile(QPainter& painter, const Tile& tile) const override;
+  std::vector<TileText> textsOf(const Tile& tile) const override;
   void choose(std::size_t tile) override;
   void openTile(std::size_t tile) override;
   void wheelEvent(QWheelEvent* event) override;
 
  private:
-  void paintFrame(QPainter& painter, const Tile& tile) const;
-  void paintLabel(QPainter& painter, const Tile& tile) const;
+  std::vector<TileText> titleOf(const Tile& frame) const;
+  std::vector<TileText> labelOf(const Tile& tile) const;
 
   int wheelTurn_ = 0;
 };
@@ -135,7 +147,9 @@ class Icicle : public spacemint::PictureItem {
 
  protected:
   std::vector<Tile> layOut() const override;
-  void paintTile(QPainter& painter, const Tile& tile) const override;
+  std::vector<TileText> textsOf(const Tile& tile) const override;
+  /// The person cannot choose the colours here, so it is plain where there is nothing to compare with.
+  bool showsAge() const override { return explorer()->canCompare() && PictureItem::showsAge(); }
   void choose(std::size_t tile) override;
   void openTile(std::size_t tile) override { choose(tile); }
   void keyPressEvent(QKeyEvent* event) override;

@@ -1,11 +1,9 @@
 #include "Spacemint/views/PictureItem.h"
 #include "Spacemint/views/ShownText.h"
-#include "core/base/ByteFormat.h"
 #include "core/wording/PictureText.h"
 #include "ui_kit/Theme.h"
 
 #include <QFontMetricsF>
-#include <QPainter>
 #include <QWheelEvent>
 
 namespace spacemint {
@@ -13,13 +11,6 @@ namespace spacemint {
 namespace {
 
 constexpr qreal inset = 6;
-
-// Draws the text from `x` on; returns where it ends.
-qreal drawPart(QPainter& painter, const QString& text, const QRectF& line, qreal x) {
-  painter.drawText(QRectF{x, line.y(), line.right() - x, line.height()}, Qt::AlignLeft | Qt::AlignVCenter,
-                   text);
-  return x + QFontMetricsF{painter.font()}.horizontalAdvance(text);
-}
 
 }  // namespace
 
@@ -33,60 +24,60 @@ std::vector<Tile> TreeMap::layOut() const {
                   .frameHeight = scaled(usual.frameHeight)});
 }
 
-void TreeMap::paintTile(QPainter& painter, const Tile& tile) const {
-  if (tile.kind == Tile::Kind::frame) return paintFrame(painter, tile);
-  fill(painter, tile);
-  paintLabel(painter, tile);
+std::vector<PictureItem::TileText> TreeMap::textsOf(const Tile& tile) const {
+  return tile.kind == Tile::Kind::frame ? titleOf(tile) : labelOf(tile);
 }
 
-void TreeMap::paintFrame(QPainter& painter, const Tile& tile) const {
-  const QRectF box{tile.box.x, tile.box.y, tile.box.width, tile.box.height};
-  painter.setPen(theme().border());
-  painter.setBrush(theme().frame());
-  constexpr qreal half = 0.5;
-  roundedBox(painter, box.adjusted(half, half, -half, -half));
-  const QRectF line{box.x() + inset, box.y(), box.width() - 2 * inset, scaled(MapMeasures{}.title)};
-  painter.setFont(font(QFont::DemiBold));
-  painter.setPen(theme().ink());
-  const QFontMetricsF bold{painter.font()};
-  const QString name = bold.elidedText(explorer()->nameOf(tile), Qt::ElideRight, line.width());
-  qreal x = drawPart(painter, name, line, line.x()) + inset;
-  painter.setFont(font(QFont::Medium));
-  const QFontMetricsF metrics{painter.font()};
-  // The size, and at the end of the line what came or went, as they fit.
-  const QString size = ShownText::plain(ByteFormat::string(tile.size, explorer()->locale()));
-  if (x + metrics.horizontalAdvance(size) > line.right()) return;
-  painter.setPen(theme().secondary());
-  x = drawPart(painter, size, line, x) + inset;
-  if (explorer()->colouring() != Explorer::Colouring::Growth) return;
-  const QString change = ShownText::plain(PictureText::change(tile.growth(), explorer()->locale()));
-  const qreal left = line.right() - metrics.horizontalAdvance(change);
-  if (change.isEmpty() || left < x) return;
-  painter.setPen(tile.growth() > 0 ? theme().amberInk() : theme().teal());
-  drawPart(painter, change, line, left);
+// The name, the size, and at the end of the line what came or went, as they fit.
+std::vector<PictureItem::TileText> TreeMap::titleOf(const Tile& frame) const {
+  const QRectF line{frame.box.x + inset, frame.box.y, frame.box.width - 2 * inset,
+                    scaled(MapMeasures{}.title)};
+  const QFontMetricsF bold{font(QFont::DemiBold)};
+  const QFontMetricsF metrics{font(QFont::Medium)};
+  const auto box = [&](qreal x, qreal width) { return QRectF{x, line.y(), width, line.height()}; };
+  const QString name = bold.elidedText(explorer()->nameOf(frame), Qt::ElideRight, line.width());
+  std::vector<TileText> texts{
+      {name, box(line.x(), bold.horizontalAdvance(name)), theme().ink(), QFont::DemiBold}};
+  const QString size = sizeOf(frame);
+  const QRectF sizeBox = box(texts[0].box.right() + inset, metrics.horizontalAdvance(size));
+  if (sizeBox.right() > line.right()) return texts;
+  texts.push_back({size, sizeBox, theme().secondary()});
+  if (explorer()->colouring() != Explorer::Colouring::Growth) return texts;
+  const QString change = ShownText::plain(PictureText::change(frame.growth(), explorer()->locale()));
+  const qreal width = metrics.horizontalAdvance(change);
+  if (change.isEmpty() || line.right() - width < sizeBox.right() + inset) return texts;
+  texts.push_back(
+      {change, box(line.right() - width, width), frame.growth() > 0 ? theme().amberInk() : theme().teal()});
+  return texts;
 }
 
-void TreeMap::paintLabel(QPainter& painter, const Tile& tile) const {
+// The name and, on a second line, the size. A figure that does not fit is left out, because a part of it
+// would be another figure.
+std::vector<PictureItem::TileText> TreeMap::labelOf(const Tile& tile) const {
   const bool isWide = tile.box.width >= scaled(40) && tile.box.height >= scaled(18);
-  if (!isWide) return;
-  painter.setFont(font(QFont::Medium));
-  painter.setPen(tile.kind == Tile::Kind::small ? theme().secondary() : ink(tile));
-  const QFontMetricsF metrics{painter.font()};
-  const qreal lineHeight = scaled(14);
-  const qreal top = tile.box.y + std::min<qreal>(3, (tile.box.height - lineHeight) / 2);
-  QRectF line{tile.box.x + inset, top, tile.box.width - 2 * inset, lineHeight};
-  const auto draw = [&](const QString& text) {
-    drawPart(painter, metrics.elidedText(text, Qt::ElideRight, line.width()), line, line.x());
-    line.translate(0, lineHeight);
+  if (!isWide) return {};
+  const QFontMetricsF metrics{font(QFont::Medium)};
+  const QColor color = tile.kind == Tile::Kind::small ? theme().secondary() : ink(tile);
+  const qreal height = scaled(14);
+  const qreal width = tile.box.width - 2 * inset;
+  qreal y = tile.box.y + std::min<qreal>(3, (tile.box.height - height) / 2);
+  std::vector<TileText> texts;
+  const auto add = [&](const QString& text) {
+    texts.push_back({text, {tile.box.x + inset, y, metrics.horizontalAdvance(text), height}, color});
+    y += height;
   };
   QString name = explorer()->nameOf(tile);
   if (!name.isEmpty() && tile.kind == Tile::Kind::small) name[0] = name[0].toUpper();
-  draw(name);
-  if (tile.box.height < scaled(34)) return;
-  const QString size = ShownText::plain(ByteFormat::string(tile.size, explorer()->locale()));
+  add(metrics.elidedText(name, Qt::ElideRight, width));
+  if (tile.box.height < scaled(34)) return texts;
   const QString both = ShownText::plain(PictureText::inTile(tile, explorer()->locale()));
-  const bool fits = metrics.horizontalAdvance(both) <= line.width();
-  draw(fits && explorer()->colouring() == Explorer::Colouring::Growth ? both : size);
+  const bool isGrowth = explorer()->colouring() == Explorer::Colouring::Growth;
+  for (const QString& figures : {isGrowth ? both : sizeOf(tile), sizeOf(tile)}) {
+    if (metrics.horizontalAdvance(figures) > width) continue;
+    add(figures);
+    break;
+  }
+  return texts;
 }
 
 void TreeMap::choose(std::size_t tile) {
