@@ -132,9 +132,9 @@ const Theme& FreeLine::theme() const {
   return UiKit::theme(*qmlEngine(this));
 }
 
-// The last point is a dot, which needs room at the right.
+// The last point is a dot and the chosen scan a ring, which need room at the ends.
 QPointF FreeLine::pointOf(const SpacePoint& point) const {
-  constexpr qreal left = 2;
+  constexpr qreal left = 5;
   constexpr qreal right = 6;
   return {left + point.x * (width() - left - right), point.y * lineHeight_};
 }
@@ -191,6 +191,39 @@ void FreeLine::paint(QPainter* painter) {
   paintDates(*painter);
 }
 
+// Whether the line, or the mark of the chosen scan, goes through the box.
+bool FreeLine::isCrossed(const QRectF& box) const {
+  if (const int chosen = history_->chosen(); chosen >= 0) {
+    const qreal x = pointOf(scanPoint(chosen)).x();
+    if (x > box.left() - 1 && x < box.right() + 1) return true;
+  }
+  const auto& points = history_->line().points;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const QPointF from = pointOf(points[i - 1]);
+    const QPointF to = pointOf(points[i]);
+    if (to.x() < box.left() || from.x() > box.right()) continue;
+    const auto heightAt = [&](qreal x) {
+      const qreal length = to.x() - from.x();
+      return length > 0 ? std::lerp(from.y(), to.y(), (x - from.x()) / length) : to.y();
+    };
+    const auto [upper, lower] =
+        std::minmax({heightAt(std::max(from.x(), box.left())), heightAt(std::min(to.x(), box.right()))});
+    if (upper < box.bottom() && lower > box.top()) return true;
+  }
+  return false;
+}
+
+// A place for the text over the level, which is at `y`: over its beginning, or where the line leaves room.
+QRectF FreeLine::levelBox(const QSizeF& size, qreal y) const {
+  constexpr qreal gap = 2;
+  constexpr qreal step = 12;
+  const auto box = [&](qreal x) { return QRectF{QPointF{x, y - size.height()}, size}; };
+  for (qreal x = gap; x + size.width() < width() - step; x += step) {
+    if (!isCrossed(box(x))) return box(x);
+  }
+  return box(gap);
+}
+
 void FreeLine::paintGround(QPainter& painter) const {
   const SpaceLine& line = history_->line();
   const qreal end = pointOf(line.points.back()).x();
@@ -210,8 +243,10 @@ void FreeLine::paintGround(QPainter& painter) const {
   painter.setPen(pen);
   painter.drawLine(QPointF{0, y}, QPointF{width(), y});
   painter.setPen(theme().secondary());
-  constexpr qreal gap = 2;
-  painter.drawText(QPointF{gap, y - gap - 1}, history_->levelText());
+  const QFontMetricsF metrics{painter.font()};
+  const QString text = history_->levelText();
+  painter.drawText(levelBox({metrics.horizontalAdvance(text), metrics.height()}, y),
+                   Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, text);
 }
 
 void FreeLine::paintLine(QPainter& painter) const {

@@ -5,6 +5,8 @@
 
 #include <QPointF>
 #include <QQuickPaintedItem>
+#include <QRectF>
+#include <QSizeF>
 
 #include <vector>
 
@@ -100,6 +102,8 @@ class FreeLine : public QQuickPaintedItem {
   const SpacePoint& scanPoint(int place) const;
   int placeAt(qreal x) const;
   void setPointed(int place);
+  bool isCrossed(const QRectF& box) const;
+  QRectF levelBox(const QSizeF& size, qreal y) const;
   void paintGround(QPainter& painter) const;
   void paintLine(QPainter& painter) const;
   void paintScans(QPainter& painter) const;

@@ -36,7 +36,7 @@ Item {
         lineHeight: root.lineHeight
     }
     Label {
-        anchors.verticalCenter: parent.verticalCenter
+        y: (root.lineHeight - height) / 2
         visible: text
         text: root.history.text
         size: 12

@@ -9,14 +9,13 @@ Column {
 
     required property var histories
     required property list<string> titles
-    property Item focused: lines.itemAt(1)?.children[1] ?? null
+    /// The second line.
+    property Item focused: null
 
     spacing: 24
     width: 420
 
     Repeater {
-        id: lines
-
         model: root.histories.length
 
         Column {
@@ -35,6 +34,10 @@ Column {
             FreeSpaceLine {
                 width: 420
                 history: root.histories[one.index]
+                Component.onCompleted: {
+                    if (one.index === 1)
+                        root.focused = this;
+                }
             }
         }
     }
