@@ -7,6 +7,8 @@ Flickable {
     id: root
 
     property real padding: 0
+    /// A wide column leaves the rest of its width free.
+    property real maximumWidth: Infinity
     property alias spacing: column.spacing
     default property alias content: column.data
     property real heightBefore: 0
@@ -68,7 +70,7 @@ Flickable {
 
         x: root.padding
         y: root.padding
-        width: root.width - 2 * root.padding
+        width: Math.min(root.width - 2 * root.padding, root.maximumWidth)
         spacing: 8
     }
 

@@ -10,6 +10,8 @@ T.TextField {
     property string hint
     /// The symbol before the text; empty for none.
     property string symbol: "magnifyingglass"
+    /// With this width the hint is seen in full.
+    readonly property real hintWidth: leftPadding + hintLabel.implicitWidth + rightPadding
 
     implicitWidth: Theme.scaled(180)
     implicitHeight: Math.ceil(metrics.height) + topPadding + bottomPadding
@@ -37,6 +39,8 @@ T.TextField {
         font: root.font
     }
     Label {
+        id: hintLabel
+
         x: root.leftPadding
         width: root.width - x - root.rightPadding
         anchors.verticalCenter: parent.verticalCenter

@@ -9,11 +9,14 @@ ColumnLayout {
 
     required property Ui ui
     readonly property Files files: ui.files
+    /// A wide page leaves the rest of its width free.
+    property real maximumWidth: Infinity
 
     spacing: 0
 
     Flow {
         Layout.fillWidth: true
+        Layout.maximumWidth: root.maximumWidth
         Layout.leftMargin: 20
         Layout.rightMargin: 20
         Layout.topMargin: 14
@@ -50,6 +53,7 @@ ColumnLayout {
     }
     KindsBar {
         Layout.fillWidth: true
+        Layout.maximumWidth: root.maximumWidth
         Layout.leftMargin: 20
         Layout.rightMargin: 20
         Layout.topMargin: 12
@@ -57,6 +61,7 @@ ColumnLayout {
         files: root.files
     }
     SectionHeader {
+        Layout.maximumWidth: root.maximumWidth
         Layout.margins: 20
         Layout.topMargin: 14
         Layout.bottomMargin: 10
@@ -81,6 +86,7 @@ ColumnLayout {
         Layout.fillHeight: true
         rows: root.files.largest
         name: root.files.title
+        maximumWidth: root.maximumWidth
         focus: true
     }
     MarkedBar {

@@ -7,8 +7,12 @@ RowList {
 
     // A layout sets the height. With the height of all rows the list would first make every row.
     implicitHeight: 200
+    /// A wide list leaves the rest of its width free.
+    property real maximumWidth: Infinity
+    readonly property real cardWidth: Math.min(width - 40, maximumWidth)
+
     leftMargin: 24
-    rightMargin: 24
+    rightMargin: width - cardWidth - 16
     interactive: true
     canMark: true
     clip: true
@@ -31,7 +35,7 @@ RowList {
         z: -1
         x: 20
         y: Math.max(-radius, listTop)
-        width: root.width - 40
+        width: root.cardWidth
         height: end - y
         visible: root.count > 0
         radius: 12

@@ -13,6 +13,8 @@ ScrollColumn {
     property bool showAllGrowth: false
     /// Two in a wide window: what changed, and what can be freed.
     property int columns: 1
+    /// False where the free space over time is shown beside the page.
+    property bool showsLine: true
 
     readonly property Overview overview: ui.overview
     readonly property string growthToggle: overview.growthToggle(overview.growthCount, showAllGrowth)
@@ -76,6 +78,8 @@ ScrollColumn {
             }
 
             SectionHeader {
+                id: changedHeader
+
                 title: Words.whatChanged
 
                 Picker {
@@ -88,6 +92,7 @@ ScrollColumn {
             }
             FreeSpaceLine {
                 Layout.fillWidth: true
+                visible: root.showsLine && history.isKnown
                 history: root.ui.spaceHistory
             }
             Label {
@@ -113,7 +118,8 @@ ScrollColumn {
                     name: Words.whatChanged
                     sizeColor: Theme.amberInk
                     isTree: true
-                    barLength: Theme.scaled(140)
+                    // As long in the third level as in the first, so that the bars compare.
+                    barLength: Math.min(Theme.scaled(180), width - 60 - Theme.scaled(130))
                     onRowClicked: index => rows.toggle(rows.rowIdAt(index))
                     onRowOpened: index => rows.showInFolders(rows.rowIdAt(index))
                 }
@@ -136,6 +142,8 @@ ScrollColumn {
             spacing: 10
 
             SectionHeader {
+                // Level with the title in the other column.
+                Layout.minimumHeight: root.columns > 1 && !root.overview.growing.count ? changedHeader.implicitHeight : 0
                 title: Words.whereToFree
             }
             AccessCard {

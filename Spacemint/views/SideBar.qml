@@ -100,7 +100,8 @@ Rectangle {
         Label {
             Layout.fillWidth: true
             visible: root.ui.source.isOfHere && !root.ui.scan.scanning
-            text: root.ui.scan.scanned
+            // The folder on a line of its own.
+            text: root.ui.scan.scanned.replace(" · ", "\n")
             size: 11
             color: Theme.secondary
             wrapMode: Text.Wrap

@@ -10,17 +10,16 @@ Item {
     property bool isWide: false
     /// In how many columns the overview is.
     property int columns: 1
-    /// The pages other than the folders are no wider than this.
-    readonly property real widest: isWide ? 640 * columns + 40 : width
-
-    readonly property real beside: Math.max(0, width - widest)
+    /// Whether the free space over time is shown elsewhere.
+    property bool hasSide: false
+    /// The content of the pages other than the folders is no wider than this.
+    readonly property real widest: columns > 1 ? 2 * 640 + 32 : 720
 
     clip: true
 
     TabPage {
         id: overview
 
-        anchors.rightMargin: root.beside
         isCurrent: root.ui.page.tab === 0
         view: "OverviewTab.qml"
         properties: ({
@@ -32,6 +31,16 @@ Item {
             property: "columns"
             value: root.columns
         }
+        Binding {
+            target: overview.item
+            property: "showsLine"
+            value: !root.hasSide
+        }
+        Binding {
+            target: overview.item
+            property: "maximumWidth"
+            value: root.widest
+        }
     }
     TabPage {
         isCurrent: root.ui.page.tab === 1
@@ -41,20 +50,34 @@ Item {
             })
     }
     TabPage {
-        anchors.rightMargin: root.beside
+        id: files
+
         isCurrent: root.ui.page.tab === 2
         view: "FilesTab.qml"
         properties: ({
                 ui: root.ui
             })
+
+        Binding {
+            target: files.item
+            property: "maximumWidth"
+            value: root.widest
+        }
     }
     TabPage {
-        anchors.rightMargin: root.beside
+        id: developer
+
         isCurrent: root.ui.page.tab === 3
         view: "DeveloperTab.qml"
         properties: ({
                 ui: root.ui
             })
+
+        Binding {
+            target: developer.item
+            property: "maximumWidth"
+            value: root.widest
+        }
     }
 
     component TabPage: LazyView {

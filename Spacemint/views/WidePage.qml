@@ -76,7 +76,7 @@ Item {
                 SearchField {
                     id: search
 
-                    implicitWidth: Theme.scaled(root.step >= 1200 ? 240 : root.hasSide ? 190 : 180)
+                    implicitWidth: Math.max(Theme.scaled(root.hasSide ? 190 : 180), Math.min(Theme.scaled(240), root.step >= 1200 ? Infinity : hintWidth))
                     hint: Words.findInScan
                     onTextEdited: {
                         root.ui.explorer.query = text;
@@ -121,6 +121,7 @@ Item {
             }
             SpaceWarning {
                 Layout.fillWidth: true
+                Layout.maximumWidth: root.showsFolders ? Infinity : tabs.widest
                 Layout.margins: 20
                 Layout.bottomMargin: 0
                 visible: root.ui.summary.warning
@@ -143,10 +144,13 @@ Item {
                 }
             }
             TabStack {
+                id: tabs
+
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 ui: root.ui
                 isWide: true
+                hasSide: root.hasSide
                 columns: root.step >= 1200 ? 2 : 1
             }
             MessageBanner {
