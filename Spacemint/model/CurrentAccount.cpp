@@ -31,7 +31,7 @@ void CurrentAccount::refreshIfOld() {
 
 void CurrentAccount::read() {
   const SharedSnapshot scan = history_.snapshot();
-  if (!scan || !context_.volumeFacts) return;
+  if (!scan || scan->measuredPart || !context_.volumeFacts) return;
   if (isReading_) {
     isOutdated_ = true;
     return;

@@ -24,7 +24,7 @@ class CurrentAccount : public QObject {
 
   CurrentAccount(const ScanHistory& history, Tasks& tasks, const Clock& clock, const AppContext& context);
 
-  /// Absent without a scan, until the first reading is done, and if that failed.
+  /// Absent without a scan that reached its end, until the first reading is done, and if that failed.
   const std::optional<Account>& account() const { return account_; }
   bool isReading() const { return isReading_; }
   /// The last reading failed, or the scan has nothing of the volume.
