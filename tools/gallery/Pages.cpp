@@ -53,6 +53,7 @@ std::vector<Page> pages() {
   std::ranges::move(pagesOfPanel(), std::back_inserter(all));
   std::ranges::move(pagesOfTabs(), std::back_inserter(all));
   std::ranges::move(pagesOfPictures(), std::back_inserter(all));
+  std::ranges::move(pagesOfScans(), std::back_inserter(all));
   return all;
 }
 

@@ -34,6 +34,9 @@ std::vector<Page> pagesOfTabs();
 /// The pages with pictures of folders, and the large window.
 std::vector<Page> pagesOfPictures();
 
+/// The pages during a scan, and after a scan that was stopped.
+std::vector<Page> pagesOfScans();
+
 /// All pages, in the order in which they are drawn.
 std::vector<Page> pages();
 

@@ -1,3 +1,4 @@
+#include "HomeOfAnn.h"
 #include "Pages.h"
 #include "Spacemint/views/Ui.h"
 #include "core/history/NcduFormat.h"
@@ -13,49 +14,6 @@ namespace {
 using support::GB;
 using support::morning;
 using namespace std::chrono_literals;
-
-// A file that changed so many days before the scan.
-Node agedFile(std::string name, double megabytes, int days) {
-  return {.name = std::move(name),
-          .size = static_cast<Bytes>(megabytes * 1e6),
-          .modified = morning - std::chrono::days{days}};
-}
-
-/// The home folder of Ann, before and after two days in which it grew.
-Node homeOfAnn(const std::string& name, bool isLater) {
-  using support::folder;
-  std::vector<Node> concerts{agedFile("summer.mkv", 1000, 100)};
-  if (isLater) concerts.push_back(agedFile("2026-11-24 evening.mkv", 4100, 1));
-  std::vector<Node> downloads{agedFile("debian-12-amd64-DVD-1.iso", 4000, 300),
-                              folder("old", {agedFile("a.zip", 600, 900), agedFile("b.zip", 400, 1400)})};
-  if (isLater) downloads.push_back(agedFile("ubuntu-26.04-desktop-amd64.iso", 1900, 1));
-  const double grown = isLater ? 1 : 0;
-  return folder(
-      name,
-      {folder("Videos",
-              {folder("Archive", {agedFile("old wedding.mov", 11000, 2000), agedFile("cut.mov", 600, 1900)}),
-               agedFile("holiday in the mountains.mp4", 6900 + 2100 * grown, 2),
-               folder("Concerts", std::move(concerts)), agedFile("birthday.mkv", 2700, 500)}),
-       folder("vm", {folder("windows", {agedFile("disk.img", 11800 + 3600 * grown, 1),
-                                        agedFile("snapshot.img", 2600, 60)}),
-                     agedFile("docker.raw", 6000 + 1000 * grown, 0)}),
-       folder("Downloads", std::move(downloads)),
-       folder(".local", {folder("share", {folder("Steam", {agedFile("game", 3900, 200)}),
-                                          folder("flatpak", {agedFile("repo", 1500, 90)})}),
-                         folder("state", {agedFile("log", 200, 3)})}),
-       folder(".cache",
-              {folder("huggingface", {agedFile("Llama-3-8B", 3700, 40), agedFile("tokens", 300, 40)}),
-               folder("pip", {agedFile("http", 400 + 500 * grown, 1)}),
-               folder("npm", {agedFile("_cacache", 300 + 200 * grown, 1)})}),
-       folder("Documents",
-              {folder("Projects", {agedFile("atlas.psd", 1200, 700), agedFile("plan.pdf", 800, 20)}),
-               folder("scans", {agedFile("2019.pdf", 600, 1500)}),
-               folder("taxes", {agedFile("2020.pdf", 400, 1100)})}),
-       folder("code", {folder("shop", {folder("node_modules", {agedFile("all", 1000 - 300 * grown, 30)}),
-                                       agedFile("pack", 500, 5)}),
-                       folder("app", {agedFile("build", 500, 9), agedFile("dist", 200, 9)})})},
-      {.unlisted = 300'000'000, .unlistedFiles = 4000});
-}
 
 /// A model with stored scans, and with its interface.
 class PictureScene final : public support::ModelFixture {
@@ -81,30 +39,22 @@ class PictureScene final : public support::ModelFixture {
   Ui& ui() { return *ui_; }
 
   void ann() {
-    storeHome(morning - 49h, homeOfAnn("", false).children, 52'900'000'000);
-    storeHome(morning - 4min, homeOfAnn("", true).children, 38'800'000'000);
+    for (const int hour : {311, 287, 263, 239, 215, 191, 167, 144, 120, 96, 73, 49})
+      scan(morning - std::chrono::hours{hour}, homeOfAnn(home, false), 52'900'000'000);
+    once();
   }
-  void once() { storeHome(morning - 4min, homeOfAnn("", true).children, 38'800'000'000); }
+  void once() { scan(morning - 4min, homeOfAnn(home, true), 38'800'000'000); }
   // A scan of the whole disk, of which some space is in no file.
   void wholeDisk() {
-    const auto scan = [&](Date date, bool isLater, Bytes free) {
+    const auto scanDisk = [&](Date date, bool isLater, Bytes free) {
       Node root = support::folder(disk, {homeOfAnn("home", isLater),
                                          support::folder("usr", {agedFile("lib", 4500 + 100 * isLater, 30)}),
                                          support::folder("var", {agedFile("log", 1900 + 200 * isLater, 1)}),
                                          support::folder("opt", {agedFile("tool", 200, 400)})});
-      const Coverage coverage{
-          .places = {{.place = {.mountPoint = disk, .root = "/", .fileSystem = "ext4"}, .size = root.size}}};
-      EXPECT_TRUE(store.save({.date = date,
-                              .root = std::move(root),
-                              .fileCount = 612'345,
-                              .volumeFree = free,
-                              .volumeTotal = 129 * GB,
-                              .minNodeSize = ScanLifecycle::minNodeSize,
-                              .fullScanDate = date,
-                              .coverage = coverage}));
+      scan(date, std::move(root), free);
     };
-    scan(morning - 49h, false, 52'900'000'000);
-    scan(morning - 4min, true, 38'800'000'000);
+    scanDisk(morning - 49h, false, 52'900'000'000);
+    scanDisk(morning - 4min, true, 38'800'000'000);
     volumeFacts = VolumeFacts{
         .volume = {.pool = 1,
                    .name = "System",
@@ -152,9 +102,29 @@ class PictureScene final : public support::ModelFixture {
     support::writeText(file, NcduFormat::encode(scan, "db1.example.org", "1"));
     model->open(file);
   }
+  void point(int row) { ui_->explorer()->pointRow(ui_->folders()->content(), row); }
+  // A recording grows for two minutes.
+  void growing() {
+    constexpr int refreshes = 60;
+    model->growing().setSeen(true);
+    growFile("Videos", "recording.mkv", refreshes, 15 * support::MB);
+  }
   void byAge() { ui_->explorer()->setColouring(Explorer::Colouring::Age); }
 
  private:
+  void scan(Date date, Node root, Bytes free) const {
+    const Coverage coverage{
+        .places = {{.place = {.mountPoint = disk, .root = "/", .fileSystem = "ext4"}, .size = root.size}}};
+    EXPECT_TRUE(store.save({.date = date,
+                            .duration = Seconds{4.2},
+                            .root = std::move(root),
+                            .fileCount = 612'345,
+                            .volumeFree = free,
+                            .volumeTotal = 129 * GB,
+                            .minNodeSize = ScanLifecycle::minNodeSize,
+                            .fullScanDate = date,
+                            .coverage = coverage}));
+  }
   // Between the given hours the line is straight, with a reading every six hours.
   void recordFreeSpace() {
     for (std::size_t i = 0; i < past_.size(); ++i) {
@@ -184,8 +154,11 @@ using PictureStep = PictureScene::Step;
 const PictureStep ann = [](PictureScene& s) { s.ann(); };
 const PictureStep disk = [](PictureScene& s) { s.wholeDisk(); };
 const PictureStep volumes = [](PictureScene& s) { s.volumes(); };
-const PictureStep evening = [](PictureScene& s) { s.select("Videos/Concerts/2026-11-24 evening.mkv"); };
+const PictureStep evening = [](PictureScene& s) { s.select("Videos/Concerts/2026-03-01 evening.mkv"); };
 const PictureStep opened = [](PictureScene& s) { s.openExport(); };
+
+// The pages of this width are of the panel, and the others of the window.
+constexpr int panelWidth = 460;
 
 struct PicturePage {
   const char* name;
@@ -197,7 +170,8 @@ struct PicturePage {
 
 const PicturePage picturePages[] = {
     {"overview", {460, 700}, Tab::overview, ann},
-    {"folders", {460, 700}, Tab::folders, ann, [](PictureScene& s) { s.select("vm"); }},
+    {"growing", {460, 700}, Tab::overview, ann, [](PictureScene& s) { s.growing(); }},
+    {"folders", {460, 700}, Tab::folders, ann, [](PictureScene& s) { s.point(1); }},
     {"folders-inside", {460, 700}, Tab::folders, ann, [](PictureScene& s) { s.open("Videos"); }},
     {"folders-disk", {460, 700}, Tab::folders, disk},
     {"folders-once", {460, 700}, Tab::folders, [](PictureScene& s) { s.once(); }},
@@ -301,7 +275,7 @@ std::vector<Page> pagesOfPictures() {
                           [&page] {
                             PictureScene& scene = sceneOf(page.tab, page.before, page.after);
                             return QVariantMap{{QStringLiteral("ui"), QVariant::fromValue(&scene.ui())},
-                                               {QStringLiteral("windowed"), true}};
+                                               {QStringLiteral("windowed"), page.size.width() != panelWidth}};
                           },
                       .size = page.size,
                       .margin = 0});

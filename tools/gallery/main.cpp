@@ -92,6 +92,7 @@ QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
   }
   if (const auto* pointer = itemProperty(*item, "pointer")) pointAt(window, *pointer);
   QCoreApplication::processEvents();
+  window.grabWindow();  // what depends on the width of something else is in its place one frame later
   const QImage picture = window.grabWindow();
   if (printsTexts) printTexts(page.name, *window.contentItem());
   return picture;
