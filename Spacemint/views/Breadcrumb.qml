@@ -45,6 +45,7 @@ Item {
                 required property int modelData
                 readonly property bool isLast: modelData === root.crumbs.length - 1
 
+                anchors.verticalCenter: line.verticalCenter
                 spacing: 2
 
                 QuietButtonStyle {

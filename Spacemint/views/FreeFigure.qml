@@ -13,11 +13,15 @@ Row {
     readonly property real ownScale: (1 + Theme.textScale) / 2 / Theme.textScale
     readonly property real textBaseline: figure.baselineOffset
 
+    Accessible.role: Accessible.StaticText
+    Accessible.name: ui.summary.beforeFree + ui.summary.free + ui.summary.afterFree
+
     Label {
         y: figure.baselineOffset - baselineOffset
         text: root.ui.summary.beforeFree
         font: Theme.display(root.size * root.ownScale * 0.46, text)
         color: root.levelColor
+        Accessible.ignored: true
     }
     Label {
         id: figure
@@ -25,11 +29,13 @@ Row {
         text: root.ui.summary.free
         font: Theme.display(root.size * root.ownScale, text)
         color: root.levelColor
+        Accessible.ignored: true
     }
     Label {
         y: figure.baselineOffset - baselineOffset
         text: root.ui.summary.afterFree
         font: Theme.display(root.size * root.ownScale * 0.46, text)
         color: root.levelColor
+        Accessible.ignored: true
     }
 }

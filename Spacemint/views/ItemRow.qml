@@ -56,6 +56,7 @@ FocusScope {
     readonly property bool isLit: Theme.isKeyboardInUse ? activeFocus : hover.hovered || isPointedAt
     readonly property real roomForButtons: buttons.item && !hasChangeColumn ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
+    readonly property string spokenShare: Words.share(fraction)
 
     /// The person clicked the row; `time` is in milliseconds.
     signal chosen(double time)
@@ -84,7 +85,7 @@ FocusScope {
     implicitWidth: 300
     implicitHeight: Math.max(line.implicitHeight + (isInTree ? 8 : 14), Theme.scaled(isInTree ? 36 : 44))
     Accessible.role: isInTree ? Accessible.TreeItem : Accessible.ListItem
-    Accessible.name: Words.spoken([title, tag, sizeText, change])
+    Accessible.name: Words.spoken([title, tag, sizeText, spokenShare === tag ? "" : spokenShare, change])
     Accessible.description: unfolds ? Words.spokenUnfolding(subtitle, isUnfolded) : subtitle
     Accessible.selectable: true
     Accessible.selected: isSelected || isMarked
@@ -240,7 +241,7 @@ FocusScope {
                         width: root.tag ? Math.min(implicitWidth, parent.room) : parent.room
                         text: root.title
                         // A title that is not the name of a file is a sentence, which is shown in full.
-                        elide: root.isInTree ? Text.ElideRight : root.hasPath ? Text.ElideMiddle : Text.ElideNone
+                        elide: root.hasPath ? Text.ElideMiddle : root.isInTree ? Text.ElideRight : Text.ElideNone
                         wrapMode: root.hasPath || root.isInTree ? Text.NoWrap : Text.Wrap
                         Accessible.ignored: true
                     }
@@ -300,7 +301,7 @@ FocusScope {
             id: changes
 
             visible: root.hasChangeColumn
-            implicitWidth: Theme.scaled(60)
+            implicitWidth: Theme.scaled(58)
             implicitHeight: figure.implicitHeight
 
             Label {
@@ -315,6 +316,14 @@ FocusScope {
                 Accessible.ignored: true
             }
         }
+        SecondaryButtonStyle {
+            visible: root.buttonTitle
+            enabled: !root.isBusy
+            text: root.buttonTitle
+            focusPolicy: root.isCurrent ? Qt.StrongFocus : Qt.ClickFocus
+            Accessible.description: root.title
+            onClicked: root.rows.pressButton(root.rowId)
+        }
         Label {
             // A fixed width, so that all bars of a list have the same length.
             Layout.minimumWidth: root.fraction >= 0 || root.hasChangeColumn ? Theme.scaled(58) : 0
@@ -323,14 +332,6 @@ FocusScope {
             color: root.hasShrunk && !root.hasChangeColumn ? Theme.teal : root.isBusy ? Theme.secondary : root.sizeColor
             horizontalAlignment: Text.AlignRight
             Accessible.ignored: true
-        }
-        SecondaryButtonStyle {
-            visible: root.buttonTitle
-            enabled: !root.isBusy
-            text: root.buttonTitle
-            focusPolicy: root.isCurrent ? Qt.StrongFocus : Qt.ClickFocus
-            Accessible.description: root.title
-            onClicked: root.rows.pressButton(root.rowId)
         }
         Item {
             visible: root.hasChevronColumn && !root.isInTree

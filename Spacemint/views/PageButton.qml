@@ -18,6 +18,8 @@ Item {
     Accessible.role: Accessible.PageTab
     Accessible.name: text
     Accessible.selected: isSelected
+    Accessible.focusable: true
+    Accessible.focused: button.activeFocus
     Accessible.onPressAction: chosen()
 
     T.AbstractButton {

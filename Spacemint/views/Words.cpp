@@ -1,5 +1,9 @@
 #include "Spacemint/views/Words.h"
 
+#include "core/wording/PictureText.h"
+
+#include <cmath>
+
 namespace spacemint {
 
 QString Words::aboutProduct(const QString& name) {
@@ -22,6 +26,12 @@ QString Words::spoken(const QStringList& texts) {
 
 QString Words::spokenUnfolding(const QString& text, bool isUnfolded) {
   return spoken({text, ShownText::plain(isUnfolded ? i18nc("a row", "open") : i18nc("a row", "closed"))});
+}
+
+QString Words::share(double fraction) {
+  constexpr Bytes whole = 1'000'000;
+  return fraction <= 0 ? QString{}
+                       : ShownText::plain(PictureText::percent(std::llround(fraction * whole), whole));
 }
 
 }  // namespace spacemint

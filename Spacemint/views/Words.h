@@ -129,6 +129,8 @@ class Words : public QObject {
   Q_INVOKABLE static QString spoken(const QStringList& texts);
   /// `spoken` of an item that unfolds.
   Q_INVOKABLE static QString spokenUnfolding(const QString& text, bool isUnfolded);
+  /// What a bar shows: "33 %". Empty for no bar and for an empty one.
+  Q_INVOKABLE static QString share(double fraction);
 };
 
 #undef SPACEMINT_WORD
