@@ -128,6 +128,10 @@ QString ScanControl::scanned() const {
                                              .updatedAt = history.updatedAt()}));
 }
 
+QString ScanControl::scannedLines() const {
+  return scanned().replace(QStringLiteral(" · "), QStringLiteral("\n"));
+}
+
 QString ScanControl::scannedHelp() const {
   const SharedSnapshot& snapshot = host_.model.history().snapshot();
   return snapshot ? ShownText::plain(ScanText::scannedHelp(*snapshot, host_.locale)) : QString{};

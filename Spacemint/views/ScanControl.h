@@ -55,6 +55,8 @@ class ScanControl : public QObject {
   Q_PROPERTY(QString detail READ detail NOTIFY changed)
   /// The age and the folder of the last scan; empty before the first one.
   Q_PROPERTY(QString scanned READ scanned NOTIFY changed)
+  /// The same, with the folder on a line of its own.
+  Q_PROPERTY(QString scannedLines READ scannedLines NOTIFY changed)
   Q_PROPERTY(QString scannedHelp READ scannedHelp NOTIFY changed)
   /// The largest items that the running scan has found.
   Q_PROPERTY(spacemint::ItemRows* found READ found CONSTANT)
@@ -71,6 +73,7 @@ class ScanControl : public QObject {
   QString title() const;
   QString detail() const;
   QString scanned() const;
+  QString scannedLines() const;
   QString scannedHelp() const;
   ItemRows* found() { return &found_; }
   QString foundSize() const;

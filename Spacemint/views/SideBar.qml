@@ -35,6 +35,9 @@ Rectangle {
         }
         FreeFigure {
             Layout.fillWidth: true
+            // A long word for "free" makes the figure smaller.
+            scale: Math.min(1, width / implicitWidth)
+            transformOrigin: LayoutMirroring.enabled ? Item.BottomRight : Item.BottomLeft
             visible: root.showsSpace
             ui: root.ui
             size: 36
@@ -100,8 +103,7 @@ Rectangle {
         Label {
             Layout.fillWidth: true
             visible: root.ui.source.isOfHere && !root.ui.scan.scanning
-            // The folder on a line of its own.
-            text: root.ui.scan.scanned.replace(" · ", "\n")
+            text: root.ui.scan.scannedLines
             size: 11
             color: Theme.secondary
             wrapMode: Text.Wrap
