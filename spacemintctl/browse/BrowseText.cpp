@@ -121,7 +121,7 @@ std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, 
   }
   if (row.modified)
     say(row.isDirectory ? i18n("Newest") : i18n("Changed"), scanName(*row.modified, view.now, locale));
-  if (!before.empty() && row.growth) {
+  if (!before.empty() && row.growth.value_or(0) != 0) {
     const std::string growth = signedSize(*row.growth, locale);
     say(i18n("Growth"),
         i18n(row.isNew ? i18nMark("{size}, new since {date}") : i18nMark("{size} since {date}"),

@@ -1,5 +1,6 @@
 #include "spacemintctl/browse/BrowseView.h"
 
+#include "core/base/AsciiText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
@@ -70,7 +71,9 @@ Span countCell(const Row& row, const BrowseView& view, Bytes) {
 }
 Span ageCell(const Row& row, const BrowseView& view, Bytes) {
   const std::string age = row.modified ? shortAge(*row.modified, view.now) : "";
-  return {age.empty() || !row.isDirectory ? age : "≤" + age};
+  if (!row.isDirectory) return {age};
+  // Nothing is newer than "now".
+  return {age.empty() || !isDigit(age.front()) ? age : "≤" + age, Style::dim};
 }
 
 constexpr std::array<Column, 6> allColumns{{
@@ -94,7 +97,7 @@ bool isWanted(const Column& column, const BrowseView& view) {
 
 // The columns that fit beside a name of a reasonable width. The column of the order always stays.
 std::vector<Column> columnsFor(const BrowseView& view, std::size_t width) {
-  constexpr std::size_t nameWidth = 24;
+  constexpr std::size_t nameWidth = 23;
   std::vector<Column> columns;
   std::ranges::copy_if(allColumns, std::back_inserter(columns),
                        [&](const Column& column) { return isWanted(column, view); });

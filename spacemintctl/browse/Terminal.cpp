@@ -37,8 +37,12 @@ struct Before {
 };
 Before before;
 
+bool has(const char* capability) {
+  return capability != nullptr && capability != reinterpret_cast<const char*>(-1);
+}
+
 void noteLeaving(const char* text) {
-  if (text == nullptr || text == reinterpret_cast<const char*>(-1)) return;
+  if (!has(text)) return;
   const std::size_t length = std::strlen(text);
   if (before.leaveLength + length > sizeof before.leave) return;
   std::memcpy(before.leave + before.leaveLength, text, length);
@@ -198,7 +202,8 @@ std::expected<std::unique_ptr<Terminal>, Error> Terminal::open(bool keysFromTerm
   before = {.descriptor = fileno(parts->input)};
   tcgetattr(before.descriptor, &before.settings);
   parts->screen = newterm(nullptr, stdout, parts->input);
-  if (parts->screen == nullptr) {
+  // A terminal without cursor addressing has no screen to draw on.
+  if (parts->screen == nullptr || !has(tigetstr("cup"))) {
     const char* kind = std::getenv("TERM");
     return std::unexpected(Error{.domain = "terminal",
                                  .message = i18n("the kind of this terminal is not known: TERM is \"{kind}\"",
