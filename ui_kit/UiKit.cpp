@@ -9,6 +9,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickStyle>
+#include <QVariant>
 
 #include <memory>
 #include <mutex>
@@ -36,12 +37,16 @@ void UiKit::install(QQmlEngine& engine) {
 }
 
 Theme& UiKit::theme(QQmlEngine& engine) {
+  // To look it up compiles a component, so the engine remembers it.
+  constexpr const char* name = "spacemintTheme";
+  if (auto* known = engine.property(name).value<Theme*>()) return *known;
   // C++ cannot look up a singleton that is written in QML, so a QML object returns it.
   QQmlComponent component(&engine);
   component.setData("import QtQml; import Spacemint.UiKit; QtObject { property QtObject theme: Theme }", {});
   const std::unique_ptr<QObject> holder(component.create());
   auto* theme = holder ? holder->property("theme").value<Theme*>() : nullptr;
   if (!theme) qFatal("%s", qPrintable(component.errorString()));
+  engine.setProperty(name, QVariant::fromValue(theme));
   return *theme;
 }
 

@@ -31,6 +31,7 @@ using support::file;
 using support::folder;
 
 constexpr QSize panelSize{460, 700};
+constexpr QSize windowSize{1440, 900};
 constexpr Bytes MB = 1'000'000;
 const Date today = dateFromUnixSeconds(1'772'438'400);
 
@@ -85,6 +86,7 @@ class Application {
 
   AppModel& model() { return model_; }
   Ui& ui() { return ui_; }
+  std::string home() const { return home_; }
   std::string inHome(std::string_view name) const { return home_ + "/" + std::string{name}; }
 
  private:
@@ -120,14 +122,15 @@ class Application {
       UiHost{.model = model_, .desktop = desktop_.desktop(), .home = home_, .locale = "en_US", .quit = {}}};
 };
 
-/// The panel on the screen.
+/// The panel or the window on the screen.
 class Panel {
  public:
-  explicit Panel(Ui& ui) {
+  Panel(Ui& ui, const QSize& size, bool windowed) {
     UiKit::install(*view_.engine());
     view_.setResizeMode(QQuickView::SizeRootObjectToView);
-    view_.resize(panelSize);
-    view_.setInitialProperties({{QStringLiteral("ui"), QVariant::fromValue(&ui)}});
+    view_.resize(size);
+    view_.setInitialProperties(
+        {{QStringLiteral("ui"), QVariant::fromValue(&ui)}, {QStringLiteral("windowed"), QVariant{windowed}}});
     view_.setSource(QUrl{QStringLiteral("qrc:/qt/qml/Spacemint/Views/PanelView.qml")});
     view_.show();
     for (int i = 0; i < 10; ++i) frameAfter([&] { view_.update(); });
@@ -150,9 +153,10 @@ class Panel {
     return taken;
   }
 
-  void pointAtTheMiddle() {
-    const QPointF middle = QRectF{QPointF{}, QSizeF{view_.size()}}.center() + QPointF{0, 100};
-    QMouseEvent move(QEvent::MouseMove, middle, view_.mapToGlobal(middle), Qt::NoButton, Qt::NoButton, {});
+  /// Moves the pointer to a place given from the middle.
+  void pointAt(const QPointF& place) {
+    const QPointF at = QRectF{QPointF{}, QSizeF{view_.size()}}.center() + place;
+    QMouseEvent move(QEvent::MouseMove, at, view_.mapToGlobal(at), Qt::NoButton, Qt::NoButton, {});
     QCoreApplication::sendEvent(&view_, &move);
   }
 
@@ -185,7 +189,7 @@ void scroll(Panel& panel, AppModel& model, const Scrolling& scrolling) {
   panel.frameAfter([&] { model.setTab(scrolling.tab); });
   QQuickItem* view = panel.scrollable();
   if (view == nullptr) throw std::runtime_error("nothing scrolls here");
-  panel.pointAtTheMiddle();
+  panel.pointAt({0, 100});
   const double end = view->property("contentHeight").toDouble() - view->height();
   double y = 0;
   double step = scrolling.step;
@@ -199,10 +203,9 @@ void scroll(Panel& panel, AppModel& model, const Scrolling& scrolling) {
   print(std::string{"scrolling "} + scrolling.name + ", 95th of 100", percentile(frames, 0.95), 1000.0 / 60);
 }
 
-void run() {
-  Application application;
+void measurePanel(Application& application) {
   AppModel& model = application.model();
-  Panel panel{application.ui()};
+  Panel panel{application.ui(), panelSize, false};
 
   for (const char* time : {"first", "second"}) {
     for (const Tab tab : {Tab::folders, Tab::files, Tab::developer, Tab::overview}) {
@@ -226,6 +229,24 @@ void run() {
   }
 }
 
+void measureWindow(Application& application) {
+  AppModel& model = application.model();
+  Panel window{application.ui(), windowSize, true};
+  window.frameAfter([&] { model.setTab(Tab::folders); });
+  std::vector<double> maps;
+  for (int i = 0; i < 15; ++i) {
+    window.frameAfter([&] { model.setFolderPath(application.inHome("project-1")); });
+    maps.push_back(window.frameAfter([&] { model.setFolderPath(application.home()); }));
+  }
+  print("list and map of 100,000 nodes, median", percentile(maps, 0.5), 50);
+  print("list and map of 100,000 nodes, longest", percentile(maps, 1), 50);
+  std::vector<double> hovers;
+  for (int i = 0; i < 200; ++i)
+    hovers.push_back(window.frameAfter([&] { window.pointAt({i % 20 * 20.0, i / 20 * 20.0 - 100}); }));
+  print("the pointer over the map, median", percentile(hovers, 0.5), 1000.0 / 60);
+  print("the pointer over the map, 95th of 100", percentile(hovers, 0.95), 1000.0 / 60);
+}
+
 }  // namespace
 }  // namespace spacemint
 
@@ -234,6 +255,8 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-  const QGuiApplication application(argc, argv);
-  spacemint::run();
+  const QGuiApplication qt(argc, argv);
+  spacemint::Application application;
+  spacemint::measurePanel(application);
+  spacemint::measureWindow(application);
 }
