@@ -37,16 +37,12 @@ std::expected<std::string, Error> standardInput() {
   return text;
 }
 
-std::string heading(const NcduFormat::Imported& imported, const std::string& locale) {
+std::string heading(const NcduFormat::Imported& imported, const std::string& file,
+                    const std::string& locale) {
   const Snapshot& scan = imported.snapshot;
-  const std::string host = printable(ImportText::computer(imported));
-  return i18n(scan.date > Date{}
-                  ? i18nMark("Scan of {computer}, {date}. It is only shown: nothing is stored, and "
-                             "nothing can be cleaned here.")
-                  : i18nMark("Scan of {computer}. It is only shown: nothing is stored, and nothing can "
-                             "be cleaned here."),
-              {{"computer", host}, {"date", localTime(scan.date)}}) +
-         '\n' + printable(ImportText::contents(scan, locale)) + '\n';
+  const std::string when = scan.date > Date{} ? localTime(scan.date) : "";
+  return printable(ImportText::title(imported, file == "-" ? "" : file, when)) + '\n' +
+         printable(ImportText::contents(scan, locale)) + '\n' + ImportText::notice() + '\n';
 }
 
 }  // namespace
@@ -89,7 +85,8 @@ int runImport(const ImportOptions& options) {
   }
   // Paths of another computer: its home folder is unknown.
   const Wording wording{.home = "", .locale = userLocale()};
-  return print(heading(*imported, wording.locale) + largestItems(imported->snapshot, options.top, wording))
+  return print(heading(*imported, options.file, wording.locale) +
+               largestItems(imported->snapshot, options.top, wording))
              ? done
              : failed;
 }

@@ -63,6 +63,7 @@ Rectangle {
             Layout.row: root.isNarrow ? 2 : 1
             Layout.column: root.isNarrow ? 0 : 1
             Layout.alignment: Qt.AlignBottom
+            Layout.topMargin: root.isNarrow ? 6 : 0
             text: Words.backToHere
             onClicked: root.source.close()
         }

@@ -8,22 +8,22 @@
 
 namespace spacemint {
 
-std::string ImportText::computer(const NcduFormat::Imported& imported) {
-  return imported.host.empty() ? i18n("another computer") : imported.host;
+std::string ImportText::title(const NcduFormat::Imported& imported, std::string_view file,
+                              const std::string& when) {
+  if (imported.host.empty() && !file.empty()) {
+    const std::string name = isolatedName(Paths::lastComponent(file));
+    return when.empty() ? i18n("Scan in {file}", {{"file", name}})
+                        : i18n("Scan in {file}, {age}", {{"file", name}, {"age", when}});
+  }
+  const std::string host = imported.host.empty() ? i18n("another computer") : isolatedName(imported.host);
+  return when.empty() ? i18n("Scan of {host}", {{"host", host}})
+                      : i18n("Scan of {host}, {age}", {{"host", host}, {"age", when}});
 }
 
 std::string ImportText::title(const NcduFormat::Imported& imported, std::string_view file, Date now,
                               const std::string& locale) {
   const Date date = imported.snapshot.date;
-  const std::string age = date > Date{} ? RelativeTime::string(date, now, locale) : "";
-  if (imported.host.empty() && !file.empty()) {
-    const std::string name = isolatedName(Paths::lastComponent(file));
-    return age.empty() ? i18n("Scan in {file}", {{"file", name}})
-                       : i18n("Scan in {file}, {age}", {{"file", name}, {"age", age}});
-  }
-  const std::string host = isolatedName(computer(imported));
-  return age.empty() ? i18n("Scan of {host}", {{"host", host}})
-                     : i18n("Scan of {host}, {age}", {{"host", host}, {"age", age}});
+  return title(imported, file, date > Date{} ? RelativeTime::string(date, now, locale) : "");
 }
 
 std::string ImportText::contents(const Snapshot& scan, const std::string& locale) {

@@ -11,11 +11,10 @@ namespace spacemint {
 /// the user's language. `locale` is an ICU locale identifier. Names are as they are in the file. Any thread.
 namespace ImportText {
 
-/// The name of the computer that was scanned, or "another computer".
-std::string computer(const NcduFormat::Imported& imported);
-
-/// "Scan of db1, 3 weeks ago"; names `file` if the scan does not name its computer, and no age if it has no
-/// date. An empty `file` stands for none.
+/// "Scan of db1, 2026-03-01 14:05"; names `file` if the scan does not name its computer. `when` may be empty,
+/// and an empty `file` stands for none.
+std::string title(const NcduFormat::Imported& imported, std::string_view file, const std::string& when);
+/// The same with the age, "Scan of db1, 3 weeks ago", if the scan has a date.
 std::string title(const NcduFormat::Imported& imported, std::string_view file, Date now,
                   const std::string& locale);
 
