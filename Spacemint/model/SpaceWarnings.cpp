@@ -3,6 +3,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/Log.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
@@ -89,23 +90,23 @@ Notification WarningText::warning(const Arguments& arguments) {
   const auto& supplies = arguments.supplies;
   const bool isCritical = std::ranges::any_of(
       supplies, [](const Supply& supply) { return supply.level() == SpaceLevel::critical; });
-  std::string body;
-  for (const Supply& supply : supplies) body += sentence(supply, arguments.locale) + " ";
+  std::vector<std::string> body;
+  for (const Supply& supply : supplies) body.push_back(sentence(supply, arguments.locale));
   const bool isAboutHome = std::ranges::any_of(supplies, &Supply::isHome);
   if (isAboutHome && arguments.culprit) {
     const std::string path = isolatedPath(Paths::display(arguments.culprit->path, arguments.home));
-    body += FindingText::culprit(*arguments.culprit, path, arguments.locale) + " ";
+    body.push_back(FindingText::culprit(*arguments.culprit, path, arguments.locale));
   } else if (isAboutHome && !arguments.growth.empty()) {
     const Growth& first = arguments.growth.front();
-    body += i18n("{path} grew by {size} recently.",
-                 {{"path", isolatedPath(Paths::display(first.path, arguments.home))},
-                  {"size", ByteFormat::string(first.delta, arguments.locale)}}) +
-            " ";
+    body.push_back(i18n("{path} grew by {size} recently.",
+                        {{"path", isolatedPath(Paths::display(first.path, arguments.home))},
+                         {"size", ByteFormat::string(first.delta, arguments.locale)}}));
   }
+  body.push_back(i18n("Click to see what's using space."));
   return {.title = supplies.size() == 1 ? titleOf(supplies.front())
                    : isCritical         ? i18n("Your disks are almost full")
                                         : i18n("Disk space is running low"),
-          .body = body + i18n("Click to see what's using space."),
+          .body = sentences(body),
           .isCritical = isCritical,
           .hasSound = true};
 }

@@ -4,6 +4,8 @@
 #include "Spacemint/views/Icons.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/host/FolderListing.h"
 #include "core/wording/FindingText.h"
@@ -132,7 +134,7 @@ void ChangeRows::addGrowth(const GrowthTree& growth, int depth, bool opensLarges
   const auto number = static_cast<std::int64_t>(growth.smaller);
   items.push_back({.id = growth.path + "/",
                    .title = i18np("{number} smaller thing", "{number} smaller things", number,
-                                  {{"number", std::to_string(number)}}),
+                                  {{"number", numberText(number)}}),
                    .sizeText = signedSize(growth.smallerDelta),
                    .symbol = "doc",
                    .fraction = share(growth.smallerDelta),
@@ -145,15 +147,14 @@ void ChangeRows::addShrinkage(Items& items) {
   Bytes sum = 0;
   for (const Shrinkage& each : shrinkage) sum = saturatingAdd(sum, each.delta);
   const auto number = static_cast<std::int64_t>(shrinkage.size());
-  ListItem all{
-      .id = std::string{shrunkId},
-      .title = i18n(FindingText::shrunkTitle),
-      .sizeText = FindingText::lost(sum, host_.locale),
-      .symbol = "trash.slash",
-      .fraction = share(sum),
-      .hasShrunk = true,
-      .tag = i18np("{number} thing", "{number} things", number, {{"number", std::to_string(number)}}),
-      .depth = 1};
+  ListItem all{.id = std::string{shrunkId},
+               .title = i18n(FindingText::shrunkTitle),
+               .sizeText = FindingText::lost(sum, host_.locale),
+               .symbol = "trash.slash",
+               .fraction = share(sum),
+               .hasShrunk = true,
+               .tag = i18np("{number} thing", "{number} things", number, {{"number", numberText(number)}}),
+               .depth = 1};
   makeUnfolding(all, false);
   const bool isOpen = *all.isUnfolded;
   items.push_back(std::move(all));
@@ -167,8 +168,8 @@ void ChangeRows::addShrinkage(Items& items) {
                      .size = each.size,
                      .isDirectory = each.isDirectory,
                      .title = name,
-                     .subtitle = FindingText::left(each, minNodeSize, host_.locale) + " · " +
-                                 Paths::display(each.path, host_.home),
+                     .subtitle = facts({FindingText::left(each, minNodeSize, host_.locale),
+                                        isolatedPath(Paths::display(each.path, host_.home))}),
                      .sizeText = FindingText::lost(each.delta, host_.locale),
                      .symbol = std::string{Icons::symbol(name, each.isDirectory)},
                      .hasShrunk = true,

@@ -1,6 +1,7 @@
 #include "Spacemint/views/DateText.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/base/DateWords.h"
 #include "core/base/Translation.h"
 
 #include <QDateTime>
@@ -16,18 +17,27 @@ QDateTime localTime(Date date) {
   return QDateTime::fromSecsSinceEpoch(seconds, QTimeZone::systemTimeZone());
 }
 
-QString formatted(Date date, const QString& format) {
-  return QLocale{ShownText::plain(sentenceLanguage())}.toString(localTime(date).date(), format);
+bool isEnglish() {
+  return sentenceLanguage() == "en";
+}
+
+QString inEnglish(Date date, const QString& format) {
+  return QLocale{QLocale::English}.toString(localTime(date).date(), format);
+}
+
+QString inWords(Date date, const char* skeleton, const std::string& locale) {
+  return ShownText::plain(dateInWords(date, skeleton, locale));
 }
 
 }  // namespace
 
 QString DateText::moment(Date date, const std::string& locale) {
-  return formatted(date, QStringLiteral("ddd d MMM")) + QStringLiteral(", ") + time(date, locale);
+  if (!isEnglish()) return inWords(date, "EEEdMMMjm", locale);
+  return inEnglish(date, QStringLiteral("ddd d MMM, ")) + time(date, locale);
 }
 
 QString DateText::day(Date date) {
-  return formatted(date, QStringLiteral("d MMM"));
+  return isEnglish() ? inEnglish(date, QStringLiteral("d MMM")) : inWords(date, "dMMM", sentenceLanguage());
 }
 
 QString DateText::time(Date date, const std::string& locale) {
@@ -35,7 +45,8 @@ QString DateText::time(Date date, const std::string& locale) {
 }
 
 QString DateText::month(Date date) {
-  return formatted(date, QStringLiteral("MMM yyyy"));
+  return isEnglish() ? inEnglish(date, QStringLiteral("MMM yyyy"))
+                     : inWords(date, "yMMM", sentenceLanguage());
 }
 
 }  // namespace spacemint

@@ -8,8 +8,8 @@
 
 namespace spacemint {
 
-/// Dates in the user's time zone, in the words of English and the formats of `locale`, an ICU locale
-/// identifier.
+/// Dates in the user's time zone, in the language of the sentences; English has the day before the month.
+/// `locale`, an ICU locale identifier, decides about the clock.
 namespace DateText {
 
 /// "Tue 24 Nov, 2:49 AM"

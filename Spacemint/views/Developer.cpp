@@ -2,6 +2,9 @@
 
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
+#include "core/base/RelativeTime.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 
@@ -77,13 +80,13 @@ void describe(ListItem& item, const DevTools::HuggingFaceItem& found) {
   const auto* known = std::ranges::find(repositoryKinds, found.kind, &RepositoryKind::kind);
   if (known == repositoryKinds.end()) {
     item.title = i18n("Other cached files");
-    item.subtitle = i18n(found.kind.c_str()) + " · " + found.repo;
+    item.subtitle = facts({i18n(found.kind.c_str()), isolatedName(found.repo)});
     item.symbol = "cube.transparent";
     return;
   }
   const auto owner = found.owner();
   item.title = found.name();
-  item.subtitle = i18n(found.kind.c_str()) + (owner ? " · " + *owner : "");
+  item.subtitle = facts({i18n(found.kind.c_str()), isolatedName(owner.value_or(""))});
   item.symbol = known->symbol;
 }
 
@@ -173,7 +176,7 @@ void Developer::updateOllama() {
                      .size = model.size,
                      .isDirectory = true,
                      .title = model.name,
-                     .subtitle = model.modified,
+                     .subtitle = RelativeTime::translated(model.modified),
                      .symbol = "brain",
                      .buttonTitle = i18n("Remove"),
                      .onButton = [&app = host_.model, model] { app.cleanups().ask(model); }});
@@ -232,8 +235,7 @@ ListItem Developer::worktreeItem(const GitWorktree& worktree) const {
   // Worktrees of several repositories may have one name; then the place tells them apart.
   const auto hasTheName = [&](const GitWorktree& other) { return other.name() == worktree.name(); };
   if (std::ranges::count_if(host_.model.findings().worktrees, hasTheName) > 1) {
-    if (!item.subtitle.empty()) item.subtitle += " · ";
-    item.subtitle += Paths::display(worktree.path, host_.home);
+    item.subtitle = facts({item.subtitle, isolatedPath(Paths::display(worktree.path, host_.home))});
   }
   // Git removes a worktree at any place; an orphan is deleted by the application.
   if (host_.mayRemove(worktree.path, !worktree.isOrphaned)) {

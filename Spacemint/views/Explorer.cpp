@@ -5,6 +5,7 @@
 #include "Spacemint/views/ShownText.h"
 #include "core/analysis/Search.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/tree/TreeWalk.h"
@@ -297,7 +298,7 @@ std::vector<ListItem> Explorer::foundItems() {
     const auto tile = tileOfPath(path);
     ListItem item = itemOf(*node, tile ? tile->change : nullptr, path, 0);
     item.fraction.reset();
-    item.subtitle = Paths::display(Paths::parent(path), host_.homeInScan());
+    item.subtitle = isolatedPath(Paths::display(Paths::parent(path), host_.homeInScan()));
     items.push_back(std::move(item));
   }
   return items;

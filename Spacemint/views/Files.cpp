@@ -3,7 +3,9 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
@@ -142,15 +144,14 @@ ListItem Files::itemOf(const std::string& path, Bytes size, const std::optional<
 
 // The age and the folder, and what a removal frees if that is less than the size.
 std::string Files::subtitleOf(const std::string& path, const std::optional<Date>& modified) const {
-  std::string text = Paths::display(Paths::parent(path), host_.homeInScan());
   const Date now = host_.desktop.clock.now();
   // A date to come says nothing about the age.
-  if (modified && *modified <= now) {
-    text = RelativeTime::string(*modified, now, ShownText::wordsLocale) + " · " + text;
-  }
+  const bool hasAge = modified && *modified <= now;
   const auto& freed = host_.model.shown().findings().freesAtMost;
   const auto found = freed.find(path);
-  return found == freed.end() ? text : FindingText::freesAtMost(found->second, host_.locale) + " · " + text;
+  return facts({found == freed.end() ? "" : FindingText::freesAtMost(found->second, host_.locale),
+                hasAge ? RelativeTime::string(*modified, now, ShownText::wordsLocale) : "",
+                isolatedPath(Paths::display(Paths::parent(path), host_.homeInScan()))});
 }
 
 QStringList Files::kinds() const {

@@ -4,6 +4,7 @@
 #include "Spacemint/views/ShownFolder.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "core/wording/PictureText.h"
@@ -76,7 +77,7 @@ std::vector<ListItem> leftOutItems(const ShownFolder& folder, const UiHost& host
     if (folderAt(host.model, item.path).path != folder.path) continue;
     items.push_back(
         {.id = "left out " + item.path,
-         .title = Paths::display(item.path, host.homeInScan()),
+         .title = isolatedPath(Paths::display(item.path, host.homeInScan())),
          .subtitle = i18n(
              "{item}, not scanned",
              {{"item", FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale)}}),

@@ -18,12 +18,6 @@ namespace spacemint {
 
 namespace {
 
-// A path starts at the left, even if its names are written from right to left.
-QString leftToRight(QString path) {
-  constexpr QChar mark{0x200E};
-  return path.isRightToLeft() ? path.prepend(mark) : path;
-}
-
 bool looksLike(const ListItem& one, const ListItem& other) {
   const auto look = [](const ListItem& item) {
     return std::tie(item.path, item.size, item.isDirectory, item.title, item.subtitle, item.sizeText,
@@ -145,7 +139,7 @@ QVariant ItemRows::text(const ListItem& item, int role) const {
     case TitleRole:
       return onOneLine(item.title.empty() ? plain(Paths::lastComponent(item.path)) : sentence(item.title));
     case SubtitleRole:
-      return leftToRight(onOneLine(sentence(item.subtitle)));
+      return onOneLine(sentence(item.subtitle));
     case SizeTextRole:
       return plain(item.sizeText ? *item.sizeText : ByteFormat::string(item.size, host_.locale));
     case SymbolRole:

@@ -3,7 +3,9 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
@@ -47,8 +49,9 @@ std::string freeChangeText(const Findings& findings, const UiHost& host) {
 QString baselineTitle(Date date, Date now, const std::string& locale) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
   const QTime time = QDateTime::fromSecsSinceEpoch(seconds, QTimeZone::systemTimeZone()).time();
-  return ShownText::plain(RelativeTime::string(date, now, ShownText::wordsLocale)) + QStringLiteral(" · ") +
-         QLocale{ShownText::plain(locale)}.toString(time, QLocale::ShortFormat);
+  const QString shown = QLocale{ShownText::plain(locale)}.toString(time, QLocale::ShortFormat);
+  return ShownText::plain(
+      facts({RelativeTime::string(date, now, ShownText::wordsLocale), shown.toStdString()}));
 }
 
 }  // namespace
@@ -132,7 +135,7 @@ void Overview::updateGrowing() {
                      .size = line.figures.minute,
                      .isDirectory = line.isDirectory,
                      .title = FolderText::title(line.path, host_.model.scans().root(), host_.home),
-                     .subtitle = FindingText::pace(line, host_.locale) + " · " + place,
+                     .subtitle = facts({FindingText::pace(line, host_.locale), isolatedPath(place)}),
                      .sizeText = FindingText::inTheLastMinute(line, host_.locale),
                      .showsChevron = line.isDirectory});
   }
@@ -217,7 +220,7 @@ std::vector<ListItem> Overview::suggestionItems() const {
                             .path = location.path,
                             .size = location.size,
                             .isDirectory = isDirectory(location.path),
-                            .subtitle = Paths::display(location.path, host_.home),
+                            .subtitle = isolatedPath(Paths::display(location.path, host_.home)),
                             .showsChevron = true,
                             .canTrash = item.onButton == nullptr});
     }

@@ -3,6 +3,7 @@
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 
@@ -31,14 +32,15 @@ std::string scope(const Snapshot& snapshot, std::string_view home) {
 
 std::string ScanText::title(std::optional<double> fraction) {
   if (!fraction) return i18n("Scanning…");
-  return i18n("Scanning · {percent}%", {{"percent", std::to_string(static_cast<int>(*fraction * 100))}});
+  // xgettext:no-c-format
+  return i18n("Scanning · {percent}%", {{"percent", numberText(static_cast<int>(*fraction * 100))}});
 }
 
 std::string ScanText::detail(std::int64_t files, std::optional<Seconds> remaining,
                              const std::string& locale) {
   const std::string counted =
       i18np("{count} file", "{count} files", files, {{"count", groupedNumber(files, locale)}});
-  return remaining ? counted + " · " + remainingText(*remaining, locale) : counted;
+  return facts({counted, remaining ? remainingText(*remaining, locale) : ""});
 }
 
 std::string ScanText::scanned(const Scanned& scan) {

@@ -1,6 +1,7 @@
 #include "Spacemint/views/SettingsForm.h"
 
 #include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/PlatformWords.h"
 #include "core/base/Translation.h"
@@ -39,14 +40,14 @@ std::vector<SettingsText::Choice> choicesOf(Setting setting, SettingsText::Choic
 
 std::vector<SettingsText::Choice> SettingsText::thresholds(std::int64_t stored) {
   return choicesOf(Setting::warningThresholdGB,
-                   {stored, i18n("{number} GB free", {{"number", std::to_string(stored)}})});
+                   {stored, i18n("{number} GB free", {{"number", numberText(stored)}})});
 }
 
 std::vector<SettingsText::Choice> SettingsText::intervals(std::int64_t stored) {
   // An interval of 0 hours means off.
   const std::string label =
       stored <= 0 ? i18n("Never")
-                  : i18np("Every hour", "Every {count} hours", stored, {{"count", std::to_string(stored)}});
+                  : i18np("Every hour", "Every {count} hours", stored, {{"count", numberText(stored)}});
   return choicesOf(Setting::scanIntervalHours, {stored, label});
 }
 
@@ -187,7 +188,8 @@ QStringList SettingsForm::excludes() const {
 bool SettingsForm::addExclude(const QString& pattern) {
   const std::string text = pattern.trimmed().toStdString();
   const auto compiled = Excludes::compile({text}, host_.home);
-  excludeError_ = compiled ? QString{} : ShownText::plain(compiled.error().message + ".");
+  excludeError_ =
+      compiled ? QString{} : ShownText::plain(i18n("{text}.", {{"text", compiled.error().message}}));
   Q_EMIT excludeErrorChanged();
   if (!compiled) return false;
   std::vector<std::string> patterns = prefs().excludes();

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <vector>
 
 namespace spacemint {
 
@@ -11,13 +12,21 @@ QString ShownText::plain(std::string_view text) {
 }
 
 QString ShownText::onOneLine(QString text) {
+  std::vector<QChar*> open;  // isolates that have not ended
   for (QChar& c : text) {
     const auto kind = c.category();
-    // The isolates of values in sentences stay, which reverse nothing.
-    const bool isEmbedding = (c >= u'\u202A' && c <= u'\u202E') || c == u'\u2066' || c == u'\u2067';
+    const bool isEmbedding = c >= u'\u202A' && c <= u'\u202E';
     const bool isBreak = kind == QChar::Separator_Line || kind == QChar::Separator_Paragraph;
-    if (kind == QChar::Other_Control || isBreak || isEmbedding) c = QChar::ReplacementCharacter;
+    const bool isStrayEnd = c == u'\u2069' && open.empty();
+    if (kind == QChar::Other_Control || isBreak || isEmbedding || isStrayEnd) {
+      c = QChar::ReplacementCharacter;
+    } else if (c >= u'\u2066' && c <= u'\u2068') {
+      open.push_back(&c);
+    } else if (c == u'\u2069') {
+      open.pop_back();
+    }
   }
+  for (QChar* const c : open) *c = QChar::ReplacementCharacter;
   return text;
 }
 

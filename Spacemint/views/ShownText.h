@@ -19,7 +19,8 @@ inline const std::string wordsLocale = "en";
 QString plain(std::string_view text);
 
 /// The text on one line and in the order of its letters. The name of a file may contain characters that break
-/// the line or reverse the letters after them.
+/// the line or turn around the letters after them: they become U+FFFD. Pairs of isolates stay; they turn
+/// nothing outside of the pair, and a sentence has them around its names.
 QString onOneLine(QString text);
 
 /// A sentence in which a line never breaks between a figure and its unit: "1.2 GB" has a no-break space.

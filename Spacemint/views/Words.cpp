@@ -1,5 +1,6 @@
 #include "Spacemint/views/Words.h"
 
+#include "core/base/ByteFormat.h"
 #include "core/wording/PictureText.h"
 
 #include <cmath>
@@ -15,7 +16,7 @@ QString Words::version(const QString& number) {
 }
 
 QString Words::moreDisks(int count) {
-  return ShownText::plain(i18np("{count} more", "{count} more", count, {{"count", std::to_string(count)}}));
+  return ShownText::plain(i18np("{count} more", "{count} more", count, {{"count", numberText(count)}}));
 }
 
 QString Words::spoken(const QStringList& texts) {

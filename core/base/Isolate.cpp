@@ -15,9 +15,8 @@ constexpr std::string_view leftToRight = "\u2066";
 constexpr std::string_view firstStrong = "\u2068";
 constexpr std::string_view end = "\u2069";
 
-/// Directions of letters and formatting characters that can change the display order of the text beside them.
-constexpr std::array turning{U_RIGHT_TO_LEFT,           U_RIGHT_TO_LEFT_ARABIC,   U_ARABIC_NUMBER,
-                             U_RIGHT_TO_LEFT_EMBEDDING, U_RIGHT_TO_LEFT_OVERRIDE, U_RIGHT_TO_LEFT_ISOLATE};
+/// Directions of letters that can change the display order of the text beside them.
+constexpr std::array turning{U_RIGHT_TO_LEFT, U_RIGHT_TO_LEFT_ARABIC, U_ARABIC_NUMBER};
 
 bool turnsOrder(std::string_view text) {
   const auto letters =
@@ -29,16 +28,29 @@ bool turnsOrder(std::string_view text) {
   return false;
 }
 
+/// U+202A to U+202E and U+2066 to U+2069: embeddings, overrides and isolates.
+std::string withoutControls(std::string_view name) {
+  std::string result{name};
+  const auto isControl = [&](std::size_t at) {
+    const std::string_view next = std::string_view{result}.substr(at, 3);
+    return (next >= "\u202a" && next <= "\u202e") || (next >= "\u2066" && next <= "\u2069");
+  };
+  for (std::size_t at = result.find('\xE2'); at != std::string::npos; at = result.find('\xE2', at + 1)) {
+    if (isControl(at)) result.replace(at, 3, "\uFFFD");
+  }
+  return result;
+}
+
 }  // namespace
 
 std::string isolatedName(std::string_view name) {
-  std::string result{name};
-  if (turnsOrder(name)) result.insert(0, firstStrong).append(end);
+  std::string result = withoutControls(name);
+  if (turnsOrder(result)) result.insert(0, firstStrong).append(end);
   return result;
 }
 
 std::string isolatedPath(std::string_view path) {
-  if (!turnsOrder(path)) return std::string{path};
+  if (!turnsOrder(path)) return withoutControls(path);
   std::string result{leftToRight};
   while (true) {
     const std::size_t slash = path.find('/');

@@ -6,7 +6,8 @@
 namespace spacemint {
 
 /// Names and paths as parts of a sentence. Text with right-to-left letters is put between Unicode isolate
-/// characters, so that the words and numbers around the text keep their order; other text stays as it is. Any
+/// characters, so that the words and numbers around the text keep their order; other text stays as it is. A
+/// formatting character in the name that would turn letters around, or end the isolation, becomes U+FFFD. Any
 /// thread.
 
 /// `name`, isolated if needed. The first strong letter decides the direction of the whole name.

@@ -17,6 +17,14 @@ std::string string(Date date, Date now, const std::string& locale);
 /// future date. A month counts as 30 days, a year as 365.
 std::string age(Date date, Date now, const std::string& locale);
 
+/// An age that another program said in English, such as "5 months ago" or "About an hour ago", in the
+/// language of the sentences. Other text stays as it is.
+std::string translated(const std::string& english);
+
+/// The language of the sentences with the region of `locale`, as an ICU locale identifier: words never are in
+/// another language than the sentence around them.
+std::string localeOfWords(const std::string& locale);
+
 }  // namespace RelativeTime
 
 }  // namespace spacemint

@@ -29,6 +29,15 @@ std::string joined(const std::vector<std::string>& words, UListFormatterType typ
   return list.toUTF8String(text);
 }
 
+template <typename Pair>
+std::string folded(const std::vector<std::string>& parts, Pair pair) {
+  std::string text;
+  for (const std::string& part : parts) {
+    if (!part.empty()) text = text.empty() ? part : pair(text, part);
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string listed(const std::vector<std::string>& words) {
@@ -37,6 +46,18 @@ std::string listed(const std::vector<std::string>& words) {
 
 std::string enumerated(const std::vector<std::string>& words) {
   return joined(words, ULISTFMT_TYPE_UNITS);
+}
+
+std::string sentences(const std::vector<std::string>& parts) {
+  return folded(parts, [](const std::string& first, const std::string& next) {
+    return i18nc("one whole sentence after the other", "{first} {next}", {{"first", first}, {"next", next}});
+  });
+}
+
+std::string facts(const std::vector<std::string>& parts) {
+  return folded(parts, [](const std::string& first, const std::string& next) {
+    return i18nc("short facts on one line", "{first} · {next}", {{"first", first}, {"next", next}});
+  });
 }
 
 }  // namespace spacemint

@@ -16,7 +16,7 @@ constexpr const char* domain = "spacemint";
 // Set by setUpTranslation only.
 std::string language = "en";
 bool isEnglish = true;
-bool isolatesValues = false;
+bool marksDirection = false;  // for a window in a language from right to left
 
 std::string_view environmentText(const char* name) {
   const char* value = std::getenv(name);
@@ -53,9 +53,9 @@ std::string languageOfCatalogue() {
 void appendValue(std::string& text, std::string_view value) {
   constexpr std::string_view firstStrongIsolate = "\u2068";
   constexpr std::string_view popIsolate = "\u2069";
-  if (isolatesValues) text += firstStrongIsolate;
+  if (marksDirection) text += firstStrongIsolate;
   text += value;
-  if (isolatesValues) text += popIsolate;
+  if (marksDirection) text += popIsolate;
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ void setUpTranslation(const std::string& folder, ShownIn shownIn) {
   bind_textdomain_codeset(domain, "UTF-8");
   language = languageOfCatalogue();
   isEnglish = language == "en";
-  isolatesValues = shownIn == ShownIn::window && uloc_isRightToLeft(language.c_str()) != 0;
+  marksDirection = shownIn == ShownIn::window && uloc_isRightToLeft(language.c_str()) != 0;
   // The system's own messages, such as those of errno, are then in English too.
   if (isEnglish) std::setlocale(LC_MESSAGES, "C");
 }
@@ -93,7 +93,8 @@ std::string i18np(const char* one, const char* many, std::int64_t number, Placeh
 }
 
 std::string fillIn(std::string_view text, Placeholders values) {
-  std::string filled;
+  constexpr std::string_view rightToLeftMark = "\u200f";
+  std::string filled{marksDirection && !text.empty() ? rightToLeftMark : ""};
   for (std::size_t open = text.find('{'); open != std::string_view::npos; open = text.find('{')) {
     filled += text.substr(0, open);
     text.remove_prefix(open);

@@ -1,5 +1,6 @@
 #include "core/cleanup/Cleanup.h"
 
+#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 
@@ -51,8 +52,8 @@ std::string realPath(const std::string& path) {
 
 // `reason` is a sentence about "{item}".
 CleanupFailure changed(const CleanupStep& step, const DeletionGuard& guard, const std::string& reason) {
-  return CleanupFailure::refused(fillIn(reason, {{"item", Paths::display(step.path, guard.home())}}),
-                                 step.path);
+  return CleanupFailure::refused(
+      fillIn(reason, {{"item", isolatedPath(Paths::display(step.path, guard.home()))}}), step.path);
 }
 
 std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure>& result,
@@ -64,7 +65,8 @@ std::optional<CleanupFailure> failureOf(const std::expected<void, RemovalFailure
   FailureKind kind = FailureKind::other;
   if (error.domain == keptByCheck) kind = FailureKind::refused;
   if (Cleanup::isPermissionError(error)) kind = FailureKind::needsFullDiskAccess;
-  return CleanupFailure{kind, fillIn(error.message, {{"item", Paths::display(path, guard.home())}}), path};
+  return CleanupFailure{
+      kind, fillIn(error.message, {{"item", isolatedPath(Paths::display(path, guard.home()))}}), path};
 }
 
 std::optional<CleanupFailure> guardRefusal(const CleanupStep& step, const DeletionGuard& guard) {

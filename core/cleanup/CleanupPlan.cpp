@@ -4,6 +4,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 #include "core/cleanup/Cleanup.h"
 #include "core/cleanup/CleanupText.h"
@@ -51,15 +52,15 @@ class Planner {
                      .title = i18n("Delete permanently?"),
                      .subject = sized(item.name, item.size),
                      .detail = shown(item.path),
-                     .note = item.note + sharedNote(item.path),
+                     .note = sentences({item.note, sharedNote(item.path)}),
                      .button = i18n("Delete"),
                      .touched = {item.path}});
   }
 
-  // After the note of the request; empty for a file that frees its size, and for folders.
+  // Empty for a file that frees its size, and for folders.
   std::string sharedNote(const std::string& path) const {
     const auto freed = SharedFiles::freesAtMost(path);
-    return freed ? " " + CleanupText::sharedNote(*freed, context_.locale) : "";
+    return freed ? CleanupText::sharedNote(*freed, context_.locale) : "";
   }
 
   Planned operator()(const SeveralRequest& several) const {
@@ -282,7 +283,7 @@ class Planner {
   std::string inHome(std::string_view name) const { return Paths::join(context_.guard.home(), name); }
   std::string amount(Bytes size) const { return ByteFormat::string(size, context_.locale); }
   std::string sized(std::string_view name, Bytes size) const {
-    return isolatedName(name) + " · " + amount(size);
+    return facts({isolatedName(name), amount(size)});
   }
   std::string shownPath(const std::string& path) const { return Paths::display(path, context_.guard.home()); }
   std::string shown(const std::string& path) const { return isolatedPath(shownPath(path)); }

@@ -17,17 +17,6 @@ namespace {
 
 using FailureKind = CleanupFailure::Kind;
 
-using Sentences = std::vector<std::string>;
-
-// Full stops stand in the sentences.
-std::string joined(const Sentences& sentences) {
-  std::string text;
-  for (const std::string& sentence : sentences) {
-    if (!sentence.empty()) text += (text.empty() ? "" : " ") + sentence;
-  }
-  return text;
-}
-
 std::string changesWarning(std::optional<int> changes) {
   if (!changes) {
     return i18n("Spacemint couldn't check it for uncommitted changes; git will stop if there are any.");
@@ -76,15 +65,15 @@ std::string CleanupText::backupNote(const std::string& name) {
 
 std::string CleanupText::worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents) {
   if (!contents.repositoryPath) {
-    return joined({nestedWarning(contents.nested),
-                   i18n("Its repository no longer knows about it, so the folder is simply deleted.")});
+    return sentences({nestedWarning(contents.nested),
+                      i18n("Its repository no longer knows about it, so the folder is simply deleted.")});
   }
   const std::string removal =
       worktree.repository
           ? i18n("Runs `git worktree remove`. The branch and its commits stay in {repository}.",
                  {{"repository", isolatedName(*worktree.repository)}})
           : i18n("Runs `git worktree remove`. The branch and its commits stay in the repository.");
-  return joined({changesWarning(contents.changes), nestedWarning(contents.nested), removal});
+  return sentences({changesWarning(contents.changes), nestedWarning(contents.nested), removal});
 }
 
 std::string CleanupText::sharedNote(Bytes freesAtMost, const std::string& locale) {
@@ -113,16 +102,16 @@ namespace {
 std::string reasonText(const CleanupStep& step, const CleanupFailure& failure, bool hasRemoved,
                        const std::string& home) {
   if (failure.kind == FailureKind::needsFullDiskAccess && failure.message.empty()) {
-    return joined({i18n("Some items, like hidden ones, are still in the Trash."),
-                   i18n("{text}.", {{"text", i18n(PlatformWords::foldersAreClosed)}})});
+    return sentences({i18n("Some items, like hidden ones, are still in the Trash."),
+                      i18n("{text}.", {{"text", i18n(PlatformWords::foldersAreClosed)}})});
   }
   if (step.kind == CleanupStep::Kind::moveToTrash) {
-    const std::string shown = Paths::display(step.path, home);
+    const std::string shown = isolatedPath(Paths::display(step.path, home));
     // The message of a refusal begins with the path.
     if (failure.kind == FailureKind::refused && failure.message.starts_with(shown)) {
       const std::string it = i18nc("the file or folder that the sentence named before", "it");
       return i18n("Spacemint won't move {path}: {reason}.",
-                  {{"path", isolatedPath(shown)}, {"reason", it + failure.message.substr(shown.size())}});
+                  {{"path", shown}, {"reason", it + failure.message.substr(shown.size())}});
     }
     return i18n("Couldn't move “{name}” to the Trash: {reason}",
                 {{"name", isolatedName(Paths::lastComponent(step.path))}, {"reason", failure.message}});
@@ -139,12 +128,12 @@ std::string CleanupText::failureText(const CleanupStep& step, const CleanupRepor
   const std::string gone = goneText(result.removed, context.locale);
   if (result.failure->kind == FailureKind::stopped) {
     const Bytes left = std::max<Bytes>(0, step.size - result.removed.bytes);
-    return joined({i18n("Stopped."), gone,
-                   i18n("About {size} are left.", {{"size", ByteFormat::string(left, context.locale)}})});
+    return sentences({i18n("Stopped."), gone,
+                      i18n("About {size} are left.", {{"size", ByteFormat::string(left, context.locale)}})});
   }
   const std::string text = reasonText(step, *result.failure, !gone.empty(), context.guard.home());
   // Chinese and Japanese have a full stop of their own.
-  if (gone.empty() || text.ends_with('.') || text.ends_with("。")) return joined({text, gone});
+  if (gone.empty() || text.ends_with('.') || text.ends_with("。")) return sentences({text, gone});
   return i18n("{problem}. {rest}", {{"problem", text}, {"rest", gone}});
 }
 
@@ -171,7 +160,7 @@ std::string CleanupText::successText(const Success& success, const std::string& 
   }
   if (!hasSurprise) return text;
   const bool freedMore = *success.freed > success.removed.bytes;
-  return joined(
+  return sentences(
       {text,
        i18n(freedMore ? i18nMark("What was removed took up {size}; other programs freed space too.")
                       : i18nMark("What was removed took up {size}; open programs, snapshots, hard links or "

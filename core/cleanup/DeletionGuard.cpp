@@ -1,5 +1,6 @@
 #include "core/cleanup/DeletionGuard.h"
 
+#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 #include "core/tree/Paths.h"
@@ -31,7 +32,7 @@ std::optional<std::string> DeletionGuard::refusal(const Question& question) cons
     if (plain.path != question.path) reason = check(plain);
   }
   if (!reason) return std::nullopt;
-  return fillIn(*reason, {{"item", Paths::display(question.path, home_)}});
+  return fillIn(*reason, {{"item", isolatedPath(Paths::display(question.path, home_))}});
 }
 
 std::optional<std::string> DeletionGuard::check(const Question& question) const {

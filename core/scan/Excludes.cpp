@@ -1,6 +1,7 @@
 #include "core/scan/Excludes.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/Log.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
@@ -62,10 +63,11 @@ std::size_t charactersBefore(std::string_view text, std::size_t place) {
 
 Error wrongPattern(std::string_view pattern, const Fault& fault) {
   return {.domain = "excludes",
-          .message = i18n("“{pattern}” is wrong at character {place}: {reason}",
-                          {{"pattern", pattern},
-                           {"place", std::to_string(charactersBefore(pattern, fault.place) + 1)},
-                           {"reason", fault.reason}})};
+          .message = i18n(
+              "“{pattern}” is wrong at character {place}: {reason}",
+              {{"pattern", pattern},
+               {"place", numberText(static_cast<std::int64_t>(charactersBefore(pattern, fault.place) + 1))},
+               {"reason", fault.reason}})};
 }
 
 // Without blanks at the end, and with the home folder in place of "~".

@@ -109,7 +109,8 @@ std::string FindingText::excludedItems(const ExcludedSum& sum, const std::string
 std::string FindingText::stoppedScan(double measuredPart) {
   const int percent = static_cast<int>(measuredPart * 100);
   return percent == 0 ? i18n("Stopped before the end")
-                      : i18n("Stopped: {percent} % measured", {{"percent", std::to_string(percent)}});
+                      // xgettext:no-c-format
+                      : i18n("Stopped: {percent} % measured", {{"percent", numberText(percent)}});
 }
 
 std::string FindingText::folderSize(Bytes size, bool isLowerBound, const std::string& locale) {

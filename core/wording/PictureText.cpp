@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
 
 #include <cmath>
@@ -20,12 +21,17 @@ bool isShown(Bytes delta) {
   return delta >= PictureText::smallestChange || delta <= -PictureText::smallestChange;
 }
 
+std::string cameText(const Tile& tile, const std::string& locale) {
+  const std::string change = PictureText::change(tile.growth(), locale);
+  return change.empty() || !tile.change->isNew ? change : PictureText::isNew();
+}
+
 }  // namespace
 
 std::string PictureText::percent(Bytes part, Bytes whole) {
   const double share = whole > 0 ? 100 * static_cast<double>(part) / static_cast<double>(whole) : 0;
   if (share > 0 && share < 1) return i18nc("a share", "under 1 %");
-  return i18nc("a share", "{number} %", {{"number", std::to_string(std::lround(share))}});
+  return i18nc("a share", "{number} %", {{"number", numberText(std::lround(share))}});
 }
 
 std::string PictureText::growth() {
@@ -70,7 +76,7 @@ std::string PictureText::partName(const Tile& tile) {
   switch (tile.kind) {
     case Tile::Kind::small:
       return tile.count > 0
-                 ? i18nc("small items of a folder", "{number} more", {{"number", std::to_string(tile.count)}})
+                 ? i18nc("small items of a folder", "{number} more", {{"number", numberText(tile.count)}})
                  : i18nc("of a folder", "small items");
     case Tile::Kind::files:
       return i18n("In files");
@@ -89,11 +95,10 @@ std::string PictureText::partName(const Tile& tile) {
 std::string PictureText::about(const Tile& tile, Bytes folderSize, std::string_view folder,
                                const std::string& locale) {
   const std::string size = ByteFormat::string(tile.size, locale);
-  const std::string came = inTile(tile, locale).substr(size.size());
-  if (folder.empty()) return size + came;
-  return i18n("{size} · {share} of {folder}",
-              {{"size", size}, {"share", percent(tile.size, folderSize)}, {"folder", isolatedPath(folder)}}) +
-         came;
+  const std::string part =
+      i18n("{size} · {share} of {folder}",
+           {{"size", size}, {"share", percent(tile.size, folderSize)}, {"folder", isolatedPath(folder)}});
+  return facts({folder.empty() ? size : part, cameText(tile, locale)});
 }
 
 std::string PictureText::spoken(const Tile& tile, Bytes folderSize, const std::string& locale) {
@@ -109,9 +114,7 @@ std::string PictureText::spoken(const Tile& tile, Bytes folderSize, const std::s
 }
 
 std::string PictureText::inTile(const Tile& tile, const std::string& locale) {
-  const std::string size = ByteFormat::string(tile.size, locale);
-  const std::string grown = change(tile.growth(), locale);
-  return grown.empty() ? size : size + " · " + (tile.change->isNew ? isNew() : grown);
+  return facts({ByteFormat::string(tile.size, locale), cameText(tile, locale)});
 }
 
 std::string PictureText::momentHelp(std::string_view moment, Bytes free, bool isChosen,

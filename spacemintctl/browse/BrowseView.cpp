@@ -101,6 +101,13 @@ std::vector<Column> columnsFor(const BrowseView& view, std::size_t width) {
   std::vector<Column> columns;
   std::ranges::copy_if(allColumns, std::back_inserter(columns),
                        [&](const Column& column) { return isWanted(column, view); });
+  // The units of some languages are longer than "GB".
+  constexpr std::size_t english = std::string_view{"99.9 GB"}.size();
+  const std::size_t longest = columnsOf(ByteFormat::string(99'900'000'000, view.locale));
+  for (Column& column : columns) {
+    const bool isSize = column.cell == sizeCell || column.cell == growthCell;
+    if (isSize && longest > english) column.width += longest - english;
+  }
   const auto used = [&] {
     std::size_t sum = signsWidth + nameWidth;
     for (const Column& column : columns) sum += column.width + 1;
@@ -350,7 +357,7 @@ std::string shortAge(Date date, Date now) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(timeBetween(date, now)).count();
   if (seconds < 0) return "";
   for (const Unit& unit : units) {
-    if (seconds >= unit.seconds) return i18n(unit.text, {{"number", std::to_string(seconds / unit.seconds)}});
+    if (seconds >= unit.seconds) return i18n(unit.text, {{"number", numberText(seconds / unit.seconds)}});
   }
   return i18n("now");
 }

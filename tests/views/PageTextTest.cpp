@@ -117,6 +117,16 @@ TEST(PageText, aLineNeverBreaksBetweenAFigureAndItsUnit) {
   }
 }
 
+TEST(PageText, aLineKeepsTheIsolatesOfItsNamesAndNoOthers) {
+  const std::pair<const char16_t*, const char16_t*> cases[]{
+      {u"\u2066~/\u2068\u05D0\u2069\u2069 grew", u"\u2066~/\u2068\u05D0\u2069\u2069 grew"},
+      {u"\u2068a\u2069b\u2069 c", u"\u2068a\u2069b\uFFFD c"},
+      {u"\u2067a \u2068b\u2069", u"\uFFFDa \u2068b\u2069"},
+      {u"a\u202Eb\nc\u2028d", u"a\uFFFDb\uFFFDc\uFFFDd"}};
+  for (const auto& [text, shown] : cases)
+    EXPECT_EQ(ShownText::onOneLine(QString::fromUtf16(text)), QString::fromUtf16(shown));
+}
+
 std::vector<std::string> labels(const std::vector<SettingsText::Choice>& choices) {
   std::vector<std::string> result;
   for (const auto& choice : choices) result.push_back(choice.label);

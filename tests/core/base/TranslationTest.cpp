@@ -1,6 +1,7 @@
 #include "core/base/Translation.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/DateWords.h"
 #include "core/base/Error.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/TextList.h"
@@ -45,13 +46,20 @@ class Catalogue : public testing::Test {
                        "msgctxt \"month\"\nmsgid \"May\"\nmsgstr \"maj\"\n\n"
                        "msgid \"{count} file\"\nmsgid_plural \"{count} files\"\nmsgstr[0] \"{count} plik\"\n"
                        "msgstr[1] \"{count} pliki\"\nmsgstr[2] \"{count} plików\"\n");
-    made_ = std::system(("msgfmt -o " + folder + "/spacemint.mo " + folder + "/pl.po").c_str()) == 0;
+    // An Arabic one without texts.
+    const std::string arabic = home_ / "ar/LC_MESSAGES";
+    support::writeText(arabic + "/ar.po",
+                       "msgid \"\"\nmsgstr \"Language: ar\\nContent-Type: text/plain; charset=UTF-8\\n\"\n");
+    made_ = compile(folder + "/pl.po") && compile(arabic + "/ar.po");
   }
   ~Catalogue() override {
     setLanguage("C", "");
     setUpTranslation(home_.path());
   }
 
+  static bool compile(const std::string& file) {
+    return std::system(("cd $(dirname " + file + ") && msgfmt -o spacemint.mo " + file).c_str()) == 0;
+  }
   static void setLanguage(const char* locale, const char* languages) {
     setenv("LC_ALL", locale, 1);
     setenv("LANGUAGE", languages, 1);
@@ -74,12 +82,32 @@ TEST_F(Catalogue, SpeaksTheLanguageOfTheLocale) {
   const Date now{std::chrono::days{20'000}};
   EXPECT_EQ(RelativeTime::string(now, now, "en_US"), "przed chwilą");
   EXPECT_EQ(RelativeTime::age(now - std::chrono::days{2}, now, "en_US"), "2 dni temu");
+  EXPECT_EQ(dateInWords(now, "dMMM", "en_US"), "4 paź");
+  for (const auto& [english, text] : {std::pair{"5 months ago", "5 miesięcy temu"},
+                                      {"About an hour ago", "1 godzinę temu"},
+                                      {"Less than a second ago", "przed chwilą"},
+                                      {"5 fortnights ago", "5 fortnights ago"},
+                                      {"9876543210 days ago", "9876543210 days ago"},
+                                      {" ago", " ago"},
+                                      {"Never", "Never"}})
+    EXPECT_EQ(RelativeTime::translated(english), text);
   EXPECT_EQ(listed({"a", "b", "c"}), "a, b i c");
   EXPECT_EQ(userLocale(), "pl_PL");
   setLanguage("en_US.UTF-8", "pl");
   setUpTranslation(home_.path());
   EXPECT_EQ(sentenceLanguage(), "pl");
   EXPECT_EQ(userLocale(), "pl");
+}
+
+// Without the mark, a line would begin at the left if the first letter is that of a name.
+TEST_F(Catalogue, MarksTheDirectionInAWindowOnly) {
+  ASSERT_TRUE(made_);
+  setLanguage("en_US.UTF-8", "ar");
+  setUpTranslation(home_.path());
+  EXPECT_EQ(i18n("{a} of {b}", {{"a", "~/x"}, {"b", "2"}}), "\u200f\u2068~/x\u2069 of \u20682\u2069");
+  EXPECT_EQ(facts({"", "a", "b"}), "\u200f\u2068a\u2069 · \u2068b\u2069");
+  setUpTranslation(home_.path(), ShownIn::terminal);
+  EXPECT_EQ(sentences({"A.", "", "B."}), "A. B.");
 }
 
 TEST_F(Catalogue, IsEnglishWithoutACatalogueOfTheLanguage) {
