@@ -8,12 +8,13 @@ T.ComboBox {
     id: root
 
     property real size: 12
+    readonly property real roomForArrow: 11 + arrow.width + 6
 
     hoverEnabled: true
     implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding
     implicitHeight: label.implicitHeight + topPadding + bottomPadding
-    leftPadding: 11
-    rightPadding: 11 + arrow.width + 6
+    leftPadding: mirrored ? roomForArrow : 11
+    rightPadding: mirrored ? 11 : roomForArrow
     verticalPadding: 6
     font: Theme.text(size, Font.Medium)
     opacity: Theme.strength(root)
@@ -59,7 +60,7 @@ T.ComboBox {
     indicator: Symbol {
         id: arrow
 
-        x: root.width - width - 9
+        x: root.mirrored ? 9 : root.width - width - 9
         y: (root.height - height) / 2
         symbol: "chevron.down"
         size: root.size
@@ -90,8 +91,8 @@ T.ComboBox {
         width: ListView.view.width
         implicitWidth: choice.implicitWidth + leftPadding + rightPadding
         implicitHeight: choice.implicitHeight + topPadding + bottomPadding
-        leftPadding: 7
-        rightPadding: 28
+        leftPadding: mirrored ? 28 : 7
+        rightPadding: mirrored ? 7 : 28
         verticalPadding: 6
         text: modelData
         Accessible.selectable: true

@@ -12,11 +12,13 @@ T.TextField {
     property string symbol: "magnifyingglass"
     /// With this width the hint is seen in full.
     readonly property real hintWidth: leftPadding + hintLabel.implicitWidth + rightPadding
+    readonly property bool isMirrored: LayoutMirroring.enabled
+    readonly property real roomForSymbol: symbol ? 10 + glass.width + 7 : 10
 
     implicitWidth: Theme.scaled(180)
     implicitHeight: Math.ceil(metrics.height) + topPadding + bottomPadding
-    leftPadding: symbol ? 10 + glass.width + 7 : 10
-    rightPadding: 8
+    leftPadding: isMirrored ? 8 : roomForSymbol
+    rightPadding: isMirrored ? roomForSymbol : 8
     topPadding: 6
     bottomPadding: 6
     font: Theme.text(size)
@@ -54,7 +56,7 @@ T.TextField {
     Symbol {
         id: glass
 
-        x: 10
+        x: root.isMirrored ? root.width - width - 10 : 10
         anchors.verticalCenter: parent.verticalCenter
         visible: root.symbol
         symbol: root.symbol

@@ -23,7 +23,10 @@ T.Switch {
     Keys.forwardTo: [keys]
 
     contentItem: Label {
-        rightPadding: root.indicator.width + root.spacing
+        readonly property real gap: root.indicator.width + root.spacing
+
+        leftPadding: root.mirrored ? gap : 0
+        rightPadding: root.mirrored ? 0 : gap
         text: root.text
         font: root.font
         color: Theme.ink
@@ -32,7 +35,7 @@ T.Switch {
         Accessible.ignored: true
     }
     indicator: Rectangle {
-        x: root.width - width
+        x: root.mirrored ? 0 : root.width - width
         y: (root.height - height) / 2
         implicitWidth: Theme.scaled(34)
         implicitHeight: Theme.scaled(20)

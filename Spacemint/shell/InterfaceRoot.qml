@@ -19,6 +19,9 @@ FocusScope {
     property bool showingAbout: false
 
     focus: true
+    // Layouts that exist already do not turn around.
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
     // Popups are beside this item, not in it.
     onParentChanged: if (parent)
         Theme.followDirection(parent)

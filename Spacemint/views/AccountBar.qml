@@ -15,6 +15,11 @@ Item {
     readonly property real knownEnd: files + (known ? gap + known : 0)
     readonly property real elsewhereEnd: knownEnd + (elsewhere ? gap + elsewhere : 0)
 
+    /// The x of a part at this distance from the leading edge.
+    function placeOf(distance: real, part: Item): real {
+        return LayoutMirroring.enabled ? width - distance - part.width : distance;
+    }
+
     function widthOf(index: int): real {
         const share = shares[index] ?? 0;
         return share > 0 ? Math.max(4, share * width) : 0;
@@ -25,13 +30,14 @@ Item {
     Accessible.ignored: true
 
     Rectangle {
+        x: root.placeOf(0, this)
         width: root.files
         height: root.height
         radius: 2
         color: Theme.tertiary
     }
     Rectangle {
-        x: root.files + root.gap
+        x: root.placeOf(root.files + root.gap, this)
         width: root.known
         height: root.height
         visible: width > 0
@@ -55,7 +61,7 @@ Item {
         }
     }
     Rectangle {
-        x: root.knownEnd + root.gap
+        x: root.placeOf(root.knownEnd + root.gap, this)
         width: root.elsewhere
         height: root.height
         visible: width > 0
@@ -63,8 +69,8 @@ Item {
         color: Theme.track
     }
     Rectangle {
-        x: root.elsewhereEnd + root.gap
-        width: Math.max(0, root.width - x)
+        x: root.placeOf(root.elsewhereEnd + root.gap, this)
+        width: Math.max(0, root.width - root.elsewhereEnd - root.gap)
         height: root.height
         radius: 2
         color: "transparent"

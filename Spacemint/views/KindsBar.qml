@@ -31,6 +31,7 @@ Column {
         clip: true
 
         Row {
+            anchors.left: parent.left
             spacing: 1
 
             Repeater {

@@ -26,8 +26,8 @@ T.ProgressBar {
 
             property real place
 
-            x: root.indeterminate ? (parent.width * (1 + piece)) * (moves ? place : 0.5) - width : 0
-            width: parent.width * (root.indeterminate ? piece : root.visualPosition)
+            x: root.indeterminate ? (parent.width * (1 + piece)) * (moves ? place : 0.5) - width : root.mirrored ? parent.width - width : 0
+            width: parent.width * (root.indeterminate ? piece : root.position)
             height: parent.height
             radius: height / 2
             color: Theme.ink

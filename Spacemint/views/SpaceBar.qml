@@ -15,7 +15,7 @@ UsageBar {
 
     // A warning level at or over the total has no place on the bar.
     Rectangle {
-        x: root.ui.summary.tickFraction * root.width - 1
+        x: (root.mirrored ? 1 - root.ui.summary.tickFraction : root.ui.summary.tickFraction) * root.width - 1
         y: -3
         width: 2
         height: root.height + 6

@@ -81,7 +81,7 @@ Item {
                     Label {
                         width: parent.width
                         text: root.title
-                        elide: Text.ElideRight
+                        wrapMode: Text.Wrap
                         Accessible.ignored: true
                     }
                     Label {
