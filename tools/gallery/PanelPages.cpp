@@ -3,6 +3,12 @@
 #include "AppServices/Usage.h"
 #include "Pages.h"
 #include "Spacemint/views/Ui.h"
+#include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
+#include "core/base/PlatformWords.h"
+#include "core/base/TextList.h"
+#include "core/base/Translation.h"
+#include "core/wording/FindingText.h"
 #include "support/ModelFixture.h"
 #include "support/TreeBuilder.h"
 
@@ -110,7 +116,17 @@ void settings(Scene& scene) {
 }
 void askToDelete(Scene& scene, const std::string& name) {
   scene.app().cleanups().ask(DeleteRequest{scene.at(name), name.substr(name.rfind('/') + 1), 2 * GB,
-                                           "This removes it for good. It can't be restored."});
+                                           i18n("This removes it for good.")});
+}
+
+std::string movedText(const std::string& name) {
+  const std::string moved = i18n("Moved “{name}” to the Trash. Empty it to free {size}",
+                                 {{"name", name}, {"size", ByteFormat::string(2 * GB, locale)}});
+  return i18n("{text}.", {{"text", moved}});
+}
+std::string closedText() {
+  return sentences({i18n("Some items, like hidden ones, are still in the Trash."),
+                    i18n("{text}.", {{"text", i18n(PlatformWords::foldersAreClosed)}})});
 }
 
 VolumeReading volumeOf(const std::string& name, bool holdsHome, Bytes total, Bytes free) {
@@ -161,17 +177,13 @@ constexpr PanelPage panelPages[] = {
      [](Scene& s) {
        s.scanned();
        s.screen().volume.others = {volumeOf("Home", true, 500 * GB, 100 * GB),
-                                   volumeOf("System", false, 60 * GB, 21 * GB),
+                                   volumeOf(i18n("System"), false, 60 * GB, 21 * GB),
                                    volumeOf("archive 2019 to 2024", false, 2'000 * GB, 640 * GB),
                                    volumeOf("backup", false, 112 * GB, 6'200 * MB)};
      }},
-    {"panel-message", scanned,
-     [](Scene& s) { s.tell("Moved thesis.pdf to the Trash. Empty it to free 40 MB."); }},
+    {"panel-message", scanned, [](Scene& s) { s.tell(movedText("thesis.pdf")); }},
     {"panel-message-action", scanned,
-     [](Scene& s) {
-       s.tell("Some items, like hidden ones, are still in the Trash. Some folders are closed to Spacemint.",
-              MessageAction{.title = "Open Settings", .perform = [] {}});
-     }},
+     [](Scene& s) { s.tell(closedText(), MessageAction{.title = i18n("Open Settings"), .perform = [] {}}); }},
     {"panel-confirmation", scanned, [](Scene& s) { askToDelete(s, "Movies/holiday.mov"); }},
     {"panel-confirmation-long", scanned,
      [](Scene& s) {
@@ -225,7 +237,7 @@ constexpr PanelPage panelPages[] = {
     {"panel-settings-login-error", scanned,
      [](Scene& s) {
        settings(s);
-       s.screen().loginItem.failure = Error{.message = "not here"};
+       s.screen().loginItem.failure = Error{.message = "~/.config/autostart"};
        // When the page exists.
        QMetaObject::invokeMethod(
            s.ui().settings(), [form = s.ui().settings()] { form->setLaunchesAtLogin(true); },
@@ -245,20 +257,50 @@ QString panel(const char* file) {
   return QStringLiteral("qrc:/qt/qml/Spacemint/Gallery/panel/%1.qml").arg(QLatin1StringView(file));
 }
 
+QString shown(const std::string& text) {
+  return QString::fromStdString(text);
+}
+
+QVariantMap messages() {
+  const std::string freed = ByteFormat::string(2'400 * MB, locale);
+  return {{QStringLiteral("texts"),
+           QStringList{shown(i18n("{done} and freed {size}.",
+                                  {{"done", i18n("Emptied the Trash")}, {"size", freed}})),
+                       shown(closedText()),
+                       shown(movedText("the film of the holiday that nobody will ever watch again, in the "
+                                       "version with all the scenes.mov")),
+                       shown(i18n("That didn't work: {reason}",
+                                  {{"reason",
+                                    "/home/someone/anameofafolderthathasnospaceatallandsocannotbewrapped"
+                                    "anywhere/another"}})),
+                       shown(movedText(isolatedName("عطلة الصيف.mov")))}},
+          {QStringLiteral("action"), shown(i18n("Open Settings"))}};
+}
+
+QVariantMap statusCards() {
+  return {
+      {QStringLiteral("texts"), QStringList{shown(i18n("Checking Docker…")),
+                                            shown(i18n("Start Docker to see what can be cleaned up.")),
+                                            shown(FindingText::dockerFailed("unix:///var/run/docker.sock"))}},
+      {QStringLiteral("title"), shown(i18n("Some folders are closed to Spacemint"))},
+      {QStringLiteral("line"),
+       shown(i18n("Spacemint can't see your whole disk, so some sizes may be out of date."))}};
+}
+
 /// A notice of each kind.
 QVariantMap notices() {
   const AppMessage tip{.id = "tip",
-                       .title = "A tip",
-                       .body = "The tick on the bar is your warning level. You choose it in the settings."};
+                       .title = i18n("Scans you'll never notice"),
+                       .body = i18n("You choose the level. 20 GB free by default.")};
   const AppMessage version{
       .id = "new",
-      .title = "Spacemint 1.2 is here",
-      .body = "It finds caches of more tools, and scans in half the time.",
-      .link = AppMessage::Link{.title = "See what's new", .url = "https://example.org/"}};
+      .title = "Spacemint 1.2",
+      .body = i18n("Runs quietly in the background while your computer has nothing else to do."),
+      .link = AppMessage::Link{.title = i18n("Show what to free"), .url = "https://example.org/"}};
   AppMessage longest = version;
-  longest.title = "A title that somebody wrote without a thought of how little room there is in a panel";
+  longest.title = i18n("Spacemint can't see your whole disk, so some sizes may be out of date.");
   for (int i = 0; i < 5; ++i) longest.body += " " + version.body + " " + tip.body;
-  longest.link->title = "See everything that is new in this version";
+  longest.link->title = i18n("Show what grew and what shrank between two scans");
   QVariantList cards;
   for (const Notice& notice : {Notice{UsageQuestion{}}, Notice{tip}, Notice{version}, Notice{longest}}) {
     const NoticeText text = noticeText(notice, "Spacemint");
@@ -282,8 +324,10 @@ std::vector<Page> pagesOfPanel() {
                       .size = page.size,
                       .margin = page.windowed ? 0 : 12});
   }
-  result.push_back({.name = QStringLiteral("panel-messages"), .url = panel("Messages")});
-  result.push_back({.name = QStringLiteral("panel-status-cards"), .url = panel("StatusCards")});
+  result.push_back(
+      {.name = QStringLiteral("panel-messages"), .url = panel("Messages"), .properties = messages});
+  result.push_back(
+      {.name = QStringLiteral("panel-status-cards"), .url = panel("StatusCards"), .properties = statusCards});
   result.push_back({.name = QStringLiteral("panel-notices"), .url = panel("Notices"), .properties = notices});
   return result;
 }

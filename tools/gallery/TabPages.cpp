@@ -1,5 +1,6 @@
 #include "Pages.h"
 #include "Spacemint/views/Ui.h"
+#include "core/base/Translation.h"
 #include "support/ModelFixture.h"
 
 #include <fstream>
@@ -285,8 +286,7 @@ const TabPage tabPages[] = {
     {"developer-failed", Tab::developer,
      [](TabScene& s) {
        s.little();
-       s.tools("echo permission denied while trying to reach the socket at /var/run/docker.sock >&2; exit 1",
-               "echo the list is not readable >&2; exit 1");
+       s.tools("echo /var/run/docker.sock >&2; exit 1", "echo 127.0.0.1:11434 >&2; exit 1");
      }},
 };
 
@@ -296,7 +296,8 @@ QVariantMap propertiesOf(const TabPage& page) {
   scenes.push_back(std::make_unique<TabScene>(page.tab, page.before, page.after));
   return {{QStringLiteral("ui"), QVariant::fromValue(&scenes.back()->ui())},
           {QStringLiteral("deed"), QString::fromUtf8(page.deed)},
-          {QStringLiteral("title"), QString::fromUtf8(page.title)}};
+          {QStringLiteral("titles"),
+           QStringList{QString::fromUtf8(page.title), QString::fromStdString(i18n(page.title))}}};
 }
 
 }  // namespace

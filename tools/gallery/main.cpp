@@ -61,7 +61,13 @@ void printTexts(const QString& page, const QQuickItem& item) {
 /// Null if the page cannot be made; the reason is on standard error.
 QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
   QQmlComponent component(&engine, QUrl(page.url));
-  const QVariantMap properties = page.properties ? page.properties() : QVariantMap();
+  QQuickWindow window;
+  Theme& theme = UiKit::theme(engine);
+  window.setColor(theme.canvas());
+  QMetaObject::invokeMethod(&theme, "followDirection", Q_ARG(QQuickItem*, window.contentItem()));
+  QVariantMap properties = page.properties ? page.properties() : QVariantMap();
+  // Layouts that are made without a parent would not turn around in it.
+  properties.insert(QStringLiteral("parent"), QVariant::fromValue(window.contentItem()));
   // A component that is not ready must not create an object.
   const std::unique_ptr<QObject> object(
       component.isReady() ? component.createWithInitialProperties(properties) : nullptr);
@@ -70,11 +76,6 @@ QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
     qCritical("%s: %s", qPrintable(page.name), qPrintable(component.errorString()));
     return {};
   }
-  QQuickWindow window;
-  Theme& theme = UiKit::theme(engine);
-  window.setColor(theme.canvas());
-  QMetaObject::invokeMethod(&theme, "followDirection", Q_ARG(QQuickItem*, window.contentItem()));
-  item->setParentItem(window.contentItem());
   item->setPosition(QPointF(page.margin, page.margin));
   window.show();
   window.requestActivate();

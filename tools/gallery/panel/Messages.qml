@@ -1,29 +1,28 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.Views
 
 ColumnLayout {
+    id: root
+
+    required property list<string> texts
+    /// The button of the second message.
+    required property string action
+
     spacing: 16
 
-    MessageBanner {
-        Layout.preferredWidth: 420
-        text: "Emptied the Trash and freed 2.4 GB."
-    }
-    MessageBanner {
-        Layout.preferredWidth: 420
-        text: "Some items, like hidden ones, are still in the Trash. Some folders are closed to Spacemint."
-        action: "Open Settings"
-    }
-    MessageBanner {
-        Layout.preferredWidth: 420
-        text: "Moved “the film of the holiday that nobody will ever watch again, in the version with all the scenes.mov” to the Trash. Empty it to free 2 GB."
-    }
-    MessageBanner {
-        Layout.preferredWidth: 420
-        text: "That didn't work: /home/someone/anameofafolderthathasnospaceatallandsocannotbewrappedanywhere/another: Permission denied"
-    }
-    MessageBanner {
-        Layout.preferredWidth: 420
-        text: "Moved “\u2068عطلة الصيف.mov\u2069” to the Trash. Empty it to free 2 GB."
+    Repeater {
+        model: root.texts
+
+        MessageBanner {
+            required property int index
+            required property string modelData
+
+            Layout.preferredWidth: 420
+            text: modelData
+            action: index === 1 ? root.action : ""
+        }
     }
 }

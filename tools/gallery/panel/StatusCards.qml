@@ -1,27 +1,34 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Spacemint.Views
 
 ColumnLayout {
+    id: root
+
+    required property list<string> texts
+    required property string title
+    required property string line
+
     spacing: 16
 
-    StatusCard {
-        Layout.preferredWidth: 420
-        text: "Asking Docker what it keeps…"
-        busy: true
-    }
-    StatusCard {
-        Layout.preferredWidth: 420
-        text: "Start Docker to see what can be cleaned up."
-    }
-    StatusCard {
-        Layout.preferredWidth: 420
-        text: "Docker didn't answer: Cannot connect to the Docker daemon at unix:///var/run/docker.sock. Is the docker daemon running?"
+    Repeater {
+        model: root.texts
+
+        StatusCard {
+            required property int index
+            required property string modelData
+
+            Layout.preferredWidth: 420
+            text: modelData
+            busy: index === 0
+        }
     }
     ActionCard {
         Layout.preferredWidth: 420
         symbol: "lock"
-        title: "See the whole disk"
-        line: "Some folders are closed to Spacemint and can't be measured."
+        title: root.title
+        line: root.line
     }
 }

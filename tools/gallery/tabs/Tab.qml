@@ -6,7 +6,8 @@ TabPages {
     id: root
 
     property string deed
-    property string title
+    /// The title of the row, as it is and in the user's language.
+    property list<string> titles
     property Item pointer: null
     property Item focused: null
 
@@ -21,7 +22,7 @@ TabPages {
     }
 
     function act() {
-        const row = find(root, item => item.rowId !== undefined && item.title === root.title);
+        const row = find(root, item => item.rowId !== undefined && root.titles.includes(item.title));
         if (deed === "unfold")
             row.expanded = true;
         else if (deed === "point")
