@@ -1,8 +1,11 @@
-"""Writes the man page and the shell completions of a program, generated from its --help.
+"""Writes the manual page and the shell completions of a program, generated from its --help. The page is written in
+every language for which there is a catalogue, below FOLDER/man, as man finds it.
 
-usage: commandLine.py PROGRAM FOLDER
+usage: commandLine.py PROGRAM FOLDER CATALOGUES LANGUAGE...
 """
 
+import gettext
+import gzip
 import os
 import pathlib
 import re
@@ -10,18 +13,29 @@ import subprocess
 import sys
 
 
-class Command:
-    """A command of the program: the contents of its --help, and its subcommands."""
+class Language:
+    """Translates texts of the catalogue."""
 
-    def __init__(self, program, path=()):
+    def __init__(self, code, catalogues):
+        self.code = code
+        self.translation = gettext.translation("spacemint", catalogues, [code], fallback=code == "en")
+
+    def __call__(self, text):
+        return self.translation.gettext(text)
+
+
+class Command:
+    """A command of the program: the contents of its --help in a language, and its subcommands."""
+
+    def __init__(self, program, language, path=()):
         self.path = path
         text = subprocess.run([program, *path, "--help"], check=True, capture_output=True, text=True,
-                              env={**os.environ, "LC_ALL": "C"}).stdout
+                              env={**os.environ, "LC_ALL": "C.UTF-8", "LANGUAGE": language.code}).stdout
         self.summary, self.usage = text.splitlines()[:2]
-        self.usage = self.usage.removeprefix("Usage: ")
-        self.arguments = rows(text, "Positionals")
-        self.options = rows(text, "Options")
-        self.commands = [Command(program, (*path, name)) for name, _ in rows(text, "Subcommands")]
+        self.usage = self.usage.removeprefix(language("Usage") + ": ")
+        self.arguments = rows(text, language("Positionals"))
+        self.options = rows(text, language("Options"))
+        self.commands = [Command(program, language, (*path, name)) for name, _ in rows(text, language("Subcommands"))]
 
     def all(self):
         yield self
@@ -41,7 +55,7 @@ def rows(text, section):
     found = re.search(rf"^{section}:\n((?:  .*\n)*)", text, re.MULTILINE)
     # A help text stands in the line of its term, or in the next line if the term is long.
     lines = re.findall(r"^  (\S.*(?:\n {8,}\S.*)*)", found.group(1), re.MULTILINE) if found else []
-    return [tuple(re.split(r"\s{2,}| (?=Print this)", line, maxsplit=1)) for line in lines]
+    return [tuple(re.split(r"\s{2,}", line, maxsplit=1)) for line in lines]
 
 
 def described(text):
@@ -53,19 +67,27 @@ def roff(text):
     return text.replace("\\", "\\e").replace("-", "\\-")
 
 
-def man(root):
+def man(root, language):
+    def heading(text):
+        return f".SH {language(text)}"
+
     name = root.usage.split()[0]
-    page = [f".TH {name.upper()} 1", ".SH NAME", f"{name} \\- " + described("see what is big on your disk and clean it from a terminal"),
-            ".SH SYNOPSIS", f".B {name}", "COMMAND [OPTION ...]", ".SH DESCRIPTION", roff(root.summary) + "."]
+    page = [f".TH {name.upper()} 1", heading(described("NAME")),
+            f"{name} \\- " + language(described("see what is big on your disk and clean it from a terminal")),
+            heading(described("SYNOPSIS")), f".B {name}", language(described("COMMAND [OPTION ...]")),
+            heading(described("DESCRIPTION")), roff(language("{text}.").format(text=root.summary))]
     for command in root.all():
-        page += [".SH OPTIONS"] if not command.path else [".SH COMMANDS"] if command is root.commands[0] else []
+        if not command.path:
+            page += [heading("OPTIONS")]
+        elif command is root.commands[0]:
+            page += [heading(described("COMMANDS"))]
         if command.path:
-            page += [f".SS {roff(command.usage)}", roff(command.summary) + "."]
+            page += [f".SS {roff(command.usage)}", roff(language("{text}.").format(text=command.summary))]
         for term, help in command.arguments + command.options:
             page += [".TP", f".B {roff(term)}", roff(help)]
-    page += [".SH ENVIRONMENT", ".TP", ".B SPACEMINT_LOG",
-             roff("info or debug: write the reason of each decision to standard error, one line for each.")]
-    return "\n".join([*page, ".SH SEE ALSO", ".BR spacemint (1)", ""])
+    page += [heading(described("ENVIRONMENT")), ".TP", ".B SPACEMINT_LOG", roff(language(described(
+        "info or debug: write the reason of each decision to standard error, one line for each.")))]
+    return "\n".join([*page, heading(described("SEE ALSO")), ".BR spacemint (1)", ""])
 
 
 def bash(root):
@@ -129,12 +151,17 @@ def fish(root):
     return "\n".join([*lines, ""])
 
 
-def main(program, folder):
-    root = Command(program)
+def main(program, folder, catalogues, *codes):
+    english = Language("en", catalogues)
+    root = Command(program, english)
     name = root.usage.split()[0]
     out = pathlib.Path(folder)
     out.mkdir(parents=True, exist_ok=True)
-    for file, text in {f"{name}.1": man(root), f"{name}.bash": bash(root), f"_{name}": zsh(root), f"{name}.fish": fish(root)}.items():
+    for language in (Language(code, catalogues) for code in codes):
+        page = out / "man" / language.code / "man1" / f"{name}.1.gz"
+        page.parent.mkdir(parents=True, exist_ok=True)
+        page.write_bytes(gzip.compress(man(Command(program, language), language).encode(), mtime=0))
+    for file, text in {f"{name}.1": man(root, english), f"{name}.bash": bash(root), f"_{name}": zsh(root), f"{name}.fish": fish(root)}.items():
         (out / file).write_text(text)
 
 

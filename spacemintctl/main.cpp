@@ -16,6 +16,7 @@
 #include "spacemintctl/UsageCommand.h"
 #include "spacemintctl/WatchCommand.h"
 #include "spacemintctl/browse/BrowseCommand.h"
+#include "spacemintctl/browse/Cells.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -23,6 +24,7 @@
 #include <deque>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -343,8 +345,21 @@ constexpr const char* parserWords[] = {
     i18nMark("N"),        i18nMark("DATE"),        i18nMark("FILE"),
 };
 
+// Pads by columns: a translated word has letters of several bytes, or of two columns.
+class HelpInColumns final : public CLI::Formatter {
+ public:
+  std::string make_option(const CLI::Option* option, bool isPositional) const override {
+    std::string line = "  " + make_option_name(option, isPositional) + make_option_opts(option);
+    const std::size_t columns = columnsOf(line);
+    const std::size_t width = get_column_width();
+    line += columns + 1 < width ? std::string(width - columns, ' ') : '\n' + std::string(width, ' ');
+    return line + make_option_desc(option) + '\n';
+  }
+};
+
 // Before the commands are added, which inherit these texts.
 void translateParser(CLI::App& app) {
+  app.formatter(std::make_shared<HelpInColumns>());
   for (const char* word : parserWords) app.get_formatter()->label(word, i18n(word));
   app.option_defaults()->group(i18n("Options"));
   app.set_help_flag("-h,--help", i18n("Print this help message and exit"));

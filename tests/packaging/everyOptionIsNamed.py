@@ -3,6 +3,7 @@
 usage: everyOptionIsNamed.py PROGRAM FOLDER
 """
 
+import gzip
 import pathlib
 import re
 import subprocess
@@ -24,13 +25,17 @@ expected = words()
 if len(expected) < 20:
     sys.exit(f"--help was not understood: {expected}")
 bad = False
+manuals = ["spacemintctl.1", *(str(page.relative_to(folder)) for page in folder.glob("man/*/man1/spacemintctl.1.gz"))]
+if len(manuals) < 2:
+    sys.exit("there are no translated manual pages")
 for file, spell in {
-    "spacemintctl.1": lambda word: re.escape(word.replace("-", "\\-")),
+    **{manual: lambda word: re.escape(word.replace("-", "\\-")) for manual in manuals},
     "spacemintctl.bash": re.escape,
     "_spacemintctl": re.escape,
     "spacemintctl.fish": lambda w: re.sub("^(-[a-z])$", r"-s \1", w).replace("-s -", "-s ").replace("--", "-l ", 1),
 }.items():
-    text = (folder / file).read_text()
+    content = (folder / file).read_bytes()
+    text = (gzip.decompress(content) if file.endswith(".gz") else content).decode()
     for word in sorted(expected):
         if not re.search(rf"(?<![\w-]){spell(word)}(?![\w-])", text):
             print(f"{file} does not name {word}")
