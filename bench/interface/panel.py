@@ -85,6 +85,28 @@ def start(app, rounds=5):
     say("panel's first frame after the first click (150 ms)", f"{first:.0f} ms")
 
 
+def languages(app, rounds=15):
+    """Compares the start in a language with the start in English, by turns."""
+    times = {"en": [], "de": [], "ar": []}
+    for turn in range(rounds):
+        order = list(times.items())
+        for language, taken in order[turn % 3:] + order[:turn % 3]:
+            begin = now()
+            app.start(LANGUAGE=language)
+            # Asks without a pause, for the difference is a few milliseconds.
+            while not app.session.has_name(f"org.kde.StatusNotifierItem-{app.process.pid}-1"):
+                if now() - begin > 30_000:
+                    raise TimeoutError("the item's name")
+            taken.append(now() - begin)
+            app.wait_item()
+            app.terminate()
+            app.wait_no_item()
+    english = statistics.median(times["en"])
+    for language in ("de", "ar"):
+        more = statistics.median(times[language]) - english
+        say(f"status item on the bus, in {language} after in English (5 ms)", f"{more:+.1f} ms of {english:.0f} ms")
+
+
 def click(app):
     begin = now()
     app.xdotool("click", 1)
@@ -113,6 +135,7 @@ def main():
         for i in range(20):
             (session.home / f"letter-{i}").write_text("Dear Ann")
         app = Application(session, SPACEMINT, SETTINGS)
+        languages(app)
         start(app)
         panel(app)
         time.sleep(35)
