@@ -9,7 +9,8 @@ namespace spacemint {
 
 /// Repeats work that may wait for a good moment. Main thread only.
 ///
-/// The interval runs on while the system sleeps; a run that was due meanwhile comes soon after waking.
+/// A run that is due at a bad moment begins at the next good one. The interval runs on while the system
+/// sleeps; a run that was due meanwhile comes soon after waking.
 class ActivityScheduler {
  public:
   struct Activity {
@@ -39,6 +40,9 @@ class ActivityScheduler {
   virtual ~ActivityScheduler() = default;
 
   virtual std::unique_ptr<Scheduled> schedule(const Activity& activity, Handler handler) = 0;
+
+  /// Whether work that nobody waits for may begin now. It may not while the battery is low.
+  virtual bool isGoodMoment() const = 0;
 };
 
 }  // namespace spacemint

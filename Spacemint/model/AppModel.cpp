@@ -112,10 +112,14 @@ void AppModel::launchCheck() {
   if (!prefs_.hasStarted()) return;
   warnings_.requestAuthorization();
   if (warnings_.level() != SpaceLevel::ok && scans_.isStale(SpaceWarnings::staleAfter)) scans_.scan();
-  if (!scans_.isStale(scanInterval())) return;
-  desktop_.clock.after(launchScanDelay, this, [this] {
-    if (scans_.isStale(scanInterval())) scans_.scan();
-  });
+  afterLaunch_ =
+      desktop_.scheduler.schedule({.identifier = "app.spacemint.launch", .interval = launchScanDelay},
+                                  [this, isDue = scans_.isStale(scanInterval())](const auto& finished) {
+                                    finished();
+                                    afterLaunch_.reset();  // not again
+                                    if (isDue && scans_.isStale(scanInterval())) return scans_.scan();
+                                    scans_.record();
+                                  });
 }
 
 // The home folder may be on a network file system, so the file is written on another thread.
@@ -178,7 +182,7 @@ void AppModel::refreshTrash() {
 
 // A warning says what grew, so the current scan is brought up to date before it.
 void AppModel::warnIfDue() {
-  const bool isDue = looks_.isDue();
+  const bool isDue = looks_.isDue() && desktop_.scheduler.isGoodMoment();
   if (!isDue && !warnings_.isDue()) return warnings_.evaluate();
   looks_.look([this] { warnings_.evaluate(); });
 }

@@ -32,8 +32,8 @@ std::string titleOf(Tab tab);
 class AppModel : public QObject {
   Q_OBJECT
  public:
-  /// If the last scan is old at the start of the program, the first scan begins after this time, when the
-  /// login is over.
+  /// So long after the start of the program, when the login is over, a scan begins if the last one is old;
+  /// otherwise the folder is recorded again.
   static constexpr std::chrono::seconds launchScanDelay{180};
 
   AppModel(AppContext context, const Desktop& desktop);
@@ -139,6 +139,7 @@ class AppModel : public QObject {
   DeveloperTools dev_;
   Cleanups cleanups_;
   bool hasFullDiskAccess_;
+  std::unique_ptr<ActivityScheduler::Scheduled> afterLaunch_;
   Tab tab_ = Tab::overview;
   std::optional<std::string> folderPath_;
   std::string fileSearch_;

@@ -32,14 +32,9 @@ struct Look {
     auto result =
         plan.scan({.root = seed->rootPath(), .minNodeSize = seed->minNodeSize, .shouldCancel = isOver});
     if (!result || result->root == seed->root) return std::nullopt;
-    Snapshot updated =
-        FinishedScan{
-            .result = std::move(*result), .plan = plan, .minNodeSize = seed->minNodeSize, .volume = volume}
-            .snapshot();
-    // It stays the scan that the history has.
-    updated.date = seed->date;
-    updated.duration = seed->duration;
-    return updated;
+    return FinishedScan{
+        .result = std::move(*result), .plan = plan, .minNodeSize = seed->minNodeSize, .volume = volume}
+        .snapshot();
   }
 };
 

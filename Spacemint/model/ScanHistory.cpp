@@ -62,6 +62,8 @@ void ScanHistory::take(Loaded loaded) {
 
 void ScanHistory::update(Snapshot snapshot) {
   updatedAt_ = clock_.now();
+  snapshot.date = snapshot_->date;
+  snapshot.duration = snapshot_->duration;
   setSnapshot(std::move(snapshot));
   Q_EMIT changed();
 }

@@ -47,7 +47,7 @@ class ScanHistory : public QObject {
   void replace(Snapshot snapshot, std::vector<Entry> entries);
 
   /// The current scan, brought up to date. It stays the scan that is stored: nothing is written, and
-  /// `entries` stay.
+  /// `entries` and the scan's date stay. There must be a current scan.
   void update(Snapshot snapshot);
   /// When `update` was last called for the current scan.
   const std::optional<Date>& updatedAt() const { return updatedAt_; }

@@ -2,7 +2,6 @@
 
 #include "core/base/Isolate.h"
 #include "core/base/Translation.h"
-#include "core/scan/ScanPlan.h"
 #include "core/tree/Paths.h"
 
 namespace spacemint {
@@ -23,24 +22,49 @@ auto throttled(auto callback) {
 
 }  // namespace
 
+ScanPlan ScanJob::plan(Date start, bool mayReuse) const {
+  return ScanPlan::make(journal, {.root = root,
+                                  .minNodeSize = minNodeSize,
+                                  .now = start,
+                                  .earlier = seed ? std::optional{*seed} : std::nullopt,
+                                  .mayReuse = mayReuse,
+                                  .timeout = journalTimeout,
+                                  .shouldCancel = [this] { return isCancelled(); },
+                                  .excludes = excludes});
+}
+
 ScanJob::Report ScanJob::run() const {
   const Date start = clock.now();
-  const auto isCancelled = [this] { return orders->isCancelled.load(); };
-  ScanPlan plan = ScanPlan::make(journal, {.root = root,
-                                           .minNodeSize = minNodeSize,
-                                           .now = start,
-                                           .earlier = seed ? std::optional{*seed} : std::nullopt,
-                                           .timeout = journalTimeout,
-                                           .shouldCancel = isCancelled,
-                                           .excludes = excludes});
+  ScanPlan plan = this->plan(start, true);
   if (isCancelled()) return {};
+  const std::string whyFull = plan.whyFull;
   // If nothing recorded this folder until now, recording starts with this scan.
   const auto crawl = plan.isFull() ? journal.beginCrawl(root) : nullptr;
-  if (crawl) plan.eventID = crawl->eventID();
+  auto snapshot = measure(std::move(plan), start, crawl.get(), [this] { return isCancelled(); });
+  if (isCancelled()) return {};
+  if (!snapshot)
+    return {.failure = i18n("Couldn't scan {path}.", {{"path", isolatedPath(Paths::display(root, home))}})};
+  Report report = save(std::move(*snapshot));
+  report.whyFull = whyFull;
+  return report;
+}
+
+ScanJob::Report ScanJob::record() const {
+  const Date start = clock.now();
+  const auto crawl = journal.beginCrawl(root);
+  if (!crawl) return {};
+  return {.snapshot = measure(plan(start, false), start, crawl.get(),
+                              [&] { return isCancelled() || crawl->hasFailed(); })};
+}
+
+// Absent if cancelled, or if the root cannot be scanned. `crawl` may be null.
+std::optional<Snapshot> ScanJob::measure(ScanPlan plan, Date start, RecordingCrawl* crawl,
+                                         const std::function<bool()>& shouldCancel) const {
+  if (crawl != nullptr) plan.eventID = crawl->eventID();
   auto result = plan.scan({.root = root,
                            .minNodeSize = minNodeSize,
                            .manner = [this] { return orders->manner.load(); },
-                           .shouldCancel = isCancelled,
+                           .shouldCancel = shouldCancel,
                            .progress = throttled(progress),
                            .look =
                                [&, tell = throttled([this](const DiskScanner::Unfinished& scan) {
@@ -49,20 +73,16 @@ ScanJob::Report ScanJob::run() const {
                                  if (orders->isStopped) return stop(scan, start);
                                  tell(scan);
                                },
-                           .listing = crawl.get()});
-  if (isCancelled()) return {};
-  if (crawl && result) crawl->finish();
-  if (!result)
-    return {.failure = i18n("Couldn't scan {path}.", {{"path", isolatedPath(Paths::display(root, home))}})};
-  Report report = save(FinishedScan{.result = std::move(*result),
-                                    .plan = plan,
-                                    .minNodeSize = minNodeSize,
-                                    .start = start,
-                                    .end = clock.now(),
-                                    .volume = volume.status()}
-                           .snapshot());
-  report.whyFull = plan.whyFull;
-  return report;
+                           .listing = crawl});
+  if (!result || shouldCancel()) return std::nullopt;
+  if (crawl != nullptr) crawl->finish();
+  return FinishedScan{.result = std::move(*result),
+                      .plan = plan,
+                      .minNodeSize = minNodeSize,
+                      .start = start,
+                      .end = clock.now(),
+                      .volume = volume.status()}
+      .snapshot();
 }
 
 void ScanJob::stop(const DiskScanner::Unfinished& scan, Date start) const {

@@ -7,6 +7,7 @@
 #include "core/scan/DiskScanner.h"
 #include "core/scan/Excludes.h"
 #include "core/scan/FoundSoFar.h"
+#include "core/scan/ScanPlan.h"
 
 #include <atomic>
 #include <functional>
@@ -26,7 +27,7 @@ struct ScanOrders {
   std::atomic<ScanManner> manner = ScanManner::quiet;
 };
 
-/// One scan from its plan to its file in the history. `run` runs on the scan's thread.
+/// One scan. Its functions run on the scan's thread.
 struct ScanJob {
   std::string root;
   Bytes minNodeSize = 0;
@@ -41,11 +42,11 @@ struct ScanJob {
   const Clock& clock;
   StartupVolume& volume;
   /// Called on the scan's thread, at most twice a second.
-  std::function<void(const DiskScanner::Progress&)> progress;
+  std::function<void(const DiskScanner::Progress&)> progress = [](const auto&) {};
   /// Called as often as `progress`.
-  std::function<void(FoundSoFar)> found;
+  std::function<void(FoundSoFar)> found = [](const auto&) {};
   /// Called once on the scan's thread, if the scan was stopped before its end.
-  std::function<void(Snapshot)> stopped;
+  std::function<void(Snapshot)> stopped = [](const auto&) {};
 
   /// Besides the two newest scans, the newest scan of each of so many days is kept.
   static constexpr int historyDays = 14;
@@ -63,9 +64,17 @@ struct ScanJob {
     std::vector<SnapshotStore::Entry> entries = {};
   };
 
+  /// The scan, from its plan to its file in the history.
   Report run() const;
+  /// A full scan that sets up the recorder and is not stored. Reports nothing if a recorder runs already, or
+  /// cannot run.
+  Report record() const;
 
  private:
+  bool isCancelled() const { return orders->isCancelled; }
+  ScanPlan plan(Date start, bool mayReuse) const;
+  std::optional<Snapshot> measure(ScanPlan plan, Date start, RecordingCrawl* crawl,
+                                  const std::function<bool()>& shouldCancel) const;
   void stop(const DiskScanner::Unfinished& scan, Date start) const;
   Report save(Snapshot snapshot) const;
 };

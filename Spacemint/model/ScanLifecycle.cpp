@@ -27,7 +27,7 @@ ScanLifecycle::ScanLifecycle(const Parts& parts, const AppContext& context, cons
       context_(context),
       desktop_(desktop) {
   connect(&parts_.history, &ScanHistory::edited, this, [this](const std::string& path) {
-    if (isScanning()) editedDuringScan_.insert(path);
+    if (orders_) editedDuringScan_.insert(path);
   });
 }
 
@@ -52,52 +52,69 @@ bool ScanLifecycle::isStale(Seconds olderThan) const {
 
 void ScanLifecycle::scan() {
   if (isScanning()) return;
-  const SharedSnapshot& last = parts_.history.snapshot();
+  cancel();
   startedAt_ = desktop_.clock.steadyNow();
-  expectedBytes_ =
-      ScanTiming::expectedBytes(last.get(), root(), parts_.volume.status(), parts_.volume.volumes());
+  expectedBytes_ = ScanTiming::expectedBytes(parts_.history.snapshot().get(), root(), parts_.volume.status(),
+                                             parts_.volume.volumes());
   editedDuringScan_.clear();
   orders_ = std::make_shared<ScanOrders>();
-  setWatched(isWatched_);
   progress_ = DiskScanner::Progress{};
+  setWatched(isWatched_);
   Q_EMIT progressChanged();
-  start(orders_, last);
+  start(orders_);
 }
 
-void ScanLifecycle::start(const std::shared_ptr<ScanOrders>& orders, const SharedSnapshot& seed) {
+void ScanLifecycle::record() {
+  const SharedSnapshot& scan = parts_.history.snapshot();
+  if (orders_ || !scan || scan->rootPath() != root()) return;
+  editedDuringScan_.clear();
+  orders_ = std::make_shared<ScanOrders>();
+  ScanJob job = newJob();
+  // The current scan stays comparable with itself as it is stored.
+  job.minNodeSize = scan->minNodeSize;
+  job.excludes = Excludes::usable(scan->coverage.excludes, context_.home);
+  desktop_.tasks.run(
+      Tasks::Priority::background, this, [job = std::move(job)] { return job.record(); },
+      [this, orders = orders_](ScanJob::Report report) { finishRecording(std::move(report), orders); },
+      threadName);
+}
+
+// With the orders, for the current settings.
+ScanJob ScanLifecycle::newJob() const {
+  return {.root = root(),
+          .minNodeSize = minNodeSize,
+          .excludes = Excludes::usable(parts_.preferences.excludes(), context_.home),
+          .seed = parts_.history.snapshot(),
+          .orders = orders_,
+          .store = parts_.history.store(),
+          .home = context_.home,
+          .timeZone = context_.timeZone,
+          .journal = context_.journal,
+          .clock = desktop_.clock,
+          .volume = desktop_.volume};
+}
+
+void ScanLifecycle::start(const std::shared_ptr<ScanOrders>& orders) {
   Tasks& tasks = desktop_.tasks;
   const QPointer<ScanLifecycle> self{this};
-  ScanJob job{.root = root(),
-              .minNodeSize = minNodeSize,
-              .excludes = Excludes::usable(parts_.preferences.excludes(), context_.home),
-              .seed = seed,
-              .orders = orders,
-              .store = parts_.history.store(),
-              .home = context_.home,
-              .timeZone = context_.timeZone,
-              .journal = context_.journal,
-              .clock = desktop_.clock,
-              .volume = desktop_.volume,
-              .progress =
-                  [&tasks, self, orders](const DiskScanner::Progress& progress) {
-                    tasks.post([self, orders, progress] {
-                      if (self) self->progressed(orders, progress);
-                    });
-                  },
-              .found =
-                  [&tasks, self, orders](FoundSoFar found) {
-                    tasks.post([self, orders, found = std::move(found)]() mutable {
-                      if (!self || self->orders_ != orders) return;
-                      self->found_ = std::move(found);
-                      Q_EMIT self->foundChanged();
-                    });
-                  },
-              .stopped =
-                  [&tasks, self, orders](Snapshot part) {
-                    tasks.post([self, orders, part = std::move(part)]() mutable {
-                      if (self) self->keepPart(std::move(part), orders);
-                    });
-                  }};
+  ScanJob job = newJob();
+  job.progress = [&tasks, self, orders](const DiskScanner::Progress& progress) {
+    tasks.post([self, orders, progress] {
+      if (self) self->progressed(orders, progress);
+    });
+  };
+  job.found = [&tasks, self, orders](FoundSoFar found) {
+    tasks.post([self, orders, found = std::move(found)]() mutable {
+      if (!self || self->orders_ != orders) return;
+      self->found_ = std::move(found);
+      Q_EMIT self->foundChanged();
+    });
+  };
+  job.stopped = [&tasks, self, orders](Snapshot part) {
+    tasks.post([self, orders, part = std::move(part)]() mutable {
+      if (self) self->keepPart(std::move(part), orders);
+    });
+  };
   tasks.run(
       Tasks::Priority::background, this, [job = std::move(job)] { return job.run(); },
       [this, orders](ScanJob::Report report) { finish(std::move(report), orders); }, threadName);
@@ -120,6 +137,21 @@ void ScanLifecycle::finish(ScanJob::Report report, const std::shared_ptr<ScanOrd
   const SharedSnapshot before = parts_.history.snapshot();
   if (!before || before->rootPath() != report.snapshot->rootPath()) Q_EMIT rootChanged();
   parts_.history.replace(std::move(*report.snapshot), std::move(report.entries));
+  remeasureEdited();
+}
+
+void ScanLifecycle::finishRecording(ScanJob::Report report, const std::shared_ptr<ScanOrders>& orders) {
+  if (orders_ != orders) return;
+  orders_.reset();
+  // Without the comparison, an item that was left out of scans meanwhile would come back.
+  const bool isSame =
+      report.snapshot && report.snapshot->coverage.excludes == parts_.history.snapshot()->coverage.excludes;
+  if (!isSame) return;
+  parts_.history.update(std::move(*report.snapshot));
+  remeasureEdited();
+}
+
+void ScanLifecycle::remeasureEdited() {
   const auto edited = std::exchange(editedDuringScan_, {});
   parts_.history.remeasure({.paths = {edited.begin(), edited.end()}});
 }
@@ -145,7 +177,7 @@ void ScanLifecycle::cancel() {
 
 void ScanLifecycle::setWatched(bool isWatched) {
   isWatched_ = isWatched;
-  if (orders_) orders_->manner = isWatched ? ScanManner::waiting : ScanManner::quiet;
+  if (isScanning()) orders_->manner = isWatched ? ScanManner::waiting : ScanManner::quiet;
 }
 
 void ScanLifecycle::end() {

@@ -50,6 +50,10 @@ class ScanLifecycle : public QObject {
 
   /// Starts a scan. Does nothing while one runs.
   void scan();
+  /// Brings the current scan up to date with a quiet full scan that is neither shown nor stored, so that the
+  /// folder is recorded again, as after a restart of the program. Nothing happens while a scan or a recorder
+  /// runs, or without a scan of `root`. A scan that starts meanwhile ends this one.
+  void record();
   /// Ends the running scan. If there is no other, what it has measured becomes the current scan
   /// (`Snapshot::measuredPart`).
   void stop();
@@ -69,9 +73,12 @@ class ScanLifecycle : public QObject {
 
  private:
   void runScheduled(ActivityScheduler::Completion finished);
-  void start(const std::shared_ptr<ScanOrders>& orders, const SharedSnapshot& seed);
+  ScanJob newJob() const;
+  void start(const std::shared_ptr<ScanOrders>& orders);
   void progressed(const std::shared_ptr<ScanOrders>& orders, const DiskScanner::Progress& progress);
   void finish(ScanJob::Report report, const std::shared_ptr<ScanOrders>& orders);
+  void finishRecording(ScanJob::Report report, const std::shared_ptr<ScanOrders>& orders);
+  void remeasureEdited();
   void keepPart(Snapshot part, const std::shared_ptr<ScanOrders>& orders);
   void end();
 
@@ -80,6 +87,7 @@ class ScanLifecycle : public QObject {
   Desktop desktop_;
   std::optional<DiskScanner::Progress> progress_;
   FoundSoFar found_;
+  /// Of the running scan, or of the one that `record` started.
   std::shared_ptr<ScanOrders> orders_;
   bool isWatched_ = false;
   std::chrono::steady_clock::time_point startedAt_;

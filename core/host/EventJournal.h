@@ -121,6 +121,9 @@ class RecordingCrawl : public FolderListing {
   virtual std::uint64_t eventID() const = 0;
   /// Call when the scan has visited every folder. From then on the recorder answers queries.
   virtual void finish() = 0;
+  /// True once the recorder has given up this crawl, as on a file system that changes without events. The
+  /// rest of the scan then sets up nothing.
+  virtual bool hasFailed() const = 0;
 };
 
 /// Reports which folders below a root changed since an earlier time. All functions may be called from any

@@ -1,6 +1,9 @@
 // When the current scan is brought up to date between two scans, and what becomes of that.
 
+#include "core/scan/ProcessJournal.h"
 #include "support/ModelFixture.h"
+
+#include <filesystem>
 
 namespace spacemint {
 namespace {
@@ -85,6 +88,54 @@ TEST_F(QuickLookTest, looksBeforeAWarningAndWarnsWithoutALookToo) {
   desktop.volume.current->free = 5 * GB;
   desktop.advance(1min);
   EXPECT_THAT(desktop.notifier.posted, SizeIs(2));
+}
+
+// With a real recorder, of which a restarted program has none until it scans.
+TEST_F(QuickLookTest, seesWhatGrowsSoonAfterARestartOnceTheBatteryIsNotLow) {
+  for (const char* name : {"meet", "state"}) std::filesystem::create_directories(folder / name);
+  std::filesystem::permissions(folder / "meet", std::filesystem::perms::owner_all);
+  const EventRecorder::Options options{.endpointFolder = folder / "meet", .stateFolder = folder / "state"};
+  std::optional<ProcessJournal> recording{options};
+  Preferences{defaults}.setHasStarted(true);
+  addFile("since the scan", 30 * MB);
+  storeScan(morning - 1h);
+  const auto stored = store.entries();
+  makeModel(*recording, desktop.desktop()).start();
+  desktop.scheduler.isGood = false;
+  desktop.advance(10min);
+  EXPECT_FALSE(model->growing().isKnown());
+  EXPECT_EQ(sizeInScan("old"), 300 * MB);
+
+  desktop.scheduler.isGood = true;
+  desktop.tasks.hold(Tasks::Priority::background);
+  desktop.advance(2min);
+  desktop.tasks.runHeldWork(Tasks::Priority::background);
+  EXPECT_FALSE(model->scans().isScanning()) << "it is not shown";
+  desktop.tasks.release(Tasks::Priority::background);
+  desktop.advance(1min);
+  EXPECT_EQ(sizeInScan("old"), 0);
+  EXPECT_EQ(sizeInScan("since the scan"), 30 * MB);
+  EXPECT_EQ(store.entries(), stored);
+  EXPECT_EQ(model->history().snapshot()->date, stored.front().date);
+
+  addFile("grows", 200 * MB);
+  desktop.volume.current->free -= 600 * MB;
+  desktop.advance(1min);
+  ASSERT_THAT(model->growing().lines(), SizeIs(1));
+  EXPECT_EQ(model->growing().lines()[0].path, inHome("grows"));
+  EXPECT_EQ(sizeInScan("grows"), 200 * MB) << "a quick look";
+
+  // Another restart; a scan that begins meanwhile takes its place.
+  model.reset();
+  recording.emplace(options);
+  makeModel(*recording, desktop.desktop()).start();
+  desktop.tasks.hold(Tasks::Priority::background);
+  desktop.advance(AppModel::launchScanDelay);
+  model->scans().scan();
+  desktop.tasks.release(Tasks::Priority::background);
+  desktop.settle();
+  EXPECT_THAT(store.entries(), SizeIs(2));
+  EXPECT_FALSE(model->history().updatedAt());
 }
 
 TEST_F(QuickLookTest, dropsAnUpdateOfAScanThatChangedMeanwhile) {

@@ -69,16 +69,18 @@ class FakeScheduler::Repeating final : public QObject, public Scheduled {
       : scheduler_(scheduler),
         interval_(interval),
         handler_(std::move(handler)) {
-    wait();
+    wait(interval_);
   }
 
  private:
-  void wait() {
-    scheduler_.clock_.after(interval_, this, [this] {
+  void wait(std::chrono::milliseconds delay) {
+    scheduler_.clock_.after(delay, this, [this] {
+      if (!scheduler_.isGood) return wait(std::chrono::minutes{1});
       ++scheduler_.begun;
-      handler_([this] {
+      const auto handler = handler_;  // it may destroy this object
+      handler([this] {
         ++scheduler_.finished;
-        wait();
+        wait(interval_);
       });
     });
   }

@@ -111,12 +111,14 @@ class FakeOpener final : public Opener {
   std::vector<std::string> revealed;
 };
 
-/// Runs activities exactly at their intervals.
+/// Runs activities exactly at their intervals, or up to a minute after the next good moment.
 class FakeScheduler final : public ActivityScheduler {
  public:
   explicit FakeScheduler(Clock& clock) : clock_(clock) {}
   std::unique_ptr<Scheduled> schedule(const Activity& activity, Handler handler) override;
+  bool isGoodMoment() const override { return isGood; }
 
+  bool isGood = true;
   /// All that were ever scheduled.
   std::vector<Activity> activities;
   /// Runs that began, and those that are over.

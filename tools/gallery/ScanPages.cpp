@@ -59,6 +59,7 @@ class InventedCrawl final : public RecordingCrawl {
   }
   std::uint64_t eventID() const override { return 1; }
   void finish() override {}
+  bool hasFailed() const override { return false; }
 
  private:
   const Node& root_;

@@ -29,6 +29,7 @@ class CoarseScheduler final : public ActivityScheduler {
   explicit CoarseScheduler(Power power) : power_(std::move(power)) {}
 
   std::unique_ptr<Scheduled> schedule(const Activity& activity, Handler handler) override;
+  bool isGoodMoment() const override { return !isBatteryLow(power_.folder); }
 
  private:
   Power power_;

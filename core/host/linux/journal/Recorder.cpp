@@ -58,6 +58,12 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
   std::vector<LeftOut> leftOut() const override { return listing_->leftOut(); }
   std::uint64_t eventID() const override { return eventID_; }
 
+  bool hasFailed() const override {
+    const std::lock_guard lock(recorder_->mapMutex_);
+    return !isCurrent() ||
+           recorder_->tree_.error().value_or(JournalError::settingUp) != JournalError::settingUp;
+  }
+
   void finish() override {
     finished_ = true;
     recorder_->perform([this] {
