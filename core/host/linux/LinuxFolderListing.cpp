@@ -1,6 +1,7 @@
 #include "core/host/linux/LinuxFolderListing.h"
 
 #include "core/base/AsciiText.h"
+#include "core/host/VolumeInfo.h"
 #include "core/host/linux/FolderEntries.h"
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/HandleFacts.h"
@@ -17,6 +18,7 @@
 #include <cerrno>
 #include <limits>
 #include <mutex>
+#include <numeric>
 
 namespace spacemint {
 
@@ -44,6 +46,7 @@ struct Root {
   std::string path;
   // May be null.
   FolderObserver* observer = nullptr;
+  bool asksByInode = false;
   std::mutex mutex;
   std::vector<LeftOut> snapshots;
 
@@ -84,15 +87,14 @@ class LinuxFolder final : public OpenFolder {
 
   Batch nextBatch(ListingBuffer& buffer) override {
     buffer.entries.clear();
-    const auto take = [&](const FolderEntry& entry) {
-      buffer.entries.push_back(entryOf(entry.name, entry.type));
-      if (root_->observer != nullptr) sum_.add(buffer.entries.back());
-    };
     // One call may return only "." and "..".
     while (buffer.entries.empty()) {
-      const auto more = readFolderEntries(handle_, {buffer.bytes.get(), ListingBuffer::size}, take);
+      const auto more = root_->asksByInode ? readByInode(buffer) : read(buffer);
       if (!more) return failure(more.error());
       if (!*more) return end();
+    }
+    if (root_->observer != nullptr) {
+      for (const Entry& entry : buffer.entries) sum_.add(entry);
     }
     return {.entries = buffer.entries};
   }
@@ -122,6 +124,24 @@ class LinuxFolder final : public OpenFolder {
   Batch end() const {
     if (root_->observer != nullptr) root_->observer->listed(ref_, sum_);
     return {};
+  }
+
+  std::expected<bool, int> read(ListingBuffer& buffer) const {
+    return readFolderEntries(
+        handle_, {buffer.bytes.get(), ListingBuffer::size},
+        [&](const FolderEntry& entry) { buffer.entries.push_back(entryOf(entry.name, entry.type)); });
+  }
+
+  std::expected<bool, int> readByInode(ListingBuffer& buffer) const {
+    std::vector<FolderEntry> names;
+    const auto more = readFolderEntries(handle_, {buffer.bytes.get(), ListingBuffer::size},
+                                        [&](const FolderEntry& entry) { names.push_back(entry); });
+    std::vector<std::size_t> order(names.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::sort(order, {}, [&](std::size_t i) { return names[i].inode; });
+    buffer.entries.resize(names.size());
+    for (const std::size_t i : order) buffer.entries[i] = entryOf(names[i].name, names[i].type);
+    return more;
   }
 
   Batch failure(int error) const {
@@ -179,7 +199,7 @@ class LinuxFolder final : public OpenFolder {
 
 class LinuxFolderListing final : public FolderListing {
  public:
-  explicit LinuxFolderListing(FolderObserver* observer) : observer_(observer) {}
+  explicit LinuxFolderListing(const ListingOptions& options) : options_(options) {}
 
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& path) override {
     FileHandle handle = openFolder(AT_FDCWD, path.c_str());
@@ -191,10 +211,12 @@ class LinuxFolderListing final : public FolderListing {
     root_->device = facts->mounted.device;
     root_->realPath = realPathOf(handle);
     root_->path = path;
-    root_->observer = observer_;
+    root_->observer = options_.observer;
+    root_->asksByInode = options_.order == AskingOrder::inode ||
+                         (options_.order == AskingOrder::byDisk && diskTraits(path).isRotational);
     const MountTree& mounts = root_->territory.mounts();
     FolderRef ref;
-    if (observer_ != nullptr) ref = observer_->openedRoot(handle, root_->territory.places());
+    if (options_.observer != nullptr) ref = options_.observer->openedRoot(handle, root_->territory.places());
     return std::make_unique<LinuxFolder>(std::move(handle), root_, *facts,
                                          mounts.below.empty() ? nullptr : &mounts, ref);
   }
@@ -216,7 +238,7 @@ class LinuxFolderListing final : public FolderListing {
   }
 
  private:
-  FolderObserver* observer_;
+  ListingOptions options_;
   // Of the last opened root; null before.
   std::shared_ptr<Root> root_;
 };
@@ -248,7 +270,7 @@ Entry readEntry(const FileHandle& folder, std::string_view name, unsigned char k
 }
 
 std::unique_ptr<FolderListing> hostFolderListing() {
-  return std::make_unique<LinuxFolderListing>(nullptr);
+  return linuxFolderListing({});
 }
 
 std::vector<ListedPlace> hostListingPlaces(const std::string& root) {
@@ -258,8 +280,8 @@ std::vector<ListedPlace> hostListingPlaces(const std::string& root) {
   return facts ? Territory::of(handle, *facts).places() : std::vector<ListedPlace>{};
 }
 
-std::unique_ptr<FolderListing> observedFolderListing(FolderObserver& observer) {
-  return std::make_unique<LinuxFolderListing>(&observer);
+std::unique_ptr<FolderListing> linuxFolderListing(const ListingOptions& options) {
+  return std::make_unique<LinuxFolderListing>(options);
 }
 
 std::size_t raiseOpenFileLimit(std::size_t wanted) {

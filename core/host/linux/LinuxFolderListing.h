@@ -44,7 +44,22 @@ class FolderObserver {
 /// there. `name` ends in a NUL byte and stays the entry's name; `kind` is the DT_… of <dirent.h>. Any thread.
 Entry readEntry(const FileHandle& folder, std::string_view name, unsigned char kind, std::uint64_t device);
 
-/// The host's listing with an observer, which must outlive the listing and all folders opened from it.
-std::unique_ptr<FolderListing> observedFolderListing(FolderObserver& observer);
+/// In which order a listing asks for the facts of a folder's entries. It returns them in listing order.
+enum class AskingOrder : std::uint8_t {
+  listing,
+  /// The facts lie on the disk in the order of the inodes, so that the head of a disk moves less.
+  inode,
+  /// By inode if the root's disk is known to rotate.
+  byDisk
+};
+
+struct ListingOptions {
+  AskingOrder order = AskingOrder::byDisk;
+  /// May be null; must outlive the listing and all folders opened from it.
+  FolderObserver* observer = nullptr;
+};
+
+/// The host's listing with options.
+std::unique_ptr<FolderListing> linuxFolderListing(const ListingOptions& options);
 
 }  // namespace spacemint

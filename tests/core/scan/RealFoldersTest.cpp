@@ -1,10 +1,12 @@
 // The scanner on the host's own listing, compared with an independent walk by lstat.
 
+#include "core/host/linux/LinuxFolderListing.h"
 #include "core/scan/DiskScanner.h"
 #include "core/scan/ReadAheadListing.h"
 #include "support/ChildProcess.h"
 #include "support/Files.h"
 #include "support/OwnMounts.h"
+#include "support/SlowFiles.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -473,6 +475,35 @@ TEST(RealFolders, areAllCountedWithFewHandles) {
         << " helpers";
   }
 #endif
+}
+
+// On a real file system whose device answers each request after 200 microseconds.
+TEST(RealFolders, areReadAheadAsFarAsASlowDeviceAnswersAndByInodeWhereItRotates) {
+  const TemporaryFolder folder;
+  const auto mounted = [&](const std::function<bool(support::SlowFiles&)>& check) {
+    return support::statusOf(support::startChild([&] {
+      support::SlowFiles files;
+      const bool isMounted = enterOwnMounts() && files.mountAt(folder.path(), std::chrono::microseconds{200});
+      if (!isMounted) _exit(2);
+      return check(files);
+    }));
+  };
+  if (mounted([](auto&) { return true; }) != 0) GTEST_SKIP() << "FUSE cannot be mounted here";
+  EXPECT_EQ(mounted([&](support::SlowFiles& files) {
+              const auto ahead = DiskScanner::scan({.root = folder.path()});
+              EXPECT_GE(files.takeMostAtOnce(), 16U);
+              EXPECT_FALSE(files.takeIsInInodeOrder()) << "the listing runs backwards";
+              const auto byInode = linuxFolderListing({.order = AskingOrder::inode});
+              const auto rotating = DiskScanner::scan(
+                  {.root = folder.path(), .manner = always(ScanManner::quiet), .listing = byInode.get()});
+              EXPECT_LE(files.takeMostAtOnce(), 3U) << "folders are closed while the next one is opened";
+              EXPECT_TRUE(files.takeIsInInodeOrder());
+              EXPECT_EQ(ahead, rotating) << "in listing order";
+              EXPECT_EQ(treeOf(ahead->root), expectedTree(folder.path()));
+              EXPECT_EQ(ahead->fileCount, support::SlowFiles::fileCount);
+              return !testing::Test::HasFailure();
+            }),
+            0);
 }
 
 TEST(RealFolders, areReadWithoutTouchingTheirAccessTimes) {

@@ -41,7 +41,7 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
       : recorder_(std::move(recorder)),
         number_(number),
         eventID_(eventID),
-        listing_(observedFolderListing(*this)) {}
+        listing_(linuxFolderListing({.observer = this})) {}
 
   ~Crawl() override {
     if (finished_) return;
