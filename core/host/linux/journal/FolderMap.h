@@ -75,6 +75,10 @@ class FolderMap {
     Size own() const { return {ownBytes, ownFiles}; }
     /// Of everything at and below the folder: always the sum of `own` and of the subfolders' trees.
     Size tree() const { return {treeBytes, treeFiles}; }
+
+    void set(Flag flag, bool isSet) {
+      flags = static_cast<std::uint16_t>(isSet ? flags | flag : flags & ~flag);
+    }
   };
 
   /// Forgets all folders and begins with a root.
