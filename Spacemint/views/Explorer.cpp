@@ -4,11 +4,11 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/analysis/Search.h"
-#include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/tree/TreeWalk.h"
+#include "core/wording/FindingText.h"
 #include "core/wording/PictureText.h"
 
 #include <algorithm>
@@ -63,8 +63,9 @@ QStringList Explorer::crumbs() const {
 }
 
 QString Explorer::sizeText() const {
-  return folder_.node != nullptr ? ShownText::plain(ByteFormat::string(folder_.node->size, host_.locale))
-                                 : QString{};
+  if (folder_.node == nullptr) return {};
+  return ShownText::plain(FindingText::folderSize(
+      folder_.node->size, isLowerBound(*folder_.snapshot, folder_.path), host_.locale));
 }
 
 QString Explorer::mapName() const {
@@ -260,6 +261,7 @@ ListItem Explorer::itemOf(const Node& node, const ChangeTree* change, const std:
                 .path = path,
                 .size = node.size,
                 .isDirectory = node.isDirectory,
+                .sizeText = rowSize(*folder_.snapshot, node, host_.locale),
                 .change = changeColumn(node, change),
                 .hasShrunk = change != nullptr && change->delta < 0,
                 .depth = depth,

@@ -92,11 +92,26 @@ Item {
                 // At most as high as the page leaves room for.
                 maximumHeight: Math.max(Theme.scaled(44), card.parent.height - card.y - 2 * card.padding)
                 interactive: contentHeight > height
+                // A row that overtakes others fades in at its new place, and these make way.
+                add: Transition {
+                    NumberAnimation {
+                        property: "opacity"
+                        from: 0
+                        to: 1
+                        duration: Theme.duration(200)
+                    }
+                }
                 displaced: Transition {
                     NumberAnimation {
                         property: "y"
                         duration: Theme.duration(200)
                         easing.type: Easing.OutCubic
+                    }
+                    // Where this ends the one above.
+                    NumberAnimation {
+                        property: "opacity"
+                        to: 1
+                        duration: Theme.duration(200)
                     }
                 }
 

@@ -28,6 +28,7 @@ std::vector<ListItem> itemsOf(const ShownFolder& folder, const UiHost& host) {
                      .path = std::move(path),
                      .size = child.size,
                      .isDirectory = child.isDirectory,
+                     .sizeText = rowSize(*folder.snapshot, child, host.locale),
                      .fraction = ShownText::share(child.size, folder.node->size),
                      .change = PictureText::change(delta, host.locale),
                      .hasShrunk = delta < 0,
@@ -125,7 +126,6 @@ void Folders::update() {
   };
   auto items = itemsOf(folder, host_);
   if (order_ == Order::byCount) showCounts(items, folder, host_.locale);
-  const Coverage& coverage = snapshot->coverage;
   std::ranges::move(excludedItems(folder, host_), std::back_inserter(items));
   std::ranges::move(leftOutItems(folder, host_), std::back_inserter(items));
   std::string text = items.empty() ? i18n("Nothing is in here.") : "";
@@ -133,9 +133,8 @@ void Folders::update() {
   const std::string before = std::exchange(path_, folder.path);
   parent_ = folder.parent;
   title_ = titleOf(folder.path);
-  const bool isLowerBound = snapshot->measuredPart || coverage.unread.isAtOrBelow(folder.path) ||
-                            (coverage.unread.folders > 0 && folder.path == snapshot->rootPath());
-  sizeText_ = ShownText::plain(FindingText::folderSize(folder.node->size, isLowerBound, host_.locale));
+  sizeText_ = ShownText::plain(
+      FindingText::folderSize(folder.node->size, isLowerBound(*snapshot, folder.path), host_.locale));
   parentTitle_ = parent_ ? titleOf(*parent_) : QString{};
   Q_EMIT changed();
   if (before != path_) Q_EMIT opened(rowTowards(before, folder));

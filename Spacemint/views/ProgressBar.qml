@@ -9,7 +9,8 @@ T.ProgressBar {
     /// From 0 to 1; negative while it is unknown.
     property real fraction: -1
 
-    value: Math.max(0, fraction)
+    // A screen reader says each new value: so it hears of each tenth, not of each change.
+    value: Math.floor(Math.max(0, fraction) * 10) / 10
     indeterminate: fraction < 0
     implicitWidth: 120
     implicitHeight: 6
@@ -27,7 +28,7 @@ T.ProgressBar {
             property real place
 
             x: root.indeterminate ? (parent.width * (1 + piece)) * (moves ? place : 0.5) - width : root.mirrored ? parent.width - width : 0
-            width: parent.width * (root.indeterminate ? piece : root.position)
+            width: parent.width * (root.indeterminate ? piece : root.fraction)
             height: parent.height
             radius: height / 2
             color: Theme.ink

@@ -35,7 +35,7 @@ ColumnLayout {
         Layout.fillWidth: true
         fraction: root.ui.scan.fraction
         implicitHeight: root.compact ? 4 : 6
-        Accessible.name: root.ui.scan.title
+        Accessible.name: Words.scanning
     }
     Timer {
         interval: 1000

@@ -1,5 +1,7 @@
 #include "Spacemint/views/ShownFolder.h"
 
+#include "core/wording/FindingText.h"
+
 namespace spacemint {
 
 ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wanted) {
@@ -26,6 +28,16 @@ ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wa
 
 ShownFolder shownFolder(const AppModel& model) {
   return folderAt(model, model.folderPath());
+}
+
+bool isLowerBound(const Snapshot& scan, std::string_view folder) {
+  const Unread& unread = scan.coverage.unread;
+  return scan.measuredPart || unread.isAtOrBelow(folder) || (unread.folders > 0 && folder == scan.rootPath());
+}
+
+std::optional<std::string> rowSize(const Snapshot& scan, const Node& item, const std::string& locale) {
+  if (!scan.measuredPart || !item.isDirectory) return std::nullopt;
+  return FindingText::folderSize(item.size, true, locale);
 }
 
 std::optional<std::string_view> pathBelow(std::string_view path, std::string_view folder) {

@@ -31,6 +31,13 @@ ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wa
 /// The folder that the person opened last.
 ShownFolder shownFolder(const AppModel& model);
 
+/// Whether the scan may have missed something in a folder, so that its size is a lower bound.
+bool isLowerBound(const Snapshot& scan, std::string_view folder);
+
+/// What a row says of the size of a folder in a scan that was stopped: any folder may hold more. Absent for
+/// all others, of which a row says the size.
+std::optional<std::string> rowSize(const Snapshot& scan, const Node& item, const std::string& locale);
+
 /// The rest of `path` below `folder`: "a/b" of "/home/a/b" in "/home". Absent if it is not below it.
 std::optional<std::string_view> pathBelow(std::string_view path, std::string_view folder);
 
