@@ -14,6 +14,7 @@ T.ProgressBar {
     indeterminate: fraction < 0
     implicitWidth: 120
     implicitHeight: 6
+    Accessible.role: Accessible.ProgressBar
     focusPolicy: Qt.NoFocus
 
     contentItem: Item {
