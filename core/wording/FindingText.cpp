@@ -62,7 +62,10 @@ std::string FindingText::freeChange(Bytes before, Bytes after, const std::string
 std::string FindingText::freeChange(const SpaceChange& change, std::string_view home,
                                     const std::string& locale) {
   constexpr Bytes smallestPart = 100'000'000;
-  const std::string text = freeChange(change.freeBefore, change.freeNow, locale);
+  const Bytes difference = saturatingSubtract(change.freeNow, change.freeBefore);
+  const bool hasChanged = difference >= smallestPart || difference <= -smallestPart;
+  const std::string text =
+      hasChanged ? freeChange(change.freeBefore, change.freeNow, locale) : i18n("Free space is as it was");
   const Bytes elsewhere = change.elsewhere().value_or(0);
   if (std::abs(elsewhere) < smallestPart) return text;
   const bool isDisk = change.root == wholeDisk;

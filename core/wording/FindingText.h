@@ -36,7 +36,8 @@ inline constexpr const char* noOllamaModels = i18nMark("No models.");
 /// same.
 std::string freeChange(Bytes before, Bytes after, const std::string& locale);
 /// The same with where it went, if part of it lies outside of the scanned folder: "…: 12 GB in your home
-/// folder, 2 GB elsewhere". Parts under 100 MB are left out.
+/// folder, 2 GB elsewhere". Parts under 100 MB are left out; after a change under 100 MB the free space "is
+/// as it was".
 std::string freeChange(const SpaceChange& change, std::string_view home, const std::string& locale);
 
 /// What a scan left out, as "Snapshot from 3 days ago" or "Network folder". `now` is the time of reading.

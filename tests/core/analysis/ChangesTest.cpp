@@ -272,6 +272,9 @@ TEST(Changes, countOnlyWhatBothScansCouldSee) {
       "Free space grew by 2 GB, from 3 GB to 5 GB: 300 MB less in your home folder, 1.7 GB less elsewhere");
   after.volumeFree = 4'700 * MB;
   EXPECT_EQ(textOf(before, after), "Free space dropped by 300 MB, from 5 GB to 4.7 GB");
+  after.volumeFree = 4'950 * MB;
+  EXPECT_EQ(textOf(before, after),
+            "Free space is as it was: 300 MB in your home folder, 250 MB less elsewhere");
   after.coverage.places = {};  // a scan that does not say what it covers
   after.volumeFree = 3'000 * MB;
   EXPECT_EQ(textOf(before, after), "Free space dropped by 2 GB, from 5 GB to 3 GB");
