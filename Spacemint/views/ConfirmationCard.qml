@@ -96,6 +96,25 @@ FocusScope {
                     bottomPadding: 3
                 }
             }
+            RowLayout {
+                Layout.topMargin: 2
+                visible: root.ui.confirmation.warning
+                spacing: 8
+
+                Symbol {
+                    Layout.alignment: Qt.AlignTop
+                    Layout.topMargin: 1
+                    symbol: "exclamationmark.triangle.fill"
+                    size: 14
+                    color: Theme.warning
+                }
+                Label {
+                    Layout.fillWidth: true
+                    text: root.ui.confirmation.warning
+                    size: 12
+                    wrapMode: Text.Wrap
+                }
+            }
             Label {
                 Layout.fillWidth: true
                 text: root.ui.confirmation.note

@@ -76,7 +76,7 @@ void Page::showWhatToFree() {
 }
 
 QString Page::message() const {
-  return ShownText::sentence(host_.model.messages().message().value_or(""));
+  return ShownText::withQuotes(ShownText::sentence(host_.model.messages().message().value_or("")));
 }
 
 QString Page::messageAction() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/views/ShownText.h"
 #include "Spacemint/views/UiHost.h"
 
 #include <QQmlEngine>
@@ -21,6 +22,8 @@ class Question : public QObject {
   Q_PROPERTY(QString detail READ detail NOTIFY changed)
   /// The name and the size of each of several items.
   Q_PROPERTY(QStringList items READ items NOTIFY changed)
+  /// What will be lost besides; empty for nothing. It is not in the note.
+  Q_PROPERTY(QString warning READ warning NOTIFY changed)
   Q_PROPERTY(QString note READ note NOTIFY changed)
   Q_PROPERTY(QString actionTitle READ actionTitle NOTIFY changed)
  public:
@@ -32,7 +35,8 @@ class Question : public QObject {
   QString subject() const { return text(&CleanupPlan::subject); }
   QString detail() const;
   QStringList items() const;
-  QString note() const { return text(&CleanupPlan::note); }
+  QString warning() const { return ShownText::sentence(loss()); }
+  QString note() const;
   QString actionTitle() const { return text(&CleanupPlan::button); }
 
   /// Confirms the question with this id. Does nothing if another question is shown by now.
@@ -47,6 +51,7 @@ class Question : public QObject {
  private:
   const std::optional<Confirmation>& current() const { return host_.model.cleanups().confirmation(); }
   QString text(std::string CleanupPlan::*field) const;
+  std::string loss() const;
 
   const UiHost& host_;
 };

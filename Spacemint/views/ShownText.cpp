@@ -1,5 +1,8 @@
 #include "Spacemint/views/ShownText.h"
 
+#include "core/base/Translation.h"
+
+#include <QLocale>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -34,6 +37,15 @@ QString ShownText::sentence(std::string_view text) {
   static const QRegularExpression gap(QStringLiteral("(?<=\\d) (?=(?:bytes|[KMGTP]B)\\b)"),
                                       QRegularExpression::UseUnicodePropertiesOption);
   return plain(text).replace(gap, QString{QChar::Nbsp});
+}
+
+QString ShownText::withQuotes(QString text) {
+  static const QRegularExpression command(QStringLiteral("`([^`\u2068\u2069]+)`"));
+  const QLocale language{QString::fromStdString(sentenceLanguage())};
+  for (auto found = command.match(text); found.hasMatch(); found = command.match(text)) {
+    text.replace(found.capturedStart(), found.capturedLength(), language.quoteString(found.captured(1)));
+  }
+  return text;
 }
 
 double ShownText::share(Bytes part, Bytes whole) {

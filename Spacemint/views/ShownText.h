@@ -26,6 +26,9 @@ QString onOneLine(QString text);
 /// A sentence in which a line never breaks between a figure and its unit: "1.2 GB" has a no-break space.
 QString sentence(std::string_view text);
 
+/// A command in a sentence, which stands between backquotes, gets the quotation marks of the language.
+QString withQuotes(QString text);
+
 /// `part` as a share of `whole` for a bar, between 0 and 1; 0 if `whole` is below 1.
 double share(Bytes part, Bytes whole);
 

@@ -63,17 +63,23 @@ std::string CleanupText::backupNote(const std::string& name) {
               {{"device", isolatedName(name)}});
 }
 
+std::string CleanupText::worktreeWarning(const WorktreeContents& contents) {
+  return sentences(
+      {contents.repositoryPath ? changesWarning(contents.changes) : "", nestedWarning(contents.nested)});
+}
+
 std::string CleanupText::worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents) {
+  const std::string warning = worktreeWarning(contents);
   if (!contents.repositoryPath) {
-    return sentences({nestedWarning(contents.nested),
-                      i18n("Its repository no longer knows about it, so the folder is simply deleted.")});
+    return sentences(
+        {warning, i18n("Its repository no longer knows about it, so the folder is simply deleted.")});
   }
   const std::string removal =
       worktree.repository
           ? i18n("Runs `git worktree remove`. The branch and its commits stay in {repository}.",
                  {{"repository", isolatedName(*worktree.repository)}})
           : i18n("Runs `git worktree remove`. The branch and its commits stay in the repository.");
-  return sentences({changesWarning(contents.changes), nestedWarning(contents.nested), removal});
+  return sentences({warning, removal});
 }
 
 std::string CleanupText::sharedNote(Bytes freesAtMost, const std::string& locale) {

@@ -1,5 +1,6 @@
 // From the question to the message: what is asked, what the button does, and what is said of it.
 
+#include "core/cleanup/CleanupText.h"
 #include "support/Files.h"
 #include "support/ModelFixture.h"
 
@@ -306,7 +307,9 @@ TEST_F(CleanupsTest, asksAboutAWorktreeWhenItsChangesAreCounted) {
   model->cleanups().ask(*worktree);
   EXPECT_FALSE(model->cleanups().confirmation());
   desktop.settle();
-  EXPECT_THAT(asked().note, StartsWith("It has 1 uncommitted change, which will be lost. "));
+  const std::string loss = CleanupText::worktreeWarning(asked().steps.front().worktree);
+  EXPECT_EQ(loss, "It has 1 uncommitted change, which will be lost.");
+  EXPECT_THAT(asked().note, StartsWith(loss + " Runs "));
   confirm();
   desktop.advance(2s);
   EXPECT_EQ(message(), "Removed wt.");

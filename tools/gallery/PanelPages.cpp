@@ -82,6 +82,13 @@ class Scene final : public support::ModelFixture {
                                    .fullScanDate = morning - 2h});
     EXPECT_TRUE(saved);
   }
+  // A worktree with a repository in it, of which nobody knows whether it has changes.
+  void askAboutWorktree() {
+    addWorktree("checkout", morning - std::chrono::days{60});
+    addFile("checkout/lib/.git/config", 1);
+    if (const auto worktree = GitWorktrees::inspect(inHome("checkout"), 2 * GB))
+      model->cleanups().ask(*worktree);
+  }
   void free(Bytes bytes) { desktop.volume.current->free = bytes; }
   void startScan() {
     desktop.tasks.hold(Tasks::Priority::background);
@@ -203,6 +210,7 @@ constexpr PanelPage panelPages[] = {
        }
        s.app().cleanups().ask(std::move(request));
      }},
+    {"panel-confirmation-loss", scanned, [](Scene& s) { s.askAboutWorktree(); }},
     {"panel-confirmation-rtl", scanned, [](Scene& s) { askToDelete(s, "Movies/عطلة الصيف.mov"); }},
     {"panel-confirmation-rtl-path", scanned,
      [](Scene& s) { askToDelete(s, "صور/עבודה/holiday 2024/عطلة الصيف.mov"); }},
