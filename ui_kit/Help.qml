@@ -8,10 +8,13 @@ T.ToolTip {
     /// Whether the pointer or the keyboard is at the control.
     property bool wanted: false
 
+    /// Asked when it is shown.
+    readonly property bool fitsAbove: !visible || !parent || parent.mapToItem(null, 0, 0).y >= height + 12
+
     visible: wanted && text !== ""
     delay: 600
-    // Above, where the pointer and the hand are not.
-    y: -height - 6
+    // Above, where the pointer and the hand are not; below what is at the top.
+    y: fitsAbove ? -height - 6 : parent.height + 6
     x: parent ? Math.round((parent.width - width) / 2) : 0
     margins: 6
     horizontalPadding: 8

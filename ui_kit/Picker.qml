@@ -123,6 +123,8 @@ T.ComboBox {
         }
     }
     popup: T.Popup {
+        // Pickers are at the end of a line: a list that is wider keeps the margin there.
+        x: root.mirrored ? 0 : root.width - width
         y: root.height + 4
         width: Math.max(root.width, widest.width + 36 + leftPadding + rightPadding)
         implicitHeight: Math.min(contentItem.implicitHeight + topPadding + bottomPadding, Theme.scaled(280))

@@ -151,7 +151,7 @@ std::string Files::subtitleOf(const std::string& path, const std::optional<Date>
   const auto found = freed.find(path);
   return facts({found == freed.end() ? "" : FindingText::freesAtMost(found->second, host_.locale),
                 hasAge ? RelativeTime::string(*modified, now, ShownText::wordsLocale) : "",
-                isolatedPath(Paths::display(Paths::parent(path), host_.homeInScan()))});
+                FolderText::place(path, host_)});
 }
 
 QStringList Files::kinds() const {

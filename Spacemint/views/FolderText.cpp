@@ -1,6 +1,7 @@
 #include "Spacemint/views/FolderText.h"
 
 #include "core/base/ByteFormat.h"
+#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 
@@ -16,6 +17,11 @@ std::string FolderText::title(std::string_view path, std::string_view root, std:
 
 Bytes FolderText::smallest(const Snapshot& scan) {
   return std::max<Bytes>(1, scan.minNodeSize);
+}
+
+std::string FolderText::place(const std::string& path, const UiHost& host) {
+  return host.model.isInTrash(path) ? i18n("In the Trash")
+                                    : isolatedPath(Paths::display(Paths::parent(path), host.homeInScan()));
 }
 
 // Without a minimum, these are the blocks of the folder itself.

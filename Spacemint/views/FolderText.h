@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/views/UiHost.h"
 #include "core/tree/Snapshot.h"
 
 #include <string>
@@ -16,6 +17,9 @@ std::string title(std::string_view path, std::string_view root, std::string_view
 
 /// The size in bytes from which on items have a node, at least 1.
 Bytes smallest(const Snapshot& scan);
+
+/// Where the item is: "~/Videos", or "In the Trash".
+std::string place(const std::string& path, const UiHost& host);
 
 /// The title of the row for what is too small to be listed by itself, below `minimum`.
 std::string smallItems(bool hasChildren, Bytes minimum, const std::string& locale);

@@ -16,6 +16,8 @@ RowLayout {
     ScanProgressView {
         Layout.fillWidth: true
         Layout.leftMargin: 20
+        Layout.topMargin: 10
+        Layout.bottomMargin: 10
         visible: root.ui.scan.scanning
         ui: root.ui
         compact: true
@@ -23,6 +25,8 @@ RowLayout {
     Label {
         Layout.fillWidth: true
         Layout.leftMargin: 20
+        Layout.topMargin: 10
+        Layout.bottomMargin: 10
         visible: !root.ui.scan.scanning
         text: root.ui.scan.scanned
         size: 11.5

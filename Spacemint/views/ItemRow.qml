@@ -57,6 +57,8 @@ FocusScope {
     readonly property real roomForButtons: buttons.item && !hasChangeColumn ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
     readonly property string spokenShare: Words.share(fraction)
+    /// What a row without a path unfolds to has sentences.
+    readonly property bool wraps: wrapsSubtitle || (!hasPath && depth > 0)
 
     /// The person clicked the row; `time` is in milliseconds.
     signal chosen(double time)
@@ -264,8 +266,8 @@ FocusScope {
                     text: root.subtitle
                     size: 11
                     color: Theme.secondary
-                    elide: root.wrapsSubtitle ? Text.ElideNone : Text.ElideMiddle
-                    wrapMode: root.wrapsSubtitle ? Text.Wrap : Text.NoWrap
+                    elide: root.wraps ? Text.ElideNone : root.hasPath ? Text.ElideMiddle : Text.ElideRight
+                    wrapMode: root.wraps ? Text.Wrap : Text.NoWrap
                     Accessible.ignored: true
                 }
                 UsageBar {

@@ -182,8 +182,9 @@ void ItemRows::assign(std::vector<ListItem> items, const ListStatus& status) {
 }
 
 void ItemRows::setStatus(const ListStatus& status) {
-  const bool hasChevrons = std::ranges::any_of(
-      entries_, [](const Entry& entry) { return entry.item.showsChevron || entry.item.isUnfolded; });
+  const bool hasChevrons = std::ranges::any_of(entries_, [](const Entry& entry) {
+    return entry.item.showsChevron || entry.item.isUnfolded || (entry.parts && entry.parts->count() > 0);
+  });
   const auto before = std::tuple{hasChevrons_, text_, isWaiting_, isShown_};
   hasChevrons_ = hasChevrons;
   text_ = ShownText::sentence(status.text);

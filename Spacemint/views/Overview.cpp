@@ -215,6 +215,15 @@ std::vector<ListItem> Overview::suggestionItems() const {
         model.setTab(Tab::files);
       };
     }
+    // A list of one would say the same again, so the row leads there itself.
+    const bool leads = suggestion.locations.size() == 1 && item.onButton == nullptr;
+    if (leads) {
+      item.path = suggestion.locations.front().path;
+      item.isDirectory = isDirectory(item.path);
+      item.showsChevron = true;
+      items.push_back(std::move(item));
+      continue;
+    }
     for (const auto& location : suggestion.locations) {
       item.parts.push_back({.id = location.path,
                             .path = location.path,

@@ -82,8 +82,15 @@ ScrollColumn {
 
                 title: Words.whatChanged
 
+                Label {
+                    visible: root.overview.baselines.length === 1
+                    text: root.overview.baselines[0] ?? ""
+                    size: 12
+                    color: Theme.secondary
+                    Accessible.name: Words.spoken([Words.comparedWith, text])
+                }
                 Picker {
-                    visible: root.overview.baselines.length > 0
+                    visible: root.overview.baselines.length > 1
                     model: root.overview.baselines
                     currentIndex: root.overview.baselineIndex
                     Accessible.name: Words.comparedWith

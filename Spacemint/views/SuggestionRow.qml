@@ -19,6 +19,8 @@ Item {
     required property string buttonTitle
     required property string busyTitle
     required property bool isBusy
+    /// Whether a click shows the item in the list of folders.
+    required property bool showsChevron
     /// Null for a row without parts.
     required property ItemRows parts
 
@@ -26,6 +28,7 @@ Item {
     property string partsView: "SuggestionParts.qml"
     property bool expanded: false
     readonly property bool canExpand: parts && parts.count > 0
+    readonly property bool isButton: canExpand || showsChevron
 
     Layout.fillWidth: true
     // Not in a layout, which would skip an item without a height.
@@ -38,17 +41,22 @@ Item {
         width: root.width
         height: implicitHeight
         implicitWidth: implicitContentWidth
-        hoverEnabled: root.canExpand
-        focusPolicy: root.canExpand ? Qt.StrongFocus : Qt.NoFocus
+        hoverEnabled: root.isButton
+        focusPolicy: root.isButton ? Qt.StrongFocus : Qt.NoFocus
         implicitHeight: Math.max(line.implicitHeight + 14, Theme.scaled(44))
-        Accessible.role: root.canExpand ? Accessible.Button : Accessible.StaticText
+        Accessible.role: root.isButton ? Accessible.Button : Accessible.StaticText
         Accessible.name: Words.spoken([root.title, root.sizeText])
         Accessible.description: root.subtitle
         Accessible.checkable: root.canExpand
         Accessible.checked: root.expanded
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
-        onClicked: root.expanded = root.canExpand && !root.expanded
+        onClicked: {
+            if (root.showsChevron)
+                root.rows.showInFolders(root.rowId);
+            else
+                root.expanded = root.canExpand && !root.expanded;
+        }
 
         background: Rectangle {
             radius: 8
@@ -104,9 +112,11 @@ Item {
                     text: root.sizeText
                     Accessible.ignored: true
                 }
+                // All rows keep the place for it if one row has it.
                 Symbol {
-                    opacity: root.canExpand ? 1 : 0
-                    symbol: "chevron.down"
+                    visible: root.rows.hasChevrons
+                    opacity: root.isButton ? 1 : 0
+                    symbol: root.canExpand ? "chevron.down" : LayoutMirroring.enabled ? "chevron.left" : "chevron.right"
                     size: 13
                     color: header.hovered ? Theme.ink : Theme.secondary
                     rotation: root.expanded ? 180 : 0

@@ -26,6 +26,7 @@ Item {
     Accessible.name: Words.pages
     Keys.onLeftPressed: show(currentIndex - 1)
     Keys.onRightPressed: show(currentIndex + 1)
+    onCurrentIndexChanged: view.reveal()
 
     TextMetrics {
         id: words
@@ -34,60 +35,94 @@ Item {
         text: root.titles.join("")
     }
 
-    // With large letters the padding shrinks first, then the bar wraps.
-    Flow {
-        id: row
+    // With large letters the padding shrinks first, then the bar scrolls.
+    Flickable {
+        id: view
 
-        readonly property real room: (width - words.advanceWidth - 3 * spacing - 4) / 8
+        /// Room for the focus ring.
+        readonly property real edge: 4
+        readonly property real room: (root.width - words.advanceWidth - 3 * row.spacing - 4) / 8
 
-        width: root.width
-        spacing: 4
+        /// Scrolls to the chosen tab, and to the beginning of its neighbours.
+        function reveal() {
+            const tab = tabs.itemAt(root.currentIndex);
+            if (!tab)
+                return;
+            const beside = 20;
+            const last = contentWidth + edge - width;
+            const from = Math.max(contentX, tab.x + tab.width + beside - width);
+            contentX = Math.max(-edge, Math.min(from, tab.x - beside, last));
+        }
 
-        Repeater {
-            model: root.titles
+        anchors.fill: parent
+        anchors.margins: -edge
+        leftMargin: edge
+        rightMargin: edge
+        topMargin: edge
+        contentWidth: row.width
+        contentHeight: row.height
+        interactive: row.implicitWidth > root.width
+        clip: interactive
+        flickableDirection: Flickable.HorizontalFlick
+        boundsBehavior: Flickable.StopAtBounds
+        onWidthChanged: reveal()
+        onContentWidthChanged: reveal()
 
-            // Qt overrides the role of a control, so an item around the button has the role of a tab.
-            Item {
-                id: page
+        Row {
+            id: row
 
-                required property int index
-                required property string modelData
-                readonly property bool isSelected: index === root.currentIndex
+            // Mirrored, the tabs begin at the other end.
+            width: Math.max(implicitWidth, root.width)
+            spacing: 4
 
-                implicitWidth: button.implicitWidth
-                implicitHeight: button.implicitHeight
-                Accessible.role: Accessible.PageTab
-                Accessible.name: modelData
-                Accessible.selected: isSelected
-                Accessible.onPressAction: root.show(index)
+            Repeater {
+                id: tabs
 
-                T.AbstractButton {
-                    id: button
+                model: root.titles
 
-                    text: page.modelData
-                    implicitWidth: implicitContentWidth + leftPadding + rightPadding
-                    implicitHeight: implicitContentHeight + topPadding + bottomPadding
-                    horizontalPadding: Math.max(4, Math.min(11, row.room))
-                    verticalPadding: 6
-                    focusPolicy: Qt.NoFocus
-                    hoverEnabled: true
-                    Accessible.ignored: true
-                    onClicked: root.show(page.index)
+                // Qt overrides the role of a control, so an item around the button has the role of a tab.
+                Item {
+                    id: page
 
-                    contentItem: Label {
-                        text: button.text
-                        font: words.font
-                        color: page.isSelected || button.hovered ? Theme.ink : Theme.secondary
+                    required property int index
+                    required property string modelData
+                    readonly property bool isSelected: index === root.currentIndex
+
+                    implicitWidth: button.implicitWidth
+                    implicitHeight: button.implicitHeight
+                    Accessible.role: Accessible.PageTab
+                    Accessible.name: modelData
+                    Accessible.selected: isSelected
+                    Accessible.onPressAction: root.show(index)
+
+                    T.AbstractButton {
+                        id: button
+
+                        text: page.modelData
+                        implicitWidth: implicitContentWidth + leftPadding + rightPadding
+                        implicitHeight: implicitContentHeight + topPadding + bottomPadding
+                        horizontalPadding: Math.max(4, Math.min(11, view.room))
+                        verticalPadding: 6
+                        focusPolicy: Qt.NoFocus
+                        hoverEnabled: true
                         Accessible.ignored: true
-                    }
-                    background: Rectangle {
-                        radius: 8
-                        color: page.isSelected ? Theme.selected : button.hovered ? Theme.hover : "transparent"
+                        onClicked: root.show(page.index)
 
-                        FocusRing {
-                            // A click does not give the focus to the bar.
-                            visible: root.activeFocus && page.isSelected
-                            around: 8
+                        contentItem: Label {
+                            text: button.text
+                            font: words.font
+                            color: page.isSelected || button.hovered ? Theme.ink : Theme.secondary
+                            Accessible.ignored: true
+                        }
+                        background: Rectangle {
+                            radius: 8
+                            color: page.isSelected ? Theme.selected : button.hovered ? Theme.hover : "transparent"
+
+                            FocusRing {
+                                // A click does not give the focus to the bar.
+                                visible: root.activeFocus && page.isSelected
+                                around: 8
+                            }
                         }
                     }
                 }
