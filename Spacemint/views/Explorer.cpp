@@ -2,6 +2,7 @@
 
 #include "Spacemint/views/DateText.h"
 #include "Spacemint/views/FolderText.h"
+#include "Spacemint/views/NotInFiles.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/analysis/Search.h"
 #include "core/base/Isolate.h"
@@ -18,7 +19,7 @@ namespace spacemint {
 
 namespace {
 
-constexpr int shortestQuery = 2;
+constexpr std::size_t shortestQuery = 2;
 constexpr std::size_t hitsShown = 200;
 
 }  // namespace
@@ -26,9 +27,17 @@ constexpr std::size_t hitsShown = 200;
 Explorer::Explorer(const UiHost& host) : host_(host), rows_(host) {
   AppModel& model = host_.model;
   connect(&model, &AppModel::folderPathChanged, this, &Explorer::update);
+  connect(&model, &AppModel::fileSearchChanged, this, [this] {
+    search();
+    updateRows();
+    Q_EMIT changed();
+  });
   connect(&model.shown(), &ShownScan::snapshotChanged, this, &Explorer::update);
   connect(&model.shown(), &ShownScan::findingsChanged, this, &Explorer::update);
-  connect(&model.account(), &CurrentAccount::changed, this, &Explorer::changed);
+  connect(&model.account(), &CurrentAccount::changed, this, [this] {
+    updateRows();
+    Q_EMIT changed();
+  });
   update();
 }
 
@@ -89,6 +98,10 @@ void Explorer::setColouring(Colouring colouring) {
   Q_EMIT changed();
 }
 
+void Explorer::setListWidth(qreal width) {
+  if (std::exchange(listWidth_, width) != width) Q_EMIT listWidthChanged();
+}
+
 QString Explorer::legend() const {
   if (!host_.model.shown().isOfHere()) return {};
   const auto& baseline = host_.model.history().baselineEntry();
@@ -120,15 +133,6 @@ QString Explorer::spoken(const Tile& tile) const {
 }
 
 // The open folder
-
-std::optional<VolumeParts> Explorer::volumeParts() const {
-  const auto& account = host_.model.account().account();
-  if (!host_.model.shown().isOfHere() || folder_.parent || !account || !account->scanned.isWhole)
-    return std::nullopt;
-  return VolumeParts{.files = account->scanned.files,
-                     .notInFiles = std::max<Bytes>(0, account->notInFiles()),
-                     .free = account->space.free};
-}
 
 void Explorer::open(const std::string& path) {
   const ShownFolder target = folderAt(host_.model, path);
@@ -171,7 +175,9 @@ void Explorer::selectRow(int index) {
 
 void Explorer::openRow(int index) {
   const ListItem* item = rows_.itemOf(rows_.rowIdAt(index));
-  if (item != nullptr && item->isDirectory && !item->path.empty()) open(std::string{item->path});
+  if (item == nullptr) return;
+  if (item->path.empty() && item->isUnfolded) return toggle(std::string{item->id});
+  if (item->isDirectory && !item->path.empty()) open(std::string{item->path});
 }
 
 void Explorer::turnRow(int index, bool isUnfolded) {
@@ -180,7 +186,8 @@ void Explorer::turnRow(int index, bool isUnfolded) {
   if (item->isUnfolded && *item->isUnfolded != isUnfolded) {
     toggle(std::string{item->id});
   } else if (!isUnfolded && item->depth > 0) {
-    select(Paths::parent(item->path));
+    // A row without a path is named after the one that it is a part of.
+    select(Paths::parent(item->path.empty() ? item->id : item->path));
   } else if (isUnfolded && item->isUnfolded) {
     selectRow(index + 1);
   }
@@ -228,7 +235,9 @@ std::optional<Tile> Explorer::tileOfPath(const std::string& path) const {
 void Explorer::updateAbout() {
   const auto tile = pointedTile_ ? pointedTile_ : tileOfPath(selected_);
   aboutName_ = tile ? nameOf(*tile) : QString{};
-  const bool hasShare = tile && folder_.node != nullptr && tile->node != folder_.node && tile->depth == 1;
+  const bool hasShare =
+      tile && folder_.node != nullptr &&
+      std::ranges::any_of(folder_.node->children, [&](const Node& child) { return &child == tile->node; });
   aboutDetail_ = tile ? ShownText::onOneLine(ShownText::sentence(PictureText::about(
                             *tile, folder_.node->size, hasShare ? title().toStdString() : "", host_.locale)))
                       : QString{};
@@ -240,6 +249,7 @@ void Explorer::updateAbout() {
 void Explorer::setShowsRows(bool isShown) {
   if (isShown == showsRows_) return;
   showsRows_ = isShown;
+  search();
   updateRows();
   Q_EMIT rowsShownChanged();
 }
@@ -285,7 +295,7 @@ void Explorer::addRows(const PicturedFolder& folder, const std::string& path, in
     if (isUnfolded) addRows({&child, change}, childPath, depth + 1, items);
   }
   if (const Bytes rest = folder.node->unlistedSize(); rest > 0) {
-    items.push_back({.id = path + "/",
+    items.push_back({.id = path + "/.",
                      .size = rest,
                      .title = FolderText::smallItems(!folder.node->children.empty(),
                                                      folder_.snapshot->minNodeSize, host_.locale),
@@ -300,7 +310,7 @@ std::vector<ListItem> Explorer::foundItems() {
     const auto tile = tileOfPath(path);
     ListItem item = itemOf(*node, tile ? tile->change : nullptr, path, 0);
     item.fraction.reset();
-    item.subtitle = isolatedPath(Paths::display(Paths::parent(path), host_.homeInScan()));
+    item.subtitle = FolderText::place(path, host_);
     items.push_back(std::move(item));
   }
   return items;
@@ -313,10 +323,14 @@ void Explorer::updateRows() {
     if (isSearching_) {
       items = foundItems();
       if (items.empty())
-        text = PictureText::nothingFound(query_.toStdString(), FolderText::smallest(*folder_.snapshot),
-                                         host_.locale);
+        text = !mistake_.empty()
+                   ? mistake_
+                   : PictureText::nothingFound(host_.model.fileSearch(),
+                                               FolderText::smallest(*folder_.snapshot), host_.locale);
     } else {
       addRows(folder_.pictured(), folder_.path, 0, items);
+      const std::string id{notInFilesId};
+      addNotInFiles(items, host_, folder_, unfolded_.contains(id), [this, id] { toggle(id); });
       if (items.empty()) text = i18n("Nothing is in here.");
     }
   }
@@ -324,26 +338,23 @@ void Explorer::updateRows() {
   Q_EMIT selectionChanged();
 }
 
-// The search
-
-void Explorer::setQuery(const QString& query) {
-  if (query == query_) return;
-  query_ = query;
-  search();
-  updateRows();
-  Q_EMIT queryChanged();
-  Q_EMIT changed();
-}
+// The search, with the words of the tab of files
 
 void Explorer::search() {
   hits_.clear();
   found_.clear();
-  isSearching_ = query_.trimmed().size() >= shortestQuery && folder_.snapshot;
-  const auto question = isSearching_ ? parseSearch(query_.trimmed().toStdString()) : SearchQuery{};
-  if (!isSearching_ || !question) return;
-  static const FileKinds kinds = FileKinds::ofThisSystem();
+  mistake_.clear();
+  const std::string words = QString::fromStdString(host_.model.fileSearch()).trimmed().toStdString();
+  const auto query = parseSearch(words);
+  isSearching_ = showsRows_ && folder_.snapshot && query != SearchQuery{} && words.size() >= shortestQuery;
+  if (!isSearching_) return;
+  if (!query) {
+    mistake_ = query.error().message;
+    return;
+  }
+  const FileKinds& kinds = FileKinds::ofThisSystem();
   const auto found =
-      spacemint::search(*folder_.snapshot, *question, kinds, now(), std::numeric_limits<std::size_t>::max());
+      spacemint::search(*folder_.snapshot, *query, kinds, now(), std::numeric_limits<std::size_t>::max());
   for (const SearchResult& result : found) {
     found_.insert(result.node);
     if (hits_.size() < hitsShown) hits_.emplace_back(result.path, result.node);

@@ -19,7 +19,7 @@ class Explorer : public QObject {
   /// The tree of rows; made only while `showsRows`.
   Q_PROPERTY(spacemint::ItemRows* rows READ rows CONSTANT)
   /// The width of the list beside the map as the person dragged it; 0 before that.
-  Q_PROPERTY(qreal listWidth MEMBER listWidth NOTIFY listWidthChanged)
+  Q_PROPERTY(qreal listWidth READ listWidth WRITE setListWidth NOTIFY listWidthChanged)
   Q_PROPERTY(bool showsRows READ showsRows WRITE setShowsRows NOTIFY rowsShownChanged)
   /// The folders from the root of the scan to the open one.
   Q_PROPERTY(QStringList crumbs READ crumbs NOTIFY changed)
@@ -29,6 +29,8 @@ class Explorer : public QObject {
   /// What the picture shows, in one sentence.
   Q_PROPERTY(QString summary READ summary NOTIFY changed)
   Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
+  /// Whether the folder has items that are large enough to be listed.
+  Q_PROPERTY(bool hasItems READ hasItems NOTIFY changed)
   /// What the colours mean.
   Q_PROPERTY(QStringList colourings READ colourings CONSTANT)
   Q_PROPERTY(Colouring colouring READ colouring WRITE setColouring NOTIFY changed)
@@ -36,7 +38,6 @@ class Explorer : public QObject {
   Q_PROPERTY(QString legend READ legend NOTIFY changed)
   Q_PROPERTY(QString shrankLegend READ shrankLegend NOTIFY changed)
   Q_PROPERTY(QStringList ages READ ages CONSTANT)
-  Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
   /// The index of the selected row; -1 for none.
   Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectionChanged)
   // What is under the pointer: its index in `rows`, and the index of the child of the open folder that it is
@@ -62,15 +63,18 @@ class Explorer : public QObject {
   QString mapName() const;
   QString summary() const;
   bool isEmpty() const { return folder_.node == nullptr || folder_.node->size <= 0; }
+  bool hasItems() const { return !isEmpty() && !folder_.node->children.empty(); }
   QStringList colourings() const;
   Colouring colouring() const { return canCompare() ? colouring_ : Colouring::Age; }
   void setColouring(Colouring colouring);
+  /// The same, also while there is nothing to compare with.
+  Colouring chosenColouring() const { return colouring_; }
+  qreal listWidth() const { return listWidth_; }
+  void setListWidth(qreal width);
   bool canCompare() const { return folder_.changes != nullptr; }
   QString legend() const;
   QString shrankLegend() const;
   QStringList ages() const;
-  const QString& query() const { return query_; }
-  void setQuery(const QString& query);
   int selectedRow() const { return rows_.indexOf(selected_); }
   int pointedRow() const { return rows_.indexOf(pointed_); }
   int pointedChild() const;
@@ -81,8 +85,7 @@ class Explorer : public QObject {
 
   // For the pictures.
   const ShownFolder& folder() const { return folder_; }
-  /// The parts of the volume, for a scan of all of it while its root is open.
-  std::optional<VolumeParts> volumeParts() const;
+  std::optional<VolumeParts> volumeParts() const { return spacemint::volumeParts(host_.model, folder_); }
   const std::string& selected() const { return selected_; }
   const std::string& pointed() const { return pointed_; }
   Date now() const { return host_.desktop.clock.now(); }
@@ -108,13 +111,10 @@ class Explorer : public QObject {
   /// The unfolded row closes, else the row above it becomes the selected one; or the reverse.
   Q_INVOKABLE void turnRow(int index, bool isUnfolded);
 
-  qreal listWidth = 0;
-
  Q_SIGNALS:
   void changed();
   void listWidthChanged();
   void rowsShownChanged();
-  void queryChanged();
   void selectionChanged();
   void pointedChanged();
   void aboutChanged();
@@ -143,8 +143,10 @@ class Explorer : public QObject {
   std::string selected_;
   std::string pointed_;
   std::optional<Tile> pointedTile_;
+  qreal listWidth_ = 0;
   Colouring colouring_ = Colouring::Growth;
-  QString query_;
+  /// Why the words of the search are not understood.
+  std::string mistake_;
   bool isSearching_ = false;
   std::vector<std::pair<std::string, const Node*>> hits_;
   std::unordered_set<const Node*> found_;

@@ -3,7 +3,6 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
-#include "core/base/Isolate.h"
 #include "core/base/RelativeTime.h"
 #include "core/base/TextList.h"
 #include "core/base/Translation.h"

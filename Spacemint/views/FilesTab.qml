@@ -8,6 +8,8 @@ ColumnLayout {
     id: root
 
     required property Ui ui
+    /// Whether the page around the tab has a field for the search.
+    property bool isWide: false
     readonly property Files files: ui.files
     /// A wide page leaves the rest of its width free.
     property real maximumWidth: Infinity
@@ -27,6 +29,7 @@ ColumnLayout {
 
             readonly property real beside: parent.width - age.implicitWidth - 8
 
+            visible: !root.isWide
             width: beside < Theme.scaled(160) ? parent.width : beside
             hint: Words.searchExample
             Accessible.name: Words.search

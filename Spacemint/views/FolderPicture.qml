@@ -10,8 +10,8 @@ Column {
 
     required property Explorer explorer
 
-    /// The row of this index should become the current one of the list below.
-    signal rowWanted(int index)
+    /// The row of the folder's item at this index should become the current one of the list below.
+    signal childWanted(int index)
 
     spacing: 6
 
@@ -24,8 +24,28 @@ Column {
         Accessible.role: Accessible.Tree
         Accessible.name: root.explorer.mapName
         Accessible.description: root.explorer.summary
-        onRowWanted: index => root.rowWanted(index)
+        onZoomed: opening.restart()
+        onChildWanted: index => root.childWanted(index)
 
+        ParallelAnimation {
+            id: opening
+
+            NumberAnimation {
+                target: icicle
+                property: "move"
+                from: 0
+                to: 1
+                duration: Theme.duration(220)
+                easing.type: Easing.OutCubic
+            }
+            NumberAnimation {
+                target: icicle
+                property: "strength"
+                from: 0
+                to: 1
+                duration: Theme.duration(120)
+            }
+        }
         // The blocks, for screen readers.
         Repeater {
             model: icicle.blocks
@@ -45,6 +65,7 @@ Column {
         }
         TileFrame {
             frame: icicle.pointedFrame
+            visible: width > 0 && !opening.running
             border.width: 2
             border.color: Theme.ink
         }

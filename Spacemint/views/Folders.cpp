@@ -1,6 +1,7 @@
 #include "Spacemint/views/Folders.h"
 
 #include "Spacemint/views/FolderText.h"
+#include "Spacemint/views/NotInFiles.h"
 #include "Spacemint/views/ShownFolder.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
@@ -114,6 +115,7 @@ Folders::Folders(const UiHost& host) : host_(host), content_(host) {
   connect(&host_.model, &AppModel::folderPathChanged, this, &Folders::update);
   connect(&host_.model.shown(), &ShownScan::snapshotChanged, this, &Folders::update);
   connect(&host_.model.shown(), &ShownScan::findingsChanged, this, &Folders::update);
+  connect(&host_.model.account(), &CurrentAccount::changed, this, &Folders::update);
   update();
 }
 
@@ -128,6 +130,10 @@ void Folders::update() {
   if (order_ == Order::byCount) showCounts(items, folder, host_.locale);
   std::ranges::move(excludedItems(folder, host_), std::back_inserter(items));
   std::ranges::move(leftOutItems(folder, host_), std::back_inserter(items));
+  addNotInFiles(items, host_, folder, isAccountUnfolded_, [this] {
+    isAccountUnfolded_ = !isAccountUnfolded_;
+    update();
+  });
   std::string text = items.empty() ? i18n("Nothing is in here.") : "";
   content_.assign(std::move(items), {.text = std::move(text)});
   const std::string before = std::exchange(path_, folder.path);
@@ -148,6 +154,18 @@ QStringList Folders::orders() {
 void Folders::setOrder(int order) {
   order_ = order == 0 ? Order::bySize : Order::byCount;
   update();
+}
+
+int Folders::rowOf(int child) const {
+  const Node* node = shownFolder(host_.model).node;
+  if (node == nullptr || child < 0 || child >= std::ssize(node->children)) return -1;
+  return content_.indexOf(Paths::join(path_, node->children[static_cast<std::size_t>(child)].name));
+}
+
+int Folders::unfoldNotInFiles() {
+  isAccountUnfolded_ = true;
+  update();
+  return content_.indexOf(std::string{notInFilesId});
 }
 
 void Folders::goBack() {

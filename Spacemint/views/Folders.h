@@ -34,6 +34,10 @@ class Folders : public QObject {
   void setOrder(int order);
 
   Q_INVOKABLE void goBack();
+  /// The row of the folder's item at this index of the scan; -1 if there is none.
+  Q_INVOKABLE int rowOf(int child) const;
+  /// Unfolds the row for what is in no file. Returns its index; -1 if there is none.
+  Q_INVOKABLE int unfoldNotInFiles();
   /// Shows the folder in the file manager.
   Q_INVOKABLE void reveal() const;
 
@@ -55,6 +59,7 @@ class Folders : public QObject {
   QString sizeText_;
   QString parentTitle_;
   Order order_ = Order::bySize;
+  bool isAccountUnfolded_ = false;
 };
 
 }  // namespace spacemint

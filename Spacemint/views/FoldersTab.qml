@@ -13,6 +13,14 @@ Item {
 
     readonly property Folders folders: ui.folders
 
+    function show(row: int) {
+        if (row < 0)
+            return;
+        list.currentIndex = row;
+        list.positionViewAtIndex(row, ListView.Contain);
+        list.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
@@ -77,13 +85,9 @@ Item {
             Layout.leftMargin: 20
             Layout.rightMargin: 20
             Layout.bottomMargin: 8
-            visible: !root.ui.explorer.isEmpty && root.folders.content.count > 0 && root.Window.height >= 620
+            visible: root.ui.explorer.hasItems && root.Window.height >= 620
             explorer: root.ui.explorer
-            onRowWanted: index => {
-                list.currentIndex = index;
-                list.positionViewAtIndex(index, ListView.Contain);
-                list.forceActiveFocus(Qt.OtherFocusReason);
-            }
+            onChildWanted: index => root.show(root.folders.rowOf(index))
         }
         Placeholder {
             Layout.leftMargin: 20
@@ -99,7 +103,7 @@ Item {
             name: root.folders.title
             focus: true
             hasChangeColumn: true
-            pointedIndex: root.ui.explorer.pointedChild
+            pointedIndex: root.folders.rowOf(root.ui.explorer.pointedChild)
             onPointed: index => root.ui.explorer.pointRow(rows, index)
             Keys.onPressed: event => {
                 if (event.key !== Qt.Key_Backspace && !(event.key === Qt.Key_Left && event.modifiers & Qt.AltModifier))
@@ -111,6 +115,15 @@ Item {
         MarkedBar {
             Layout.fillWidth: true
             rows: root.folders.content
+        }
+    }
+    Connections {
+        target: root.ui.explorer
+
+        function onNotInFilesWanted() {
+            const row = root.folders.unfoldNotInFiles();
+            root.show(row);
+            list.positionViewAtIndex(row, ListView.Beginning);
         }
     }
     Connections {

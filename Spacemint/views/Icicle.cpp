@@ -3,13 +3,16 @@
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QPainter>
 
 namespace spacemint {
 
 Icicle::Icicle(QQuickItem* parent) : PictureItem(parent) {
   setActiveFocusOnTab(true);
   connect(this, &PictureItem::tilesChanged, this, [this] {
-    current_ = 0;
+    // After the way out, the block of the folder that was left.
+    current_ = zoom().tile < tiles().size() ? zoom().tile : 0;
+    if (hasActiveFocus()) point(current_);
     Q_EMIT currentChanged();
   });
 }
@@ -26,6 +29,38 @@ QVariantList Icicle::blocks() const {
                           {QStringLiteral("spoken"), explorer()->spoken(tiles()[i])}};
   }
   return blocks;
+}
+
+void Icicle::setMove(qreal move) {
+  move_ = move;
+  update();
+  Q_EMIT moveChanged();
+}
+
+void Icicle::setStrength(qreal strength) {
+  strength_ = strength;
+  update();
+  Q_EMIT moveChanged();
+}
+
+// The folder that was opened or left moves between its block and the first row; all others appear.
+void Icicle::paintStep(QPainter& painter, std::size_t index) const {
+  const bool isOut = zoom().tile != Tile::none;
+  const bool moves = move_ < 1 && !zoom().box.isEmpty();
+  const std::size_t moving = !moves ? Tile::none : isOut ? zoom().tile : 0;
+  if (index != moving) {
+    painter.setOpacity(strength_);
+    paintTile(painter, tiles()[index]);
+  }
+  if (!moves || index + 1 < tiles().size()) return;
+  // Above all others.
+  Tile tile = tiles()[moving];
+  const QRectF from = isOut ? QRectF{0, 0, width(), tile.box.height} : zoom().box;
+  const auto between = [this](qreal a, qreal b) { return a + (b - a) * move_; };
+  tile.box = {between(from.x(), tile.box.x), between(from.y(), tile.box.y),
+              between(from.width(), tile.box.width), tile.box.height};
+  painter.setOpacity(1);
+  paintTile(painter, tile);
 }
 
 std::vector<PictureItem::TileText> Icicle::textsOf(const Tile& tile) const {
@@ -61,8 +96,9 @@ void Icicle::choose(std::size_t tile) {
   if (chosen.node != nullptr && chosen.node->isDirectory) return explorer()->open(path(tile));
   const Node& folder = *explorer()->folder().node;
   const Node* child = chosen.depth > 1 ? tiles()[chosen.parent].node : chosen.node;
-  if (child == nullptr) return Q_EMIT rowWanted(static_cast<int>(folder.children.size()) - 1);
-  Q_EMIT rowWanted(static_cast<int>(child - folder.children.data()));
+  // What is too small is at the end of the folder.
+  Q_EMIT childWanted(
+      static_cast<int>(child != nullptr ? child - folder.children.data() : std::ssize(folder.children) - 1));
 }
 
 // The keyboard

@@ -56,6 +56,39 @@ ListItem itemOf(const AccountLine& line, const std::string& locale) {
 
 }  // namespace
 
+std::vector<ListItem> notInFilesItems(const Account& account, const UiHost& host) {
+  auto lines = AccountText::lines(account, host.home, host.locale, host.desktop.clock.now());
+  std::erase_if(lines, [&](const AccountLine& line) { return !isShown(line, account.scanned.isWhole); });
+  std::ranges::sort(lines, {},
+                    [](const AccountLine& line) { return std::ranges::find(rowOrder, line.part); });
+  std::vector<ListItem> items;
+  for (const AccountLine& line : lines) items.push_back(itemOf(line, host.locale));
+  return items;
+}
+
+void addNotInFiles(std::vector<ListItem>& items, const UiHost& host, const ShownFolder& folder,
+                   bool isUnfolded, std::function<void()> onUnfold) {
+  const auto parts = volumeParts(host.model, folder);
+  if (!parts || parts->notInFiles <= 0) return;
+  auto lines = notInFilesItems(*host.model.account().account(), host);
+  std::string titles;
+  for (const ListItem& line : lines) titles += (titles.empty() ? "" : " · ") + line.title;
+  items.push_back({.id = std::string{notInFilesId},
+                   .size = parts->notInFiles,
+                   .title = i18n("Not in files"),
+                   .subtitle = std::move(titles),
+                   .symbol = "unexplained",
+                   .isUnfolded = isUnfolded,
+                   .onUnfold = std::move(onUnfold)});
+  if (!isUnfolded) return;
+  for (ListItem& line : lines) {
+    line.id = std::string{notInFilesId} + "/" + line.id;
+    line.depth = 1;
+    line.parts.clear();
+    items.push_back(std::move(line));
+  }
+}
+
 NotInFiles::NotInFiles(const UiHost& host) : host_(host), rows_(host) {
   connect(&host_.model.account(), &CurrentAccount::changed, this, &NotInFiles::update);
   update();
@@ -92,13 +125,7 @@ void NotInFiles::show(const Account& account) {
   const Bytes total = account.space.total;
   shares_ = {ShownText::share(account.scanned.files, total), ShownText::share(known, total),
              account.scanned.isWhole ? 0 : ShownText::share(account.rest, total)};
-  auto lines = AccountText::lines(account, host_.home, locale, host_.desktop.clock.now());
-  std::erase_if(lines, [&](const AccountLine& line) { return !isShown(line, account.scanned.isWhole); });
-  std::ranges::sort(lines, {},
-                    [](const AccountLine& line) { return std::ranges::find(rowOrder, line.part); });
-  std::vector<ListItem> items;
-  for (const AccountLine& line : lines) items.push_back(itemOf(line, locale));
-  rows_.assign(std::move(items));
+  rows_.assign(notInFilesItems(account, host_));
 }
 
 }  // namespace spacemint

@@ -1,8 +1,22 @@
 #pragma once
 
 #include "Spacemint/views/ItemRows.h"
+#include "Spacemint/views/ShownFolder.h"
+
+#include <string_view>
 
 namespace spacemint {
+
+/// What takes the space that no file of the scan takes, first what can be changed.
+std::vector<ListItem> notInFilesItems(const Account& account, const UiHost& host);
+
+/// The id of the row that `addNotInFiles` adds.
+inline constexpr std::string_view notInFilesId = "not in files";
+
+/// Adds the last row of the list of a whole disk: what is in no file. If it is unfolded, what that consists
+/// of follows. Adds nothing to other lists, and if everything is in files.
+void addNotInFiles(std::vector<ListItem>& items, const UiHost& host, const ShownFolder& folder,
+                   bool isUnfolded, std::function<void()> onUnfold);
 
 /// The section with the space that no file of the scan takes. Main thread only.
 class NotInFiles : public QObject {

@@ -83,25 +83,26 @@ void PictureItem::rebuild() {
   const std::vector<Tile> tilesBefore = std::exchange(tiles_, {});
   const SharedSnapshot kept = std::exchange(folder_, explorer_->folder()).snapshot;
   if (folder_.node != nullptr && width() > 0 && height() > 0) tiles_ = layOut();
-  zoomedFrom_ = {};
-  if (before != folder_.path && kept == folder_.snapshot && !tilesBefore.empty()) {
-    // Into a folder: from its tile of before. Out of it: to its tile of now.
-    const auto into = pathBelow(folder_.path, before);
-    const auto outOf = pathBelow(before, folder_.path);
-    const Node* old = into ? folder_.snapshot->nodeAt(before) : nullptr;
-    const std::size_t from = old != nullptr ? spacemint::tileOf(tilesBefore, *old, *into) : Tile::none;
-    if (from != Tile::none) zoomedFrom_ = rectOf(tilesBefore[from].box);
-    if (outOf) {
-      const QRectF to = frameOf(tileOfItem(before));
-      if (!to.isEmpty() && width() > 0)
-        zoomedFrom_ = {-to.x() * width() / to.width(), -to.y() * height() / to.height(),
-                       width() * width() / to.width(), height() * height() / to.height()};
-    }
-  }
+  const bool isZoom = before != folder_.path && kept == folder_.snapshot;
+  zoom_ = isZoom ? zoomFrom(before, tilesBefore) : Zoom{};
   under_ = Tile::none;
   update();
   Q_EMIT tilesChanged();
-  if (!zoomedFrom_.isEmpty()) Q_EMIT zoomed();
+  if (!zoom_.box.isEmpty()) Q_EMIT zoomed();
+}
+
+PictureItem::Zoom PictureItem::zoomFrom(const std::string& before,
+                                        const std::vector<Tile>& tilesBefore) const {
+  Zoom zoom;
+  if (const auto into = pathBelow(folder_.path, before)) {
+    const Node* old = folder_.snapshot->nodeAt(before);
+    const std::size_t from = old != nullptr ? spacemint::tileOf(tilesBefore, *old, *into) : Tile::none;
+    if (from != Tile::none) zoom.box = rectOf(tilesBefore[from].box);
+  } else if (pathBelow(before, folder_.path)) {
+    zoom.tile = tileOfItem(before);
+    zoom.box = frameOf(zoom.tile);
+  }
+  return zoom;
 }
 
 const Theme& PictureItem::theme() const {
@@ -182,18 +183,23 @@ void PictureItem::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void PictureItem::paint(QPainter* painter) {
   painter->setRenderHint(QPainter::TextAntialiasing);
-  for (const Tile& tile : tiles_) {
-    const bool isDimmed =
-        explorer_->isSearching() && (tile.node == nullptr || !explorer_->isFound(*tile.node));
+  const bool showsFound = this->showsFound();
+  for (std::size_t i = 0; i < tiles_.size(); ++i) {
+    const Node* node = tiles_[i].node;
+    const bool isDimmed = showsFound && (node == nullptr || !explorer_->isFound(*node));
     painter->setOpacity(isDimmed ? dimmed : 1);
-    const std::vector<TileText> texts = textsOf(tile);
-    fill(*painter, tile, texts);
-    for (const TileText& each : texts) {
-      painter->setFont(font(each.weight));
-      painter->setPen(each.color);
-      painter->drawText(each.box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
-                        each.text);
-    }
+    paintStep(*painter, i);
+  }
+}
+
+void PictureItem::paintTile(QPainter& painter, const Tile& tile) const {
+  const std::vector<TileText> texts = textsOf(tile);
+  fill(painter, tile, texts);
+  for (const TileText& each : texts) {
+    painter.setFont(font(each.weight));
+    painter.setPen(each.color);
+    painter.drawText(each.box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
+                     each.text);
   }
 }
 

@@ -24,8 +24,6 @@ class PictureItem : public QQuickPaintedItem {
   // The places of these tiles; empty if there are none.
   Q_PROPERTY(QRectF pointedFrame READ pointedFrame NOTIFY framesChanged)
   Q_PROPERTY(QRectF selectedFrame READ selectedFrame NOTIFY framesChanged)
-  /// Where the folder that is open now was in the picture before, or the other way round.
-  Q_PROPERTY(QRectF zoomedFrom READ zoomedFrom NOTIFY zoomed)
  public:
   explicit PictureItem(QQuickItem* parent = nullptr);
 
@@ -33,7 +31,6 @@ class PictureItem : public QQuickPaintedItem {
   void setExplorer(Explorer* explorer);
   QRectF pointedFrame() const { return frameOf(pointedTile()); }
   QRectF selectedFrame() const;
-  const QRectF& zoomedFrom() const { return zoomedFrom_; }
 
   void paint(QPainter* painter) final;
 
@@ -41,6 +38,7 @@ class PictureItem : public QQuickPaintedItem {
   void explorerChanged();
   void framesChanged();
   void tilesChanged();
+  /// Another folder of the same scan was opened; it is in the picture of before, or the other way round.
   void zoomed();
   /// The menu of the selected item is wanted at this point.
   void menuWanted(qreal x, qreal y);
@@ -54,15 +52,30 @@ class PictureItem : public QQuickPaintedItem {
     QFont::Weight weight = QFont::Medium;
   };
 
+  /// The way from one folder to another.
+  struct Zoom {
+    /// The place of the folder that was opened in the picture of before; on the way out the place of the
+    /// former folder in the picture of now.
+    QRectF box;
+    /// The index of the folder on the way out; `Tile::none` on the way in.
+    std::size_t tile = Tile::none;
+  };
+
   virtual std::vector<Tile> layOut() const = 0;
   virtual std::vector<TileText> textsOf(const Tile& tile) const = 0;
+  /// A step of the painting: paints the tile, and what else belongs above it.
+  virtual void paintStep(QPainter& painter, std::size_t index) const { paintTile(painter, tiles_[index]); }
+  void paintTile(QPainter& painter, const Tile& tile) const;
   /// Whether the colours show the age, and not what came.
   virtual bool showsAge() const { return explorer_->colouring() == Explorer::Colouring::Age; }
+  /// Whether what a search did not find is faint.
+  virtual bool showsFound() const { return explorer_->isSearching(); }
   /// A click on the tile.
   virtual void choose(std::size_t tile) = 0;
   virtual void openTile(std::size_t tile) = 0;
 
   const std::vector<Tile>& tiles() const { return tiles_; }
+  const Zoom& zoom() const { return zoom_; }
   std::string path(std::size_t tile) const;
   const Theme& theme() const;
   QFont font(QFont::Weight weight) const;
@@ -85,6 +98,7 @@ class PictureItem : public QQuickPaintedItem {
 
  private:
   void rebuild();
+  Zoom zoomFrom(const std::string& before, const std::vector<Tile>& tilesBefore) const;
   /// Fills the tile: what is there, from below what came, or the age.
   void fill(QPainter& painter, const Tile& tile, std::span<const TileText> texts) const;
   void hatch(QPainter& painter, const QRectF& box) const;
@@ -96,7 +110,7 @@ class PictureItem : public QQuickPaintedItem {
   std::vector<Tile> tiles_;
   /// Keeps the nodes that the tiles point to.
   ShownFolder folder_;
-  QRectF zoomedFrom_;
+  Zoom zoom_;
   std::size_t under_ = Tile::none;
   bool isComplete_ = false;
 };
@@ -107,8 +121,12 @@ class PictureItem : public QQuickPaintedItem {
 class TreeMap : public spacemint::PictureItem {
   Q_OBJECT
   QML_ELEMENT
+  /// The place of the whole picture at the beginning of a zoom.
+  Q_PROPERTY(QRectF zoomedFrom READ zoomedFrom NOTIFY zoomed)
  public:
   using PictureItem::PictureItem;
+
+  QRectF zoomedFrom() const;
 
  protected:
   std::vector<Tile> layOut() const override;
@@ -133,21 +151,32 @@ class Icicle : public spacemint::PictureItem {
   /// The index of the tile that the keyboard is at.
   Q_PROPERTY(int current READ current NOTIFY currentChanged)
   Q_PROPERTY(QRectF currentFrame READ currentFrame NOTIFY currentChanged)
+  /// How far the opened folder is on its way into the first row, or out of it, from 0 to 1; and how much is
+  /// seen of all others.
+  Q_PROPERTY(qreal move READ move WRITE setMove NOTIFY moveChanged)
+  Q_PROPERTY(qreal strength READ strength WRITE setStrength NOTIFY moveChanged)
  public:
   explicit Icicle(QQuickItem* parent = nullptr);
 
   QVariantList blocks() const;
   int current() const { return current_ < tiles().size() ? static_cast<int>(current_) : 0; }
   QRectF currentFrame() const { return frameOf(static_cast<std::size_t>(current())); }
+  qreal move() const { return move_; }
+  void setMove(qreal move);
+  qreal strength() const { return strength_; }
+  void setStrength(qreal strength);
 
  Q_SIGNALS:
   void currentChanged();
-  /// The row at this index of the folder's list should become the current one.
-  void rowWanted(int index);
+  void moveChanged();
+  /// The row of the folder's item at this index should become the current one.
+  void childWanted(int index);
 
  protected:
   std::vector<Tile> layOut() const override;
   std::vector<TileText> textsOf(const Tile& tile) const override;
+  void paintStep(QPainter& painter, std::size_t index) const override;
+  bool showsFound() const override { return false; }
   /// The person cannot choose the colours here, so it is plain where there is nothing to compare with.
   bool showsAge() const override { return explorer()->canCompare() && PictureItem::showsAge(); }
   void choose(std::size_t tile) override;
@@ -162,6 +191,8 @@ class Icicle : public spacemint::PictureItem {
   std::size_t below() const;
 
   std::size_t current_ = 0;
+  qreal move_ = 1;
+  qreal strength_ = 1;
 };
 
 }  // namespace spacemint

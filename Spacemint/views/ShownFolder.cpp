@@ -2,6 +2,8 @@
 
 #include "core/wording/FindingText.h"
 
+#include <algorithm>
+
 namespace spacemint {
 
 ShownFolder folderAt(const AppModel& model, const std::optional<std::string>& wanted) {
@@ -38,6 +40,15 @@ bool isLowerBound(const Snapshot& scan, std::string_view folder) {
 std::optional<std::string> rowSize(const Snapshot& scan, const Node& item, const std::string& locale) {
   if (!scan.measuredPart || !item.isDirectory) return std::nullopt;
   return FindingText::folderSize(item.size, true, locale);
+}
+
+std::optional<VolumeParts> volumeParts(AppModel& model, const ShownFolder& folder) {
+  const auto& account = model.account().account();
+  if (!model.shown().isOfHere() || folder.node == nullptr || folder.parent) return std::nullopt;
+  if (!account || !account->scanned.isWhole) return std::nullopt;
+  return VolumeParts{.files = account->scanned.files,
+                     .notInFiles = std::max<Bytes>(0, account->notInFiles()),
+                     .free = account->space.free};
 }
 
 std::optional<std::string_view> pathBelow(std::string_view path, std::string_view folder) {

@@ -38,6 +38,9 @@ bool isLowerBound(const Snapshot& scan, std::string_view folder);
 /// all others, of which a row says the size.
 std::optional<std::string> rowSize(const Snapshot& scan, const Node& item, const std::string& locale);
 
+/// The parts of the volume, for a scan of all of it while its root is open.
+std::optional<VolumeParts> volumeParts(AppModel& model, const ShownFolder& folder);
+
 /// The rest of `path` below `folder`: "a/b" of "/home/a/b" in "/home". Absent if it is not below it.
 std::optional<std::string_view> pathBelow(std::string_view path, std::string_view folder);
 

@@ -55,7 +55,8 @@ Item {
         isCurrent: root.ui.page.tab === 2
         view: "FilesTab.qml"
         properties: ({
-                ui: root.ui
+                ui: root.ui,
+                isWide: root.isWide
             })
 
         Binding {

@@ -24,6 +24,14 @@ std::vector<Tile> TreeMap::layOut() const {
                   .frameHeight = scaled(usual.frameHeight)});
 }
 
+// Into a folder: the place of its tile. Out of it: so that the place of the former folder covers all.
+QRectF TreeMap::zoomedFrom() const {
+  const QRectF& box = zoom().box;
+  if (box.isEmpty() || zoom().tile == Tile::none) return box;
+  return {-box.x() * width() / box.width(), -box.y() * height() / box.height(),
+          width() * width() / box.width(), height() * height() / box.height()};
+}
+
 std::vector<PictureItem::TileText> TreeMap::textsOf(const Tile& tile) const {
   return tile.kind == Tile::Kind::frame ? titleOf(tile) : labelOf(tile);
 }

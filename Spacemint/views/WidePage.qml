@@ -11,11 +11,20 @@ Item {
     readonly property real step: width / Theme.textScale
     readonly property bool hasSide: step >= 960
     readonly property bool showsFolders: ui.page.tab === 1
+    readonly property bool showsFiles: ui.page.tab === 2
     readonly property bool showsSpace: !hasSide && ui.summary.known && ui.source.isOfHere
 
     Shortcut {
         sequence: "Ctrl+F"
         onActivated: search.forceActiveFocus(Qt.ShortcutFocusReason)
+    }
+    // Who opens a folder has found it.
+    Connections {
+        target: root.ui.folders
+
+        function onOpened() {
+            root.ui.files.words = "";
+        }
     }
     RowLayout {
         anchors.fill: parent
@@ -78,12 +87,20 @@ Item {
 
                     implicitWidth: Math.max(Theme.scaled(root.hasSide ? 190 : 180), Math.min(Theme.scaled(240), root.step >= 1200 ? Infinity : hintWidth))
                     hint: Words.findInScan
+                    text: root.ui.files.words
+                    onTextChanged: root.ui.files.words = text
                     onTextEdited: {
-                        root.ui.explorer.query = text;
-                        root.ui.page.tab = 1;
+                        if (!root.showsFolders && !root.showsFiles)
+                            root.ui.page.tab = 1;
                     }
-                    onTextChanged: root.ui.explorer.query = text
-                    Component.onCompleted: text = root.ui.explorer.query
+
+                    Connections {
+                        target: root.ui.files
+
+                        function onWordsChanged() {
+                            search.text = root.ui.files.words;
+                        }
+                    }
                 }
                 IconButton {
                     symbol: "gearshape"

@@ -176,6 +176,7 @@ TEST_F(FoldersTabTest, sortsByTheNumberOfFiles) {
   settle();
   EXPECT_THAT(rows(), ElementsAre("Mail", "Films"));
   EXPECT_EQ(row("Films")->property("sizeText").toString(), QStringLiteral("10 files"));
+  EXPECT_EQ(ui->folders()->rowOf(0), 1) << "pictures keep the order of the sizes";
 }
 
 TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
@@ -274,9 +275,12 @@ TEST_F(FoldersTabTest, rowsThatAreGoneAreNotFound) {
 using FilesTabTest = ShownTabs;
 
 TEST_F(FilesTabTest, listsTheLargestFirstEachWithItsFolder) {
-  storeHome(morning - 1h, {nested("Movies/Old", {file("first.mov", 2 * GB)}), file("disk.img", 3 * GB)});
+  addFile(".local/share/Trash/files/old/gone.iso", 40 * MB);
+  storeHome(morning - 1h, {nested("Movies/Old", {file("first.mov", 2 * GB)}), file("disk.img", 3 * GB),
+                           nested(".local/share/Trash/files/old", {file("gone.iso", 40 * MB)})});
   show(Tab::files);
-  EXPECT_THAT(rows(), ElementsAre("disk.img", "first.mov"));
+  EXPECT_THAT(rows(), ElementsAre("disk.img", "first.mov", "gone.iso"));
+  EXPECT_EQ(subtitle("gone.iso"), "In the Trash");
   EXPECT_EQ(row("disk.img")->property("subtitle").toString(), QStringLiteral("~"));
   EXPECT_EQ(row("first.mov")->property("subtitle").toString(), QStringLiteral("~/Movies/Old"));
   click(row("disk.img"));

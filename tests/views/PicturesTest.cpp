@@ -5,6 +5,8 @@
 #include <QAccessible>
 #include <QWheelEvent>
 
+#include <map>
+
 namespace spacemint {
 namespace {
 
@@ -151,6 +153,94 @@ TEST_F(PicturesTest, theIcicleOfThePanelIsReachedByKeysAndLeadsIntoFolders) {
   EXPECT_EQ(model->folderPath(), inHome("Films"));
   clickAt(placeIn(icicle, 0.5, 0.1));
   EXPECT_EQ(model->folderPath(), home);
+}
+
+TEST_F(PicturesTest, theWayIntoAFolderBeginsAtItsBlockAndTheWayOutEndsThere) {
+  showWindow({460, 700});
+  auto* icicle = only("spacemint::Icicle");
+  // The middle of a row in the block of the first folder, and whether something is painted there.
+  const auto isPainted = [&](double row, double progress) {
+    icicle->setProperty("move", progress);
+    icicle->setProperty("strength", 0);
+    settle();
+    const QImage image = view->window().grabWindow();
+    const QPoint place = placeIn(icicle, 0.4, (row + 0.5) / 3) * image.devicePixelRatio();
+    return image.pixelColor(place) != view->theme().canvas();
+  };
+  clickAt(placeIn(icicle, 0.2, 0.5));
+  ASSERT_EQ(model->folderPath(), inHome("Films"));
+  EXPECT_TRUE(isPainted(1, 0.001) && !isPainted(0, 0.001)) << "it begins in the second row";
+  EXPECT_TRUE(isPainted(0, 0.999) && !isPainted(1, 0.999)) << "and ends in the first";
+  icicle->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Backspace);
+  ASSERT_EQ(model->folderPath(), home);
+  EXPECT_TRUE(isPainted(0, 0.001) && !isPainted(1, 0.001));
+  EXPECT_TRUE(isPainted(1, 0.999) && !isPainted(0, 0.999));
+  EXPECT_EQ(selected(), "Films") << "the keyboard is at the folder that was left";
+}
+
+TEST_F(PicturesTest, theDiskIsTrueToScaleAndUnfoldsWhatIsInNoFile) {
+  const Coverage coverage{
+      .places = {{.place = {.mountPoint = home, .root = "/", .fileSystem = "ext4"}, .size = 60 * GB}}};
+  volumeFacts = VolumeFacts{
+      .volume = {.pool = 1, .fileSystem = "ext4", .places = {{.mountPoint = home, .root = "/"}}},
+      .space = {.total = 100 * GB, .used = 80 * GB, .free = 20 * GB},
+      .ownBytes = 0,
+      .deleted = {.files = {{.size = 15 * GB, .pool = 1, .path = "/log", .programs = {{7, "postgres"}}}}}};
+  storeHome(morning - 1h, {support::folder("Films", {file("a", 40 * GB)}), file("disk.img", 20 * GB)},
+            20 * GB, coverage);
+  show(Tab::folders);
+  auto* icicle = only("spacemint::Icicle");
+  std::map<std::string, QRectF> blocks;
+  for (const QVariant& block : icicle->property("blocks").toList()) {
+    const QString spoken = block.toMap()[QStringLiteral("spoken")].toString();
+    blocks[spoken.section(u',', 0, 0).toStdString()] = block.toMap()[QStringLiteral("frame")].toRectF();
+  }
+  for (const auto& [part, share] : {std::pair{"In files", 0.6}, {"Not in files", 0.2}, {"Free", 0.2}})
+    EXPECT_NEAR(blocks[part].width() / icicle->width(), share, 0.01) << part;
+  EXPECT_EQ(blocks["Films"].right() > blocks["In files"].right(), false) << "below the files";
+  EXPECT_THAT(rows(), ElementsAre("Films", "disk.img", "Not in files"));
+  const auto click = [&](const char* part) {
+    const QPointF place = blocks[part].center();
+    clickAt(placeIn(icicle, place.x() / icicle->width(), place.y() / icicle->height()));
+  };
+  click("Free");
+  EXPECT_EQ(rows().size(), 3U);
+  click("Not in files");
+  EXPECT_THAT(rows(),
+              ElementsAre("Films", "disk.img", "Not in files", "Deleted, but still open", "Unexplained"));
+  press(Qt::Key_Left);
+  EXPECT_EQ(rows().size(), 3U);
+  view->root()->setProperty("windowed", true);
+  view->window().resize(1080, 720);
+  settle();
+  view->doubleClick(row("Not in files"));
+  settle();
+  EXPECT_THAT(rows(), testing::Contains("Deleted, but still open")) << "also in the large window";
+}
+
+TEST_F(PicturesTest, oneSearchIsForTheFoldersAndTheFiles) {
+  showWindow({1080, 720});
+  const auto type = [&](const char* words) {
+    press(Qt::Key_F, Qt::ControlModifier);
+    for (const char key : std::string{words}) QTest::keyClick(&view->window(), key);
+    settle();
+  };
+  type("first");
+  EXPECT_THAT(rows(), ElementsAre("first.mov"));
+  model->setTab(Tab::files);
+  settle();
+  EXPECT_EQ(view->find({}, "SearchField").size(), 1);
+  EXPECT_THAT(rows(), ElementsAre("first.mov"));
+  type(" older:x");
+  EXPECT_TRUE(shows("“older:x” is not understood, or said twice"));
+  model->setTab(Tab::folders);
+  settle();
+  EXPECT_TRUE(shows("“older:x” is not understood, or said twice"));
+  model->setFolderPath(inHome("Films"));
+  settle();
+  EXPECT_EQ(model->fileSearch(), "") << "who opens a folder has found it";
+  EXPECT_THAT(rows(), ElementsAre("Old", "holiday.mov"));
 }
 
 TEST_F(PicturesTest, theLineOfFreeSpaceChoosesTheScanThatIsComparedWith) {

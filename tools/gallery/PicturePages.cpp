@@ -93,7 +93,7 @@ class PictureScene final : public support::ModelFixture {
     desktop.settle();
     model->setTab(Tab::files);
   }
-  void find(const char* text) { ui_->explorer()->setQuery(QString::fromUtf8(text)); }
+  void find(const char* text) { model->setFileSearch(text); }
   // A scan of a server, from a file.
   void openExport() {
     Snapshot scan{.date = morning - std::chrono::days{21}, .root = homeOfAnn("/srv", true)};
@@ -174,6 +174,11 @@ const PicturePage picturePages[] = {
     {"folders", {460, 700}, Tab::folders, ann, [](PictureScene& s) { s.point(1); }},
     {"folders-inside", {460, 700}, Tab::folders, ann, [](PictureScene& s) { s.open("Videos"); }},
     {"folders-disk", {460, 700}, Tab::folders, disk},
+    {"folders-disk-unfolded",
+     {460, 700},
+     Tab::folders,
+     disk,
+     [](PictureScene& s) { s.ui().folders()->unfoldNotInFiles(); }},
     {"folders-once", {460, 700}, Tab::folders, [](PictureScene& s) { s.once(); }},
     {"opened-460", {460, 700}, Tab::overview, ann, opened},
     {"opened-720", {720, 640}, Tab::overview, ann, opened},
