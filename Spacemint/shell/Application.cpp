@@ -1,6 +1,7 @@
 #include "Spacemint/shell/Application.h"
 
 #include "Spacemint/shell/Placement.h"
+#include "Spacemint/shell/WindowMemory.h"
 #include "core/base/Translation.h"
 #include "core/host/FreedMemory.h"
 #include "ui_kit/Colours.h"
@@ -70,6 +71,7 @@ void Application::start() {
   connect(&host_.model, &AppModel::statusChanged, this, &Application::updateStatusItem);
   if (host_.hasBundleIdentifier) {
     connect(&host_.desktop.notifier, &Notifier::activated, this, [this] {
+      opensAsLeft_ = false;
       host_.model.followWarning();
       showUI();
     });
@@ -269,6 +271,7 @@ void Application::showUI() {
 }
 
 void Application::showPanel() {
+  opensAsLeft_ = false;
   host_.model.panelWillShow();
   const auto item = host_.desktop.statusItem.position();
   if (isOnWayland()) {
@@ -310,7 +313,17 @@ void Application::togglePanel() {
   }
 }
 
+// The page and the folder that were open when the window was closed in an earlier run.
+void Application::openAsLeft() {
+  if (!std::exchange(opensAsLeft_, false)) return;
+  const auto memory = storedMemory(host_.defaults);
+  if (!memory) return;
+  host_.model.setTab(memory->tab);
+  host_.model.setFolderPath(memory->folder);
+}
+
 void Application::showWindow() {
+  openAsLeft();
   host_.model.panelWillShow();
   neededInterface().window().open();
   explainWindow();
@@ -329,6 +342,7 @@ void Application::perform(LaunchAction action) {
 }
 
 void Application::open(const std::string& path) {
+  opensAsLeft_ = false;
   host_.model.open(path);
   showUI();
 }

@@ -84,6 +84,7 @@ class Application : public QObject {
   void setUp(MainWindow& window);
   InterfaceWindow* shownWindow();
   void showWindow();
+  void openAsLeft();
   void bringForward();
   void hideShown();
   void releaseLater();
@@ -97,6 +98,8 @@ class Application : public QObject {
   /// The presence applied last; absent before the start.
   std::optional<AppPresence> presence_;
   Preferences::Subscription subscription_;
+  /// Until the first window of this run, or until something else was asked for.
+  bool opensAsLeft_ = true;
   /// What the status item shows, and whether for a dark ground. It is drawn only if one of these changes.
   std::optional<std::pair<StatusFacts, bool>> drawn_;
   /// How often the interface was hidden. A release that was planned at an earlier hiding is cancelled.

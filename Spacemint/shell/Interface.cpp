@@ -64,10 +64,29 @@ DropdownPanel& Interface::panel() {
 
 MainWindow& Interface::window() {
   if (!window_) {
+    restoreView();
     window_ = std::make_unique<MainWindow>(engine_, rootProperties(), host_.defaults);
+    connect(window_.get(), &QWindow::visibleChanged, this, [this](bool isShown) {
+      if (!isShown) keepView();
+    });
     Q_EMIT windowMade(*window_);
   }
   return *window_;
+}
+
+void Interface::restoreView() {
+  const WindowMemory memory = storedMemory(host_.defaults).value_or(WindowMemory{});
+  ui_.explorer()->setColouring(memory.colouring);
+  ui_.explorer()->setListWidth(memory.listWidth);
+}
+
+void Interface::keepView() {
+  const AppModel& model = host_.ui.model;
+  keepMemory({.tab = model.tab(),
+              .folder = model.folderPath(),
+              .colouring = ui_.explorer()->chosenColouring(),
+              .listWidth = static_cast<int>(ui_.explorer()->listWidth())},
+             host_.defaults);
 }
 
 QVariantMap Interface::rootProperties() {

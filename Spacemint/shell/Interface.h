@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AppServices/AppServices.h"
+#include "Spacemint/shell/WindowMemory.h"
 #include "Spacemint/shell/Windows.h"
 #include "Spacemint/views/Ui.h"
 
@@ -54,6 +55,8 @@ class Interface : public QObject {
  private:
   QVariantMap rootProperties();
   void followAppearance();
+  void restoreView();
+  void keepView();
 
   InterfaceHost host_;
   NoNetworkForQml noNetwork_;

@@ -15,7 +15,10 @@ namespace {
 // In milliseconds.
 constexpr qint64 settlingTime = 100;
 constexpr std::string_view placeKey = "SpacemintMainWindow";
-constexpr QSize designed{460, 722};
+// Of a window whose place was stored without its size.
+constexpr QSize former{460, 722};
+// Of the first window: the list beside its map.
+constexpr QSize first{1080, 720};
 constexpr QSize smallest{400, 480};
 
 QVariantMap with(QVariantMap properties, bool windowed) {
@@ -152,12 +155,13 @@ bool MainWindow::event(QEvent* event) {
 void MainWindow::placeOnScreen() {
   const auto areas = usableAreas();
   if (areas.empty()) return;
-  const auto kept = windowPlace(defaults_.string(placeKey).value_or(""), designed, areas);
+  const auto kept = windowPlace(defaults_.string(placeKey).value_or(""), former, areas);
   constexpr int titleBar = 40;
   const QRect& area = kept ? kept->area : areas.front();
   const QSize room = area.size() - QSize{0, titleBar};
   setMinimumSize(smallest.boundedTo(room));
-  const QSize size = (kept ? kept->place.size() : designed).expandedTo(smallest).boundedTo(room);
+  const QSize usual = first.boundedTo(room * 0.9);
+  const QSize size = (kept ? kept->place.size() : usual).expandedTo(smallest).boundedTo(room);
   resize(size);
   setPosition(
       kept ? kept->place.topLeft()

@@ -250,6 +250,33 @@ TEST_F(ApplicationTest, canEndWhileItIsSeen) {
   }
 }
 
+TEST_F(ApplicationTest, theWindowOpensAsItWasLeftUnlessSomethingElseIsAskedFor) {
+  store("presence", "dock");
+  launchAgain();
+  EXPECT_GE(application->interface()->window().width(), 720 * 0.9) << "the first size has room for a map";
+  model->setTab(Tab::folders);
+  model->setFolderPath(inHome("Videos"));
+  const auto explorer = [&] {
+    return application->interface()->window().rootObject()->property("ui").value<Ui*>()->explorer();
+  };
+  explorer()->setColouring(Explorer::Colouring::Age);
+  explorer()->setListWidth(300);
+  application->interface()->window().close();
+  advance(60s);
+  application->showUI();
+  EXPECT_EQ(explorer()->chosenColouring(), Explorer::Colouring::Age) << "the interface was released";
+  application.reset();
+  launchAgain();
+  EXPECT_EQ(model->tab(), Tab::folders);
+  EXPECT_EQ(model->folderPath(), inHome("Videos"));
+  EXPECT_EQ(explorer()->listWidth(), 300);
+  application.reset();
+  launch();
+  Q_EMIT desktop.notifier.activated();
+  settle();
+  EXPECT_EQ(model->tab(), Tab::overview) << "what the warning was about";
+}
+
 TEST_F(ApplicationTest, statusAreaThatStartsAgainChangesNothing) {
   store("hasStarted", true);
   launch();

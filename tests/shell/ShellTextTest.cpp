@@ -3,6 +3,8 @@
 #include "Spacemint/shell/Commands.h"
 #include "Spacemint/shell/ItemLook.h"
 #include "Spacemint/shell/Placement.h"
+#include "Spacemint/shell/WindowMemory.h"
+#include "support/TemporaryFolder.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -114,6 +116,30 @@ TEST(WindowPlace, isTakenBackWhereItWouldBeSeen) {
       Case{"2147483647 5 2147483647 600", std::nullopt},
   };
   for (const auto& c : cases) EXPECT_EQ(windowPlace(c.text, size, screens), c.place) << c.text;
+}
+
+TEST(WindowMemory, damagedOnesAreNone) {
+  const support::TemporaryFolder folder;
+  DefaultsStore defaults{folder / "settings.json"};
+  const std::string key = "SpacemintMainWindowContent";
+  EXPECT_EQ(storedMemory(defaults), std::nullopt);
+  const WindowMemory memory{.tab = Tab::developer, .folder = "/a b", .listWidth = 264};
+  keepMemory(memory, defaults);
+  EXPECT_EQ(storedMemory(defaults), memory);
+  const std::string ok = "files";
+  const std::string colours = "age";
+  const std::int64_t width = 3;
+  for (const DefaultsValue& value :
+       {DefaultsValue{DefaultsArray{}}, DefaultsValue{DefaultsArray{ok, ok, colours}},
+        DefaultsValue{DefaultsArray{colours, ok, colours, width}},
+        DefaultsValue{DefaultsArray{ok, ok, ok, width}}, DefaultsValue{DefaultsArray{ok, ok, colours, ok}},
+        DefaultsValue{DefaultsArray{true, ok, colours, width}}, DefaultsValue{ok}}) {
+    ASSERT_TRUE(defaults.set(key, value));
+    EXPECT_EQ(storedMemory(defaults), std::nullopt);
+  }
+  ASSERT_TRUE(defaults.set(key, DefaultsArray{ok, std::string{}, colours, std::int64_t{-9}}));
+  EXPECT_EQ(storedMemory(defaults),
+            (WindowMemory{.tab = Tab::files, .colouring = Explorer::Colouring::Age, .listWidth = 0}));
 }
 
 // The largest value of a measure of the pixels in a part of a picture.
