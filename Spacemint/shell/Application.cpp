@@ -150,7 +150,7 @@ void Application::followStatusArea() {
   });
 }
 
-// The explanation needs a page that shows messages: neither the welcome nor the settings do.
+// Why there is a window is said once something is scanned, on a page that shows messages: the settings do not.
 void Application::observePage() {
   const auto explain = [this] { explainWindow(); };
   connect(&host_.model.shown(), &ShownScan::snapshotChanged, this, explain);

@@ -74,7 +74,7 @@ Rectangle {
             Layout.rightMargin: 20
             Layout.topMargin: 8
             Layout.bottomMargin: 8
-            visible: root.ui.page.message && !root.isWelcome
+            visible: root.ui.page.message
             text: root.ui.page.message
             action: root.ui.page.messageAction
             onPerformed: root.ui.page.performMessageAction()

@@ -9,12 +9,10 @@ T.ProgressBar {
     /// From 0 to 1; negative while it is unknown.
     property real fraction: -1
 
-    // A screen reader says each new value: so it hears of each tenth, not of each change.
-    value: Math.floor(Math.max(0, fraction) * 10) / 10
+    value: Math.max(0, fraction)
     indeterminate: fraction < 0
     implicitWidth: 120
     implicitHeight: 6
-    Accessible.role: Accessible.ProgressBar
     focusPolicy: Qt.NoFocus
 
     contentItem: Item {
@@ -29,7 +27,7 @@ T.ProgressBar {
             property real place
 
             x: root.indeterminate ? (parent.width * (1 + piece)) * (moves ? place : 0.5) - width : root.mirrored ? parent.width - width : 0
-            width: parent.width * (root.indeterminate ? piece : root.fraction)
+            width: parent.width * (root.indeterminate ? piece : root.position)
             height: parent.height
             radius: height / 2
             color: Theme.ink

@@ -44,6 +44,7 @@ Rectangle {
         ScrollColumn {
             Layout.fillWidth: true
             Layout.fillHeight: true
+            maximumWidth: Theme.scaled(640)
             padding: 20
             spacing: 12
 

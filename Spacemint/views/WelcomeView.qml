@@ -14,6 +14,7 @@ ColumnLayout {
     ScrollColumn {
         Layout.fillWidth: true
         Layout.fillHeight: true
+        maximumWidth: Theme.scaled(640)
         padding: 20
         spacing: 14
 
@@ -68,6 +69,7 @@ ColumnLayout {
     }
     PrimaryButtonStyle {
         Layout.fillWidth: true
+        Layout.maximumWidth: Theme.scaled(640)
         Layout.margins: 20
         Layout.topMargin: 8
         fullWidth: true

@@ -314,18 +314,6 @@ class ScreenReaderTest : public ShownTabs {
   }
 };
 
-TEST_F(ScreenReaderTest, hearsOfEachTenthOfAScan) {
-  static std::vector<int> said;
-  view = std::make_unique<ShownView>(QStringLiteral("ProgressBar.qml"), QVariantMap{}, QSize{200, 10});
-  QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
-    if (event->type() != QAccessible::ValueChanged) return;
-    said.push_back(qRound(static_cast<QAccessibleValueChangeEvent*>(event)->value().toDouble() * 100));
-  });
-  for (int percent = 0; percent <= 100; ++percent) view->root()->setProperty("fraction", percent / 100.0);
-  QAccessible::installUpdateHandler(nullptr);
-  EXPECT_EQ(said, (std::vector{10, 20, 30, 40, 50, 60, 70, 80, 90, 100}));
-}
-
 TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
   std::string table;
   const auto add = [&](const char* page) {
