@@ -150,7 +150,8 @@ void Application::followStatusArea() {
   });
 }
 
-// Why there is a window is said once something is scanned, on a page that shows messages: the settings do not.
+// Why there is a window is said once something is scanned, on a page that shows messages: not in the
+// settings.
 void Application::observePage() {
   const auto explain = [this] { explainWindow(); };
   connect(&host_.model.shown(), &ShownScan::snapshotChanged, this, explain);
