@@ -338,7 +338,7 @@ TEST_F(BrowseTest, takesClicksAndLendsTheTerminalToAShell) {
         terminal.waitUntil([&](const std::string& now) { return inOrder(now, names); });
     EXPECT_TRUE(inOrder(screen, names)) << screen;
   };
-  terminal.wait("folder/");
+  terminal.wait("Scanned just now");
   click(60, 3);
   shows({"~/folder", " b\n", ".hidden\n", "H", "again\n", "H", "old\n"});
   click(60, 2);

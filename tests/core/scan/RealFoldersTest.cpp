@@ -478,7 +478,7 @@ TEST(RealFolders, areAllCountedWithFewHandles) {
 }
 
 // On a real file system whose device answers each request after 200 microseconds.
-TEST(RealFolders, areReadAheadAsFarAsASlowDeviceAnswersAndByInodeWhereItRotates) {
+TEST(RealFolders, areReadAheadOnASlowDeviceAndByInodeWhereItRotates) {
   const TemporaryFolder folder;
   const auto mounted = [&](const std::function<bool(support::SlowFiles&)>& check) {
     return support::statusOf(support::startChild([&] {
@@ -491,7 +491,7 @@ TEST(RealFolders, areReadAheadAsFarAsASlowDeviceAnswersAndByInodeWhereItRotates)
   if (mounted([](auto&) { return true; }) != 0) GTEST_SKIP() << "FUSE cannot be mounted here";
   EXPECT_EQ(mounted([&](support::SlowFiles& files) {
               const auto ahead = DiskScanner::scan({.root = folder.path()});
-              EXPECT_GE(files.takeMostAtOnce(), 16U);
+              EXPECT_GT(files.takeMostAtOnce(), 3U) << "as many as one reader has";
               EXPECT_FALSE(files.takeIsInInodeOrder()) << "the listing runs backwards";
               const auto byInode = linuxFolderListing({.order = AskingOrder::inode});
               const auto rotating = DiskScanner::scan(
