@@ -17,7 +17,8 @@ T.Button {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: 8
     verticalPadding: 4
-    Accessible.role: Accessible.CheckBox
+    // Qt 6.4 takes it for a button whatever this says; later versions do not.
+    Accessible.role: Accessible.Button
     Accessible.name: Words.spoken([title, sizeText])
     Accessible.checkable: true
     Accessible.checked: checked

@@ -31,7 +31,8 @@ std::string_view chosenLocale() {
 }
 
 // gettext translates only in a locale that the system has. Many systems have few: the language of another
-// locale is then put into LANGUAGE, and the locale that every system has takes its place.
+// locale is then put into LANGUAGE, and the locale that every system has takes its place. The C library of
+// Debian 13 does not translate in that one, so there the locale must be installed.
 void setLocale() {
   std::setlocale(LC_CTYPE, "C.UTF-8");
   const std::string chosen{chosenLocale()};

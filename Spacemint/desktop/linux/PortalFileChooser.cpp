@@ -48,14 +48,16 @@ void PortalFileChooser::responded(uint code, const QVariantMap& results) {
   if (code == 0 && url.isLocalFile() && chosen) chosen(url.toLocalFile().toStdString());
 }
 
+// From whoever sends it: to follow the portal by its name, Qt would first have to ask for the name's owner,
+// and could miss an answer meanwhile. The path has this program's name on the bus and the token in it.
 void PortalFileChooser::follow(const QString& path) {
   request_ = path;
-  bus_.connect(service, request_, request, response, this, SLOT(responded(uint, QVariantMap)));
+  bus_.connect({}, request_, request, response, this, SLOT(responded(uint, QVariantMap)));
 }
 
 void PortalFileChooser::unfollow() {
   if (request_.isEmpty()) return;
-  bus_.disconnect(service, request_, request, response, this, SLOT(responded(uint, QVariantMap)));
+  bus_.disconnect({}, request_, request, response, this, SLOT(responded(uint, QVariantMap)));
   request_.clear();
 }
 
