@@ -3,7 +3,6 @@
 #include "Spacemint/desktop/linux/DBusCall.h"
 #include "core/base/Log.h"
 
-#include <QDBusMessage>
 #include <QStringList>
 #include <QUrl>
 
@@ -41,23 +40,24 @@ void PortalFileChooser::choose(const std::string& title, Opener::Chosen chosen,
   });
 }
 
-void PortalFileChooser::responded(uint code, const QVariantMap& results) {
+void PortalFileChooser::responded(uint code, const QVariantMap& results, const QDBusMessage& signal) {
+  // The answer of an earlier dialog may still be under way.
+  if (signal.path() != request_) return;
   unfollow();
   const Opener::Chosen chosen = std::exchange(chosen_, nullptr);
   const QUrl url{results.value(QStringLiteral("uris")).toStringList().value(0)};
   if (code == 0 && url.isLocalFile() && chosen) chosen(url.toLocalFile().toStdString());
 }
 
-// From whoever sends it: to follow the portal by its name, Qt would first have to ask for the name's owner,
-// and could miss an answer meanwhile. The path has this program's name on the bus and the token in it.
 void PortalFileChooser::follow(const QString& path) {
   request_ = path;
-  bus_.connect({}, request_, request, response, this, SLOT(responded(uint, QVariantMap)));
+  bus_.connect(service, request_, request, response, this, SLOT(responded(uint, QVariantMap, QDBusMessage)));
 }
 
 void PortalFileChooser::unfollow() {
   if (request_.isEmpty()) return;
-  bus_.disconnect({}, request_, request, response, this, SLOT(responded(uint, QVariantMap)));
+  bus_.disconnect(service, request_, request, response, this,
+                  SLOT(responded(uint, QVariantMap, QDBusMessage)));
   request_.clear();
 }
 

@@ -3,6 +3,7 @@
 #include "Spacemint/desktop/Desktop.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QVariantMap>
 
@@ -23,7 +24,7 @@ class PortalFileChooser : public QObject {
   void choose(const std::string& title, Opener::Chosen chosen, std::function<void()> failed);
 
  private Q_SLOTS:
-  void responded(uint code, const QVariantMap& results);
+  void responded(uint code, const QVariantMap& results, const QDBusMessage& signal);
 
  private:
   void follow(const QString& path);
