@@ -13,7 +13,6 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <csignal>
 #include <cstdio>
 #include <cwchar>
@@ -321,41 +320,6 @@ TEST_F(BrowseTest, goesTheWholeWay) {
 }
 
 // The mouse as a terminal reports it, and a shell that comes and goes.
-TEST_F(BrowseTest, takesClicksAndLendsTheTerminalToAShell) {
-  std::filesystem::create_hard_link(program.addFile("folder/old", 40'000), program.home() / "folder/again");
-  program.addFile("folder/.hidden", 30'000);
-  program.addFile("folder/b", 50'000);
-  const TerminalSession terminal = browse("--read-only");
-  const auto click = [&](int column, int row) {
-    std::array<char, 64> bytes{};
-    const int x = 32 + column;
-    const int y = 32 + row;
-    std::snprintf(bytes.data(), bytes.size(), "-H 1b 5b 4d 20 %02x %02x 1b 5b 4d 23 %02x %02x", x, y, x, y);
-    terminal.press(bytes.data());
-  };
-  const auto shows = [&](const std::vector<std::string>& names) {
-    const std::string screen =
-        terminal.waitUntil([&](const std::string& now) { return inOrder(now, names); });
-    EXPECT_TRUE(inOrder(screen, names)) << screen;
-  };
-  terminal.wait("Scanned just now");
-  click(60, 3);
-  shows({"~/folder", " b\n", ".hidden\n", "H", "again\n", "H", "old\n"});
-  click(60, 2);
-  shows({".hidden\n", "again\n", " b\n", "old\n"});
-  terminal.press(".");
-  EXPECT_THAT(terminal.wait("without hidden files"), Not(HasSubstr(".hidden")));
-  terminal.press("! 'touch came; exit' Enter");
-  terminal.waitUntil([&](const std::string& now) {
-    return std::filesystem::exists(program.home() / "folder/came") && now.contains("without hidden files");
-  });
-  EXPECT_TRUE(std::filesystem::exists(program.home() / "folder/came"));
-  click(3, 1);
-  shows({" ~ ", "folder/"});
-  terminal.press("q");
-  terminal.wait("exit 0");
-  EXPECT_TRUE(terminal.isGivenBack());
-}
 
 TEST_F(BrowseTest, givesTheTerminalBackWhateverEndsIt) {
   program.addFile("file", 10);
