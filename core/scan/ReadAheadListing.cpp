@@ -3,6 +3,7 @@
 #include "core/base/Log.h"
 #include "core/host/ThreadPriority.h"
 #include "core/host/VolumeInfo.h"
+#include "core/scan/KeptEntries.h"
 #include "core/scan/NameList.h"
 
 #include <algorithm>
@@ -45,41 +46,6 @@ constexpr unsigned mostProcessors = 8;
 bool isOutOfHandles(int error) {
   return error == EMFILE || error == ENFILE;
 }
-
-// A copy of a batch that does not refer to the listing buffer any more. Small copies keep their memory for
-// the next batch.
-class KeptEntries {
- public:
-  void assign(std::span<const Entry> entries) {
-    entries_.assign(entries.begin(), entries.end());
-    std::size_t length = 0;
-    for (const Entry& entry : entries_) length += entry.name.size() + 1;
-    names_.resize(length);
-    char* at = names_.data();
-    for (Entry& entry : entries_) {
-      entry.name.copy(at, entry.name.size());
-      at[entry.name.size()] = '\0';
-      entry.name = {at, entry.name.size()};
-      at += entry.name.size() + 1;
-    }
-  }
-
-  void clear() {
-    if (bytes() > mostKeptBytes) return static_cast<void>(*this = {});
-    entries_.clear();
-    names_.clear();
-  }
-
-  bool empty() const { return entries_.empty(); }
-  std::span<const Entry> entries() const { return entries_; }
-  std::size_t bytes() const { return entries_.size() * sizeof(Entry) + names_.size(); }
-
- private:
-  static constexpr std::size_t mostKeptBytes = 8'192;
-
-  std::vector<Entry> entries_;
-  std::vector<char> names_;
-};
 
 // A mutex that is held for less time than it takes to sleep and to be woken.
 std::unique_lock<std::mutex> lockSoon(std::mutex& mutex) {
