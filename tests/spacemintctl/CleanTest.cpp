@@ -19,6 +19,7 @@ using support::Outcome;
 using support::Program;
 using support::TemporaryFolder;
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 using Json = nlohmann::json;
@@ -210,7 +211,8 @@ TEST_F(CleanTest, emptiesTheTrashOfTheDesktop) {
                     HasSubstr("  old\n"), HasSubstr("empty  ~/.local/share/Trash/expunged\n")));
   const Outcome outcome = clean({"trash", "-y"});
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-  EXPECT_THAT(outcome.out, HasSubstr("\nEmptied the Trash.\n"));
+  // The sentence goes on where other programs free more than a little at the same time.
+  EXPECT_THAT(outcome.out, ContainsRegex("\nEmptied the Trash(\\.| and freed .*)\n"));
   for (const char* folder : {"files", "info", "expunged"}) {
     EXPECT_TRUE(fs::is_empty(at(".local/share/Trash/") + folder)) << folder;
   }
