@@ -195,7 +195,7 @@ void complainOfFailures(const CleanupPlan& plan, const CleanupReport& report, co
 
 CleanupReport carryOutWithProgress(const CleanupPlan& plan, const CleanupContext& context,
                                    bool showsProgress) {
-  ProgressLine line{showsProgress, plan.size(), context.locale};
+  ProgressLine line{showsProgress, {.bytes = plan.size()}, context.locale};
   return Cleanup::carryOut(plan, context, [&](const Removed& soFar) {
     if (soFar.items > 0) line.show([&] { return CleanupText::progressText(plan, soFar, context.locale); });
     return !wasInterrupted();

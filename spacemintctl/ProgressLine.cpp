@@ -2,7 +2,6 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
-#include "core/scan/ScanTiming.h"
 #include "spacemintctl/browse/Cells.h"
 
 #include <sys/ioctl.h>
@@ -51,18 +50,18 @@ std::vector<std::string> foundRows(const FoundSoFar& found, const std::string& l
   return rows;
 }
 
-std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
+std::string progressText(const DiskScanner::Progress& progress, const ScanTiming::Expected& expected,
                          std::chrono::duration<double> elapsed, const std::string& locale) {
   std::string text = counted(progress.files, "{count} file", "{count} files", locale) + ", " +
                      ByteFormat::string(progress.bytes, locale);
-  const auto fraction = ScanTiming::fraction(progress.bytes, expected.value_or(0));
+  const auto fraction = ScanTiming::fraction(progress.bytes, expected.bytes);
   if (!fraction) return text;
   text += ", " + i18n("{number} %", {{"number", numberText(static_cast<int>(*fraction * 100))}});
-  const auto left = ScanTiming::remaining(fraction, elapsed);
+  const auto left = ScanTiming::remaining(progress, expected, elapsed);
   return left && *fraction < ScanTiming::highestFraction ? text + ", " + timeLeft(*left) : text;
 }
 
-ProgressLine::ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale)
+ProgressLine::ProgressLine(bool wanted, const ScanTiming::Expected& expected, std::string locale)
     : shown_(wanted),
       expected_(expected),
       locale_(std::move(locale)) {}

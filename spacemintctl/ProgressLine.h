@@ -2,19 +2,19 @@
 
 #include "core/scan/DiskScanner.h"
 #include "core/scan/FoundSoFar.h"
+#include "core/scan/ScanTiming.h"
 
 #include <chrono>
 #include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace spacemint::ctl {
 
-/// The text of the progress line: files and bytes; if `expected` (bytes) is known, also the percentage and
+/// The text of the progress line: files and bytes; if the expected bytes are known, also the percentage and
 /// the remaining time.
-std::string progressText(const DiskScanner::Progress& progress, std::optional<Bytes> expected,
+std::string progressText(const DiskScanner::Progress& progress, const ScanTiming::Expected& expected,
                          std::chrono::duration<double> elapsed, const std::string& locale);
 
 /// The rows of what a scan has found so far: size, bar and name, the largest first.
@@ -27,7 +27,7 @@ class ProgressLine {
   /// True if standard error is a terminal.
   static bool canBeSeen();
 
-  ProgressLine(bool wanted, std::optional<Bytes> expected, std::string locale);
+  ProgressLine(bool wanted, const ScanTiming::Expected& expected, std::string locale);
   ~ProgressLine();
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
@@ -48,7 +48,7 @@ class ProgressLine {
   std::vector<std::string> rows_;
   // How many rows below the line are on the screen.
   std::size_t drawn_ = 0;
-  std::optional<Bytes> expected_;
+  ScanTiming::Expected expected_;
   std::string locale_;
   Clock::time_point start_ = Clock::now();
   Clock::time_point last_;

@@ -7,7 +7,6 @@
 #include "core/host/UserTimeZone.h"
 #include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
-#include "core/scan/ScanTiming.h"
 #include "core/scan/StoppableScan.h"
 #include "core/volume/VolumeStatus.h"
 #include "spacemintctl/Answer.h"
@@ -58,7 +57,7 @@ struct ScanOutcome {
 ScanOutcome measure(const std::string& root, const ScanOptions& options, ScanPlan& plan) {
   const bool showsProgress = !options.quiet && ProgressLine::canBeSeen();
   const std::string locale = userLocale();
-  ProgressLine line(showsProgress, showsProgress ? expectedBytes(root) : std::nullopt, locale);
+  ProgressLine line(showsProgress, showsProgress ? expectedIn(root) : ScanTiming::Expected{}, locale);
   StoppableScan stoppable{wasInterrupted};
   // An update is fast and has no part to show.
   const bool isUpdate = plan.update.has_value();
@@ -93,8 +92,7 @@ int answerPart(DiskScanner::Result part, const ScanOptions& options, const std::
                                    .end = currentTime(),
                                    .volume = volumeOf(root)}
                           .snapshot();
-  snapshot.measuredPart =
-      ScanTiming::fraction(snapshot.root.size, expectedBytes(root).value_or(0)).value_or(0);
+  snapshot.measuredPart = ScanTiming::fraction(snapshot.root.size, expectedIn(root).bytes).value_or(0);
   print(scanAnswer(snapshot, options.top, {.home = UserFolders::home(), .locale = userLocale()}, ""));
   return interrupted;
 }
@@ -137,13 +135,12 @@ std::optional<Error> scanObstacle(const std::string& root) {
   return std::move(folder).error();
 }
 
-std::optional<Bytes> expectedBytes(const std::string& root) {
+ScanTiming::Expected expectedIn(const std::string& root) {
   const auto last = storedScan(SnapshotStore::ofRoot(root), "");
-  if (last && last->rootPath() == root) return last->root.size;
-  if (root == wholeDisk) return ScanTiming::expectedBytes(nullptr, root, std::nullopt, readVolumes());
-  if (mountPointOf(root) != root) return std::nullopt;
-  const auto volume = VolumeStatus::current(root);
-  return volume ? std::optional{volume->used()} : std::nullopt;
+  const bool isVolume = root != wholeDisk && mountPointOf(root) == root;
+  return ScanTiming::expected(last ? &*last : nullptr, root,
+                              isVolume ? VolumeStatus::current(root) : std::nullopt,
+                              root == wholeDisk ? readVolumes() : std::vector<VolumeReading>{});
 }
 
 std::expected<void, Error> keepScan(const Snapshot& snapshot) {

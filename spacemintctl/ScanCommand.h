@@ -2,6 +2,7 @@
 
 #include "core/base/Error.h"
 #include "core/scan/ScanPlan.h"
+#include "core/scan/ScanTiming.h"
 #include "core/tree/Snapshot.h"
 
 #include <expected>
@@ -45,9 +46,9 @@ ScanPlan planFor(const std::string& root, const ScanOptions& options, Date start
 /// Why `root` cannot be scanned; absent if it can.
 std::optional<Error> scanObstacle(const std::string& root);
 
-/// The expected size of `root` in bytes: the size in the last scan of `root`; otherwise, if `root` is a mount
-/// point, the used space of the volume.
-std::optional<Bytes> expectedBytes(const std::string& root);
+/// What a scan of `root` will find: as much as the last one; otherwise, if `root` is a mount point, the used
+/// space of the volume.
+ScanTiming::Expected expectedIn(const std::string& root);
 
 /// Stores a finished scan in the history of its root, and removes scans that the history does not keep.
 std::expected<void, Error> keepScan(const Snapshot& snapshot);

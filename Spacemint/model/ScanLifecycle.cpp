@@ -1,7 +1,6 @@
 #include "Spacemint/model/ScanLifecycle.h"
 
 #include "core/base/Log.h"
-#include "core/scan/ScanTiming.h"
 
 #include <QPointer>
 
@@ -36,11 +35,12 @@ const std::string& ScanLifecycle::root() const {
 }
 
 std::optional<double> ScanLifecycle::fraction() const {
-  return progress_ ? ScanTiming::fraction(progress_->bytes, expectedBytes_) : std::nullopt;
+  return progress_ ? ScanTiming::fraction(progress_->bytes, expected_.bytes) : std::nullopt;
 }
 
 std::optional<Seconds> ScanLifecycle::timeRemaining() const {
-  return ScanTiming::remaining(fraction(), desktop_.clock.steadyNow() - startedAt_);
+  if (!progress_) return std::nullopt;
+  return ScanTiming::remaining(*progress_, expected_, desktop_.clock.steadyNow() - startedAt_);
 }
 
 bool ScanLifecycle::isStale(Seconds olderThan) const {
@@ -54,8 +54,8 @@ void ScanLifecycle::scan() {
   if (isScanning()) return;
   cancel();
   startedAt_ = desktop_.clock.steadyNow();
-  expectedBytes_ = ScanTiming::expectedBytes(parts_.history.snapshot().get(), root(), parts_.volume.status(),
-                                             parts_.volume.volumes());
+  expected_ = ScanTiming::expected(parts_.history.snapshot().get(), root(), parts_.volume.status(),
+                                   parts_.volume.volumes());
   editedDuringScan_.clear();
   orders_ = std::make_shared<ScanOrders>();
   progress_ = DiskScanner::Progress{};
@@ -158,7 +158,7 @@ void ScanLifecycle::remeasureEdited() {
 
 void ScanLifecycle::keepPart(Snapshot part, const std::shared_ptr<ScanOrders>& orders) {
   if (orders_ != orders) return;
-  part.measuredPart = ScanTiming::fraction(part.root.size, expectedBytes_).value_or(0);
+  part.measuredPart = ScanTiming::fraction(part.root.size, expected_.bytes).value_or(0);
   end();
   if (part.fileCount > 0) parts_.history.replace(std::move(part), parts_.history.entries());
 }

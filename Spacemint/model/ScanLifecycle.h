@@ -5,6 +5,7 @@
 #include "Spacemint/model/Preferences.h"
 #include "Spacemint/model/ScanJob.h"
 #include "Spacemint/model/VolumeWatch.h"
+#include "core/scan/ScanTiming.h"
 
 #include <QObject>
 
@@ -91,7 +92,7 @@ class ScanLifecycle : public QObject {
   std::shared_ptr<ScanOrders> orders_;
   bool isWatched_ = false;
   std::chrono::steady_clock::time_point startedAt_;
-  Bytes expectedBytes_ = 0;
+  ScanTiming::Expected expected_;
   std::optional<std::string> whyFull_;
   /// Paths that were cleaned while the scan ran. The scan may have measured them before.
   std::set<std::string> editedDuringScan_;

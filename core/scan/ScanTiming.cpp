@@ -20,28 +20,32 @@ bool ScanTiming::isStale(const Staleness& question) {
   return scanned > question.now || Seconds{timeBetween(scanned, question.now)} > question.olderThan;
 }
 
-Bytes ScanTiming::expectedBytes(const Snapshot* last, std::string_view root,
-                                const std::optional<VolumeStatus>& volume,
-                                std::span<const VolumeReading> volumes) {
-  if (last != nullptr && last->rootPath() == root && !last->measuredPart) return last->root.size;
+ScanTiming::Expected ScanTiming::expected(const Snapshot* last, std::string_view root,
+                                          const std::optional<VolumeStatus>& volume,
+                                          std::span<const VolumeReading> volumes) {
+  if (last != nullptr && last->rootPath() == root && !last->measuredPart)
+    return {.bytes = last->root.size, .files = last->fileCount};
   if (root == wholeDisk && !volumes.empty()) {
     Bytes used = 0;
     for (const auto& [each, space] : volumes) {
       if (space && !each.isRemovable) used = saturatingAdd(used, space->used);
     }
-    return used;
+    return {.bytes = used};
   }
-  return volume ? volume->used() : 0;
+  return {.bytes = volume ? volume->used() : 0};
 }
 
-std::optional<double> ScanTiming::fraction(Bytes counted, Bytes expected) {
+std::optional<double> ScanTiming::fraction(std::int64_t counted, std::int64_t expected) {
   if (expected < 1) return std::nullopt;
   return std::min(static_cast<double>(counted) / static_cast<double>(expected), highestFraction);
 }
 
-std::optional<Seconds> ScanTiming::remaining(std::optional<double> fraction, Seconds elapsed) {
-  if (!fraction || *fraction <= tellingFraction || elapsed <= tellingTime) return std::nullopt;
-  return (1 - *fraction) * elapsed / *fraction;
+std::optional<Seconds> ScanTiming::remaining(const DiskScanner::Progress& counted, const Expected& expected,
+                                             Seconds elapsed) {
+  const auto byFiles = fraction(counted.files, expected.files);
+  const auto part = byFiles ? byFiles : fraction(counted.bytes, expected.bytes);
+  if (!part || *part <= tellingFraction || elapsed <= tellingTime) return std::nullopt;
+  return (1 - *part) * elapsed / *part;
 }
 
 }  // namespace spacemint

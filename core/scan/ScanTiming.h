@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/host/VolumeTable.h"
+#include "core/scan/DiskScanner.h"
 #include "core/tree/Snapshot.h"
 #include "core/volume/VolumeStatus.h"
 
@@ -27,20 +28,28 @@ struct Staleness {
 /// interval, or if it is dated after `now` (its age is then not known).
 bool isStale(const Staleness& question);
 
-/// The expected bytes of a scan of `root`: the bytes of the last scan of `root`, otherwise the used bytes of
-/// the volume, or, for the whole disk, of all `volumes`; 0 if none is known.
-Bytes expectedBytes(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume,
-                    std::span<const VolumeReading> volumes);
+/// What a scan will find; 0 where that is unknown.
+struct Expected {
+  Bytes bytes = 0;
+  std::int64_t files = 0;
+};
 
-/// The limit of `fraction`: a scan may find more bytes than expected before it ends.
+/// What a scan of `root` will find: as much as the last scan of `root`, otherwise the used bytes of the
+/// volume, or, for the whole disk, of all `volumes`.
+Expected expected(const Snapshot* last, std::string_view root, const std::optional<VolumeStatus>& volume,
+                  std::span<const VolumeReading> volumes);
+
+/// The limit of `fraction`: a scan may find more than expected before it ends.
 inline constexpr double highestFraction = 0.99;
 
-/// The completed part of a scan, from 0 to `highestFraction`; absent if `expected` is not known.
-std::optional<double> fraction(Bytes counted, Bytes expected);
+/// The part of what is expected, from 0 to `highestFraction`; absent if `expected` is not known.
+std::optional<double> fraction(std::int64_t counted, std::int64_t expected);
 
-/// The estimated remaining time of a scan that has run for `elapsed`; absent while an estimate would be too
-/// unreliable.
-std::optional<Seconds> remaining(std::optional<double> fraction, Seconds elapsed);
+/// The estimated remaining time of a scan that has run for `elapsed`, by its files if their number is known,
+/// because a scan takes about the same time for each: a large file takes no longer than a small one. Absent
+/// while an estimate would be too unreliable.
+std::optional<Seconds> remaining(const DiskScanner::Progress& counted, const Expected& expected,
+                                 Seconds elapsed);
 
 }  // namespace ScanTiming
 

@@ -3,6 +3,7 @@
 #include "core/cleanup/Cleanup.h"
 #include "core/history/SnapshotStore.h"
 #include "core/host/TrashCan.h"
+#include "core/scan/ScanTiming.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/browse/BrowseTree.h"
 #include "spacemintctl/browse/BrowseView.h"
@@ -135,7 +136,7 @@ class Browser {
   // The user ended the scan early.
   bool isPartial_ = false;
   std::string progress_;
-  std::optional<Bytes> expected_;
+  ScanTiming::Expected expected_;
   std::chrono::steady_clock::time_point scanStart_;
   // The shown folder as far as it is measured.
   std::optional<Node> soFar_;

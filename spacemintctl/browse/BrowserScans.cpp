@@ -109,7 +109,8 @@ Node withSmallItems(const Node& scanned, const Node& listed, Bytes minSize) {
 void Browser::startScan() {
   if (isScanning() || !mayMeasure()) return;
   const Bytes minSize = hasScan_ ? tree_.scan().minNodeSize : ScanOptions{}.minSize;
-  expected_ = hasScan_ ? std::optional{tree_.scan().root.size} : expectedBytes(setup_.root);
+  expected_ =
+      hasScan_ ? ScanTiming::expected(&tree_.scan(), setup_.root, std::nullopt, {}) : expectedIn(setup_.root);
   scanStart_ = std::chrono::steady_clock::now();
   progress_.clear();
   auto problem = std::make_shared<std::string>();
@@ -143,7 +144,7 @@ void Browser::scanEnded(std::optional<Snapshot> scan) {
   }
   isPartial_ = scan->measuredPart.has_value();
   if (isPartial_) {
-    scan->measuredPart = ScanTiming::fraction(scan->root.size, expected_.value_or(0)).value_or(0);
+    scan->measuredPart = ScanTiming::fraction(scan->root.size, expected_.bytes).value_or(0);
     scan->date = currentTime();
     scan->minNodeSize = ScanOptions{}.minSize;
   }
@@ -236,7 +237,7 @@ void Browser::measureFolderAgain() {
           .advanced =
               [this](const auto& progress, std::optional<Node>) {
                 say(i18n("Measuring again: {progress}",
-                         {{"progress", progressText(progress, std::nullopt, {}, view_.locale)}}));
+                         {{"progress", progressText(progress, ScanTiming::Expected{}, {}, view_.locale)}}));
               },
           .ended =
               [this, path, minSize](std::optional<Snapshot> scan) {

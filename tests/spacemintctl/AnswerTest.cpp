@@ -45,16 +45,17 @@ TEST(LargestFolders, nameEachPlaceOnce) {
 TEST(Progress, saysHowMuchIsDoneWhereTheWholeIsKnown) {
   struct Case {
     DiskScanner::Progress progress;
-    std::optional<Bytes> expected;
+    ScanTiming::Expected expected;
     double elapsed;
     const char* text;
   };
   const Case cases[]{
-      {{1'234, 1'500'000}, std::nullopt, 9, "1,234 files, 1.5 MB"},
-      {{1, 25}, 100, 10, "1 file, 25 bytes, 25 %, 30 s left"},
-      {{1, 25}, 100, 100, "1 file, 25 bytes, 25 %, 5 min left"},
-      {{1, 25}, 100, 3'600, "1 file, 25 bytes, 25 %, 3 h 0 min left"},
-      {{1, 150}, 100, 10, "1 file, 150 bytes, 99 %"},
+      {{1'234, 1'500'000}, {}, 9, "1,234 files, 1.5 MB"},
+      {{1, 25}, {.bytes = 100}, 10, "1 file, 25 bytes, 25 %, 30 s left"},
+      {{1, 25}, {.bytes = 100}, 100, "1 file, 25 bytes, 25 %, 5 min left"},
+      {{1, 25}, {.bytes = 100}, 3'600, "1 file, 25 bytes, 25 %, 3 h 0 min left"},
+      {{1, 150}, {.bytes = 100}, 10, "1 file, 150 bytes, 99 %"},
+      {{1, 25}, {.bytes = 100, .files = 2}, 10, "1 file, 25 bytes, 25 %, 10 s left"},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(progressText(c.progress, c.expected, std::chrono::duration<double>(c.elapsed), "en_US"),

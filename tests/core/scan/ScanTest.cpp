@@ -550,21 +550,25 @@ TEST(ScanTiming, saysHowFarAScanIs) {
   EXPECT_EQ(fraction(10, 0), std::nullopt);
   EXPECT_EQ(fraction(25, 100), 0.25);
   EXPECT_EQ(fraction(200, 100), 0.99);
-  EXPECT_EQ(remaining(0.5, 5s), std::nullopt);
-  EXPECT_EQ(remaining(0.03, 60s), std::nullopt);
-  EXPECT_EQ(remaining(std::nullopt, 60s), std::nullopt);
-  EXPECT_EQ(remaining(0.25, 60s), Seconds{180});
+  EXPECT_EQ(remaining({1, 50}, {.bytes = 100}, 5s), std::nullopt);
+  EXPECT_EQ(remaining({1, 3}, {.bytes = 100}, 60s), std::nullopt);
+  EXPECT_EQ(remaining({1, 25}, {}, 60s), std::nullopt);
+  EXPECT_EQ(remaining({1, 25}, {.bytes = 100}, 60s), Seconds{180});
+  EXPECT_EQ(remaining({1, 25}, {.bytes = 100, .files = 2}, 60s), Seconds{60});
 }
 
 TEST(ScanTiming, expectsWhatTheLastScanFoundOrTheVolumeHolds) {
-  const Snapshot last{.root = folder("/home", {file("a", 10)})};
-  const VolumeStatus volume{"Disk", 100, 30};
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/home", volume, {}), 10);
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume, {}), 70);
+  const Snapshot last{.root = folder("/home", {file("a", 10)}), .fileCount = 1};
+  const auto expectedBytes = [&](const char* root, const std::vector<VolumeReading>& volumes) {
+    return ScanTiming::expected(&last, root, VolumeStatus{"Disk", 100, 30}, volumes).bytes;
+  };
+  EXPECT_EQ(expectedBytes("/home", {}), 10);
+  EXPECT_EQ(ScanTiming::expected(&last, "/home", std::nullopt, {}).files, 1);
+  EXPECT_EQ(expectedBytes("/", {}), 70);
   const std::vector<VolumeReading> volumes{
       {{}, Space{.used = 70}}, {{.isRemovable = true}, Space{.used = 9}}, {}, {{}, Space{.used = 5}}};
-  EXPECT_EQ(ScanTiming::expectedBytes(&last, "/", volume, volumes), 75);
-  EXPECT_EQ(ScanTiming::expectedBytes(nullptr, "/", std::nullopt, {}), 0);
+  EXPECT_EQ(expectedBytes("/", volumes), 75);
+  EXPECT_EQ(ScanTiming::expected(nullptr, "/", std::nullopt, {}).bytes, 0);
 }
 
 TEST(ScanTiming, isStaleWhenOlderThanTheLimitOrOfAnotherFolder) {
