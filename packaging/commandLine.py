@@ -1,6 +1,8 @@
 """Writes the manual page and the shell completions of a program, generated from its --help. The page is written in
 every language for which there is a catalogue, below FOLDER/man, as man finds it.
 
+In C.UTF-8 the program may not translate: call this in another locale.
+
 usage: commandLine.py PROGRAM FOLDER CATALOGUES LANGUAGE...
 """
 
@@ -30,7 +32,7 @@ class Command:
     def __init__(self, program, language, path=()):
         self.path = path
         text = subprocess.run([program, *path, "--help"], check=True, capture_output=True, text=True,
-                              env={**os.environ, "LC_ALL": "C.UTF-8", "LANGUAGE": language.code}).stdout
+                              env={**os.environ, "LANGUAGE": language.code}).stdout
         self.summary, self.usage = text.splitlines()[:2]
         self.usage = self.usage.removeprefix(language("Usage") + ": ")
         self.arguments = rows(text, language("Positionals"))
