@@ -64,16 +64,19 @@ std::string whyReadOnly(const BrowseOptions& options) {
   return "";
 }
 
-// Blocks the signals that end the program, but for the time of a wait, so that none comes unnoticed between a
-// look at `wasInterrupted` and the wait. Threads that start now leave these signals to this one.
+constexpr std::array signalsOfScreen{SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGTSTP};
+
+// Blocks the signals that end or suspend the program, but for the time of a wait, so that none comes
+// unnoticed between a look at `wasInterrupted` and the wait. Threads that start now leave these signals to
+// this one.
 class SignalsInWait {
  public:
   SignalsInWait() {
     noteInterrupts();
     sigset_t ending{};
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGWINCH}) sigaddset(&ending, signal);
+    for (const int signal : signalsOfScreen) sigaddset(&ending, signal);
     pthread_sigmask(SIG_BLOCK, &ending, &waiting_);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGWINCH}) sigdelset(&waiting_, signal);
+    for (const int signal : signalsOfScreen) sigdelset(&waiting_, signal);
   }
 
   void wait(int keys, int inbox) const {
@@ -100,12 +103,13 @@ int browse(BrowserSetup setup, bool keysFromTerminal) {
   while (!browser.hasEnded() && !wasInterrupted() && !screen.hasGone()) {
     screen.draw(browser.screen(screen.size()));
     signals.wait(screen.keys(), inbox.descriptor());
-    inbox.run();
+    // Keys and clicks first: they mean what is on the screen, not what has arrived since it was drawn.
     while (const auto key = screen.key()) {
       browser.press(*key, screen.size());
       // The next keys are for the shell.
       if (const auto folder = browser.takeShellFolder()) screen.openShell(*folder);
     }
+    inbox.run();
   }
   return wasInterrupted() ? interrupted : done;
 }

@@ -162,6 +162,16 @@ Key mouseKey() {
           .column = static_cast<std::size_t>(event.x)};
 }
 
+// Makes this process's group the one that may use the terminal, as a shell does before it reads.
+void takeForeground(int terminal) {
+  sigset_t background{};
+  sigset_t others{};
+  sigaddset(&background, SIGTTOU);
+  pthread_sigmask(SIG_BLOCK, &background, &others);
+  tcsetpgrp(terminal, getpgrp());
+  pthread_sigmask(SIG_SETMASK, &others, nullptr);
+}
+
 }  // namespace
 
 struct Terminal::Parts {
@@ -215,7 +225,6 @@ std::expected<std::unique_ptr<Terminal>, Error> Terminal::open(bool keysFromTerm
   set_escdelay(25);
   cbreak();
   noecho();
-  nonl();
   keypad(stdscr, TRUE);
   nodelay(stdscr, TRUE);
   curs_set(0);
@@ -276,6 +285,8 @@ void Terminal::openShell(const std::string& folder) {
   }
   posix_spawnattr_destroy(&attributes);
   posix_spawn_file_actions_destroy(&actions);
+  // A shell that was killed has not given the terminal back.
+  takeForeground(keys());
   clearok(curscr, TRUE);
   refresh();
 }

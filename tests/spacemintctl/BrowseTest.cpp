@@ -319,7 +319,38 @@ TEST_F(BrowseTest, goesTheWholeWay) {
   EXPECT_EQ(kept.nodeAt(program.home() / "film.mkv"), nullptr);
 }
 
-// The mouse as a terminal reports it, and a shell that comes and goes.
+// The mouse as a terminal reports it, and a shell that comes and is killed.
+TEST_F(BrowseTest, takesClicksAndLendsTheTerminalToAShell) {
+  std::filesystem::create_hard_link(program.addFile("folder/old", 40'000), program.home() / "folder/again");
+  program.addFile("folder/.hidden", 30'000);
+  program.addFile("folder/b", 50'000);
+  const TerminalSession terminal = browse("--read-only");
+  const auto shows = [&](const std::vector<std::string>& names) {
+    const std::string screen =
+        terminal.waitUntil([&](const std::string& now) { return inOrder(now, names); });
+    EXPECT_TRUE(inOrder(screen, names)) << screen;
+  };
+  shows({" folder/\n", "Scanned just now"});
+  terminal.click(60, 3);
+  shows({"~/folder", " b\n", ".hidden\n", "H", "again\n", "H", "old\n"});
+  terminal.turnWheel(1);
+  terminal.press("i");
+  shows({"Info", "~/folder/old", "any key"});
+  terminal.press("x");
+  terminal.click(60, 2);
+  shows({".hidden\n", "again\n", " b\n", "old\n"});
+  terminal.press(".");
+  EXPECT_THAT(terminal.wait("without hidden files"), Not(HasSubstr(".hidden")));
+  terminal.press("! 'echo in $PWD; read line; kill -9 $$' Enter");
+  terminal.wait("in " + program.home() / "folder");
+  terminal.press("Enter");
+  terminal.wait("without hidden files");
+  terminal.click(3, 1);
+  shows({" ~ ", "folder/"});
+  terminal.press("q");
+  terminal.wait("exit 0");
+  EXPECT_TRUE(terminal.isGivenBack());
+}
 
 TEST_F(BrowseTest, givesTheTerminalBackWhateverEndsIt) {
   program.addFile("file", 10);

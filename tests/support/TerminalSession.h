@@ -47,6 +47,14 @@ class TerminalSession {
 
   /// Keys as tmux names them: "Down q Enter".
   void press(const std::string& keys) const { tmux("send-keys " + keys); }
+  /// A click of the first button. Columns and rows count from 1.
+  void click(int column, int row) const { press("-H" + mouse(0, column, row) + mouse(3, column, row)); }
+  /// Down, or up if `steps` is negative.
+  void turnWheel(int steps) const {
+    std::string bytes = "-H";
+    for (int i = std::abs(steps); i > 0; --i) bytes += mouse(steps < 0 ? 64 : 65, 2, 4);
+    press(bytes);
+  }
   void resize(int columns, int rows) const {
     tmux("resize-window -x " + std::to_string(columns) + " -y " + std::to_string(rows));
   }
@@ -76,6 +84,11 @@ class TerminalSession {
   }
 
  private:
+  static std::string mouse(int button, int column, int row) {
+    std::array<char, 32> bytes{};
+    std::snprintf(bytes.data(), bytes.size(), " 1b 5b 4d %02x %02x %02x", 32 + button, 32 + column, 32 + row);
+    return bytes.data();
+  }
   std::string tmux(const std::string& arguments) const {
     const std::string line = "tmux -u -S " + folder_ / "socket " + arguments + " 2>/dev/null";
     std::string said;
