@@ -254,14 +254,18 @@ void Terminal::draw(const Screen& screen) {
 
 std::optional<Key> Terminal::key() {
   wint_t character = 0;
+  errno = 0;
   const int result = get_wch(&character);
+  // A program in the background whose shell has ended can never read again.
+  const bool isUnreadable = result == ERR && errno == EIO;
   if (result == OK) return characterKey(static_cast<char32_t>(character));
   if (result == KEY_CODE_YES) {
     if (character == KEY_MOUSE) return mouseKey();
     return keyOf(static_cast<int>(character));
   }
   pollfd input{keys(), POLLIN, 0};
-  if (poll(&input, 1, 0) == 1 && (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) hasGone_ = true;
+  const bool isClosed = poll(&input, 1, 0) == 1 && (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+  if (isUnreadable || isClosed) hasGone_ = true;
   return std::nullopt;
 }
 
