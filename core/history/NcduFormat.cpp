@@ -2,11 +2,13 @@
 
 #include "core/base/Translation.h"
 #include "core/base/Unicode.h"
+#include "core/tree/Paths.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <exception>
+#include <map>
 #include <set>
 
 namespace spacemint {
@@ -20,6 +22,11 @@ using OrderedJson = nlohmann::ordered_json;
 constexpr const char* smallFilesKey = "smallfiles";
 constexpr const char* worktreeKey = "worktree";
 constexpr const char* minimumKey = "minsize";
+// Keys of the format for what has no size, and two values of the latter for folders of other file systems.
+constexpr const char* unreadKey = "read_error";
+constexpr const char* leftOutKey = "excluded";
+constexpr const char* otherDisk = "otherfs";
+constexpr const char* kernelDisk = "kernfs";
 constexpr const char* smallName = "(smaller files and folders)";
 
 std::int64_t unixSeconds(Date date) {
@@ -48,19 +55,74 @@ OrderedJson smallThingsOf(const Node& folder) {
   return {{"name", smallName}, {"dsize", folder.unlistedSize()}, {"notreg", true}, {smallFilesKey, files}};
 }
 
+// What the scan says of an item: that it could not be read, or was left out.
+struct Remark {
+  // The way to the item from the nearest folder that has a node; empty for that node itself.
+  std::vector<std::string> names;
+  const char* key;
+  OrderedJson value;
+};
+using Remarks = std::map<const Node*, std::vector<Remark>>;
+
+Remarks remarksOf(const Snapshot& snapshot) {
+  Remarks remarks;
+  const auto add = [&](const std::string& path, const char* key, OrderedJson value) {
+    auto names = snapshot.components(path);
+    if (!names) return;
+    const Node* node = &snapshot.root;
+    auto rest = names->begin();
+    for (; rest != names->end(); ++rest) {
+      const Node* next = node->child(*rest);
+      if (next == nullptr) break;
+      node = next;
+    }
+    names->erase(names->begin(), rest);
+    remarks[node].push_back({.names = std::move(*names), .key = key, .value = std::move(value)});
+  };
+  for (const std::string& path : snapshot.coverage.unread.paths) add(path, unreadKey, true);
+  for (const LeftOut& item : snapshot.coverage.leftOut)
+    add(item.path, leftOutKey, item.kind == LeftOut::Kind::excluded ? "pattern" : otherDisk);
+  return remarks;
+}
+
+// The item of a remark, in the folders on the way to it. Nobody knows what could not be read; it is written
+// as a folder.
+std::string remarkText(const Remark& remark) {
+  const bool isFolder = remark.key == unreadKey;
+  std::string text;
+  for (const std::string& name : remark.names) {
+    const bool isLast = &name == &remark.names.back();
+    OrderedJson info{{"name", withInvalidUtf8Replaced(name)}};
+    if (isLast) info[remark.key] = remark.value;
+    text += (!isLast || isFolder ? "[" : "") + dumped(info) + (isLast ? "" : ",\n");
+  }
+  return text + std::string(remark.names.size() - (isFolder ? 0 : 1), ']');
+}
+
 // Writes the tree with a stack of its own, as deep trees would overflow the program's.
-void writeTree(const Node& root, std::string& text) {
+void writeTree(const Snapshot& snapshot, std::string& text) {
   struct Level {
     const Node* folder;
     std::size_t next = 0;
   };
   std::vector<Level> levels;
+  const Remarks remarks = remarksOf(snapshot);
   const auto open = [&](const Node& folder) {
-    text += '[' + dumped(infoOf(folder));
+    OrderedJson info = infoOf(folder);
+    std::string others;
+    const auto found = remarks.find(&folder);
+    for (const Remark& remark : found == remarks.end() ? std::vector<Remark>{} : found->second) {
+      if (!remark.names.empty()) {
+        others += ",\n" + remarkText(remark);
+      } else if (remark.key == unreadKey) {
+        info[unreadKey] = true;
+      }
+    }
+    text += '[' + dumped(info) + others;
     if (const OrderedJson rest = smallThingsOf(folder); !rest.is_null()) text += ",\n" + dumped(rest);
     levels.push_back({&folder});
   };
-  open(root);
+  open(snapshot.root);
   while (!levels.empty()) {
     Level& level = levels.back();
     if (level.next == level.folder->children.size()) {
@@ -88,6 +150,8 @@ struct Info {
   std::uint64_t inode = 0;
   bool hasOtherNames = false;
   bool isWorktree = false;
+  bool isUnread = false;
+  std::optional<LeftOut::Kind> leftOut;
   std::optional<std::int64_t> smallFiles;
   // Of the header:
   std::string host;
@@ -106,6 +170,7 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   bool boolean(bool flag) override {
     if (info_ && key_ == "hlnkc") info_->hasOtherNames = flag;
     if (info_ && key_ == worktreeKey) info_->isWorktree = flag;
+    if (info_ && key_ == unreadKey) info_->isUnread = flag;
     return value();
   }
   bool number_integer(std::int64_t number) override { return whole(number); }
@@ -117,6 +182,10 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   bool number_float(double /*number*/, const std::string& /*text*/) override { return value(); }
   bool string(std::string& text) override {
     if (info_ && key_ == "name") info_->name = std::move(text);
+    if (info_ && key_ == leftOutKey) {
+      const bool isElsewhere = text == otherDisk || text == "othfs" || text == kernelDisk;
+      info_->leftOut = isElsewhere ? LeftOut::Kind::volume : LeftOut::Kind::excluded;
+    }
     if (info_ && key_ == "host") info_->host = std::move(text);
     if (info_ && key_ == "progname") info_->program = std::move(text);
     return value();
@@ -206,9 +275,12 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
       folders_.push_back(
           {.node = {.name = info.name, .size = info.size, .isDirectory = true, .isWorktree = info.isWorktree},
            .device = device});
+      if (info.isUnread) noteUnread(result.snapshot.coverage.unread.folders, "");
       return true;
     }
+    if (info.leftOut) return leaveOut(info);
     Folder& folder = folders_.back();
+    if (info.isUnread) noteUnread(result.snapshot.coverage.unread.entries, info.name);
     const bool isCounted =
         info.hasOtherNames && !linked_.insert({info.device.value_or(folder.device), info.inode}).second;
     const Bytes size = isCounted ? 0 : info.size;
@@ -221,22 +293,55 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
     return true;
   }
 
+  std::string currentPath() const {
+    std::string path;
+    for (const Folder& folder : folders_)
+      path = path.empty() ? folder.node.name : Paths::join(path, folder.node.name);
+    return path;
+  }
+
+  // `name`: of an item of the open folder; empty for that folder itself.
+  void noteUnread(std::int64_t& count, const std::string& name) {
+    ++count;
+    auto& paths = result.snapshot.coverage.unread.paths;
+    if (paths.size() < Unread::pathLimit)
+      paths.push_back(name.empty() ? currentPath() : Paths::join(currentPath(), name));
+  }
+
+  bool leaveOut(const Info& info) {
+    auto& items = result.snapshot.coverage.leftOut;
+    if (items.size() < mostLeftOut)
+      items.push_back({.path = Paths::join(currentPath(), info.name), .kind = *info.leftOut});
+    return true;
+  }
+
+  // A folder too small for a node, which is there only for what could not be read in it.
+  bool isOnlyNamed(const Node& folder) const {
+    return result.snapshot.minNodeSize > 0 && folder.size == 0 && folder.fileCount == 0 &&
+           folder.children.empty();
+  }
+
   void closeFolder() {
     Node node = std::move(folders_.back().node);
     folders_.pop_back();
     sortBySize(node.children);
     if (folders_.empty()) {
       hasTree_ = true;
+      std::ranges::sort(result.snapshot.coverage.leftOut);
+      std::ranges::sort(result.snapshot.coverage.unread.paths);
       ++position_;
       result.snapshot.fileCount = node.fileCount;
       result.snapshot.root = std::move(node);
       return;
     }
+    if (isOnlyNamed(node)) return;
     Node& parent = folders_.back().node;
     parent.size = saturatingAdd(parent.size, node.size);
     parent.fileCount = saturatingAdd(parent.fileCount, node.fileCount);
     parent.children.push_back(std::move(node));
   }
+
+  static constexpr std::size_t mostLeftOut = 10'000;
 
   std::size_t arrays_ = 0;    // open ones
   std::size_t ignored_ = 0;   // open values of unknown keys
@@ -259,7 +364,7 @@ std::string NcduFormat::encode(const Snapshot& snapshot, std::string_view host,
                            {"host", withInvalidUtf8Replaced(host)},
                            {minimumKey, snapshot.minNodeSize}};
   std::string text = "[1,2," + dumped(header) + ",\n";
-  writeTree(snapshot.root, text);
+  writeTree(snapshot, text);
   return text + "]\n";
 }
 

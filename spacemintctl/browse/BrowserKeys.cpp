@@ -191,6 +191,8 @@ void Browser::press(const Key& key, const ScreenSize& size) {
     case '.':
       hidesDotNames_ = !hidesDotNames_;
       return page_ == Page::folder ? updateRows() : void();
+    case 'a':
+      return say(i18n("Sizes are space on the disk; \"i\" shows the length of a file."));
     case 'i':
       return showInfo();
     case ' ':

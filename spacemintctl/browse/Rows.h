@@ -62,7 +62,9 @@ struct Row {
 
   bool isItem() const { return kind == Kind::item; }
   /// Whether nothing is known of its size.
-  bool isUnmeasured() const { return kind == Kind::leftOut || flag == Flag::unread; }
+  bool isUnmeasured() const {
+    return kind == Kind::leftOut || (flag == Flag::unread && size == 0 && fileCount == 0);
+  }
 };
 
 enum class RowKey : std::uint8_t { size, name, count, age, growth };

@@ -155,9 +155,17 @@ TEST(NcduFormat, readsBackWhatItWrote) {
     Snapshot scan = tree.scan(seed % 2 == 0 ? 0 : 9'000);
     if (!scan.root.children.empty())
       scan.root.children.front().isWorktree = scan.root.children.front().isDirectory;
+    const auto path = [&](const char* name) { return tree.at / name; };
+    scan.coverage.leftOut = {{.path = path("cache"), .kind = LeftOut::Kind::excluded},
+                             {.path = path("disk")}};
+    scan.coverage.unread = {.folders = 1, .paths = {scan.rootPath()}};
+    if (scan.minNodeSize > 0)  // otherwise they would have nodes
+      scan.coverage.unread = {.folders = 3,
+                              .paths = {scan.rootPath(), path("no node/secret"), path("secret")}};
     const auto back = NcduFormat::decode(NcduFormat::encode(scan, "host", "1"));
     ASSERT_TRUE(back) << back.error().message;
     EXPECT_EQ(back->snapshot.root, scan.root) << seed;
+    EXPECT_EQ(back->snapshot.coverage, scan.coverage) << seed;
     EXPECT_EQ(back->host, "host");
     EXPECT_EQ(back->snapshot.date, scan.date);
     EXPECT_EQ(ScanFile::decode(" " + NcduFormat::encode(scan, "host", "1"))->host, "host");
@@ -178,7 +186,8 @@ TEST(NcduFormat, readsWhatOtherProgramsWrite) {
     [{"name": "/srv", "dsize": 4096, "asize": 10, "dev": 5},
      {"name": "a", "dsize": 8192, "ino": 7, "hlnkc": true, "nlink": 2},
      [{"name": "sub", "dsize": 100, "excluded": "pattern"}, {"name": "b", "ino": 7, "hlnkc": true, "dsize": 8192}],
-     [{"name": "other disk", "dev": 6}, {"name": "c", "ino": 7, "hlnkc": true, "dsize": 8192}],
+     {"name": "skipped", "excluded": "pattern", "dsize": 5},
+     [{"name": "other disk", "dev": 6, "read_error": true}, {"name": "proc", "excluded": "kernfs"}, {"name": "c", "ino": 7, "hlnkc": true, "dsize": 8192}],
      {"name": "bad)~"
                                        "\xff"
                                        R"~(", "mtime": 60}]])~");
@@ -190,6 +199,10 @@ TEST(NcduFormat, readsWhatOtherProgramsWrite) {
                                         {file("a", 8'192), std::move(linked),
                                          folder("other disk", {file("c", 8'192)}), std::move(broken)},
                                         {4'096, 0}));
+  EXPECT_EQ(read->snapshot.coverage,
+            (Coverage{.leftOut = {{.path = "/srv/other disk/proc"},
+                                  {.path = "/srv/skipped", .kind = LeftOut::Kind::excluded}},
+                      .unread = {.folders = 1, .paths = {"/srv/other disk"}}}));
   EXPECT_EQ(read->program, "other");
 }
 
