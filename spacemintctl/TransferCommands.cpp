@@ -8,6 +8,7 @@
 #include "core/wording/ImportText.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/ProgressLine.h"
 #include "spacemintctl/StoredScan.h"
 
 #include <unistd.h>
@@ -52,7 +53,12 @@ std::string exported(const Snapshot& snapshot) {
 }
 
 std::expected<NcduFormat::Imported, Error> importedFrom(const std::string& file) {
-  if (file != "-") return ScanFile::read(file);
+  if (file != "-") {
+    // Hundreds of megabytes take seconds.
+    ProgressLine line{ProgressLine::canBeSeen(), {}, userLocale()};
+    line.show([&] { return i18n("Reading {file}…", {{"file", printable(file)}}); });
+    return ScanFile::read(file);
+  }
   const auto text = standardInput();
   return text ? ScanFile::decode(*text) : std::unexpected(text.error());
 }

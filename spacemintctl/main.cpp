@@ -337,17 +337,22 @@ void addUsage(CLI::App& app, Action& action) {
   });
 }
 
-// The words of the parser. The list of groups is that of all commands.
+// The words of the parser, and the names of arguments and values. The list of groups is that of all commands.
 constexpr const char* parserWords[] = {
     i18nMark("Usage"),    i18nMark("Positionals"), i18nMark("Options"),     i18nMark("Subcommands"),
     i18nMark("OPTIONS"),  i18nMark("SUBCOMMAND"),  i18nMark("SUBCOMMANDS"), i18nMark("REQUIRED"),
     i18nMark("Excludes"), i18nMark("TEXT"),        i18nMark("TEXT ..."),    i18nMark("BYTES"),
-    i18nMark("N"),        i18nMark("DATE"),        i18nMark("FILE"),
+    i18nMark("N"),        i18nMark("DATE"),        i18nMark("FILE"),        i18nMark("PATH"),
+    i18nMark("PATTERN"),  i18nMark("WORDS"),       i18nMark("KEY"),         i18nMark("VALUE"),
 };
 
 // Pads by columns: a translated word has letters of several bytes, or of two columns.
 class HelpInColumns final : public CLI::Formatter {
  public:
+  std::string make_option_name(const CLI::Option* option, bool isPositional) const override {
+    const std::string name = CLI::Formatter::make_option_name(option, isPositional);
+    return isPositional ? get_label(name) : name;
+  }
   std::string make_option(const CLI::Option* option, bool isPositional) const override {
     std::string line = "  " + make_option_name(option, isPositional) + make_option_opts(option);
     const std::size_t columns = columnsOf(line);

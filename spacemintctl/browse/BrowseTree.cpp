@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace spacemint::ctl {
 
@@ -52,14 +53,25 @@ void change(Node& listing, const std::string& folder, const std::string& path, c
 }  // namespace
 
 void BrowseTree::setScan(Snapshot scan) {
-  scan_ = std::move(scan);
+  scan_ = std::make_shared<Snapshot>(std::move(scan));
+  isShared_ = false;
   listings_.clear();
+}
+
+std::shared_ptr<const Snapshot> BrowseTree::share() {
+  isShared_ = true;
+  return scan_;
+}
+
+Snapshot& BrowseTree::changeable() {
+  if (std::exchange(isShared_, false)) scan_ = std::make_shared<Snapshot>(*scan_);
+  return *scan_;
 }
 
 BrowseTree::Folder BrowseTree::folder(const std::string& path) const {
   const auto listing = listings_.find(path);
   if (listing != listings_.end()) return {.node = &listing->second, .isComplete = true};
-  return {.node = scan_.nodeAt(path)};
+  return {.node = scan_->nodeAt(path)};
 }
 
 void BrowseTree::keepListing(const std::string& path, Node listing) {
@@ -72,7 +84,7 @@ void BrowseTree::keepListing(const std::string& path, Node listing) {
 }
 
 const Node* BrowseTree::itemAt(const std::string& path) const {
-  if (const Node* node = scan_.nodeAt(path)) return node;
+  if (const Node* node = scan_->nodeAt(path)) return node;
   const auto listing = listings_.find(Paths::parent(path));
   if (listing == listings_.end()) return nullptr;
   const auto& children = listing->second.children;
@@ -84,15 +96,15 @@ void BrowseTree::put(const Measured& item) {
   const Node* known = itemAt(item.path);
   const bool isGone = !item.exists;
   if (known == nullptr || (item.exists && !item.tree)) {
-    putInto(scan_, item);
+    putInto(changeable(), item);
     return;
   }
   const Counts by = difference(countsOf(*known), isGone ? Counts{} : countsOf(*item.tree));
-  if (scan_.nodeAt(item.path) != nullptr) {
-    putInto(scan_, item);
+  if (scan_->nodeAt(item.path) != nullptr) {
+    putInto(changeable(), item);
   } else {
     std::string above = Paths::parent(item.path);
-    while (!scan_.addUnlisted(above, by.size, by.files) && above != "/") above = Paths::parent(above);
+    while (!changeable().addUnlisted(above, by.size, by.files) && above != "/") above = Paths::parent(above);
   }
   for (auto& [folder, listing] : listings_) {
     if (isBelow(item.path, folder)) change(listing, folder, item.path, by, isGone);

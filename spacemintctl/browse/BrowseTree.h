@@ -4,6 +4,7 @@
 #include "core/tree/Snapshot.h"
 
 #include <map>
+#include <memory>
 #include <string>
 
 namespace spacemint::ctl {
@@ -19,7 +20,9 @@ class BrowseTree {
     bool isComplete = false;
   };
 
-  const Snapshot& scan() const { return scan_; }
+  const Snapshot& scan() const { return *scan_; }
+  /// The scan as it is now, for another thread: what changes later changes a copy.
+  std::shared_ptr<const Snapshot> share();
   /// Forgets the listings, which may be older.
   void setScan(Snapshot scan);
 
@@ -36,8 +39,10 @@ class BrowseTree {
  private:
   const Node* itemAt(const std::string& path) const;
   void forgetBelow(const std::string& path);
+  Snapshot& changeable();
 
-  Snapshot scan_;
+  std::shared_ptr<Snapshot> scan_ = std::make_shared<Snapshot>();
+  bool isShared_ = false;
   std::map<std::string, Node> listings_;
 };
 

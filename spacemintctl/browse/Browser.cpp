@@ -65,6 +65,7 @@ void Browser::start() {
 
 void Browser::show(const std::string& path, const std::string& chosen) {
   page_ = Page::folder;
+  ++lists_;
   folder_ = path;
   soFar_.reset();
   look_.clear();

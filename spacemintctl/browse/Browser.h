@@ -88,6 +88,7 @@ class Browser {
   // Other pages and boxes.
   void addGrowth(Row& row) const;
   void search(const std::string& text);
+  void showFound(const std::string& text, std::vector<Row> rows, std::size_t count);
   void showCleanable();
   void showInfo();
   void mark();
@@ -142,6 +143,9 @@ class Browser {
   std::optional<Node> soFar_;
   // What changed while the scan ran; it may have measured this before.
   std::vector<std::string> touchedMeanwhile_;
+
+  // Counts what leads to another list, so that the results of a search that is no longer wanted are dropped.
+  std::size_t lists_ = 0;
 
   std::string message_;
   Choose choose_;

@@ -15,6 +15,8 @@
 #include "spacemintctl/browse/Browser.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace spacemint::ctl {
 
@@ -36,23 +38,33 @@ void Browser::search(const std::string& text) {
   if (pieces(text, ' ').empty()) return;
   const auto query = parseSearch(text);
   if (!query) return say(query.error().message, true);
-  static const FileKinds kinds = FileKinds::ofThisSystem();
-  std::size_t count = 0;
-  const auto results = spacemint::search(tree_.scan(), *query, kinds, view_.now, mostFound, &count);
-  if (results.empty()) {
+  say(i18n("Searching…"));
+  worker_.run([this, text, list = ++lists_, query = *query, scan = tree_.share(), now = view_.now,
+               home = view_.home] {
+    static const FileKinds kinds = FileKinds::ofThisSystem();
+    std::size_t count = 0;
+    auto rows = std::make_shared<std::vector<Row>>();
+    for (const auto& [path, node] : spacemint::search(*scan, query, kinds, now, mostFound, &count)) {
+      rows->push_back({.path = path,
+                       .name = Paths::display(path, home),
+                       .size = node->size,
+                       .fileCount = node->isDirectory ? node->fileCount : 1,
+                       .modified = node->modified,
+                       .isDirectory = node->isDirectory});
+    }
+    return [this, text, list, rows, count] {
+      if (list == lists_) showFound(text, std::move(*rows), count);
+    };
+  });
+}
+
+void Browser::showFound(const std::string& text, std::vector<Row> rows, std::size_t count) {
+  if (rows.empty()) {
     return say(i18n("Nothing found. The scan has files and folders from {size} on.",
                     {{"size", ByteFormat::string(tree_.scan().minNodeSize, view_.locale)}}));
   }
-  std::vector<Row> rows;
-  for (const auto& [path, node] : results) {
-    Row& row = rows.emplace_back(Row{.path = path,
-                                     .name = Paths::display(path, view_.home),
-                                     .size = node->size,
-                                     .fileCount = node->isDirectory ? node->fileCount : 1,
-                                     .modified = node->modified,
-                                     .isDirectory = node->isDirectory});
-    addGrowth(row);
-  }
+  message_.clear();
+  for (Row& row : rows) addGrowth(row);
   if (page_ == Page::folder) chosenInFolder_ = view_.current() == nullptr ? "" : view_.current()->path;
   page_ = Page::found;
   listing_.reset();
@@ -106,6 +118,7 @@ void Browser::showCleanable() {
   if (rows.empty()) return say(i18n("Nothing in this folder is known to be safe to clean."));
   if (page_ == Page::folder) chosenInFolder_ = view_.current() == nullptr ? "" : view_.current()->path;
   page_ = Page::cleanable;
+  ++lists_;
   listing_.reset();
   Bytes sum = 0;
   for (const Row& row : rows) sum = saturatingAdd(sum, row.size);

@@ -131,11 +131,11 @@ void Browser::removed(const CleanupPlan& plan, const CleanupReport& report,
 // application's in line too.
 void Browser::storeScan(std::vector<std::string> touched) {
   if (!isStored_) return;
-  worker_.run([this, scan = tree_.scan(), touched = std::move(touched)]() -> Worker::Then {
-    const SnapshotStore store = SnapshotStore::ofRoot(scan.rootPath());
+  worker_.run([this, scan = tree_.share(), touched = std::move(touched)]() -> Worker::Then {
+    const SnapshotStore store = SnapshotStore::ofRoot(scan->rootPath());
     const bool isShown = store.directory == SnapshotStore::standard().directory;
     auto saved = isShown ? std::expected<void, Error>{} : remeasureInNewestScan(touched);
-    if (const auto stored = store.save(scan); !stored) saved = std::unexpected(stored.error());
+    if (const auto stored = store.save(*scan); !stored) saved = std::unexpected(stored.error());
     if (saved) return {};
     return [this, reason = saved.error().message] {
       say(i18n("Couldn't save changes to the scan: {reason}", {{"reason", reason}}), true);
