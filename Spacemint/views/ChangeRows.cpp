@@ -141,6 +141,12 @@ void ChangeRows::addGrowth(const GrowthTree& growth, int depth, bool opensLarges
                    .depth = depth});
 }
 
+// A person knows the Trash by its name, and not by its path.
+std::string ChangeRows::placeOf(const Shrinkage& shrunk) const {
+  if (!host_.model.isInTrash(shrunk.path)) return isolatedPath(Paths::display(shrunk.path, host_.home));
+  return shrunk.size > 0 ? i18n("In the Trash") : i18n("Was in the Trash");
+}
+
 void ChangeRows::addShrinkage(Items& items) {
   const auto& shrinkage = host_.model.findings().shrinkage;
   if (shrinkage.empty()) return;
@@ -168,8 +174,7 @@ void ChangeRows::addShrinkage(Items& items) {
                      .size = each.size,
                      .isDirectory = each.isDirectory,
                      .title = name,
-                     .subtitle = facts({FindingText::left(each, minNodeSize, host_.locale),
-                                        isolatedPath(Paths::display(each.path, host_.home))}),
+                     .subtitle = facts({FindingText::left(each, minNodeSize, host_.locale), placeOf(each)}),
                      .sizeText = FindingText::lost(each.delta, host_.locale),
                      .symbol = std::string{Icons::symbol(name, each.isDirectory)},
                      .hasShrunk = true,

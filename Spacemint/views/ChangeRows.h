@@ -36,6 +36,7 @@ class ChangeRows {
   void addGrowth(const GrowthTree& growth, int depth, bool isOpenAtFirst, std::size_t limit, Items& items);
   ListItem itemOf(const GrowthTree& growth, int depth) const;
   ListItem rootItem() const;
+  std::string placeOf(const Shrinkage& shrunk) const;
   void addShrinkage(Items& items);
   void addElsewhere(Items& items) const;
   std::string signedSize(Bytes delta) const;

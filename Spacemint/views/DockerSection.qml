@@ -42,7 +42,8 @@ ColumnLayout {
         Repeater {
             model: root.ui.developer.dockerPrune
 
-            ColumnLayout {
+            // Positioners, for a layout keeps the height that a text has before it wraps.
+            Column {
                 id: prune
 
                 required property int rowId
@@ -53,13 +54,13 @@ ColumnLayout {
                 Layout.fillWidth: true
                 spacing: 4
 
+                topPadding: 4
+
                 RowDivider {
-                    Layout.fillWidth: true
-                    Layout.topMargin: 4
+                    width: prune.width
                 }
-                // Anchored, for a layout keeps the height that a text has before it wraps.
                 Item {
-                    Layout.fillWidth: true
+                    width: prune.width
                     implicitHeight: Math.max(line.implicitHeight, button.implicitHeight) + 20
 
                     Label {

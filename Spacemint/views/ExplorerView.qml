@@ -11,7 +11,13 @@ FocusScope {
     readonly property real step: width / Theme.textScale
     /// The usual width of the list; the person may drag it.
     readonly property real usualWidth: Theme.scaled(step >= 984 ? 380 : step >= 740 ? 320 : 264)
-    readonly property real listWidth: Math.max(Theme.scaled(264), Math.min(explorer.listWidth || usualWidth, Theme.scaled(480), width * 0.6))
+    readonly property real leastWidth: Theme.scaled(264)
+    readonly property real mostWidth: Math.max(leastWidth, Math.min(Theme.scaled(480), width * 0.6))
+    readonly property real listWidth: within(explorer.listWidth || usualWidth)
+
+    function within(width: real): real {
+        return Math.max(leastWidth, Math.min(width, mostWidth));
+    }
 
     Binding {
         target: root.explorer
@@ -79,17 +85,42 @@ FocusScope {
             }
         }
     }
-    // Between the list and the map: drags their border.
+    // Between the list and the map: the pointer or the arrow keys move their border.
     MouseArea {
+        id: border
+
+        /// The direction of the right arrow key.
+        readonly property int forward: LayoutMirroring.enabled ? -1 : 1
         property real grabbedAt: 0
+        // What Qt's interface for the values of a slider reads.
+        property int value: root.listWidth
+        property int minimumValue: root.leastWidth
+        property int maximumValue: root.mostWidth
 
         anchors.left: card.right
         y: card.y
         width: 16
         height: card.height
         cursorShape: Qt.SplitHCursor
+        activeFocusOnTab: true
+        Accessible.role: Accessible.Slider
+        Accessible.name: Words.listWidth
+        Accessible.focusable: true
         onPressed: mouse => grabbedAt = mouse.x
-        onPositionChanged: mouse => root.explorer.listWidth = Math.max(Theme.scaled(264), Math.min(root.listWidth + (LayoutMirroring.enabled ? grabbedAt - mouse.x : mouse.x - grabbedAt), Theme.scaled(480)))
+        onPositionChanged: mouse => root.explorer.listWidth = root.within(root.listWidth + forward * (mouse.x - grabbedAt))
+        Keys.onPressed: event => {
+            const step = forward * Theme.scaled(16);
+            const widths = new Map([[Qt.Key_Left, root.listWidth - step], [Qt.Key_Right, root.listWidth + step], [Qt.Key_Home, root.leastWidth], [Qt.Key_End, root.mostWidth]]);
+            event.accepted = widths.has(event.key);
+            if (event.accepted)
+                root.explorer.listWidth = root.within(widths.get(event.key));
+        }
+
+        FocusRing {
+            visible: border.activeFocus && Theme.isKeyboardInUse
+            around: 4
+            outside: -3
+        }
     }
     Item {
         id: pane
@@ -114,6 +145,7 @@ FocusScope {
 
             anchors.fill: parent
             explorer: root.explorer
+            mirrored: LayoutMirroring.enabled
             Accessible.role: Accessible.Graphic
             Accessible.name: root.explorer.mapName
             Accessible.description: Words.spoken([root.explorer.aboutName, root.explorer.aboutDetail || root.explorer.summary])

@@ -71,6 +71,7 @@ ColumnLayout {
         title: root.files.title
 
         Label {
+            Layout.fillWidth: true
             text: root.files.status
             size: 12
             color: root.files.isUnderstood ? Theme.secondary : Theme.critical

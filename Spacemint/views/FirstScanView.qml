@@ -11,9 +11,12 @@ Item {
     readonly property bool hasFound: ui.scan.found.count > 0
 
     ColumnLayout {
-        anchors.fill: parent
-        anchors.margins: 20
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.topMargin: 20
         anchors.bottomMargin: 20 + footer.height
+        width: Math.min(parent.width - 40, Theme.scaled(640))
         spacing: 12
 
         Item {

@@ -15,69 +15,76 @@ Column {
 
     spacing: 6
 
-    Icicle {
-        id: icicle
-
+    // The rows that are not there leave no gap.
+    Item {
         width: parent.width
-        height: 3 * Theme.scaled(28) + 4
-        explorer: root.explorer
-        Accessible.role: Accessible.Tree
-        Accessible.name: root.explorer.mapName
-        Accessible.description: root.explorer.summary
-        onZoomed: opening.restart()
-        onChildWanted: index => root.childWanted(index)
+        height: icicle.rows * Theme.scaled(28) + Math.max(0, icicle.rows - 1) * 2
 
-        ParallelAnimation {
-            id: opening
+        Icicle {
+            id: icicle
 
-            NumberAnimation {
-                target: icicle
-                property: "move"
-                from: 0
-                to: 1
-                duration: Theme.duration(220)
-                easing.type: Easing.OutCubic
+            width: parent.width
+            height: 3 * Theme.scaled(28) + 4
+            explorer: root.explorer
+            mirrored: LayoutMirroring.enabled
+            Accessible.role: Accessible.Tree
+            Accessible.name: root.explorer.mapName
+            Accessible.description: root.explorer.summary
+            onZoomed: opening.restart()
+            onChildWanted: index => root.childWanted(index)
+
+            ParallelAnimation {
+                id: opening
+
+                NumberAnimation {
+                    target: icicle
+                    property: "move"
+                    from: 0
+                    to: 1
+                    duration: Theme.duration(220)
+                    easing.type: Easing.OutCubic
+                }
+                NumberAnimation {
+                    target: icicle
+                    property: "strength"
+                    from: 0
+                    to: 1
+                    duration: Theme.duration(120)
+                }
             }
-            NumberAnimation {
-                target: icicle
-                property: "strength"
-                from: 0
-                to: 1
-                duration: Theme.duration(120)
-            }
-        }
-        // The blocks, for screen readers.
-        Repeater {
-            model: icicle.blocks
+            // The blocks, for screen readers.
+            Repeater {
+                model: icicle.blocks
 
-            Item {
-                required property int index
-                required property var modelData
+                Item {
+                    required property int index
+                    required property var modelData
 
-                x: modelData.frame.x
-                y: modelData.frame.y
-                width: modelData.frame.width
-                height: modelData.frame.height
-                Accessible.role: Accessible.TreeItem
-                Accessible.name: modelData.spoken
-                Accessible.focused: icicle.activeFocus && icicle.current === index
+                    x: modelData.frame.x
+                    y: modelData.frame.y
+                    width: modelData.frame.width
+                    height: modelData.frame.height
+                    Accessible.role: Accessible.TreeItem
+                    Accessible.name: modelData.spoken
+                    Accessible.focused: icicle.activeFocus && icicle.current === index
+                }
             }
-        }
-        TileFrame {
-            frame: icicle.pointedFrame
-            visible: width > 0 && !opening.running
-            border.width: 2
-            border.color: Theme.ink
-        }
-        FocusRing {
-            anchors.fill: null
-            x: icicle.currentFrame.x - outside
-            y: icicle.currentFrame.y - outside
-            width: icicle.currentFrame.width + 2 * outside
-            height: icicle.currentFrame.height + 2 * outside
-            visible: icicle.activeFocus && Theme.isKeyboardInUse
-            around: 4
-            outside: 1
+            TileFrame {
+                frame: icicle.pointedFrame
+                visible: width > 0 && !opening.running
+                border.width: 2
+                border.color: Theme.ink
+            }
+            FocusRing {
+                anchors.fill: null
+                x: icicle.currentFrame.x - outside
+                y: icicle.currentFrame.y - outside
+                width: icicle.currentFrame.width + 2 * outside
+                height: icicle.currentFrame.height + 2 * outside
+                visible: icicle.activeFocus && Theme.isKeyboardInUse
+                around: 4
+                outside: 1
+            }
         }
     }
     PictureLegend {

@@ -25,59 +25,85 @@ Item {
         anchors.fill: parent
         spacing: 0
 
-        RowLayout {
+        GridLayout {
+            id: header
+
+            // Where the name would be cut short, the controls are below it.
+            readonly property bool isNarrow: back.visible * (back.width + 6) + Math.min(names.implicitWidth, Theme.scaled(150)) + sizeLabel.implicitWidth + controls.implicitWidth + 12 > root.width - 40
+
+            Layout.fillWidth: true
             Layout.margins: 20
             Layout.bottomMargin: 10
-            spacing: 6
+            columns: isNarrow ? 1 : 2
+            columnSpacing: 6
+            rowSpacing: 6
 
-            IconButton {
-                visible: root.folders.parentTitle
-                symbol: LayoutMirroring.enabled ? "chevron.right" : "chevron.left"
-                help: root.folders.parentTitle
-                onClicked: root.folders.goBack()
-            }
-            ColumnLayout {
-                spacing: 1
+            RowLayout {
+                spacing: 6
 
+                IconButton {
+                    id: back
+
+                    visible: root.folders.parentTitle
+                    symbol: LayoutMirroring.enabled ? "chevron.right" : "chevron.left"
+                    help: root.folders.parentTitle
+                    onClicked: root.folders.goBack()
+                }
+                ColumnLayout {
+                    id: names
+
+                    spacing: 1
+
+                    Label {
+                        Layout.fillWidth: true
+                        visible: text
+                        text: root.folders.parentTitle
+                        size: 11
+                        color: Theme.secondary
+                        elide: Text.ElideMiddle
+
+                        TapHandler {
+                            onTapped: root.folders.goBack()
+                        }
+                        HoverHandler {
+                            cursorShape: Qt.PointingHandCursor
+                        }
+                    }
+                    SectionLabel {
+                        Layout.fillWidth: true
+                        title: root.folders.title
+                        size: 15
+                        elide: Text.ElideMiddle
+                    }
+                }
                 Label {
-                    Layout.fillWidth: true
-                    visible: text
-                    text: root.folders.parentTitle
-                    size: 11
-                    color: Theme.secondary
-                    elide: Text.ElideMiddle
+                    id: sizeLabel
 
-                    TapHandler {
-                        onTapped: root.folders.goBack()
-                    }
-                    HoverHandler {
-                        cursorShape: Qt.PointingHandCursor
-                    }
-                }
-                SectionLabel {
-                    Layout.fillWidth: true
-                    title: root.folders.title
-                    size: 15
-                    elide: Text.ElideMiddle
+                    text: root.folders.sizeText
+                    size: 13
+                    color: Theme.secondary
                 }
             }
-            Label {
-                text: root.folders.sizeText
-                size: 13
-                color: Theme.secondary
-            }
-            SegmentedPicker {
-                model: root.folders.orders
-                currentIndex: root.folders.order
-                size: 11
-                Accessible.name: Words.order
-                onActivated: index => root.folders.order = index
-            }
-            IconButton {
-                visible: root.folders.content.isOfHere
-                symbol: "magnifyingglass"
-                help: ItemText.showInFileManager
-                onClicked: root.folders.reveal()
+            RowLayout {
+                id: controls
+
+                Layout.fillWidth: false
+                Layout.alignment: Qt.AlignRight
+                spacing: 6
+
+                SegmentedPicker {
+                    model: root.folders.orders
+                    currentIndex: root.folders.order
+                    size: 11
+                    Accessible.name: Words.order
+                    onActivated: index => root.folders.order = index
+                }
+                IconButton {
+                    visible: root.folders.content.isOfHere
+                    symbol: "magnifyingglass"
+                    help: ItemText.showInFileManager
+                    onClicked: root.folders.reveal()
+                }
             }
         }
         FolderPicture {
@@ -102,7 +128,7 @@ Item {
             rows: root.folders.content
             name: root.folders.title
             focus: true
-            hasChangeColumn: true
+            hasChangeColumn: root.ui.explorer.canCompare
             pointedIndex: root.folders.rowOf(root.ui.explorer.pointedChild)
             onPointed: index => root.ui.explorer.pointRow(rows, index)
             Keys.onPressed: event => {

@@ -8,6 +8,7 @@
 #include "ui_kit/UiKit.h"
 
 #include <QPainter>
+#include <QTransform>
 
 #include <algorithm>
 #include <array>
@@ -128,6 +129,14 @@ void FreeLine::setLineHeight(qreal height) {
   Q_EMIT lineHeightChanged();
 }
 
+void FreeLine::setMirrored(bool isMirrored) {
+  if (isMirrored == isMirrored_) return;
+  isMirrored_ = isMirrored;
+  update();
+  Q_EMIT mirroredChanged();
+  Q_EMIT pointedChanged();
+}
+
 const Theme& FreeLine::theme() const {
   return UiKit::theme(*qmlEngine(this));
 }
@@ -137,6 +146,12 @@ QPointF FreeLine::pointOf(const SpacePoint& point) const {
   constexpr qreal left = 5;
   constexpr qreal right = 6;
   return {left + point.x * (width() - left - right), point.y * lineHeight_};
+}
+
+QPointF FreeLine::pointedAt() const {
+  if (pointed_ < 0) return {};
+  const QPointF point = pointOf(scanPoint(pointed_));
+  return {seen(point.x()), point.y()};
 }
 
 const SpacePoint& FreeLine::scanPoint(int place) const {
@@ -165,7 +180,7 @@ void FreeLine::setPointed(int place) {
 }
 
 void FreeLine::hoverMoveEvent(QHoverEvent* event) {
-  setPointed(placeAt(event->position().x()));
+  setPointed(placeAt(seen(event->position().x())));
 }
 
 void FreeLine::hoverLeaveEvent(QHoverEvent* /*event*/) {
@@ -173,7 +188,7 @@ void FreeLine::hoverLeaveEvent(QHoverEvent* /*event*/) {
 }
 
 void FreeLine::mousePressEvent(QMouseEvent* event) {
-  const int place = placeAt(event->position().x());
+  const int place = placeAt(seen(event->position().x()));
   if (place < 0) return event->ignore();
   history_->choose(place);
 }
@@ -185,6 +200,8 @@ void FreeLine::paint(QPainter* painter) {
   constexpr qreal size = 11;
   font.setPixelSize(static_cast<int>(std::round(size * theme().textScale())));
   painter->setFont(font);
+  const QTransform mirror{-1, 0, 0, 1, width(), 0};
+  if (isMirrored_) painter->setTransform(mirror, true);
   paintGround(*painter);
   paintLine(*painter);
   paintScans(*painter);
@@ -224,6 +241,22 @@ QRectF FreeLine::levelBox(const QSizeF& size, qreal y) const {
   return box(gap);
 }
 
+// A text is never mirrored, only its place.
+void FreeLine::write(QPainter& painter, const QRectF& box, Qt::Alignment alignment,
+                     const QString& text) const {
+  constexpr int flags = Qt::AlignAbsolute | Qt::TextDontClip;
+  if (!isMirrored_) return painter.drawText(box, static_cast<int>(alignment) | flags, text);
+  painter.save();
+  painter.setTransform(QTransform{-1, 0, 0, 1, width(), 0}, true);
+  const QRectF turned{width() - box.right(), box.y(), box.width(), box.height()};
+  const Qt::Alignment horizontal = alignment.testFlag(Qt::AlignLeft)    ? Qt::AlignRight
+                                   : alignment.testFlag(Qt::AlignRight) ? Qt::AlignLeft
+                                                                        : Qt::AlignHCenter;
+  const Qt::Alignment vertical = alignment & Qt::AlignVertical_Mask;
+  painter.drawText(turned, static_cast<int>(horizontal | vertical) | flags, text);
+  painter.restore();
+}
+
 void FreeLine::paintGround(QPainter& painter) const {
   const SpaceLine& line = history_->line();
   const qreal end = pointOf(line.points.back()).x();
@@ -245,8 +278,8 @@ void FreeLine::paintGround(QPainter& painter) const {
   painter.setPen(theme().secondary());
   const QFontMetricsF metrics{painter.font()};
   const QString text = history_->levelText();
-  painter.drawText(levelBox({metrics.horizontalAdvance(text), metrics.height()}, y),
-                   Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, text);
+  write(painter, levelBox({metrics.horizontalAdvance(text), metrics.height()}, y),
+        Qt::AlignLeft | Qt::AlignVCenter, text);
 }
 
 void FreeLine::paintLine(QPainter& painter) const {
@@ -307,16 +340,16 @@ void FreeLine::paintDates(QPainter& painter) const {
   painter.setPen(theme().secondary());
   const QFontMetricsF metrics{painter.font()};
   const QString now = ShownText::plain(PictureText::now());
-  painter.drawText(below, Qt::AlignRight | Qt::AlignTop, now);
+  write(painter, below, Qt::AlignRight | Qt::AlignTop, now);
   if (line.points.size() < 2) return;
   const Date begin = line.points.front().date;
   const QString first = history_->dateText(begin);
-  painter.drawText(below, Qt::AlignLeft | Qt::AlignTop, first);
+  write(painter, below, Qt::AlignLeft | Qt::AlignTop, first);
   const auto half = timeBetween(begin, line.points.back().date) / 2;
   const QString middle = history_->dateText(begin + half);
   const qreal room = width() - metrics.horizontalAdvance(first) - metrics.horizontalAdvance(now);
   if (line.points.size() == 2 || metrics.horizontalAdvance(middle) * 3 > room) return;
-  painter.drawText(below, Qt::AlignHCenter | Qt::AlignTop, middle);
+  write(painter, below, Qt::AlignHCenter | Qt::AlignTop, middle);
 }
 
 }  // namespace spacemint

@@ -69,6 +69,8 @@ class FreeLine : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
   Q_PROPERTY(spacemint::SpaceHistory* history READ history WRITE setHistory NOTIFY historyChanged REQUIRED)
+  /// Whether the time goes to the left, as the language does.
+  Q_PROPERTY(bool mirrored MEMBER isMirrored_ WRITE setMirrored NOTIFY mirroredChanged)
   /// The height of the line without its dates.
   Q_PROPERTY(qreal lineHeight MEMBER lineHeight_ WRITE setLineHeight NOTIFY lineHeightChanged)
   /// The scan under the pointer, as a place on the line; -1 for none. And where it is.
@@ -81,12 +83,14 @@ class FreeLine : public QQuickPaintedItem {
   void setHistory(SpaceHistory* history);
   void setLineHeight(qreal height);
   int pointed() const { return pointed_; }
-  QPointF pointedAt() const { return pointed_ >= 0 ? pointOf(scanPoint(pointed_)) : QPointF{}; }
+  QPointF pointedAt() const;
+  void setMirrored(bool isMirrored);
 
   void paint(QPainter* painter) override;
 
  Q_SIGNALS:
   void historyChanged();
+  void mirroredChanged();
   void lineHeightChanged();
   void pointedChanged();
 
@@ -98,12 +102,15 @@ class FreeLine : public QQuickPaintedItem {
 
  private:
   const Theme& theme() const;
+  // All places are those of a line that goes to the right; `seen` turns one around.
   QPointF pointOf(const SpacePoint& point) const;
+  qreal seen(qreal x) const { return isMirrored_ ? width() - x : x; }
   const SpacePoint& scanPoint(int place) const;
   int placeAt(qreal x) const;
   void setPointed(int place);
   bool isCrossed(const QRectF& box) const;
   QRectF levelBox(const QSizeF& size, qreal y) const;
+  void write(QPainter& painter, const QRectF& box, Qt::Alignment alignment, const QString& text) const;
   void paintGround(QPainter& painter) const;
   void paintLine(QPainter& painter) const;
   void paintScans(QPainter& painter) const;
@@ -112,6 +119,7 @@ class FreeLine : public QQuickPaintedItem {
   SpaceHistory* history_ = nullptr;
   qreal lineHeight_ = 48;
   int pointed_ = -1;
+  bool isMirrored_ = false;
 };
 
 }  // namespace spacemint

@@ -22,7 +22,8 @@ Item {
     Accessible.description: history.chosenText
     Accessible.focusable: activeFocusOnTab
     Keys.onPressed: event => {
-        const places = new Map([[Qt.Key_Left, history.chosen - 1], [Qt.Key_Right, history.chosen + 1], [Qt.Key_Home, 0], [Qt.Key_End, history.count - 1]]);
+        const right = LayoutMirroring.enabled ? -1 : 1;
+        const places = new Map([[Qt.Key_Left, history.chosen - right], [Qt.Key_Right, history.chosen + right], [Qt.Key_Home, 0], [Qt.Key_End, history.count - 1]]);
         event.accepted = places.has(event.key);
         if (event.accepted)
             history.choose(places.get(event.key));
@@ -33,10 +34,13 @@ Item {
 
         anchors.fill: parent
         history: root.history
+        mirrored: LayoutMirroring.enabled
         lineHeight: root.lineHeight
     }
     Label {
         y: (root.lineHeight - height) / 2
+        width: parent.width
+        wrapMode: Text.Wrap
         visible: text
         text: root.history.text
         size: 12

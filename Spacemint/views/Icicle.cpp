@@ -5,6 +5,8 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace spacemint {
 
 Icicle::Icicle(QQuickItem* parent) : PictureItem(parent) {
@@ -29,6 +31,11 @@ QVariantList Icicle::blocks() const {
                           {QStringLiteral("spoken"), explorer()->spoken(tiles()[i])}};
   }
   return blocks;
+}
+
+int Icicle::rows() const {
+  const auto deepest = std::ranges::max_element(tiles(), {}, &Tile::depth);
+  return deepest != tiles().end() ? static_cast<int>(deepest->depth) + 1 : 0;
 }
 
 void Icicle::setMove(qreal move) {
@@ -131,9 +138,9 @@ void Icicle::keyPressEvent(QKeyEvent* event) {
   if (isBack) return explorer()->goUp();
   switch (event->key()) {
     case Qt::Key_Left:
-      return moveTo(besides(-1));
+      return moveTo(besides(isMirrored() ? 1 : -1));
     case Qt::Key_Right:
-      return moveTo(besides(1));
+      return moveTo(besides(isMirrored() ? -1 : 1));
     case Qt::Key_Down:
       return moveTo(below());
     case Qt::Key_Up:

@@ -41,6 +41,8 @@ FocusScope {
     property bool hasChangeColumn: false
     /// The column has dates and not changes.
     property bool showsDates: false
+    /// The width of the widest size in the list, as far as it is known.
+    property real sizeWidth: 0
     /// A row of a tree has its chevron at its beginning, and is lower.
     property bool isInTree: false
     /// The length of the bar; 0 for all of the room.
@@ -57,12 +59,15 @@ FocusScope {
     readonly property real roomForButtons: buttons.item && !hasChangeColumn ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
     readonly property string spokenShare: Words.share(fraction)
-    /// What a row without a path unfolds to has sentences.
-    readonly property bool wraps: wrapsSubtitle || (!hasPath && depth > 0)
+    /// A row without a path has sentences, which are shown in full; the name of a file may be cut short.
+    readonly property bool wraps: wrapsSubtitle || !hasPath
+    /// Whether the button has no room beside the texts. Long texts get a second line before.
+    readonly property bool isNarrow: buttonTitle && line.width < Theme.scaled(isInTree ? 30 : 18) + Math.min(texts.implicitWidth, Theme.scaled(180)) + button.implicitWidth + sizeLabel.implicitWidth + 4 * line.columnSpacing
 
     /// The person clicked the row; `time` is in milliseconds.
     signal chosen(double time)
     signal menuWanted
+    signal sizeWidthWanted(real width)
     /// In a tree: Return or a double click.
     signal opened
     /// The person marks this row, or all rows up to it.
@@ -151,7 +156,7 @@ FocusScope {
         acceptedButtons: Qt.RightButton
         onTapped: root.menuWanted()
     }
-    RowLayout {
+    GridLayout {
         id: line
 
         anchors {
@@ -161,10 +166,13 @@ FocusScope {
             rightMargin: 10
             verticalCenter: parent.verticalCenter
         }
-        spacing: root.isInTree ? 8 : 10
+        columnSpacing: root.isInTree ? 8 : 10
+        rowSpacing: 4
+        columns: 7
 
         // A click on it only unfolds the row.
         Item {
+            Layout.column: 0
             visible: root.isInTree
             implicitWidth: Theme.scaled(12)
             implicitHeight: Theme.scaled(24)
@@ -196,6 +204,7 @@ FocusScope {
             }
         }
         Item {
+            Layout.column: 1
             implicitWidth: Theme.scaled(18)
             implicitHeight: Theme.scaled(18)
 
@@ -216,6 +225,7 @@ FocusScope {
             }
         }
         Item {
+            Layout.column: 2
             Layout.fillWidth: true
             implicitHeight: texts.implicitHeight
 
@@ -242,9 +252,8 @@ FocusScope {
                         anchors.left: parent.left
                         width: root.tag ? Math.min(implicitWidth, parent.room) : parent.room
                         text: root.title
-                        // A title that is not the name of a file is a sentence, which is shown in full.
-                        elide: root.hasPath ? Text.ElideMiddle : root.isInTree ? Text.ElideRight : Text.ElideNone
-                        wrapMode: root.hasPath || root.isInTree ? Text.NoWrap : Text.Wrap
+                        elide: root.hasPath ? Text.ElideMiddle : root.tag ? Text.ElideRight : Text.ElideNone
+                        wrapMode: root.hasPath || root.tag ? Text.NoWrap : Text.Wrap
                         Accessible.ignored: true
                     }
                     Label {
@@ -266,7 +275,7 @@ FocusScope {
                     text: root.subtitle
                     size: 11
                     color: Theme.secondary
-                    elide: root.wraps ? Text.ElideNone : root.hasPath ? Text.ElideMiddle : Text.ElideRight
+                    elide: root.wraps ? Text.ElideNone : Text.ElideMiddle
                     wrapMode: root.wraps ? Text.Wrap : Text.NoWrap
                     Accessible.ignored: true
                 }
@@ -302,6 +311,7 @@ FocusScope {
         Item {
             id: changes
 
+            Layout.column: 3
             visible: root.hasChangeColumn
             implicitWidth: Theme.scaled(58)
             implicitHeight: figure.implicitHeight
@@ -319,6 +329,11 @@ FocusScope {
             }
         }
         SecondaryButtonStyle {
+            id: button
+
+            Layout.row: root.isNarrow ? 1 : 0
+            Layout.column: root.isNarrow ? 2 : 4
+            Layout.columnSpan: root.isNarrow ? 3 : 1
             visible: root.buttonTitle
             enabled: !root.isBusy
             text: root.buttonTitle
@@ -327,8 +342,12 @@ FocusScope {
             onClicked: root.rows.pressButton(root.rowId)
         }
         Label {
-            // A fixed width, so that all bars of a list have the same length.
-            Layout.minimumWidth: root.fraction >= 0 || root.hasChangeColumn ? Theme.scaled(58) : 0
+            id: sizeLabel
+
+            Layout.column: 5
+            // One width in all rows, so that all bars of a list have the same length.
+            Layout.minimumWidth: root.fraction >= 0 || root.hasChangeColumn ? Math.max(Theme.scaled(58), root.sizeWidth) : 0
+            onImplicitWidthChanged: root.sizeWidthWanted(implicitWidth)
             visible: root.sizeText
             text: root.sizeText
             color: root.hasShrunk && !root.hasChangeColumn ? Theme.teal : root.isBusy ? Theme.secondary : root.sizeColor
@@ -336,6 +355,7 @@ FocusScope {
             Accessible.ignored: true
         }
         Item {
+            Layout.column: 6
             visible: root.hasChevronColumn && !root.isInTree
             implicitWidth: Theme.scaled(12)
             implicitHeight: Theme.scaled(24)

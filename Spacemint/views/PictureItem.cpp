@@ -64,6 +64,13 @@ void PictureItem::setExplorer(Explorer* explorer) {
   Q_EMIT explorerChanged();
 }
 
+void PictureItem::setMirrored(bool isMirrored) {
+  if (isMirrored == isMirrored_) return;
+  isMirrored_ = isMirrored;
+  rebuild();
+  Q_EMIT mirroredChanged();
+}
+
 void PictureItem::componentComplete() {
   QQuickPaintedItem::componentComplete();
   isComplete_ = true;
@@ -83,6 +90,9 @@ void PictureItem::rebuild() {
   const std::vector<Tile> tilesBefore = std::exchange(tiles_, {});
   const SharedSnapshot kept = std::exchange(folder_, explorer_->folder()).snapshot;
   if (folder_.node != nullptr && width() > 0 && height() > 0) tiles_ = layOut();
+  if (isMirrored_) {
+    for (Tile& tile : tiles_) tile.box.x = width() - tile.box.x - tile.box.width;
+  }
   const bool isZoom = before != folder_.path && kept == folder_.snapshot;
   zoom_ = isZoom ? zoomFrom(before, tilesBefore) : Zoom{};
   under_ = Tile::none;
@@ -193,7 +203,11 @@ void PictureItem::paint(QPainter* painter) {
 }
 
 void PictureItem::paintTile(QPainter& painter, const Tile& tile) const {
-  const std::vector<TileText> texts = textsOf(tile);
+  std::vector<TileText> texts = textsOf(tile);
+  if (isMirrored_) {
+    const qreal ends = 2 * tile.box.x + tile.box.width;
+    for (TileText& each : texts) each.box.moveLeft(ends - each.box.right());
+  }
   fill(painter, tile, texts);
   for (const TileText& each : texts) {
     painter.setFont(font(each.weight));

@@ -21,6 +21,8 @@ class PictureItem : public QQuickPaintedItem {
   Q_OBJECT
   QML_ANONYMOUS
   Q_PROPERTY(spacemint::Explorer* explorer READ explorer WRITE setExplorer NOTIFY explorerChanged REQUIRED)
+  /// Whether the picture begins at the right, as the language does.
+  Q_PROPERTY(bool mirrored READ isMirrored WRITE setMirrored NOTIFY mirroredChanged)
   // The places of these tiles; empty if there are none.
   Q_PROPERTY(QRectF pointedFrame READ pointedFrame NOTIFY framesChanged)
   Q_PROPERTY(QRectF selectedFrame READ selectedFrame NOTIFY framesChanged)
@@ -29,6 +31,8 @@ class PictureItem : public QQuickPaintedItem {
 
   Explorer* explorer() const { return explorer_; }
   void setExplorer(Explorer* explorer);
+  bool isMirrored() const { return isMirrored_; }
+  void setMirrored(bool isMirrored);
   QRectF pointedFrame() const { return frameOf(pointedTile()); }
   QRectF selectedFrame() const;
 
@@ -36,6 +40,7 @@ class PictureItem : public QQuickPaintedItem {
 
  Q_SIGNALS:
   void explorerChanged();
+  void mirroredChanged();
   void framesChanged();
   void tilesChanged();
   /// Another folder of the same scan was opened; it is in the picture of before, or the other way round.
@@ -113,6 +118,7 @@ class PictureItem : public QQuickPaintedItem {
   Zoom zoom_;
   std::size_t under_ = Tile::none;
   bool isComplete_ = false;
+  bool isMirrored_ = false;
 };
 
 // The full name of the base class: the tools of QML find it by no other.
@@ -148,6 +154,8 @@ class Icicle : public spacemint::PictureItem {
   QML_ELEMENT
   /// The tiles for screen readers, each with `frame` and `spoken`.
   Q_PROPERTY(QVariantList blocks READ blocks NOTIFY tilesChanged)
+  /// How many rows there are: two if no item of the folder is a folder.
+  Q_PROPERTY(int rows READ rows NOTIFY tilesChanged)
   /// The index of the tile that the keyboard is at.
   Q_PROPERTY(int current READ current NOTIFY currentChanged)
   Q_PROPERTY(QRectF currentFrame READ currentFrame NOTIFY currentChanged)
@@ -159,6 +167,7 @@ class Icicle : public spacemint::PictureItem {
   explicit Icicle(QQuickItem* parent = nullptr);
 
   QVariantList blocks() const;
+  int rows() const;
   int current() const { return current_ < tiles().size() ? static_cast<int>(current_) : 0; }
   QRectF currentFrame() const { return frameOf(static_cast<std::size_t>(current())); }
   qreal move() const { return move_; }

@@ -88,15 +88,19 @@ Item {
 
         Label {
             Layout.fillWidth: true
+            Layout.minimumWidth: Math.min(implicitWidth, Theme.scaled(80))
             text: root.explorer.aboutName
             size: 11
             weight: Font.DemiBold
             elide: Text.ElideMiddle
         }
         Label {
+            Layout.fillWidth: true
+            Layout.maximumWidth: implicitWidth + 1
             text: root.explorer.aboutDetail
             size: 11
             color: Theme.secondary
+            elide: Text.ElideRight
         }
     }
 }

@@ -31,6 +31,8 @@ ListView {
     /// The time of the last click that opened a folder. The second click of a double-click is ignored.
     property double openedAt: -Infinity
     property real heightBefore: 0
+    /// The width of the widest size of the rows that were visible.
+    property real sizeWidth: 0
 
     /// The row under the pointer changed; -1 for none.
     signal pointed(int index)
@@ -137,6 +139,8 @@ ListView {
         hasChevronColumn: root.rows.hasChevrons
         hasChangeColumn: root.hasChangeColumn
         showsDates: root.showsDates
+        sizeWidth: root.sizeWidth
+        onSizeWidthWanted: width => root.sizeWidth = Math.max(root.sizeWidth, width)
         isInTree: root.isTree
         barLength: root.barLength
         isCurrent: ListView.isCurrentItem

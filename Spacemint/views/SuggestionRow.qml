@@ -64,8 +64,11 @@ Item {
             opacity: header.hovered || header.visualFocus ? 1 : 0
         }
         contentItem: Item {
-            RowLayout {
+            GridLayout {
                 id: line
+
+                // With large letters the button is below the texts.
+                readonly property bool isNarrow: root.buttonTitle && button.implicitWidth + sizeLabel.implicitWidth + Theme.scaled(180) > width
 
                 anchors {
                     left: parent.left
@@ -74,15 +77,19 @@ Item {
                     rightMargin: 10
                     verticalCenter: parent.verticalCenter
                 }
-                spacing: 10
+                columnSpacing: 10
+                rowSpacing: 4
+                columns: 5
 
                 Symbol {
+                    Layout.column: 0
                     symbol: root.symbol
                     size: 18
                     color: Theme.secondary
                 }
                 // A positioner: in a layout, a text that wraps would change the layout's height while it is made.
                 Column {
+                    Layout.column: 1
                     Layout.fillWidth: true
                     spacing: 2
 
@@ -103,17 +110,26 @@ Item {
                     }
                 }
                 SecondaryButtonStyle {
+                    id: button
+
+                    Layout.row: line.isNarrow ? 1 : 0
+                    Layout.column: line.isNarrow ? 1 : 2
+                    Layout.columnSpan: line.isNarrow ? 2 : 1
                     visible: root.buttonTitle
                     enabled: !root.isBusy
                     text: root.isBusy ? root.busyTitle : root.buttonTitle
                     onClicked: root.rows.pressButton(root.rowId)
                 }
                 Label {
+                    id: sizeLabel
+
+                    Layout.column: 3
                     text: root.sizeText
                     Accessible.ignored: true
                 }
                 // All rows keep the place for it if one row has it.
                 Symbol {
+                    Layout.column: 4
                     visible: root.rows.hasChevrons
                     opacity: root.isButton ? 1 : 0
                     symbol: root.canExpand ? "chevron.down" : LayoutMirroring.enabled ? "chevron.left" : "chevron.right"

@@ -56,7 +56,7 @@ ColumnLayout {
                 color: line.volume.level > 0 ? line.levelColor : Theme.secondary
             }
             Label {
-                Layout.preferredWidth: Theme.scaled(root.isNarrow ? 52 : line.isLarge ? 64 : 84)
+                Layout.preferredWidth: Math.min(root.widest("name", 52), root.width * 0.35)
                 text: line.volume.name
                 size: 12
                 elide: Text.ElideRight

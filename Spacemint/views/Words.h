@@ -48,6 +48,9 @@ class Words : public QObject {
   /// The name of the control that chooses what the colours of a map mean.
   SPACEMINT_WORD(colours, i18n("Colours"))
 
+  /// The border between the list and the map.
+  SPACEMINT_WORD(listWidth, i18n("Width of the list"))
+
   // WelcomeView and FirstScanView.
   SPACEMINT_WORD(welcomeTitle, i18n("Never be surprised by a full disk again."))
   SPACEMINT_WORD(welcomeLine,

@@ -77,6 +77,8 @@ SpaceLine spaceLine(const SpaceLineQuestion& question) {
     point.x = shareOf(point.date, begin, question.now.date);
     point.y = scale.heightOf(point.free);
   }
+  // A single point is below the sentence that takes the place of the line.
+  if (line.points.size() == 1) line.points.front().y = 0.85;
   if (level) line.level = scale.heightOf(*level);
   for (std::size_t i = 0; i < question.scans.size() && line.scans.size() < SpaceLine::mostScans; ++i) {
     const Date scan = question.scans[i];

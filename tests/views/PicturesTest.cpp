@@ -3,6 +3,7 @@
 #include "views/ShownTabs.h"
 
 #include <QAccessible>
+#include <QGuiApplication>
 #include <QWheelEvent>
 
 #include <map>
@@ -153,6 +154,41 @@ TEST_F(PicturesTest, theIcicleOfThePanelIsReachedByKeysAndLeadsIntoFolders) {
   EXPECT_EQ(model->folderPath(), inHome("Films"));
   clickAt(placeIn(icicle, 0.5, 0.1));
   EXPECT_EQ(model->folderPath(), home);
+}
+
+TEST_F(PicturesTest, rightToLeftThePictureAndItsKeysTurnAround) {
+  showWindow({460, 700});
+  auto* icicle = only("spacemint::Icicle");
+  const auto frame = [&](int i) {
+    return icicle->property("blocks").toList().at(i).toMap()[QStringLiteral("frame")].toRectF();
+  };
+  const QRectF before = frame(2);
+  QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+  QMetaObject::invokeMethod(&view->theme(), "followDirection",
+                            Q_ARG(QQuickItem*, view->window().contentItem()));
+  settle();
+  EXPECT_EQ(frame(2), QRectF(icicle->width() - before.right(), before.y(), before.width(), before.height()));
+  icicle->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Down);
+  press(Qt::Key_Left);
+  EXPECT_EQ(selected(), "disk.img");
+  clickAt(placeIn(icicle, 0.8, 0.5));
+  EXPECT_EQ(model->folderPath(), inHome("Films"));
+  QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
+TEST_F(PicturesTest, theArrowKeysMoveTheBorderBetweenListAndMap) {
+  showWindow({1080, 700});
+  list()->forceActiveFocus(Qt::TabFocusReason);
+  press(Qt::Key_Tab);
+  const auto widthAfter = [&](Qt::Key key) {
+    press(key);
+    return only("ExplorerView")->property("listWidth").toInt();
+  };
+  EXPECT_EQ(widthAfter(Qt::Key_Home), 264);
+  EXPECT_EQ(widthAfter(Qt::Key_Right), 280);
+  EXPECT_EQ(widthAfter(Qt::Key_End), 480);
+  EXPECT_EQ(widthAfter(Qt::Key_Left), 464);
 }
 
 TEST_F(PicturesTest, theWayIntoAFolderBeginsAtItsBlockAndTheWayOutEndsThere) {

@@ -20,6 +20,11 @@ using support::GB;
 /// Called when all entries of the folder with this name are listed.
 using Listed = std::function<void(const std::string& name)>;
 
+std::int64_t secondsOf(const Node& node) {
+  return node.modified ? std::chrono::floor<std::chrono::seconds>(*node.modified).time_since_epoch().count()
+                       : 0;
+}
+
 /// A folder of an invented tree.
 class InventedFolder final : public OpenFolder {
  public:
@@ -36,6 +41,7 @@ class InventedFolder final : public OpenFolder {
       buffer.entries.push_back({.name = child.name,
                                 .type = child.isDirectory ? EntryType::folder : EntryType::file,
                                 .device = device(),
+                                .modified = secondsOf(child),
                                 .allocated = child.isDirectory ? 0 : child.size,
                                 .length = child.isDirectory ? 0 : child.size});
     return {.entries = buffer.entries};
