@@ -62,6 +62,10 @@ enter() {
     "$root" "${cache:-}" ${SOURCE_DATE_EPOCH:+"SOURCE_DATE_EPOCH=$SOURCE_DATE_EPOCH"} /bin/bash /fresh/fresh.sh "$@"
 }
 
+# In a network of its own: the screens of this system's tests have the same numbers as those of the machine, and a program
+# would otherwise find the machine's.
+alone() { unshare --net -- "$@"; }
+
 # Tests the last commit on a fresh system and makes the package there.
 build() {
   local root=$work/build cache=$PWD/build/fresh/ccache-$suite
@@ -78,11 +82,11 @@ build() {
 # In the first system, as root.
 build_inside() {
   apt update
-  # These are not needed, but save time.
-  apt install ccache mold
+  # The first two are not needed, but save time.
+  apt install ccache mold iproute2 $(sed -n 's/^\(build\|test\): *//p' /src/packages.txt)
   export CCACHE_DIR=/ccache CCACHE_MAXSIZE=5G
   cd /src
-  ./dev test
+  alone bash -c 'ip link set lo up && ./dev test'
   ./dev package
 }
 
@@ -122,7 +126,7 @@ inside() {
   apt purge spacemint spacemintctl
   files >/fresh/before
   apt install /packages/*.deb
-  runuser -u "$user" -- env -i HOME="/home/$user" USER="$user" PATH=/usr/bin:/bin LANG=C.UTF-8 \
+  alone runuser -u "$user" -- env -i HOME="/home/$user" USER="$user" PATH=/usr/bin:/bin LANG=C.UTF-8 \
     XDG_RUNTIME_DIR=/run/user/1000 dbus-run-session -- \
     xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24' /bin/bash /fresh/fresh.sh --as-user
   apt purge spacemint spacemintctl
