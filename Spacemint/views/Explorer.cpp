@@ -4,16 +4,13 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/NotInFiles.h"
 #include "Spacemint/views/ShownText.h"
-#include "core/analysis/Search.h"
 #include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
-#include "core/tree/TreeWalk.h"
 #include "core/wording/FindingText.h"
 #include "core/wording/PictureText.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace spacemint {
 
@@ -306,7 +303,8 @@ void Explorer::addRows(const PicturedFolder& folder, const std::string& path, in
 
 std::vector<ListItem> Explorer::foundItems() {
   std::vector<ListItem> items;
-  for (const auto& [path, node] : hits_) {
+  if (!hits_) return items;
+  for (const auto& [path, node] : hits_->shown) {
     const auto tile = tileOfPath(path);
     ListItem item = itemOf(*node, tile ? tile->change : nullptr, path, 0);
     item.fraction.reset();
@@ -322,11 +320,12 @@ void Explorer::updateRows() {
   if (showsRows_ && folder_.node != nullptr) {
     if (isSearching_) {
       items = foundItems();
-      if (items.empty())
-        text = !mistake_.empty()
-                   ? mistake_
-                   : PictureText::nothingFound(host_.model.fileSearch(),
-                                               FolderText::smallest(*folder_.snapshot), host_.locale);
+      if (!mistake_.empty()) {
+        text = mistake_;
+      } else if (items.empty() && hits_) {
+        text = PictureText::nothingFound(host_.model.fileSearch(), FolderText::smallest(*folder_.snapshot),
+                                         host_.locale);
+      }
     } else {
       addRows(folder_.pictured(), folder_.path, 0, items);
       const std::string id{notInFilesId};
@@ -341,34 +340,33 @@ void Explorer::updateRows() {
 // The search, with the words of the tab of files
 
 void Explorer::search() {
-  hits_.clear();
-  found_.clear();
+  ++searches_;
   mistake_.clear();
   const std::string words = QString::fromStdString(host_.model.fileSearch()).trimmed().toStdString();
   const auto query = parseSearch(words);
   isSearching_ = showsRows_ && folder_.snapshot && query != SearchQuery{} && words.size() >= shortestQuery;
-  if (!isSearching_) return;
-  if (!query) {
-    mistake_ = query.error().message;
-    return;
-  }
-  const FileKinds& kinds = FileKinds::ofThisSystem();
-  const auto found =
-      spacemint::search(*folder_.snapshot, *query, kinds, now(), std::numeric_limits<std::size_t>::max());
-  for (const SearchResult& result : found) {
-    found_.insert(result.node);
-    if (hits_.size() < hitsShown) hits_.emplace_back(result.path, result.node);
-  }
+  if (!query) mistake_ = query.error().message;
+  // The hits of the last words stay until the new ones are there.
+  if (!isSearching_ || !query || (hits_ && hits_->scan != folder_.snapshot)) hits_.reset();
+  if (!isSearching_ || !query) return;
+  const auto look = [scan = folder_.snapshot, query = *query, now = now()] {
+    const FileKinds& kinds = FileKinds::ofThisSystem();
+    return Hits{.scan = scan,
+                .query = query,
+                .shown = spacemint::search(*scan, query, kinds, now, hitsShown),
+                .folders = foldersWithHits(*scan, query, kinds, now)};
+  };
+  host_.desktop.tasks.run(Tasks::Priority::userInitiated, this, look, [this, number = searches_](Hits hits) {
+    if (number != searches_) return;
+    hits_ = std::move(hits);
+    updateRows();
+    Q_EMIT changed();
+  });
 }
 
 bool Explorer::isFound(const Node& node) const {
-  bool isFound = false;
-  if (found_.empty()) return isFound;
-  walkTree(node, [&](const std::string& /*path*/, const Node& each) {
-    isFound = isFound || found_.contains(&each);
-    return !isFound;
-  });
-  return isFound;
+  if (!hits_) return mistake_.empty();
+  return hits_->folders.contains(&node) || finds(hits_->query, node, FileKinds::ofThisSystem(), now());
 }
 
 }  // namespace spacemint

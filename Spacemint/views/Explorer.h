@@ -2,11 +2,15 @@
 
 #include "Spacemint/views/ItemRows.h"
 #include "Spacemint/views/ShownFolder.h"
+#include "core/analysis/Search.h"
 
 #include <QStringList>
 
+#include <optional>
 #include <set>
+#include <string>
 #include <unordered_set>
+#include <vector>
 
 namespace spacemint {
 
@@ -91,7 +95,7 @@ class Explorer : public QObject {
   Date now() const { return host_.desktop.clock.now(); }
   const std::string& locale() const { return host_.locale; }
   bool isSearching() const { return isSearching_; }
-  /// Whether the search found the item or something in it.
+  /// Whether the search found the item or something in it, as far as that is known yet.
   bool isFound(const Node& node) const;
   QString nameOf(const Tile& tile) const;
   QString spoken(const Tile& tile) const;
@@ -122,6 +126,15 @@ class Explorer : public QObject {
   void notInFilesWanted();
 
  private:
+  struct Hits {
+    // Holds the nodes.
+    SharedSnapshot scan;
+    SearchQuery query;
+    // The largest.
+    std::vector<SearchResult> shown;
+    std::unordered_set<const Node*> folders;
+  };
+
   void update();
   void updateRows();
   void updateAbout();
@@ -148,8 +161,9 @@ class Explorer : public QObject {
   /// Why the words of the search are not understood.
   std::string mistake_;
   bool isSearching_ = false;
-  std::vector<std::pair<std::string, const Node*>> hits_;
-  std::unordered_set<const Node*> found_;
+  /// Of the last search that has ended; absent while there is none for the shown scan.
+  std::optional<Hits> hits_;
+  std::size_t searches_ = 0;
   QString aboutName_;
   QString aboutDetail_;
 };

@@ -145,14 +145,6 @@ bool hasName(const SearchQuery& query, const std::string& name) {
                              [&](const std::string& pattern) { return matches(folded, pattern); });
 }
 
-bool holds(const SearchQuery& query, const Node& node, const FileKinds& kinds, Date now) {
-  if (query.above && node.size <= *query.above) return false;
-  if (query.below && node.size >= *query.below) return false;
-  if (query.isFolder && node.isDirectory != *query.isFolder) return false;
-  if (!hasAge(query, node, now) || !hasName(query, node.name)) return false;
-  return !query.kind || (!node.isDirectory && kinds.of(node.name) == *query.kind);
-}
-
 }  // namespace
 
 std::expected<SearchQuery, Error> parseSearch(std::string_view text) {
@@ -178,11 +170,44 @@ std::string withCondition(std::string_view text, std::string_view condition, std
   return result;
 }
 
+bool finds(const SearchQuery& query, const Node& node, const FileKinds& kinds, Date now) {
+  if (query.above && node.size <= *query.above) return false;
+  if (query.below && node.size >= *query.below) return false;
+  if (query.isFolder && node.isDirectory != *query.isFolder) return false;
+  if (!hasAge(query, node, now) || !hasName(query, node.name)) return false;
+  return !query.kind || (!node.isDirectory && kinds.of(node.name) == *query.kind);
+}
+
+std::unordered_set<const Node*> foldersWithHits(const Snapshot& scan, const SearchQuery& query,
+                                                const FileKinds& kinds, Date now) {
+  struct Level {
+    const Node* folder;
+    std::size_t next = 0;
+    bool hasHit = false;
+  };
+  std::unordered_set<const Node*> folders;
+  std::vector<Level> levels{{.folder = &scan.root}};
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (level.next < level.folder->children.size()) {
+      const Node& child = level.folder->children[level.next++];
+      level.hasHit = level.hasHit || finds(query, child, kinds, now);
+      if (!child.children.empty()) levels.push_back({.folder = &child});
+      continue;
+    }
+    const bool hasHit = level.hasHit;
+    if (hasHit) folders.insert(level.folder);
+    levels.pop_back();
+    if (hasHit && !levels.empty()) levels.back().hasHit = true;
+  }
+  return folders;
+}
+
 std::vector<SearchResult> search(const Snapshot& scan, const SearchQuery& query, const FileKinds& kinds,
                                  Date now, std::size_t limit, std::size_t* found) {
   std::vector<const Node*> hits;
   walkTree(scan.root, [&](const std::string&, const Node& node) {
-    if (&node != &scan.root && holds(query, node, kinds, now)) hits.push_back(&node);
+    if (&node != &scan.root && finds(query, node, kinds, now)) hits.push_back(&node);
   });
   if (found != nullptr) *found = hits.size();
   const std::size_t count = std::min(limit, hits.size());

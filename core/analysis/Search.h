@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace spacemint {
@@ -47,6 +48,13 @@ std::expected<SearchQuery, Error> parseSearch(std::string_view text);
 /// The search with another value for one kind of condition, such as "older:" and "1y", in place of all values
 /// that it has; without any if `value` is empty. Any thread.
 std::string withCondition(std::string_view text, std::string_view condition, std::string_view value);
+
+/// Whether all conditions of the query hold for the item itself. Any thread.
+bool finds(const SearchQuery& query, const Node& node, const FileKinds& kinds, Date now);
+
+/// The folders of the scan that hold something, at any depth, that the query finds. Any thread.
+std::unordered_set<const Node*> foldersWithHits(const Snapshot& scan, const SearchQuery& query,
+                                                const FileKinds& kinds, Date now);
 
 struct SearchResult {
   std::string path;

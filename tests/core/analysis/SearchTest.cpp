@@ -6,6 +6,7 @@
 #include "core/history/ScanFile.h"
 #include "core/history/SnapshotCodec.h"
 #include "core/scan/DiskScanner.h"
+#include "core/tree/Paths.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
 #include "support/TreeBuilder.h"
@@ -108,7 +109,14 @@ TEST(Search, findsWhatFindFinds) {
       const auto query = parseSearch(first + " " + second);
       ASSERT_TRUE(query) << first << ' ' << second;
       std::set<std::string> paths;
-      for (const auto& each : search(scan, *query, FileKinds{}, now, 10'000)) paths.insert(each.path);
+      std::set<const Node*> above;
+      for (const auto& each : search(scan, *query, FileKinds{}, now, 10'000)) {
+        paths.insert(each.path);
+        for (std::string path = each.path; path != scan.rootPath();)
+          above.insert(scan.nodeAt(path = Paths::parent(path)));
+      }
+      const auto folders = foldersWithHits(scan, *query, FileKinds{}, now);
+      EXPECT_EQ(std::set<const Node*>(folders.begin(), folders.end()), above) << first << ' ' << second;
       EXPECT_EQ(paths, tree.found(firstCondition + " " + secondCondition))
           << seed << ": " << first << ' ' << second;
     }
