@@ -1,5 +1,7 @@
 #include "core/cleanup/Remeasure.h"
 
+#include "core/host/AllocatedSize.h"
+#include "core/host/FileStamp.h"
 #include "core/host/Removal.h"
 #include "core/scan/DiskScanner.h"
 #include "core/tree/Paths.h"
@@ -8,12 +10,24 @@
 
 namespace spacemint {
 
+namespace {
+
+// A scan of it would measure what it leads to.
+bool isSymbolicLink(const std::string& path, const FileIdentity& identity) {
+  const FileStamp target = fileStamp(path);
+  return target.device != identity.device || target.inode != identity.inode;
+}
+
+}  // namespace
+
 Measured measureAgain(std::string path, Bytes minNodeSize, const std::vector<std::string>& excludes) {
   const Excludes compiled = Excludes::usable(excludes, "");
   const auto identity = fileIdentity(path);
   Measured measured{.path = std::move(path), .exists = true};
   if (!identity && (identity.error().isSystem(ENOENT) || identity.error().isSystem(ENOTDIR))) {
     measured.exists = false;
+  } else if (identity && isSymbolicLink(measured.path, *identity)) {
+    measured.tree = Node{.name = measured.path, .size = allocatedSize(measured.path).value_or(0)};
   } else if (auto result = DiskScanner::scan(
                  {.root = measured.path, .minNodeSize = minNodeSize, .excludes = &compiled})) {
     measured.tree = std::move(result->root);

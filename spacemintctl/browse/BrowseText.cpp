@@ -140,7 +140,9 @@ std::vector<Paragraph> BrowseText::removal(const RemovalOffer& offer, const Brow
   if (steps.size() > 1) lines.push_back(sized(offer.forGood->size(), i18n("together"), view.locale));
   for (const std::string& each : offer.refused) lines.push_back({each, Style::warning});
   lines.push_back({""});
-  if (steps.size() == 1) lines.push_back({offer.forGood->note});
+  // Where there is a choice, it says itself which way is for good.
+  if (steps.size() == 1 && !(offer.toTrash && offer.forGood->note == i18n(deleteNote)))
+    lines.push_back({offer.forGood->note});
   if (offer.toTrash)
     lines.push_back({i18n("The Trash keeps it until you empty it; the space is free only then.")});
   return lines;

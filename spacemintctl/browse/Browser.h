@@ -68,6 +68,7 @@ class Browser {
   void listFolder();
   void lookIntoFolder();
   void measureFolderAgain();
+  void folderFailed(const std::string& path);
 
   // Comparing.
   void loadUsualBaseline();
@@ -101,6 +102,7 @@ class Browser {
   void exportTo(const std::string& file);
 
   // Removing.
+  void refuse(std::vector<std::string> why);
   bool refusesRemoval();
   void askRemoval();
   void askCleanup(const CleanupRequest& request);

@@ -18,9 +18,16 @@ bool movesToTrash(const CleanupPlan& plan) {
 
 }  // namespace
 
+// In a box: the reasons are too long for the last line of a small screen.
+void Browser::refuse(std::vector<std::string> why) {
+  std::vector<Paragraph> text;
+  for (std::string& each : why) text.push_back({std::move(each)});
+  ask(box(i18n("Nothing was removed"), std::move(text), i18n("any key: back")), {});
+}
+
 bool Browser::refusesRemoval() {
   if (setup_.whyReadOnly.empty()) return false;
-  say(setup_.whyReadOnly, true);
+  refuse({setup_.whyReadOnly});
   return true;
 }
 
@@ -37,7 +44,7 @@ void Browser::askRemoval() {
     items.push_back({.path = row->path, .size = row->size});
   }
   RemovalOffer offer = offerRemoval(std::move(items), context_, view_.now);
-  if (!offer.forGood) return say(offer.refused.front(), true);
+  if (!offer.forGood) return refuse(std::move(offer.refused));
   Popup popup =
       box(i18n("Remove?"), BrowseText::removal(offer, view_), i18n("Enter do it   Esc keep everything"));
   std::vector<std::optional<CleanupPlan>> plans;
@@ -55,7 +62,7 @@ void Browser::askRemoval() {
 
 void Browser::askCleanup(const CleanupRequest& request) {
   auto plan = planCleanup(request, context_, view_.now);
-  if (!plan) return say(CleanupText::refusalText(request, plan.error(), context_), true);
+  if (!plan) return refuse({CleanupText::refusalText(request, plan.error(), context_)});
   Popup popup =
       box(plan->title, BrowseText::cleanup(*plan, view_), i18n("Enter do it   Esc keep everything"));
   popup.choices = {i18n("Keep everything"), plan->button};

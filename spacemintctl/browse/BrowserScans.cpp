@@ -1,5 +1,7 @@
+#include "core/base/AsciiText.h"
 #include "core/base/Translation.h"
 #include "core/cleanup/Remeasure.h"
+#include "core/host/FileStamp.h"
 #include "core/host/FolderSum.h"
 #include "core/host/VolumeInfo.h"
 #include "core/scan/ScanPlan.h"
@@ -185,28 +187,24 @@ void Browser::listFolder() {
   if (tree_.folder(folder_).isComplete) return lookIntoFolder();
   const Node* known = tree_.scan().nodeAt(folder_);
   const std::string path = folder_;
-  listing_ = std::make_unique<Measurement>(
-      inbox_, folderScan(path, tree_.scan(), knownFolders(known, path)),
-      Measurement::Events{
-          .advanced =
-              [this](const auto&, std::optional<Node> folder) {
-                if (!folder || page_ != Page::folder) return;
-                soFar_ = std::move(folder);
-                updateRows();
-              },
-          .ended =
-              [this, path](std::optional<Snapshot> scan) {
-                listing_.reset();
-                soFar_.reset();
-                if (scan) {
-                  tree_.keepListing(path, std::move(scan->root));
-                } else {
-                  say(i18n("{path} can't be read.", {{"path", Paths::display(path, view_.home)}}), true);
-                }
-                if (page_ != Page::folder) return;
-                updateRows();
-                lookIntoFolder();
-              }});
+  listing_ =
+      std::make_unique<Measurement>(inbox_, folderScan(path, tree_.scan(), knownFolders(known, path)),
+                                    Measurement::Events{.advanced =
+                                                            [this](const auto&, std::optional<Node> folder) {
+                                                              if (!folder || page_ != Page::folder) return;
+                                                              soFar_ = std::move(folder);
+                                                              updateRows();
+                                                            },
+                                                        .ended =
+                                                            [this, path](std::optional<Snapshot> scan) {
+                                                              listing_.reset();
+                                                              soFar_.reset();
+                                                              if (!scan) return folderFailed(path);
+                                                              tree_.keepListing(path, std::move(scan->root));
+                                                              if (page_ != Page::folder) return;
+                                                              updateRows();
+                                                              lookIntoFolder();
+                                                            }});
   listing_->show(path);
 }
 
@@ -242,9 +240,7 @@ void Browser::measureFolderAgain() {
           .ended =
               [this, path, minSize](std::optional<Snapshot> scan) {
                 listing_.reset();
-                if (!scan)
-                  return say(i18n("{path} can't be read.", {{"path", Paths::display(path, view_.home)}}),
-                             true);
+                if (!scan) return folderFailed(path);
                 Node stored = scan->root;
                 std::erase_if(stored.children, [&](const Node& child) {
                   return !isStored(child.size, child.fileCount, minSize);
@@ -255,6 +251,19 @@ void Browser::measureFolderAgain() {
                 say(i18n("Measured again."));
                 if (page_ == Page::folder) updateRows();
               }});
+}
+
+// A folder that has gone since leaves the tree, with the highest folder above it that has gone, too.
+void Browser::folderFailed(const std::string& path) {
+  std::string gone = path;
+  while (gone != setup_.root && !mayExist(Paths::parent(gone))) gone = Paths::parent(gone);
+  if (gone != setup_.root && !mayExist(gone)) {
+    tree_.put({.path = gone, .exists = false});
+    storeScan({gone});
+    if (page_ == Page::folder && isAtOrBelow(folder_, gone)) show(Paths::parent(gone));
+  }
+  if (page_ == Page::folder) updateRows();
+  say(i18n("{path} can't be read.", {{"path", Paths::display(path, view_.home)}}), true);
 }
 
 void Browser::loadUsualBaseline() {
