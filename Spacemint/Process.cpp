@@ -28,6 +28,7 @@ AppContext contextOf(DefaultsStore& defaults, EventJournal& journal, const AppIn
           .state = UserFolders::state(),
           .environment = UserFolders::environment,
           .disk = std::string{wholeDisk},
+          .homeVolume = startupVolume(),
           .locale = userLocale(),
           .timeZone = userTimeZone(),
           .mayNotify = info.identifier.has_value(),

@@ -31,6 +31,8 @@ struct AppContext {
   Environment environment;
   /// Root of a scan of the whole disk.
   std::string disk;
+  /// The mount point of the volume with the home folder.
+  std::string homeVolume;
   /// An ICU locale identifier; it formats numbers and dates.
   std::string locale;
   /// The name of the user's time zone, such as "Europe/Berlin".

@@ -29,7 +29,7 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
       desktop_(desktop),
       prefs_(context_.defaults),
       volume_(desktop),
-      freeSpace_(FreeSpaceRecord::ofVolume(context_.state, context_.disk)),
+      freeSpace_(FreeSpaceRecord::ofVolume(context_.state, context_.homeVolume)),
       history_(context_.store, desktop.tasks, desktop.clock, messages_),
       findings_(history_, desktop.tasks, context_),
       shown_({.history = history_, .findings = findings_, .messages = messages_}, desktop.tasks,
@@ -68,6 +68,10 @@ AppModel::AppModel(AppContext context, const Desktop& desktop)
   connect(&volume_, &VolumeWatch::volumesWereRead, this, [this] {
     recordFreeSpace();
     warnIfDue();
+  });
+  // A scan takes minutes. What it shows of the free space and what the summary shows are of the same time.
+  connect(&scans_, &ScanLifecycle::progressChanged, this, [this] {
+    if (!scans_.isScanning()) volume_.refresh();
   });
   connect(&scans_, &ScanLifecycle::rootChanged, this, [this] { setFolderPath(std::nullopt); });
   connect(&shown_, &ShownScan::sourceChanged, this, [this] {

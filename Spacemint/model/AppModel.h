@@ -44,7 +44,7 @@ class AppModel : public QObject {
   Preferences& prefs() { return prefs_; }
   Messages& messages() { return messages_; }
   const VolumeWatch& volume() const { return volume_; }
-  /// The free space of the watched volume, hour by hour.
+  /// The free space of the volume with the home folder, hour by hour.
   const FreeSpaceRecord& freeSpace() const { return freeSpace_; }
   ScanHistory& history() { return history_; }
   const ScanHistory& history() const { return history_; }

@@ -43,7 +43,9 @@ void SpaceHistory::show(std::vector<FreeSpaceReading> readings) {
   const auto add = [&](Date date, Bytes free) {
     if (readings.empty() || date < readings.front().date) readings.insert(readings.begin(), {date, free, 0});
   };
-  if (const auto& scan = host_.model.history().snapshot()) add(scan->date, scan->volumeFree);
+  const SharedSnapshot& scan = host_.model.history().snapshot();
+  // A scan that was brought up to date has the free space of the update.
+  if (scan && !host_.model.history().updatedAt()) add(scan->date, scan->volumeFree);
   if (change && baseline) add(baseline->date, change->freeBefore);
   line_ = {};
   // The newest scan is the one that is compared, not one to compare with.

@@ -114,6 +114,7 @@ class Application {
                    .data = inHome(".local/share"),
                    .environment = {},
                    .disk = folder_.path(),
+                   .homeVolume = home_,
                    .locale = "en_US",
                    .timeZone = "UTC",
                    .hasFullDiskAccess = [] { return true; }},

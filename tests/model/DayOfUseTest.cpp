@@ -53,6 +53,9 @@ TEST_F(DayOfUse, hasExactlyTheseScansWarningsAndMessages) {
   addFile(".local/share/Trash/files/old", 50 * MB);
   addFile("junk", 40 * MB);
   Preferences{defaults}.setHasStarted(true);
+  desktop.volume.others = {
+      {.volume = {.pool = 1, .fileSystem = "ext4", .places = {{.mountPoint = disk}}, .isWritable = true},
+       .space = Space{.total = 60 * GB, .used = 20 * GB, .free = 40 * GB}}};
   makeModel();
   keepDiary();
   model->start();
@@ -101,6 +104,10 @@ TEST_F(DayOfUse, hasExactlyTheseScansWarningsAndMessages) {
   ASSERT_EQ(free.size(), 25U);
   EXPECT_EQ(free.front(), (FreeSpaceReading{.date = morning, .free = 100 * GB, .total = 500 * GB}));
   EXPECT_EQ(free.back(), (FreeSpaceReading{.date = morning + 24h, .free = 15 * GB, .total = 500 * GB}));
+
+  const auto ofOther = FreeSpaceRecord::ofVolume(folder / "state", disk).readings(desktop.clock.now());
+  ASSERT_EQ(ofOther.size(), 25U);
+  EXPECT_EQ(ofOther.back().free, 40 * GB) << "each volume has a record of its own";
 
   std::vector<Date> stored;
   for (const auto& entry : store.entries()) stored.push_back(entry.date);

@@ -44,6 +44,7 @@ AppModel& ModelFixture::makeModel(EventJournal& events, const Desktop& on) {
                                                 .state = folder / "state",
                                                 .environment = {},
                                                 .disk = disk,
+                                                .homeVolume = home,
                                                 .locale = locale,
                                                 .timeZone = "UTC",
                                                 .mayNotify = isApplication,

@@ -280,7 +280,7 @@ TEST_F(PicturesTest, oneSearchIsForTheFoldersAndTheFiles) {
 }
 
 TEST_F(PicturesTest, theLineOfFreeSpaceChoosesTheScanThatIsComparedWith) {
-  const auto record = FreeSpaceRecord::ofVolume(folder / "state", disk);
+  const auto record = FreeSpaceRecord::ofVolume(folder / "state", home);
   for (const auto& [age, free] : {std::pair{50h, 130 * GB}, {40h, 130 * GB}, {20h, 120 * GB}})
     ASSERT_TRUE(record.add({morning - age, free, 500 * GB}));
   showWindow({460, 700}, Tab::overview);
