@@ -14,6 +14,7 @@ constexpr double scheduleTolerance = 0.25;
 // A background run scans only if the last scan, started by the user or not, is older than this part of the
 // interval.
 constexpr double dueAfter = 0.5;
+constexpr std::chrono::seconds handOverTime{2};
 
 Seconds hours(std::int64_t count) {
   return std::chrono::duration<double, std::ratio<3'600>>{static_cast<double>(count)};
@@ -163,10 +164,14 @@ void ScanLifecycle::keepPart(Snapshot part, const std::shared_ptr<ScanOrders>& o
   if (part.fileCount > 0) parts_.history.replace(std::move(part), parts_.history.entries());
 }
 
+// The scan hands over what it has measured at its next folder. One that does not get there is dropped at a
+// later stop; the second click of a double click is none.
 void ScanLifecycle::stop() {
   if (!orders_) return;
-  const bool isFirst = !parts_.history.snapshot();
-  if (!isFirst || orders_->isStopped.exchange(true)) cancel();
+  if (parts_.history.snapshot()) return cancel();
+  const auto now = desktop_.clock.steadyNow();
+  if (!orders_->isStopped.exchange(true)) stoppedAt_ = now;
+  if (now - stoppedAt_ >= handOverTime) cancel();
 }
 
 void ScanLifecycle::cancel() {

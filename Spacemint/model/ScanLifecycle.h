@@ -56,7 +56,7 @@ class ScanLifecycle : public QObject {
   /// runs, or without a scan of `root`. A scan that starts meanwhile ends this one.
   void record();
   /// Ends the running scan. If there is no other, what it has measured becomes the current scan
-  /// (`Snapshot::measuredPart`).
+  /// (`Snapshot::measuredPart`). Of a scan that does not answer, a later call drops the result.
   void stop();
   /// Ends the running scan and drops its result.
   void cancel();
@@ -92,6 +92,7 @@ class ScanLifecycle : public QObject {
   std::shared_ptr<ScanOrders> orders_;
   bool isWatched_ = false;
   std::chrono::steady_clock::time_point startedAt_;
+  std::chrono::steady_clock::time_point stoppedAt_;
   ScanTiming::Expected expected_;
   std::optional<std::string> whyFull_;
   /// Paths that were cleaned while the scan ran. The scan may have measured them before.

@@ -95,8 +95,10 @@ TEST_F(ScanLifecycleTest, beginningScansWhatMayBeSeen) {
     startModel();
     model->begin();
     EXPECT_TRUE(model->scans().isScanning());
+    desktop.volume.current->free -= GB;
     desktop.settle();
     EXPECT_FALSE(model->scans().isScanning());
+    EXPECT_EQ(model->volume().status(), desktop.volume.current) << "the summary keeps up with the scan";
     EXPECT_EQ(model->prefs().scope(), access ? ScanScope::disk : ScanScope::home);
     ASSERT_TRUE(model->history().snapshot());
     EXPECT_EQ(model->history().snapshot()->rootPath(), access ? folder.path() : home);
@@ -256,6 +258,7 @@ TEST_F(ScanLifecycleTest, keepsWhatAFirstScanMeasuredUntilItIsStopped) {
   desktop.tasks.hold(Tasks::Priority::background);
   model->scans().scan();
   model->scans().stop();
+  model->scans().stop();  // a double click
   desktop.tasks.runHeldWork(Tasks::Priority::background);
   desktop.settle();
   EXPECT_FALSE(model->scans().isScanning());
