@@ -109,7 +109,8 @@ std::expected<void, Fault> Excludes::readPath(Rule& rule, std::string_view text,
     if (part.empty() || part == "." || part == "..")
       return std::unexpected(Fault{at, i18n("no path has this part")});
     if (isAnyFolders(part)) {
-      rule.path.emplace_back();
+      // Several in a row mean the same as one. Each would have to be followed at every folder.
+      if (rule.path.empty() || rule.path.back()) rule.path.emplace_back();
       continue;
     }
     auto name = NamePattern::compile(part);

@@ -153,6 +153,16 @@ TEST(Excludes, refuseWrongPatternsWithThePlaceOfTheFault) {
   }
 }
 
+TEST(Excludes, followManyDoubleStarsAsOne) {
+  std::string pattern;
+  for (int i = 0; i < 1'000; ++i) pattern += "**/";
+  const auto excludes = Excludes::compile({pattern + "a/b"}, "/h");
+  ASSERT_TRUE(excludes);
+  EXPECT_LE(excludes->at("/x/y/a").expected.size(), 3U);
+  EXPECT_TRUE(excludes->leavesOutBelow("/", "/x/y/a/b/c", false));
+  EXPECT_FALSE(excludes->leavesOutBelow("/", "/x/y/a/c/b", false));
+}
+
 TEST(Excludes, nameExactlyOnePathIfAsked) {
   for (const std::string path : {"/a b/c ", "/x/*?[!]\\ \\", "/ä/#1", "/!/~"}) {
     const auto excludes = Excludes::compile({Excludes::patternFor(path)}, "/h").value();
