@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -89,11 +90,19 @@ class Top {
       waitForKey(next);
     }
     screen_.reset();
-    if (problem_) complain(printable(root_) + ": " + std::string{textOf(*problem_)});
+    if (problem_) sayWhy(*problem_);
     return problem_ ? failed : done;
   }
 
  private:
+  // That the folder is gone explains more than what the recorder says of it.
+  void sayWhy(JournalError problem) const {
+    std::error_code failure;
+    std::filesystem::canonical(root_, failure);
+    complain(failure ? printable(systemError(root_, failure.value()).message)
+                     : printable(root_) + ": " + i18n(std::string{textOf(problem)}.c_str()));
+  }
+
   // False while the recorder sets itself up.
   bool refresh() {
     date_ = currentTime();

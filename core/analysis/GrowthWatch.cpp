@@ -53,7 +53,7 @@ void GrowthWatch::look(const std::string& path, const FolderContents& contents, 
     const Bytes change = counts ? file.size - (isNew ? 0 : before->second) : 0;
     if (change > 0) grown = saturatingAdd(grown, change);
     if (tellsApart) {
-      if (change > 0) grow(folder, file.name, change, now);
+      if (change > 0) grow(folder, file, change, now);
       if (change < 0) folder.freed.add(-change, now);
       files.emplace(file.inode, file.size);
     }
@@ -69,6 +69,7 @@ void GrowthWatch::look(const std::string& path, const FolderContents& contents, 
     folder.grown.add(grown, now);
   }
   folder.files = std::move(files);
+  follow(folder, contents);
   folder.sum = sum;
   folder.isKnown = true;
 }
@@ -80,6 +81,7 @@ void GrowthWatch::remove(const std::string& path, Time now) {
   if (folder.files.empty()) folder.freed.add(folder.sum, now);
   for (const auto& [inode, size] : folder.files) departures_.push_back({path, inode, size});
   folder.files.clear();
+  folder.growing.clear();
   folder.sum = 0;
 }
 
@@ -91,12 +93,21 @@ void GrowthWatch::settleDepartures(Time now) {
   arrivals_.clear();
 }
 
-void GrowthWatch::grow(Folder& folder, const std::string& name, Bytes bytes, Time now) {
+void GrowthWatch::grow(Folder& folder, const FolderContents::File& file, Bytes bytes, Time now) {
   folder.grown.add(bytes, now);
-  folder.names[name].add(bytes, now);
-  if (folder.names.size() <= nameLimit) return;
-  const auto grownOf = [&](const auto& each) { return each.second.figures(now).tenMinutes; };
-  folder.names.erase(std::ranges::min_element(folder.names, {}, grownOf));
+  folder.growing[file.inode].window.add(bytes, now);
+  if (folder.growing.size() <= nameLimit) return;
+  const auto grownOf = [&](const auto& each) { return each.second.window.figures(now).tenMinutes; };
+  folder.growing.erase(std::ranges::min_element(folder.growing, {}, grownOf));
+}
+
+// Files that are gone are not named any more; the others by the names that they have now.
+void GrowthWatch::follow(Folder& folder, const FolderContents& contents) {
+  std::erase_if(folder.growing, [&](const auto& each) { return !folder.files.contains(each.first); });
+  for (const FolderContents::File& file : contents.files) {
+    const auto found = folder.growing.find(file.inode);
+    if (found != folder.growing.end()) found->second.name = file.name;
+  }
 }
 
 // Drops what said nothing for ten minutes, and beyond the limit counts the least in their parents.
@@ -182,9 +193,9 @@ std::vector<GrowthLine> GrowthWatch::explain(bool freed, Time now) const {
 void GrowthWatch::name(GrowthLine& line, Time now) const {
   const auto folder = folders_.find(line.path);
   if (folder == folders_.end()) return;
-  for (const auto& [name, window] : folder->second.names) {
-    if (!isShare(window.figures(now).tenMinutes, namedShare, line.figures.tenMinutes)) continue;
-    line.path = Paths::join(line.path, name);
+  for (const auto& [inode, file] : folder->second.growing) {
+    if (!isShare(file.window.figures(now).tenMinutes, namedShare, line.figures.tenMinutes)) continue;
+    line.path = Paths::join(line.path, file.name);
     line.isDirectory = false;
     return;
   }

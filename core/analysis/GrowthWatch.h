@@ -70,6 +70,10 @@ class GrowthWatch {
   std::optional<std::chrono::seconds> untilFull() const { return untilFull_; }
 
  private:
+  struct GrowingFile {
+    std::string name;
+    GrowthWindow window;
+  };
   struct Folder {
     // By inode. Empty in a folder with more than `fileLimit` files.
     std::unordered_map<std::uint64_t, Bytes> files;
@@ -77,8 +81,8 @@ class GrowthWatch {
     bool isKnown = false;
     GrowthWindow grown;
     GrowthWindow freed;
-    // The files that grew most, by name; few.
-    std::map<std::string, GrowthWindow> names;
+    // The files that grew most and are still there, by inode; few. A download is renamed at its end.
+    std::map<std::uint64_t, GrowingFile> growing;
   };
   struct Shown {
     int refreshes = 0;
@@ -95,7 +99,8 @@ class GrowthWatch {
   };
 
   void settleDepartures(Time now);
-  void grow(Folder& folder, const std::string& name, Bytes bytes, Time now);
+  static void grow(Folder& folder, const FolderContents::File& file, Bytes bytes, Time now);
+  static void follow(Folder& folder, const FolderContents& contents);
   void mergeLeast(std::size_t count, Time now);
   void forget(Time now);
   std::vector<GrowthLine> explain(bool freed, Time now) const;

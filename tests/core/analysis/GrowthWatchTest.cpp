@@ -104,6 +104,14 @@ TEST_F(GrowthWatchTest, tellsGrowthBesideARemovalAndNeitherOfAMove) {
   EXPECT_TRUE(watch.lines()[0].isFreed);
   EXPECT_EQ(watch.lost().minute, -130 * MB);
   EXPECT_EQ(watch.elsewhere(), GrowthFigures{});
+  disk["/h/new"]["film.mkv"] = std::exchange(disk["/h/new"]["download"], {});
+  disk["/h/new"]["film.mkv"].name = "film.mkv";
+  disk["/h/new"].erase("download");
+  refresh();
+  EXPECT_THAT(watch.lines(), testing::Contains(grows("/h/new/film.mkv", 670 * MB)));
+  remove("/h/new", "film.mkv");
+  refresh();
+  EXPECT_THAT(watch.lines(), testing::Contains(grows("/h/new", 670 * MB))) << "no file that is gone";
   free -= 50 * MB;  // a file without a name grows
   refresh();
   EXPECT_EQ(watch.elsewhere().minute, 50 * MB);
