@@ -10,7 +10,9 @@
 #include "core/scan/ScanPlan.h"
 #include "core/settings/Settings.h"
 #include "core/volume/Permissions.h"
+#include "core/volume/Supply.h"
 #include "core/volume/VolumeStatus.h"
+#include "core/wording/SupplyText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/FreeSpaceText.h"
 #include "spacemintctl/ScanCommand.h"
@@ -111,6 +113,19 @@ std::string volumeTable(const std::vector<VolumeReading>& readings) {
                mountPointsOf(volume), printable(remarksOn(reading))});
   }
   return table.text();
+}
+
+// What runs low, except the space of the home folder's volume, which has a row of its own.
+std::string lowText(const std::vector<VolumeReading>& readings) {
+  const std::int64_t thresholdGB = storedSettings().thresholdGB;
+  std::string text;
+  for (const VolumeReading& reading : readings) {
+    for (const Supply& supply : suppliesOf(reading, thresholdGB)) {
+      if (supply.level() != SpaceLevel::ok)
+        text += printable(SupplyText::sentence(supply, userLocale())) + '\n';
+    }
+  }
+  return text.empty() ? "" : '\n' + text;
 }
 
 // The figures of df: the used space does not include the reserve.
@@ -274,6 +289,7 @@ int runStatus(const StatusOptions& options) {
   }
   std::string text = textOf(facts, *volume, mountPoint);
   if (readings.size() > 1) text += "\n" + i18n("Volumes") + "\n" + volumeTable(readings);
+  text += lowText(readings);
   if (options.history) text += historyText(*volume, mountPoint, readings);
   return print(text) ? done : failed;
 }

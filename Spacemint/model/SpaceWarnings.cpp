@@ -7,6 +7,7 @@
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
 #include "core/wording/FindingText.h"
+#include "core/wording/SupplyText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -18,35 +19,6 @@ namespace {
 
 bool isRecent(Date warned, Date now) {
   return warned <= now && now - warned < WarningState::minimumGap;
-}
-
-// Some file systems invent the number of files that fit.
-bool countsFiles(const VolumeReading& reading) {
-  return reading.space->files && !reading.volume.fileSystem.starts_with("fuse");
-}
-
-std::string titleOf(const Supply& supply) {
-  const bool isCritical = supply.level() == SpaceLevel::critical;
-  const std::string volume = isolatedName(supply.name);
-  if (supply.resource == Resource::files) {
-    return isCritical ? i18n("Almost no room for more files on {volume}", {{"volume", volume}})
-                      : i18n("Room for files is running low on {volume}", {{"volume", volume}});
-  }
-  if (supply.isHome())
-    return isCritical ? i18n("Your disk is almost full") : i18n("Disk space is running low");
-  return isCritical ? i18n("{volume} is almost full", {{"volume", volume}})
-                    : i18n("Disk space is running low on {volume}", {{"volume", volume}});
-}
-
-std::string sentence(const Supply& supply, const std::string& locale) {
-  const std::string volume = isolatedName(supply.name);
-  if (supply.resource == Resource::space) {
-    return i18n("Only {size} left on {volume}.",
-                {{"size", ByteFormat::string(supply.free, locale)}, {"volume", volume}});
-  }
-  return i18np("Only {count} more file can be stored on {volume}, even if it has free space.",
-               "Only {count} more files can be stored on {volume}, even if it has free space.", supply.free,
-               {{"count", groupedNumber(supply.free, locale)}, {"volume", volume}});
 }
 
 }  // namespace
@@ -61,37 +33,12 @@ WarningState::Next WarningState::after(const std::optional<Warning>& last, const
   return {.last = Warning{.date = reading.now, .level = level}, .warns = true};
 }
 
-bool mayWarnAbout(const VolumeReading& reading) {
-  return reading.space && reading.volume.canFillUp() && reading.space->total >= gigabyte;
-}
-
-std::vector<Supply> suppliesOf(const std::vector<VolumeReading>& volumes, std::int64_t thresholdGB,
-                               const std::vector<std::string>& unwatched) {
-  std::vector<Supply> supplies;
-  for (const VolumeReading& reading : volumes) {
-    const Volume& volume = reading.volume;
-    if (!mayWarnAbout(reading) || std::ranges::count(unwatched, volume.mountPoint()) > 0) continue;
-    const Space& space = *reading.space;
-    Supply supply{.pool = volume.holdsHome ? 0 : volume.pool, .name = volume.name, .free = space.free};
-    if (!volume.holdsHome) {
-      supply.limits = volumeLimits(saturatingAdd(space.used, space.free), thresholdGB);
-      supplies.push_back(supply);
-    }
-    if (!countsFiles(reading)) continue;
-    supply.resource = Resource::files;
-    supply.free = space.files->free;
-    supply.limits = fileLimits(space.files->total);
-    supplies.push_back(supply);
-  }
-  return supplies;
-}
-
 Notification WarningText::warning(const Arguments& arguments) {
   const auto& supplies = arguments.supplies;
   const bool isCritical = std::ranges::any_of(
       supplies, [](const Supply& supply) { return supply.level() == SpaceLevel::critical; });
   std::vector<std::string> body;
-  for (const Supply& supply : supplies) body.push_back(sentence(supply, arguments.locale));
+  for (const Supply& supply : supplies) body.push_back(SupplyText::sentence(supply, arguments.locale));
   const bool isAboutHome = std::ranges::any_of(supplies, &Supply::isHome);
   if (isAboutHome && arguments.culprit) {
     const std::string path = isolatedPath(Paths::display(arguments.culprit->path, arguments.home));
@@ -103,7 +50,7 @@ Notification WarningText::warning(const Arguments& arguments) {
                          {"size", ByteFormat::string(first.delta, arguments.locale)}}));
   }
   body.push_back(i18n("Click to see what's using space."));
-  return {.title = supplies.size() == 1 ? titleOf(supplies.front())
+  return {.title = supplies.size() == 1 ? SupplyText::title(supplies.front())
                    : isCritical         ? i18n("Your disks are almost full")
                                         : i18n("Disk space is running low"),
           .body = sentences(body),
@@ -130,14 +77,25 @@ SpaceLevel SpaceWarnings::level() const {
   return spaceLevel(volume->free, parts_.preferences.warningThresholdGB());
 }
 
+std::optional<Supply> SpaceWarnings::lowFiles() const {
+  for (const Supply& supply : supplies()) {
+    const bool isFiles = supply.isHome() && supply.resource == Resource::files;
+    if (isFiles && supply.level() != SpaceLevel::ok) return supply;
+  }
+  return std::nullopt;
+}
+
 std::vector<Supply> SpaceWarnings::supplies() const {
   const std::int64_t threshold = parts_.preferences.warningThresholdGB();
   std::vector<Supply> supplies;
   if (const auto& home = parts_.volume.status()) {
     supplies.push_back({.name = home->name, .free = home->free, .limits = homeLimits(threshold)});
   }
-  auto others = suppliesOf(parts_.volume.volumes(), threshold, parts_.preferences.unwatchedVolumes());
-  std::ranges::move(others, std::back_inserter(supplies));
+  const std::vector<std::string> unwatched = parts_.preferences.unwatchedVolumes();
+  for (const VolumeReading& reading : parts_.volume.volumes()) {
+    if (std::ranges::count(unwatched, reading.volume.mountPoint()) > 0) continue;
+    std::ranges::move(suppliesOf(reading, threshold), std::back_inserter(supplies));
+  }
   return supplies;
 }
 
@@ -146,8 +104,20 @@ std::optional<Warning> SpaceWarnings::lastOf(const Key& key) const {
   return found != lastWarnings_.end() ? std::optional{found->second} : std::nullopt;
 }
 
+// A volume that did not answer in time was not refilled meanwhile, as far as anybody knows.
+void SpaceWarnings::holdUnanswered(Warnings& held) const {
+  for (const auto& [volume, space] : parts_.volume.volumes()) {
+    for (const Resource resource : {Resource::space, Resource::files}) {
+      const Key key{volume.pool, resource};
+      const auto last = space ? std::nullopt : lastOf(key);
+      if (last) held.emplace(key, *last);
+    }
+  }
+}
+
 SpaceWarnings::Assessment SpaceWarnings::assess() const {
   Assessment now;
+  holdUnanswered(now.held);
   for (Supply& supply : supplies()) {
     const Key key{supply.pool, supply.resource};
     const auto last = lastOf(key);
@@ -191,7 +161,9 @@ void SpaceWarnings::warn(const std::vector<Supply>& supplies, const Warnings& wa
 }
 
 void SpaceWarnings::show(const std::vector<Supply>& supplies, const Warnings& warnings) {
-  const auto& culprit = parts_.growing.culprit();
+  // What grows is in the home folder: it does not fill another volume.
+  const bool isAboutHome = std::ranges::any_of(supplies, &Supply::isHome);
+  const std::optional<GrowthLine> culprit = isAboutHome ? parts_.growing.culprit() : std::nullopt;
   namedFolder_ = culprit ? culprit->path : "";
   if (culprit && !culprit->isDirectory) namedFolder_ = Paths::parent(namedFolder_);
   desktop_.notifier.show(WarningText::warning({.supplies = supplies,

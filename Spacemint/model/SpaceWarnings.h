@@ -5,7 +5,7 @@
 #include "Spacemint/model/GrowthNow.h"
 #include "Spacemint/model/ScanLifecycle.h"
 #include "Spacemint/model/VolumeWatch.h"
-#include "core/volume/SpaceLevel.h"
+#include "core/volume/Supply.h"
 
 #include <QObject>
 
@@ -53,33 +53,6 @@ struct Next {
 Next after(const std::optional<Warning>& last, const Reading& reading);
 
 }  // namespace WarningState
-
-/// What can run out on a volume.
-enum class Resource : std::uint8_t { space, files };
-
-/// Something that can run out, and how much of it is left.
-struct Supply {
-  /// The number of the volume; 0 for the one with the home folder.
-  std::uint64_t pool = 0;
-  Resource resource = Resource::space;
-  /// The name of the volume.
-  std::string name;
-  /// Bytes, or the number of files that still fit.
-  std::int64_t free = 0;
-  SpaceLimits limits;
-
-  SpaceLevel level() const { return limits.levelOf(free); }
-  bool isHome() const { return pool == 0; }
-};
-
-/// The supplies of other volumes than the home folder's, and the home volume's files. Leaves out volumes that
-/// cannot fill up, that are smaller than 1 GB, or that the user does not want to be warned about (by mount
-/// point). Pure.
-std::vector<Supply> suppliesOf(const std::vector<VolumeReading>& volumes, std::int64_t thresholdGB,
-                               const std::vector<std::string>& unwatched);
-
-/// The volumes that warnings may be about, besides the home folder's.
-bool mayWarnAbout(const VolumeReading& reading);
 
 /// The texts of the notifications.
 namespace WarningText {
@@ -130,7 +103,10 @@ class SpaceWarnings : public QObject {
   /// Of the space of the volume with the home folder.
   SpaceLevel level() const;
   bool notificationsAllowed() const { return notificationsAllowed_; }
-  /// The folder that the last warning named, or that holds the file which it named; empty if it named none.
+  /// The home folder's volume, if the number of its files runs low.
+  std::optional<Supply> lowFiles() const;
+  /// The folder that the last warning named as what fills the disk, or that holds the file which it named;
+  /// empty if it named none.
   const std::string& namedFolder() const { return namedFolder_; }
 
   /// Whether `evaluate` would warn now.
@@ -166,6 +142,7 @@ class SpaceWarnings : public QObject {
   };
 
   std::vector<Supply> supplies() const;
+  void holdUnanswered(Warnings& held) const;
   Assessment assess() const;
   std::optional<Warning> lastOf(const Key& key) const;
   void warn(const std::vector<Supply>& supplies, const Warnings& warnings);

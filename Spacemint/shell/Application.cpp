@@ -69,6 +69,7 @@ void Application::start() {
   connect(&host_.desktop.statusItem, &StatusItem::areaChanged, this, &Application::followStatusArea);
   connect(&host_.desktop.appearance, &Appearance::changed, this, &Application::updateStatusItem);
   connect(&host_.model, &AppModel::statusChanged, this, &Application::updateStatusItem);
+  connect(&host_.model.volume(), &VolumeWatch::volumesWereRead, this, &Application::updateStatusItem);
   if (host_.hasBundleIdentifier) {
     connect(&host_.desktop.notifier, &Notifier::activated, this, [this] {
       opensAsLeft_ = false;
@@ -184,7 +185,8 @@ StatusFacts Application::statusFacts() const {
   return {.level = host_.model.warnings().level(),
           .volume = host_.model.volume().status(),
           .showsFreeSpace = host_.model.prefs().showFreeSpaceInMenuBar(),
-          .locale = host_.locale};
+          .locale = host_.locale,
+          .lowFiles = host_.model.warnings().lowFiles()};
 }
 
 bool Application::isItemForDarkPanel() const {
@@ -203,7 +205,7 @@ void Application::updateStatusItem() {
   if (presence_ != AppPresence::menuBar || drawn_ == std::pair{facts, isDark}) return;
   drawn_ = {facts, isDark};
   const StatusText text = statusText(facts);
-  const QColor colour = colourOf(facts.level, isDark);
+  const QColor colour = colourOf(facts.worstLevel(), isDark);
   const auto logo = StatusIcon::logo(colour);
   host_.desktop.statusItem.setLook(
       {.title = text.title,

@@ -2,6 +2,7 @@
 
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
+#include "core/wording/SupplyText.h"
 #include "ui_kit/LogoGeometry.h"
 
 #include <QFont>
@@ -13,6 +14,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace spacemint {
 
@@ -74,10 +76,11 @@ StatusText statusText(const StatusFacts& facts) {
   if (!facts.volume) return {};
   const std::string free = ByteFormat::string(facts.volume->free, facts.locale);
   const bool isShown = facts.showsFreeSpace || facts.level != SpaceLevel::ok;
-  return {
-      .title = isShown ? " " + free : "",
-      .toolTip = i18n("{free} free of {total}",
-                      {{"free", free}, {"total", ByteFormat::string(facts.volume->total, facts.locale)}})};
+  std::string toolTip =
+      i18n("{free} free of {total}",
+           {{"free", free}, {"total", ByteFormat::string(facts.volume->total, facts.locale)}});
+  if (facts.lowFiles) toolTip += '\n' + SupplyText::title(*facts.lowFiles);
+  return {.title = isShown ? " " + free : "", .toolTip = std::move(toolTip)};
 }
 
 std::optional<Bytes> badgeOf(const StatusFacts& facts) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/volume/SpaceLevel.h"
+#include "core/volume/Supply.h"
 #include "core/volume/VolumeStatus.h"
 
 #include <QColor>
@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,7 @@ namespace spacemint {
 
 /// What decides the look of the status item.
 struct StatusFacts {
+  /// Of the free space.
   SpaceLevel level = SpaceLevel::ok;
   /// Absent while the volume cannot be read.
   std::optional<VolumeStatus> volume;
@@ -22,6 +24,11 @@ struct StatusFacts {
   bool showsFreeSpace = false;
   /// A locale name of ICU.
   std::string locale;
+  /// The volume's files, if their number runs low.
+  std::optional<Supply> lowFiles = {};
+
+  /// The worse one of the space and the files.
+  SpaceLevel worstLevel() const { return lowFiles ? std::max(level, lowFiles->level()) : level; }
 
   bool operator==(const StatusFacts&) const = default;
 };

@@ -9,7 +9,7 @@ Rectangle {
 
     required property Ui ui
     // QML cannot read an enumerator that begins with a small letter.
-    readonly property bool isCritical: ui.summary.level === 2
+    readonly property bool isCritical: ui.summary.warningLevel === 2
     readonly property color levelColor: isCritical ? Theme.critical : Theme.warning
 
     visible: ui.summary.warning

@@ -3,9 +3,10 @@
 #include "Spacemint/views/ShownText.h"
 #include "Spacemint/views/Words.h"
 #include "core/base/ByteFormat.h"
+#include "core/base/TextList.h"
 #include "core/base/Translation.h"
-#include "core/volume/SpaceLevel.h"
 #include "core/wording/FindingText.h"
+#include "core/wording/SupplyText.h"
 
 #include <algorithm>
 #include <array>
@@ -52,16 +53,20 @@ std::vector<VolumeLine> volumeLines(const std::vector<VolumeReading>& readings, 
                     .free = ShownText::plain(i18nc("a disk", "no answer"))};
     QString spoken = line.free;
     auto level = SpaceLevel::ok;
+    for (const Supply& supply : suppliesOf({volume, space}, thresholdGB)) {
+      level = std::max(level, supply.level());
+      const bool isLowOnFiles = supply.resource == Resource::files && supply.level() != SpaceLevel::ok;
+      if (isLowOnFiles) line.remark = ShownText::sentence(SupplyText::title(supply));
+    }
     if (space) {
       const Bytes usable = saturatingAdd(space->used, space->free);
-      if (mayWarnAbout({volume, space})) level = volumeLimits(usable, thresholdGB).levelOf(space->free);
       line.usedFraction = usable > 0 ? static_cast<double>(space->used) / static_cast<double>(usable) : 0;
       line.free = ShownText::plain(ByteFormat::string(space->free, locale));
       line.total = ofTotal(space->total, locale);
       spoken = freeOf(space->free, space->total, locale);
       line.level = static_cast<int>(level);
     }
-    line.spoken = Words::spoken({line.name, spoken, wordOf(level)});
+    line.spoken = Words::spoken({line.name, spoken, line.remark.isEmpty() ? wordOf(level) : line.remark});
     lines.push_back(std::move(line));
   }
   std::ranges::stable_sort(lines, std::greater{}, &VolumeLine::usedFraction);
@@ -80,6 +85,10 @@ Summary::Summary(const UiHost& host) : host_(host) {
 }
 
 void Summary::updateVolumes() {
+  if (const auto low = host_.model.warnings().lowFiles(); low != lowFiles_) {
+    lowFiles_ = low;
+    Q_EMIT changed();
+  }
   auto lines = volumeLines(host_.model.volume().volumes(), thresholdGB(), host_.locale);
   if (lines == lines_) return;
   lines_ = std::move(lines);
@@ -117,8 +126,13 @@ QString Summary::tickHelp() const {
       i18n("Warning below {number} GB free", {{"number", groupedNumber(thresholdGB(), host_.locale)}}));
 }
 
+Summary::Level Summary::warningLevel() const {
+  return lowFiles_ ? std::max(level(), static_cast<Level>(lowFiles_->level())) : level();
+}
+
 QString Summary::warning() const {
-  return ShownText::sentence(FindingText::warning(host_.model.warnings().level(), thresholdGB()));
+  return ShownText::sentence(sentences({FindingText::warning(host_.model.warnings().level(), thresholdGB()),
+                                        lowFiles_ ? SupplyText::sentence(*lowFiles_, host_.locale) : ""}));
 }
 
 }  // namespace spacemint

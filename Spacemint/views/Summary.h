@@ -20,6 +20,7 @@ struct VolumeLine {
   Q_PROPERTY(QString free MEMBER free)
   Q_PROPERTY(QString total MEMBER total)
   Q_PROPERTY(int level MEMBER level)
+  Q_PROPERTY(QString remark MEMBER remark)
   Q_PROPERTY(QString spoken MEMBER spoken)
  public:
   QString name;
@@ -28,6 +29,8 @@ struct VolumeLine {
   QString total;
   /// A `Summary::Level`.
   int level = 0;
+  /// That files run low; else empty.
+  QString remark;
   /// The line as a sentence: "backup, 6.2 GB free of 112 GB, low".
   QString spoken;
 
@@ -56,8 +59,9 @@ class Summary : public QObject {
   Q_PROPERTY(double usedFraction READ usedFraction NOTIFY changed)
   Q_PROPERTY(double tickFraction READ tickFraction NOTIFY changed)
   Q_PROPERTY(QString tickHelp READ tickHelp NOTIFY changed)
-  /// The sentence about a low level; empty if the level is ok.
+  /// The sentence about a low level, of the space or of the number of files; empty if both are ok.
   Q_PROPERTY(QString warning READ warning NOTIFY changed)
+  Q_PROPERTY(Level warningLevel READ warningLevel NOTIFY changed)
   /// A list of `VolumeLine`.
   Q_PROPERTY(QVariantList volumes READ volumes NOTIFY volumesChanged)
  public:
@@ -77,6 +81,7 @@ class Summary : public QObject {
   double tickFraction() const;
   QString tickHelp() const;
   QString warning() const;
+  Level warningLevel() const;
   const QVariantList& volumes() const { return volumes_; }
 
  Q_SIGNALS:
@@ -90,6 +95,7 @@ class Summary : public QObject {
 
   const UiHost& host_;
   Preferences::Subscription threshold_;
+  std::optional<Supply> lowFiles_;
   std::vector<VolumeLine> lines_;
   QVariantList volumes_;
 };

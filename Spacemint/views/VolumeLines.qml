@@ -35,7 +35,7 @@ ColumnLayout {
     Repeater {
         model: root.showsAll ? root.volumes.length : Math.min(root.volumes.length, root.shown)
 
-        RowLayout {
+        ColumnLayout {
             id: line
 
             required property int index
@@ -45,45 +45,60 @@ ColumnLayout {
             readonly property bool isLarge: root.isNarrow || Theme.scaled(100) > 140
 
             Layout.fillWidth: true
-            Layout.minimumHeight: Theme.scaled(22)
-            spacing: 8
+            spacing: 0
             Accessible.role: Accessible.StaticText
             Accessible.name: volume.spoken
 
-            Symbol {
-                symbol: line.volume.level > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
-                size: 14
-                color: line.volume.level > 0 ? line.levelColor : Theme.secondary
-            }
-            Label {
-                Layout.preferredWidth: Math.min(root.widest("name", 52), root.width * 0.35)
-                text: line.volume.name
-                size: 12
-                elide: Text.ElideRight
-                Accessible.ignored: true
-            }
-            UsageBar {
+            RowLayout {
                 Layout.fillWidth: true
-                implicitHeight: 4
-                fraction: line.volume.usedFraction
-                color: line.volume.level > 0 ? line.levelColor : Theme.secondary
-                Accessible.ignored: true
+                Layout.minimumHeight: Theme.scaled(22)
+                spacing: 8
+
+                Symbol {
+                    symbol: line.volume.level > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
+                    size: 14
+                    color: line.volume.level > 0 ? line.levelColor : Theme.secondary
+                }
+                Label {
+                    Layout.preferredWidth: Math.min(root.widest("name", 52), root.width * 0.35)
+                    text: line.volume.name
+                    size: 12
+                    elide: Text.ElideRight
+                    Accessible.ignored: true
+                }
+                UsageBar {
+                    Layout.fillWidth: true
+                    implicitHeight: 4
+                    fraction: line.volume.usedFraction
+                    color: line.volume.level > 0 ? line.levelColor : Theme.secondary
+                    Accessible.ignored: true
+                }
+                Label {
+                    Layout.preferredWidth: root.widest("free", 58)
+                    text: line.volume.free
+                    size: 12
+                    color: line.levelColor
+                    horizontalAlignment: Text.AlignRight
+                    Accessible.ignored: true
+                }
+                Label {
+                    Layout.preferredWidth: root.widest("total", 62)
+                    visible: !line.isLarge
+                    text: line.volume.total
+                    size: 12
+                    color: Theme.secondary
+                    horizontalAlignment: Text.AlignRight
+                    Accessible.ignored: true
+                }
             }
             Label {
-                Layout.preferredWidth: root.widest("free", 58)
-                text: line.volume.free
+                Layout.fillWidth: true
+                Layout.leftMargin: 22
+                visible: line.volume.remark
+                text: line.volume.remark
                 size: 12
                 color: line.levelColor
-                horizontalAlignment: Text.AlignRight
-                Accessible.ignored: true
-            }
-            Label {
-                Layout.preferredWidth: root.widest("total", 62)
-                visible: !line.isLarge
-                text: line.volume.total
-                size: 12
-                color: Theme.secondary
-                horizontalAlignment: Text.AlignRight
+                wrapMode: Text.Wrap
                 Accessible.ignored: true
             }
         }

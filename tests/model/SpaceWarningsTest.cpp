@@ -77,7 +77,6 @@ TEST(Supplies, areOfVolumesThatCanFillUp) {
     v.space->files = {.total = 1'000, .free = 30};
   });
   add("data", [](VolumeReading& v) { v.space->files = {.total = 1'000, .free = 9}; });
-  add("unwatched", [](VolumeReading&) {});
   add("stick", [](VolumeReading& v) { v.volume.isRemovable = true; });
   add("dvd", [](VolumeReading& v) { v.volume.isWritable = false; });
   add("boot", [](VolumeReading& v) { v.space->total = GB - 1; });
@@ -87,9 +86,11 @@ TEST(Supplies, areOfVolumesThatCanFillUp) {
     v.space->files = {.total = 1'000, .free = 0};
   });
   std::string found;
-  for (const Supply& supply : suppliesOf(volumes, 20, {"/unwatched"})) {
-    found += supply.name + (supply.resource == Resource::files ? " files " : " space ") +
-             std::to_string(std::to_underlying(supply.level())) + "\n";
+  for (const VolumeReading& volume : volumes) {
+    for (const Supply& supply : suppliesOf(volume, 20)) {
+      found += supply.name + (supply.resource == Resource::files ? " files " : " space ") +
+               std::to_string(std::to_underlying(supply.level())) + "\n";
+    }
   }
   EXPECT_EQ(found, "home files 1\ndata space 0\ndata files 2\nwindows space 0\n");
 }
@@ -146,6 +147,11 @@ TEST_F(SpaceWarningsTest, keepsAStateForEachVolumeAndSaysItInOneMessage) {
   volumes.push_back(volumeOf(1, "backup", 4 * GB));
   desktop.advance(60s);
   EXPECT_EQ(notified(), "backup is almost full: Only 4 GB left on backup. Click to see what's using space.");
+  volumes.back().space.reset();
+  desktop.advance(60s);
+  volumes.back() = volumeOf(1, "backup", 4 * GB);
+  desktop.advance(60s);
+  EXPECT_EQ(notified(), "none") << "the volume was only slow to answer";
 }
 
 TEST_F(SpaceWarningsTest, warnsAsSoonAsAServiceAcceptsTheWarning) {
@@ -193,6 +199,14 @@ TEST_F(SpaceWarningsTest, namesWhatFillsTheDiskAndAClickOpensItsFolder) {
   model->followWarning();
   EXPECT_EQ(model->tab(), Tab::folders);
   EXPECT_EQ(model->folderPath(), inHome("vm"));
+
+  desktop.volume.others = {volumeOf(1, "backup", GB)};
+  growFile("vm", "disk.img", 10, 8 * MB);
+  desktop.advance(1min);
+  ASSERT_THAT(desktop.notifier.posted, SizeIs(3));
+  EXPECT_EQ(desktop.notifier.posted[2].body, "Only 1 GB left on backup. Click to see what's using space.");
+  model->followWarning();
+  EXPECT_EQ(model->tab(), Tab::overview) << "the file fills another volume";
 }
 
 TEST_F(SpaceWarningsTest, aWarningThatIsNoLongerDueIsNotGiven) {
