@@ -54,9 +54,12 @@ std::vector<VolumeLine> volumeLines(const std::vector<VolumeReading>& readings, 
     QString spoken = line.free;
     auto level = SpaceLevel::ok;
     for (const Supply& supply : suppliesOf({volume, space}, thresholdGB)) {
-      level = std::max(level, supply.level());
-      const bool isLowOnFiles = supply.resource == Resource::files && supply.level() != SpaceLevel::ok;
-      if (isLowOnFiles) line.remark = ShownText::sentence(SupplyText::title(supply));
+      if (supply.resource == Resource::space) {
+        level = supply.level();
+      } else if (supply.level() != SpaceLevel::ok) {
+        line.filesLevel = static_cast<int>(supply.level());
+        line.remark = ShownText::sentence(SupplyText::title(supply));
+      }
     }
     if (space) {
       const Bytes usable = saturatingAdd(space->used, space->free);
@@ -66,7 +69,7 @@ std::vector<VolumeLine> volumeLines(const std::vector<VolumeReading>& readings, 
       spoken = freeOf(space->free, space->total, locale);
       line.level = static_cast<int>(level);
     }
-    line.spoken = Words::spoken({line.name, spoken, line.remark.isEmpty() ? wordOf(level) : line.remark});
+    line.spoken = Words::spoken({line.name, spoken, wordOf(level), line.remark});
     lines.push_back(std::move(line));
   }
   std::ranges::stable_sort(lines, std::greater{}, &VolumeLine::usedFraction);

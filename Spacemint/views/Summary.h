@@ -20,6 +20,7 @@ struct VolumeLine {
   Q_PROPERTY(QString free MEMBER free)
   Q_PROPERTY(QString total MEMBER total)
   Q_PROPERTY(int level MEMBER level)
+  Q_PROPERTY(int filesLevel MEMBER filesLevel)
   Q_PROPERTY(QString remark MEMBER remark)
   Q_PROPERTY(QString spoken MEMBER spoken)
  public:
@@ -27,8 +28,9 @@ struct VolumeLine {
   double usedFraction = 0;
   QString free;
   QString total;
-  /// A `Summary::Level`.
+  /// A `Summary::Level` of the space, and one of the number of files.
   int level = 0;
+  int filesLevel = 0;
   /// That files run low; else empty.
   QString remark;
   /// The line as a sentence: "backup, 6.2 GB free of 112 GB, low".

@@ -40,7 +40,9 @@ ColumnLayout {
 
             required property int index
             readonly property var volume: root.volumes[index]
-            readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][volume.level]
+            readonly property list<color> colors: [Theme.ink, Theme.warning, Theme.critical]
+            readonly property color levelColor: colors[volume.level]
+            readonly property int worstLevel: Math.max(volume.level, volume.filesLevel)
             // With large letters there is no room for the total.
             readonly property bool isLarge: root.isNarrow || Theme.scaled(100) > 140
 
@@ -55,9 +57,9 @@ ColumnLayout {
                 spacing: 8
 
                 Symbol {
-                    symbol: line.volume.level > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
+                    symbol: line.worstLevel > 0 ? "exclamationmark.triangle.fill" : "externaldrive"
                     size: 14
-                    color: line.volume.level > 0 ? line.levelColor : Theme.secondary
+                    color: line.worstLevel > 0 ? line.colors[line.worstLevel] : Theme.secondary
                 }
                 Label {
                     Layout.preferredWidth: Math.min(root.widest("name", 52), root.width * 0.35)
@@ -93,11 +95,11 @@ ColumnLayout {
             }
             Label {
                 Layout.fillWidth: true
-                Layout.leftMargin: 22
+                Layout.leftMargin: Theme.scaled(14) + 8
                 visible: line.volume.remark
                 text: line.volume.remark
                 size: 12
-                color: line.levelColor
+                color: line.colors[line.volume.filesLevel]
                 wrapMode: Text.Wrap
                 Accessible.ignored: true
             }

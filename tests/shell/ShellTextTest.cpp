@@ -42,6 +42,14 @@ TEST(StatusText, sayTheFreeSpaceWhereItIsWantedOrLow) {
   }
 }
 
+TEST(StatusText, saysThatFilesRunLow) {
+  const Supply files{.resource = Resource::files, .name = "Home", .free = 9, .limits = fileLimits(1'000)};
+  const StatusFacts facts{.volume = VolumeStatus{"Disk", 500'000'000'000, 17'300'000'000}, .lowFiles = files};
+  EXPECT_EQ(statusText(facts).title, "");
+  EXPECT_EQ(statusText(facts).toolTip, "17.3 GB free of 500 GB\nAlmost no room for more files on Home");
+  EXPECT_EQ(facts.worstLevel(), SpaceLevel::critical);
+}
+
 TEST(PanelPlacement, isBesideTheItemAndInsideTheUsableArea) {
   const QRect whole{0, 0, 1280, 800};
   const PanelScreen top{whole, {0, 30, 1280, 770}};

@@ -81,14 +81,17 @@ TEST(PageText, volumesAreListedFromTheFullest) {
                                       volume("boot", 90, 1),
                                       volume("windows", 1, 1)};
   readings[0].volume.holdsHome = true;
+  readings[1].space->files = {.total = 1'000, .free = 49};
   readings[3].volume.isRemovable = true;
   readings[5].space.reset();
   std::string spoken;
   for (const VolumeLine& line : volumeLines(readings, 20, "en_US"))
     spoken += line.spoken.toStdString() + "\n";
-  EXPECT_EQ(spoken,
-            "boot, 1 bytes free of 91 bytes\nbackup, 6 GB free of 112 GB, low\ndata, 50 GB free of 100 GB\n"
-            "windows, no answer\n");
+  EXPECT_EQ(
+      spoken,
+      "boot, 1 bytes free of 91 bytes\nbackup, 6 GB free of 112 GB, low\ndata, 50 GB free of 100 GB, Room "
+      "for files is running low on data\n"
+      "windows, no answer\n");
 }
 
 TEST(PageText, namesTheRootByWhatWasScanned) {

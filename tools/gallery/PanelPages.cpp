@@ -188,6 +188,15 @@ constexpr PanelPage panelPages[] = {
                                    volumeOf("archive 2019 to 2024", false, 2'000 * GB, 640 * GB),
                                    volumeOf("backup", false, 112 * GB, 6'200 * MB)};
      }},
+    {"panel-files-low",
+     [](Scene& s) {
+       s.scanned();
+       s.screen().volume.others = {volumeOf("Home", true, 500 * GB, 100 * GB),
+                                   volumeOf("mail", false, 60 * GB, 21 * GB),
+                                   volumeOf("backup", false, 112 * GB, 6'200 * MB)};
+       s.screen().volume.others[0].space->files = {.total = 30'000'000, .free = 1'200'000};
+       s.screen().volume.others[1].space->files = {.total = 4'000'000, .free = 12'000};
+     }},
     {"panel-message", scanned, [](Scene& s) { s.tell(movedText("thesis.pdf")); }},
     {"panel-message-action", scanned,
      [](Scene& s) { s.tell(closedText(), MessageAction{.title = i18n("Open Settings"), .perform = [] {}}); }},
