@@ -201,7 +201,14 @@ class Application:
         return wait_until(lambda: look() or self.xdotool("click", 5), f"{what} when scrolling")
 
     def scroll_to(self, name, role=None):
-        return self.scroll_until(lambda: self.all(name, role), repr(name))[0]
+        return self.scroll_until(lambda: [item for item in self.all(name, role) if self.can_be_clicked(item)],
+                                 repr(name))[0]
+
+    def can_be_clicked(self, item):
+        """What is half below the edge is on the screen too, but a click at its middle is one beside the window."""
+        left, top, width, height = self.place()
+        x, y = self.centre(item)
+        return left < x < left + width and top < y < top + height
 
     def point_at_middle(self):
         x, y, width, height = self.place()
