@@ -32,6 +32,12 @@ std::chrono::seconds secondsBetween(GrowthWatch::Time from, GrowthWatch::Time to
   return std::chrono::duration_cast<std::chrono::seconds>(to - from);
 }
 
+Bytes sumOf(const FolderContents& contents) {
+  Bytes sum = 0;
+  for (const FolderContents::File& file : contents.files) sum = saturatingAdd(sum, file.size);
+  return sum;
+}
+
 GrowthFigures notBelowZero(const GrowthFigures& figures) {
   return {std::max<Bytes>(figures.tenSeconds, 0), std::max<Bytes>(figures.minute, 0),
           std::max<Bytes>(figures.tenMinutes, 0)};
@@ -41,37 +47,50 @@ GrowthFigures notBelowZero(const GrowthFigures& figures) {
 
 void GrowthWatch::look(const std::string& path, const FolderContents& contents, Date lookedBefore, Time now) {
   Folder& folder = folders_[path];
-  Bytes sum = 0;
-  Bytes grown = 0;
-  std::unordered_map<std::uint64_t, Bytes> files;
-  const bool tellsApart = contents.files.size() <= fileLimit;
-  for (const FolderContents::File& file : contents.files) {
-    sum = saturatingAdd(sum, file.size);
-    const auto before = folder.files.find(file.inode);
-    const bool isNew = before == folder.files.end();
-    const bool counts = !isNew || (file.born && *file.born > lookedBefore);
-    const Bytes change = counts ? file.size - (isNew ? 0 : before->second) : 0;
-    if (change > 0) grown = saturatingAdd(grown, change);
-    if (tellsApart) {
-      if (change > 0) grow(folder, file, change, now);
-      if (change < 0) folder.freed.add(-change, now);
-      files.emplace(file.inode, file.size);
-    }
-    if (!counts) arrivals_.insert(file.inode);
-    if (!isNew) folder.files.erase(before);
-  }
-  if (tellsApart) {
-    for (const auto& [inode, size] : folder.files) departures_.push_back({path, inode, size});
-  } else if (folder.isKnown) {
-    const Bytes change = saturatingSubtract(sum, folder.sum);
-    (change > 0 ? folder.grown : folder.freed).add(std::abs(change), now);
+  if (contents.files.size() <= fileLimit) {
+    lookAtFiles(path, contents, lookedBefore, now);
   } else {
-    folder.grown.add(grown, now);
+    lookAtSum(folder, contents, lookedBefore, now);
+  }
+  folder.sum = sumOf(contents);
+  folder.isKnown = true;
+}
+
+// What was added to the file since the last look. A file of which that is not known counts as moved here.
+std::optional<Bytes> GrowthWatch::changeOf(const Folder& folder, const FolderContents::File& file,
+                                           Date lookedBefore) {
+  const auto before = folder.files.find(file.inode);
+  if (before != folder.files.end()) return file.size - before->second;
+  if (file.born && *file.born > lookedBefore) return file.size;
+  arrivals_.insert(file.inode);
+  return std::nullopt;
+}
+
+void GrowthWatch::lookAtFiles(const std::string& path, const FolderContents& contents, Date lookedBefore,
+                              Time now) {
+  Folder& folder = folders_[path];
+  std::unordered_map<std::uint64_t, Bytes> files;
+  for (const FolderContents::File& file : contents.files) {
+    const Bytes change = changeOf(folder, file, lookedBefore).value_or(0);
+    if (change > 0) grow(folder, file, change, now);
+    if (change < 0) folder.freed.add(-change, now);
+    files.emplace(file.inode, file.size);
+  }
+  for (const auto& [inode, size] : folder.files) {
+    if (!files.contains(inode)) departures_.push_back({path, inode, size});
   }
   folder.files = std::move(files);
   follow(folder, contents);
-  folder.sum = sum;
-  folder.isKnown = true;
+}
+
+void GrowthWatch::lookAtSum(Folder& folder, const FolderContents& contents, Date lookedBefore, Time now) {
+  Bytes change = 0;
+  for (const FolderContents::File& file : contents.files)
+    change = saturatingAdd(change, std::max<Bytes>(0, changeOf(folder, file, lookedBefore).value_or(0)));
+  if (folder.isKnown) change = saturatingSubtract(sumOf(contents), folder.sum);
+  (change > 0 ? folder.grown : folder.freed).add(std::abs(change), now);
+  folder.files.clear();
+  folder.growing.clear();
 }
 
 void GrowthWatch::remove(const std::string& path, Time now) {
@@ -143,7 +162,7 @@ void GrowthWatch::finish(Bytes free, Time now) {
   account(free, now);
   auto candidates = explain(false, now);
   std::ranges::move(explain(true, now), std::back_inserter(candidates));
-  choose(std::move(candidates), now);
+  show(chosenFrom(std::move(candidates), now));
 }
 
 GrowthFigures GrowthWatch::total(bool freed, Time now) const {
@@ -201,7 +220,8 @@ void GrowthWatch::name(GrowthLine& line, Time now) const {
   }
 }
 
-void GrowthWatch::choose(std::vector<GrowthLine> candidates, Time now) {
+// Updates what is known of each candidate, and returns those that have a line.
+std::vector<GrowthLine> GrowthWatch::chosenFrom(std::vector<GrowthLine> candidates, Time now) {
   const Bytes minimum = std::clamp<Bytes>(free_ / 100, 1, lineMinimum);
   std::map<std::pair<bool, std::string>, Shown> shown;
   std::vector<GrowthLine> chosen;
@@ -219,12 +239,15 @@ void GrowthWatch::choose(std::vector<GrowthLine> candidates, Time now) {
                     (state.isShown || state.refreshes >= 2 || line.figures.minute >= 10 * minimum);
     line.duration = secondsBetween(state.first, state.last);
     line.quiet = secondsBetween(state.last, now);
-    if (state.isShown) chosen.push_back(line);
+    if (state.isShown) chosen.push_back(std::move(line));
     shown.emplace(key, state);
   }
   shown_ = std::move(shown);
+  return chosen;
+}
 
-  // The old order first, then what is new; a line that grew more moves up.
+// The old order first, then what is new; a line that grew more moves up.
+void GrowthWatch::show(std::vector<GrowthLine> chosen) {
   const auto placeOf = [&](const GrowthLine& line) {
     const auto same = [&](const GrowthLine& old) {
       return old.path == line.path && old.isFreed == line.isFreed;

@@ -50,12 +50,12 @@ class GrowthWatch {
 
   explicit GrowthWatch(std::string root) : root_(std::move(root)) {}
 
-  /// Takes in what is in a folder now. A file that was not there at the last look counts as growth if it was
-  /// created after `lookedBefore`, the wall-clock time of the refresh before; otherwise it may have been
-  /// moved here, or never have been looked at.
-  void look(const std::string& folder, const FolderContents& contents, Date lookedBefore, Time now);
-  /// The folder cannot be listed any more.
-  void remove(const std::string& folder, Time now);
+  /// Takes in what is in the folder at `path` now. A file that was not there at the last look counts as
+  /// growth if it was created after `lookedBefore`, the wall-clock time of the refresh before; otherwise it
+  /// may have been moved here, or never have been looked at.
+  void look(const std::string& path, const FolderContents& contents, Date lookedBefore, Time now);
+  /// The folder at `path` cannot be listed any more.
+  void remove(const std::string& path, Time now);
   /// Call after the looks of a refresh. `free`: the free space of the volume.
   void finish(Bytes free, Time now);
 
@@ -98,6 +98,9 @@ class GrowthWatch {
     Bytes size = 0;
   };
 
+  std::optional<Bytes> changeOf(const Folder& folder, const FolderContents::File& file, Date lookedBefore);
+  void lookAtSum(Folder& folder, const FolderContents& contents, Date lookedBefore, Time now);
+  void lookAtFiles(const std::string& path, const FolderContents& contents, Date lookedBefore, Time now);
   void settleDepartures(Time now);
   static void grow(Folder& folder, const FolderContents::File& file, Bytes bytes, Time now);
   static void follow(Folder& folder, const FolderContents& contents);
@@ -105,7 +108,8 @@ class GrowthWatch {
   void forget(Time now);
   std::vector<GrowthLine> explain(bool freed, Time now) const;
   void name(GrowthLine& line, Time now) const;
-  void choose(std::vector<GrowthLine> candidates, Time now);
+  std::vector<GrowthLine> chosenFrom(std::vector<GrowthLine> candidates, Time now);
+  void show(std::vector<GrowthLine> chosen);
   void account(Bytes free, Time now);
   GrowthFigures total(bool freed, Time now) const;
 
