@@ -38,6 +38,7 @@ Notification WarningText::warning(const Arguments& arguments) {
   const bool isCritical = std::ranges::any_of(
       supplies, [](const Supply& supply) { return supply.level() == SpaceLevel::critical; });
   std::vector<std::string> body;
+  body.reserve(supplies.size() + 2);
   for (const Supply& supply : supplies) body.push_back(SupplyText::sentence(supply, arguments.locale));
   const bool isAboutHome = std::ranges::any_of(supplies, &Supply::isHome);
   if (isAboutHome && arguments.culprit) {

@@ -1,5 +1,7 @@
 #include "core/scan/ProcessJournal.h"
 
+#include "core/base/Log.h"
+
 namespace spacemint {
 
 ProcessJournal::ProcessJournal(EventRecorder::Options options)
@@ -12,18 +14,25 @@ std::unique_ptr<RecordingCrawl> ProcessJournal::beginCrawl(const std::string& ro
   std::shared_ptr<EventRecorder> recorder;
   {
     const std::lock_guard hold(mutex_);
-    if (root_ != root || !recorder_) {
-      recorder_.reset();
-      root_ = root;
-      options_.root = root;
-      starter_.call([this] {
-        auto started = EventRecorder::start(options_);
-        if (started) recorder_ = std::move(*started);
-      });
-    }
+    if (root_ != root || !recorder_) start(root);
     recorder = recorder_;
   }
   return recorder ? recorder->beginCrawl(root) : nullptr;
+}
+
+// With `mutex_` locked. If the recorder cannot start, there is none.
+void ProcessJournal::start(const std::string& root) {
+  recorder_.reset();
+  root_ = root;
+  options_.root = root;
+  starter_.call([this] {
+    auto started = EventRecorder::start(options_);
+    if (started) {
+      recorder_ = std::move(*started);
+    } else {
+      log(LogLevel::info, "this process does not record " + root_ + ": " + started.error().message);
+    }
+  });
 }
 
 std::uint64_t ProcessJournal::currentEventID(const JournalQuery& query) {

@@ -23,6 +23,7 @@ class ProcessJournal final : public EventJournal {
   std::expected<MeasuredChanges, JournalError> measuredChanges(const JournalQuery& query) override;
 
  private:
+  void start(const std::string& root);
   /// The recorder of this process if it records `root`, otherwise null.
   std::shared_ptr<EventRecorder> recorderOf(const std::string& root) const;
 

@@ -48,6 +48,7 @@ std::vector<HeldFiles> heldByPrograms(const std::vector<DeletedFile>& files, std
     group.size = saturatingAdd(group.size, file.size.value_or(0));
   }
   std::vector<HeldFiles> held;
+  held.reserve(groups.size());
   for (auto& [names, group] : groups) held.push_back(std::move(group));
   std::ranges::stable_sort(held, std::greater{}, &HeldFiles::size);
   return held;
