@@ -98,9 +98,9 @@ class Top {
   // That the folder is gone explains more than what the recorder says of it.
   void sayWhy(JournalError problem) const {
     std::error_code failure;
-    std::filesystem::canonical(root_, failure);
-    complain(failure ? printable(systemError(root_, failure.value()).message)
-                     : printable(root_) + ": " + i18n(std::string{textOf(problem)}.c_str()));
+    const bool isThere = !std::filesystem::canonical(root_, failure).empty();
+    complain(isThere ? printable(root_) + ": " + i18n(std::string{textOf(problem)}.c_str())
+                     : printable(systemError(root_, failure.value()).message));
   }
 
   // False while the recorder sets itself up.
