@@ -20,6 +20,7 @@ Item {
     Accessible.role: history.count > 0 ? Accessible.Slider : Accessible.StaticText
     Accessible.name: history.count > 0 ? Words.comparedWith : history.text
     Accessible.description: history.chosenText
+    Accessible.ignored: !Accessible.name
     Accessible.focusable: activeFocusOnTab
     Keys.onPressed: event => {
         const right = LayoutMirroring.enabled ? -1 : 1;

@@ -8,12 +8,33 @@ T.ProgressBar {
 
     /// From 0 to 1; negative while it is unknown.
     property real fraction: -1
+    /// The progress in words.
+    property string text
 
     value: Math.max(0, fraction)
     indeterminate: fraction < 0
     implicitWidth: 120
     implicitHeight: 6
     focusPolicy: Qt.NoFocus
+    Accessible.name: text
+
+    // Qt has no values of progress bars for screen readers: they get a message at each tenth.
+    Item {
+        id: message
+
+        readonly property int tenth: Math.floor(Math.max(0, root.fraction) * 10)
+
+        // A message that appears is read out.
+        function appear() {
+            visible = false;
+            Accessible.name = root.text;
+            visible = tenth > 0;
+        }
+
+        visible: false
+        Accessible.role: Accessible.AlertMessage
+        onTenthChanged: Qt.callLater(appear)
+    }
 
     contentItem: Item {
         clip: true

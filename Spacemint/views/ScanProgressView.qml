@@ -21,6 +21,7 @@ ColumnLayout {
             text: root.ui.scan.title
             size: root.compact ? 11.5 : 13
             weight: Font.Medium
+            Accessible.ignored: true
         }
         Label {
             Layout.fillWidth: true
@@ -35,7 +36,7 @@ ColumnLayout {
         Layout.fillWidth: true
         fraction: root.ui.scan.fraction
         implicitHeight: root.compact ? 4 : 6
-        Accessible.name: Words.scanning
+        text: root.ui.scan.title
     }
     Timer {
         interval: 1000

@@ -65,7 +65,6 @@ class Words : public QObject {
   SPACEMINT_WORD(firstScanTitle, i18n("Taking stock of your disk…"))
   SPACEMINT_WORD(foundSoFar, i18n("Found so far"))
   SPACEMINT_WORD(firstScanLeave, i18n("You can leave; the scan goes on."))
-  SPACEMINT_WORD(scanning, i18n("Scanning…"))
   SPACEMINT_WORD(firstScanLine, i18n("This first scan runs quietly and takes a few minutes."))
 
   // The tabs.

@@ -314,6 +314,23 @@ class ScreenReaderTest : public ShownTabs {
   }
 };
 
+TEST_F(ScreenReaderTest, hearsOfEachTenthOfAScan) {
+  view = std::make_unique<ShownView>(QStringLiteral("ProgressBar.qml"), QVariantMap{}, QSize{200, 10});
+  std::vector<std::string> said;
+  for (int percent = 0; percent <= 100; percent += 7) {
+    view->root()->setProperty("fraction", percent / 100.0);
+    view->root()->setProperty("text", QString::number(percent));
+    QCoreApplication::processEvents();
+    for (QQuickItem* item : view->root()->childItems()) {
+      QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(item);
+      if (spoken == nullptr || spoken->role() != QAccessible::AlertMessage || !item->isVisible()) continue;
+      const std::string name = spoken->text(QAccessible::Name).toStdString();
+      if (said.empty() || said.back() != name) said.push_back(name);
+    }
+  }
+  EXPECT_THAT(said, ElementsAre("14", "21", "35", "42", "56", "63", "70", "84", "91"));
+}
+
 TEST_F(ScreenReaderTest, everyControlHasARoleANameAValueAndAState) {
   std::string table;
   const auto add = [&](const char* page) {
