@@ -22,18 +22,21 @@ T.ProgressBar {
     Item {
         id: message
 
-        readonly property int tenth: Math.floor(Math.max(0, root.fraction) * 10)
-
-        // A message that appears is read out.
-        function appear() {
-            visible = false;
-            Accessible.name = root.text;
-            visible = tenth > 0;
-        }
+        readonly property string text: root.text
+        property int said: 0
 
         visible: false
         Accessible.role: Accessible.AlertMessage
-        onTenthChanged: Qt.callLater(appear)
+        onTextChanged: {
+            const tenth = Math.floor(Math.max(0, root.fraction) * 10);
+            if (tenth === said)
+                return;
+            said = tenth;
+            // A message that appears is read out.
+            visible = false;
+            Accessible.name = text;
+            visible = tenth > 0;
+        }
     }
 
     contentItem: Item {
