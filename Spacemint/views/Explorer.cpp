@@ -315,6 +315,8 @@ std::vector<ListItem> Explorer::foundItems() {
 }
 
 void Explorer::updateRows() {
+  // The rows of before stay until the search has ended.
+  if (isSearching_ && mistake_.empty() && !hits_) return;
   std::vector<ListItem> items;
   std::string text;
   if (showsRows_ && folder_.node != nullptr) {
@@ -322,7 +324,7 @@ void Explorer::updateRows() {
       items = foundItems();
       if (!mistake_.empty()) {
         text = mistake_;
-      } else if (items.empty() && hits_) {
+      } else if (items.empty()) {
         text = PictureText::nothingFound(host_.model.fileSearch(), FolderText::smallest(*folder_.snapshot),
                                          host_.locale);
       }

@@ -22,9 +22,11 @@ Rectangle {
     GridLayout {
         id: grid
 
-        anchors.fill: parent
-        anchors.margins: 12
-        anchors.leftMargin: 14
+        x: 14
+        y: 12
+        // As wide as the card will be: a layout sizes it only once it is visible, and then ignores that the
+        // text needs fewer lines.
+        width: root.parent ? root.parent.width - root.Layout.leftMargin - root.Layout.rightMargin - 26 : 0
         columnSpacing: 12
         rowSpacing: 4
 
