@@ -5,6 +5,7 @@
 #include "core/base/Unicode.h"
 #include "core/host/UserFolders.h"
 #include "core/volume/SharedFiles.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/Answer.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
@@ -55,8 +56,8 @@ std::int64_t filesIn(const Node& node) {
 }
 
 // The last column before the name is the number of files if the order is by it.
-std::string folderText(const std::string& path, const Node& folder, const ListOptions& options,
-                       const Wording& wording) {
+std::string folderText(const std::string& path, const Node& folder, const ExcludedSum& excluded,
+                       const ListOptions& options, const Wording& wording) {
   std::size_t top = options.top;
   const std::string text = printable(Paths::display(path, wording.home)) + ": " +
                            ByteFormat::string(folder.size, wording.locale) + '\n';
@@ -75,6 +76,10 @@ std::string folderText(const std::string& path, const Node& folder, const ListOp
     table.add({ByteFormat::string(folder.unlistedSize(), wording.locale),
                options.byCount ? "" : percentage(folder.unlistedSize(), folder.size),
                i18n("(smaller files and folders)")});
+  }
+  if (excluded.items > 0) {
+    table.add({excluded.unknown == excluded.items ? "" : ByteFormat::string(excluded.size, wording.locale),
+               "", "(" + i18n(FindingText::excludedTitle) + ")"});
   }
   return text + table.text();
 }
@@ -127,7 +132,8 @@ int runFolders(const ListOptions& options) {
   Node folder = *found;
   if (options.byCount) std::ranges::stable_sort(folder.children, std::greater{}, filesIn);
   return print(options.json ? folderJson(shown, folder).dump() + '\n'
-                            : folderText(shown, folder, options, userWording()))
+                            : folderText(shown, folder, snapshot->coverage.excludedBelow(shown), options,
+                                         userWording()))
              ? done
              : failed;
 }

@@ -104,7 +104,11 @@ std::vector<Paragraph> BrowseText::info(const Row& row, const BrowseView& view, 
   if (!about.empty()) lines.push_back({about}), lines.push_back({""});
   if (const std::string text = flagText(row.flag); !text.empty())
     lines.push_back({text, Style::warning}), lines.push_back({""});
-  if (row.isUnmeasured()) return lines;
+  if (row.isUnmeasured()) {
+    if (row.size > 0)
+      say(i18n("Size"), i18n("{size}, as last measured", {{"size", ByteFormat::string(row.size, locale)}}));
+    return lines;
+  }
   const std::string share = percentage(row.size, view.whole);
   const std::string bytes = ByteFormat::string(row.size, locale);
   say(i18n("Size"),

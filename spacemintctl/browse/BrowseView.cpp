@@ -51,12 +51,12 @@ constexpr std::size_t signsWidth = 2;
 
 Span sizeCell(const Row& row, const BrowseView& view, Bytes) {
   if (row.kind == Row::Kind::gone) return {i18n("gone"), Style::dim};
-  if (row.isUnmeasured()) return {""};
+  if (row.isUnmeasured()) return {row.size > 0 ? ByteFormat::string(row.size, view.locale) : "", Style::dim};
   if (view.isUnfinished && row.isDirectory && row.fileCount == 0) return {"…", Style::dim};
   return {ByteFormat::string(row.size, view.locale), Style::strong};
 }
 Span barCell(const Row& row, const BrowseView&, Bytes largest) {
-  return {barOf(row.size, largest, barWidth), Style::bar};
+  return {barOf(row.isUnmeasured() ? 0 : row.size, largest, barWidth), Style::bar};
 }
 Span percentageCell(const Row& row, const BrowseView& view, Bytes) {
   return {row.kind == Row::Kind::gone || row.isUnmeasured() ? "" : percentage(row.size, view.whole)};
@@ -276,6 +276,20 @@ void place(const Popup& popup, Screen& screen, const ScreenSize& size) {
   put(top + 1 + inside.size(), {{rule("└", "┘", shownText(popup.keys), width), Style::strong}});
 }
 
+// A message that is too long for its line begins on the line of the status: its end has the reason.
+void addFooter(const BrowseView& view, std::size_t width, std::vector<Line>& lines) {
+  const std::string footer = shownText(view.footer);
+  const bool isLong = view.footerStyle != Style::dim && columnsOf(footer) + 1 > width;
+  if (const auto parts = wrapped(footer, width - 1); isLong && parts.size() > 1) {
+    const std::string rest = parts.size() > 2 ? endOf(footer, width - 1) : parts[1];
+    lines.push_back(textLine(" " + parts[0], width, view.footerStyle));
+    lines.push_back(textLine(" " + rest, width, view.footerStyle));
+    return;
+  }
+  lines.push_back(textLine(" " + shownText(view.status), width, Style::plain));
+  lines.push_back(textLine(" " + keysThatFit(footer, width - 1), width, view.footerStyle));
+}
+
 }  // namespace
 
 char signOf(Flag flag) {
@@ -317,7 +331,9 @@ Screen drawn(const BrowseView& view, const ScreenSize& size) {
   const std::size_t width = size.columns;
   const std::vector<Column> columns = columnsFor(view, width);
   Bytes largest = 1;
-  for (const Row& row : view.rows) largest = std::max(largest, row.size);
+  for (const Row& row : view.rows) {
+    if (!row.isUnmeasured()) largest = std::max(largest, row.size);
+  }
   Screen screen;
   auto& lines = screen.lines;
   lines.push_back(titleLine(view, width));
@@ -332,8 +348,7 @@ Screen drawn(const BrowseView& view, const ScreenSize& size) {
       lines.push_back(textLine(saysWhy ? "  " + shownText(view.emptyText) : "", width, Style::dim));
     }
   }
-  lines.push_back(textLine(" " + shownText(view.status), width, Style::plain));
-  lines.push_back(textLine(" " + keysThatFit(shownText(view.footer), width - 1), width, view.footerStyle));
+  addFooter(view, width, lines);
   lines.resize(size.rows, textLine("", width, Style::plain));
   if (view.popup) place(*view.popup, screen, size);
   return screen;

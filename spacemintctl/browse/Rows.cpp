@@ -90,11 +90,15 @@ Flag flagOf(const Row& row, const FlagsByName& unread, bool isComplete) {
 
 // Rows for what is in the folder and has no node, because it could not be read or was left out.
 void addUncounted(std::vector<Row>& rows, const RowSource& source, const FlagsByName& unread) {
-  const auto add = [&](std::string name, Row::Kind kind, Flag flag) {
+  const auto add = [&](std::string name, Row::Kind kind, Flag flag, Bytes size = 0) {
     if (std::ranges::find(rows, name, &Row::name) != rows.end()) return;
     std::string path = Paths::join(source.path, name);
-    rows.push_back(
-        {.kind = kind, .path = std::move(path), .name = std::move(name), .isDirectory = true, .flag = flag});
+    rows.push_back({.kind = kind,
+                    .path = std::move(path),
+                    .name = std::move(name),
+                    .size = size,
+                    .isDirectory = true,
+                    .flag = flag});
   };
   for (const auto& [name, flag] : unread) {
     if (flag == Flag::unread) add(std::string{name}, Row::Kind::item, flag);
@@ -103,7 +107,7 @@ void addUncounted(std::vector<Row>& rows, const RowSource& source, const FlagsBy
   for (const LeftOut& item : source.coverage->leftOut) {
     if (Paths::parent(item.path) != source.path || item.path == source.path) continue;
     add(Paths::lastComponent(item.path), Row::Kind::leftOut,
-        item.kind == LeftOut::Kind::excluded ? Flag::excluded : Flag::elsewhere);
+        item.kind == LeftOut::Kind::excluded ? Flag::excluded : Flag::elsewhere, item.size.value_or(0));
   }
 }
 

@@ -45,6 +45,7 @@ struct Row {
   std::string path;
   /// The name of the item; in lists of several folders, its path for display.
   std::string name;
+  /// Of what is left out, the last known size, or 0.
   Bytes size = 0;
   std::int64_t fileCount = 0;
   /// When a file last changed. Of a folder the newest that is known of it and of what is below it: it may
@@ -61,7 +62,7 @@ struct Row {
   std::string note = {};
 
   bool isItem() const { return kind == Kind::item; }
-  /// Whether nothing is known of its size.
+  /// Whether the scan has no size of it.
   bool isUnmeasured() const {
     return kind == Kind::leftOut || (flag == Flag::unread && size == 0 && fileCount == 0);
   }

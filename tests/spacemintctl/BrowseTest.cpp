@@ -82,6 +82,8 @@ TEST(BrowseView, fillsEveryLineWhateverTheNamesAre) {
            .flag = static_cast<Flag>(any(8))});
     }
     view.title = view.status = view.footer = hostileNames[any(std::size(hostileNames))];
+    view.footer += std::string(any(300), any(9) == 0 ? ' ' : 'w');
+    view.footerStyle = any(2) == 0 ? Style::dim : Style::warning;
     view.figure = "1.2 GB in 3 files";
     view.whole = static_cast<Bytes>(random());
     view.cursor = any(50);
