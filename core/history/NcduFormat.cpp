@@ -181,13 +181,17 @@ class Reader final : public nlohmann::json_sax<OrderedJson> {
   }
   bool number_float(double /*number*/, const std::string& /*text*/) override { return value(); }
   bool string(std::string& text) override {
-    if (info_ && key_ == "name") info_->name = std::move(text);
-    if (info_ && key_ == leftOutKey) {
+    if (!info_) return value();
+    if (key_ == leftOutKey) {
       const bool isElsewhere = text == otherDisk || text == "othfs" || text == kernelDisk;
       info_->leftOut = isElsewhere ? LeftOut::Kind::volume : LeftOut::Kind::excluded;
+    } else if (key_ == "name") {
+      info_->name = std::move(text);
+    } else if (key_ == "host") {
+      info_->host = std::move(text);
+    } else if (key_ == "progname") {
+      info_->program = std::move(text);
     }
-    if (info_ && key_ == "host") info_->host = std::move(text);
-    if (info_ && key_ == "progname") info_->program = std::move(text);
     return value();
   }
   bool binary(OrderedJson::binary_t& /*value*/) override { return false; }

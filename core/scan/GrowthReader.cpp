@@ -38,7 +38,7 @@ std::expected<void, JournalError> GrowthReader::refresh(Time now, Date date) {
 }
 
 std::expected<void, JournalError> GrowthReader::noteChanges(Date date) {
-  JournalQuery query{.root = parts_.root, .since = since_, .timeout = parts_.timeout};
+  const JournalQuery query{.root = parts_.root, .since = since_, .timeout = parts_.timeout};
   const std::uint64_t id = parts_.journal.currentEventID(query);
   if (id == 0) {
     since_ = 0;

@@ -47,7 +47,7 @@ class GrowthReader {
 
   std::expected<void, JournalError> noteChanges(Date date);
   void lookAtDue(Time now, Date date);
-  void look(const std::string& folder, const Due& due, Time now);
+  void look(const std::string& top, const Due& due, Time now);
 
   Parts parts_;
   GrowthWatch watch_;
