@@ -87,16 +87,17 @@ Item {
         spacing: 6
 
         Label {
+            id: aboutName
+
             Layout.fillWidth: true
-            Layout.minimumWidth: Math.min(implicitWidth, Theme.scaled(80))
             text: root.explorer.aboutName
             size: 11
             weight: Font.DemiBold
             elide: Text.ElideMiddle
         }
         Label {
-            Layout.fillWidth: true
-            Layout.maximumWidth: implicitWidth + 1
+            // The name is cut short before the figures, but not to nothing.
+            Layout.maximumWidth: root.width - 6 - Math.min(aboutName.implicitWidth, Theme.scaled(80))
             text: root.explorer.aboutDetail
             size: 11
             color: Theme.secondary
