@@ -1,4 +1,5 @@
 import QtQuick
+import Spacemint.UiKit
 import Spacemint.Views
 
 /// The pages of the tabs. A page is made when it is first shown, and keeps its state.
@@ -13,7 +14,7 @@ Item {
     /// Whether the free space over time is shown elsewhere.
     property bool hasSide: false
     /// The content of the pages other than the folders is no wider than this.
-    readonly property real widest: columns > 1 ? 2 * 640 + 32 : 720
+    readonly property real widest: Theme.scaled(columns > 1 ? 2 * 640 + 32 : 720)
 
     clip: true
 
