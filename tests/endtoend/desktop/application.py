@@ -207,7 +207,7 @@ class Application:
     def can_be_clicked(self, item):
         """What is half below the edge is on the screen too, but a click at its middle is one beside the window."""
         left, top, width, height = self.place()
-        x, y = self.centre(item)
+        x, y = self.resting_centre(item)
         return left < x < left + width and top < y < top + height
 
     def point_at_middle(self):

@@ -34,11 +34,11 @@ class Services(OnADesktop):
         wait_until(lambda: not app.sees("Spacemint 2 is here"), "that the message goes")
         app.click("Settings", "push button")
         app.click_item(app.scroll_to("Check now"))
-        app.scroll_to("Install", "push button")
         app.scroll_to("Version 2.0 is ready to install.")
+        install = app.scroll_to("Install", "push button")
         self.picture("services-update")
         # No program here opens packages.
-        app.click("Install", "push button")
+        app.click_item(install)
         app.scroll_to_text("sudo apt install '")
         self.picture("services-no-installer")
         # Both answers are kept: nothing is asked or told twice.
