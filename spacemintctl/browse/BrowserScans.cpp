@@ -187,24 +187,22 @@ void Browser::listFolder() {
   if (tree_.folder(folder_).isComplete) return lookIntoFolder();
   const Node* known = tree_.scan().nodeAt(folder_);
   const std::string path = folder_;
-  listing_ =
-      std::make_unique<Measurement>(inbox_, folderScan(path, tree_.scan(), knownFolders(known, path)),
-                                    Measurement::Events{.advanced =
-                                                            [this](const auto&, std::optional<Node> folder) {
-                                                              if (!folder || page_ != Page::folder) return;
-                                                              soFar_ = std::move(folder);
-                                                              updateRows();
-                                                            },
-                                                        .ended =
-                                                            [this, path](std::optional<Snapshot> scan) {
-                                                              listing_.reset();
-                                                              soFar_.reset();
-                                                              if (!scan) return folderFailed(path);
-                                                              tree_.keepListing(path, std::move(scan->root));
-                                                              if (page_ != Page::folder) return;
-                                                              updateRows();
-                                                              lookIntoFolder();
-                                                            }});
+  const auto advanced = [this](const auto&, std::optional<Node> folder) {
+    if (!folder || page_ != Page::folder) return;
+    soFar_ = std::move(folder);
+    updateRows();
+  };
+  const auto ended = [this, path](std::optional<Snapshot> scan) {
+    listing_.reset();
+    soFar_.reset();
+    if (!scan) return folderFailed(path);
+    tree_.keepListing(path, std::move(scan->root));
+    if (page_ != Page::folder) return;
+    updateRows();
+    lookIntoFolder();
+  };
+  listing_ = std::make_unique<Measurement>(inbox_, folderScan(path, tree_.scan(), knownFolders(known, path)),
+                                           Measurement::Events{.advanced = advanced, .ended = ended});
   listing_->show(path);
 }
 
