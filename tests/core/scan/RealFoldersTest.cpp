@@ -1,5 +1,6 @@
 // The scanner on the host's own listing, compared with an independent walk by lstat.
 
+#include "core/cleanup/Remeasure.h"
 #include "core/host/linux/LinuxFolderListing.h"
 #include "core/scan/DiskScanner.h"
 #include "core/scan/ReadAheadListing.h"
@@ -514,6 +515,24 @@ TEST(RealFolders, areReadWithoutTouchingTheirAccessTimes) {
   struct stat status {};
   ASSERT_EQ(stat(folder.path().c_str(), &status), 0);
   EXPECT_EQ(status.st_atime, 1'000'000'000);
+}
+
+// An item may have been swapped for a link since it was shown.
+TEST(RealFolders, areNotMeasuredForALinkToThem) {
+  const TemporaryFolder folder;
+  fs::create_directory(folder / "movies");
+  support::writeText(folder / "movies/film", std::string(1'000'000, 'x'));
+  fs::create_directory_symlink("movies", folder / "link");
+  fs::create_directory_symlink("nowhere", folder / "dangling");
+  const auto sizeOf = [&](const char* name) {
+    const Measured measured = measureAgain(folder / name, 0, {});
+    return measured.exists && measured.tree ? measured.tree->size : -1;
+  };
+  EXPECT_GE(sizeOf("movies"), 1'000'000);
+  for (const char* link : {"link", "dangling"}) {
+    EXPECT_GE(sizeOf(link), 0) << link;
+    EXPECT_LT(sizeOf(link), 100'000) << link;
+  }
 }
 
 }  // namespace
