@@ -128,7 +128,7 @@ inside() {
   apt install /packages/*.deb
   alone runuser -u "$user" -- env -i HOME="/home/$user" USER="$user" PATH=/usr/bin:/bin LANG=C.UTF-8 \
     XDG_RUNTIME_DIR=/run/user/1000 dbus-run-session -- \
-    xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24' /bin/bash /fresh/fresh.sh --as-user
+    xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24 -noreset' /bin/bash /fresh/fresh.sh --as-user
   apt purge spacemint spacemintctl
   files >/fresh/after
   diff /fresh/before /fresh/after >&2 || fail "removing the package left or deleted these files"

@@ -76,7 +76,9 @@ class Session:
     def _start_screen(self):
         reading, writing = os.pipe()
         size = f"{1280 * self.scale}x{800 * self.scale}x24"
-        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-nolisten", "tcp"], pass_fds=(writing,))
+        # Without -noreset the server begins anew when its last client leaves, and refuses who connects meanwhile.
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-noreset", "-nolisten", "tcp"],
+                   pass_fds=(writing,))
         os.close(writing)
         with os.fdopen(reading) as answer:
             number = answer.readline().strip()

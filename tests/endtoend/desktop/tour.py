@@ -64,8 +64,8 @@ class Server:
 
     def __init__(self):
         reading, writing = os.pipe()
-        start("Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x800x24", "-nolisten", "tcp", "+extension", "GLX",
-              pass_fds=(writing,))
+        start("Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x800x24", "-noreset", "-nolisten", "tcp",
+              "+extension", "GLX", pass_fds=(writing,))
         os.close(writing)
         with os.fdopen(reading) as answer:
             os.environ["DISPLAY"] = ":" + answer.readline().strip()
