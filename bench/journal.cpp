@@ -108,6 +108,8 @@ class CountingListing final : public FolderListing {
     if (!folder) return folder;
     return counted(std::move(*folder), count_);
   }
+  std::vector<ListedPlace> places() const override { return inner_.places(); }
+  std::vector<LeftOut> leftOut() const override { return inner_.leftOut(); }
 
  private:
   class Folder final : public OpenFolder {
@@ -116,6 +118,7 @@ class CountingListing final : public FolderListing {
         : inner_(std::move(inner)),
           count_(count) {}
     std::uint64_t device() const override { return inner_->device(); }
+    Facts facts() const override { return inner_->facts(); }
     Batch nextBatch(ListingBuffer& buffer) override { return inner_->nextBatch(buffer); }
     std::expected<std::unique_ptr<OpenFolder>, int> openSubfolder(const std::string& name) override {
       auto folder = inner_->openSubfolder(name);
@@ -244,9 +247,9 @@ struct Bench {
       full.push_back(secondsOf([&] { fullScan(root, *host, minNodeSize); }));
       touch(folders, round);
       Snapshot forWalk = last;
-      walked.push_back(secondsOf([&] { again(walking, std::move(forWalk), opened); }));
+      walked.push_back(secondsOf([&] { again(walking, std::move(forWalk), minNodeSize, opened); }));
       opened = 0;
-      updated.push_back(secondsOf([&] { last = again(*recorder, std::move(last), opened); }));
+      updated.push_back(secondsOf([&] { last = again(*recorder, std::move(last), minNodeSize, opened); }));
       saved.push_back(secondsOf([&] { save(last); }));
     }
     for (const std::string& changed : folders) unlink((changed + "/.bench-journal").c_str());
@@ -259,11 +262,8 @@ struct Bench {
   }
 
   Snapshot scanned(Bytes minNodeSize) {
-    const std::uint64_t id = recorder->currentEventID({.root = root});
-    return {.root = fullScan(root, *host, minNodeSize)->root,
-            .minNodeSize = minNodeSize,
-            .eventID = id,
-            .fullScanDate = Date{}};
+    std::int64_t opened = 0;
+    return again(*recorder, std::nullopt, minNodeSize, opened);
   }
 
   static void touch(const std::vector<std::string>& folders, int round) {
@@ -272,8 +272,8 @@ struct Bench {
     }
   }
 
-  Snapshot again(EventJournal& journal, Snapshot last, std::int64_t& opened) {
-    const Bytes minNodeSize = last.minNodeSize;
+  Snapshot again(EventJournal& journal, std::optional<Snapshot> last, Bytes minNodeSize,
+                 std::int64_t& opened) {
     CountingListing counting{*host, opened};
     auto plan = ScanPlan::make(
         journal, {.root = root, .minNodeSize = minNodeSize, .now = Date{}, .earlier = std::move(last)});
