@@ -318,7 +318,7 @@ int main(int argc, char** argv) {
   if (geteuid() == 0) bench.setUp(true);
   bench.memory();
   bench.idle();
-  for (const std::size_t count : {0, 10, 1'000}) bench.rescan(threshold, count);
+  for (const std::size_t count : {0UZ, 10UZ, 1'000UZ}) bench.rescan(threshold, count);
   bench.rescan(0, 10);
   bench.storm();
   bench.recorder.reset();
