@@ -77,6 +77,7 @@ std::string planText(const CleanupPlan& plan, const std::vector<std::string>& le
     }
   }
   std::string text = plan.title + '\n' + table.text();
+  if (!plan.warning.empty()) text += printable(plan.warning) + '\n';
   for (const std::string_view line : lines(plan.note)) text += printable(line) + '\n';
   for (const std::string& line : leftOut)
     text += i18n("Left out: {item}", {{"item", printable(line)}}) + '\n';

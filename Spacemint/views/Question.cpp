@@ -1,7 +1,5 @@
 #include "Spacemint/views/Question.h"
 
-#include "core/cleanup/CleanupText.h"
-
 namespace spacemint {
 
 Question::Question(const UiHost& host) : host_(host) {
@@ -19,18 +17,8 @@ QStringList Question::items() const {
   return shown;
 }
 
-// What is lost with a worktree besides what was asked for; its note begins with it.
-std::string Question::loss() const {
-  if (!isAsked() || current()->plan.steps.size() != 1) return "";
-  return CleanupText::worktreeWarning(current()->plan.steps.front().worktree);
-}
-
 QString Question::note() const {
-  if (!isAsked()) return {};
-  const std::string loss = this->loss();
-  std::string_view note = current()->plan.note;
-  if (note.starts_with(loss)) note.remove_prefix(loss.size());
-  return ShownText::withQuotes(ShownText::sentence(note).trimmed());
+  return ShownText::withQuotes(text(&CleanupPlan::note));
 }
 
 QString Question::text(std::string CleanupPlan::*field) const {

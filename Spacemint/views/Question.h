@@ -22,7 +22,7 @@ class Question : public QObject {
   Q_PROPERTY(QString detail READ detail NOTIFY changed)
   /// The name and the size of each of several items.
   Q_PROPERTY(QStringList items READ items NOTIFY changed)
-  /// What will be lost besides; empty for nothing. It is not in the note.
+  /// What will be lost besides; empty for nothing.
   Q_PROPERTY(QString warning READ warning NOTIFY changed)
   Q_PROPERTY(QString note READ note NOTIFY changed)
   Q_PROPERTY(QString actionTitle READ actionTitle NOTIFY changed)
@@ -35,7 +35,7 @@ class Question : public QObject {
   QString subject() const { return text(&CleanupPlan::subject); }
   QString detail() const;
   QStringList items() const;
-  QString warning() const { return ShownText::sentence(loss()); }
+  QString warning() const { return text(&CleanupPlan::warning); }
   QString note() const;
   QString actionTitle() const { return text(&CleanupPlan::button); }
 
@@ -51,7 +51,6 @@ class Question : public QObject {
  private:
   const std::optional<Confirmation>& current() const { return host_.model.cleanups().confirmation(); }
   QString text(std::string CleanupPlan::*field) const;
-  std::string loss() const;
 
   const UiHost& host_;
 };

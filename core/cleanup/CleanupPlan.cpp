@@ -160,11 +160,13 @@ class Planner {
     } else {
       step.kind = Kind::deleteItem;
     }
+    std::string warning = CleanupText::worktreeWarning(step.worktree);
     std::string note = CleanupText::worktreeNote(worktree, step.worktree);
     return withStep(std::move(step), {.id = worktree.path,
                                       .title = i18n("Remove this worktree?"),
                                       .subject = sized(worktree.name(), worktree.size),
                                       .detail = shown(worktree.path),
+                                      .warning = std::move(warning),
                                       .note = std::move(note),
                                       .button = i18n("Remove worktree"),
                                       .touched = {worktree.path}});
@@ -314,8 +316,9 @@ CleanupPlan mergedPlans(std::string title, std::vector<CleanupPlan> plans) {
   for (CleanupPlan& plan : plans) {
     // "Clean up npm cache?" becomes "npm cache: Runs ...".
     const std::string subject = plan.subject.substr(0, plan.subject.rfind(" · "));
-    merged.note += (merged.note.empty() ? "" : "\n") +
-                   i18n("{subject}: {note}", {{"subject", subject}, {"note", plan.note}});
+    merged.note +=
+        (merged.note.empty() ? "" : "\n") +
+        i18n("{subject}: {note}", {{"subject", subject}, {"note", sentences({plan.warning, plan.note})}});
     std::ranges::move(plan.steps, std::back_inserter(merged.steps));
     std::ranges::move(plan.touched, std::back_inserter(merged.touched));
   }

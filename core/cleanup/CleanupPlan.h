@@ -103,6 +103,8 @@ struct CleanupPlan {
   /// The affected item, usually its name and size.
   std::string subject = {};
   std::optional<std::string> detail = {};
+  /// What is lost besides the item; empty for nothing.
+  std::string warning = {};
   /// What the clean-up will do; several lines for several steps.
   std::string note = {};
   std::string button = {};

@@ -69,17 +69,12 @@ std::string CleanupText::worktreeWarning(const WorktreeContents& contents) {
 }
 
 std::string CleanupText::worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents) {
-  const std::string warning = worktreeWarning(contents);
-  if (!contents.repositoryPath) {
-    return sentences(
-        {warning, i18n("Its repository no longer knows about it, so the folder is simply deleted.")});
-  }
-  const std::string removal =
-      worktree.repository
-          ? i18n("Runs `git worktree remove`. The branch and its commits stay in {repository}.",
-                 {{"repository", isolatedName(*worktree.repository)}})
-          : i18n("Runs `git worktree remove`. The branch and its commits stay in the repository.");
-  return sentences({warning, removal});
+  if (!contents.repositoryPath)
+    return i18n("Its repository no longer knows about it, so the folder is simply deleted.");
+  if (!worktree.repository)
+    return i18n("Runs `git worktree remove`. The branch and its commits stay in the repository.");
+  return i18n("Runs `git worktree remove`. The branch and its commits stay in {repository}.",
+              {{"repository", isolatedName(*worktree.repository)}});
 }
 
 std::string CleanupText::sharedNote(Bytes freesAtMost, const std::string& locale) {

@@ -14,7 +14,7 @@ namespace CleanupText {
 inline constexpr Bytes worthSaying = 50'000'000;
 
 std::string backupNote(const std::string& name);
-/// What else is lost with the worktree, the beginning of its note; empty for nothing.
+/// What else is lost with the worktree; empty for nothing.
 std::string worktreeWarning(const WorktreeContents& contents);
 std::string worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents);
 /// For a file that frees less than its size (`SharedFiles::freesAtMost`, in bytes).

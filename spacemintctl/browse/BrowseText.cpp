@@ -159,6 +159,7 @@ std::vector<Paragraph> BrowseText::cleanup(const CleanupPlan& plan, const Browse
     for (const auto& part : step.parts) text.push_back(sized(part.size, part.name, view.locale));
   }
   text.push_back({""});
+  if (!plan.warning.empty()) text.push_back({plan.warning, Style::warning});
   for (const std::string_view line : lines(plan.note)) text.push_back({std::string{line}});
   return text;
 }
