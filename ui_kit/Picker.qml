@@ -9,6 +9,8 @@ T.ComboBox {
 
     property real size: 12
     readonly property real roomForArrow: 11 + arrow.width + 6
+    /// With this width the chosen text is seen in full.
+    readonly property real leastWidth: label.implicitWidth + leftPadding + rightPadding
 
     hoverEnabled: true
     implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding

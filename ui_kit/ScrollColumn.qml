@@ -68,7 +68,7 @@ Flickable {
     ColumnLayout {
         id: column
 
-        x: root.padding
+        x: LayoutMirroring.enabled ? root.width - width - root.padding : root.padding
         y: root.padding
         width: Math.min(root.width - 2 * root.padding, root.maximumWidth)
         spacing: 8

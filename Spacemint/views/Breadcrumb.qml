@@ -33,6 +33,7 @@ Item {
     Row {
         id: line
 
+        anchors.left: parent.left
         anchors.verticalCenter: parent.verticalCenter
         spacing: 2
 

@@ -27,10 +27,10 @@ ColumnLayout {
         SearchField {
             id: field
 
-            readonly property real beside: parent.width - age.implicitWidth - 8
+            readonly property real beside: parent.width - age.width - 8
 
             visible: !root.isWide
-            width: beside < Theme.scaled(160) ? parent.width : beside
+            width: beside < hintWidth ? parent.width : beside
             hint: Words.searchExample
             Accessible.name: Words.search
             text: root.files.words
@@ -48,6 +48,7 @@ ColumnLayout {
         Picker {
             id: age
 
+            width: Math.max(leastWidth, Math.min(implicitWidth, parent.width - 8 - field.hintWidth))
             model: root.files.ages
             currentIndex: root.files.age
             Accessible.name: Words.age

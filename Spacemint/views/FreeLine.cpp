@@ -278,9 +278,9 @@ void FreeLine::paintGround(QPainter& painter) const {
   painter.setPen(pen);
   painter.drawLine(QPointF{0, y}, QPointF{width(), y});
   painter.setPen(theme().secondary());
-  const QFontMetricsF metrics{painter.font()};
   const QString text = history_->levelText();
-  write(painter, levelBox({metrics.horizontalAdvance(text), metrics.height()}, y),
+  // Letters that come from another font may be higher than those of the font.
+  write(painter, levelBox(QFontMetricsF{painter.font()}.size(Qt::TextSingleLine, text), y),
         Qt::AlignLeft | Qt::AlignVCenter, text);
 }
 

@@ -10,9 +10,10 @@ RowList {
     /// A wide list leaves the rest of its width free.
     property real maximumWidth: Infinity
     readonly property real cardWidth: Math.min(width - 40, maximumWidth)
+    readonly property real cardLeft: LayoutMirroring.enabled ? width - cardWidth - 20 : 20
 
-    leftMargin: 24
-    rightMargin: width - cardWidth - 16
+    leftMargin: cardLeft + 4
+    rightMargin: width - cardLeft - cardWidth + 4
     interactive: true
     canMark: true
     clip: true
@@ -33,7 +34,7 @@ RowList {
 
         parent: root
         z: -1
-        x: 20
+        x: root.cardLeft
         y: Math.max(-radius, listTop)
         width: root.cardWidth
         height: end - y

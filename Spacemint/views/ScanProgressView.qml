@@ -13,22 +13,32 @@ ColumnLayout {
 
     spacing: compact ? 5 : 8
 
-    RowLayout {
+    GridLayout {
+        id: words
+
+        readonly property bool fit: title.implicitWidth + columnSpacing + detail.implicitWidth <= width
+
         Layout.fillWidth: true
-        spacing: 8
+        columns: fit ? 2 : 1
+        columnSpacing: 8
+        rowSpacing: 2
 
         Label {
+            id: title
+
             text: root.ui.scan.title
             size: root.compact ? 11.5 : 13
             weight: Font.Medium
             Accessible.ignored: true
         }
         Label {
+            id: detail
+
             Layout.fillWidth: true
             text: root.ui.scan.detail
             size: root.compact ? 11.5 : 12
             color: Theme.secondary
-            horizontalAlignment: Text.AlignRight
+            horizontalAlignment: words.fit ? Text.AlignRight : Text.AlignLeft
             elide: Text.ElideRight
         }
     }

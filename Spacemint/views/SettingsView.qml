@@ -27,7 +27,7 @@ Rectangle {
             spacing: 6
 
             IconButton {
-                symbol: "chevron.left"
+                symbol: LayoutMirroring.enabled ? "chevron.right" : "chevron.left"
                 help: Words.back
                 onClicked: root.ui.page.showingSettings = false
             }

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Draws the gallery in the pseudo language: every text must have the language's brackets, so that
-none is left untranslated. The gallery also says which texts are cut (--texts).
+"""Draws the gallery in the pseudo language: every text must have the language's brackets, so that none is left
+untranslated. Then draws it in other languages: no text may be cut but the names of files and folders.
 
-usage: one_language.py GALLERY FOLDER
+usage: one_language.py GALLERY FOLDER LANGUAGE...
 """
 import pathlib
 import re
@@ -14,6 +14,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 OF_DEVELOPERS = re.compile(r"kit-|picture-lines$")
 # What ICU says of dates.
 DATE = re.compile(r"(\d+ \w+ ago|[A-Z][a-z]{2} \d+|[A-Z][a-z]{2} \d{4}|\d+:\d\d [AP]M)$")
+PATH = re.compile(r"~?/\w")
 
 
 def samples():
@@ -25,31 +26,45 @@ def samples():
                 yield text.replace("\\n", "\n")
 
 
+def parts_of(text):
+    return re.split(r" · | / | & |/", re.sub("[\u200e\u200f\u2066-\u2069]", "", text))
+
+
+def has_letters(part):
+    return re.search(r"[^\W\d_]", part)
+
+
 def is_name(part, known):
     numbered = re.sub(r" \d+$", "", part)
-    return (not re.search(r"[^\W\d_]", part) or DATE.match(part) or
-            any(re.search(rf"(?<!\w){re.escape(name)}(?!\w)", known) for name in (part, numbered)))
+    return any(re.search(rf"(?<!\w){re.escape(name)}(?!\w)", known) for name in (part, numbered))
 
 
 def is_translated(text, known):
     if text.startswith("[") and text.endswith("]") or text.endswith("~]"):
         return True
-    text = re.sub("[\u2066-\u2069]", "", text)
-    return all(is_name(part, known) for part in re.split(r" · | / | & |/", text))
+    return all(not has_letters(part) or DATE.match(part) or is_name(part, known) for part in parts_of(text))
 
 
-def faults(lines):
-    known = "\n".join(samples())
-    for page, _, text in (line.split("\t") for line in lines):
-        if OF_DEVELOPERS.match(page):
-            continue
-        if not is_translated(text, known):
-            yield f"{page}: not translated: {text}"
+def may_be_cut(fit, text, known):
+    """A text that leaves out its middle may have more in it than a name."""
+    names = [PATH.match(part) or is_name(part, known) for part in parts_of(text) if has_letters(part)]
+    return fit == "-" or (any(names) or PATH.search(text) if fit == "shortened" else all(names))
 
 
-gallery, folder = sys.argv[1:]
-drawn = subprocess.run([gallery, "--language", "en_XA", "--dark", "--texts", folder],
-                       capture_output=True, text=True, check=True)
-found = sorted(set(faults(drawn.stdout.splitlines())))
-print("\n".join(found))
-sys.exit(1 if found or not drawn.stdout else 0)
+def texts(language, *options):
+    """The page, the fit and the text of everything that the gallery shows in a language."""
+    drawn = subprocess.run([gallery, "--language", language, "--texts", *options], capture_output=True, text=True,
+                           check=True)
+    lines = [line.split("\t") for line in drawn.stdout.splitlines()]
+    return [line for line in lines if not OF_DEVELOPERS.match(line[0])] or sys.exit("the gallery shows no text")
+
+
+gallery, folder, *languages = sys.argv[1:]
+known_names = "\n".join(samples())
+found = {f"{page}: not translated: {text}" for page, _, text in texts("en_XA", "--dark", folder)
+         if not is_translated(text, known_names)}
+for each in languages:
+    found |= {f"{page}, {each}: cut: {text}" for page, fit, text in texts(each)
+              if not may_be_cut(fit, text, known_names)}
+print("\n".join(sorted(found)))
+sys.exit(bool(found))

@@ -22,6 +22,8 @@ struct Page {
   QString url;
   /// The initial properties of the page. Objects that they point to live until the program ends.
   std::function<QVariantMap()> properties = {};
+  /// Ends what the item began in the background when it was made.
+  std::function<void()> settle = {};
   /// The size of the item; if empty, its implicit size.
   QSize size = {};
   int margin = 24;

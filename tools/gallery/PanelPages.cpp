@@ -317,7 +317,7 @@ QVariantMap notices() {
   AppMessage longest = version;
   longest.title = i18n("Spacemint can't see your whole disk, so some sizes may be out of date.");
   for (int i = 0; i < 5; ++i) longest.body += " " + version.body + " " + tip.body;
-  longest.link->title = i18n("Show what grew and what shrank between two scans");
+  longest.link->title = i18n("Show what is not in files");
   QVariantList cards;
   for (const Notice& notice : {Notice{UsageQuestion{}}, Notice{tip}, Notice{version}, Notice{longest}}) {
     const NoticeText text = noticeText(notice, "Spacemint");

@@ -37,6 +37,7 @@ class PictureScene final : public support::ModelFixture {
   void TestBody() override {}
 
   Ui& ui() { return *ui_; }
+  void settle() { desktop.settle(); }
 
   void ann() {
     for (const int hour : {311, 287, 263, 239, 215, 191, 167, 144, 120, 96, 73, 49})
@@ -274,14 +275,16 @@ QVariantMap lines() {
 std::vector<Page> pagesOfPictures() {
   std::vector<Page> result;
   for (const PicturePage& page : picturePages) {
+    const auto scene = std::make_shared<PictureScene*>(nullptr);
     result.push_back({.name = QStringLiteral("picture-") + QString::fromUtf8(page.name),
                       .url = QStringLiteral("qrc:/qt/qml/Spacemint/Views/PanelView.qml"),
                       .properties =
-                          [&page] {
-                            PictureScene& scene = sceneOf(page.tab, page.before, page.after);
-                            return QVariantMap{{QStringLiteral("ui"), QVariant::fromValue(&scene.ui())},
+                          [&page, scene] {
+                            *scene = &sceneOf(page.tab, page.before, page.after);
+                            return QVariantMap{{QStringLiteral("ui"), QVariant::fromValue(&(*scene)->ui())},
                                                {QStringLiteral("windowed"), page.size.width() != panelWidth}};
                           },
+                      .settle = [scene] { (*scene)->settle(); },
                       .size = page.size,
                       .margin = 0});
   }

@@ -42,7 +42,7 @@ void fit(QQuickWindow& window, QQuickItem& item, const Page& page) {
 }
 
 /// Prints each text that the item shows: "PAGE<tab>cut<tab>TEXT". The second word is "-" for a text that
-/// fits.
+/// fits, and "shortened" for one that leaves out its middle, as names and paths do.
 void printTexts(const QString& page, const QQuickItem& item) {
   if (!item.isVisible() || item.opacity() == 0) return;
   const QString text = item.inherits("QQuickText") ? item.property("text").toString() : QString{};
@@ -51,8 +51,9 @@ void printTexts(const QString& page, const QQuickItem& item) {
     const bool isCut = item.property("truncated").toBool() ||
                        item.property("contentWidth").toDouble() > item.width() + rounding ||
                        item.property("contentHeight").toDouble() > item.height() + rounding;
-    const QStringList line{page, isCut ? QStringLiteral("cut") : QStringLiteral("-"),
-                           QString{text}.replace(u'\n', u' ')};
+    const bool leavesOutMiddle = item.property("elide").toInt() == Qt::ElideMiddle;
+    const auto fit = isCut ? leavesOutMiddle ? "shortened" : "cut" : "-";
+    const QStringList line{page, QString::fromLatin1(fit), QString{text}.replace(u'\n', u' ')};
     std::puts(qUtf8Printable(line.join(u'\t')));
   }
   for (const QQuickItem* child : item.childItems()) printTexts(page, *child);
@@ -84,6 +85,7 @@ QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
     fit(window, *item, page);
     QCoreApplication::processEvents();
   }
+  if (page.settle) page.settle();
   if (item->metaObject()->indexOfMethod("act()") >= 0) QMetaObject::invokeMethod(item, "act");
   if (auto* focused = itemProperty(*item, "focused")) {
     // A key that does nothing: the row of the keyboard is only marked after a key.
@@ -99,12 +101,14 @@ QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
   return picture;
 }
 
-int drawAll(QQmlEngine& engine, const QDir& folder, const QString& only, bool printsTexts) {
+/// Without a folder no picture is written.
+int drawAll(QQmlEngine& engine, const std::optional<QDir>& folder, const QString& only, bool printsTexts) {
   int failures = 0;
   for (const Page& page : pages()) {
     if (!page.name.startsWith(only)) continue;
     const QImage image = draw(engine, page, printsTexts);
-    if (image.isNull() || !image.save(folder.filePath(page.name + QStringLiteral(".png")))) ++failures;
+    const QString file = page.name + QStringLiteral(".png");
+    if (image.isNull() || (folder && !image.save(folder->filePath(file)))) ++failures;
   }
   return failures;
 }
@@ -141,13 +145,15 @@ int run(int argc, char** argv) {
       {QStringLiteral("texts"), QStringLiteral("Print the texts of each page, and which are cut.")});
   parser.addOption({QStringLiteral("only"), QStringLiteral("Draw only pages whose names start with this."),
                     QStringLiteral("name"), QString()});
-  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder for the pictures."));
+  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder for the pictures."),
+                               QStringLiteral("[folder]"));
   parser.process(application);
-  if (parser.positionalArguments().size() != 1) parser.showHelp(2);
+  if (parser.positionalArguments().size() > 1) parser.showHelp(2);
 
-  const QDir folder(parser.positionalArguments().constFirst());
-  if (!folder.mkpath(QStringLiteral("."))) {
-    qCritical("cannot make %s", qPrintable(folder.path()));
+  std::optional<QDir> folder;
+  if (!parser.positionalArguments().isEmpty()) folder.emplace(parser.positionalArguments().constFirst());
+  if (folder && !folder->mkpath(QStringLiteral("."))) {
+    qCritical("cannot make %s", qPrintable(folder->path()));
     return 1;
   }
   if (parser.isSet(QStringLiteral("language"))) {
