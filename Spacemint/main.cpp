@@ -52,9 +52,9 @@ constexpr std::array options{
 void printHelp() {
   const std::string head = i18n("Usage: {command} [options] [FOLDER|FILE]", {{"command", "spacemint"}});
   std::printf("%s\n%s\n", head.c_str(), i18n("Watches the free space and shows what uses it.").c_str());
-  std::printf("\n  %-13s  %s\n", "FOLDER", i18n("Show what is in this folder.").c_str());
-  std::printf("  %-13s  %s\n", "FILE",
-              i18n("Show a scan that was exported, also on another computer").c_str());
+  std::printf("\n  %-13s  %s\n", i18n("FOLDER").c_str(), i18n("Show what is in this folder.").c_str());
+  std::printf("  %-13s  %s\n", i18n("FILE").c_str(),
+              i18n("Show a scan that was exported, also on another computer.").c_str());
   std::printf("\n%s\n", i18n("Options:").c_str());
   for (const Option& option : options) {
     std::printf("  %-13s  %s\n", option.spelling, i18n(option.help).c_str());
@@ -62,7 +62,7 @@ void printHelp() {
 }
 
 int run(int argc, char** argv) {
-  setUpTranslation(InstalledFolder::translations());
+  setUpTranslation(InstalledFolder::translations(), ShownIn::terminal);
   QCoreApplication::setApplicationName(QStringLiteral("spacemint"));
   QCommandLineParser parser;
   for (const Option& option : options) {

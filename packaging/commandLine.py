@@ -1,29 +1,13 @@
-"""Writes the manual page and the shell completions of a program, generated from its --help. The page is written in
-every language for which there is a catalogue, below FOLDER/man, as man finds it.
-
-In C.UTF-8 the program may not translate: call this in another locale.
+"""Writes the manual page and the shell completions of the program for the terminal, generated from its --help.
 
 usage: commandLine.py PROGRAM FOLDER CATALOGUES LANGUAGE...
 """
 
-import gettext
-import gzip
-import os
 import pathlib
 import re
-import subprocess
 import sys
 
-
-class Language:
-    """Translates texts of the catalogue."""
-
-    def __init__(self, code, catalogues):
-        self.code = code
-        self.translation = gettext.translation("spacemint", catalogues, [code], fallback=code == "en")
-
-    def __call__(self, text):
-        return self.translation.gettext(text)
+from manual import Language, described, environment, head, heading, roff, rows, see_also, terms, write
 
 
 class Command:
@@ -31,13 +15,12 @@ class Command:
 
     def __init__(self, program, language, path=()):
         self.path = path
-        text = subprocess.run([program, *path, "--help"], check=True, capture_output=True, text=True,
-                              env={**os.environ, "LANGUAGE": language.code}).stdout
+        text = language.help_of(program, *path)
         self.summary, self.usage = text.splitlines()[:2]
         self.usage = self.usage.removeprefix(language("Usage") + ": ")
-        self.arguments = rows(text, language("Positionals"))
-        self.options = rows(text, language("Options"))
-        self.commands = [Command(program, language, (*path, name)) for name, _ in rows(text, language("Subcommands"))]
+        self.arguments = section(text, language("Positionals"))
+        self.options = section(text, language("Options"))
+        self.commands = [Command(program, language, (*path, name)) for name, _ in section(text, language("Subcommands"))]
 
     def all(self):
         yield self
@@ -52,44 +35,25 @@ class Command:
         return [(command.path[-1], command.summary) for command in self.commands] + self.flags()
 
 
-def rows(text, section):
+def section(text, name):
     """The pairs of term and help text in a section of --help."""
-    found = re.search(rf"^{section}:\n((?:  .*\n)*)", text, re.MULTILINE)
-    # A help text stands in the line of its term, or in the next line if the term is long.
-    lines = re.findall(r"^  (\S.*(?:\n {8,}\S.*)*)", found.group(1), re.MULTILINE) if found else []
-    return [tuple(re.split(r"\s{2,}", line, maxsplit=1)) for line in lines]
+    found = re.search(rf"^{re.escape(name)}:\n((?:  .*\n)*)", text, re.MULTILINE)
+    return rows(found.group(1)) if found else []
 
 
-def described(text):
-    """Marks a short description for the catalogue."""
-    return text
-
-
-def roff(text):
-    return text.replace("\\", "\\e").replace("-", "\\-")
-
-
-def man(root, language):
-    def heading(text):
-        return f".SH {language(text)}"
-
-    name = root.usage.split()[0]
-    page = [f".TH {name.upper()} 1", heading(described("NAME")),
-            f"{name} \\- " + language(described("see what is big on your disk and clean it from a terminal")),
-            heading(described("SYNOPSIS")), f".B {name}", language(described("COMMAND [OPTION ...]")),
-            heading(described("DESCRIPTION")), roff(language("{text}.").format(text=root.summary))]
+def page(root, language):
+    lines = [*head(language, root.usage.split()[0], described("see what is big on your disk and clean it from a terminal"),
+                   language(described("COMMAND [OPTION ...]"))),
+             roff(language("{text}.").format(text=root.summary))]
     for command in root.all():
         if not command.path:
-            page += [heading("OPTIONS")]
+            lines += [heading(language, "OPTIONS")]
         elif command is root.commands[0]:
-            page += [heading(described("COMMANDS"))]
+            lines += [heading(language, described("COMMANDS"))]
         if command.path:
-            page += [f".SS {roff(command.usage)}", roff(language("{text}.").format(text=command.summary))]
-        for term, help in command.arguments + command.options:
-            page += [".TP", f".B {roff(term)}", roff(help)]
-    page += [heading(described("ENVIRONMENT")), ".TP", ".B SPACEMINT_LOG", roff(language(described(
-        "info or debug: write the reason of each decision to standard error, one line for each.")))]
-    return "\n".join([*page, heading(described("SEE ALSO")), ".BR spacemint (1)", ""])
+            lines += [f".SS {roff(command.usage)}", roff(language("{text}.").format(text=command.summary))]
+        lines += terms(command.arguments + command.options)
+    return [*lines, *environment(language), *see_also(language, "spacemint")]
 
 
 def bash(root):
@@ -154,17 +118,13 @@ def fish(root):
 
 
 def main(program, folder, catalogues, *codes):
-    english = Language("en", catalogues)
-    root = Command(program, english)
+    root = Command(program, Language("en", catalogues))
     name = root.usage.split()[0]
     out = pathlib.Path(folder)
     out.mkdir(parents=True, exist_ok=True)
-    for language in (Language(code, catalogues) for code in codes):
-        page = out / "man" / language.code / "man1" / f"{name}.1.gz"
-        page.parent.mkdir(parents=True, exist_ok=True)
-        page.write_bytes(gzip.compress(man(Command(program, language), language).encode(), mtime=0))
-    for file, text in {f"{name}.1": man(root, english), f"{name}.bash": bash(root), f"_{name}": zsh(root), f"{name}.fish": fish(root)}.items():
+    for file, text in {f"{name}.bash": bash(root), f"_{name}": zsh(root), f"{name}.fish": fish(root)}.items():
         (out / file).write_text(text)
+    write(lambda language: page(Command(program, language), language), name, folder, catalogues, codes)
 
 
 main(*sys.argv[1:])

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Writes all texts that a user reads, for translators, to standard output: those of the sources, of the menu entry, of
-# the metainfo file, and the short descriptions of the manual pages.
+# the metainfo file, and the manual pages.
 set -eu
 cd "$(dirname "$0")/.."
 folder=$(mktemp -d)
@@ -18,5 +18,5 @@ find core spacemintctl Spacemint AppServices ui_kit -name '*.cpp' -o -name '*.h'
 extract --language=Desktop --keyword --keyword=Name --keyword=GenericName --keyword=Comment --keyword=Keywords \
   packaging/app.spacemint.Spacemint.desktop
 extract --its=po/its/metainfo.its packaging/app.spacemint.Spacemint.metainfo.xml
-extract --language=Python --keyword --keyword=described packaging/commandLine.py packaging/manual.py
+extract --language=Python --keyword --keyword=described packaging/manual.py packaging/application.py packaging/commandLine.py
 sed '/^"POT-Creation-Date:/d' "$folder/texts.pot"

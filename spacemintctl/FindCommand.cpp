@@ -4,6 +4,7 @@
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/host/UserFolders.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/Section.h"
 #include "spacemintctl/StoredScan.h"
@@ -39,11 +40,7 @@ std::string jsonOf(const Results& results) {
 
 std::string textOf(const Results& results, std::size_t count, Bytes minNodeSize) {
   const std::string locale = userLocale();
-  if (results.empty()) {
-    return i18n("Nothing found. The scan has files and folders from {size} on.",
-                {{"size", ByteFormat::string(minNodeSize, locale)}}) +
-           "\n";
-  }
+  if (results.empty()) return FindingText::nothingFound(minNodeSize, locale) + '\n';
   Table table{1};
   const std::string home = UserFolders::home();
   for (const auto& [path, node] : results) {
@@ -98,8 +95,9 @@ int runKinds(const ListOptions& options) {
                counted(total.files, "{count} file", "{count} files", locale), i18n(row.title)});
   }
   table.add({ByteFormat::string(rest, locale), percentage(rest, scan->root.size), "",
-             i18n("Files below {size}, and folders' own blocks",
-                  {{"size", ByteFormat::string(scan->minNodeSize, locale)}})});
+             scan->minNodeSize > 1 ? i18n("Files below {size}, and folders' own blocks",
+                                          {{"size", ByteFormat::string(scan->minNodeSize, locale)}})
+                                   : i18n("The folders themselves")});
   if (options.json) return print(Json{{"kinds", list}, {"rest", rest}}.dump() + '\n') ? done : failed;
   return print(table.text()) ? done : failed;
 }

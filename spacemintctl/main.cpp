@@ -20,12 +20,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <deque>
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -353,6 +356,15 @@ class HelpInColumns final : public CLI::Formatter {
     const std::string name = CLI::Formatter::make_option_name(option, isPositional);
     return isPositional ? get_label(name) : name;
   }
+  std::string make_option_opts(const CLI::Option* option) const override {
+    std::string text = CLI::Formatter::make_option_opts(option);
+    for (const CLI::Option* other : option->get_excludes()) {
+      const std::string name = other->get_name();
+      if (other->get_positional() && text.ends_with(name))
+        text.replace(text.size() - name.size(), name.size(), get_label(name));
+    }
+    return text;
+  }
   std::string make_option(const CLI::Option* option, bool isPositional) const override {
     std::string line = "  " + make_option_name(option, isPositional) + make_option_opts(option);
     const std::size_t columns = columnsOf(line);
@@ -379,26 +391,42 @@ void translateGroups(CLI::App& app) {
   }
 }
 
-// A complaint of the parser: its English text, and the part of the text that names what is wrong.
-struct ParserProblem {
-  std::string_view before;
-  std::string_view after;
-  const char* text;
-};
-constexpr ParserProblem parserProblems[] = {
-    {"A subcommand is required", "", i18nMark("A subcommand is required")},
-    {"The following argument was not expected: ", "",
-     i18nMark("The following argument was not expected: {what}")},
-    {"The following arguments were not expected: ", "",
-     i18nMark("The following arguments were not expected: {what}")},
-    {"", " is required", i18nMark("{what} is required")},
+// The complaints of the parser, as it words them.
+constexpr const char* parserProblems[] = {
+    i18nMark("A subcommand is required"),
+    i18nMark("The following argument was not expected: {what}"),
+    i18nMark("The following arguments were not expected: {what}"),
+    i18nMark("{what}: {value} required {more} missing"),
+    i18nMark("{what}: {value} not in {more}"),
+    i18nMark("{what} excludes {value}"),
+    i18nMark("{what} is required"),
 };
 
+// What stands for the placeholders of the form, in their order, if the text has this form.
+std::optional<std::array<std::string, 3>> valuesIn(std::string_view text, std::string_view form) {
+  std::array<std::string, 3> values;
+  for (std::size_t i = 0;; ++i) {
+    const std::size_t open = std::min(form.find('{'), form.size());
+    if (!text.starts_with(form.substr(0, open))) return {};
+    text.remove_prefix(open);
+    if (open == form.size()) return text.empty() ? std::optional{values} : std::nullopt;
+    form.remove_prefix(form.find('}') + 1);
+    const std::string_view behind = form.substr(0, form.find('{'));
+    const std::size_t end = behind.empty() ? text.size() : text.find(behind);
+    if (end == std::string_view::npos) return {};
+    values.at(i) = text.substr(0, end);
+    text.remove_prefix(end);
+  }
+}
+
 std::string problemText(std::string_view problem) {
-  for (const auto& [before, after, text] : parserProblems) {
-    if (!problem.starts_with(before) || !problem.ends_with(after)) continue;
-    return i18n(text,
-                {{"what", problem.substr(before.size(), problem.size() - before.size() - after.size())}});
+  for (const char* form : parserProblems) {
+    auto values = valuesIn(problem, form);
+    if (!values) continue;
+    for (std::string& value : *values) {
+      if (std::ranges::find(parserWords, value) != std::end(parserWords)) value = i18n(value.c_str());
+    }
+    return i18n(form, {{"what", (*values)[0]}, {"value", (*values)[1]}, {"more", (*values)[2]}});
   }
   return std::string{problem};
 }

@@ -325,8 +325,8 @@ void Explorer::updateRows() {
       if (!mistake_.empty()) {
         text = mistake_;
       } else if (items.empty()) {
-        text = PictureText::nothingFound(host_.model.fileSearch(), FolderText::smallest(*folder_.snapshot),
-                                         host_.locale);
+        text =
+            FindingText::nothingCalled(host_.model.fileSearch(), folder_.snapshot->minNodeSize, host_.locale);
       }
     } else {
       addRows(folder_.pictured(), folder_.path, 0, items);

@@ -84,7 +84,7 @@ void Files::update() {
 
 Bytes Files::minimum() const {
   const SharedSnapshot& snapshot = host_.model.shown().snapshot();
-  return snapshot ? FolderText::smallest(*snapshot) : ScanLifecycle::minNodeSize;
+  return snapshot ? snapshot->minNodeSize : ScanLifecycle::minNodeSize;
 }
 
 void Files::showLargest() {
@@ -95,7 +95,7 @@ void Files::showLargest() {
   }
   const bool hasNone = items.empty() && host_.model.shown().hasFindings();
   largest_.assign(std::move(items),
-                  {.text = hasNone ? FolderText::noLargeFiles(minimum(), host_.locale) : ""});
+                  {.text = hasNone ? FindingText::noLargeFiles(minimum(), host_.locale) : ""});
 }
 
 // The rows of the last search stay until the new ones are there.
@@ -133,7 +133,7 @@ void Files::show(Found found) {
                  {{"count", number}, {"shown", groupedNumber(std::ssize(items), host_.locale)}})
           : i18np("1 found", "{count} found", count, {{"count", number}}));
   largest_.assign(std::move(items),
-                  {.text = count == 0 ? FolderText::nothingFound(minimum(), host_.locale) : ""});
+                  {.text = count == 0 ? FindingText::nothingFound(minimum(), host_.locale) : ""});
   Q_EMIT changed();
 }
 

@@ -5,18 +5,12 @@
 #include "core/base/Translation.h"
 #include "core/base/Unicode.h"
 
-#include <algorithm>
-
 namespace spacemint {
 
 std::string FolderText::title(std::string_view path, std::string_view root, std::string_view home) {
   if (path != root && path != Paths::dataVolume) return Paths::lastComponent(path);
   if (home.empty() && path != "/") return std::string{path};
   return canonicallyEqual(path, home) ? i18n("Home folder") : i18n("Entire disk");
-}
-
-Bytes FolderText::smallest(const Snapshot& scan) {
-  return std::max<Bytes>(1, scan.minNodeSize);
 }
 
 std::string FolderText::place(const std::string& path, const UiHost& host) {
@@ -26,18 +20,9 @@ std::string FolderText::place(const std::string& path, const UiHost& host) {
 
 // Without a minimum, these are the blocks of the folder itself.
 std::string FolderText::smallItems(bool hasChildren, Bytes minimum, const std::string& locale) {
-  return hasChildren || minimum == 0
+  return hasChildren || minimum <= 1
              ? i18n("Other small items")
              : i18n("Only small items, each under {size}", {{"size", ByteFormat::string(minimum, locale)}});
-}
-
-std::string FolderText::nothingFound(Bytes minimum, const std::string& locale) {
-  return i18n("Nothing found. The scan has files and folders from {size} on.",
-              {{"size", ByteFormat::string(minimum, locale)}});
-}
-
-std::string FolderText::noLargeFiles(Bytes minimum, const std::string& locale) {
-  return i18n("No files over {size}.", {{"size", ByteFormat::string(minimum, locale)}});
 }
 
 }  // namespace spacemint

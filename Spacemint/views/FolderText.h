@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Spacemint/views/UiHost.h"
-#include "core/tree/Snapshot.h"
 
 #include <string>
 #include <string_view>
@@ -15,20 +14,11 @@ namespace FolderText {
 /// `root` itself in a scan of another computer, whose home is not known (empty).
 std::string title(std::string_view path, std::string_view root, std::string_view home);
 
-/// The size in bytes from which on items have a node, at least 1.
-Bytes smallest(const Snapshot& scan);
-
 /// Where the item is: "~/Videos", or "In the Trash".
 std::string place(const std::string& path, const UiHost& host);
 
 /// The title of the row for what is too small to be listed by itself, below `minimum`.
 std::string smallItems(bool hasChildren, Bytes minimum, const std::string& locale);
-
-/// "No files over 20 MB."
-std::string noLargeFiles(Bytes minimum, const std::string& locale);
-
-/// In place of the results of a search.
-std::string nothingFound(Bytes minimum, const std::string& locale);
 
 }  // namespace FolderText
 

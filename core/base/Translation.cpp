@@ -16,6 +16,7 @@ constexpr const char* domain = "spacemint";
 // Set by setUpTranslation only.
 std::string language = "en";
 bool isEnglish = true;
+bool isRightToLeft = false;
 bool marksDirection = false;  // for a window in a language from right to left
 
 std::string_view environmentText(const char* name) {
@@ -51,6 +52,24 @@ std::string languageOfCatalogue() {
   return std::string{rest.substr(0, rest.find('\n'))};
 }
 
+// Of three bytes.
+bool isDirectionMark(std::string_view letter) {
+  return letter == "\u200e" || letter == "\u200f" || (letter >= "\u2066" && letter <= "\u2069");
+}
+
+// A translator's marks of direction are for a window, too.
+void appendText(std::string& text, std::string_view part) {
+  if (!isRightToLeft || marksDirection) {
+    text += part;
+    return;
+  }
+  while (!part.empty()) {
+    const bool isMark = isDirectionMark(part.substr(0, 3));
+    if (!isMark) text += part.front();
+    part.remove_prefix(isMark ? 3 : 1);
+  }
+}
+
 void appendValue(std::string& text, std::string_view value) {
   constexpr std::string_view firstStrongIsolate = "\u2068";
   constexpr std::string_view popIsolate = "\u2069";
@@ -67,7 +86,8 @@ void setUpTranslation(const std::string& folder, ShownIn shownIn) {
   bind_textdomain_codeset(domain, "UTF-8");
   language = languageOfCatalogue();
   isEnglish = language == "en";
-  marksDirection = shownIn == ShownIn::window && uloc_isRightToLeft(language.c_str()) != 0;
+  isRightToLeft = uloc_isRightToLeft(language.c_str()) != 0;
+  marksDirection = isRightToLeft && shownIn == ShownIn::window;
   // The system's own messages, such as those of errno, are then in English too.
   if (isEnglish) std::setlocale(LC_MESSAGES, "C");
 }
@@ -97,7 +117,7 @@ std::string fillIn(std::string_view text, Placeholders values) {
   constexpr std::string_view rightToLeftMark = "\u200f";
   std::string filled{marksDirection && !text.empty() ? rightToLeftMark : ""};
   for (std::size_t open = text.find('{'); open != std::string_view::npos; open = text.find('{')) {
-    filled += text.substr(0, open);
+    appendText(filled, text.substr(0, open));
     text.remove_prefix(open);
     const std::string_view name = text.substr(1, std::min(text.find('}'), text.size()) - 1);
     const auto* found = std::ranges::find(values, name, &Placeholder::name);
@@ -109,7 +129,7 @@ std::string fillIn(std::string_view text, Placeholders values) {
     }
     text.remove_prefix(isPlace ? name.size() + 2 : 1);
   }
-  filled += text;
+  appendText(filled, text);
   return filled;
 }
 

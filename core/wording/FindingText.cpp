@@ -121,6 +121,23 @@ std::string FindingText::folderSize(Bytes size, bool isLowerBound, const std::st
   return isLowerBound ? i18n("at least {size}", {{"size", text}}) : text;
 }
 
+std::string FindingText::nothingFound(Bytes minimum, const std::string& locale) {
+  if (minimum <= 1) return i18n("Nothing found.");
+  return i18n("Nothing found. The scan has files and folders from {size} on.",
+              {{"size", ByteFormat::string(minimum, locale)}});
+}
+
+std::string FindingText::nothingCalled(std::string_view query, Bytes minimum, const std::string& locale) {
+  if (minimum <= 1) return i18n("Nothing is called “{query}”.", {{"query", query}});
+  return i18n("Nothing of {size} or more is called “{query}”.",
+              {{"size", ByteFormat::string(minimum, locale)}, {"query", query}});
+}
+
+std::string FindingText::noLargeFiles(Bytes minimum, const std::string& locale) {
+  if (minimum <= 1) return i18n("No files.");
+  return i18n("No files over {size}.", {{"size", ByteFormat::string(minimum, locale)}});
+}
+
 std::string FindingText::nothingGrew(Bytes minimum, const std::string& locale) {
   return i18n("Nothing grew by more than {size}.", {{"size", ByteFormat::string(minimum, locale)}});
 }

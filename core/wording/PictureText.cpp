@@ -150,9 +150,4 @@ std::string PictureText::summary(const Node& folder, const std::string& locale) 
                {"second", ByteFormat::string(children[1].size, locale)}});
 }
 
-std::string PictureText::nothingFound(std::string_view query, Bytes minimum, const std::string& locale) {
-  return i18n("Nothing of {size} or more is called “{query}”.",
-              {{"size", ByteFormat::string(minimum, locale)}, {"query", query}});
-}
-
 }  // namespace spacemint

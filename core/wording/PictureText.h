@@ -55,8 +55,6 @@ std::string cameSince(std::string_view date);
 std::string mapOf(std::string_view folder);
 /// "76.2 GB in 12 items; the largest are Videos, 28.4 GB, and vm, 25 GB."
 std::string summary(const Node& folder, const std::string& locale);
-/// "Nothing of 20 MB or more is called “xyz”."
-std::string nothingFound(std::string_view query, Bytes minimum, const std::string& locale);
 
 }  // namespace PictureText
 

@@ -181,7 +181,7 @@ std::string Browser::statusText() const {
   }
   if (baseline_) add(i18n("growth since {date}", {{"date", localTime(baseline_->date)}}));
   if (hidesDotNames_ && page_ == Page::folder) add(i18n("without hidden files"));
-  if (page_ == Page::found && tree_.scan().minNodeSize > 0)
+  if (page_ == Page::found && tree_.scan().minNodeSize > 1)
     add(i18n("files and folders from {size} on",
              {{"size", ByteFormat::string(tree_.scan().minNodeSize, view_.locale)}}));
   if (hasScan_ && !setup_.whyReadOnly.empty()) add(i18n("read-only"));

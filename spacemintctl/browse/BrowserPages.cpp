@@ -9,6 +9,7 @@
 #include "core/host/FileStamp.h"
 #include "core/host/UserFolders.h"
 #include "core/places/SuggestionPlaces.h"
+#include "core/wording/FindingText.h"
 #include "spacemintctl/Console.h"
 #include "spacemintctl/TransferCommands.h"
 #include "spacemintctl/browse/BrowseText.h"
@@ -59,10 +60,7 @@ void Browser::search(const std::string& text) {
 }
 
 void Browser::showFound(const std::string& text, std::vector<Row> rows, std::size_t count) {
-  if (rows.empty()) {
-    return say(i18n("Nothing found. The scan has files and folders from {size} on.",
-                    {{"size", ByteFormat::string(tree_.scan().minNodeSize, view_.locale)}}));
-  }
+  if (rows.empty()) return say(FindingText::nothingFound(tree_.scan().minNodeSize, view_.locale));
   message_.clear();
   for (Row& row : rows) addGrowth(row);
   if (page_ == Page::folder) chosenInFolder_ = view_.current() == nullptr ? "" : view_.current()->path;

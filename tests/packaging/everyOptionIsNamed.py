@@ -25,7 +25,7 @@ expected = words()
 if len(expected) < 20:
     sys.exit(f"--help was not understood: {expected}")
 bad = False
-manuals = ["spacemintctl.1", *(str(page.relative_to(folder)) for page in folder.glob("man/*/man1/spacemintctl.1.gz"))]
+manuals = [str(page.relative_to(folder)) for page in folder.glob("man/**/spacemintctl.1.gz")]
 if len(manuals) < 2:
     sys.exit("there are no translated manual pages")
 for file, spell in {

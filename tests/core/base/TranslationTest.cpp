@@ -108,6 +108,7 @@ TEST_F(Catalogue, MarksTheDirectionInAWindowOnly) {
   EXPECT_EQ(facts({"", "a", "b"}), "\u200f\u2068a\u2069 · \u2068b\u2069");
   setUpTranslation(home_.path(), ShownIn::terminal);
   EXPECT_EQ(sentences({"A.", "", "B."}), "A. B.");
+  EXPECT_EQ(fillIn("\u200f\u2066{a}\u2069…", {{"a", "\u2066x"}}), "\u2066x…");
 }
 
 TEST_F(Catalogue, IsEnglishWithoutACatalogueOfTheLanguage) {
