@@ -12,6 +12,7 @@ RowList {
     readonly property real cardWidth: Math.min(width - 40, maximumWidth)
     readonly property real cardLeft: LayoutMirroring.enabled ? width - cardWidth - 20 : 20
 
+    contentX: -leftMargin
     leftMargin: cardLeft + 4
     rightMargin: width - cardLeft - cardWidth + 4
     interactive: true

@@ -13,19 +13,19 @@ ColumnLayout {
 
     spacing: compact ? 5 : 8
 
-    GridLayout {
+    Item {
         id: words
 
-        readonly property bool fit: title.implicitWidth + columnSpacing + detail.implicitWidth <= width
+        /// Whether both texts have room in one line.
+        readonly property bool fit: title.implicitWidth + 8 + detail.implicitWidth <= width
 
         Layout.fillWidth: true
-        columns: fit ? 2 : 1
-        columnSpacing: 8
-        rowSpacing: 2
+        implicitHeight: fit ? Math.max(title.implicitHeight, detail.implicitHeight) : title.implicitHeight + 2 + detail.implicitHeight
 
         Label {
             id: title
 
+            anchors.left: parent.left
             text: root.ui.scan.title
             size: root.compact ? 11.5 : 13
             weight: Font.Medium
@@ -34,7 +34,10 @@ ColumnLayout {
         Label {
             id: detail
 
-            Layout.fillWidth: true
+            anchors.left: words.fit ? title.right : parent.left
+            anchors.leftMargin: words.fit ? 8 : 0
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
             text: root.ui.scan.detail
             size: root.compact ? 11.5 : 12
             color: Theme.secondary

@@ -52,8 +52,9 @@ void printTexts(const QString& page, const QQuickItem& item) {
                        item.property("contentWidth").toDouble() > item.width() + rounding ||
                        item.property("contentHeight").toDouble() > item.height() + rounding;
     const bool leavesOutMiddle = item.property("elide").toInt() == Qt::ElideMiddle;
-    const auto fit = isCut ? leavesOutMiddle ? "shortened" : "cut" : "-";
-    const QStringList line{page, QString::fromLatin1(fit), QString{text}.replace(u'\n', u' ')};
+    const char* whenCut = leavesOutMiddle ? "shortened" : "cut";
+    const QStringList line{page, QString::fromLatin1(isCut ? whenCut : "-"),
+                           QString{text}.replace(u'\n', u' ')};
     std::puts(qUtf8Printable(line.join(u'\t')));
   }
   for (const QQuickItem* child : item.childItems()) printTexts(page, *child);
