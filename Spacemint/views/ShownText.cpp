@@ -2,7 +2,6 @@
 
 #include "core/base/Translation.h"
 
-#include <QLocale>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -40,10 +39,13 @@ QString ShownText::sentence(std::string_view text) {
 }
 
 QString ShownText::withQuotes(QString text) {
-  static const QRegularExpression command(QStringLiteral("`([^`\u2068\u2069]+)`"));
-  const QLocale language{QString::fromStdString(sentenceLanguage())};
+  // A name in the command is isolated; what is isolated between two commands is no part of one.
+  static const QRegularExpression command(
+      QStringLiteral("`((?:[^`\u2068\u2069]|\u2068[^`\u2068\u2069]*\u2069)+)`"));
   for (auto found = command.match(text); found.hasMatch(); found = command.match(text)) {
-    text.replace(found.capturedStart(), found.capturedLength(), language.quoteString(found.captured(1)));
+    const std::string quoted =
+        i18nc("a command in a sentence", "“{command}”", {{"command", found.captured(1).toStdString()}});
+    text.replace(found.capturedStart(), found.capturedLength(), plain(quoted));
   }
   return text;
 }

@@ -130,6 +130,12 @@ TEST(PageText, aLineKeepsTheIsolatesOfItsNamesAndNoOthers) {
     EXPECT_EQ(ShownText::onOneLine(QString::fromUtf16(text)), QString::fromUtf16(shown));
 }
 
+TEST(PageText, quotesCommandsButNothingInNames) {
+  const QString text = QString::fromUtf16(u"`a \u2068b\u2069` \u2068c`d\u2069 `e` \u2068f`\u2069");
+  EXPECT_EQ(ShownText::withQuotes(text),
+            QString::fromUtf16(u"“a \u2068b\u2069” \u2068c`d\u2069 “e” \u2068f`\u2069"));
+}
+
 std::vector<std::string> labels(const std::vector<SettingsText::Choice>& choices) {
   std::vector<std::string> result;
   for (const auto& choice : choices) result.push_back(choice.label);
