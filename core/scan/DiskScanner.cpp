@@ -77,8 +77,10 @@ class Walk final : public Unfinished {
         report();
         coverage_.leftOut = listing_.leftOut();
         if (arguments_.excludes != nullptr) coverage_.excludes = arguments_.excludes->patterns();
-        return Result{
-            .root = std::move(*node), .fileCount = counted_.files, .coverage = std::move(coverage_)};
+        return Result{.root = std::move(*node),
+                      .fileCount = counted_.files,
+                      .coverage = std::move(coverage_),
+                      .reusedFolders = std::move(reusedFolders_)};
       }
     }
     return std::nullopt;
@@ -224,9 +226,10 @@ class Walk final : public Unfinished {
 
     if (!arguments_.skip.empty() && arguments_.skip.contains(path_)) return;
     if (arguments_.reuse) {
-      if (auto node = arguments_.reuse(path_)) {
+      if (const Node* node = arguments_.reuse(path_)) {
         add(counted_.bytes, counted_.files, node->size, node->fileCount);
-        return adopt(top, std::move(*node));
+        reusedFolders_.insert(path_);
+        return adopt(top, *node);
       }
     }
     if (stack_.size() >= Node::maximumDepth) return noteUnread(unread().folders, path_, EMFILE);
@@ -311,6 +314,7 @@ class Walk final : public Unfinished {
   // Long ago, so that the first look is before the first folder.
   std::chrono::steady_clock::time_point looked_;
   Coverage coverage_;
+  std::unordered_set<std::string> reusedFolders_;
 };
 
 std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {
@@ -321,7 +325,6 @@ std::optional<Result> walk(const Arguments& arguments, FolderListing& listing) {
 
 }  // namespace
 
-// Reading ahead lists every subfolder, so it is useful only if the walk opens every subfolder.
 std::optional<Result> DiskScanner::scan(const Arguments& arguments) {
   const LoweredPriority lowered{traitsOf(arguments.manner()).deference};
   const std::size_t limit = raiseOpenFileLimit(ReadAheadListing::usualOpenFileLimit);
@@ -331,9 +334,13 @@ std::optional<Result> DiskScanner::scan(const Arguments& arguments) {
   if (arguments.excludes != nullptr && !arguments.excludes->isEmpty()) {
     listing = &excluding.emplace(*listing, *arguments.excludes, arguments.minNodeSize);
   }
-  if (arguments.reuse || !arguments.skip.empty()) return walk(arguments, *listing);
-  ReadAheadListing ahead{*listing, ReadAheadListing::limitsFor(arguments.root, limit),
-                         [&] { return traitsOf(arguments.manner()).readsAhead; }};
+  ReadAheadListing::WalkFacts facts{.isWanted = [&] { return traitsOf(arguments.manner()).readsAhead; }};
+  if (arguments.reuse || !arguments.skip.empty()) {
+    facts.passesBy = [&](const std::string& path) {
+      return arguments.skip.contains(path) || (arguments.reuse && arguments.reuse(path) != nullptr);
+    };
+  }
+  ReadAheadListing ahead{*listing, ReadAheadListing::limitsFor(arguments.root, limit), std::move(facts)};
   return walk(arguments, ahead);
 }
 

@@ -34,6 +34,8 @@ struct Result {
   Node root;
   std::int64_t fileCount = 0;
   Coverage coverage;
+  /// The folders that `Arguments::reuse` measured.
+  std::unordered_set<std::string> reusedFolders = {};
 
   bool operator==(const Result&) const = default;
 };
@@ -59,9 +61,9 @@ class Unfinished {
   ~Unfinished() = default;
 };
 
-/// Returns an earlier scan's measurement of the folder at a full path, or nothing if the folder must be
-/// walked.
-using Reuse = std::function<std::optional<Node>(const std::string& path)>;
+/// Returns an earlier scan's measurement of the folder at a full path, which the scan copies, or null if the
+/// folder must be walked. Several threads call it at once.
+using Reuse = std::function<const Node*(const std::string& path)>;
 
 struct Arguments {
   std::string root;
@@ -72,11 +74,10 @@ struct Arguments {
   std::unordered_set<std::string> skip;
   /// What the scan neither lists nor counts, but reports as left out. May be null; must outlive the call.
   const Excludes* excludes = nullptr;
-  /// Called for every subfolder before the scan opens the subfolder. May be empty.
+  /// Called, perhaps repeatedly, for every subfolder before the scan opens it. May be empty.
   Reuse reuse;
   /// Called before each folder. The manner at the start decides the priority of the calling thread during the
-  /// scan; the number of threads follows the manner as it changes. A scan with `reuse` or `skip` has one
-  /// thread in every manner.
+  /// scan; the number of threads follows the manner as it changes.
   MannerNow manner = always(ScanManner::foreground);
   /// Called once per `entriesPerPoll` listed entries; true cancels the scan. May be empty.
   std::function<bool()> shouldCancel;
@@ -94,7 +95,7 @@ struct Arguments {
 inline constexpr std::int64_t entriesPerPoll = 4'096;
 
 /// Walks the tree below `root`. Absent if the root cannot be opened as a folder or the scan was cancelled.
-/// Blocks until the walk ends, and calls all callbacks on the calling thread.
+/// Blocks until the walk ends, and calls all callbacks but `reuse` on the calling thread only.
 std::optional<Result> scan(const Arguments& arguments);
 
 }  // namespace DiskScanner

@@ -5,6 +5,7 @@
 #include "core/host/VolumeInfo.h"
 #include "core/scan/KeptEntries.h"
 #include "core/scan/NameList.h"
+#include "core/tree/Paths.h"
 
 #include <algorithm>
 #include <array>
@@ -89,6 +90,7 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
   }
 
   std::string name;
+  std::string path;  // only if the walk may pass by folders
 
   // Written by the thread that lists the folder; other threads read these members only afterwards.
   std::unique_ptr<OpenFolder> folder;
@@ -113,9 +115,9 @@ struct ReadAheadListing::Record : std::enable_shared_from_this<Record> {
 // one more, up to the depth; a thread above the depth rests.
 class ReadAheadListing::Crew {
  public:
-  Crew(ReadAheadDepth::Limits depth, std::size_t foldersAhead, std::uint64_t device, IsWanted isWanted)
+  Crew(ReadAheadDepth::Limits depth, std::size_t foldersAhead, std::uint64_t device, WalkFacts walk)
       : device_(device),
-        isWanted_(std::move(isWanted)),
+        walk_(std::move(walk)),
         foldersAhead_(foldersAhead),
         depth_(depth) {}
 
@@ -131,8 +133,9 @@ class ReadAheadListing::Crew {
   Crew(const Crew&) = delete;
   Crew& operator=(const Crew&) = delete;
 
-  std::shared_ptr<Record> beginWith(std::unique_ptr<OpenFolder> root) {
+  std::shared_ptr<Record> beginWith(std::unique_ptr<OpenFolder> root, std::string path) {
     auto record = std::make_shared<Record>();
+    record->path = std::move(path);
     record->take(std::move(root));
     record->state = Record::State::inWalk;
     const std::lock_guard lock(mutex_);
@@ -145,7 +148,7 @@ class ReadAheadListing::Crew {
   // that helper; or a new record that the walk must list. Null if the subfolder is not the next one in the
   // walk's order.
   std::shared_ptr<Record> take(Record& parent, const std::string& name) {
-    const bool isWanted = isWanted_();
+    const bool isWanted = !walk_.isWanted || walk_.isWanted();
     std::unique_lock lock = lockSoon(mutex_);
     if (std::exchange(mayWork_, isWanted) != isWanted) wakeHelper();
     if (parent.ahead.empty()) {
@@ -196,7 +199,7 @@ class ReadAheadListing::Crew {
 
   // Called when the walk has read a batch of a folder that it lists itself.
   void note(Record& record, std::span<const Entry> entries) const {
-    collectSubfolders(entries, record.pending);
+    collectSubfolders(record, entries, record.pending);
   }
 
   // Called when the walk has listed a folder to the end.
@@ -300,6 +303,7 @@ class ReadAheadListing::Crew {
     std::shared_ptr<Record> record = newRecord();
     record->name = parent.pending.last();
     parent.pending.popLast();
+    if (walk_.passesBy) record->path = Paths::join(parent.path, record->name);
     record->state = state;
     record->place = line_.insert(*parent.place, record.get());
     if (parent.pending.empty()) leaveLine(parent);
@@ -342,7 +346,7 @@ class ReadAheadListing::Crew {
         if (!hasFolder(record.batches)) record.folder.reset();
         return true;
       }
-      collectSubfolders(batch.entries, subfolders);
+      collectSubfolders(record, batch.entries, subfolders);
       kept.assign(batch.entries);
     }
     return false;
@@ -354,9 +358,10 @@ class ReadAheadListing::Crew {
         batches, [&](const KeptEntries& batch) { return std::ranges::any_of(batch.entries(), isFolder); });
   }
 
-  void collectSubfolders(std::span<const Entry> entries, NameList& names) const {
+  void collectSubfolders(const Record& folder, std::span<const Entry> entries, NameList& names) const {
     for (const Entry& entry : entries) {
-      if (entry.error == 0 && entry.type == EntryType::folder && entry.device == device_)
+      const bool mayBeOpened = entry.error == 0 && entry.type == EntryType::folder && entry.device == device_;
+      if (mayBeOpened && !(walk_.passesBy && walk_.passesBy(Paths::join(folder.path, entry.name))))
         names.push(entry.name);
     }
   }
@@ -405,7 +410,7 @@ class ReadAheadListing::Crew {
   }
 
   const std::uint64_t device_;
-  const IsWanted isWanted_;
+  const WalkFacts walk_;
   std::mutex mutex_;
   std::condition_variable work_;   // a helper may have work
   std::condition_variable ready_;  // the folder that the walk waits for may be ready
@@ -523,18 +528,18 @@ ReadAheadListing::Limits ReadAheadListing::limitsFor(const std::string& root, st
           .openFiles = openFiles};
 }
 
-ReadAheadListing::ReadAheadListing(FolderListing& inner, Limits limits, IsWanted isWanted)
+ReadAheadListing::ReadAheadListing(FolderListing& inner, Limits limits, WalkFacts walk)
     : inner_(inner),
       limits_(limits),
-      isWanted_(std::move(isWanted)) {}
+      walk_(std::move(walk)) {}
 
 std::expected<std::unique_ptr<OpenFolder>, Error> ReadAheadListing::open(const std::string& root) {
   auto opened = inner_.open(root);
   if (!opened) return std::unexpected(std::move(opened).error());
   const std::uint64_t device = (*opened)->device();
   const std::size_t foldersAhead = std::min(mostFoldersAhead, limits_.openFiles / shareOfHandles);
-  auto crew = std::make_shared<Crew>(limits_.depth, foldersAhead, device, isWanted_);
-  auto record = crew->beginWith(std::move(*opened));
+  auto crew = std::make_shared<Crew>(limits_.depth, foldersAhead, device, walk_);
+  auto record = crew->beginWith(std::move(*opened), root);
   return std::make_unique<Folder>(std::move(crew), std::move(record), device);
 }
 

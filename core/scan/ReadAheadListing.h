@@ -12,7 +12,8 @@ namespace spacemint {
 /// The walk's thread lists folders ahead, too, where it would wait for a helper.
 ///
 /// The walk gets the same entries as from `inner`, in the same order. Reading ahead helps a walk that opens
-/// every subfolder on the root's volume, in reverse listing order; other walks work too, but are not faster.
+/// every subfolder on the root's volume that it does not pass by, in reverse listing order; other walks work
+/// too, but are not faster.
 /// How many helpers work is found out (`ReadAheadDepth`). The number of folders, open handles and bytes that
 /// are held ahead is bounded. If the process nevertheless runs out of file handles, the listing closes all
 /// handles opened ahead and continues without helpers; no entry is lost. Only one thread may use the folders
@@ -31,11 +32,17 @@ class ReadAheadListing final : public FolderListing {
   /// The limits for folders on the disk that holds `root`.
   static Limits limitsFor(const std::string& root, std::size_t openFiles = usualOpenFileLimit);
 
-  /// Asked by the walk's thread before each subfolder; while it answers false, the helpers rest.
-  using IsWanted = std::function<bool()>;
+  /// What the listing asks about the walk.
+  struct WalkFacts {
+    /// Asked by the walk's thread before each subfolder; while it answers false, the helpers rest.
+    /// Empty if they never rest.
+    std::function<bool()> isWanted = {};
+    /// Whether the walk does not open the folder at this path, so that helpers need not list it. Asked by
+    /// several threads at once. Empty if the walk opens every folder.
+    std::function<bool(const std::string& path)> passesBy = {};
+  };
 
-  explicit ReadAheadListing(
-      FolderListing& inner, Limits limits, IsWanted isWanted = [] { return true; });
+  ReadAheadListing(FolderListing& inner, Limits limits, WalkFacts walk);
 
   std::expected<std::unique_ptr<OpenFolder>, Error> open(const std::string& root) override;
   std::vector<ListedPlace> places() const override { return inner_.places(); }
@@ -49,7 +56,7 @@ class ReadAheadListing final : public FolderListing {
 
   FolderListing& inner_;
   Limits limits_;
-  IsWanted isWanted_;
+  WalkFacts walk_;
 };
 
 }  // namespace spacemint

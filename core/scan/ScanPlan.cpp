@@ -152,10 +152,7 @@ EarlierScan::EarlierScan(Snapshot previous, const FolderChanges& changes)
     : unchanged_(std::make_shared<const Unchanged>(std::move(previous), changes)) {}
 
 DiskScanner::Reuse EarlierScan::reuse() const {
-  return [unchanged = unchanged_](const std::string& path) -> std::optional<Node> {
-    const Node* node = unchanged->reusable(path);
-    return node != nullptr ? std::optional{*node} : std::nullopt;
-  };
+  return [unchanged = unchanged_](const std::string& path) { return unchanged->reusable(path); };
 }
 
 Coverage EarlierScan::carriedOver() const {
@@ -210,17 +207,6 @@ void dropExcluded(FolderChanges& changes, const ScanPlan::Arguments& arguments) 
   std::erase_if(changes.trees, isExcluded);
 }
 
-// What is excluded in the folders that the scan reuses is known from the earlier scan only.
-void noteReused(ScanPlan& plan) {
-  auto folders = std::make_shared<std::unordered_set<std::string>>();
-  plan.reusedFolders = folders;
-  plan.reuse = [reuse = std::move(plan.reuse), folders](const std::string& path) {
-    auto node = reuse(path);
-    if (node) folders->insert(path);
-    return node;
-  };
-}
-
 ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   ScanPlan plan{.fullScanDate = arguments.now, .excludes = arguments.excludes};
   if (arguments.earlier) plan.lastSizes = lastSizesIn(*arguments.earlier, arguments);
@@ -264,7 +250,6 @@ ScanPlan planned(EventJournal& journal, ScanPlan::Arguments arguments) {
   markPlaces(*changes, arguments.root, arguments.earlier->coverage.places, places);
   const EarlierScan earlier{std::move(*arguments.earlier), *changes};
   plan.reuse = earlier.reuse();
-  if (!plan.excludes.isEmpty()) noteReused(plan);
   plan.carriedOver = earlier.carriedOver();
   return plan;
 }
@@ -310,13 +295,12 @@ void takeFullScanBytes(std::vector<CoveredPlace>& places, const std::vector<Cove
   }
 }
 
-void add(Coverage& coverage, const ScanPlan& plan) {
-  const Coverage& more = plan.carriedOver;
+// Adds what an earlier scan knew. What is excluded in the folders taken from it is known from it only.
+void add(Coverage& coverage, const Coverage& more, const PathSet& reusedFolders) {
   const auto isInReused = [&](const std::string& item) {
     std::optional<std::string> folder = parentWithin(item, 0);
-    while (folder && plan.reusedFolders && !plan.reusedFolders->contains(*folder))
-      folder = parentWithin(*folder, 0);
-    return folder && plan.reusedFolders;
+    while (folder && !reusedFolders.contains(*folder)) folder = parentWithin(*folder, 0);
+    return folder.has_value();
   };
   takeFullScanBytes(coverage.places, more.places);
   Unread& unread = coverage.unread;
@@ -347,7 +331,7 @@ void addLastSizes(Coverage& coverage, const std::map<std::string, Bytes>& sizes)
 
 Snapshot FinishedScan::snapshot() && {
   Coverage& coverage = result.coverage;
-  add(coverage, plan);
+  add(coverage, plan.carriedOver, result.reusedFolders);
   addLastSizes(coverage, plan.lastSizes);
   readSpaces(coverage);
   // The next scan may be able to read these items although the journal reports no change.

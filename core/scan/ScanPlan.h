@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_set>
 
 namespace spacemint {
 
@@ -71,8 +70,6 @@ struct ScanPlan {
   /// What the scan takes from the earlier one besides the folders.
   Coverage carriedOver;
   Excludes excludes;
-  /// The folders that the scan took from the earlier one, if it excludes anything.
-  std::shared_ptr<const std::unordered_set<std::string>> reusedFolders = {};
   /// The last known sizes of what the scan leaves out, by path.
   std::map<std::string, Bytes> lastSizes;
   /// Why the scan is a full scan, as a clause that fits after "because"; empty if the scan reuses folders.

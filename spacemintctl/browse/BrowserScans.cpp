@@ -59,9 +59,9 @@ Measurement::Work folderScan(std::string path, const Snapshot& scan, KnownFolder
         .root = path, .minNodeSize = minSize, .excludes = &excludes, .smallEntriesOfRoot = mostSmallRows};
     watched(arguments);
     if (!known.empty()) {
-      arguments.reuse = [&](const std::string& folder) -> std::optional<Node> {
+      arguments.reuse = [&](const std::string& folder) {
         const auto found = known.find(folder);
-        return found == known.end() ? std::nullopt : std::optional{found->second};
+        return found == known.end() ? nullptr : &found->second;
       };
     }
     auto result = DiskScanner::scan(arguments);

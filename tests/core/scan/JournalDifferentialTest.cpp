@@ -236,12 +236,9 @@ class Differential {
   DiskScanner::Result walked(const Snapshot& last) {
     const auto changes = recorder_->changes(since(last));
     if (!changes) return scanInFull();
-    const auto unchanged = EarlierScan{last, *changes}.reuse();
-    return scan([&](const std::string& path) {
-      auto node = unchanged(path);
-      if (node) ++tally_.reusedFolders;
-      return node;
-    });
+    auto result = scan(EarlierScan{last, *changes}.reuse());
+    tally_.reusedFolders += static_cast<int>(result.reusedFolders.size());
+    return result;
   }
 
   DiskScanner::Result updated(Snapshot last) {
