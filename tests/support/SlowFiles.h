@@ -54,7 +54,7 @@ class SlowFiles {
     server_.join();
   }
 
-  /// The most requests that waited at the same time since the last call.
+  /// The most requests that somebody waited for at the same time since the last call.
   std::size_t takeMostAtOnce() { return mostAtOnce_.exchange(0); }
   /// Whether the facts of each folder's files were asked for in the order of their inodes since the last
   /// call.
@@ -132,13 +132,21 @@ class SlowFiles {
         return reply(request.unique, 0, one(fuse_open_out{}));
       case FUSE_READDIR:
         return list(request, reinterpret_cast<const fuse_read_in*>(body)->offset);
+      case FUSE_RELEASEDIR:
+        return confirm(request.unique);
       case FUSE_FORGET:
       case FUSE_BATCH_FORGET:
       case FUSE_INTERRUPT:
         return;
       default:
-        return reply(request.unique, request.opcode == FUSE_RELEASEDIR ? 0 : ENOSYS);
+        return reply(request.unique, ENOSYS);
     }
+  }
+
+  // At once, because the kernel closes folders behind the back of who used them.
+  void confirm(std::uint64_t unique) {
+    const fuse_out_header header{.len = sizeof(header), .error = 0, .unique = unique};
+    [[maybe_unused]] const ssize_t written = write(device_.get(), &header, sizeof header);
   }
 
   void list(const fuse_in_header& request, std::uint64_t offset) {

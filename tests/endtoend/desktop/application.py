@@ -66,9 +66,7 @@ class Application:
 
     def windows(self):
         """The program's windows that are on the screen."""
-        answer = self.session.output(["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid), "--name",
-                                      "^Spacemint$"])
-        return answer.split()
+        return self.session.visible_windows("--pid", str(self.process.pid), "--name", "^Spacemint$")
 
     def is_shown(self):
         return bool(self.windows())

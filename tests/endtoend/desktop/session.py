@@ -149,7 +149,15 @@ class Session:
         wait_until(lambda: self.has_name("org.freedesktop.Notifications"), "the notification service")
 
     def wait_notification(self):
-        wait_until(lambda: self.output(["xdotool", "search", "--onlyvisible", "--class", "Dunst"]), "the notification")
+        wait_until(lambda: self.visible_windows("--class", "Dunst"), "the notification")
+
+    def visible_windows(self, *criteria):
+        """The windows on the screen that fit. The search fails if a window goes while it looks at all of them."""
+        while True:
+            answer = subprocess.run(["xdotool", "search", "--onlyvisible", *criteria], env=self.environment,
+                                    capture_output=True, check=False)
+            if b"BadWindow" not in answer.stderr:
+                return answer.stdout.split()
 
     def has_name(self, name):
         answer = self.output(["dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",

@@ -120,10 +120,10 @@ class Menu(OnADesktop):
         app = self.start(STARTED, maker.dictionary())
         app.wait_item()
         is_done = {
-            "Open Spacemint": lambda: app.sees_text("free"),
-            "Open a Scan…": lambda: app.sees_text("no dialog for choosing a file"),
-            "About Spacemint": lambda: app.sees("About Spacemint", "dialog"),
-            "Settings…": lambda: app.sees("Settings", "heading"),
+            "Open Spacemint": lambda: app.is_shown() and app.sees_text("free"),
+            "Open a Scan…": lambda: app.is_shown() and app.sees_text("no dialog for choosing a file"),
+            "About Spacemint": lambda: app.is_shown() and app.sees("About Spacemint", "dialog"),
+            "Settings…": lambda: app.is_shown() and app.sees("Settings", "heading"),
             "Check for Updates…": lambda: maker.asked["/updates.xml"] > 0,
             "Share Anonymous Usage": lambda: app.settings().get("BrindlefoxShareUsage") is True,
             "Quit Spacemint": lambda: app.process.poll() == 0,
