@@ -1,6 +1,7 @@
 #include "Pages.h"
 #include "Spacemint/views/Ui.h"
 #include "core/base/Translation.h"
+#include "support/Files.h"
 #include "support/ModelFixture.h"
 
 #include <fstream>
@@ -67,8 +68,7 @@ class TabScene final : public support::ModelFixture {
   // All cards, and suggestions with one and with several locations.
   void piledUp() {
     addBackup("2024-01-01T00:00:00Z");
-    addFile(".Trash/film.mov", 300 * MB);
-    addFile(".Trash/.hidden", 900 * MB);
+    inventTrash();
     std::vector<Node> projects;
     for (const char* name : {"shop", "site", "a project with quite a long name that nobody remembers"}) {
       projects.push_back(support::folder(name, {support::folder("node_modules", {file("a", 700 * MB)})}));
@@ -111,11 +111,11 @@ class TabScene final : public support::ModelFixture {
             .refused = 120}};
   }
   void smallTrash() {
-    addFile(".Trash/film.mov", 700 * MB);
+    inventTrash();
     storeHome(morning - 1h, {support::folder(".Trash", {file("film.mov", 700 * MB)})});
   }
   void folders() {
-    addFile(".Trash/gone.zip", 300 * MB);
+    inventTrash();
     storeHome(morning - 1h,
               {support::folder("Movies", {support::folder("Old", {file("first.mov", 2 * GB)}),
                                           file("holiday.mov", 9 * GB)}),
@@ -177,13 +177,15 @@ class TabScene final : public support::ModelFixture {
   }
   void emptyTrash() {
     addFile(".local/share/Trash/files/film", 1);
-    addFile(".Trash/film", 1);
     desktop.tasks.hold(Tasks::Priority::alone);
     model->confirmEmptyTrash();
     confirm();
   }
 
  private:
+  // A file cannot be listed, so the Trash keeps the size of the stored scan, and nothing fills the disk.
+  void inventTrash() const { support::writeText(inHome(".Trash")); }
+
   bool holdsTools_ = false;
   std::unique_ptr<Ui> ui_;
 };

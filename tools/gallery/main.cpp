@@ -1,4 +1,5 @@
 #include "Pages.h"
+#include "Spacemint/desktop/linux/Termination.h"
 #include "core/base/Translation.h"
 #include "ui_kit/Theme.h"
 #include "ui_kit/UiKit.h"
@@ -105,7 +106,11 @@ QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
 /// Without a folder no picture is written.
 int drawAll(QQmlEngine& engine, const std::optional<QDir>& folder, const QString& only, bool printsTexts) {
   int failures = 0;
+  bool isEnded = false;
+  // The pages remove their files.
+  const Termination termination{[&isEnded] { isEnded = true; }};
   for (const Page& page : pages()) {
+    if (isEnded) return 1;
     if (!page.name.startsWith(only)) continue;
     const QImage image = draw(engine, page, printsTexts);
     const QString file = page.name + QStringLiteral(".png");
