@@ -42,9 +42,10 @@ ScanHistory::Loaded ScanHistory::readNewest(const SnapshotStore& store, Date now
 void ScanHistory::load(std::function<void()> then) {
   tasks_.run(
       Tasks::Priority::utility, this, [store = store_, now = clock_.now()] { return readNewest(store, now); },
-      [this, then = std::move(then)](Loaded loaded) {
-        take(std::move(loaded));
+      [this, then = std::move(then)](Loaded newest) {
+        take(std::move(newest));
         then();
+        Q_EMIT loaded();
       });
 }
 

@@ -76,6 +76,8 @@ class ScanHistory : public QObject {
   void settleBaseline(std::optional<Entry> entry) { assignBaseline(std::move(entry)); }
 
  Q_SIGNALS:
+  /// What is stored was read. Comes once.
+  void loaded();
   void snapshotChanged();
   void entriesChanged();
   void baselineEntryChanged();

@@ -52,6 +52,10 @@ bool ScanLifecycle::isStale(Seconds olderThan) const {
 }
 
 void ScanLifecycle::scan() {
+  if (!parts_.history.isLoaded()) {
+    connect(&parts_.history, &ScanHistory::loaded, this, &ScanLifecycle::scan, Qt::SingleShotConnection);
+    return;
+  }
   if (isScanning()) return;
   cancel();
   startedAt_ = desktop_.clock.steadyNow();

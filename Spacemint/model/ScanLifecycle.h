@@ -49,7 +49,8 @@ class ScanLifecycle : public QObject {
   /// empty when it took over what had not changed. Absent before the first scan.
   const std::optional<std::string>& whyFull() const { return whyFull_; }
 
-  /// Starts a scan. Does nothing while one runs.
+  /// Starts a scan, once the stored scans are read: a rescan continues the last one. Does nothing while a
+  /// scan runs.
   void scan();
   /// Brings the current scan up to date with a quiet full scan that is neither shown nor stored, so that the
   /// folder is recorded again, as after a restart of the program. Nothing happens while a scan or a recorder
