@@ -222,7 +222,9 @@ void AppModel::setFolderPath(std::optional<std::string> path) {
 
 void AppModel::open(const std::string& path) {
   std::error_code ignored;
-  std::filesystem::is_directory(path, ignored) ? openFolder(path) : shown_.open(path);
+  if (std::filesystem::is_directory(path, ignored)) return openFolder(path);
+  folderToOpen_.reset();
+  shown_.open(path);
 }
 
 void AppModel::openFolder(const std::string& path) {

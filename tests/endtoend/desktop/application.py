@@ -46,9 +46,10 @@ class Application:
         """What the program wrote to standard output and standard error, over all its starts."""
         return self.log.read_bytes()[self.log_start:].decode(errors="replace")
 
-    def launch_again(self):
-        """As from the menu, while it runs."""
-        return subprocess.run([self.program], env=self.environment(), timeout=60, check=False).returncode
+    def launch_again(self, *arguments):
+        """As from the menu or a file manager, while it runs."""
+        return subprocess.run([self.program, *map(str, arguments)], env=self.environment(), timeout=60,
+                              check=False).returncode
 
     def settings(self):
         return json.loads(self.settings_file.read_text())

@@ -35,11 +35,11 @@ class OnADesktop(unittest.TestCase):
         self.session.renew_home()
         (self.session.home / "letter").write_text("Dear Ann")
 
-    def start(self, settings, info=None, **environment):
+    def start(self, settings, info=None, arguments=(), **environment):
         app = Application(self.session, PROGRAM, settings, info)
         self.addCleanup(self.end, app)
         self.apps.append(app)
-        app.start(**environment)
+        app.start(*arguments, **environment)
         return app
 
     def end(self, app):

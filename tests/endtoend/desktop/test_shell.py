@@ -217,6 +217,21 @@ class Elsewhere(OnADesktop):
         app.wait_scanned()
         self.assertFalse(app.sees_text("no status area"))
 
+    def test_a_file_and_then_a_folder_are_opened(self):
+        home = self.session.home
+        (home / "usage.json").write_text('[1,2,{"host":"db1"},[{"name":"/srv"},{"name":"table","dsize":900000000}]]')
+        (home / "Films").mkdir()
+        with open(home / "Films/film.mkv", "wb") as film:
+            os.posix_fallocate(film.fileno(), 0, 30_000_000)
+        app = self.start(STARTED, arguments=[str(home / "usage.json")])
+        app.find("Scan of db1")
+        app.find_starting("table")
+        app.click("Back to this computer", "push button")
+        self.assertEqual(app.launch_again("--scan"), 0)
+        app.wait_scanned()
+        self.assertEqual(app.launch_again(home / "Films"), 0)
+        app.find_starting("film.mkv, 30")
+
     def test_the_window_offers_what_the_menu_has(self):
         for settings in (STARTED, {**STARTED, "presence": "dock"}):
             app = self.start(settings)
