@@ -48,7 +48,9 @@ bool Cleanups::isRunning(const std::string& id) const {
 
 void Cleanups::ask(CleanupRequest request) {
   const auto number = ++asked_;
-  const auto plan = [context = context_, request, now = desktop_.clock.now()] {
+  CleanupContext context = context_;
+  context.scan = parts_.history.snapshot();
+  const auto plan = [context = std::move(context), request, now = desktop_.clock.now()] {
     return planCleanup(request, context, now);
   };
   if (!std::holds_alternative<GitWorktree>(request)) return show(request, plan());

@@ -95,9 +95,13 @@ void ScanHistory::edit(const std::string& path, const Edit& edit) {
 void ScanHistory::remeasure(Remeasuring request, std::function<void()> then) {
   if (!snapshot_) return then();
   const Excludes excludes = Excludes::usable(snapshot_->coverage.excludes, "");
+  const auto isKnown = [this](const std::string& path) {
+    return snapshot_->nodeAt(path) != nullptr ||
+           snapshot_->coverage.excludedBelow(snapshot_->resolve(path)).items > 0;
+  };
   std::erase_if(request.paths, [&](const std::string& path) {
     return excludes.leavesOutBelow(snapshot_->rootPath(), snapshot_->resolve(path), true) ||
-           (!request.addIfMissing && snapshot_->nodeAt(path) == nullptr);
+           (!request.addIfMissing && !isKnown(path));
   });
   if (request.paths.empty()) return then();
   for (std::string& path : request.paths) path = highestMissing(*snapshot_, std::move(path));

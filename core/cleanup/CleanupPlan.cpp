@@ -294,6 +294,19 @@ class Planner {
   Date now_;
 };
 
+// What goes with the items although scans leave it out.
+ExcludedSum excludedIn(const CleanupPlan& plan, const Snapshot& scan) {
+  ExcludedSum sum;
+  for (const CleanupStep& step : plan.steps) {
+    if (step.path.empty()) continue;
+    const auto [items, unknown, size] = scan.coverage.excludedBelow(scan.resolve(step.path));
+    sum.items += items;
+    sum.unknown += unknown;
+    sum.size = saturatingAdd(sum.size, size);
+  }
+  return sum;
+}
+
 }  // namespace
 
 std::vector<std::string> gitArguments(const std::string& folder) {
@@ -307,7 +320,13 @@ Bytes CleanupPlan::size() const {
 }
 
 Planned planCleanup(const CleanupRequest& request, const CleanupContext& context, Date now) {
-  return std::visit(Planner{context, now}, request);
+  Planned plan = std::visit(Planner{context, now}, request);
+  if (plan && context.scan) {
+    const std::string excluded =
+        CleanupText::excludedWarning(excludedIn(*plan, *context.scan), context.locale);
+    plan->warning = sentences({plan->warning, excluded});
+  }
+  return plan;
 }
 
 CleanupPlan mergedPlans(std::string title, std::vector<CleanupPlan> plans) {

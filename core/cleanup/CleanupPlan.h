@@ -9,10 +9,12 @@
 #include "core/cleanup/DeletionGuard.h"
 #include "core/host/TrashCan.h"
 #include "core/places/TrashPlace.h"
+#include "core/tree/Snapshot.h"
 
 #include <expected>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -168,6 +170,9 @@ struct CleanupContext {
   /// The user's data folder (`UserFolders::data`).
   std::string data;
   std::string locale;
+  /// The scan by which the sizes are shown: a plan warns of what the user excluded from it. Null if sizes are
+  /// measured on the disk.
+  std::shared_ptr<const Snapshot> scan = {};
   /// The Trash for `moveToTrash`. Must outlive the context.
   TrashCan* trash = nullptr;
   /// Runs a tool and waits until it ends. Returns the failure, or nothing on success.

@@ -77,6 +77,14 @@ std::string CleanupText::worktreeNote(const GitWorktree& worktree, const Worktre
               {{"repository", isolatedName(*worktree.repository)}});
 }
 
+std::string CleanupText::excludedWarning(const ExcludedSum& excluded, const std::string& locale) {
+  if (excluded.items == 0) return "";
+  const std::string items = FindingText::excludedItems(excluded, locale);
+  if (excluded.size == 0) return i18n("It removes what scans leave out, too: {items}.", {{"items", items}});
+  return i18n("It removes what scans leave out, too: {size} in {items}.",
+              {{"size", ByteFormat::string(excluded.size, locale)}, {"items", items}});
+}
+
 std::string CleanupText::sharedNote(Bytes freesAtMost, const std::string& locale) {
   return i18n("It shares blocks with copies or snapshots, or is compressed: this frees at most {size}.",
               {{"size", ByteFormat::string(freesAtMost, locale)}});

@@ -17,6 +17,8 @@ std::string backupNote(const std::string& name);
 /// What else is lost with the worktree; empty for nothing.
 std::string worktreeWarning(const WorktreeContents& contents);
 std::string worktreeNote(const GitWorktree& worktree, const WorktreeContents& contents);
+/// What goes with the items although the user excluded it from scans; empty for nothing.
+std::string excludedWarning(const ExcludedSum& excluded, const std::string& locale);
 /// For a file that frees less than its size (`SharedFiles::freesAtMost`, in bytes).
 std::string sharedNote(Bytes freesAtMost, const std::string& locale);
 /// `shownPath` is the cache's folder for display.

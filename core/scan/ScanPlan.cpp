@@ -115,7 +115,7 @@ std::map<std::string, Bytes> lastSizesIn(const Snapshot& earlier, const ScanPlan
   if (earlier.coverage.excludes == arguments.excludes.patterns()) return sizes;
   walkTree(earlier.root, [&](const std::string& path, const Node& node) {
     if (!arguments.excludes.leavesOutBelow(arguments.root, path, node.isDirectory)) return true;
-    sizes.emplace(path, node.size);
+    sizes.emplace(path, saturatingAdd(node.size, earlier.coverage.excludedBelow(path).size));
     return false;
   });
   return sizes;

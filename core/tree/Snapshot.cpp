@@ -73,6 +73,13 @@ void apply(Change change, const std::vector<Node*>& chain, Snapshot& snapshot, s
   snapshot.fileCount = changed(snapshot.fileCount, change.files);
 }
 
+// What the user excluded at or below `path` is gone with it. Returns whether there was something.
+bool forgetExcluded(Coverage& coverage, std::string_view path) {
+  return std::erase_if(coverage.leftOut, [&](const LeftOut& item) {
+           return item.kind == LeftOut::Kind::excluded && isAtOrBelow(item.path, path);
+         }) > 0;
+}
+
 }  // namespace
 
 std::string Snapshot::resolve(std::string_view path) const {
@@ -169,7 +176,9 @@ bool Snapshot::upsert(std::string_view path, Node node) {
 
 bool Snapshot::remove(std::string_view path) {
   const auto place = placeOf(*this, path);
-  if (!place || place->node == nullptr) return false;
+  if (!place) return false;
+  const bool hasForgotten = forgetExcluded(coverage, resolve(path));
+  if (place->node == nullptr) return hasForgotten;
   const Change change{.size = saturatingSubtract(0, place->node->size),
                       .files = place->node->isDirectory ? saturatingSubtract(0, place->node->fileCount) : -1};
   place->erase();
@@ -193,11 +202,9 @@ bool Snapshot::addUnlisted(std::string_view path, Bytes bytes, std::int64_t file
 bool Snapshot::leaveOut(std::string_view path, std::string pattern) {
   const Node* node = nodeAt(path);
   if (node == nullptr || node == &root) return false;
-  LeftOut item{.path = resolve(path), .kind = LeftOut::Kind::excluded, .size = node->size};
+  LeftOut item{.path = resolve(path), .kind = LeftOut::Kind::excluded};
+  item.size = saturatingAdd(node->size, coverage.excludedBelow(item.path).size);
   remove(path);
-  std::erase_if(coverage.leftOut, [&](const LeftOut& each) {
-    return each.kind == LeftOut::Kind::excluded && isAtOrBelow(each.path, item.path);
-  });
   const auto after = std::ranges::upper_bound(coverage.leftOut, item);
   coverage.leftOut.insert(after, std::move(item));
   coverage.excludes.push_back(std::move(pattern));

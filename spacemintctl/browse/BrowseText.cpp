@@ -143,6 +143,7 @@ std::vector<Paragraph> BrowseText::removal(const RemovalOffer& offer, const Brow
   if (steps.size() > named) lines.push_back({.text = restText(steps.size() - named), .label = " "});
   if (steps.size() > 1) lines.push_back(sized(offer.forGood->size(), i18n("together"), view.locale));
   for (const std::string& each : offer.refused) lines.push_back({each, Style::warning});
+  for (const std::string& each : offer.warnings) lines.push_back({each, Style::warning});
   lines.push_back({""});
   // Where there is a choice, it says itself which way is for good.
   if (steps.size() == 1 && !(offer.toTrash && offer.forGood->note == i18n(deleteNote)))

@@ -43,6 +43,7 @@ void Browser::askRemoval() {
       return askCleanup(CleanupRequest{cleanup->second});
     items.push_back({.path = row->path, .size = row->size});
   }
+  context_.scan = tree_.share();
   RemovalOffer offer = offerRemoval(std::move(items), context_, view_.now);
   if (!offer.forGood) return refuse(std::move(offer.refused));
   Popup popup =
@@ -61,6 +62,7 @@ void Browser::askRemoval() {
 }
 
 void Browser::askCleanup(const CleanupRequest& request) {
+  context_.scan = tree_.share();
   auto plan = planCleanup(request, context_, view_.now);
   if (!plan) return refuse({CleanupText::refusalText(request, plan.error(), context_)});
   Popup popup =

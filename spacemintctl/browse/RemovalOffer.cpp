@@ -1,6 +1,7 @@
 #include "spacemintctl/browse/RemovalOffer.h"
 
 #include "core/base/AsciiText.h"
+#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/cleanup/CleanupText.h"
 #include "core/places/TrashPlace.h"
@@ -37,14 +38,20 @@ RemovalOffer offerRemoval(std::vector<RemovalItem> items, const CleanupContext& 
   std::vector<CleanupPlan> trash;
   std::vector<CleanupPlan> good;
   for (const RemovalItem& item : items) {
-    const CleanupRequest request = DeleteRequest{.path = item.path,
-                                                 .name = Paths::lastComponent(item.path),
-                                                 .size = item.size,
-                                                 .note = i18n(deleteNote)};
+    const DeleteRequest request{.path = item.path,
+                                .name = Paths::lastComponent(item.path),
+                                .size = item.size,
+                                .note = i18n(deleteNote)};
     auto plan = planCleanup(request, context, now);
     if (!plan) {
       offer.refused.push_back(CleanupText::refusalText(request, plan.error(), context));
       continue;
+    }
+    if (!plan->warning.empty()) {
+      offer.warnings.push_back(items.size() == 1
+                                   ? plan->warning
+                                   : i18n("{subject}: {note}", {{"subject", isolatedName(request.name)},
+                                                                {"note", plan->warning}}));
     }
     good.push_back(std::move(*plan));
     if (isInTrash(item.path, context.guard.home(), context.data)) continue;

@@ -22,6 +22,8 @@ struct RemovalOffer {
   std::optional<CleanupPlan> forGood;
   /// Why items are left out, a sentence for each.
   std::vector<std::string> refused;
+  /// What is lost besides the items, a sentence for each.
+  std::vector<std::string> warnings;
 };
 
 /// Items in a folder that is among the items too are left out without a word. Fast; any thread.

@@ -23,7 +23,7 @@ class CleanupsTest : public ModelFixture {
     startModel();
     model->scans().scan();
     desktop.settle();
-    ASSERT_EQ(sizeInScan("junk"), 40 * MB);
+    ASSERT_EQ(sizeInScan("keep"), 30 * MB);
   }
   // "wt" of the repository "shop", which has the file "a".
   std::optional<GitWorktree> makeWorktree() {
@@ -282,6 +282,19 @@ TEST_F(CleanupsTest, movesSeveralWithOneQuestionAndKeepsWhatMayNotGo) {
     EXPECT_FALSE(exists(name)) << name;
   }
   EXPECT_EQ(sizeInScan("junk"), 0);
+}
+
+TEST_F(CleanupsTest, namesWhatGoesAlthoughScansLeaveItOut) {
+  model->prefs().setExcludes({"a"});
+  haveScan();
+  EXPECT_EQ(sizeInScan("junk"), 0);
+  model->cleanups().ask(
+      SeveralRequest{{TrashRequest{inHome("junk")}, TrashRequest{inHome("keep"), 30 * MB}}});
+  EXPECT_EQ(asked().warning,
+            "It removes what scans leave out, too: 41 MB in 1 file or folder, as last measured.");
+  confirm();
+  desktop.advance(2s);
+  EXPECT_EQ(model->history().snapshot()->coverage.excludedBelow(home).items, 0) << "it is gone";
 }
 
 TEST_F(CleanupsTest, followsTheTrashThatOthersFill) {

@@ -201,6 +201,8 @@ TEST(Excludes, keepTheLastKnownSize) {
   EXPECT_EQ(last->coverage.leftOut, before);
   scan({"a"});
   EXPECT_EQ(last->coverage.excludedBelow(root.path()).unknown, 0);
+  EXPECT_EQ(last->coverage.excludedBelow(root.path()).size, sum.size)
+      << "with what was left out in it before";
 }
 
 }  // namespace
