@@ -9,7 +9,8 @@ namespace spacemint {
 
 /// Facts about a volume; a member is absent if the system does not report it.
 struct VolumeInfo {
-  /// The label, or else the mount point; absent for a volume without a label at "/".
+  /// `Volume::name`; of a volume that is not local the label, or else the mount point. Absent at "/" where
+  /// the mount table cannot be read.
   std::optional<std::string> name;
   std::optional<Bytes> total;
   /// Free bytes including those that the system can free on demand; only some hosts report this.

@@ -42,21 +42,28 @@ std::string topOfDevice(const std::string& path) {
   return top;
 }
 
+std::optional<std::string> nameOf(const std::string& mountPoint) {
+  return mountPoint == "/" ? std::nullopt : std::optional{mountPoint};
+}
+
+// As in the list of volumes; the label of another one, such as a network file system.
+std::optional<std::string> nameOf(const Mount& mount) {
+  const auto volumes = localVolumes();
+  const auto found = std::ranges::find(volumes, mount.device, &Volume::pool);
+  if (found != volumes.end()) return found->name;
+  const auto label = labelOf(diskOf(mount));
+  return label ? label : nameOf(mount.mountPoint);
+}
+
 }  // namespace
 
 std::optional<VolumeInfo> readVolumeInfo(const std::string& path) {
   const auto space = readSpace(path);
   if (!space) return std::nullopt;
-  VolumeInfo info{.total = space->total, .available = space->free};
   const auto mount = mountOf(path);
-  const auto label = mount ? labelOf(diskOf(*mount)) : std::nullopt;
-  const std::string mountPoint = mount ? mount->mountPoint : topOfDevice(path);
-  if (label) {
-    info.name = *label;
-  } else if (mountPoint != "/") {
-    info.name = mountPoint;
-  }
-  return info;
+  return VolumeInfo{.name = mount ? nameOf(*mount) : nameOf(topOfDevice(path)),
+                    .total = space->total,
+                    .available = space->free};
 }
 
 std::optional<std::string> mountPointOf(const std::string& path) {

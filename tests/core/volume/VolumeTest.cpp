@@ -54,6 +54,17 @@ TEST(VolumeInfo, namesAVolumeThatNoTableOfMountsHas) {
   }));
 }
 
+TEST(VolumeInfo, namesTheVolumeOfTheHomeFolderAsTheListOfVolumesDoes) {
+  const support::TemporaryFolder folder;
+  if (!support::canMount()) GTEST_SKIP() << "nothing can be mounted here";
+  EXPECT_TRUE(support::succeedsInChild([&] {
+    const std::string& home = folder.path();
+    setenv("HOME", home.c_str(), 1);
+    return support::enterOwnMounts() && mount("tmpfs", home.c_str(), "tmpfs", 0, nullptr) == 0 &&
+           VolumeStatus::current(home).value_or(VolumeStatus{}).name == "Home";
+  }));
+}
+
 TEST(Permissions, areThereWhenOnePlaceCanBeOpened) {
   const support::TemporaryFolder folder;
   const std::string open = folder / "open";
