@@ -173,6 +173,7 @@ std::expected<NamePattern, NamePattern::Fault> NamePattern::compile(std::string_
 void NamePattern::note() {
   isName_ = std::ranges::all_of(tokens_, [](const Token& token) { return token.kind == Token::Kind::text; });
   if (tokens_.empty()) return;
+  part_ = std::ranges::max(tokens_, {}, [](const Token& token) { return token.text.size(); }).text;
   if (tokens_.front().kind == Token::Kind::text) head_ = tokens_.front().text;
   if (tokens_.back().kind == Token::Kind::text) tail_ = tokens_.back().text;
 }

@@ -29,6 +29,8 @@ class NamePattern {
   const std::string& head() const { return head_; }
   const std::string& tail() const { return tail_; }
   bool isName() const { return isName_; }
+  /// The longest text between wildcards, which every matching name contains; may be empty.
+  const std::string& part() const { return part_; }
 
   /// A pattern that only `name` matches.
   static std::string escaped(std::string_view name);
@@ -52,6 +54,7 @@ class NamePattern {
   std::vector<Token> tokens_;
   std::string head_;
   std::string tail_;
+  std::string part_;
   bool isName_ = true;
 };
 

@@ -164,6 +164,8 @@ void Excludes::noteName(const NamePattern& name, std::uint32_t rule) {
     byTail_.add(tailKey(name.tail()), rule);
   } else if (name.head().size() > 1) {
     byHead_.add(headKey(name.head()), rule);
+  } else if (name.part().size() > 1) {
+    byPart_.add(tailKey(name.part()), rule);
   } else {
     otherNames_.push_back(rule);
   }
@@ -211,6 +213,10 @@ bool Excludes::leavesOut(const Place& place, std::string_view name, bool isFolde
   };
   byTail_.forEach(tailKey(name), look);
   byHead_.forEach(headKey(name), look);
+  if (!byPart_.rules.empty()) {
+    for (std::size_t end = 1; end < name.size(); ++end)
+      byPart_.forEach(keyOf(name[end - 1], name[end]), look);
+  }
   for (const std::uint32_t number : otherNames_) look(number);
   for (const auto& [number, part] : place.expected) {
     const auto& path = rules_[number].path;

@@ -100,10 +100,12 @@ class Excludes {
   std::vector<std::string> patterns_;
   std::vector<Rule> rules_;
   Place top_;
-  // The rules for names by the last, or else the first, two bytes of the names that they fit. Most names have
-  // other bytes and need no closer look.
+  // The rules for names by the last, or else the first, two bytes of the names that they fit. Most names
+  // have other bytes and need no closer look.
   KeyedRules byTail_;
   KeyedRules byHead_;
+  // The rules for names that have two fixed bytes elsewhere, by these.
+  KeyedRules byPart_;
   // The rules for names that have no two fixed bytes.
   std::vector<std::uint32_t> otherNames_;
 };
