@@ -4,6 +4,7 @@
 #include "Spacemint/views/FolderText.h"
 #include "Spacemint/views/NotInFiles.h"
 #include "Spacemint/views/ShownText.h"
+#include "core/base/ByteFormat.h"
 #include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/tree/Paths.h"
@@ -11,6 +12,7 @@
 #include "core/wording/PictureText.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace spacemint {
 
@@ -18,6 +20,14 @@ namespace {
 
 constexpr std::size_t shortestQuery = 2;
 constexpr std::size_t hitsShown = 200;
+
+std::vector<const Node*> inOrder(const Node& folder, ItemOrder order) {
+  std::vector<const Node*> items;
+  for (const Node& child : folder.children) items.push_back(&child);
+  if (order == ItemOrder::byCount)
+    std::ranges::stable_sort(items, std::greater{}, [](const Node* item) { return filesIn(*item); });
+  return items;
+}
 
 }  // namespace
 
@@ -91,6 +101,12 @@ QStringList Explorer::colourings() const {
 void Explorer::setColouring(Colouring colouring) {
   if (colouring == colouring_) return;
   colouring_ = colouring;
+  updateRows();
+  Q_EMIT changed();
+}
+
+void Explorer::setOrder(int order) {
+  order_ = order == 0 ? ItemOrder::bySize : ItemOrder::byCount;
   updateRows();
   Q_EMIT changed();
 }
@@ -279,10 +295,15 @@ ListItem Explorer::itemOf(const Node& node, const ChangeTree* change, const std:
 
 void Explorer::addRows(const PicturedFolder& folder, const std::string& path, int depth,
                        std::vector<ListItem>& items) {
-  for (const Node& child : folder.node->children) {
+  for (const Node* each : inOrder(*folder.node, order_)) {
+    const Node& child = *each;
     const std::string childPath = Paths::join(path, child.name);
     const ChangeTree* change = folder.change != nullptr ? folder.change->child(child.name) : nullptr;
     ListItem item = itemOf(child, change, childPath, depth);
+    if (order_ == ItemOrder::byCount) {
+      item.sizeText = counted(filesIn(child), "{count} file", "{count} files", host_.locale);
+      if (depth == 0) item.fraction = ShownText::share(filesIn(child), folder_.node->fileCount);
+    }
     const bool isUnfolded = unfolded_.contains(childPath);
     if (!child.children.empty()) {
       item.isUnfolded = isUnfolded;
@@ -330,6 +351,7 @@ void Explorer::updateRows() {
       }
     } else {
       addRows(folder_.pictured(), folder_.path, 0, items);
+      addLeftOut(items, host_, folder_);
       const std::string id{notInFilesId};
       addNotInFiles(items, host_, folder_, unfolded_.contains(id), [this, id] { toggle(id); });
       if (items.empty()) text = i18n("Nothing is in here.");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Spacemint/views/Folders.h"
 #include "Spacemint/views/ItemRows.h"
 #include "Spacemint/views/ShownFolder.h"
 #include "core/analysis/Search.h"
@@ -35,6 +36,9 @@ class Explorer : public QObject {
   Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
   /// Whether the folder has items that are large enough to be listed.
   Q_PROPERTY(bool hasItems READ hasItems NOTIFY changed)
+  /// The order of the rows, among `orders`.
+  Q_PROPERTY(QStringList orders READ orders CONSTANT)
+  Q_PROPERTY(int order READ order WRITE setOrder NOTIFY changed)
   /// What the colours mean.
   Q_PROPERTY(QStringList colourings READ colourings CONSTANT)
   Q_PROPERTY(Colouring colouring READ colouring WRITE setColouring NOTIFY changed)
@@ -68,6 +72,9 @@ class Explorer : public QObject {
   QString summary() const;
   bool isEmpty() const { return folder_.node == nullptr || folder_.node->size <= 0; }
   bool hasItems() const { return !isEmpty() && !folder_.node->children.empty(); }
+  static QStringList orders() { return Folders::orders(); }
+  int order() const { return static_cast<int>(order_); }
+  void setOrder(int order);
   QStringList colourings() const;
   Colouring colouring() const { return canCompare() ? colouring_ : Colouring::Age; }
   void setColouring(Colouring colouring);
@@ -157,6 +164,7 @@ class Explorer : public QObject {
   std::string pointed_;
   std::optional<Tile> pointedTile_;
   qreal listWidth_ = 0;
+  ItemOrder order_ = ItemOrder::bySize;
   Colouring colouring_ = Colouring::Growth;
   /// Why the words of the search are not understood.
   std::string mistake_;

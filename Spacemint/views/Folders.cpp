@@ -5,13 +5,11 @@
 #include "Spacemint/views/ShownFolder.h"
 #include "Spacemint/views/ShownText.h"
 #include "core/base/ByteFormat.h"
-#include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
 #include "core/wording/PictureText.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace spacemint {
@@ -47,10 +45,6 @@ std::vector<ListItem> itemsOf(const ShownFolder& folder, const UiHost& host) {
   return items;
 }
 
-std::int64_t filesIn(const Node& node) {
-  return node.isDirectory ? node.fileCount : 1;
-}
-
 // Shows numbers of files in place of sizes, and sorts by them.
 void showCounts(std::vector<ListItem>& items, const ShownFolder& folder, const std::string& locale) {
   const auto& children = folder.node->children;
@@ -69,35 +63,6 @@ void showCounts(std::vector<ListItem>& items, const ShownFolder& folder, const s
   const auto end = items.begin() + std::ssize(children);
   std::stable_sort(items.begin(), end,
                    [](const ListItem& a, const ListItem& b) { return a.fraction > b.fraction; });
-}
-
-// What the scan left out in the folder, or below it in folders too small to be listed.
-std::vector<ListItem> leftOutItems(const ShownFolder& folder, const UiHost& host) {
-  std::vector<ListItem> items;
-  for (const LeftOut& item : folder.snapshot->coverage.leftOut) {
-    if (item.kind == LeftOut::Kind::excluded) continue;
-    if (folderAt(host.model, item.path).path != folder.path) continue;
-    items.push_back(
-        {.id = "left out " + item.path,
-         .title = isolatedPath(Paths::display(item.path, host.homeInScan())),
-         .subtitle = i18n(
-             "{item}, not scanned",
-             {{"item", FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale)}}),
-         .sizeText = "",
-         .symbol = item.kind == LeftOut::Kind::snapshot ? "square.stack.3d.up" : "externaldrive"});
-  }
-  return items;
-}
-
-// One row for all that the user excluded at or below the folder.
-std::vector<ListItem> excludedItems(const ShownFolder& folder, const UiHost& host) {
-  const ExcludedSum sum = folder.snapshot->coverage.excludedBelow(folder.path);
-  if (sum.items == 0) return {};
-  return {{.id = "excluded",
-           .title = i18n(FindingText::excludedTitle),
-           .subtitle = FindingText::excludedItems(sum, host.locale),
-           .sizeText = sum.unknown == sum.items ? "" : ByteFormat::string(sum.size, host.locale),
-           .symbol = "app.dashed"}};
 }
 
 // The index of the child that is `below` or leads to it; 0 if there is none.
@@ -127,9 +92,8 @@ void Folders::update() {
     return ShownText::plain(FolderText::title(path, snapshot->rootPath(), host_.homeInScan()));
   };
   auto items = itemsOf(folder, host_);
-  if (order_ == Order::byCount) showCounts(items, folder, host_.locale);
-  std::ranges::move(excludedItems(folder, host_), std::back_inserter(items));
-  std::ranges::move(leftOutItems(folder, host_), std::back_inserter(items));
+  if (order_ == ItemOrder::byCount) showCounts(items, folder, host_.locale);
+  addLeftOut(items, host_, folder);
   addNotInFiles(items, host_, folder, isAccountUnfolded_, [this] {
     isAccountUnfolded_ = !isAccountUnfolded_;
     update();
@@ -152,7 +116,7 @@ QStringList Folders::orders() {
 }
 
 void Folders::setOrder(int order) {
-  order_ = order == 0 ? Order::bySize : Order::byCount;
+  order_ = order == 0 ? ItemOrder::bySize : ItemOrder::byCount;
   update();
 }
 

@@ -8,6 +8,9 @@
 
 namespace spacemint {
 
+/// By what the items of a folder are sorted.
+enum class ItemOrder : std::uint8_t { bySize, byCount };
+
 /// One folder of the scan, and the items in it. Main thread only.
 class Folders : public QObject {
   Q_OBJECT
@@ -47,8 +50,6 @@ class Folders : public QObject {
   void opened(int row);
 
  private:
-  enum class Order : std::uint8_t { bySize, byCount };
-
   void update();
 
   const UiHost& host_;
@@ -58,7 +59,7 @@ class Folders : public QObject {
   QString title_;
   QString sizeText_;
   QString parentTitle_;
-  Order order_ = Order::bySize;
+  ItemOrder order_ = ItemOrder::bySize;
   bool isAccountUnfolded_ = false;
 };
 

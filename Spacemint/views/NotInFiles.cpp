@@ -5,6 +5,7 @@
 #include "core/base/Isolate.h"
 #include "core/base/Translation.h"
 #include "core/wording/AccountText.h"
+#include "core/wording/FindingText.h"
 
 #include <algorithm>
 #include <array>
@@ -55,6 +56,29 @@ ListItem itemOf(const AccountLine& line, const std::string& locale) {
 }
 
 }  // namespace
+
+void addLeftOut(std::vector<ListItem>& items, const UiHost& host, const ShownFolder& folder) {
+  const Coverage& coverage = folder.snapshot->coverage;
+  if (const ExcludedSum sum = coverage.excludedBelow(folder.path); sum.items > 0) {
+    items.push_back({.id = "excluded",
+                     .title = i18n(FindingText::excludedTitle),
+                     .subtitle = FindingText::excludedItems(sum, host.locale),
+                     .sizeText = sum.unknown == sum.items ? "" : ByteFormat::string(sum.size, host.locale),
+                     .symbol = "app.dashed"});
+  }
+  for (const LeftOut& item : coverage.leftOut) {
+    if (item.kind == LeftOut::Kind::excluded) continue;
+    if (folderAt(host.model, item.path).path != folder.path) continue;
+    items.push_back(
+        {.id = "left out " + item.path,
+         .title = isolatedPath(Paths::display(item.path, host.homeInScan())),
+         .subtitle = i18n(
+             "{item}, not scanned",
+             {{"item", FindingText::leftOutTitle(item, host.desktop.clock.now(), ShownText::wordsLocale)}}),
+         .sizeText = "",
+         .symbol = item.kind == LeftOut::Kind::snapshot ? "square.stack.3d.up" : "externaldrive"});
+  }
+}
 
 std::vector<ListItem> notInFilesItems(const Account& account, const UiHost& host) {
   auto lines = AccountText::lines(account, host.home, host.locale, host.desktop.clock.now());

@@ -7,6 +7,10 @@
 
 namespace spacemint {
 
+/// Adds a row for all that the user excluded at or below the folder, and one for each volume and snapshot
+/// that the scan did not enter there, or below it in folders too small to be listed.
+void addLeftOut(std::vector<ListItem>& items, const UiHost& host, const ShownFolder& folder);
+
 /// What takes the space that no file of the scan takes, first what can be changed.
 std::vector<ListItem> notInFilesItems(const Account& account, const UiHost& host);
 

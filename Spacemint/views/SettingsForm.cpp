@@ -181,7 +181,8 @@ void SettingsForm::chooseItemColour(int index) {
 
 QStringList SettingsForm::excludes() const {
   QStringList patterns;
-  for (const std::string& pattern : prefs().excludes()) patterns << ShownText::plain(isolatedPath(pattern));
+  for (const std::string& pattern : prefs().excludes())
+    patterns << ShownText::plain(isolatedPath(Paths::display(pattern, host_.home)));
   return patterns;
 }
 

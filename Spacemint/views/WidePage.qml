@@ -78,7 +78,7 @@ Item {
                     Layout.fillWidth: true
                     visible: !root.hasSide
                 }
-                ColouringPicker {
+                ListPickers {
                     visible: root.hasSide && root.showsFolders
                     explorer: root.ui.explorer
                 }
@@ -156,7 +156,7 @@ Item {
                     Layout.fillWidth: true
                     explorer: root.ui.explorer
                 }
-                ColouringPicker {
+                ListPickers {
                     explorer: root.ui.explorer
                 }
             }

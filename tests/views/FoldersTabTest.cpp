@@ -177,6 +177,16 @@ TEST_F(FoldersTabTest, sortsByTheNumberOfFiles) {
   EXPECT_THAT(rows(), ElementsAre("Mail", "Films"));
   EXPECT_EQ(row("Films")->property("sizeText").toString(), QStringLiteral("10 files"));
   EXPECT_EQ(ui->folders()->rowOf(0), 1) << "pictures keep the order of the sizes";
+  // The window has its list beside a map.
+  ui->explorer()->setShowsRows(true);
+  ui->explorer()->setOrder(1);
+  model->leaveOut(inHome("Films/a"));
+  settle();
+  const ItemRows& list = *ui->explorer()->rows();
+  const auto text = [&](int i, int role) { return list.data(list.index(i), role).toString(); };
+  EXPECT_EQ(text(0, ItemRows::TitleRole), QStringLiteral("Mail"));
+  EXPECT_EQ(text(1, ItemRows::SizeTextRole), QStringLiteral("9 files"));
+  EXPECT_EQ(text(2, ItemRows::TitleRole), QStringLiteral("Left out of scans"));
 }
 
 TEST_F(FoldersTabTest, whatIsTooSmallToBeListedHasNoButtonsAndNoMenu) {
