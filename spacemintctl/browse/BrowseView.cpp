@@ -1,6 +1,5 @@
 #include "spacemintctl/browse/BrowseView.h"
 
-#include "core/base/AsciiText.h"
 #include "core/base/ByteFormat.h"
 #include "core/base/Translation.h"
 #include "core/wording/FindingText.h"
@@ -73,7 +72,7 @@ Span ageCell(const Row& row, const BrowseView& view, Bytes) {
   const std::string age = row.modified ? shortAge(*row.modified, view.now) : "";
   if (!row.isDirectory) return {age};
   // Nothing is newer than "now".
-  return {age.empty() || !isDigit(age.front()) ? age : "≤" + age, Style::dim};
+  return {age.empty() || age == i18n("now") ? age : "≤" + age, Style::dim};
 }
 
 constexpr std::array<Column, 6> allColumns{{
