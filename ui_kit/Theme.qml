@@ -13,9 +13,9 @@ ThemeBase {
     /// Whether the person used the keyboard last, and not the pointer. Read here, so that it is known from the start.
     readonly property bool isKeyboardInUse: LastInput.isKeyboard
 
-    /// The font of figures and headlines, for one such text.
+    /// The font of figures and headlines, for one such text. They are large, and grow half as much as the other texts.
     function display(size: real, shown: string) : font {
-        return scaledFont(displayFamily(shown), size, Font.Normal);
+        return scaledFont(displayFamily(shown), size * (1 + textScale) / 2 / textScale, Font.Normal);
     }
 
     /// The font of all other texts. `weight` is a value of Font and may be left out.
@@ -45,6 +45,12 @@ ThemeBase {
     function strength(control: Item) : real {
         return control.enabled || control.parent?.enabled === false ? 1 : 0.4;
     }
+
+    /// Why the focus goes to a control that another one led to. With the keyboard, it shows its ring.
+    function focusReason() : int {
+        return isKeyboardInUse ? Qt.TabFocusReason : Qt.OtherFocusReason;
+    }
+
     /// The duration of a transition, in milliseconds.
     function duration(ms: int) : int {
         return reducedMotion ? 0 : ms;

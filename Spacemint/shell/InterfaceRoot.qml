@@ -32,6 +32,10 @@ FocusScope {
         anchors.fill: parent
         covered: notice.covered
         enabled: !root.showingAbout
+        onEnabledChanged: {
+            if (enabled)
+                takeFocus();
+        }
         focus: true
         ui: root.ui
         windowed: root.windowed
@@ -51,7 +55,10 @@ FocusScope {
         name: root.productName
         version: root.productVersion
         keyHelp: root.keyHelp
-        onVisibleChanged: (visible ? this : view).forceActiveFocus()
+        onVisibleChanged: {
+            if (visible)
+                forceActiveFocus(Theme.focusReason());
+        }
         onClosed: root.showingAbout = false
     }
 }

@@ -76,24 +76,47 @@ FocusScope {
                 horizontalAlignment: Text.AlignLeft
             }
             ListView {
+                id: items
+
+                function scroll(way: real) {
+                    contentY = Math.max(originY, Math.min(contentY + way, originY + contentHeight - height));
+                }
+
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                // Room for the ring of the keyboard.
+                Layout.leftMargin: -6
+                Layout.rightMargin: -6
                 Layout.preferredHeight: Math.min(contentHeight, Theme.scaled(170))
                 Layout.minimumHeight: Math.min(contentHeight, Theme.scaled(40))
                 visible: count > 0
                 clip: true
                 boundsBehavior: Flickable.StopAtBounds
                 model: root.ui.confirmation.items
+                interactive: contentHeight > height
+                activeFocusOnTab: interactive
+                Keys.onDownPressed: scroll(Theme.scaled(40))
+                Keys.onUpPressed: scroll(-Theme.scaled(40))
                 Accessible.role: Accessible.List
                 Accessible.name: root.ui.confirmation.subject
+
+                FocusRing {
+                    parent: items
+                    visible: items.activeFocus && Theme.isKeyboardInUse
+                    around: 4
+                    outside: 0
+                }
                 delegate: Label {
                     required property string modelData
 
                     width: ListView.view.width
+                    leftPadding: 6
+                    rightPadding: 6
                     text: modelData
                     size: 12
                     elide: Text.ElideMiddle
                     bottomPadding: 3
+                    Accessible.role: Accessible.ListItem
                 }
             }
             RowLayout {

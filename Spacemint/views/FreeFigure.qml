@@ -9,8 +9,6 @@ Row {
     required property Ui ui
     property real size: 44
     readonly property color levelColor: [Theme.ink, Theme.warning, Theme.critical][ui.summary.level]
-    /// A large figure grows half as much as the text around it.
-    readonly property real ownScale: (1 + Theme.textScale) / 2 / Theme.textScale
     readonly property real textBaseline: figure.baselineOffset
 
     Accessible.role: Accessible.StaticText
@@ -19,7 +17,7 @@ Row {
     Label {
         y: figure.baselineOffset - baselineOffset
         text: root.ui.summary.beforeFree
-        font: Theme.display(root.size * root.ownScale * 0.46, text)
+        font: Theme.display(root.size * 0.46, text)
         color: root.levelColor
         Accessible.ignored: true
     }
@@ -27,14 +25,14 @@ Row {
         id: figure
 
         text: root.ui.summary.free
-        font: Theme.display(root.size * root.ownScale, text)
+        font: Theme.display(root.size, text)
         color: root.levelColor
         Accessible.ignored: true
     }
     Label {
         y: figure.baselineOffset - baselineOffset
         text: root.ui.summary.afterFree
-        font: Theme.display(root.size * root.ownScale * 0.46, text)
+        font: Theme.display(root.size * 0.46, text)
         color: root.levelColor
         Accessible.ignored: true
     }

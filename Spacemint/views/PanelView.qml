@@ -17,6 +17,11 @@ Rectangle {
     /// From this width on, in the size of the text, the window has a layout of its own.
     readonly property bool isWide: windowed && width >= 720 * Theme.textScale && root.ui.page.state === Page.Tabs
 
+    /// Gives the focus back to the control that had it.
+    function takeFocus() {
+        pages.forceActiveFocus(Theme.focusReason());
+    }
+
     implicitWidth: 460
     implicitHeight: 700
     radius: rounded && !windowed ? 12 : 0

@@ -103,6 +103,11 @@ ListView {
         if (activeFocus && wasInView)
             positionViewAtIndex(currentIndex, ListView.Contain);
     }
+    // A list that was empty at first has no current row, so that nothing would show the keyboard.
+    onActiveFocusChanged: {
+        if (activeFocus && currentIndex < 0 && count > 0)
+            currentIndex = 0;
+    }
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: true
     activeFocusOnTab: true

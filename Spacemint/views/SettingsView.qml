@@ -13,7 +13,10 @@ Rectangle {
     readonly property SettingsForm form: ui.settings
 
     color: Theme.canvas
-    Component.onCompleted: form.refresh()
+    Component.onCompleted: {
+        form.refresh();
+        back.forceActiveFocus(Theme.focusReason());
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -27,6 +30,8 @@ Rectangle {
             spacing: 6
 
             IconButton {
+                id: back
+
                 symbol: LayoutMirroring.enabled ? "chevron.right" : "chevron.left"
                 help: Words.back
                 onClicked: root.ui.page.showingSettings = false
@@ -81,6 +86,7 @@ Rectangle {
 
                     SecondaryButtonStyle {
                         text: root.form.notificationsAllowed ? Words.sendTest : Words.notificationsOff
+                        Accessible.description: Words.notifications
                         onClicked: root.form.notificationsAllowed ? root.form.sendTestNotification() : root.form.openNotificationSettings()
                     }
                 }
@@ -124,6 +130,7 @@ Rectangle {
                     SecondaryButtonStyle {
                         visible: !root.ui.page.hasAccess
                         text: Words.openSettings
+                        Accessible.description: Words.fileAccess
                         onClicked: root.ui.page.openAccessSettings()
                     }
                 }

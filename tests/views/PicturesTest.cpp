@@ -179,8 +179,7 @@ TEST_F(PicturesTest, rightToLeftThePictureAndItsKeysTurnAround) {
 
 TEST_F(PicturesTest, theArrowKeysMoveTheBorderBetweenListAndMap) {
   showWindow({1080, 700});
-  list()->forceActiveFocus(Qt::TabFocusReason);
-  press(Qt::Key_Tab);
+  get("Width of the list")->forceActiveFocus(Qt::TabFocusReason);
   const auto widthAfter = [&](Qt::Key key) {
     press(key);
     return only("ExplorerView")->property("listWidth").toInt();

@@ -26,9 +26,8 @@ namespace spacemint::gallery {
 
 namespace {
 
-void pointAt(QQuickWindow& window, const QQuickItem& item) {
-  const QPointF centre = item.mapToScene(QPointF(item.width() / 2, item.height() / 2));
-  QMouseEvent move(QEvent::MouseMove, centre, window.mapToGlobal(centre), Qt::NoButton, Qt::NoButton, {});
+void movePointer(QQuickWindow& window, QPointF to) {
+  QMouseEvent move(QEvent::MouseMove, to, window.mapToGlobal(to), Qt::NoButton, Qt::NoButton, {});
   QCoreApplication::sendEvent(&window, &move);
 }
 
@@ -65,6 +64,8 @@ void printTexts(const QString& page, const QQuickItem& item) {
 QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
   QQmlComponent component(&engine, QUrl(page.url));
   QQuickWindow window;
+  movePointer(window,
+              {-1, -1});  // no page shows the ring of the keyboard, unless it gives the focus to an item
   Theme& theme = UiKit::theme(engine);
   window.setColor(theme.canvas());
   QMetaObject::invokeMethod(&theme, "followDirection", Q_ARG(QQuickItem*, window.contentItem()));
@@ -95,7 +96,8 @@ QImage draw(QQmlEngine& engine, const Page& page, bool printsTexts) {
     QCoreApplication::sendEvent(&window, &key);
     focused->forceActiveFocus(Qt::TabFocusReason);
   }
-  if (const auto* pointer = itemProperty(*item, "pointer")) pointAt(window, *pointer);
+  if (const auto* pointer = itemProperty(*item, "pointer"))
+    movePointer(window, pointer->mapToScene(QPointF(pointer->width() / 2, pointer->height() / 2)));
   QCoreApplication::processEvents();
   window.grabWindow();  // what depends on the width of something else is in its place one frame later
   const QImage picture = window.grabWindow();

@@ -195,7 +195,7 @@ Item {
             compare(small.pixelSize, 10);
             Theme.textScale = 1.5;
             compare(small.pixelSize, 15);
-            compare(figure.pixelSize, 60);
+            compare(figure.pixelSize, 50);
             compare(Theme.title.pixelSize, 42);
         }
 
