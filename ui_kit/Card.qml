@@ -17,6 +17,7 @@ Rectangle {
     border.width: 1
     border.color: Theme.border
     Accessible.role: Accessible.Grouping
+    Accessible.ignored: !Accessible.name
 
     ColumnLayout {
         id: column

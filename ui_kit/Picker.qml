@@ -8,12 +8,14 @@ T.ComboBox {
     id: root
 
     property real size: 12
+    /// As wide as the chosen text, and not as the widest one.
+    property bool isCompact: false
     readonly property real roomForArrow: 11 + arrow.width + 6
     /// With this width the chosen text is seen in full.
     readonly property real leastWidth: label.implicitWidth + leftPadding + rightPadding
 
     hoverEnabled: true
-    implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding
+    implicitWidth: (isCompact ? label.implicitWidth : Math.max(label.implicitWidth, widest.width)) + leftPadding + rightPadding
     implicitHeight: label.implicitHeight + topPadding + bottomPadding
     leftPadding: mirrored ? roomForArrow : 11
     rightPadding: mirrored ? 11 : roomForArrow
@@ -21,8 +23,9 @@ T.ComboBox {
     font: Theme.text(size, Font.Medium)
     opacity: Theme.strength(root)
     Accessible.role: Accessible.ComboBox
-    // A screen reader says the description after the name, and again when it changes. Qt has no text value here.
-    Accessible.description: displayText
+    // A screen reader says the description after the name, and again when it changes. Qt has no text value here. The
+    // list of choices does not have the focus while it is open.
+    Accessible.description: popup.visible ? textAt(highlightedIndex) : displayText
     // The template chooses when Return is released, so the list also opens on the release.
     Keys.onReleased: event => {
         const opens = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
@@ -31,7 +34,7 @@ T.ComboBox {
             popup.open();
     }
 
-    // Invisible. It measures the widest choice, so that the picker keeps its width.
+    // Invisible. It measures the widest choice.
     Column {
         id: widest
 

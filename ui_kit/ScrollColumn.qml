@@ -82,6 +82,7 @@ Flickable {
         padding: 2
         minimumSize: 0.08
         visible: size < 1
+        Accessible.ignored: true
 
         contentItem: Rectangle {
             implicitWidth: 6

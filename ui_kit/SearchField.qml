@@ -27,7 +27,8 @@ T.TextField {
     selectedTextColor: Theme.ink
     selectByMouse: true
     verticalAlignment: TextInput.AlignVCenter
-    placeholderText: hint
+    // Only read out: the label below is what is seen.
+    placeholderText: hint === Accessible.name ? "" : hint
     Accessible.role: Accessible.EditableText
     Accessible.name: hint
     Keys.onEscapePressed: event => {

@@ -28,6 +28,8 @@ T.GroupBox {
     font: Theme.text(size, Font.Medium)
     opacity: Theme.strength(root)
     focusPolicy: Qt.StrongFocus
+    // This has the focus, and not the segment.
+    Accessible.description: model[currentIndex] ?? ""
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)
 

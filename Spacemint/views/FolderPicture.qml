@@ -66,7 +66,9 @@ Column {
                     height: modelData.frame.height
                     Accessible.role: Accessible.TreeItem
                     Accessible.name: modelData.spoken
+                    Accessible.focusable: true
                     Accessible.focused: icicle.activeFocus && icicle.current === index
+                    Accessible.onPressAction: icicle.press(index)
                 }
             }
             TileFrame {

@@ -108,6 +108,10 @@ void Icicle::choose(std::size_t tile) {
       static_cast<int>(child != nullptr ? child - folder.children.data() : std::ssize(folder.children) - 1));
 }
 
+void Icicle::press(int block) {
+  if (block >= 0 && block < std::ssize(tiles())) choose(static_cast<std::size_t>(block));
+}
+
 // The keyboard
 
 std::size_t Icicle::besides(int step) const {

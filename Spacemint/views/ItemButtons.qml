@@ -20,6 +20,7 @@ Item {
             visible: root.row.rows.isOfHere
             symbol: "magnifyingglass"
             help: ItemText.showInFileManager
+            Accessible.description: root.row.title
             onClicked: root.row.rows.reveal(root.row.rowId)
         }
         IconButton {
@@ -27,6 +28,7 @@ Item {
             enabled: !root.row.isBusy
             symbol: root.row.isInTrash ? "trash.slash" : "trash"
             help: ItemText.removeHelp(root.row.isInTrash)
+            Accessible.description: root.row.title
             onClicked: root.row.rows.remove(root.row.rowId)
         }
     }

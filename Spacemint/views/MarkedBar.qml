@@ -31,7 +31,8 @@ Rectangle {
             Layout.fillWidth: true
             text: root.rows.markedText
             weight: Font.Medium
-            elide: Text.ElideRight
+            wrapMode: Text.Wrap
+            Accessible.ignored: true
         }
         SecondaryButtonStyle {
             text: Words.removeMarked

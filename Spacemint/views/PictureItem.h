@@ -167,6 +167,8 @@ class Icicle : public spacemint::PictureItem {
   explicit Icicle(QQuickItem* parent = nullptr);
 
   QVariantList blocks() const;
+  /// The same as a click on the block.
+  Q_INVOKABLE void press(int block);
   int rows() const;
   int current() const { return current_ < tiles().size() ? static_cast<int>(current_) : 0; }
   QRectF currentFrame() const { return frameOf(static_cast<std::size_t>(current())); }

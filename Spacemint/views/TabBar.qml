@@ -24,6 +24,8 @@ Item {
     activeFocusOnTab: true
     Accessible.role: Accessible.PageTabList
     Accessible.name: Words.pages
+    // The bar has the focus, and not the tab.
+    Accessible.description: titles[currentIndex] ?? ""
     Keys.onLeftPressed: show(currentIndex - 1)
     Keys.onRightPressed: show(currentIndex + 1)
     onCurrentIndexChanged: view.reveal()

@@ -280,7 +280,8 @@ const std::map<QAccessible::Role, std::string> controlRoles{
     {QAccessible::AlertMessage, "alert"},   {QAccessible::Dialog, "dialog"},
     {QAccessible::Slider, "slider"},        {QAccessible::Tree, "tree"},
     {QAccessible::TreeItem, "tree item"},   {QAccessible::Graphic, "picture"},
-    {QAccessible::EditableText, "field"}};
+    {QAccessible::EditableText, "field"},   {QAccessible::PageTabList, "tabs"},
+    {QAccessible::Grouping, "group"}};
 
 class ScreenReaderTest : public ShownTabs {
  protected:
