@@ -8,14 +8,12 @@ T.ComboBox {
     id: root
 
     property real size: 12
-    /// As wide as the chosen text, and not as the widest one.
-    property bool isCompact: false
     readonly property real roomForArrow: 11 + arrow.width + 6
     /// With this width the chosen text is seen in full.
     readonly property real leastWidth: label.implicitWidth + leftPadding + rightPadding
 
     hoverEnabled: true
-    implicitWidth: (isCompact ? label.implicitWidth : Math.max(label.implicitWidth, widest.width)) + leftPadding + rightPadding
+    implicitWidth: Math.max(label.implicitWidth, widest.width) + leftPadding + rightPadding
     implicitHeight: label.implicitHeight + topPadding + bottomPadding
     leftPadding: mirrored ? roomForArrow : 11
     rightPadding: mirrored ? 11 : roomForArrow
@@ -34,7 +32,7 @@ T.ComboBox {
             popup.open();
     }
 
-    // Invisible. It measures the widest choice.
+    // Invisible. It measures the widest choice, so that the picker keeps its width.
     Column {
         id: widest
 

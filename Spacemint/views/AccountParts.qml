@@ -26,13 +26,17 @@ Column {
             required property string sizeText
 
             width: root.width
-            height: Theme.scaled(28)
+            height: Math.max(Theme.scaled(28), line.implicitHeight + 8)
             Accessible.role: Accessible.ListItem
             Accessible.name: Words.spoken([title, subtitle, sizeText])
 
             RowLayout {
+                id: line
+
                 anchors {
-                    fill: parent
+                    left: parent.left
+                    right: parent.right
+                    verticalCenter: parent.verticalCenter
                     leftMargin: 20
                     rightMargin: 10 + Theme.scaled(13) + 10
                 }
@@ -42,7 +46,7 @@ Column {
                     Layout.maximumWidth: implicitWidth + 1
                     Layout.fillWidth: true
                     text: row.title
-                    elide: Text.ElideMiddle
+                    wrapMode: Text.Wrap
                     Accessible.ignored: true
                 }
                 Label {

@@ -23,6 +23,5 @@ ColumnLayout {
     SectionRows {
         rows: root.caches
         name: header.title
-        wrapsSubtitles: true
     }
 }

@@ -31,6 +31,7 @@ SettingsSection {
             title: modelData
 
             IconButton {
+                Layout.rightMargin: -padding
                 symbol: "xmark"
                 size: 12
                 help: root.form.removeExcludeHelp(pattern.modelData)
@@ -38,9 +39,12 @@ SettingsSection {
             }
         }
     }
-    RowLayout {
+    GridLayout {
         Layout.fillWidth: true
-        spacing: 8
+        // With large letters the button is below the field.
+        columns: field.hintWidth + columnSpacing + button.implicitWidth > width ? 1 : 2
+        columnSpacing: 8
+        rowSpacing: 4
 
         SearchField {
             id: field
@@ -52,6 +56,9 @@ SettingsSection {
             onAccepted: root.add()
         }
         SecondaryButtonStyle {
+            id: button
+
+            Layout.alignment: Qt.AlignRight
             text: Words.add
             enabled: field.text
             onClicked: root.add()

@@ -251,9 +251,13 @@ void Explorer::updateAbout() {
   const bool hasShare =
       tile && folder_.node != nullptr &&
       std::ranges::any_of(folder_.node->children, [&](const Node& child) { return &child == tile->node; });
-  aboutDetail_ = tile ? ShownText::onOneLine(ShownText::sentence(PictureText::about(
-                            *tile, folder_.node->size, hasShare ? title().toStdString() : "", host_.locale)))
-                      : QString{};
+  const auto detail = [&](const std::string& folder) {
+    return tile ? ShownText::onOneLine(ShownText::sentence(
+                      PictureText::about(*tile, folder_.node->size, folder, host_.locale)))
+                : QString{};
+  };
+  aboutDetail_ = detail(hasShare ? title().toStdString() : "");
+  aboutBriefly_ = detail("");
   Q_EMIT aboutChanged();
 }
 

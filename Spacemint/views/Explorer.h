@@ -55,6 +55,8 @@ class Explorer : public QObject {
   // The thing under the pointer, else the selected one.
   Q_PROPERTY(QString aboutName READ aboutName NOTIFY aboutChanged)
   Q_PROPERTY(QString aboutDetail READ aboutDetail NOTIFY aboutChanged)
+  /// The same without the share of the folder, for a narrow place.
+  Q_PROPERTY(QString aboutBriefly READ aboutBriefly NOTIFY aboutChanged)
   Q_PROPERTY(bool isPointing READ isPointing NOTIFY aboutChanged)
  public:
   enum class Colouring { Growth, Age };
@@ -91,6 +93,7 @@ class Explorer : public QObject {
   int pointedChild() const;
   QString aboutName() const { return aboutName_; }
   QString aboutDetail() const { return aboutDetail_; }
+  QString aboutBriefly() const { return aboutBriefly_; }
   /// Whether something is under the pointer, so that the texts are about it.
   bool isPointing() const { return pointedTile_.has_value(); }
 
@@ -174,6 +177,7 @@ class Explorer : public QObject {
   std::size_t searches_ = 0;
   QString aboutName_;
   QString aboutDetail_;
+  QString aboutBriefly_;
 };
 
 }  // namespace spacemint

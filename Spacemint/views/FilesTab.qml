@@ -73,6 +73,7 @@ ColumnLayout {
 
         Label {
             Layout.fillWidth: true
+            visible: text
             text: root.files.status
             size: 12
             color: root.files.isUnderstood ? Theme.secondary : Theme.critical

@@ -73,7 +73,9 @@ Item {
                         Layout.fillWidth: true
                         title: root.folders.title
                         size: 15
-                        elide: Text.ElideMiddle
+                        // The first folder has a title, and others their names.
+                        elide: root.folders.parentTitle ? Text.ElideMiddle : Text.ElideNone
+                        wrapMode: root.folders.parentTitle ? Text.NoWrap : Text.Wrap
                     }
                 }
                 Label {

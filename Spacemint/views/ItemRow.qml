@@ -25,6 +25,8 @@ FocusScope {
     required property bool unfolds
     required property bool isUnfolded
     required property bool hasPath
+    /// Whether the title is the name of a file, which may be cut short; every other title is a sentence.
+    required property bool isNamed
     required property bool showsChevron
     required property bool canTrash
     required property bool isInTrash
@@ -59,10 +61,12 @@ FocusScope {
     readonly property real roomForButtons: buttons.item && !hasChangeColumn ? buttons.width + 4 : 0
     readonly property bool mirrored: LayoutMirroring.enabled
     readonly property string spokenShare: Words.share(fraction)
-    /// A row without a path has sentences, which are shown in full; the name of a file may be cut short.
+    /// One width in all rows, so that all bars of a list have the same length, and its buttons are in one column.
+    readonly property real leastSizeWidth: fraction >= 0 || hasChangeColumn || buttonTitle ? Math.max(Theme.scaled(58), sizeWidth) : 0
+    /// Whether the subtitle is a sentence and not a path.
     readonly property bool wraps: wrapsSubtitle || !hasPath
     /// Whether the button has no room beside the texts. Long texts get a second line before.
-    readonly property bool isNarrow: buttonTitle && line.width < Theme.scaled(isInTree ? 30 : 18) + Math.min(texts.implicitWidth, Theme.scaled(180)) + button.implicitWidth + sizeLabel.implicitWidth + 4 * line.columnSpacing
+    readonly property bool isNarrow: buttonTitle && line.width < Theme.scaled(isInTree ? 30 : 18) + Math.min(texts.implicitWidth, Theme.scaled(180)) + button.implicitWidth + Math.max(sizeLabel.implicitWidth, leastSizeWidth) + 4 * line.columnSpacing
 
     /// The person clicked the row; `time` is in milliseconds.
     signal chosen(double time)
@@ -252,15 +256,15 @@ FocusScope {
                         anchors.left: parent.left
                         width: root.tag ? Math.min(implicitWidth, parent.room) : parent.room
                         text: root.title
-                        elide: root.hasPath ? Text.ElideMiddle : root.tag ? Text.ElideRight : Text.ElideNone
-                        wrapMode: root.hasPath || root.tag ? Text.NoWrap : Text.Wrap
+                        elide: root.isNamed ? Text.ElideMiddle : Text.ElideNone
+                        wrapMode: root.isNamed ? Text.NoWrap : Text.Wrap
                         Accessible.ignored: true
                     }
                     Label {
                         id: tagLabel
 
-                        anchors.left: nameLabel.right
-                        anchors.leftMargin: 6
+                        anchors.left: nameLabel.left
+                        anchors.leftMargin: nameLabel.contentWidth + 6
                         anchors.baseline: nameLabel.baseline
                         text: root.tag
                         size: 11
@@ -345,8 +349,7 @@ FocusScope {
             id: sizeLabel
 
             Layout.column: 5
-            // One width in all rows, so that all bars of a list have the same length.
-            Layout.minimumWidth: root.fraction >= 0 || root.hasChangeColumn ? Math.max(Theme.scaled(58), root.sizeWidth) : 0
+            Layout.minimumWidth: root.leastSizeWidth
             onImplicitWidthChanged: root.sizeWidthWanted(implicitWidth)
             visible: root.sizeText
             text: root.sizeText

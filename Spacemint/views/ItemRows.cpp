@@ -27,6 +27,12 @@ bool looksLike(const ListItem& one, const ListItem& other) {
   return look(one) == look(other);
 }
 
+// Whether the title is the name or the path of the item. Every other title is a sentence.
+bool isNamed(const ListItem& item) {
+  return !item.path.empty() &&
+         (item.title.empty() || item.title.find(Paths::lastComponent(item.path)) != std::string::npos);
+}
+
 // Marks a longest rising subsequence. The rows in it stay; all other rows are removed or inserted around
 // them. An absent number is in no subsequence.
 std::vector<bool> longestRise(const std::vector<std::optional<std::size_t>>& numbers) {
@@ -85,6 +91,7 @@ QHash<int, QByteArray> ItemRows::roleNames() const {
           {UnfoldsRole, "unfolds"},
           {IsUnfoldedRole, "isUnfolded"},
           {HasPathRole, "hasPath"},
+          {IsNamedRole, "isNamed"},
           {ShowsChevronRole, "showsChevron"},
           {CanTrashRole, "canTrash"},
           {IsInTrashRole, "isInTrash"},
@@ -114,6 +121,8 @@ QVariant ItemRows::data(const QModelIndex& index, int role) const {
       return item.isUnfolded.value_or(false);
     case HasPathRole:
       return !item.path.empty();
+    case IsNamedRole:
+      return isNamed(item);
     case ShowsChevronRole:
       return item.showsChevron;
     case CanTrashRole:

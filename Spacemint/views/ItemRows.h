@@ -57,6 +57,7 @@ class ItemRows : public QAbstractListModel {
     UnfoldsRole,
     IsUnfoldedRole,
     HasPathRole,
+    IsNamedRole,
     ShowsChevronRole,
     CanTrashRole,
     IsInTrashRole,

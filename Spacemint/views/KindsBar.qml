@@ -26,11 +26,13 @@ Column {
     Rectangle {
         width: root.width
         height: 8
-        radius: 4
+        radius: 2
         color: Theme.track
         clip: true
 
         Row {
+            id: segments
+
             anchors.left: parent.left
             spacing: 1
 
@@ -43,8 +45,9 @@ Column {
                     required property double modelData
                     required property int index
 
-                    width: Math.max(2, modelData * (root.width - 10))
+                    width: Math.max(2, modelData * (root.width - segments.spacing * (root.files.kindShares.length - 1)))
                     height: 8
+                    radius: 2
                     color: root.colourOf(index)
                     opacity: root.strengthOf(index) * (root.files.kind < 0 || root.files.kind === index ? 1 : 0.3)
 

@@ -53,14 +53,21 @@ ScrollColumn {
                 visible: root.overview.growing.count > 0
                 spacing: 10
 
-                SectionHeader {
-                    title: Words.growingNow
+                Column {
+                    Layout.fillWidth: true
+                    spacing: 4
 
+                    SectionHeader {
+                        width: parent.width
+                        title: Words.growingNow
+                    }
                     Label {
+                        width: parent.width
                         visible: text
                         text: root.overview.fullIn
                         color: Theme.amberInk
                         size: 12
+                        wrapMode: Text.Wrap
                     }
                 }
                 Card {
@@ -72,6 +79,7 @@ ScrollColumn {
                         Layout.fillWidth: true
                         rows: root.overview.growing
                         name: Words.growingNow
+                        wrapsSubtitles: true
                         sizeColor: Theme.amberInk
                     }
                 }
@@ -123,6 +131,7 @@ ScrollColumn {
                     Layout.fillWidth: true
                     rows: root.showAllGrowth ? root.overview.growth : root.overview.firstGrowth
                     name: Words.whatChanged
+                    wrapsSubtitles: true
                     sizeColor: Theme.amberInk
                     isTree: true
                     // As long in the third level as in the first, so that the bars compare.

@@ -16,7 +16,11 @@ Item {
     readonly property bool fitsBoth: !isBrief && legend.implicitWidth + 14 + thing.implicitWidth <= width
     readonly property bool showsThing: explorer.aboutName && (fitsBoth || explorer.isPointing)
 
-    implicitHeight: Theme.scaled(16)
+    /// With large letters the figures about a thing are fewer.
+    readonly property bool isNarrow: isBrief && width < Theme.scaled(370)
+
+    // The same with and without a thing, so that nothing moves under the pointer.
+    implicitHeight: Math.max(Theme.scaled(16), legend.implicitHeight)
 
     RowLayout {
         id: legend
@@ -71,7 +75,7 @@ Item {
                     text: entry.modelData.text
                     size: 11
                     color: Theme.secondary
-                    elide: Text.ElideRight
+                    wrapMode: Text.Wrap
                 }
             }
         }
@@ -98,7 +102,7 @@ Item {
         Label {
             // The name is cut short before the figures, but not to nothing.
             Layout.maximumWidth: root.width - 6 - Math.min(aboutName.implicitWidth, Theme.scaled(80))
-            text: root.explorer.aboutDetail
+            text: root.isNarrow ? root.explorer.aboutBriefly : root.explorer.aboutDetail
             size: 11
             color: Theme.secondary
             elide: Text.ElideRight

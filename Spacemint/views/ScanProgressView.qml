@@ -42,7 +42,7 @@ ColumnLayout {
             size: root.compact ? 11.5 : 12
             color: Theme.secondary
             horizontalAlignment: words.fit ? Text.AlignRight : Text.AlignLeft
-            elide: Text.ElideRight
+            wrapMode: Text.Wrap
         }
     }
     ProgressBar {

@@ -8,7 +8,6 @@ Card {
 
     property alias rows: list.rows
     property alias name: list.name
-    property alias wrapsSubtitles: list.wrapsSubtitles
     default property alias below: end.data
 
     Layout.fillWidth: true
@@ -20,6 +19,7 @@ Card {
         id: list
 
         Layout.fillWidth: true
+        wrapsSubtitles: true
         maximumHeight: Theme.scaled(560)
     }
     ColumnLayout {
