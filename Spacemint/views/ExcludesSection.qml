@@ -35,7 +35,12 @@ SettingsSection {
                 symbol: "xmark"
                 size: 12
                 help: root.form.removeExcludeHelp(pattern.modelData)
-                onClicked: root.form.removeExclude(pattern.index)
+                onClicked: {
+                    // This button goes with its pattern.
+                    if (activeFocus)
+                        field.forceActiveFocus(Theme.focusReason());
+                    root.form.removeExclude(pattern.index);
+                }
             }
         }
     }

@@ -23,6 +23,11 @@ Column {
         Icicle {
             id: icicle
 
+            function announceCurrent() {
+                if (activeFocus)
+                    announce(spokenBlocks.itemAt(current));
+            }
+
             width: parent.width
             height: 3 * Theme.scaled(28) + 4
             explorer: root.explorer
@@ -30,6 +35,8 @@ Column {
             Accessible.role: Accessible.Tree
             Accessible.name: root.explorer.mapName
             Accessible.description: root.explorer.summary
+            onCurrentChanged: announceCurrent()
+            onActiveFocusChanged: announceCurrent()
             onZoomed: opening.restart()
             onChildWanted: index => root.childWanted(index)
 
@@ -54,7 +61,10 @@ Column {
             }
             // The blocks, for screen readers.
             Repeater {
+                id: spokenBlocks
+
                 model: icicle.blocks
+                onModelChanged: icicle.announceCurrent()
 
                 Item {
                     required property int index

@@ -1,6 +1,7 @@
 #include "Spacemint/views/PictureItem.h"
 #include "ui_kit/Theme.h"
 
+#include <QAccessible>
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QPainter>
@@ -110,6 +111,12 @@ void Icicle::choose(std::size_t tile) {
 
 void Icicle::press(int block) {
   if (block >= 0 && block < std::ssize(tiles())) choose(static_cast<std::size_t>(block));
+}
+
+void Icicle::announce(QObject* item) {
+  if (item == nullptr) return;
+  QAccessibleEvent event(item, QAccessible::Focus);
+  QAccessible::updateAccessibility(&event);
 }
 
 // The keyboard

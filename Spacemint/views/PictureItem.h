@@ -169,6 +169,8 @@ class Icicle : public spacemint::PictureItem {
   QVariantList blocks() const;
   /// The same as a click on the block.
   Q_INVOKABLE void press(int block);
+  /// Says to screen readers that the keyboard is at the block of `item`, which itself never has the focus.
+  Q_INVOKABLE static void announce(QObject* item);
   int rows() const;
   int current() const { return current_ < tiles().size() ? static_cast<int>(current_) : 0; }
   QRectF currentFrame() const { return frameOf(static_cast<std::size_t>(current())); }
