@@ -1,5 +1,6 @@
 #include "core/scan/ReadAheadListing.h"
 
+#include "core/base/LockSoon.h"
 #include "core/base/Log.h"
 #include "core/host/ThreadPriority.h"
 #include "core/host/VolumeInfo.h"
@@ -46,19 +47,6 @@ constexpr unsigned mostProcessors = 8;
 
 bool isOutOfHandles(int error) {
   return error == EMFILE || error == ENFILE;
-}
-
-// A mutex that is held for less time than it takes to sleep and to be woken.
-std::unique_lock<std::mutex> lockSoon(std::mutex& mutex) {
-  std::unique_lock lock{mutex, std::try_to_lock};
-  for (int tries = 0; !lock && tries < 200; ++tries) {
-#if defined(__x86_64__)
-    __builtin_ia32_pause();
-#endif
-    if (lock.try_lock()) break;
-  }
-  if (!lock) lock.lock();
-  return lock;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "core/host/linux/journal/FanotifySource.h"
 
+#include "core/base/LockSoon.h"
 #include "core/host/linux/FolderOpening.h"
 #include "core/host/linux/journal/FileSystemTraits.h"
 
@@ -123,7 +124,7 @@ std::shared_ptr<FanotifySource> FanotifySource::open(const FileHandle& root, int
 std::expected<int, int> FanotifySource::watch(const FileHandle& folder) {
   const auto handle = FolderHandle::of(folder);
   if (!handle) return std::unexpected(handle.error());
-  const std::lock_guard lock(mutex_);
+  const std::unique_lock lock = lockSoon(mutex_);
   return handles_.add(*handle);
 }
 

@@ -1,5 +1,6 @@
 #include "core/host/linux/journal/Recorder.h"
 
+#include "core/base/LockSoon.h"
 #include "core/host/UserFolders.h"
 #include "core/host/linux/LinuxFolderListing.h"
 #include "core/host/linux/journal/SessionCounter.h"
@@ -78,7 +79,7 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
   bool isCurrent() const { return recorder_->crawlNumber_ == number_; }
 
   FolderRef openedRoot(const FileHandle& folder, const std::vector<ListedPlace>& places) override {
-    const std::lock_guard lock(recorder_->mapMutex_);
+    const std::unique_lock lock = lockSoon(recorder_->mapMutex_);
     if (!isCurrent() || !recorder_->tree_.begin(folder)) return {};
     if (places != recorder_->tree_.places()) recorder_->tree_.fail(JournalError::eventsLost);
     recorder_->tree_.setScanning(true);
@@ -91,22 +92,22 @@ class Recorder::Crawl final : public RecordingCrawl, private FolderObserver {
     if (!source_ || parent == FolderRef{}) return {};
     const auto watched = source_->watch(folder);
     rewindFolder(folder);
-    const std::lock_guard lock(recorder_->mapMutex_);
+    const std::unique_lock lock = lockSoon(recorder_->mapMutex_);
     return isCurrent() ? recorder_->tree_.adopt(parent, name, watched) : FolderRef{};
   }
 
   void couldNotOpen(FolderRef parent, std::string_view name) override {
-    const std::lock_guard lock(recorder_->mapMutex_);
+    const std::unique_lock lock = lockSoon(recorder_->mapMutex_);
     if (isCurrent()) recorder_->tree_.adoptClosed(parent, name);
   }
 
   void listed(FolderRef folder, const FolderSum& sum) override {
-    const std::lock_guard lock(recorder_->mapMutex_);
+    const std::unique_lock lock = lockSoon(recorder_->mapMutex_);
     if (isCurrent()) recorder_->tree_.adoptListed(folder, sum);
   }
 
   void couldNotList(FolderRef folder) override {
-    const std::lock_guard lock(recorder_->mapMutex_);
+    const std::unique_lock lock = lockSoon(recorder_->mapMutex_);
     if (isCurrent()) recorder_->tree_.adoptUnlisted(folder);
   }
 
