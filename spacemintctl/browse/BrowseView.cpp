@@ -144,7 +144,7 @@ Line lineOf(const Row& row, const BrowseView& view, const std::vector<Column>& c
       .spans = {{isMarked ? "*" : " ", Style::marked}, {std::string{signOf(row.flag)}, Style::warning}}};
   std::size_t used = signsWidth;
   for (const Column& column : columns) {
-    Span cell = column.cell(row, view, largest);
+    const Span cell = column.cell(row, view, largest);
     line.spans.push_back({fitted(cell.text, column.width, column.side), cell.style});
     line.spans.push_back({" "});
     used += column.width + 1;
