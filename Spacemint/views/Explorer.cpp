@@ -305,7 +305,7 @@ void Explorer::addRows(const PicturedFolder& folder, const std::string& path, in
     const ChangeTree* change = folder.change != nullptr ? folder.change->child(child.name) : nullptr;
     ListItem item = itemOf(child, change, childPath, depth);
     if (order_ == ItemOrder::byCount) {
-      item.sizeText = counted(filesIn(child), "{count} file", "{count} files", host_.locale);
+      item.sizeText = countText(filesIn(child), host_.locale);
       if (depth == 0) item.fraction = ShownText::share(filesIn(child), folder_.node->fileCount);
     }
     const bool isUnfolded = unfolded_.contains(childPath);
@@ -323,6 +323,8 @@ void Explorer::addRows(const PicturedFolder& folder, const std::string& path, in
                                                      folder_.snapshot->minNodeSize, host_.locale),
                      .symbol = "doc",
                      .depth = depth});
+    if (order_ == ItemOrder::byCount)
+      items.back().sizeText = countText(unlistedFiles(*folder.node), host_.locale);
   }
 }
 

@@ -73,6 +73,7 @@ void Files::update() {
   query_ = parseSearch(host_.model.fileSearch());
   if (!query_) {
     status_ = ShownText::sentence(query_.error().message);
+    if (largest_.count() == 0) largest_.assign({});  // nothing was looked for
   } else if (*query_ == SearchQuery{}) {
     status_.clear();
     showLargest();

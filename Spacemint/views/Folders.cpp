@@ -49,14 +49,10 @@ std::vector<ListItem> itemsOf(const ShownFolder& folder, const UiHost& host) {
 void showCounts(std::vector<ListItem>& items, const ShownFolder& folder, const std::string& locale) {
   const auto& children = folder.node->children;
   std::vector<std::int64_t> counts;
-  std::int64_t rest = folder.node->fileCount;
-  for (const Node& child : children) {
-    counts.push_back(filesIn(child));
-    rest -= counts.back();
-  }
-  if (items.size() > children.size()) counts.push_back(std::max<std::int64_t>(rest, 0));
+  for (const Node& child : children) counts.push_back(filesIn(child));
+  if (items.size() > children.size()) counts.push_back(unlistedFiles(*folder.node));
   for (std::size_t i = 0; i < items.size(); ++i) {
-    items[i].sizeText = counted(counts[i], "{count} file", "{count} files", locale);
+    items[i].sizeText = countText(counts[i], locale);
     items[i].fraction = ShownText::share(counts[i], folder.node->fileCount);
   }
   // The row for small items stays the last one.

@@ -62,7 +62,7 @@ FocusScope {
     readonly property bool mirrored: LayoutMirroring.enabled
     readonly property string spokenShare: Words.share(fraction)
     /// One width in all rows, so that all bars of a list have the same length, and its buttons are in one column.
-    readonly property real leastSizeWidth: fraction >= 0 || hasChangeColumn || buttonTitle ? Math.max(Theme.scaled(58), sizeWidth) : 0
+    readonly property real leastSizeWidth: fraction >= 0 || changes.visible || buttonTitle ? Math.max(Theme.scaled(58), sizeWidth) : 0
     /// Whether the subtitle is a sentence and not a path.
     readonly property bool wraps: wrapsSubtitle || !hasPath
     /// Whether the button has no room beside the texts. Long texts get a second line before.
@@ -316,7 +316,8 @@ FocusScope {
             id: changes
 
             Layout.column: 3
-            visible: root.hasChangeColumn
+            // A row that is no item and has no bar needs the room for its words.
+            visible: root.hasChangeColumn && (root.hasPath || root.change || root.fraction >= 0)
             implicitWidth: Theme.scaled(58)
             implicitHeight: figure.implicitHeight
 

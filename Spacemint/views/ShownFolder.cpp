@@ -1,5 +1,6 @@
 #include "Spacemint/views/ShownFolder.h"
 
+#include "core/base/ByteFormat.h"
 #include "core/wording/FindingText.h"
 
 #include <algorithm>
@@ -40,6 +41,20 @@ bool isLowerBound(const Snapshot& scan, std::string_view folder) {
 std::optional<std::string> rowSize(const Snapshot& scan, const Node& item, const std::string& locale) {
   if (!scan.measuredPart || !item.isDirectory) return std::nullopt;
   return FindingText::folderSize(item.size, true, locale);
+}
+
+std::int64_t filesIn(const Node& item) {
+  return item.isDirectory ? item.fileCount : 1;
+}
+
+std::int64_t unlistedFiles(const Node& folder) {
+  std::int64_t files = folder.fileCount;
+  for (const Node& child : folder.children) files -= filesIn(child);
+  return std::max<std::int64_t>(files, 0);
+}
+
+std::string countText(std::int64_t files, const std::string& locale) {
+  return counted(files, "{count} file", "{count} files", locale);
 }
 
 std::optional<VolumeParts> volumeParts(AppModel& model, const ShownFolder& folder) {

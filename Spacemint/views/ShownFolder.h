@@ -38,10 +38,11 @@ bool isLowerBound(const Snapshot& scan, std::string_view folder);
 /// all others, of which a row says the size.
 std::optional<std::string> rowSize(const Snapshot& scan, const Node& item, const std::string& locale);
 
-/// How many files an item is or holds.
-constexpr std::int64_t filesIn(const Node& item) {
-  return item.isDirectory ? item.fileCount : 1;
-}
+/// How many files an item is or holds, and how many of them are in none of its children.
+std::int64_t filesIn(const Node& item);
+std::int64_t unlistedFiles(const Node& folder);
+/// "12,000 files"
+std::string countText(std::int64_t files, const std::string& locale);
 
 /// The parts of the volume, for a scan of all of it while its root is open.
 std::optional<VolumeParts> volumeParts(AppModel& model, const ShownFolder& folder);
