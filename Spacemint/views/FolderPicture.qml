@@ -64,7 +64,6 @@ Column {
                 id: spokenBlocks
 
                 model: icicle.blocks
-                onModelChanged: icicle.announceCurrent()
 
                 Item {
                     required property int index

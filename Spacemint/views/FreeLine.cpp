@@ -143,16 +143,12 @@ const Theme& FreeLine::theme() const {
   return UiKit::theme(*qmlEngine(this));
 }
 
-// The last point is a dot and the chosen scan a ring, which need room at the ends.
+// The last point is a dot and the chosen scan a ring, which need room at the ends and the top.
 QPointF FreeLine::pointOf(const SpacePoint& point) const {
   constexpr qreal left = 5;
   constexpr qreal right = 6;
-  return {left + point.x * (width() - left - right), heightOf(point.y)};
-}
-
-qreal FreeLine::heightOf(double y) const {
   constexpr qreal top = 5;
-  return top + y * (lineHeight_ - top);
+  return {left + point.x * (width() - left - right), std::max(top, point.y * lineHeight_)};
 }
 
 QPointF FreeLine::pointedAt() const {
@@ -276,7 +272,7 @@ void FreeLine::paintGround(QPainter& painter) const {
     painter.fillRect(QRectF{from, 0, end - from, lineHeight_}, ground);
   }
   if (!line.level || line.points.size() < 2) return;
-  const qreal y = std::round(heightOf(*line.level)) - 0.5;
+  const qreal y = std::round(*line.level * lineHeight_) - 0.5;
   painter.setPen(QPen{theme().warning(), 1, Qt::CustomDashLine, Qt::FlatCap});
   QPen pen = painter.pen();
   pen.setDashPattern({3, 3});

@@ -104,8 +104,6 @@ class FreeLine : public QQuickPaintedItem {
   const Theme& theme() const;
   // All places are those of a line that goes to the right; `seen` turns one around.
   QPointF pointOf(const SpacePoint& point) const;
-  /// The y of a height from 0, the top, to 1. The ring of the chosen scan needs room at the top.
-  qreal heightOf(double y) const;
   qreal seen(qreal x) const { return isMirrored_ ? width() - x : x; }
   const SpacePoint& scanPoint(int place) const;
   int placeAt(qreal x) const;
