@@ -352,8 +352,7 @@ void Explorer::updateRows() {
       if (!mistake_.empty()) {
         text = mistake_;
       } else if (items.empty()) {
-        text =
-            FindingText::nothingCalled(host_.model.fileSearch(), folder_.snapshot->minNodeSize, host_.locale);
+        text = FindingText::nothingFound(folder_.snapshot->minNodeSize, host_.locale);
       }
     } else {
       addRows(folder_.pictured(), folder_.path, 0, items);

@@ -55,6 +55,14 @@ std::vector<bool> longestRise(const std::vector<std::optional<std::size_t>>& num
   return isInRun;
 }
 
+bool isBelowOneOf(const std::set<std::string_view>& paths, std::string_view path) {
+  for (std::size_t end = path.rfind('/'); end != std::string_view::npos && end > 0;
+       end = path.rfind('/', end - 1)) {
+    if (paths.contains(path.substr(0, end))) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 // The new rows, and the index that each had before.
@@ -298,10 +306,16 @@ void ItemRows::showInFolders(int rowId) const {
   host_.model.setTab(Tab::folders);
 }
 
+// What lies in another marked item counts with that one only.
 QString ItemRows::markedText() const {
+  std::set<std::string_view> paths;
+  for (const Entry& entry : entries_) {
+    if (marked_.contains(entry.id)) paths.insert(entry.item.path);
+  }
   Bytes size = 0;
   for (const Entry& entry : entries_) {
-    if (marked_.contains(entry.id)) size = saturatingAdd(size, entry.item.size);
+    if (marked_.contains(entry.id) && !isBelowOneOf(paths, entry.item.path))
+      size = saturatingAdd(size, entry.item.size);
   }
   return ShownText::sentence(i18np("1 selected · {size}", "{count} selected · {size}", markedCount(),
                                    {{"count", groupedNumber(markedCount(), host_.locale)},

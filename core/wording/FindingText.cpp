@@ -127,12 +127,6 @@ std::string FindingText::nothingFound(Bytes minimum, const std::string& locale) 
               {{"size", ByteFormat::string(minimum, locale)}});
 }
 
-std::string FindingText::nothingCalled(std::string_view query, Bytes minimum, const std::string& locale) {
-  if (minimum <= 1) return i18n("Nothing is called “{query}”.", {{"query", query}});
-  return i18n("Nothing of {size} or more is called “{query}”.",
-              {{"size", ByteFormat::string(minimum, locale)}, {"query", query}});
-}
-
 std::string FindingText::noLargeFiles(Bytes minimum, const std::string& locale) {
   if (minimum <= 1) return i18n("No files.");
   return i18n("No files over {size}.", {{"size", ByteFormat::string(minimum, locale)}});

@@ -53,8 +53,6 @@ std::string folderSize(Bytes size, bool isLowerBound, const std::string& locale)
 /// In place of the results of a search: "Nothing found. The scan has files and folders from 20 MB on."
 /// `minimum` is the scan's; up to 1 byte the scan has everything, and no sentence names it.
 std::string nothingFound(Bytes minimum, const std::string& locale);
-/// "Nothing of 20 MB or more is called “xyz”."
-std::string nothingCalled(std::string_view query, Bytes minimum, const std::string& locale);
 /// "No files over 20 MB."
 std::string noLargeFiles(Bytes minimum, const std::string& locale);
 

@@ -147,6 +147,15 @@ TEST_F(FoldersTabTest, marksSeveralByMouseAndByKeyboardAndAsksOnce) {
   press(Qt::Key_End);
   press(Qt::Key_Space);
   EXPECT_EQ(items.markedCount(), 3);
+  // The sum has each byte once, also in a tree with a folder and what is in it.
+  ItemRows& tree = *ui->explorer()->rows();
+  ui->explorer()->setShowsRows(true);
+  tree.markAll();
+  const QString sum = tree.markedText().section(u'·', 1);
+  ui->explorer()->turnRow(0, true);
+  tree.markAll();
+  EXPECT_GT(tree.markedCount(), 4);
+  EXPECT_EQ(tree.markedText().section(u'·', 1), sum);
   click("Remove…");
   EXPECT_THAT(asked(), ElementsAre("Move 3 items to the Trash?", "3 items · 3.6 GB"));
   EXPECT_TRUE(view->shows(QStringLiteral("Papers · 411 MB")));
