@@ -184,7 +184,18 @@ std::string BrowseText::doneLabel(const CleanupPlan& plan, const std::string& lo
              : i18np("Deleted {count} item", "Deleted {count} items", count, {{"count", number}});
 }
 
-std::string BrowseText::marks(std::int64_t count, Bytes size, const std::string& locale) {
+std::string BrowseText::marks(const std::map<std::string, Bytes>& marked, const std::string& locale) {
+  const auto isInAnother = [&](std::string path) {
+    while (path.size() > 1) {
+      if (marked.contains(path = Paths::parent(path))) return true;
+    }
+    return false;
+  };
+  Bytes size = 0;
+  for (const auto& [path, each] : marked) {
+    if (!isInAnother(path)) size = saturatingAdd(size, each);
+  }
+  const std::int64_t count = std::ssize(marked);
   return i18np("{count} marked, {size}", "{count} marked, {size}", count,
                {{"count", groupedNumber(count, locale)}, {"size", ByteFormat::string(size, locale)}});
 }

@@ -4,6 +4,7 @@
 #include "spacemintctl/browse/BrowseView.h"
 #include "spacemintctl/browse/RemovalOffer.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -35,8 +36,8 @@ std::string about(std::string_view title, std::string_view advice);
 /// The start of the sentence about a removal of several items: "Deleted 3 items".
 std::string doneLabel(const CleanupPlan& plan, const std::string& locale);
 
-/// "3 marked, 1.2 GB"
-std::string marks(std::int64_t count, Bytes size, const std::string& locale);
+/// "3 marked, 1.2 GB", of the sizes by path. What lies in another marked item counts with that one only.
+std::string marks(const std::map<std::string, Bytes>& marked, const std::string& locale);
 
 /// A stored scan: "2026-11-25 08:19:10 (1 day ago)".
 std::string scanName(Date date, Date now, const std::string& locale);

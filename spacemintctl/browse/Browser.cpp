@@ -162,11 +162,7 @@ std::string Browser::statusText() const {
   if (page_ == Page::cleanable && row != nullptr) return row->note;
   std::string text;
   const auto add = [&](const std::string& clause) { text += (text.empty() ? "" : " · ") + clause; };
-  if (!marked_.empty()) {
-    Bytes sum = 0;
-    for (const auto& [_, size] : marked_) sum = saturatingAdd(sum, size);
-    add(BrowseText::marks(std::ssize(marked_), sum, view_.locale));
-  }
+  if (!marked_.empty()) add(BrowseText::marks(marked_, view_.locale));
   const std::string age = hasScan_ ? RelativeTime::string(tree_.scan().date, view_.now, view_.locale) : "";
   const std::string progress = progress_.empty() ? "…" : progress_;
   if (!hasScan_) {

@@ -4,6 +4,7 @@
 #include "core/tree/Paths.h"
 #include "core/tree/TreeWalk.h"
 #include "spacemintctl/Console.h"
+#include "spacemintctl/browse/BrowseText.h"
 #include "spacemintctl/browse/BrowseTree.h"
 #include "spacemintctl/browse/BrowseView.h"
 #include "spacemintctl/browse/Cells.h"
@@ -167,6 +168,8 @@ TEST(BrowseCells, cutAtWholeCharacters) {
   EXPECT_EQ(fitted("12", 4, Side::right), "  12");
   EXPECT_EQ(endOf("/home/ann/code", 6), "…/code");
   EXPECT_EQ(shownText("a\x1b[2J\u202e\xff"), "a\ufffd[2J\ufffd\ufffd");
+  EXPECT_THAT(BrowseText::marks({{"/a", 5'000}, {"/a b", 1'000}, {"/a/b/c", 3'000}}, "en_US"),
+              testing::HasSubstr("6 KB"));
 }
 
 // The tree of a whole disk against what browse knows of it: a scan without small nodes, and some listings.
