@@ -14,6 +14,8 @@
 #include <QDBusPendingCall>
 #include <gmock/gmock.h>
 
+#include <signal.h>
+
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -444,9 +446,13 @@ TEST(XdgOpen, tellsWhereNoProgramOpens) {
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
   open();
   EXPECT_TRUE(waitUntil([&] { return failures == 2; })) << "xdg-open found no program";
-  std::ofstream{program} << "#!/bin/sh\n: > \"$0.done\"\n";
+  std::ofstream{program} << "#!/bin/sh\necho $$ >\"$0.done\"\n";
   open();
-  EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(program + ".done"); }));
+  EXPECT_TRUE(waitUntil([&] {
+    pid_t pid = 0;
+    return std::ifstream{program + ".done"} >> pid && kill(pid, 0) != 0;
+  })) << "xdg-open ends";
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   qputenv("PATH", path);
   EXPECT_EQ(failures, 2);
 }
