@@ -41,8 +41,10 @@ def rows(text):
 
 
 def roff(text):
-    """What stands in backquotes becomes bold."""
+    """What stands in backquotes becomes bold. A line may end between the letters of a script without spaces: man does
+    not end with a Chinese text that is longer than its line."""
     text = re.sub(r"`([^`]*)`", r"\\fB\1\\fP", text.replace("\\", "\\e").replace("-", "\\-"))
+    text = re.sub(r"([\u2e80-\u9fff\uff00-\uffef])(?<![「『（《])(?=\w)", r"\1\\:", text)
     return re.sub(r"^(?=[.'])", r"\\&", text, flags=re.MULTILINE)
 
 
